@@ -1,0 +1,41 @@
+# One target per folder: pelmora_layer(store USES base SOURCES store/location.cpp LIBRARIES ...)
+#
+# Each layer is an object library; all of them together make the library `pelmora` and, for the tests
+# that look inside, the static archive `pelmora_internal`.
+
+add_library(pelmora_options INTERFACE)
+target_compile_features(pelmora_options INTERFACE cxx_std_20)
+target_include_directories(pelmora_options INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+if(MSVC)
+  target_compile_options(pelmora_options INTERFACE /W4 $<$<BOOL:${PELMORA_WARNINGS_AS_ERRORS}>:/WX>)
+else()
+  target_compile_options(pelmora_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
+    $<$<BOOL:${PELMORA_WARNINGS_AS_ERRORS}>:-Werror>)
+endif()
+if(PELMORA_SANITIZE)
+  target_compile_options(pelmora_options INTERFACE -fsanitize=${PELMORA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(pelmora_options INTERFACE -fsanitize=${PELMORA_SANITIZE})
+endif()
+
+function(pelmora_layer folder)
+  cmake_parse_arguments(arg "" "" "USES;SOURCES;LIBRARIES" ${ARGN})
+  string(REPLACE "/" "_" layer ${folder})
+  set(target pelmora_${layer})
+  list(TRANSFORM arg_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/${folder}/)
+  add_library(${target} OBJECT ${arg_SOURCES})
+  set_target_properties(${target} PROPERTIES
+    POSITION_INDEPENDENT_CODE ON
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON
+    CXX_EXTENSIONS OFF)
+  target_link_libraries(${target} PRIVATE pelmora_options ${arg_LIBRARIES})
+  foreach(used IN LISTS arg_USES)
+    string(REPLACE "/" "_" used ${used})
+    if(NOT TARGET pelmora_${used})
+      message(FATAL_ERROR "${folder} uses ${used}, which is not a layer before it")
+    endif()
+  endforeach()
+  set_property(GLOBAL APPEND PROPERTY pelmora_layers ${target})
+  set_property(GLOBAL APPEND PROPERTY pelmora_libraries ${arg_LIBRARIES})
+endfunction()

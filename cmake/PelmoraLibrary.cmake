@@ -1,0 +1,41 @@
+# The one library that hosts link, pelmora::pelmora, its installation, and the archive for the tests.
+
+get_property(layers GLOBAL PROPERTY pelmora_layers)
+get_property(libraries GLOBAL PROPERTY pelmora_libraries)
+list(REMOVE_DUPLICATES libraries)
+set(layer_objects "")
+foreach(layer IN LISTS layers)
+  list(APPEND layer_objects $<TARGET_OBJECTS:${layer}>)
+endforeach()
+
+add_library(pelmora SHARED ${layer_objects})
+add_library(pelmora::pelmora ALIAS pelmora)
+set_target_properties(pelmora PROPERTIES
+  LINKER_LANGUAGE CXX
+  VERSION ${PROJECT_VERSION}
+  SOVERSION ${PROJECT_VERSION_MAJOR})
+target_compile_features(pelmora PUBLIC cxx_std_20)
+target_include_directories(pelmora PUBLIC
+  $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
+  $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+target_link_libraries(pelmora PRIVATE $<BUILD_INTERFACE:pelmora_options> ${libraries} ${CMAKE_DL_LIBS})
+
+# The same objects with everything visible to the linker: for tests and benchmarks of the inside.
+add_library(pelmora_internal STATIC EXCLUDE_FROM_ALL ${layer_objects})
+set_target_properties(pelmora_internal PROPERTIES LINKER_LANGUAGE CXX)
+target_link_libraries(pelmora_internal PUBLIC pelmora_options ${libraries} ${CMAKE_DL_LIBS})
+
+install(TARGETS pelmora EXPORT pelmoraTargets)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/pelmora DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(EXPORT pelmoraTargets NAMESPACE pelmora:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/pelmora)
+
+include(CMakePackageConfigHelpers)
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/pelmoraConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/pelmoraConfig.cmake
+  INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/pelmora)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/pelmoraConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/pelmoraConfig.cmake ${PROJECT_BINARY_DIR}/pelmoraConfigVersion.cmake
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/pelmora)
+configure_file(${PROJECT_SOURCE_DIR}/cmake/pelmora.pc.in ${PROJECT_BINARY_DIR}/pelmora.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/pelmora.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

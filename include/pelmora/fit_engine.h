@@ -1,0 +1,73 @@
+// The curve-fitting engine behind a fit run: data in, one model per equation, statistics out.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <pelmora/export.h>
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace pelmora {
+
+// Named columns of equal length.
+struct FitData {
+  std::vector<std::string> Names, Symbols;  // Symbols: "X", "Y" or empty
+  std::vector<std::vector<double>> Columns;
+};
+
+struct ModelDefinition {
+  std::string Name, Expression;
+};
+
+struct FitParameter {
+  std::string Name;
+  double Value = 0, StandardError = 0;
+};
+
+// With n observations, p parameters: ResidualStandardError = sqrt(RSS / (n - p)),
+// RSquared = 1 - RSS / TSS, AdjustedRSquared = 1 - (1 - RSquared) (n - 1) / (n - p),
+// RegressionSumOfSquares = TSS - RSS. All zero where no solution was found.
+struct FitStatistics {
+  std::int32_t Observations = 0, Iterations = 0;
+  double ResidualStandardError = 0, RSquared = 0, AdjustedRSquared = 0, RegressionSumOfSquares = 0,
+         ResidualSumOfSquares = 0;
+};
+
+struct SolverSettings {
+  std::int32_t First = 0, Second = 0;  // limit of iterations, number of starts
+  double ResidualTolerance = 0;
+  std::vector<double> StartValues;  // one per parameter, in order of the letters; empty: the engine's own
+};
+
+// One equation, one fit. Shapes: n points, p parameters.
+class PELMORA_API FitModel {
+ public:
+  virtual ~FitModel() = default;
+  ModelDefinition Definition;
+  SolverSettings Settings;
+
+  // Fits the definition's expression to the columns with the symbols "X" and "Y". One data object
+  // serves all equations of a run.
+  virtual void attach(const std::shared_ptr<const FitData>& data) = 0;
+  [[nodiscard]] virtual bool solutionFound() const = 0;
+  // The fitted table, n rows: columns 1 x, 2 observed y, 3 residual.
+  [[nodiscard]] virtual FitData results() const = 0;
+  [[nodiscard]] virtual std::vector<double> evaluate(std::span<const double> x) const = 0;
+  [[nodiscard]] virtual std::vector<FitParameter> parameters() const = 0;
+  [[nodiscard]] virtual FitStatistics statistics() const = 0;
+  virtual void writeLog(const std::string& path) const = 0;
+  // Why there is no solution, in words; empty where there is one or the engine does not say.
+  [[nodiscard]] virtual std::string failureReason() const { return {}; }
+};
+
+// The role of DataFitX.
+class PELMORA_API FitEngine {
+ public:
+  virtual ~FitEngine() = default;
+  virtual std::unique_ptr<FitModel> createModel() = 0;
+};
+
+}  // namespace pelmora

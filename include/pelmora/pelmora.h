@@ -1,0 +1,10 @@
+// Everything a host needs.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <pelmora/database.h>
+#include <pelmora/error.h>
+#include <pelmora/fit_outcome.h>
+#include <pelmora/platform.h>
+#include <pelmora/raw_data.h>
+#include <pelmora/types.h>
