@@ -13,6 +13,8 @@
 
 namespace pelmora {
 
+class FormPresenter;
+
 struct Platform {
   // The standard modal message box: style and result codes are the standard ones (OK 1, Cancel 2,
   // Abort 3, Retry 4, Ignore 5, Yes 6, No 7).
@@ -25,6 +27,9 @@ struct Platform {
   std::string componentFolder;
   // Makes the connection to a location that the component opens itself; returned unopened.
   std::function<ConnectionPtr(const std::string& location)> createConnection;
+  // Makes what shows the component's own message form as a window. Empty, as by default: messageBox
+  // is shown in its place.
+  std::function<std::unique_ptr<FormPresenter>()> createFormPresenter;
 };
 
 // The calling thread's own platform. A thread is an apartment: two threads never share it.
