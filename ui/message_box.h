@@ -42,7 +42,8 @@ inline constexpr int no = 7;
 }  // namespace box_answer
 
 // The answer that changes nothing, for a box that nobody can answer: OK for a lone OK button, Abort
-// for Abort/Retry/Ignore, No for Yes/No, Cancel for every other set. Flags of the style are ignored.
+// for Abort/Retry/Ignore, No for Yes/No, Cancel for every other set. Flags of the style are
+// ignored.
 [[nodiscard]] int harmlessAnswer(int style) noexcept;
 
 // A message box without a window: writes title and text to standard error, returns the harmless

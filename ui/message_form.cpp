@@ -12,10 +12,10 @@ namespace {
 // Each flag is taken off at most once, the larger ones first. This is the form's own rule, not a
 // bit mask: 96, say, loses 64 and then 32, and 2048 keeps a rest that is no button set.
 int buttonSetOf(int style) {
-  for (const int flag : {box_style::systemModal, box_style::defaultButton4,
-                         box_style::defaultButton3, box_style::defaultButton2,
-                         box_style::information, box_style::exclamation, box_style::question,
-                         box_style::critical}) {
+  for (const int flag :
+       {box_style::systemModal, box_style::defaultButton4, box_style::defaultButton3,
+        box_style::defaultButton2, box_style::information, box_style::exclamation,
+        box_style::question, box_style::critical}) {
     if (style >= flag) style -= flag;
   }
   return style;
@@ -28,7 +28,7 @@ void place(FormButton& button, float centre) {
 
 }  // namespace
 
-std::array<const FormButton*, 7> frmMessage::buttons() const {
+std::array<const FormButton*, 7> frmMessage::buttons() const& {
   return {&OKButton,     &CancelButton, &AbortButton, &RetryButton,
           &IgnoreButton, &YesButton,    &NoButton};
 }

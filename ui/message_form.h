@@ -22,7 +22,7 @@ struct FormButton {
   const char* Caption;    // "&" stands before the mnemonic
   std::int16_t Response;  // the code that a click gives
   float Left = 0, Top = 110, Width = 88, Height = 28;
-  bool Visible = false;   // hidden by design; the layout shows what a style needs
+  bool Visible = false;  // hidden by design; the layout shows what a style needs
 };
 
 // The form of one message. Load it, set it up, show it modally (form_presenter.h), read Response.
@@ -53,8 +53,9 @@ class frmMessage {
   [[nodiscard]] const std::string& windowTitle() const { return windowTitle_; }
   // False before loading and after a click: the modal display ends when it turns false.
   [[nodiscard]] bool isLoaded() const { return isLoaded_; }
-  // All seven, in the order of their codes.
-  [[nodiscard]] std::array<const FormButton*, 7> buttons() const;
+  // All seven, in the order of their codes; they live as long as the form.
+  [[nodiscard]] std::array<const FormButton*, 7> buttons() const&;
+  std::array<const FormButton*, 7> buttons() const&& = delete;
 
   void Form_Load(const std::string& executableName);
   // Title, text (every TAB shown as five blanks) and buttons. An unknown button set shows none.

@@ -6,9 +6,7 @@
 namespace pelmora {
 namespace {
 
-TEST(executable_name, is_the_file_name_of_this_program) {
-  EXPECT_EQ(executableName(), "ui_test");
-}
+TEST(executable_name, is_the_file_name_of_this_program) { EXPECT_EQ(executableName(), "ui_test"); }
 
 }  // namespace
 }  // namespace pelmora

@@ -59,10 +59,10 @@ TEST(message_form_layout, all_groups_together) {
 }
 
 TEST(message_form_layout, sums_that_are_no_flag_fall_through_in_order) {
-  EXPECT_EQ(shown(96 + 4), "Yes No");     // 64, then 32
-  EXPECT_EQ(shown(112 + 4), "Yes No");    // 64, then 48
-  EXPECT_EQ(shown(128 + 4), "Yes No");    // 64, then 48, then 16
-  EXPECT_EQ(shown(1024), "OK");           // 768, then 256
+  EXPECT_EQ(shown(96 + 4), "Yes No");       // 64, then 32
+  EXPECT_EQ(shown(112 + 4), "Yes No");      // 64, then 48
+  EXPECT_EQ(shown(128 + 4), "Yes No");      // 64, then 48, then 16
+  EXPECT_EQ(shown(1024), "OK");             // 768, then 256
   EXPECT_EQ(shown(1536 + 1), "OK Cancel");  // 768, 512, 256
 }
 
@@ -98,8 +98,8 @@ TEST(message_form_layout, left_edges_of_the_designed_form) {
   EXPECT_EQ(form.CancelButton.Left, 236.0F);
 }
 
-// The nearest singles of each step, found with exact fractions: in double precision, rounded once at
-// the end, the second edge would be 222.6666717529296875.
+// The nearest singles of each step, found with exact fractions: in double precision, rounded once
+// at the end, the second edge would be 222.6666717529296875.
 TEST(message_form_layout, positions_are_computed_in_single_precision) {
   frmMessage form;
   form.Width = 400;

@@ -28,7 +28,8 @@ TEST(message_form, captions_are_the_fixed_ones) {
 }
 
 TEST(message_form, all_buttons_are_hidden_by_design) {
-  for (const FormButton* button : frmMessage().buttons()) EXPECT_FALSE(button->Visible);
+  const frmMessage form;
+  for (const FormButton* button : form.buttons()) EXPECT_FALSE(button->Visible);
 }
 
 TEST(message_form, loading_sets_title_and_response) {

@@ -46,7 +46,9 @@ class show_message : public testing::Test {
   ~show_message() override { platform() = {}; }
 
   static void operateWith(std::function<void(frmMessage&)> operate, int* alive = nullptr) {
-    platform().createFormPresenter = [=] { return std::make_unique<FakePresenter>(operate, alive); };
+    platform().createFormPresenter = [=] {
+      return std::make_unique<FakePresenter>(operate, alive);
+    };
   }
 
   std::string box_;
@@ -141,7 +143,12 @@ TEST_F(show_message, throwing_box_gives_the_harmless_answer) {
 TEST_F(show_message, presenter_is_released_in_every_case) {
   int alive = 0;
   std::int32_t style = 0;
-  operateWith([&](frmMessage& form) { EXPECT_EQ(alive, 1); form.OKButton_Click(); }, &alive);
+  operateWith(
+      [&](frmMessage& form) {
+        EXPECT_EQ(alive, 1);
+        form.OKButton_Click();
+      },
+      &alive);
   showMessageForm("text", style, "");
   EXPECT_EQ(alive, 0);
   operateWith([](frmMessage&) { throw std::runtime_error("lost"); }, &alive);
