@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#include "store/field_value.h"
+
+#include "base/number_text.h"
+#include "base/run_time_error.h"
+
+#include <cmath>
+#include <limits>
+
+namespace pelmora {
+namespace {
+
+template <class Integer>
+Integer toInteger(const Value& value) {
+  const double rounded = std::nearbyint(toDouble(value));
+  if (!(rounded >= static_cast<double>(std::numeric_limits<Integer>::min()) &&
+        rounded <= static_cast<double>(std::numeric_limits<Integer>::max()))) {
+    throw makeError(RunTimeError::overflow);
+  }
+  return static_cast<Integer>(rounded);
+}
+
+}  // namespace
+
+bool isNull(const Value& value) { return std::holds_alternative<std::monostate>(value); }
+
+double toDouble(const Value& value) {
+  if (const auto* number = std::get_if<double>(&value)) return *number;
+  if (const auto* number = std::get_if<std::int64_t>(&value)) return static_cast<double>(*number);
+  if (const auto* text = std::get_if<std::string>(&value)) return numberFromText(*text);
+  throw makeError(RunTimeError::invalidNull);
+}
+
+std::int32_t toInt32(const Value& value) { return toInteger<std::int32_t>(value); }
+std::int16_t toInt16(const Value& value) { return toInteger<std::int16_t>(value); }
+
+std::string toText(const Value& value) {
+  if (const auto* text = std::get_if<std::string>(&value)) return *text;
+  if (const auto* number = std::get_if<std::int64_t>(&value)) return numberText(*number);
+  if (const auto* number = std::get_if<double>(&value)) return numberText(*number);
+  return {};
+}
+
+}  // namespace pelmora

@@ -1,0 +1,23 @@
+// Database values as the types that the operations work with.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <pelmora/types.h>
+
+#include <cstdint>
+#include <string>
+
+namespace pelmora {
+
+[[nodiscard]] bool isNull(const Value& value);
+
+// Errors: Error 94 for null, 13 for text that is no number, 6 out of the type's range. Fractions are
+//         rounded half to even.
+[[nodiscard]] double toDouble(const Value& value);
+[[nodiscard]] std::int32_t toInt32(const Value& value);
+[[nodiscard]] std::int16_t toInt16(const Value& value);
+
+// Null gives an empty text.
+[[nodiscard]] std::string toText(const Value& value);
+
+}  // namespace pelmora

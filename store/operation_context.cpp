@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+#include "store/operation_context.h"
+
+#include "ui/message_box.h"
+
+namespace pelmora {
+
+void OperationContext::pumpMessages() const {
+  if (auto pump = platform_.pumpMessages) pump();
+}
+
+void OperationContext::showError(std::string_view operation, const Error& error,
+                                 const std::string& title) {
+  standardMessageBox(std::string(operation) + "\r\n" + error.what(), box_style::critical, title);
+}
+
+}  // namespace pelmora
