@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#include "points/point_rows.h"
+
+#include "base/run_time_error.h"
+#include "store/field_value.h"
+
+#include <array>
+
+namespace pelmora {
+namespace {
+
+void readCurve40(Recordset& rows, std::array<float, 40>& roshko, std::array<float, 40>& strouhal) {
+  if (rows.atEnd()) return;
+  const std::size_t roshkoField = rows.fieldIndex("roshko");
+  const std::size_t strouhalField = rows.fieldIndex("strouhal");
+  for (std::size_t k = 0; k < roshko.size() && !rows.atEnd(); ++k, rows.moveNext()) {
+    roshko[k] = static_cast<float>(toDouble(rows.value(roshkoField)));
+    strouhal[k] = static_cast<float>(toDouble(rows.value(strouhalField)));
+  }
+}
+
+}  // namespace
+
+PointArray pointsFromRows(Recordset& rows) {
+  const std::int32_t count = rows.recordCount();
+  if (count == 0) return {};
+  if (count > mostPoints) throw makeError(RunTimeError::overflow);
+  PointArray points(static_cast<std::size_t>(count));
+  const std::size_t roshkoField = rows.fieldIndex("roshko");
+  const std::size_t strouhalField = rows.fieldIndex("strouhal");
+  for (std::size_t i = 0; i < points.size(); ++i, rows.moveNext()) {
+    points(i, 0) = toDouble(rows.value(roshkoField));
+    points(i, 1) = toDouble(rows.value(strouhalField));
+  }
+  return points;
+}
+
+FixedCurve40 curve40FromRows(Recordset& rows) {
+  FixedCurve40 curve;
+  readCurve40(rows, curve.first, curve.second);
+  return curve;
+}
+
+FixedCurve40 curve40FromRowsSwapped(Recordset& rows) {
+  FixedCurve40 curve;
+  readCurve40(rows, curve.second, curve.first);
+  return curve;
+}
+
+}  // namespace pelmora
