@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+#include "engine/clsDataFit.h"
+
+#include "base/run_time_error.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace pelmora {
+namespace {
+
+std::string readWhole(const std::filesystem::path& path) {
+  std::ifstream stream(path, std::ios::binary);
+  if (!stream) throw makeError(RunTimeError::pathAccess);
+  std::string text{std::istreambuf_iterator<char>(stream), {}};
+  if (stream.bad()) throw makeError(RunTimeError::pathAccess);
+  return text;
+}
+
+}  // namespace
+
+clsDataFit::clsDataFit(Platform& platform) : platform_(platform) {
+  if (LoadEquations().empty()) {
+    equations_ = builtInEquations();
+    resetSlots();
+  }
+  labels_ = {"Roshko", "Strouhal"};
+}
+
+std::string clsDataFit::LoadEquations() {
+  const auto path = std::filesystem::path(platform_.componentFolder) / equationFileName(RatioCurve);
+  if (!std::filesystem::exists(path)) return {};
+  EquationFile file = parseEquationFile(readWhole(path));
+  if (file.text.empty()) return {};  // as good as missing
+  equations_ = std::move(file.equations);
+  resetSlots();
+  return file.text;
+}
+
+void clsDataFit::resetSlots() {
+  slots_ = std::vector<Slot>(equations_.size());
+  for (std::size_t i = 0; i < slots_.size(); ++i) {
+    slots_[i].outcome.Name = equations_[i].name;
+    slots_[i].outcome.Expression = equations_[i].expression;
+  }
+  ranking_.assign(equations_.size(), 0);
+}
+
+const clsDataFit::Slot* clsDataFit::chosenSlot() const {
+  if (failed_ || !hasChosen()) return nullptr;
+  const auto index = static_cast<std::size_t>(ranking_.back());
+  return index < slots_.size() ? &slots_[index] : nullptr;
+}
+
+const ModelDefinition* clsDataFit::dfxModelDefinition() const {
+  const FitModel* model = dfxModel();
+  return model != nullptr ? &model->Definition : nullptr;
+}
+
+const FitModel* clsDataFit::dfxModel() const {
+  const Slot* slot = chosenSlot();
+  return slot != nullptr ? slot->model.get() : nullptr;
+}
+
+const FitData* clsDataFit::DataResult() const {
+  const Slot* slot = chosenSlot();
+  return slot != nullptr ? slot->dataResult.get() : nullptr;
+}
+
+double clsDataFit::ResultArray() const {
+  if (chosenSlot() != nullptr) throw makeError(RunTimeError::typeMismatch);
+  return 0;
+}
+
+std::string clsDataFit::ResultDetails() const {
+  if (failed_) return {};
+  if (const Slot* slot = chosenSlot()) return slot->details;
+  std::string all;
+  for (const Slot& slot : slots_) {
+    all += slot.details + "\r\n================================\r\n";
+  }
+  return all;
+}
+
+FitOutcome clsDataFit::outcome() const {
+  FitOutcome outcome;
+  for (const Slot& slot : slots_) outcome.Equations.push_back(slot.outcome);
+  if (chosenSlot() != nullptr) outcome.Chosen = static_cast<std::size_t>(ranking_.back());
+  return outcome;
+}
+
+void clsDataFit::raise(const std::string& message) const {
+  if (auto handler = StatusUpdate) handler(message);
+}
+
+}  // namespace pelmora
