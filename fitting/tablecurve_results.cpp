@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+#include "fitting/tablecurve_results.h"
+
+#include "base/number_text.h"
+#include "points/point_rows.h"
+#include "rawdata/point_rows_writer.h"
+#include "store/meter_lookup.h"
+#include "store/operation_connection.h"
+#include "ui/message_box.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string_view>
+#include <vector>
+
+namespace pelmora {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view lineBreak = "\r\n";
+constexpr std::size_t headerLines = 3;
+
+std::string_view trimmed(std::string_view text) {
+  const auto first = text.find_first_not_of(' ');
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+std::string readWhole(const fs::path& path) {
+  std::ifstream stream(path, std::ios::binary);
+  if (!stream) throw makeError(RunTimeError::pathAccess);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void keepAsSaved(const fs::path& path) {
+  fs::path saved = path;
+  saved += ".sav";
+  fs::remove(saved);
+  fs::rename(path, saved);
+}
+
+std::vector<std::string_view> splitLines(std::string_view text) {
+  std::vector<std::string_view> lines;
+  std::size_t begin = 0;
+  for (std::size_t at = 0; (at = text.find(lineBreak, begin)) != std::string_view::npos;
+       begin = at + lineBreak.size()) {
+    lines.push_back(text.substr(begin, at - begin));
+  }
+  lines.push_back(text.substr(begin));
+  return lines;
+}
+
+// The first blank parts the two numbers; all other blanks inside them are dropped, so that only what stands
+// in front of the first blank is the Roshko number.
+void readPoint(std::string_view line, PointArray& points, std::size_t row) {
+  line = trimmed(line);
+  const auto blank = line.find(' ');
+  if (blank == std::string_view::npos) throw makeError(RunTimeError::outOfRange);
+  std::string strouhal(line.substr(blank));
+  std::erase(strouhal, ' ');
+  points(row, 0) = numberFromText(line.substr(0, blank));
+  points(row, 1) = numberFromText(strouhal.substr(0, strouhal.find('|')));
+}
+
+PointArray parseResults(std::string_view text) {
+  const std::vector<std::string_view> lines = splitLines(text);
+  if (lines.size() <= headerLines) throw makeError(RunTimeError::outOfRange);
+  const std::size_t count = lines.size() - headerLines;
+  if (count > static_cast<std::size_t>(mostPoints)) throw makeError(RunTimeError::overflow);
+  PointArray points(count);
+  for (std::size_t row = 0; row < count; ++row) readPoint(lines[row + headerLines], points, row);
+  return points;
+}
+
+}  // namespace
+
+PointArray readTCresults(const OperationContext& context, const std::string& sResultPath,
+                         bool& ArrayIsEmpty) {
+  PointArray points;
+  context.trap("Error in RawData:readTCresults", [&] {
+    ArrayIsEmpty = true;
+    if (!fs::exists(sResultPath)) {
+      context.raiseStatusUpdate("Missing file to read fitted data: " + sResultPath);
+      standardMessageBox("File not found", box_style::information, "");
+      return;
+    }
+    context.raiseStatusUpdate("Reading file: " + sResultPath);
+    std::string text = readWhole(sResultPath);
+    keepAsSaved(sResultPath);
+    if (text.empty()) return;
+    context.raiseStatusUpdate("Cleaning data from Tablecurve format");
+    std::erase(text, '\0');
+    std::string_view cleaned = trimmed(text);
+    if (cleaned.ends_with(lineBreak)) cleaned.remove_suffix(lineBreak.size());
+    if (cleaned.empty()) return;
+    PointArray parsed = parseResults(cleaned);
+    context.raiseStatusUpdate("Sorting fitted data");
+    quickSortPoints(parsed, 0, 1, 0, pointUpperBound(parsed), true);
+    points = std::move(parsed);
+    ArrayIsEmpty = false;
+  });
+  return points;
+}
+
+PointArray ImportCurvedData(const OperationContext& context, const std::string& sFilepath,
+                            const std::string& SeriesName, const std::string& MeterSN,
+                            bool& ArrayIsEmpty, std::int16_t ReCalID) {
+  PointArray imported;
+  context.trap("Error in RawData:ImportCurvedData", [&] {
+    ArrayIsEmpty = true;
+    const OperationConnection connection(context, nullptr);
+    const MeterInfo meter =
+        findMeterInfo(context, MeterSN, connection.pointer(), ReCalID, SeriesName);
+    if (meter.Series.empty()) return;
+    const std::string key = numberText(meter.Series.front().SeriesID);
+    context.shared().fitRecord().Fitted = readTCresults(context, sFilepath, ArrayIsEmpty);
+    imported = context.shared().fitRecord().Fitted;
+    if (imported.size() == 1) return;
+    context.raiseStatusUpdate("Removing old fitted data from databasse for series " + SeriesName);
+    connection->execute("DELETE from curve where seriesID = " + key);
+    context.raiseStatusUpdate("Inserting new fitted data into database for series " + SeriesName);
+    // Into merge, though the deletion was from curve: hosts that read these points look there.
+    auto rows = connection.openForBatch("Select * from merge where seriesID = " + key);
+    writePoints(*rows, meter.Series.front().SeriesID, imported);
+  });
+  return imported;
+}
+
+}  // namespace pelmora
