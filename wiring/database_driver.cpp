@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#include "wiring/database_driver.h"
+
+#include "base/run_time_error.h"
+#include "store/connection.h"
+
+#if defined(PELMORA_HAS_SQLITE)
+#include "adapters/sqlite/sqlite_database.h"
+#include "adapters/stand_csv/stand_csv.h"
+#endif
+
+namespace pelmora {
+namespace {
+
+[[maybe_unused]] Error noDriver(const std::string& location) {
+  return {static_cast<std::int32_t>(RunTimeError::noObject), "Pelmora:openDatabase",
+          "No database driver is built in for '" + location + "'"};
+}
+
+}  // namespace
+
+ConnectionPtr databaseConnection([[maybe_unused]] const std::string& location) {
+#if defined(PELMORA_HAS_SQLITE)
+  if (isStandCsv(location)) return standCsvConnection(location);
+  return sqliteConnection(location);
+#else
+  return nullptr;
+#endif
+}
+
+ConnectionPtr openDatabase(const std::string& location) {
+  ConnectionPtr connection = databaseConnection(location);
+  if (!connection) throw noDriver(location);
+  connection->open();
+  return connection;
+}
+
+void createCurveDatabase(const std::string& path) {
+#if defined(PELMORA_HAS_SQLITE)
+  createSqliteCurveDatabase(path);
+#else
+  throw noDriver(path);
+#endif
+}
+
+}  // namespace pelmora

@@ -1,0 +1,15 @@
+// The driver that fits what a location holds.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <pelmora/database.h>
+
+#include <string>
+
+namespace pelmora {
+
+// The unopened connection to a location; null where no driver is built in. A location that holds
+// nothing usable gets the SQLite driver, which says so when it is opened.
+[[nodiscard]] ConnectionPtr databaseConnection(const std::string& location);
+
+}  // namespace pelmora
