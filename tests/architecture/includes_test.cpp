@@ -1,0 +1,168 @@
+// The direction of includes: who may look at whom.
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+using Names = std::set<std::string>;
+
+struct FolderRule {
+  Names folders;    // folders of ours besides its own
+  Names libraries;  // first parts of the <...> headers that are neither C++'s nor ours
+};
+
+// Includes point down this list. A new folder needs a line here.
+const std::map<std::string, FolderRule>& rules() {
+  static const std::map<std::string, FolderRule> table{
+      {"base", {}},
+      {"ui", {{"base"}, {}}},
+      {"store", {{"base", "ui"}, {}}},
+      {"points", {{"base", "ui", "store"}, {}}},
+      {"rawdata", {{"base", "store", "points"}, {}}},
+      {"engine", {{"base", "ui"}, {}}},
+      {"fitting", {{"base", "ui", "store", "points", "rawdata", "engine"}, {}}},
+      {"component", {{"base", "ui", "store", "points", "rawdata", "engine", "fitting"}, {}}},
+      {"adapters/sql_dialect", {{"base", "store"}, {}}},
+      {"adapters/sqlite", {{"base", "store", "adapters/sql_dialect"}, {"sqlite3.h", "posix"}}},
+      {"adapters/stand_csv", {{"base", "store", "adapters/sqlite"}, {}}},
+      {"adapters/solver", {{"base", "engine"}, {}}},
+      {"adapters/band", {{"base", "engine"}, {}}},
+      {"adapters/dialog", {{"base", "ui"}, {"FL", "posix"}}},
+      {"adapters/os", {{}, {"posix"}}},
+      {"wiring",
+       {{"base", "ui", "store", "adapters/os", "adapters/sqlite", "adapters/stand_csv", "adapters/solver",
+         "adapters/band", "adapters/dialog"},
+        {}}},
+      {"apps/pelmora", {{}, {"CLI", "nlohmann", "posix"}}},
+      {"include/pelmora", {}},
+  };
+  return table;
+}
+
+const Names& posixHeaders() {
+  static const Names headers{"dlfcn.h", "fcntl.h",  "poll.h",   "signal.h", "spawn.h",
+                             "unistd.h", "sys",     "errno.h",  "netinet",  "netdb.h",
+                             "arpa",     "pthread.h", "time.h"};
+  return headers;
+}
+
+const fs::path& sourceRoot() {
+  static const fs::path root = PELMORA_SOURCE_DIR;
+  return root;
+}
+
+std::vector<fs::path> sourcesIn(const fs::path& folder) {
+  std::vector<fs::path> files;
+  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+    const std::string extension = entry.path().extension().string();
+    if (extension == ".h" || extension == ".cpp") files.push_back(entry.path());
+  }
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+struct Include {
+  std::string file, target;
+  bool quoted;
+};
+
+std::vector<Include> includesOf(const fs::path& folder) {
+  static const std::regex pattern(R"rx(^\s*#\s*include\s*([<"])([^>"]+)[>"])rx");
+  std::vector<Include> includes;
+  for (const fs::path& file : sourcesIn(folder)) {
+    std::ifstream stream(file);
+    for (std::string line; std::getline(stream, line);) {
+      std::smatch match;
+      if (std::regex_search(line, match, pattern)) {
+        includes.push_back({fs::relative(file, sourceRoot()).string(), match[2], match[1] == "\""});
+      }
+    }
+  }
+  return includes;
+}
+
+std::string folderOf(const std::string& target) { return fs::path(target).parent_path().string(); }
+std::string firstPart(const std::string& target) { return fs::path(target).begin()->string(); }
+
+std::string why(const std::string& folder, const FolderRule& rule, const Include& include) {
+  if (include.quoted) {
+    const std::string target = folderOf(include.target);
+    const bool inside = target == folder || target.starts_with(folder + "/");
+    return inside || rule.folders.contains(target) ? "" : folder + " may not include " + target;
+  }
+  if (include.target.starts_with("pelmora/")) return "";
+  const bool ofTheLanguage = include.target.find_first_of("./") == std::string::npos;
+  if (ofTheLanguage || rule.libraries.contains(firstPart(include.target))) return "";
+  const bool posix = posixHeaders().contains(firstPart(include.target));
+  return posix && rule.libraries.contains("posix") ? "" : folder + " may use the C++ library alone";
+}
+
+std::vector<std::string> violations(const std::string& folder, const fs::path& root) {
+  std::vector<std::string> found;
+  for (const Include& include : includesOf(root / folder)) {
+    const std::string reason = why(folder, rules().at(folder), include);
+    if (!reason.empty()) found.push_back(include.file + ": " + include.target + ": " + reason);
+  }
+  return found;
+}
+
+class includes : public testing::TestWithParam<std::string> {};
+
+TEST_P(includes, point_the_allowed_way) {
+  if (!fs::exists(sourceRoot() / GetParam())) GTEST_SKIP() << GetParam() << " is not there yet";
+  for (const std::string& violation : violations(GetParam(), sourceRoot())) {
+    ADD_FAILURE() << violation;
+  }
+}
+
+std::vector<std::string> folders() {
+  std::vector<std::string> names;
+  for (const auto& [folder, rule] : rules()) names.push_back(folder);
+  return names;
+}
+
+std::string testName(const testing::TestParamInfo<std::string>& info) {
+  return std::regex_replace(info.param, std::regex("/"), "_");
+}
+
+INSTANTIATE_TEST_SUITE_P(of, includes, testing::ValuesIn(folders()), testName);
+
+TEST(includes_check, finds_an_include_that_points_up) {
+  const FolderRule& rule = rules().at("store");
+  EXPECT_NE(why("store", rule, {"store/x.cpp", "fitting/start_fit.h", true}), "");
+  EXPECT_NE(why("store", rule, {"store/x.cpp", "sqlite3.h", false}), "");
+  EXPECT_NE(why("store", rule, {"store/x.cpp", "unistd.h", false}), "");
+  EXPECT_EQ(why("store", rule, {"store/x.cpp", "base/number_text.h", true}), "");
+  EXPECT_EQ(why("store", rule, {"store/x.cpp", "vector", false}), "");
+}
+
+TEST(includes_check, reads_the_includes_of_a_folder) {
+  EXPECT_GT(includesOf(sourceRoot() / "component").size(), 10U);
+}
+
+TEST(folders, have_a_rule_and_a_readme) {
+  for (const char* parent : {".", "adapters"}) {
+    for (const auto& entry : fs::directory_iterator(sourceRoot() / parent)) {
+      const bool layer = fs::exists(entry.path() / "CMakeLists.txt") && entry.is_directory() &&
+                         !Names{"tests", "bench", "fuzz", "build", "apps", "examples"}.contains(
+                             entry.path().filename().string());
+      if (!layer) continue;
+      const std::string name = fs::relative(entry.path(), sourceRoot()).string();
+      EXPECT_TRUE(rules().contains(name)) << name << " has no rule";
+      EXPECT_TRUE(fs::exists(entry.path() / "README.md")) << name << " has no README.md";
+    }
+  }
+}
+
+}  // namespace

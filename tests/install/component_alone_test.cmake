@@ -1,0 +1,13 @@
+# The component needs the C++ library and nothing else: it builds and passes its own tests alone.
+function(run)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "${ARGN}\nended with ${result}:\n${output}")
+  endif()
+endfunction()
+
+run(${CMAKE_COMMAND} -S ${SOURCE} -B ${BUILD} -G ${GENERATOR} -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_BUILD_TYPE=Debug
+  -DPELMORA_WITH_SQLITE=OFF -DPELMORA_WITH_SOLVER=OFF -DPELMORA_WITH_BAND=OFF -DPELMORA_WITH_DIALOG=OFF
+  -DPELMORA_BUILD_CLI=OFF -DPELMORA_BUILD_TESTS=ON -DPELMORA_COMPONENT_ALONE=ON)
+run(${CMAKE_COMMAND} --build ${BUILD})
+run(${CMAKE_CTEST_COMMAND} --test-dir ${BUILD} --output-on-failure)
