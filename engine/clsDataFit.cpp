@@ -2,6 +2,8 @@
 #include "engine/clsDataFit.h"
 
 #include "base/run_time_error.h"
+#include "engine/curve_checks.h"
+#include "engine/outcome_details.h"
 
 #include <filesystem>
 #include <fstream>
@@ -86,7 +88,15 @@ std::string clsDataFit::ResultDetails() const {
 FitOutcome clsDataFit::outcome() const {
   FitOutcome outcome;
   for (const Slot& slot : slots_) outcome.Equations.push_back(slot.outcome);
-  if (chosenSlot() != nullptr) outcome.Chosen = static_cast<std::size_t>(ranking_.back());
+  const Slot* chosen = chosenSlot();
+  if (chosen == nullptr || !chosen->model || !chosen->dataResult) return outcome;
+  outcome.Chosen = static_cast<std::size_t>(ranking_.back());
+  const std::vector<double>& x = chosen->dataResult->Columns[0];
+  const std::vector<double>& y = chosen->dataResult->Columns[1];
+  describeBands(*chosen->model, x, outcome);
+  outcome.Warnings = checkCurve({*chosen->model, chosen->outcome.Statistics,
+                                 chosen->outcome.Parameters.size(), data_->Columns[0], x, y,
+                                 BandPercent});
   return outcome;
 }
 

@@ -3,6 +3,7 @@
 #include "base/number_text.h"
 #include "base/run_time_error.h"
 #include "engine/clsDataFit.h"
+#include "engine/outcome_details.h"
 #include "engine/predicted_curve.h"
 #include "ui/message_box.h"
 
@@ -128,8 +129,7 @@ bool clsDataFit::fitEquation(const Run& run, std::size_t index) {
     slot.outcome.Reason = model.failureReason();
     return false;
   }
-  slot.outcome.Statistics = model.statistics();
-  slot.outcome.Parameters = model.parameters();
+  describeSolution(model, slot.outcome);
   const std::vector<double> ratios = scanResiduals(slot);
   slot.details += reportHead(MeterSerialNumber, SeriesName, model.Definition);
   if (std::abs(slot.outcome.WorstResidualRatio) >= largestResidualRatio && !IgnoreResiduals) {

@@ -61,6 +61,16 @@ class PELMORA_API FitModel {
   virtual void writeLog(const std::string& path) const = 0;
   // Why there is no solution, in words; empty where there is one or the engine does not say.
   [[nodiscard]] virtual std::string failureReason() const { return {}; }
+
+  // The following are empty or false where there is no solution or the engine cannot tell.
+  // Whether the equation is linear in its parameters.
+  [[nodiscard]] virtual bool linear() const { return false; }
+  // Covariance of the parameters, p x p, row-major.
+  [[nodiscard]] virtual std::vector<double> covariance() const { return {}; }
+  // Standard error of the curve itself at each x (not of a new observation there).
+  [[nodiscard]] virtual std::vector<double> standardErrorsOfCurve(std::span<const double>) const {
+    return {};
+  }
 };
 
 // The role of DataFitX.

@@ -70,5 +70,9 @@ TEST(number_text, a_number_beyond_the_range_is_an_overflow) {
   EXPECT_EQ(errorNumberOf("1e999"), 6);
 }
 
+TEST(number_text, a_number_too_small_to_tell_from_zero_is_zero) {
+  EXPECT_EQ(numberFromText("1e-999"), 0);
+}
+
 }  // namespace
 }  // namespace pelmora

@@ -1,0 +1,31 @@
+// What tests at the raw points cannot see in a fitted curve.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <pelmora/fit_engine.h>
+#include <pelmora/fit_outcome.h>
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+namespace pelmora {
+
+// The curve to check with the n points it was fitted to and its m predicted points.
+struct CheckedCurve {
+  const FitModel& model;
+  const FitStatistics& statistics;
+  std::size_t parameters;
+  std::span<const double> rawX;
+  std::span<const double> predictedX, predictedY;
+  double bandPercent;
+};
+
+// Warnings in the order of CurveWarningKind, each kind by rising x.
+[[nodiscard]] std::vector<CurveWarning> checkCurve(const CheckedCurve& curve);
+
+// How many distinct x levels there are: neighbours closer than a fifth of the mean spacing (of ln x where all x
+// are positive) belong to one level. `x` is sorted.
+[[nodiscard]] std::size_t distinctLevels(std::span<const double> x);
+
+}  // namespace pelmora

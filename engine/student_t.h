@@ -1,0 +1,12 @@
+// Quantiles of Student's t distribution, for confidence bands.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+namespace pelmora {
+
+// The t with P(|T| <= t) = probability, 0 < probability < 1, degreesOfFreedom > 0. Relative error below 1e-9.
+//
+// Source: the incomplete beta function by its continued fraction (NIST DLMF 8.17.22), inverted by bisection.
+[[nodiscard]] double twoSidedStudentT(double probability, double degreesOfFreedom);
+
+}  // namespace pelmora
