@@ -1,0 +1,55 @@
+// Expressions of the dialect in SQLite's SQL.
+//
+// What SQLite does otherwise goes through functions and a collation that the connection must have:
+//   dialect_arithmetic(program, v1, v2, ...)  `program` in postfix notation: 'v' the next value,
+//   'n' a
+//       change of sign, the operators + - * / ^ & themselves. Null in, null out, & excepted; errors
+//       for text that is no number, division by zero and results beyond the range.
+//   dialect_like(value, pattern)
+//   DIALECT_TEXT                              collation, text without regard to case
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "adapters/sql_dialect/name_scope.h"
+#include "adapters/sql_dialect/syntax_tree.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace pelmora::sql {
+
+[[nodiscard]] std::string quotedName(std::string_view name);
+[[nodiscard]] std::string quotedText(std::string_view text);
+
+class SqliteExpression {
+ public:
+  explicit SqliteExpression(const NameScope& scope) : scope_(scope) {}
+
+  // Truth values are -1 and 0, as in the dialect.
+  [[nodiscard]] std::string value(const Expression& expression) const;
+  [[nodiscard]] std::string condition(const Expression& expression) const;
+  // A value that is sorted or grouped by: texts without regard to case.
+  [[nodiscard]] std::string sortValue(const Expression& expression) const;
+
+ private:
+  enum class Kind { null, truth, number, text, any };
+
+  [[nodiscard]] Kind kindOf(const Expression& expression) const;
+  [[nodiscard]] std::string column(const Expression& expression) const;
+  [[nodiscard]] std::string arithmetic(const Expression& expression) const;
+  void compile(const Expression& expression, std::string& program, std::string& values,
+               int& count) const;
+  [[nodiscard]] std::string aggregate(const Expression& expression) const;
+  [[nodiscard]] std::string chain(const Expression& expression, std::string_view joint) const;
+  [[nodiscard]] std::string comparison(const Expression& left, std::string_view op,
+                                       const Expression& right) const;
+  [[nodiscard]] std::string comparisonWithLiteral(const Expression& left, std::string_view op,
+                                                  const Expression& literal) const;
+  [[nodiscard]] std::string between(const Expression& expression) const;
+  [[nodiscard]] std::string in(const Expression& expression) const;
+
+  const NameScope& scope_;
+};
+
+}  // namespace pelmora::sql

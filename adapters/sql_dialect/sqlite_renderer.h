@@ -1,0 +1,27 @@
+// Statements of the dialect in SQLite's SQL.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "adapters/sql_dialect/catalogue.h"
+#include "adapters/sql_dialect/syntax_tree.h"
+
+#include <string>
+#include <string_view>
+
+namespace pelmora::sql {
+
+// `outputDatabase` is SQLite's name for the database that an INSERT ... IN 'file' writes to; all
+// other tables are those of "main".
+//
+// Errors: Error for tables and columns that are not there, and for what cannot be rendered.
+[[nodiscard]] std::string renderForSqlite(const Statement& statement, const Catalogue& catalogue,
+                                          std::string_view outputDatabase = "main");
+
+// The one table whose rows a SELECT delivers as they are, if it is such a SELECT.
+[[nodiscard]] const TableName* updatableTable(const SelectStatement& select);
+
+// The columns of `select` for the row of its updatable table whose row identity is parameter 1.
+[[nodiscard]] std::string renderRowForSqlite(const SelectStatement& select,
+                                             const Catalogue& catalogue);
+
+}  // namespace pelmora::sql
