@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#include "adapters/sqlite/attached_file.h"
+
+#include "adapters/sqlite/prepared_statement.h"
+#include "adapters/sqlite/sqlite_session.h"
+
+#include <sqlite3.h>
+
+namespace pelmora::sqlite {
+
+AttachedFile::AttachedFile(SqliteSession& session, const std::string& file) : session_(session) {
+  PreparedStatement attach(session_.database(), "ATTACH ?1 AS \"output\"");
+  attach.bind(1, std::string_view(file));
+  attach.step();
+}
+
+AttachedFile::~AttachedFile() {
+  sqlite3_exec(session_.database(), "DETACH \"output\"", nullptr, nullptr, nullptr);
+}
+
+}  // namespace pelmora::sqlite

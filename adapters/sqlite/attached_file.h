@@ -1,0 +1,26 @@
+// A second database file that one statement writes to.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace pelmora::sqlite {
+
+class SqliteSession;
+
+class AttachedFile {
+ public:
+  static constexpr std::string_view name = "output";
+
+  // `file`: absolute path. Errors: Error, genericFailure where the file is locked.
+  AttachedFile(SqliteSession& session, const std::string& file);
+  ~AttachedFile();
+  AttachedFile(const AttachedFile&) = delete;
+  AttachedFile& operator=(const AttachedFile&) = delete;
+
+ private:
+  SqliteSession& session_;
+};
+
+}  // namespace pelmora::sqlite

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#include "adapters/sqlite/database_handle.h"
+
+#include "adapters/sqlite/sqlite_error.h"
+
+#include <sqlite3.h>
+
+namespace pelmora::sqlite {
+
+namespace {
+
+constexpr int lockWait_ms = 250;
+
+int openFlags(OpenMode mode) {
+  switch (mode) {
+    case OpenMode::existing: return SQLITE_OPEN_READWRITE;
+    case OpenMode::create: return SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    case OpenMode::memory: return SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_MEMORY;
+  }
+  return 0;
+}
+
+}  // namespace
+
+void DatabaseHandle::Close::operator()(sqlite3* database) const noexcept {
+  sqlite3_close_v2(database);
+}
+
+DatabaseHandle::DatabaseHandle(const std::string& file, OpenMode mode) {
+  sqlite3* opened = nullptr;
+  const char* name = mode == OpenMode::memory ? ":memory:" : file.c_str();
+  const int code = sqlite3_open_v2(name, &opened, openFlags(mode) | SQLITE_OPEN_NOMUTEX, nullptr);
+  database_.reset(opened);
+  if (code != SQLITE_OK) throw sqliteError(code, opened);
+  sqlite3_extended_result_codes(opened, 1);
+  sqlite3_busy_timeout(opened, lockWait_ms);
+  // A name in double quotes is a name and never a text.
+  sqlite3_db_config(opened, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+  sqlite3_db_config(opened, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+  // What a foreign file brings in its schema gets no function of ours.
+  sqlite3_db_config(opened, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+}
+
+void DatabaseHandle::run(const char* statements) const {
+  const int code = sqlite3_exec(get(), statements, nullptr, nullptr, nullptr);
+  if (code != SQLITE_OK) throw sqliteError(code, get());
+}
+
+}  // namespace pelmora::sqlite

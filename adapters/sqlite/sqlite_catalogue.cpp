@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#include "adapters/sqlite/sqlite_catalogue.h"
+
+#include "adapters/sql_dialect/sqlite_expression.h"
+#include "adapters/sqlite/prepared_statement.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <string>
+
+namespace pelmora::sqlite {
+
+namespace {
+
+std::string columnText(sqlite3_stmt* statement, int column) {
+  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
+  return text == nullptr ? std::string() : std::string(text);
+}
+
+// After the rules by which SQLite gives a column its affinity. A declared type that names none of
+// its storage classes (DATE, NUMERIC ...) promises nothing.
+sql::ColumnKind kindOf(std::string declared) {
+  std::ranges::transform(declared, declared.begin(), [](char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+  });
+  const auto names = [&](std::string_view part) {
+    return declared.find(part) != std::string::npos;
+  };
+  if (names("INT")) return sql::ColumnKind::number;
+  if (names("CHAR") || names("CLOB") || names("TEXT")) return sql::ColumnKind::text;
+  if (names("BLOB")) return sql::ColumnKind::asStored;
+  if (names("REAL") || names("FLOA") || names("DOUB")) return sql::ColumnKind::number;
+  return sql::ColumnKind::asStored;
+}
+
+}  // namespace
+
+std::optional<sql::TableShape> SqliteCatalogue::findTable(std::string_view database,
+                                                          std::string_view name) const {
+  PreparedStatement columns(database_,
+                            "SELECT t.name, c.name, c.type FROM " + sql::quotedName(database) +
+                                ".sqlite_master AS t, pragma_table_info(t.name, ?2) AS c "
+                                "WHERE t.type IN ('table', 'view') AND t.name = ?1 COLLATE NOCASE");
+  columns.bind(1, name);
+  columns.bind(2, database);
+  std::optional<sql::TableShape> table;
+  while (columns.step()) {
+    if (!table) table.emplace(sql::TableShape{columnText(columns.get(), 0), {}});
+    table->columns.push_back({columnText(columns.get(), 1), kindOf(columnText(columns.get(), 2))});
+  }
+  return table;
+}
+
+}  // namespace pelmora::sqlite

@@ -1,0 +1,44 @@
+// A connection that runs statements of the dialect on SQLite.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "adapters/sql_dialect/syntax_tree.h"
+#include "store/connection.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace pelmora::sqlite {
+
+class SqliteSession;
+
+using OpenSession = std::function<std::shared_ptr<SqliteSession>()>;
+
+// Record sets keep working on their rows after close(); storing rows is then Error 3709.
+class SqliteConnection : public Connection {
+ public:
+  explicit SqliteConnection(OpenSession openSession) : openSession_(std::move(openSession)) {}
+  ~SqliteConnection() override;
+  SqliteConnection(const SqliteConnection&) = delete;
+  SqliteConnection& operator=(const SqliteConnection&) = delete;
+
+  // Errors: Error 3705 where it is open already.
+  void open() override;
+  [[nodiscard]] bool isOpen() const override { return session_ != nullptr; }
+  // Nothing happens where it is closed already.
+  void close() override;
+  void execute(const std::string& statement) override;
+  [[nodiscard]] std::unique_ptr<Recordset> openRecordset(const std::string& statement,
+                                                         CursorType cursor, LockType lock) override;
+
+ private:
+  [[nodiscard]] SqliteSession& session() const;
+  void run(const sql::Statement& statement, std::string_view outputDatabase);
+  void insertElsewhere(const sql::Statement& statement, const std::string& file);
+
+  OpenSession openSession_;
+  std::shared_ptr<SqliteSession> session_;
+};
+
+}  // namespace pelmora::sqlite

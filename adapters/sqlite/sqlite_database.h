@@ -1,0 +1,26 @@
+// SQLite files as databases of the component.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <pelmora/database.h>
+
+#include <string>
+
+namespace pelmora {
+
+// Whether the file at `path` (UTF-8) begins like an SQLite database. False where it cannot be read.
+[[nodiscard]] bool isSqliteFile(const std::string& path);
+
+// A connection to the file at `path`, not yet opened. Opening never creates anything.
+//
+// Errors: of open(): genericFailure where the file is missing, empty, no SQLite database, locked or
+//         not permitted; the description names the file and what to do.
+[[nodiscard]] ConnectionPtr sqliteConnection(const std::string& path);
+
+// Makes a new curve database with all tables and indexes at `path`.
+//
+// Errors: Error where the file exists already, its folder is missing or it cannot be written; then
+//         nothing is left behind.
+void createSqliteCurveDatabase(const std::string& path);
+
+}  // namespace pelmora

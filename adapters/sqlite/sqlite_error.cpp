@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#include "adapters/sqlite/sqlite_error.h"
+
+#include "adapters/sql_dialect/dialect_error.h"
+#include "base/run_time_error.h"
+
+#include <sqlite3.h>
+
+#include <string>
+
+namespace pelmora::sqlite {
+
+namespace {
+
+std::string fileOf(sqlite3* database) {
+  const char* name = database == nullptr ? nullptr : sqlite3_db_filename(database, "main");
+  return name == nullptr || *name == '\0' ? "the database" : "file '" + std::string(name) + "'";
+}
+
+bool isTooComplex(const std::string& message) {
+  return message.find("parser stack overflow") != std::string::npos ||
+         message.find("Expression tree is too large") != std::string::npos ||
+         message.find("too many") != std::string::npos;
+}
+
+}  // namespace
+
+Error sqliteError(int code, sqlite3* database) {
+  const int extended = database == nullptr ? code : sqlite3_extended_errcode(database);
+  const std::string message = database == nullptr ? sqlite3_errstr(code) : sqlite3_errmsg(database);
+  const std::string native = " (SQLite " + std::to_string(extended) + ": " + message + ")";
+  const auto pathAccess = static_cast<std::int32_t>(RunTimeError::pathAccess);
+  switch (code & 0xFF) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      return {genericFailure, "Pelmora",
+              "Could not lock " + fileOf(database) + "; it is locked by another user." + native};
+    case SQLITE_READONLY:
+    case SQLITE_PERM:
+    case SQLITE_AUTH:
+      return {updateRefused, "Pelmora",
+              "Operation must use an updateable query. Check that " + fileOf(database) +
+                  " and its folder can be written." + native};
+    case SQLITE_CANTOPEN:
+      return {updateRefused, "Pelmora",
+              "Operation must use an updateable query. Beside " + fileOf(database) +
+                  " no journal can be made; check that its folder can be written." + native};
+    case SQLITE_CONSTRAINT:
+      return {constraintFailed, "Pelmora",
+              "The changes you requested to the table were not successful because they would break "
+              "a rule "
+              "of the table." +
+                  native};
+    case SQLITE_FULL:
+      return {pathAccess, "Pelmora",
+              "There is no room left for " + fileOf(database) + "." + native};
+    case SQLITE_IOERR:
+      return {pathAccess, "Pelmora", "Disk error on " + fileOf(database) + "." + native};
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+      return {pathAccess, "Pelmora",
+              "Unrecognized database format: " + fileOf(database) +
+                  " is damaged. Restore it from a copy." + native};
+    case SQLITE_NOMEM: return {7, "Pelmora", "Out of memory" + native};
+    case SQLITE_TOOBIG:
+      return {static_cast<std::int32_t>(RunTimeError::overflow), "Pelmora", "Overflow" + native};
+    default: break;
+  }
+  if (isTooComplex(message)) return sql::statementError("Query is too complex." + native);
+  if (message == "integer overflow") return makeError(RunTimeError::overflow);
+  return sql::statementError("The database engine refused the statement." + native);
+}
+
+}  // namespace pelmora::sqlite

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#include "adapters/sqlite/sqlite_session.h"
+
+#include "adapters/sqlite/prepared_statement.h"
+#include "adapters/sqlite/sqlite_error.h"
+
+#include <utility>
+
+namespace pelmora::sqlite {
+
+SqliteSession::SqliteSession(const std::string& file, OpenMode mode)
+    : file_(file), handle_(std::in_place, file, mode) {
+  registerDialect(database(), fault_);
+  // The first look at the file: a lock, damage or a refused right shows here.
+  PreparedStatement(database(), "SELECT 1 FROM sqlite_master LIMIT 1").step();
+}
+
+const DatabaseHandle& SqliteSession::handle() const {
+  if (handle_) return *handle_;
+  throw Error(connectionClosed, "Pelmora",
+              "The connection cannot be used to perform this operation. It is closed.");
+}
+
+void SqliteSession::requireWritable() const {
+  if (!isFrozen_) return;
+  throw Error(
+      updateRefused, "Pelmora",
+      "Operation must use an updateable query. The tables of this database can only be read.");
+}
+
+bool SqliteSession::step(PreparedStatement& statement) {
+  fault_.reset();
+  try {
+    return statement.step();
+  } catch (const Error&) {
+    if (fault_) throw Error(*fault_);
+    throw;
+  }
+}
+
+}  // namespace pelmora::sqlite

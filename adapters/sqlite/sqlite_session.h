@@ -1,0 +1,48 @@
+// An open database as connections and their record sets share it.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "adapters/sqlite/database_handle.h"
+#include "adapters/sqlite/dialect_functions.h"
+#include "adapters/sqlite/sqlite_catalogue.h"
+
+#include <optional>
+#include <string>
+
+namespace pelmora::sqlite {
+
+class PreparedStatement;
+
+class SqliteSession {
+ public:
+  // `file`: absolute path. Errors: Error, genericFailure where the database is locked.
+  explicit SqliteSession(const std::string& file) : SqliteSession(file, OpenMode::existing) {}
+  // A database of its own in memory.
+  SqliteSession() : SqliteSession({}, OpenMode::memory) {}
+
+  void close() { handle_.reset(); }
+  // Errors: Error connectionClosed after close().
+  [[nodiscard]] const DatabaseHandle& handle() const;
+  [[nodiscard]] sqlite3* database() const { return handle().get(); }
+  [[nodiscard]] SqliteCatalogue catalogue() const { return SqliteCatalogue(database()); }
+  // Empty for a database in memory.
+  [[nodiscard]] const std::string& file() const { return file_; }
+
+  // From now on the database's own tables may only be read.
+  void freeze() { isFrozen_ = true; }
+  // Errors: Error updateRefused where the tables may only be read.
+  void requireWritable() const;
+
+  // The next row. Errors: those of PreparedStatement::step and of the dialect's functions.
+  bool step(PreparedStatement& statement);
+
+ private:
+  SqliteSession(const std::string& file, OpenMode mode);
+
+  std::string file_;
+  StatementFault fault_;
+  std::optional<DatabaseHandle> handle_;
+  bool isFrozen_ = false;
+};
+
+}  // namespace pelmora::sqlite

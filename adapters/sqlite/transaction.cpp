@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#include "adapters/sqlite/transaction.h"
+
+#include "adapters/sqlite/database_handle.h"
+
+#include <sqlite3.h>
+
+namespace pelmora::sqlite {
+
+Transaction::Transaction(const DatabaseHandle& database) : database_(database) {
+  database_.run("BEGIN IMMEDIATE");
+}
+
+Transaction::~Transaction() {
+  // Some failures have made SQLite roll back already.
+  if (isOpen_ && sqlite3_get_autocommit(database_.get()) == 0) {
+    sqlite3_exec(database_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
+  }
+}
+
+void Transaction::commit() {
+  database_.run("COMMIT");
+  isOpen_ = false;  // last: a COMMIT that is refused still rolls back
+}
+
+}  // namespace pelmora::sqlite

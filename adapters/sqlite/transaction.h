@@ -1,0 +1,25 @@
+// A write transaction that is undone unless it is committed.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+namespace pelmora::sqlite {
+
+class DatabaseHandle;
+
+class Transaction {
+ public:
+  // Errors: Error, genericFailure where another user writes.
+  explicit Transaction(const DatabaseHandle& database);
+  ~Transaction();
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+
+  // Errors: Error; the transaction is then undone with this object.
+  void commit();
+
+ private:
+  const DatabaseHandle& database_;
+  bool isOpen_ = true;
+};
+
+}  // namespace pelmora::sqlite
