@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#include "adapters/stand_csv/stand_csv.h"
+
+#include "adapters/sqlite/memory_table.h"
+#include "adapters/stand_csv/stand_rows.h"
+#include "base/run_time_error.h"
+
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <system_error>
+
+namespace pelmora {
+
+namespace {
+
+std::filesystem::path filePath(const std::string& path) {
+  return std::u8string(path.begin(), path.end());
+}
+
+bool isRegularFile(const std::string& path) {
+  std::error_code ignored;
+  return path.find('\0') == std::string::npos &&
+         std::filesystem::is_regular_file(filePath(path), ignored);
+}
+
+std::string contents(const std::string& path) {
+  if (!isRegularFile(path)) {
+    throw Error(genericFailure, "Pelmora",
+                "Could not find file '" + path + "'. Check the folder and the name.");
+  }
+  std::ifstream file(filePath(path), std::ios::binary);
+  std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  if (!file.is_open() || file.bad()) {
+    throw Error(genericFailure, "Pelmora",
+                "Could not open file '" + path + "': it cannot be read. Check its permissions.");
+  }
+  return text;
+}
+
+void readRows(const std::string& path, const MemoryTable::AddRow& addRow) {
+  const std::string text = contents(path);
+  stand::StandRows rows(path, text);
+  std::array<Value, stand::columnCount> row;
+  while (rows.next(row)) addRow(row);
+}
+
+}  // namespace
+
+bool isStandCsv(const std::string& path) {
+  if (!isRegularFile(path)) return false;
+  constexpr std::size_t enough = 64;
+  std::ifstream file(filePath(path), std::ios::binary);
+  std::string start(enough, '\0');
+  file.read(start.data(), static_cast<std::streamsize>(enough));
+  start.resize(static_cast<std::size_t>(file.gcount()));
+  // The rest of the record may be cut anywhere; only its first field counts.
+  const std::size_t end = start.find_first_of(",\r\n");
+  stand::CsvReader reader(std::string_view(start).substr(0, end));
+  std::vector<stand::CsvField> fields;
+  try {
+    return reader.next(fields) && stand::isFirstColumn(fields.front().text);
+  } catch (const Error&) {
+    return false;
+  }
+}
+
+ConnectionPtr standCsvConnection(const std::string& path) {
+  MemoryTable table;
+  table.name = "DataPoint";
+  for (std::size_t i = 0; i < stand::columnCount; ++i) {
+    table.columns.push_back({stand::columnName(i), i > 0});
+  }
+  table.read = [path](const MemoryTable::AddRow& addRow) { readRows(path, addRow); };
+  return memoryTableConnection(std::move(table));
+}
+
+}  // namespace pelmora
