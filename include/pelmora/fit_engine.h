@@ -29,7 +29,9 @@ struct FitParameter {
 
 // With n observations, p parameters: ResidualStandardError = sqrt(RSS / (n - p)),
 // RSquared = 1 - RSS / TSS, AdjustedRSquared = 1 - (1 - RSquared) (n - 1) / (n - p),
-// RegressionSumOfSquares = TSS - RSS. All zero where no solution was found.
+// RegressionSumOfSquares = TSS - RSS, with TSS about the mean of y; an engine may take TSS about zero,
+// with n in place of n - 1, for an equation without a constant term. All zero where no solution was
+// found.
 struct FitStatistics {
   std::int32_t Observations = 0, Iterations = 0;
   double ResidualStandardError = 0, RSquared = 0, AdjustedRSquared = 0, RegressionSumOfSquares = 0,

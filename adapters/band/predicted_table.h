@@ -1,0 +1,40 @@
+// A predicted curve as a table that is read linearly.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace pelmora::band {
+
+struct TablePoint {
+  double x = 0, y = 0;
+};
+
+// The values that the table allows at one x: equal but at a jump.
+struct TableReading {
+  double lowest = 0, highest = 0;
+};
+
+class PredictedTable {
+ public:
+  // Keeps the points in order of x; points of equal x keep their order.
+  PredictedTable(std::span<const double> x, std::span<const double> y);
+
+  // Why the table cannot be read, in words; empty where it can.
+  [[nodiscard]] const std::string& defect() const { return defect_; }
+  [[nodiscard]] const std::vector<TablePoint>& points() const { return points_; }
+  // Empty outside the table's range of x.
+  [[nodiscard]] std::optional<TableReading> at(double x) const;
+
+ private:
+  std::vector<TablePoint> points_;
+  std::string defect_;
+};
+
+// Straight line from a to b at x, a.x <= x <= b.x, a.x < b.x; exactly a.y and b.y at the ends.
+[[nodiscard]] double between(const TablePoint& a, const TablePoint& b, double x);
+
+}  // namespace pelmora::band

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#include "adapters/solver/nested_fit.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace pelmora::solver {
+
+std::vector<DoubleDouble> NestedFit::parameters(std::size_t p) const {
+  std::vector<DoubleDouble> result(p);
+  for (std::size_t k = 0; k < p; ++k) {
+    for (std::size_t i = k; i < p; ++i) result[k] += n.at(k, i) * factor.z[i];
+  }
+  return result;
+}
+
+std::vector<DoubleDouble> NestedFit::columnParameters(std::size_t p) const {
+  std::vector<DoubleDouble> result(p);
+  for (std::size_t k = p; k-- > 0;) {
+    DoubleDouble rest = factor.z[k];
+    for (std::size_t i = k + 1; i < p; ++i) rest -= factor.r.at(k, i) * result[i];
+    result[k] = rest / factor.r.at(k, k);
+  }
+  return result;
+}
+
+DoubleDouble NestedFit::unitCovariance(std::size_t p, std::size_t k, std::size_t l) const {
+  DoubleDouble sum;
+  for (std::size_t i = std::max(k, l); i < p; ++i) sum += n.at(k, i) * n.at(l, i);
+  return sum;
+}
+
+NestedFit makeNestedFit(Factor factor, const UpperTriangle& m) {
+  NestedFit fit;
+  const std::size_t p = factor.rank;
+  fit.n = UpperTriangle(p);
+  for (std::size_t i = 0; i < p; ++i) {
+    const DoubleDouble inverse = DoubleDouble(1) / factor.r.at(i, i);
+    for (std::size_t k = 0; k <= i; ++k) {
+      DoubleDouble rest = m.at(k, i);
+      for (std::size_t j = k; j < i; ++j) rest -= fit.n.at(k, j) * factor.r.at(j, i);
+      fit.n.at(k, i) = rest * inverse;
+    }
+  }
+  fit.factor = std::move(factor);
+  return fit;
+}
+
+}  // namespace pelmora::solver

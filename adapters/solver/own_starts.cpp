@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+#include "adapters/solver/own_starts.h"
+
+#include "adapters/solver/expression_model.h"
+#include "adapters/solver/trust_region.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+namespace pelmora::solver {
+namespace {
+
+constexpr std::size_t candidatesPerStart = 60;
+constexpr std::size_t screeningPoints = 200;
+
+// Splitmix64: a fixed sequence, so that a fit can be repeated.
+class Sequence {
+ public:
+  double next() {  // 0 .. 1
+    state_ += 0x9E3779B97F4A7C15U;
+    std::uint64_t z = state_;
+    z = (z ^ (z >> 30U)) * 0xBF58476D1CE4E5B9U;
+    z = (z ^ (z >> 27U)) * 0x94D049BB133111EBU;
+    return static_cast<double>((z ^ (z >> 31U)) >> 11U) * 0x1p-53;
+  }
+
+ private:
+  std::uint64_t state_ = 1;
+};
+
+struct Ranges {
+  double lowX = 0, highX = 0, sizeX = 1, sizeY = 1;
+};
+
+Ranges rangesOf(std::span<const double> x, std::span<const double> y) {
+  Ranges r;
+  r.lowX = *std::min_element(x.begin(), x.end());
+  r.highX = *std::max_element(x.begin(), x.end());
+  const double x1 = std::max(std::fabs(r.lowX), std::fabs(r.highX));
+  double y1 = 0;
+  for (const double value : y) y1 = std::max(y1, std::fabs(value));
+  if (x1 > 0) r.sizeX = x1;
+  if (y1 > 0) r.sizeY = y1;
+  return r;
+}
+
+double guess(Sequence& sequence, const Ranges& r) {
+  const double kind = sequence.next() * 6, sign = sequence.next() < 0.7 ? 1 : -1;
+  const double spread = std::pow(10.0, 3 * sequence.next() - 1.5);
+  switch (static_cast<int>(kind)) {
+    case 0: return r.lowX + (r.highX - r.lowX) * sequence.next();
+    case 1: return sign * spread * r.sizeX;
+    case 2: return sign * spread / r.sizeX * 3;
+    case 3: return sign * spread / r.sizeX / 3;
+    case 4: return sign * spread * r.sizeY;
+    default: return sign * spread;
+  }
+}
+
+}  // namespace
+
+std::vector<std::vector<double>> ownStarts(const Expression& expression, std::span<const double> x,
+                                           std::span<const double> y, std::size_t count) {
+  std::vector<double> xs, ys;
+  const std::size_t stride = std::max<std::size_t>(1, x.size() / screeningPoints);
+  for (std::size_t k = 0; k < x.size(); k += stride) xs.push_back(x[k]), ys.push_back(y[k]);
+  const auto model = makeExpressionModel(expression, xs, ys);
+  const std::size_t p = model->parameters();
+  SearchSettings screening;
+  screening.iterations = 0;
+  screening.projected = model->isLinearIn();
+  const Ranges ranges = rangesOf(xs, ys);
+  Sequence sequence;
+  std::vector<SearchEnd> ends;
+  for (std::size_t k = 0; k < count * candidatesPerStart; ++k) {
+    std::vector<double> start(p);
+    for (std::size_t j = 0; j < p; ++j) start[j] = screening.projected[j] ? 1 : guess(sequence, ranges);
+    SearchEnd end = searchFrom(*model, std::move(start), screening);
+    if (std::isfinite(end.residualSquares)) ends.push_back(std::move(end));
+  }
+  std::stable_sort(ends.begin(), ends.end(), [](const SearchEnd& a, const SearchEnd& b) {
+    return a.residualSquares < b.residualSquares;
+  });
+  if (ends.size() > count) ends.resize(count);
+  std::vector<std::vector<double>> starts;
+  for (SearchEnd& end : ends) starts.push_back(std::move(end.parameters));
+  return starts;
+}
+
+}  // namespace pelmora::solver

@@ -1,0 +1,19 @@
+// Starts of the nonlinear search where the host gives none.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "adapters/solver/expression.h"
+
+#include <span>
+#include <vector>
+
+namespace pelmora::solver {
+
+// Tries many parameter sets of the sizes that the data suggest (places within the range of x, its
+// reciprocals, its powers of ten), solves each for the parameters that enter linearly, and returns
+// the `count` best. The same numbers for the same input.
+[[nodiscard]] std::vector<std::vector<double>> ownStarts(const Expression& expression,
+                                                         std::span<const double> x,
+                                                         std::span<const double> y, std::size_t count);
+
+}  // namespace pelmora::solver

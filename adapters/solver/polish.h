@@ -1,0 +1,26 @@
+// Takes the end of a search to the minimum itself, to the last digit, and says whether it is one.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "adapters/solver/regression_model.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace pelmora::solver {
+
+struct Minimum {
+  std::vector<DoubleDouble> parameters;
+  std::shared_ptr<const NestedFit> fit;  // of the slopes at the minimum; its terms are the parameters
+};
+
+// Newton's method in double-double arithmetic. A minimum counts only where the steps become
+// negligible against both the parameters and their standard errors and where, if the model tells
+// its curvature, the sum of squares curves upwards in every direction.
+//
+// Empty where it is none; `reason` then says why.
+[[nodiscard]] std::optional<Minimum> polish(const RegressionModel& model,
+                                            const std::vector<double>& start, std::string& reason);
+
+}  // namespace pelmora::solver

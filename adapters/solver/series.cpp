@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#include "adapters/solver/series.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace pelmora::solver {
+namespace {
+
+bool sameBits(const std::vector<double>& a, std::span<const double> b) {
+  return a.size() == b.size() &&
+         (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(double)) == 0);
+}
+
+}  // namespace
+
+Series::Series(std::span<const double> xs, std::span<const double> ys)
+    : x(xs.begin(), xs.end()), y(ys.begin(), ys.end()) {
+  DoubleDouble sum;
+  for (const double value : y) {
+    sum += DoubleDouble(value);
+    squares += twoProduct(value, value);
+  }
+  const DoubleDouble mean = sum / DoubleDouble(static_cast<double>(y.size()));
+  for (const double value : y) {
+    const DoubleDouble distance = DoubleDouble(value) - mean;
+    squaresAboutMean += distance * distance;
+  }
+}
+
+bool Series::holds(std::span<const double> xs, std::span<const double> ys) const {
+  return sameBits(x, xs) && sameBits(y, ys);
+}
+
+std::shared_ptr<Series> SeriesCache::seriesOf(std::span<const double> x, std::span<const double> y) {
+  if (!last_ || !last_->holds(x, y)) last_ = std::make_shared<Series>(x, y);
+  return last_;
+}
+
+}  // namespace pelmora::solver

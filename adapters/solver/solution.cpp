@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#include "adapters/solver/solution.h"
+
+#include "adapters/solver/double_double_functions.h"
+
+namespace pelmora::solver {
+
+std::vector<double> Solution::covariance() const {
+  const std::size_t p = parameters.size();
+  std::vector<double> result(p * p);
+  const DoubleDouble degrees(static_cast<double>(statistics.Observations) - static_cast<double>(p));
+  const DoubleDouble variance = fit->factor.residualSquares[p] / degrees;
+  for (std::size_t k = 0; k < p; ++k) {
+    for (std::size_t l = 0; l < p; ++l) {
+      const DoubleDouble cell = variance * fit->unitCovariance(p, k, l) /
+                                (factorOfTerm[k] * factorOfTerm[l]);
+      result[parameterOfTerm[k] * p + parameterOfTerm[l]] = static_cast<double>(cell);
+    }
+  }
+  return result;
+}
+
+void fillFromFit(Solution& solution, std::size_t n, DoubleDouble totalSquares, int baseParameters) {
+  const std::size_t p = solution.parameterOfTerm.size();
+  const DoubleDouble residualSquares = solution.fit->factor.residualSquares[p];
+  const DoubleDouble degrees(static_cast<double>(n) - static_cast<double>(p));
+  const DoubleDouble variance = residualSquares / degrees;
+  const DoubleDouble sigma = sqrt(variance);
+  const std::vector<DoubleDouble> terms = solution.fit->parameters(p);
+  solution.parameters.resize(p);
+  solution.standardErrors.resize(p);
+  for (std::size_t k = 0; k < p; ++k) {
+    const std::size_t parameter = solution.parameterOfTerm[k];
+    solution.parameters[parameter] = terms[k] / solution.factorOfTerm[k];
+    solution.standardErrors[parameter] = static_cast<double>(
+        abs(sigma * sqrt(solution.fit->unitCovariance(p, k, k)) / solution.factorOfTerm[k]));
+    if (!isFinite(solution.parameters[parameter]) ||
+        !std::isfinite(solution.standardErrors[parameter])) {
+      throw NoSolution{"a parameter is beyond the range of numbers"};
+    }
+  }
+  FitStatistics& statistics = solution.statistics;
+  statistics.Observations = static_cast<std::int32_t>(n);
+  statistics.ResidualStandardError = static_cast<double>(sigma);
+  statistics.ResidualSumOfSquares = static_cast<double>(residualSquares);
+  statistics.RegressionSumOfSquares = static_cast<double>(totalSquares - residualSquares);
+  if (totalSquares.hi > 0) {  // y that never changes has nothing to explain: both stay 0
+    const DoubleDouble one(1), unexplained = residualSquares / totalSquares;
+    const DoubleDouble base(static_cast<double>(n) - baseParameters);
+    statistics.RSquared = static_cast<double>(one - unexplained);
+    statistics.AdjustedRSquared = static_cast<double>(one - unexplained * base / degrees);
+  }
+}
+
+}  // namespace pelmora::solver

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#include "tests/adapters/solver/fit_helpers.h"
+#include "tests/adapters/solver/strd_sets.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace pelmora::test {
+namespace {
+
+// What the engine promises for certified sets, where the rounding of the data to doubles allows it.
+constexpr double linearDigits = 13, nonlinearDigits = 11.5, nonlinearErrorDigits = 10;
+// `attainable...` is itself given to a tenth of a digit.
+constexpr double printedTenth = 0.1;
+
+double promised(double digits, double attainable) { return std::min(digits, attainable - printedTenth); }
+
+void expectParameters(const FitModel& model, const StrdSet& set, double digits, double errorDigits) {
+  const auto parameters = model.parameters();
+  ASSERT_EQ(parameters.size(), set.parameters.size());
+  for (std::size_t k = 0; k < parameters.size(); ++k) {
+    EXPECT_GE(agreeingDigits(parameters[k].Value, set.parameters[k]),
+              promised(digits, set.attainableParameters))
+        << set.name << " " << parameters[k].Name;
+    EXPECT_GE(agreeingDigits(parameters[k].StandardError, set.standardErrors[k]),
+              promised(errorDigits, set.attainableErrors))
+        << set.name << " " << parameters[k].Name;
+  }
+}
+
+TEST(certified_sets, linear_sets_have_13_digits) {
+  int fitted = 0;
+  for (const StrdSet& set : strdSets(true)) {
+    if (!set.singleX) continue;  // Longley: tests/adapters/solver/design_test.cpp
+    const auto model = fitOf(set.model, set.x[0], set.y);
+    ASSERT_TRUE(model->solutionFound()) << set.name << ": " << model->failureReason();
+    EXPECT_TRUE(model->linear());
+    expectParameters(*model, set, linearDigits, linearDigits);
+    const FitStatistics statistics = model->statistics();
+    EXPECT_EQ(statistics.Iterations, 0);
+    EXPECT_EQ(statistics.Observations, static_cast<int>(set.y.size()));
+    EXPECT_GE(agreeingDigits(statistics.ResidualStandardError, set.residualError), linearDigits) << set.name;
+    EXPECT_GE(agreeingDigits(statistics.ResidualSumOfSquares, set.residualSquares), linearDigits) << set.name;
+    EXPECT_GE(agreeingDigits(statistics.RSquared, set.rSquared), linearDigits) << set.name;
+    EXPECT_GE(agreeingDigits(statistics.AdjustedRSquared, set.adjustedRSquared), linearDigits) << set.name;
+    EXPECT_GE(agreeingDigits(statistics.RegressionSumOfSquares, set.regressionSquares), linearDigits)
+        << set.name;
+    ++fitted;
+  }
+  EXPECT_EQ(fitted, 10);
+}
+
+void expectNonlinear(const StrdSet& set, const std::vector<double>& start) {
+  const auto model = fitOf(set.model, set.x[0], set.y, start);
+  ASSERT_TRUE(model->solutionFound()) << set.name << ": " << model->failureReason();
+  EXPECT_FALSE(model->linear());
+  EXPECT_GT(model->statistics().Iterations, 0);
+  expectParameters(*model, set, nonlinearDigits, nonlinearErrorDigits);
+  // RSS has twice the relative error of the standard errors: log10(2) = 0.3 digits less.
+  EXPECT_GE(agreeingDigits(model->statistics().ResidualSumOfSquares, set.residualSquares),
+            promised(nonlinearErrorDigits, set.attainableErrors - 0.3))
+      << set.name;
+}
+
+TEST(certified_sets, nonlinear_sets_are_solved_from_start_1) {
+  for (const StrdSet& set : strdSets(false)) {
+    if (set.singleX) expectNonlinear(set, set.start1);
+  }
+}
+
+TEST(certified_sets, nonlinear_sets_are_solved_from_start_2) {
+  for (const StrdSet& set : strdSets(false)) {
+    if (set.singleX) expectNonlinear(set, set.start2);
+  }
+}
+
+}  // namespace
+}  // namespace pelmora::test

@@ -1,0 +1,39 @@
+// Fits in one line, for the tests of the engine.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "adapters/solver/solver.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace pelmora::test {
+
+inline std::shared_ptr<FitData> dataOf(std::vector<double> x, std::vector<double> y) {
+  auto data = std::make_shared<FitData>();
+  data->Names = {"Roshko", "Strouhal"};
+  data->Symbols = {"X", "Y"};
+  data->Columns = {std::move(x), std::move(y)};
+  return data;
+}
+
+inline std::unique_ptr<FitModel> fitOf(const std::string& expression,
+                                       const std::shared_ptr<const FitData>& data,
+                                       std::vector<double> starts = {}) {
+  auto model = createSolver()->createModel();
+  model->Definition = {"Test", expression};
+  model->Settings.First = 250;
+  model->Settings.Second = 10;
+  model->Settings.ResidualTolerance = 1e-15;
+  model->Settings.StartValues = std::move(starts);
+  model->attach(data);
+  return model;
+}
+
+inline std::unique_ptr<FitModel> fitOf(const std::string& expression, std::vector<double> x,
+                                       std::vector<double> y, std::vector<double> starts = {}) {
+  return fitOf(expression, dataOf(std::move(x), std::move(y)), std::move(starts));
+}
+
+}  // namespace pelmora::test
