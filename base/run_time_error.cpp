@@ -23,6 +23,7 @@ const char* description(RunTimeError number) {
     case RunTimeError::divisionByZero: return "Division by zero";
     case RunTimeError::typeMismatch: return "Type mismatch";
     case RunTimeError::fileNotFound: return "File not found";
+    case RunTimeError::fileExists: return "File already exists";
     case RunTimeError::permissionDenied: return "Permission denied";
     case RunTimeError::noObject: return "Object variable or With block variable not set";
     case RunTimeError::invalidFileFormat: return "Invalid file format";

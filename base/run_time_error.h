@@ -16,6 +16,7 @@ enum class RunTimeError : std::int32_t {
   divisionByZero = 11,
   typeMismatch = 13,
   fileNotFound = 53,
+  fileExists = 58,
   permissionDenied = 70,
   pathAccess = 75,
   noObject = 91,

@@ -51,7 +51,7 @@ class PELMORA_API Recordset {
 // on as they stand; one call runs one statement.
 //
 // Errors: Error with a description like the dialect's own engine gives; number 0x80004005
-//         (lockedDatabase) where the database is locked by another user or cannot be opened.
+//         (genericFailure) where another user has locked the database and only there.
 class PELMORA_API Connection {
  public:
   virtual ~Connection() = default;

@@ -107,12 +107,13 @@ class UnfinishedFile {
 };
 
 Error existsAlready(const std::string& path) {
-  return {genericFailure, "Pelmora",
+  return {static_cast<std::int32_t>(RunTimeError::fileExists), "Pelmora",
           "'" + path + "' exists already; name a file that does not exist yet."};
 }
 
 Error cannotCreate(const std::string& path, const std::string& why) {
-  return {genericFailure, "Pelmora", "Could not create '" + path + "': " + why};
+  return {static_cast<std::int32_t>(RunTimeError::pathAccess), "Pelmora",
+          "Could not create '" + path + "': " + why};
 }
 
 }  // namespace

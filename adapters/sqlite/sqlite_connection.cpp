@@ -64,10 +64,7 @@ void SqliteConnection::run(const sql::Statement& statement, std::string_view out
 
 void SqliteConnection::insertElsewhere(const sql::Statement& statement, const std::string& file) {
   SqliteSession& open = session();
-  // Not the generic failure: that asks callers to wait for another user, who will not make this
-  // file.
-  const std::string output =
-      checkedSqliteFile(file, static_cast<std::int32_t>(RunTimeError::pathAccess));
+  const std::string output = checkedSqliteFile(file);
   std::error_code ignored;
   if (!open.file().empty() &&
       std::filesystem::equivalent(filePath(open.file()), filePath(output), ignored)) {
@@ -90,14 +87,8 @@ std::unique_ptr<Recordset> SqliteConnection::openRecordset(const std::string& st
 }  // namespace sqlite
 
 ConnectionPtr sqliteConnection(const std::string& path) {
-  return std::make_shared<sqlite::SqliteConnection>([path] {
-    const std::string file = sqlite::checkedSqliteFile(path, genericFailure);
-    try {
-      return std::make_shared<sqlite::SqliteSession>(file);
-    } catch (const Error& error) {
-      throw Error(genericFailure, error.source(), error.what());
-    }
-  });
+  return std::make_shared<sqlite::SqliteConnection>(
+      [path] { return std::make_shared<sqlite::SqliteSession>(sqlite::checkedSqliteFile(path)); });
 }
 
 }  // namespace pelmora

@@ -58,7 +58,7 @@ Error sqliteError(int code, sqlite3* database) {
       return {pathAccess, "Pelmora", "Disk error on " + fileOf(database) + "." + native};
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
-      return {pathAccess, "Pelmora",
+      return {static_cast<std::int32_t>(RunTimeError::invalidFileFormat), "Pelmora",
               "Unrecognized database format: " + fileOf(database) +
                   " is damaged. Restore it from a copy." + native};
     case SQLITE_NOMEM: return {7, "Pelmora", "Out of memory" + native};

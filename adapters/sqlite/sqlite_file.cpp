@@ -2,6 +2,7 @@
 #include "adapters/sqlite/sqlite_file.h"
 
 #include "adapters/sqlite/sqlite_database.h"
+#include "base/run_time_error.h"
 
 #include <array>
 #include <fstream>
@@ -39,39 +40,47 @@ std::string utf8Text(const std::filesystem::path& path) {
   return {text.begin(), text.end()};
 }
 
-std::string checkedSqliteFile(const std::string& path, std::int32_t number) {
-  const auto fail = [&](const std::string& description) -> Error {
-    return {number, "Pelmora", description};
+std::string checkedSqliteFile(const std::string& path) {
+  const auto fail = [](RunTimeError number, const std::string& description) -> Error {
+    return {static_cast<std::int32_t>(number), "Pelmora", description};
   };
   const std::filesystem::path file = filePath(path);
   std::error_code code;
   const auto status = std::filesystem::status(file, code);
   const bool isText = path.find('\0') == std::string::npos;
   if (path.empty() || !isText || status.type() == std::filesystem::file_type::not_found) {
-    throw fail("Could not find file '" + path +
-               "'. Check the folder and the name; opening a database never creates one.");
+    throw fail(RunTimeError::fileNotFound,
+               "Could not find file '" + path +
+                   "'. Check the folder and the name; opening a database never creates one.");
   }
   if (status.type() == std::filesystem::file_type::none) {
-    throw fail("Could not open file '" + path + "': " + code.message() +
-               ". Check the path and its permissions.");
+    const bool isRefused = code == std::errc::permission_denied;
+    throw fail(isRefused ? RunTimeError::permissionDenied : RunTimeError::pathAccess,
+               "Could not open file '" + path + "': " + code.message() +
+                   ". Check the path and its permissions.");
   }
   if (std::filesystem::is_directory(status)) {
-    throw fail("Could not open '" + path + "': it is a folder. Name the database file inside it.");
+    throw fail(RunTimeError::pathAccess,
+               "Could not open '" + path + "': it is a folder. Name the database file inside it.");
   }
   if (!std::filesystem::is_regular_file(status)) {
-    throw fail("Could not open '" + path + "': it is no regular file. Name a database file.");
+    throw fail(RunTimeError::pathAccess,
+               "Could not open '" + path + "': it is no regular file. Name a database file.");
   }
   switch (contentsOf(file)) {
     case Contents::sqlite: break;
     case Contents::unreadable:
-      throw fail("Could not open file '" + path + "': it cannot be read. Check its permissions.");
+      throw fail(RunTimeError::permissionDenied,
+                 "Could not open file '" + path + "': it cannot be read. Check its permissions.");
     case Contents::empty:
       throw fail(
+          RunTimeError::invalidFileFormat,
           "Unrecognized database format '" + path +
-          "': the file is empty. Create a curve database there first, or name another file.");
+              "': the file is empty. Create a curve database there first, or name another file.");
     case Contents::other:
-      throw fail("Unrecognized database format '" + path +
-                 "': the file is no SQLite database. Name another file.");
+      throw fail(RunTimeError::invalidFileFormat,
+                 "Unrecognized database format '" + path +
+                     "': the file is no SQLite database. Name another file.");
   }
   return utf8Text(std::filesystem::absolute(file));
 }

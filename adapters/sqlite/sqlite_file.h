@@ -15,7 +15,9 @@ namespace pelmora::sqlite {
 
 // The absolute path, which SQLite can mistake neither for a URI nor for ":memory:".
 //
-// Errors: Error `number` that says why the file is no SQLite database that can be read.
-[[nodiscard]] std::string checkedSqliteFile(const std::string& path, std::int32_t number);
+// Errors: Error that says why the file is no SQLite database that can be read: 53 missing, 70 not
+// permitted,
+//         75 a folder or no regular file, 321 empty or another format.
+[[nodiscard]] std::string checkedSqliteFile(const std::string& path);
 
 }  // namespace pelmora::sqlite

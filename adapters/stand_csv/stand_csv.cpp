@@ -27,13 +27,13 @@ bool isRegularFile(const std::string& path) {
 
 std::string contents(const std::string& path) {
   if (!isRegularFile(path)) {
-    throw Error(genericFailure, "Pelmora",
+    throw Error(static_cast<std::int32_t>(RunTimeError::fileNotFound), "Pelmora",
                 "Could not find file '" + path + "'. Check the folder and the name.");
   }
   std::ifstream file(filePath(path), std::ios::binary);
   std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
   if (!file.is_open() || file.bad()) {
-    throw Error(genericFailure, "Pelmora",
+    throw Error(static_cast<std::int32_t>(RunTimeError::permissionDenied), "Pelmora",
                 "Could not open file '" + path + "': it cannot be read. Check its permissions.");
   }
   return text;

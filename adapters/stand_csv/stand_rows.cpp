@@ -71,7 +71,7 @@ StandRows::StandRows(std::string path, std::string_view text)
   try {
     readHeader();
   } catch (const Error& error) {
-    throw fileError(genericFailure, error.what());
+    throw fileError(static_cast<std::int32_t>(RunTimeError::invalidFileFormat), error.what());
   }
 }
 

@@ -23,7 +23,7 @@ inline constexpr std::size_t columnCount = 38;
 class StandRows {
  public:
   // Reads the header. `path` is for messages only; `text` must outlive this object.
-  // Errors: Error genericFailure for an empty text or a wrong header.
+  // Errors: Error 321 for an empty text or a wrong header.
   StandRows(std::string path, std::string_view text);
 
   // The next row in the order of columnName; an empty field is null. A job identity that is a whole

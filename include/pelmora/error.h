@@ -14,7 +14,7 @@ namespace pelmora {
 //
 // Codes: the classic run-time numbers (5 invalid argument, 6 overflow, 9 out of range, 11 division
 // by zero, 13 type mismatch, ...), those on the error base 0x80040000, and 0x80004005 for a database
-// that is locked or cannot be used.
+// that another user has locked, and for nothing else.
 class PELMORA_API Error : public std::runtime_error {
  public:
   Error(std::int32_t number, std::string source, const std::string& description);
