@@ -33,9 +33,10 @@ ConnectionPtr getConnection(std::string& location, const SharedState& shared,
   if (location.empty()) {
     throw Error(errorBase + emptyLocation, "Pelmora:getConnection", "Empty database location");
   }
-  ConnectionPtr connection = platform.createConnection ? platform.createConnection(location) : nullptr;
+  ConnectionPtr connection =
+      platform.createConnection ? platform.createConnection(location) : nullptr;
   if (!connection) {
-    throw Error(genericFailure, "Pelmora:getConnection",
+    throw Error(static_cast<std::int32_t>(RunTimeError::noObject), "Pelmora:getConnection",
                 "No database driver is available for '" + location + "'");
   }
   return connection;

@@ -102,7 +102,7 @@ MeterInfo getSeriesID(const OperationContext& context, const std::string& Series
                       const std::string& MeterSN, const ConnectionPtr& conn,
                       std::int16_t ReCalID) {
   MeterInfo record;
-  context.trap("Error in Misc:getSeriesID", [&] {
+  const bool found = context.trap("Error in Misc:getSeriesID", [&] {
     const OperationConnection connection(context, conn);
     const bool latest = ReCalID == -1;
     const std::string from =
@@ -120,6 +120,7 @@ MeterInfo getSeriesID(const OperationContext& context, const std::string& Series
     setSeries(record, toInt32(rows->value("id")), SeriesName);
     record.SerialNumber = MeterSN;
   });
+  if (!found) record.Source = nowhere;
   return record;
 }
 

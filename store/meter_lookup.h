@@ -27,7 +27,7 @@ MeterInfo FindLastCalID(const OperationContext& context, const std::string& Mete
                         const ConnectionPtr& conn);
 
 // The series of a meter calibration; here only -1 means the latest. No series entry where there is
-// none. Does not look in `masterMeterList` and does not set Source.
+// none. Does not look in `masterMeterList`. Source is 0, after an error -1.
 MeterInfo getSeriesID(const OperationContext& context, const std::string& SeriesName,
                       const std::string& MeterSN, const ConnectionPtr& conn, std::int16_t ReCalID);
 
