@@ -1,26 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "engine/clsDataFit.h"
 
+#include "base/file_text.h"
 #include "base/run_time_error.h"
 #include "engine/curve_checks.h"
 #include "engine/outcome_details.h"
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 namespace pelmora {
-namespace {
-
-std::string readWhole(const std::filesystem::path& path) {
-  std::ifstream stream(path, std::ios::binary);
-  if (!stream) throw makeError(RunTimeError::pathAccess);
-  std::string text{std::istreambuf_iterator<char>(stream), {}};
-  if (stream.bad()) throw makeError(RunTimeError::pathAccess);
-  return text;
-}
-
-}  // namespace
 
 clsDataFit::clsDataFit(Platform& platform) : platform_(platform) {
   if (LoadEquations().empty()) {
@@ -33,7 +21,7 @@ clsDataFit::clsDataFit(Platform& platform) : platform_(platform) {
 std::string clsDataFit::LoadEquations() {
   const auto path = std::filesystem::path(platform_.componentFolder) / equationFileName(RatioCurve);
   if (!std::filesystem::exists(path)) return {};
-  EquationFile file = parseEquationFile(readWhole(path));
+  EquationFile file = parseEquationFile(readWholeFile(path));
   if (file.text.empty()) return {};  // as good as missing
   equations_ = std::move(file.equations);
   resetSlots();

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "engine/equation_catalogue.h"
 
+#include "base/text_lines.h"
+
 #include <string_view>
 
 namespace pelmora {
 namespace {
-
-constexpr std::string_view lineBreak = "\r\n";
 
 std::string replaceAll(std::string_view text, std::string_view part, std::string_view with) {
   std::string result;
@@ -16,17 +16,6 @@ std::string replaceAll(std::string_view text, std::string_view part, std::string
     result.append(text.substr(begin, at - begin)).append(with);
   }
   return result.append(text.substr(begin));
-}
-
-std::vector<std::string_view> split(std::string_view text, std::string_view separator) {
-  std::vector<std::string_view> parts;
-  std::size_t begin = 0;
-  for (std::size_t at = 0; (at = text.find(separator, begin)) != std::string_view::npos;
-       begin = at + separator.size()) {
-    parts.push_back(text.substr(begin, at - begin));
-  }
-  parts.push_back(text.substr(begin));
-  return parts;
 }
 
 }  // namespace

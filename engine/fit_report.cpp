@@ -2,13 +2,10 @@
 #include "engine/fit_report.h"
 
 #include "base/number_text.h"
-
-#include <string_view>
+#include "base/text_lines.h"
 
 namespace pelmora {
 namespace {
-
-constexpr std::string_view lineBreak = "\r\n";
 
 // A text built line by line.
 class Lines {

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "fitting/tablecurve_results.h"
 
+#include "base/file_text.h"
 #include "base/number_text.h"
+#include "base/text_lines.h"
 #include "points/point_rows.h"
 #include "rawdata/point_rows_writer.h"
 #include "store/meter_lookup.h"
@@ -10,8 +12,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string_view>
 #include <vector>
 
@@ -20,7 +20,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view lineBreak = "\r\n";
 constexpr std::size_t headerLines = 3;
 
 std::string_view trimmed(std::string_view text) {
@@ -29,28 +28,11 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
-std::string readWhole(const fs::path& path) {
-  std::ifstream stream(path, std::ios::binary);
-  if (!stream) throw makeError(RunTimeError::pathAccess);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
-
 void keepAsSaved(const fs::path& path) {
   fs::path saved = path;
   saved += ".sav";
   fs::remove(saved);
   fs::rename(path, saved);
-}
-
-std::vector<std::string_view> splitLines(std::string_view text) {
-  std::vector<std::string_view> lines;
-  std::size_t begin = 0;
-  for (std::size_t at = 0; (at = text.find(lineBreak, begin)) != std::string_view::npos;
-       begin = at + lineBreak.size()) {
-    lines.push_back(text.substr(begin, at - begin));
-  }
-  lines.push_back(text.substr(begin));
-  return lines;
 }
 
 // The first blank parts the two numbers; all other blanks inside them are dropped, so that only what stands
@@ -66,7 +48,7 @@ void readPoint(std::string_view line, PointArray& points, std::size_t row) {
 }
 
 PointArray parseResults(std::string_view text) {
-  const std::vector<std::string_view> lines = splitLines(text);
+  const std::vector<std::string_view> lines = split(text, lineBreak);
   if (lines.size() <= headerLines) throw makeError(RunTimeError::outOfRange);
   const std::size_t count = lines.size() - headerLines;
   if (count > static_cast<std::size_t>(mostPoints)) throw makeError(RunTimeError::overflow);
@@ -88,7 +70,7 @@ PointArray readTCresults(const OperationContext& context, const std::string& sRe
       return;
     }
     context.raiseStatusUpdate("Reading file: " + sResultPath);
-    std::string text = readWhole(sResultPath);
+    std::string text = readWholeFile(sResultPath);
     keepAsSaved(sResultPath);
     if (text.empty()) return;
     context.raiseStatusUpdate("Cleaning data from Tablecurve format");

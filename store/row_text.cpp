@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "store/row_text.h"
 
+#include "base/text_lines.h"
 #include "store/field_value.h"
 
 #include <string_view>
@@ -8,7 +9,6 @@
 namespace pelmora {
 
 std::vector<std::string> rowsAsTexts(Recordset& rows) {
-  constexpr std::string_view lineBreak = "\r\n";
   std::string text;
   for (; !rows.atEnd(); rows.moveNext()) {
     for (std::size_t field = 0; field < rows.fieldCount(); ++field) text += toText(rows.value(field));
@@ -17,14 +17,8 @@ std::vector<std::string> rowsAsTexts(Recordset& rows) {
   if (text.size() <= lineBreak.size()) return {};
   text.resize(text.size() - lineBreak.size());
 
-  std::vector<std::string> lines;
-  std::size_t begin = 0;
-  for (std::size_t end = 0; (end = text.find(lineBreak, begin)) != std::string::npos;
-       begin = end + lineBreak.size()) {
-    lines.push_back(text.substr(begin, end - begin));
-  }
-  lines.push_back(text.substr(begin));
-  return lines;
+  const std::vector<std::string_view> lines = split(text, lineBreak);
+  return {lines.begin(), lines.end()};
 }
 
 }  // namespace pelmora
