@@ -40,7 +40,7 @@ class frmMessage {
 
   // As designed; the layout moves the buttons' left edges and nothing else.
   float Width = 420, Height = 152;
-  FormLabel lblMessage{{}, 16, 16, 388, 80};
+  FormLabel lblMessage{{}, 16, 14, 388, 88};
   FormButton OKButton{"&OK", box_answer::ok};
   FormButton CancelButton{"&Cancel", box_answer::cancel};
   FormButton AbortButton{"&Abort", box_answer::abort};
