@@ -38,7 +38,7 @@ const std::map<std::string, FolderRule>& rules() {
       {"adapters/stand_csv", {{"base", "store", "adapters/sqlite"}, {}}},
       {"adapters/solver", {{"base", "engine"}, {}}},
       {"adapters/band", {{"base", "engine"}, {}}},
-      {"adapters/dialog", {{"base", "ui"}, {"FL", "posix"}}},
+      {"adapters/dialog", {{"base", "ui", "adapters/os"}, {"FL", "posix"}}},
       {"adapters/os", {{}, {"posix"}}},
       {"wiring",
        {{"base", "ui", "store", "adapters/os", "adapters/sqlite", "adapters/stand_csv", "adapters/solver",

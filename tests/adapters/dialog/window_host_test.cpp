@@ -135,6 +135,12 @@ TEST_F(window_host, missing_helper_is_a_failure) {
   EXPECT_THROW(static_cast<void>(WindowHost(settings).show(yesNo())), Error);
 }
 
+TEST_F(window_host, helper_that_is_nowhere_beside_the_library_is_a_failure) {
+  // This test program stands for the library; no helper lies in its folder.
+  settings.helperProgram.clear();
+  EXPECT_THROW(static_cast<void>(WindowHost(settings).show(yesNo())), Error);
+}
+
 TEST_F(window_host, text_beyond_the_limit_is_refused) {
   WindowRequest request = yesNo();
   request.text.assign(wireBodyLimit, 'x');

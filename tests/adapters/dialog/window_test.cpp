@@ -7,8 +7,11 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/wait.h>
+
 #include <atomic>
 #include <filesystem>
+#include <cstdlib>
 #include <functional>
 #include <stdexcept>
 #include <string>
@@ -182,6 +185,12 @@ TEST_F(window, message_box_grows_with_its_text) {
           });
   EXPECT_GT(height, 152 + 6 * 14);
   EXPECT_LE(height, 400);  // two thirds of the display
+}
+
+TEST_F(window, host_of_the_shared_library_finds_the_helper_beside_it) {
+  EXPECT_EQ(operate([] { return WEXITSTATUS(std::system(PELMORA_HOST)); }, "Question",
+                    [this](unsigned long id) { display.type(id, "i"); }),
+            5);
 }
 
 // Pictures for people to look at; the test says only that there are windows to take them of.
