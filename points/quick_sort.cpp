@@ -78,7 +78,8 @@ class PointSort {
 
   void exchange(std::int16_t i, std::int16_t j) {
     std::swap(at(i, sortColumn_), at(j, sortColumn_));
-    for (std::int16_t c = 0; c <= lastColumn_; c = next(c)) {
+    // All columns before the sort column move, even where lastColumn stops short of them.
+    for (std::int16_t c = 0; c < sortColumn_ || c <= lastColumn_; c = next(c)) {
       if (c != sortColumn_) std::swap(at(i, c), at(j, c));
     }
   }
