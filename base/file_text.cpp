@@ -5,15 +5,24 @@
 
 #include <fstream>
 #include <iterator>
+#include <system_error>
 
 namespace pelmora {
+
+bool fileExists(const std::filesystem::path& path) noexcept {
+  std::error_code failure;
+  const auto status = std::filesystem::status(path, failure);
+  return std::filesystem::exists(status) && !std::filesystem::is_directory(status);
+}
 
 std::string readWholeFile(const std::filesystem::path& path) {
   std::ifstream stream(path, std::ios::binary);
   if (!stream) throw makeError(RunTimeError::pathAccess);
-  std::string text{std::istreambuf_iterator<char>(stream), {}};
-  if (stream.bad()) throw makeError(RunTimeError::pathAccess);
-  return text;
+  try {
+    return {std::istreambuf_iterator<char>(stream), {}};
+  } catch (const std::ios_base::failure&) {
+    throw makeError(RunTimeError::pathAccess);
+  }
 }
 
 }  // namespace pelmora

@@ -20,7 +20,7 @@ clsDataFit::clsDataFit(Platform& platform) : platform_(platform) {
 
 std::string clsDataFit::LoadEquations() {
   const auto path = std::filesystem::path(platform_.componentFolder) / equationFileName(RatioCurve);
-  if (!std::filesystem::exists(path)) return {};
+  if (!fileExists(path)) return {};
   EquationFile file = parseEquationFile(readWholeFile(path));
   if (file.text.empty()) return {};  // as good as missing
   equations_ = std::move(file.equations);

@@ -64,7 +64,7 @@ PointArray readTCresults(const OperationContext& context, const std::string& sRe
   PointArray points;
   context.trap("Error in RawData:readTCresults", [&] {
     ArrayIsEmpty = true;
-    if (!fs::exists(sResultPath)) {
+    if (!fileExists(sResultPath)) {
       context.raiseStatusUpdate("Missing file to read fitted data: " + sResultPath);
       standardMessageBox("File not found", box_style::information, "");
       return;

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+#include "base/file_text.h"
+
+#include "tests/support/scratch_folder.h"
+
+#include <pelmora/error.h>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <fstream>
+#include <string>
+
+namespace pelmora {
+namespace {
+
+class file_text : public testing::Test {
+ protected:
+  std::string write(const std::string& name, const std::string& text) const {
+    std::ofstream(folder_.file(name), std::ios::binary) << text;
+    return folder_.file(name);
+  }
+  static int errorOfReading(const std::string& path) {
+    try {
+      (void)readWholeFile(path);
+    } catch (const Error& error) {
+      return error.number();
+    }
+    return 0;
+  }
+  test::ScratchFolder folder_;
+};
+
+TEST_F(file_text, is_read_byte_for_byte) {
+  const std::string bytes("a\r\n\0\xFF\x1A z\n", 9);
+  EXPECT_EQ(readWholeFile(write("f", bytes)), bytes);
+  EXPECT_EQ(readWholeFile(write("empty", "")), "");
+}
+
+TEST_F(file_text, folder_and_missing_path_are_no_files) {
+  EXPECT_TRUE(fileExists(write("f", "x")));
+  EXPECT_FALSE(fileExists(folder_.file("missing")));
+  EXPECT_FALSE(fileExists(folder_.path()));
+  EXPECT_FALSE(fileExists(""));
+  EXPECT_FALSE(fileExists(folder_.file("f") + "/below a file"));
+  EXPECT_FALSE(fileExists(folder_.file(std::string(5000, 'n'))));
+}
+
+TEST_F(file_text, what_cannot_be_read_is_a_path_access_error) {
+  EXPECT_EQ(errorOfReading(folder_.file("missing")), 75);
+  EXPECT_EQ(errorOfReading(folder_.path()), 75);
+  // A socket cannot be opened as a file, whoever tries.
+  ASSERT_EQ(mknod(folder_.file("socket").c_str(), S_IFSOCK | 0600, 0), 0);
+  EXPECT_EQ(errorOfReading(folder_.file("socket")), 75);
+}
+
+}  // namespace
+}  // namespace pelmora
