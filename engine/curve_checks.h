@@ -21,7 +21,9 @@ struct CheckedCurve {
   double bandPercent;
 };
 
-// Warnings in the order of CurveWarningKind, each kind by rising x.
+// Warnings in the order of CurveWarningKind, each kind by rising x; none where a raw x is not finite.
+//
+// Errors: Error 9 where the model does not deliver a value for each x.
 [[nodiscard]] std::vector<CurveWarning> checkCurve(const CheckedCurve& curve);
 
 // How many distinct x levels there are: neighbours closer than a fifth of the mean spacing (of ln x where all x

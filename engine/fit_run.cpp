@@ -76,7 +76,7 @@ PointArray clsDataFit::fitCurve(const PointArray& points, bool& ArrayIsEmpty, do
     runEquations({std::move(engine), Predicted_Xmin, Predicted_Xmax});
     findBestFit();
     const Slot* chosen = chosenSlot();
-    if (chosen != nullptr && chosen->model) {
+    if (chosen != nullptr) {
       curve = chosen->result;
       ArrayIsEmpty = false;
       raise("Determined bestfit equation: " + chosen->model->Definition.Name);
@@ -165,6 +165,7 @@ std::vector<double> clsDataFit::scanResiduals(Slot& slot) const {
 
 void clsDataFit::acceptSolution(const Run& run, std::size_t index) {
   Slot& slot = slots_[index];
+  if (data_->Columns[0].empty()) throw makeError(RunTimeError::outOfRange);
   auto predicted = std::make_unique<FitData>();
   predicted->Names = {labels_.x, labels_.y};
   predicted->Symbols = {"", ""};

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "points/point_rows.h"
 
-#include "tests/support/fake_connection.h"
+#include "tests/support/point_rows.h"
 
 #include <pelmora/error.h>
 
@@ -13,11 +13,11 @@
 namespace pelmora {
 namespace {
 
-using test::FakeRows;
 using test::pointRows;
 using test::recordsetOf;
+using test::Rows;
 
-FakeRows countedRows(std::size_t count) {
+Rows countedRows(std::size_t count) {
   PointArray points(count);
   for (std::size_t i = 0; i < count; ++i) {
     points(i, 0) = static_cast<double>(i) + 1;

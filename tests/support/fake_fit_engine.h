@@ -22,6 +22,7 @@ struct FakeSolution {
   FitStatistics statistics;
   std::function<double(double)> curve = [](double x) { return x; };
   std::function<void()> onAttach;  // may throw
+  std::function<void(std::vector<double>& y)> onEvaluate;  // may change the values or throw
 };
 
 // One table row whose residual ratio is `ratio`.
@@ -73,6 +74,7 @@ class FakeFitModel : public FitModel {
   std::vector<double> evaluate(std::span<const double> x) const override {
     std::vector<double> y;
     for (const double value : x) y.push_back(solution().curve(value));
+    if (solution().onEvaluate) solution().onEvaluate(y);
     return y;
   }
   std::vector<FitParameter> parameters() const override { return solution().parameters; }
