@@ -1,54 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sql_dialect/expression_parser.h"
 
-#include "adapters/sql_dialect/date_literal.h"
 #include "adapters/sql_dialect/dialect_error.h"
-#include "adapters/sql_dialect/text_case.h"
-#include "base/run_time_error.h"
+#include "adapters/sql_dialect/expression_node.h"
 
 #include <array>
-#include <charconv>
-#include <cmath>
-#include <system_error>
 #include <utility>
 
 namespace pelmora::sql {
-
-namespace {
-
-constexpr int deepestNesting = 100;
-
-Expression node(ExpressionKind kind, std::string text, std::vector<Expression> operands = {}) {
-  Expression result;
-  result.kind = kind;
-  result.text = std::move(text);
-  result.operands = std::move(operands);
-  return result;
-}
-
-std::vector<Expression> list(Expression first) {
-  std::vector<Expression> result;
-  result.push_back(std::move(first));
-  return result;
-}
-
-}  // namespace
-
-class ExpressionParser::Nesting {
- public:
-  explicit Nesting(ExpressionParser& parser) : parser_(parser) {
-    if (++parser_.depth_ > deepestNesting) {
-      parser_.depth_ = 0;
-      throw parser_.error("Expression too complex");
-    }
-  }
-  ~Nesting() { --parser_.depth_; }
-  Nesting(const Nesting&) = delete;
-  Nesting& operator=(const Nesting&) = delete;
-
- private:
-  ExpressionParser& parser_;
-};
 
 Error ExpressionParser::error(std::string_view what) const {
   return expressionError(what, tokens_.expressionAt(start_));
@@ -235,75 +194,6 @@ Expression ExpressionParser::parsePower() {
                                   : std::move(exponent));
   }
   return result;
-}
-
-Expression ExpressionParser::parsePrimary() {
-  if (tokens_.acceptSymbol("(")) {
-    const Nesting nesting(*this);
-    Expression inner = parseDisjunction();
-    expectClosingBracket();
-    return inner;
-  }
-  switch (tokens_.peek().kind) {
-    case TokenKind::number: return parseNumber();
-    case TokenKind::text: return node(ExpressionKind::text, contents(tokens_.take()));
-    case TokenKind::date: return parseDate();
-    default: break;
-  }
-  if (tokens_.acceptWord("NULL")) return {};
-  if (tokens_.acceptWord("TRUE")) return node(ExpressionKind::boolean, "1");
-  if (tokens_.acceptWord("FALSE")) return node(ExpressionKind::boolean, "0");
-  if (tokens_.atName()) return parseName();
-  throw missingOperand();
-}
-
-Expression ExpressionParser::parseName() {
-  const bool isBracketed = tokens_.peek().kind == TokenKind::bracketedName;
-  std::string name = tokens_.takeName();
-  if (!isBracketed && tokens_.atSymbol("(")) return parseCall(std::move(name));
-  Expression result = node(ExpressionKind::column, std::move(name));
-  if (tokens_.atSymbol(".") || tokens_.atSymbol("!")) {
-    tokens_.take();
-    if (!tokens_.atName()) throw missingOperand();
-    result.qualifier = std::exchange(result.text, tokens_.takeName());
-  }
-  return result;
-}
-
-Expression ExpressionParser::parseCall(std::string name) {
-  constexpr std::array<std::string_view, 5> aggregates{"COUNT", "MIN", "MAX", "SUM", "AVG"};
-  for (const std::string_view aggregate : aggregates) {
-    if (!equalNames(name, aggregate)) continue;
-    tokens_.take();
-    const Nesting nesting(*this);
-    Expression call = node(ExpressionKind::aggregate, std::string(aggregate));
-    if (aggregate != "COUNT" || !tokens_.acceptSymbol("*"))
-      call.operands.push_back(parseDisjunction());
-    expectClosingBracket();
-    return call;
-  }
-  throw statementError("Undefined function '" + name + "' in expression.");
-}
-
-Expression ExpressionParser::parseNumber() {
-  const std::string_view digits = tokens_.take().source;
-  double value = 0;
-  const auto [end, code] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  // Too small a number is out of range as well, but it is as good as 0.
-  const bool isTooLarge = code == std::errc::result_out_of_range &&
-                          digits.find_first_of("eE") != std::string_view::npos &&
-                          digits[digits.find_first_of("eE") + 1] != '-';
-  if (isTooLarge || !std::isfinite(value)) throw makeError(RunTimeError::overflow);
-  if (code == std::errc::result_out_of_range) return node(ExpressionKind::number, "0.0");
-  return node(ExpressionKind::number,
-              std::string(digits.substr(0, static_cast<std::size_t>(end - digits.data()))));
-}
-
-Expression ExpressionParser::parseDate() {
-  const auto iso = isoDate(contents(tokens_.peek()));
-  if (!iso) throw error("Syntax error in date");
-  tokens_.take();
-  return node(ExpressionKind::text, *iso);
 }
 
 }  // namespace pelmora::sql

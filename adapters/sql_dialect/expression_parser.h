@@ -28,7 +28,21 @@ class ExpressionParser {
   [[nodiscard]] Error errorAfterExpression() const;
 
  private:
-  class Nesting;
+  static constexpr int deepestNesting = 100;
+
+  // One level of brackets.
+  class Nesting {
+   public:
+    explicit Nesting(ExpressionParser& parser) : parser_(parser) {
+      if (++parser_.depth_ > deepestNesting) throw parser_.error("Expression too complex");
+    }
+    ~Nesting() { --parser_.depth_; }
+    Nesting(const Nesting&) = delete;
+    Nesting& operator=(const Nesting&) = delete;
+
+   private:
+    ExpressionParser& parser_;
+  };
 
   [[nodiscard]] Error error(std::string_view what) const;
   [[nodiscard]] Error missingOperand() const;
