@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sql_dialect/token_stream.h"
 
-#include "adapters/sql_dialect/text_case.h"
-
 #include <algorithm>
 #include <array>
 
@@ -19,10 +17,17 @@ constexpr std::array<std::string_view, 32> reservedWords{
 constexpr std::array<std::string_view, 6> clauseWords{"FROM",  "WHERE",  "GROUP",
                                                       "ORDER", "HAVING", "AS"};
 
+// Words of the dialect are capital ASCII letters.
+bool isSameWord(std::string_view source, std::string_view word) {
+  return source.size() == word.size() && std::ranges::equal(source, word, [](char a, char b) {
+           return a == b || (a >= 'a' && a <= 'z' && a - 'a' + 'A' == b);
+         });
+}
+
 template <std::size_t Size>
 bool isOneOf(const Token& token, const std::array<std::string_view, Size>& words) {
   return token.kind == TokenKind::word &&
-         std::ranges::any_of(words, [&](auto word) { return equalNames(token.source, word); });
+         std::ranges::any_of(words, [&](auto word) { return isSameWord(token.source, word); });
 }
 
 }  // namespace
@@ -32,7 +37,7 @@ const Token& TokenStream::peek(std::size_t ahead) const {
 }
 
 bool TokenStream::atWord(std::string_view word, std::size_t ahead) const {
-  return peek(ahead).kind == TokenKind::word && equalNames(peek(ahead).source, word);
+  return peek(ahead).kind == TokenKind::word && isSameWord(peek(ahead).source, word);
 }
 
 bool TokenStream::atSymbol(std::string_view symbol, std::size_t ahead) const {

@@ -2,6 +2,7 @@
 #include "adapters/sqlite/attached_file.h"
 
 #include "adapters/sqlite/prepared_statement.h"
+#include "adapters/sqlite/sqlite_error.h"
 #include "adapters/sqlite/sqlite_session.h"
 
 #include <sqlite3.h>
@@ -11,7 +12,8 @@ namespace pelmora::sqlite {
 AttachedFile::AttachedFile(SqliteSession& session, const std::string& file) : session_(session) {
   PreparedStatement attach(session_.database(), "ATTACH ?1 AS \"output\"");
   attach.bind(1, std::string_view(file));
-  attach.step();
+  const int code = sqlite3_step(attach.get());
+  if (code != SQLITE_DONE) throw sqliteError(code, session_.database(), file);
 }
 
 AttachedFile::~AttachedFile() {

@@ -44,7 +44,8 @@ void like(sqlite3_context* context, int /*count*/, sqlite3_value** values) noexc
     const bool isNull = sqlite3_value_type(values[0]) == SQLITE_NULL ||
                         sqlite3_value_type(values[1]) == SQLITE_NULL;
     if (isNull) return sqlite3_result_null(context);
-    sqlite3_result_int(context, sql::matchesPattern(valueText(values[0]), valueText(values[1])) ? 1 : 0);
+    sqlite3_result_int(context,
+                       sql::matchesPattern(valueText(values[0]), valueText(values[1])) ? 1 : 0);
   });
 }
 

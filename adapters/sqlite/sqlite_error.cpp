@@ -12,9 +12,18 @@ namespace pelmora::sqlite {
 
 namespace {
 
-std::string fileOf(sqlite3* database) {
-  const char* name = database == nullptr ? nullptr : sqlite3_db_filename(database, "main");
-  return name == nullptr || *name == '\0' ? "the database" : "file '" + std::string(name) + "'";
+std::string quotedFile(sqlite3* database, const char* schema) {
+  const char* name = sqlite3_db_filename(database, schema);
+  return name == nullptr || *name == '\0' ? "" : "file '" + std::string(name) + "'";
+}
+
+// The files that the failed statement may have been about.
+std::string filesOf(sqlite3* database) {
+  if (database == nullptr) return "the database";
+  const std::string main = quotedFile(database, "main");
+  const std::string output = quotedFile(database, "output");
+  if (main.empty() && output.empty()) return "the database";
+  return main + (main.empty() || output.empty() ? "" : " or ") + output;
 }
 
 bool isTooComplex(const std::string& message) {
@@ -23,9 +32,7 @@ bool isTooComplex(const std::string& message) {
          message.find("too many") != std::string::npos;
 }
 
-}  // namespace
-
-Error sqliteError(int code, sqlite3* database) {
+Error errorAbout(int code, sqlite3* database, const std::string& file) {
   const int extended = database == nullptr ? code : sqlite3_extended_errcode(database);
   const std::string message = database == nullptr ? sqlite3_errstr(code) : sqlite3_errmsg(database);
   const std::string native = " (SQLite " + std::to_string(extended) + ": " + message + ")";
@@ -34,16 +41,16 @@ Error sqliteError(int code, sqlite3* database) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
       return {genericFailure, "Pelmora",
-              "Could not lock " + fileOf(database) + "; it is locked by another user." + native};
+              "Could not lock " + file + "; it is locked by another user." + native};
     case SQLITE_READONLY:
     case SQLITE_PERM:
     case SQLITE_AUTH:
       return {updateRefused, "Pelmora",
-              "Operation must use an updateable query. Check that " + fileOf(database) +
+              "Operation must use an updateable query. Check that " + file +
                   " and its folder can be written." + native};
     case SQLITE_CANTOPEN:
       return {updateRefused, "Pelmora",
-              "Operation must use an updateable query. Beside " + fileOf(database) +
+              "Operation must use an updateable query. Beside " + file +
                   " no journal can be made; check that its folder can be written." + native};
     case SQLITE_CONSTRAINT:
       return {constraintFailed, "Pelmora",
@@ -52,15 +59,13 @@ Error sqliteError(int code, sqlite3* database) {
               "of the table." +
                   native};
     case SQLITE_FULL:
-      return {pathAccess, "Pelmora",
-              "There is no room left for " + fileOf(database) + "." + native};
-    case SQLITE_IOERR:
-      return {pathAccess, "Pelmora", "Disk error on " + fileOf(database) + "." + native};
+      return {pathAccess, "Pelmora", "There is no room left for " + file + "." + native};
+    case SQLITE_IOERR: return {pathAccess, "Pelmora", "Disk error on " + file + "." + native};
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
       return {static_cast<std::int32_t>(RunTimeError::invalidFileFormat), "Pelmora",
-              "Unrecognized database format: " + fileOf(database) +
-                  " is damaged. Restore it from a copy." + native};
+              "Unrecognized database format: " + file + " is damaged. Restore it from a copy." +
+                  native};
     case SQLITE_NOMEM: return {7, "Pelmora", "Out of memory" + native};
     case SQLITE_TOOBIG:
       return {static_cast<std::int32_t>(RunTimeError::overflow), "Pelmora", "Overflow" + native};
@@ -69,6 +74,16 @@ Error sqliteError(int code, sqlite3* database) {
   if (isTooComplex(message)) return sql::statementError("Query is too complex." + native);
   if (message == "integer overflow") return makeError(RunTimeError::overflow);
   return sql::statementError("The database engine refused the statement." + native);
+}
+
+}  // namespace
+
+Error sqliteError(int code, sqlite3* database) {
+  return errorAbout(code, database, filesOf(database));
+}
+
+Error sqliteError(int code, sqlite3* database, const std::string& file) {
+  return errorAbout(code, database, "file '" + file + "'");
 }
 
 }  // namespace pelmora::sqlite

@@ -5,6 +5,7 @@
 #include <pelmora/error.h>
 
 #include <cstdint>
+#include <string>
 
 struct sqlite3;
 
@@ -21,5 +22,7 @@ inline constexpr std::int32_t changesPending = 3219;
 // The error of `code`, which `database` (may be null) has just reported. genericFailure is used for
 // a locked database alone, because callers try again on it.
 [[nodiscard]] Error sqliteError(int code, sqlite3* database);
+// The same where it is about `file`, not about the database's own.
+[[nodiscard]] Error sqliteError(int code, sqlite3* database, const std::string& file);
 
 }  // namespace pelmora::sqlite

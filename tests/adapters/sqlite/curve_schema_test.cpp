@@ -1,0 +1,211 @@
+// SPDX-License-Identifier: MIT
+#include "adapters/sql_dialect/parser.h"
+#include "adapters/sql_dialect/sqlite_renderer.h"
+#include "adapters/sqlite/prepared_statement.h"
+#include "adapters/sqlite/sqlite_session.h"
+#include "tests/support/curve_file.h"
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace pelmora {
+namespace {
+
+using test::CurveFile;
+using test::failureOf;
+using test::ScratchFolder;
+
+std::vector<std::string> columnsOf(const CurveFile& file, const std::string& table) {
+  const auto shape = sqlite::SqliteSession(file.path).catalogue().findTable("main", table);
+  std::vector<std::string> names;
+  for (const auto& column : shape.value().columns) names.push_back(column.name);
+  return names;
+}
+
+TEST(curve_schema, tables_and_columns_have_their_names) {
+  const CurveFile file;
+  using Names = std::vector<std::string>;
+  EXPECT_EQ(columnsOf(file, "meter"),
+            (Names{"ID", "SerialNumber", "SerialNumberAdjusted", "ReCalID"}));
+  EXPECT_EQ(columnsOf(file, "masterMeterList"), (Names{"ID", "SerialNumber", "ReCalID"}));
+  EXPECT_EQ(columnsOf(file, "series"), (Names{"ID", "name", "meterid"}));
+  for (const char* table : {"raw1", "raw2", "raw3", "raw4", "merge", "curve"}) {
+    EXPECT_EQ(columnsOf(file, table), (Names{"seriesID", "Roshko", "Strouhal"})) << table;
+  }
+  EXPECT_EQ(columnsOf(file, "DataFitResults"), (Names{"seriesID", "summary"}));
+  EXPECT_EQ(columnsOf(file, "Fluids"), (Names{"ID", "Name"}));
+  EXPECT_EQ(columnsOf(file, "Operator"), (Names{"ID", "Name"}));
+  EXPECT_EQ(columnsOf(file, "CalSetup"), (Names{"ID", "MeterID", "Stand", "MeterPosition",
+                                                "OperatorID", "FluidID", "DateTaken"}));
+  Names points{"CalSetupID", "JobRecordID"};
+  for (int i = 1; i <= 37; ++i) points.push_back("V" + std::to_string(i));
+  EXPECT_EQ(columnsOf(file, "CalDataPoint"), points);
+}
+
+TEST(curve_schema, every_column_may_be_null) {
+  const CurveFile file;
+  for (const char* statement :
+       {"Insert into meter (ReCalID) VALUES(NULL)", "Insert into series (name) VALUES(NULL)",
+        "Insert into raw1 (Roshko) VALUES(NULL)",
+        "Insert into DataFitResults (summary) VALUES(NULL)",
+        "Insert into CalSetup (Stand) VALUES(NULL)", "Insert into CalDataPoint (V1) VALUES(NULL)",
+        "Insert into Fluids (Name) VALUES(NULL)",
+        "Insert into masterMeterList (ReCalID) VALUES(NULL)"}) {
+    EXPECT_NO_THROW(file.execute(statement)) << statement;
+  }
+}
+
+TEST(curve_schema, identities_are_not_given_twice) {
+  const CurveFile file;
+  file.execute("Insert into series (name) VALUES('a')");
+  file.execute("Delete from series");
+  file.execute("Insert into series (name) VALUES('b')");
+  EXPECT_EQ(file.select("Select id from series")->value(0), Value(std::int64_t{2}));
+}
+
+// The steps of the plan for a statement, one per line.
+std::string planOf(sqlite::SqliteSession& session, const std::string& statement) {
+  sqlite::PreparedStatement plan(
+      session.database(),
+      "EXPLAIN QUERY PLAN " +
+          sql::renderForSqlite(sql::parseStatement(statement), session.catalogue()));
+  std::string steps;
+  while (plan.step()) {
+    steps += reinterpret_cast<const char*>(sqlite3_column_text(plan.get(), 3));
+    steps += '\n';
+  }
+  return steps;
+}
+
+TEST(curve_schema, every_look_up_and_deletion_uses_an_index) {
+  const CurveFile file;
+  sqlite::SqliteSession session(file.path);
+  for (
+      const char* statement : {
+          "SELECT TOP 1 ID, ReCalID, SerialNumberAdjusted from meter where serialnumber='a' ORDER "
+          "BY ReCalID DESC",
+          "SELECT ID, ReCalID, SerialNumberAdjusted from meter where serialnumber='a' AND "
+          "recalid=1 ORDER BY ReCalID DESC",
+          "Select SerialNumberAdjusted, recalid from meter where SerialNumber = 'a' order by "
+          "recalid desc",
+          "SELECT TOP 1 ID, ReCalID from masterMeterList where serialnumber='a' ORDER BY ReCalID "
+          "DESC",
+          "SELECT TOP 1 series.ID AS seriesID,meter.ID, meter.ReCalID, meter.SerialNumberAdjusted "
+          "from series "
+          "left join meter on series.meterid=meter.id where serialnumber='a' AND series.name = 'b' "
+          "ORDER BY "
+          "ReCalID DESC",
+          "Select distinct serialnumber, name from meter left join series on "
+          "meter.id=series.meterid  where "
+          "serialnumber = 'a' and recalid =1",
+          "DELETE Series.* from series where id=1",
+          "select * from series where name = 'b' and meterid=1",
+          "SELECT TOP 1 series.*, meter.recalid, meter.serialnumberadjusted from series left join "
+          "meter on "
+          "series.meterid=meter.id where series.name = 'b' and meter.serialnumber='a' ORDER BY "
+          "meter.recalid DESC",
+          "SELECT series.*, meter.recalid, meter.serialnumberadjusted from series left join meter "
+          "on "
+          "series.meterid=meter.id where series.name = 'b' and meter.serialnumber='a' and "
+          "meter.recalid=2",
+          "Select roshko, strouhal from raw1 where seriesID = 1",
+          "Select roshko, strouhal from raw4 where seriesID = 1 ORDER BY Roshko ASC",
+          "Select * from raw2 where seriesID=1",
+          "DELETE from raw3 where seriesID = 1",
+          "Select * from merge where seriesid = 1",
+          "DELETE from merge where seriesid = 1",
+          "Select * from curve where seriesID = 1",
+          "DELETE from curve where seriesID = 1",
+          "Select summary from datafitresults where seriesID = 1",
+          "DELETE from DataFitResults where seriesID = 1",
+          "SELECT CalSetup.* FROM Fluids RIGHT JOIN CalSetup ON Fluids.ID = CalSetup.FluidID WHERE "
+          "(((Fluids.Name)='a') AND ((CalSetup.MeterID)=1));",
+          "Select * from fluids where name = 'a'",
+          "Select * from Operator where name = 'a'",
+          "Select ID from CalSetup where meterID=1 ORDER BY stand, ID ASC",
+          "Delete * from CalDataPoint where CalDataPoint.calsetupid=1",
+          "Select DISTINCT JobRecordID from CalDataPoint where CalSetupID=1 ORDER BY JobRecordID "
+          "ASC",
+          "Select v2,v3,v4,v5,v12 from CalDataPoint WHERE (((CalDataPoint.calSetupID)=1 and "
+          "CalDataPoint.JobRecordID=2));",
+          "INSERT INTO raw1 ( seriesID,   Roshko,   Strouhal ) SELECT 5 AS SeriesID, [v4]/[v3] AS "
+          "Roshko, "
+          "[v2]/[v1] AS Strouhal FROM CalDataPoint WHERE (((CalDataPoint.calSetupID)=1));",
+          "SELECT TOP 1 CalDatapoint.JobRecordID FROM (Meter LEFT JOIN CalSetup ON Meter.ID = "
+          "CalSetup.MeterID) LEFT JOIN CalDatapoint ON CalSetup.ID = CalDatapoint.CalSetupID WHERE "
+          "Meter.SerialNumber='a'  ORDER BY ReCalID DESC",
+      }) {
+    const std::string plan = planOf(session, statement);
+    EXPECT_NE(plan.find("SEARCH"), std::string::npos) << statement << '\n' << plan;
+    EXPECT_EQ(plan.find("SCAN"), std::string::npos) << statement << '\n' << plan;
+    EXPECT_EQ(plan.find("AUTOMATIC"), std::string::npos) << statement << '\n' << plan;
+  }
+}
+
+TEST(curve_schema, jobs_of_a_set_up_are_both_parts_of_the_index) {
+  const CurveFile file;
+  sqlite::SqliteSession session(file.path);
+  const std::string plan =
+      planOf(session, "Select v2 from CalDataPoint WHERE CalSetupID=1 and JobRecordID=2");
+  EXPECT_NE(plan.find("(CalSetupID=? AND JobRecordID=?)"), std::string::npos) << plan;
+}
+
+std::vector<std::string> filesIn(const ScratchFolder& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+    names.push_back(entry.path().filename().string());
+  }
+  return names;
+}
+
+TEST(curve_schema, nothing_but_the_new_file_is_left_in_the_folder) {
+  const ScratchFolder folder;
+  createSqliteCurveDatabase(folder.file("new ü '\".db"));
+  EXPECT_EQ(filesIn(folder), std::vector<std::string>{"new ü '\".db"});
+  EXPECT_TRUE(isSqliteFile(folder.file("new ü '\".db")));
+}
+
+TEST(curve_schema, a_file_that_exists_stays_as_it_is) {
+  const ScratchFolder folder;
+  std::ofstream(folder.file("a.db")) << "mine";
+  const auto failure = failureOf([&] { createSqliteCurveDatabase(folder.file("a.db")); });
+  EXPECT_NE(failure.description.find("exists already"), std::string::npos) << failure.description;
+  EXPECT_NE(failure.description.find("a.db"), std::string::npos);
+  EXPECT_EQ(std::filesystem::file_size(folder.file("a.db")), 4U);
+  EXPECT_EQ(filesIn(folder).size(), 1U);
+}
+
+TEST(curve_schema, a_link_to_nowhere_exists_already) {
+  const ScratchFolder folder;
+  std::filesystem::create_symlink(folder.file("nowhere"), folder.file("a.db"));
+  EXPECT_NE(failureOf([&] {
+              createSqliteCurveDatabase(folder.file("a.db"));
+            }).description.find("exists already"),
+            std::string::npos);
+  EXPECT_EQ(filesIn(folder).size(), 1U);
+}
+
+TEST(curve_schema, a_missing_folder_is_not_made) {
+  const ScratchFolder folder;
+  const auto failure = failureOf([&] { createSqliteCurveDatabase(folder.file("no/a.db")); });
+  EXPECT_NE(failure.description.find("folder does not exist"), std::string::npos)
+      << failure.description;
+  EXPECT_TRUE(filesIn(folder).empty());
+}
+
+TEST(curve_schema, a_path_without_a_name_is_refused) {
+  const ScratchFolder folder;
+  EXPECT_NE(failureOf([] { createSqliteCurveDatabase(""); }).number, 0);
+  EXPECT_NE(failureOf([&] { createSqliteCurveDatabase(folder.path().string()); }).number, 0);
+  EXPECT_NE(failureOf([&] { createSqliteCurveDatabase(folder.path().string() + "/"); }).number, 0);
+  EXPECT_TRUE(filesIn(folder).empty());
+}
+
+}  // namespace
+}  // namespace pelmora
