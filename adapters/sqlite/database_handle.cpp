@@ -11,13 +11,11 @@ namespace {
 
 constexpr int lockWait_ms = 250;
 
+// An attached file is opened with the flags of the first one: a database in memory must not ask for
+// more than an existing file does, or the attached one would be made, or be in memory too.
 int openFlags(OpenMode mode) {
-  switch (mode) {
-    case OpenMode::existing: return SQLITE_OPEN_READWRITE;
-    case OpenMode::create: return SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
-    case OpenMode::memory: return SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_MEMORY;
-  }
-  return 0;
+  return SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX |
+         (mode == OpenMode::create ? SQLITE_OPEN_CREATE : 0);
 }
 
 }  // namespace
@@ -29,7 +27,7 @@ void DatabaseHandle::Close::operator()(sqlite3* database) const noexcept {
 DatabaseHandle::DatabaseHandle(const std::string& file, OpenMode mode) {
   sqlite3* opened = nullptr;
   const char* name = mode == OpenMode::memory ? ":memory:" : file.c_str();
-  const int code = sqlite3_open_v2(name, &opened, openFlags(mode) | SQLITE_OPEN_NOMUTEX, nullptr);
+  const int code = sqlite3_open_v2(name, &opened, openFlags(mode), nullptr);
   database_.reset(opened);
   if (code != SQLITE_OK) throw sqliteError(code, opened);
   sqlite3_extended_result_codes(opened, 1);

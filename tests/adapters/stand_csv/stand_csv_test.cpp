@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: MIT
+#include "adapters/stand_csv/stand_csv.h"
+
+#include "base/run_time_error.h"
+#include "tests/support/curve_file.h"
+#include "tests/support/stand_export.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <clocale>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace pelmora {
+namespace {
+
+using test::CurveFile;
+using test::failureOf;
+using test::ScratchFolder;
+using test::standHeader;
+using test::standLine;
+
+struct StandExport {
+  explicit StandExport(const std::string& text) : path(folder.file("stand.csv")) {
+    std::ofstream(path, std::ios::binary) << text;
+  }
+  [[nodiscard]] std::unique_ptr<Recordset> select(const std::string& statement) const {
+    const auto connection = standCsvConnection(path);
+    connection->open();
+    return connection->openRecordset(statement, CursorType::forwardOnly, LockType::optimistic);
+  }
+  [[nodiscard]] test::Failure openFailure() const {
+    return failureOf([&] { standCsvConnection(path)->open(); });
+  }
+
+  ScratchFolder folder;
+  std::string path;
+};
+
+TEST(stand_csv, rows_are_those_of_the_file) {
+  const StandExport file(standHeader() + "\n" + standLine("1001", {{2, "-2.5E-03"}, {37, ""}}) +
+                         "\n" + standLine("1002") + "\n");
+  const auto rows = file.select("Select * from DataPoint where JobRecordID=1001");
+  ASSERT_EQ(rows->recordCount(), 1);
+  EXPECT_EQ(rows->fieldCount(), 38U);
+  EXPECT_EQ(rows->value("JobRecordID"), Value(std::int64_t{1001}));
+  EXPECT_EQ(rows->value("v2"), Value(-0.0025));
+  EXPECT_EQ(rows->value("V37"), Value());
+  EXPECT_EQ(rows->value("V36"), Value(36.0));
+}
+
+TEST(stand_csv, columns_may_stand_in_any_order_and_case) {
+  std::string header;
+  std::string line;
+  for (int i = 37; i >= 1; --i) {
+    header += "v" + std::to_string(i) + ",";
+    line += std::to_string(i * 10) + ",";
+  }
+  const StandExport file(header + "jobrecordid\r\n" + line + "7\r\n");
+  const auto rows = file.select("Select v1, v37 from DataPoint where JobRecordID=7");
+  ASSERT_EQ(rows->recordCount(), 1);
+  EXPECT_EQ(rows->value(0), Value(10.0));
+  EXPECT_EQ(rows->value(1), Value(370.0));
+}
+
+TEST(stand_csv, job_identities_may_be_texts) {
+  const StandExport file(standHeader() + "\n" + standLine("\"A-17\"") + "\n" + standLine("B 2") +
+                         "\n");
+  EXPECT_EQ(file.select("Select * from DataPoint where JobRecordID='a-17'")->recordCount(), 1);
+  EXPECT_EQ(file.select("Select JobRecordID from DataPoint where JobRecordID='B 2'")->value(0),
+            Value("B 2"));
+}
+
+TEST(stand_csv, a_job_is_copied_into_a_curve_database) {
+  const StandExport file(standHeader() + "\n" + standLine("1001") + "\n" + standLine("1002") +
+                         "\n");
+  const CurveFile curves;
+  const auto connection = standCsvConnection(file.path);
+  connection->open();
+  std::string columns = "JobRecordID";
+  for (int i = 1; i <= 37; ++i) columns += ", V" + std::to_string(i);
+  connection->execute("INSERT INTO CalDataPoint ( CalSetupID, " + columns + " ) IN '" +
+                      curves.path + "'SELECT 5 as CalSetupID, " + columns +
+                      " FROM DataPoint WHERE (((JobRecordID)=1002));");
+  const auto rows = curves.select("Select * from CalDataPoint where CalSetupID=5");
+  ASSERT_EQ(rows->recordCount(), 1);
+  EXPECT_EQ(rows->value("JobRecordID"), Value(std::int64_t{1002}));
+  EXPECT_EQ(rows->value("V21"), Value(21.0));
+}
+
+TEST(stand_csv, its_rows_cannot_be_changed) {
+  const StandExport file(standHeader() + "\n" + standLine("1001") + "\n");
+  const auto connection = standCsvConnection(file.path);
+  connection->open();
+  for (const char* statement : {"Delete from DataPoint", "Insert into DataPoint (V1) VALUES (1)",
+                                "UPDATE DataPoint SET V1=1"}) {
+    EXPECT_EQ(failureOf([&] {
+                connection->execute(statement);
+              }).description.find("Operation must use an updateable query."),
+              0U)
+        << statement;
+  }
+}
+
+TEST(stand_csv, numbers_have_a_decimal_point_whatever_the_locale) {
+  if (std::setlocale(LC_NUMERIC, "de_DE.UTF-8") == nullptr) GTEST_SKIP() << "no German locale here";
+  const StandExport file(standHeader() + "\n" + standLine("1", {{1, "1.5"}}) + "\n");
+  EXPECT_EQ(file.select("Select V1 from DataPoint")->value(0), Value(1.5));
+  std::setlocale(LC_NUMERIC, "C");
+}
+
+TEST(stand_csv, it_is_known_by_its_first_column) {
+  EXPECT_TRUE(isStandCsv(StandExport(standHeader() + "\n").path));
+  EXPECT_TRUE(isStandCsv(StandExport("\xEF\xBB\xBF" + standHeader() + "\r\n").path));
+  EXPECT_TRUE(isStandCsv(StandExport("\"jobrecordid\",V1\r\n").path));
+  EXPECT_TRUE(isStandCsv(StandExport("JobRecordID").path));
+  EXPECT_FALSE(isStandCsv(StandExport("JobRecordIDs,V1\n").path));
+  EXPECT_FALSE(isStandCsv(StandExport("V1,JobRecordID\n").path));
+  EXPECT_FALSE(isStandCsv(StandExport("").path));
+  EXPECT_FALSE(isStandCsv("no such file"));
+  EXPECT_FALSE(isStandCsv(ScratchFolder().path().string()));
+  EXPECT_FALSE(isStandCsv(CurveFile().path));
+}
+
+// The failure names the file and all of `parts`.
+void expectSaid(const StandExport& file, std::int32_t number,
+                std::initializer_list<const char*> parts) {
+  const auto failure = file.openFailure();
+  EXPECT_EQ(failure.number, number) << failure.description;
+  EXPECT_NE(failure.description.find(file.path), std::string::npos) << failure.description;
+  for (const char* part : parts) {
+    EXPECT_NE(failure.description.find(part), std::string::npos)
+        << part << ": " << failure.description;
+  }
+}
+
+TEST(stand_csv, a_wrong_header_says_what_is_wrong) {
+  expectSaid(StandExport(""), genericFailure, {"is empty", "JobRecordID and V1 to V37"});
+  expectSaid(StandExport("JobRecordID,V1,V2\n"), genericFailure,
+             {"line 1", "missing column V3, V4"});
+  expectSaid(StandExport(standHeader() + ",V5\n"), genericFailure, {"line 1", "V5 is there twice"});
+  expectSaid(StandExport(standHeader() + ",V38\n"), genericFailure,
+             {"line 1", "'V38' is no column"});
+  std::string semicolons = standHeader();
+  std::ranges::replace(semicolons, ',', ';');
+  expectSaid(StandExport(semicolons), genericFailure, {"line 1", "is no column"});
+}
+
+TEST(stand_csv, a_row_of_another_length_is_told_by_its_line) {
+  const std::string start = standHeader() + "\n" + standLine("1") + "\n";
+  expectSaid(StandExport(start + "2,1,2,3\n"), 13, {"line 3", "4 fields instead of 38"});
+  expectSaid(StandExport(start + standLine("2", {{4, "1,5"}})), 13,
+             {"line 3", "39 fields instead of 38", "decimal point"});
+}
+
+TEST(stand_csv, a_text_for_a_number_is_told_by_line_and_column) {
+  const std::string start = standHeader() + "\r\n";
+  for (const char* text :
+       {"n/a", "\"1,5\"", "1.5x", "1 2", "0x10", "nan", "inf", "1e999", "--1", "+-1"}) {
+    expectSaid(StandExport(start + standLine("2", {{4, text}})), 13,
+               {"line 2", "column V4", "decimal point"});
+  }
+}
+
+TEST(stand_csv, blanks_quotes_and_signs_around_numbers_are_fine) {
+  const StandExport file(
+      standHeader() + "\n" +
+      standLine("1", {{1, " 1.5 "}, {2, "\"2.5\""}, {3, "+3"}, {4, "\"\""}, {5, ".5"}, {6, "6."}}));
+  const auto rows = file.select("Select * from DataPoint");
+  EXPECT_EQ(rows->value("V1"), Value(1.5));
+  EXPECT_EQ(rows->value("V2"), Value(2.5));
+  EXPECT_EQ(rows->value("V3"), Value(3.0));
+  EXPECT_EQ(rows->value("V4"), Value());
+  EXPECT_EQ(rows->value("V5"), Value(0.5));
+  EXPECT_EQ(rows->value("V6"), Value(6.0));
+}
+
+TEST(stand_csv, a_quote_that_is_never_closed_is_told_by_its_line) {
+  expectSaid(StandExport(standHeader() + "\n" + standLine("\"1")), 13, {"Line 2", "never closed"});
+}
+
+TEST(stand_csv, a_missing_file_is_named) {
+  const auto failure = failureOf([] { standCsvConnection("/no/such/stand.csv")->open(); });
+  EXPECT_EQ(failure.number, genericFailure);
+  EXPECT_EQ(failure.description.find("Could not find file '/no/such/stand.csv'"), 0U);
+}
+
+}  // namespace
+}  // namespace pelmora
