@@ -5,6 +5,7 @@
 #include "store/field_value.h"
 #include "tests/support/operation_test.h"
 #include "tests/support/scratch_folder.h"
+#include "tests/support/stand_export.h"
 #include "wiring/database_driver.h"
 
 #include <pelmora/database.h>
@@ -29,13 +30,6 @@ inline Lines linesOf(Connection& connection, const std::string& select) {
     lines.push_back(line);
   }
   return lines;
-}
-
-// The header of a stand's export.
-inline std::string standHeader() {
-  std::string header = "JobRecordID";
-  for (int i = 1; i <= 37; ++i) header += ",V" + std::to_string(i);
-  return header;
 }
 
 // A stand's row: the columns that derivations read, zeros in the others.

@@ -17,11 +17,11 @@ using test::CurveFile;
 using test::failureOf;
 using test::ScratchFolder;
 
-// What open() says of `path`; expects the generic failure that names the path.
-std::string refusal(const std::string& path) {
+// What open() says of `path`; expects error `number` and that it names the path.
+std::string refusal(const std::string& path, RunTimeError number) {
   const auto connection = sqliteConnection(path);
   const auto failure = failureOf([&] { connection->open(); });
-  EXPECT_EQ(failure.number, genericFailure) << path;
+  EXPECT_EQ(failure.number, static_cast<std::int32_t>(number)) << path;
   EXPECT_NE(failure.description.find("'" + path + "'"), std::string::npos) << failure.description;
   EXPECT_FALSE(connection->isOpen());
   return failure.description;
@@ -30,22 +30,25 @@ std::string refusal(const std::string& path) {
 TEST(sqlite_open, a_missing_file_is_named_and_not_made) {
   const ScratchFolder folder;
   const std::string path = folder.file("no.db");
-  EXPECT_EQ(refusal(path).find("Could not find file"), 0U);
+  EXPECT_EQ(refusal(path, RunTimeError::fileNotFound).find("Could not find file"), 0U);
   EXPECT_FALSE(std::filesystem::exists(path));
-  EXPECT_EQ(refusal(folder.file("no folder/no.db")).find("Could not find file"), 0U);
-  EXPECT_EQ(refusal("").find("Could not find file"), 0U);
+  EXPECT_EQ(refusal(folder.file("no folder/no.db"), RunTimeError::fileNotFound)
+                .find("Could not find file"),
+            0U);
+  EXPECT_EQ(refusal("", RunTimeError::fileNotFound).find("Could not find file"), 0U);
 }
 
 TEST(sqlite_open, a_folder_is_no_database) {
   const ScratchFolder folder;
-  EXPECT_NE(refusal(folder.path().string()).find("folder"), std::string::npos);
+  EXPECT_NE(refusal(folder.path().string(), RunTimeError::pathAccess).find("folder"),
+            std::string::npos);
 }
 
 TEST(sqlite_open, an_empty_file_is_no_database) {
   const ScratchFolder folder;
   const std::string path = folder.file("empty.db");
   std::ofstream{path};
-  EXPECT_NE(refusal(path).find("empty"), std::string::npos);
+  EXPECT_NE(refusal(path, RunTimeError::invalidFileFormat).find("empty"), std::string::npos);
   EXPECT_EQ(std::filesystem::file_size(path), 0U);
   EXPECT_FALSE(isSqliteFile(path));
 }
@@ -54,7 +57,8 @@ TEST(sqlite_open, another_format_is_no_database) {
   const ScratchFolder folder;
   const std::string path = folder.file("letter.txt");
   std::ofstream(path) << "Dear Sir or Madam, this is no database.";
-  EXPECT_NE(refusal(path).find("no SQLite database"), std::string::npos);
+  EXPECT_NE(refusal(path, RunTimeError::invalidFileFormat).find("no SQLite database"),
+            std::string::npos);
   EXPECT_FALSE(isSqliteFile(path));
 }
 
@@ -68,7 +72,7 @@ TEST(sqlite_open, a_damaged_database_is_told_as_such) {
   }
   const auto connection = sqliteConnection(file.path);
   const auto failure = failureOf([&] { connection->open(); });
-  EXPECT_EQ(failure.number, genericFailure);
+  EXPECT_EQ(failure.number, static_cast<std::int32_t>(RunTimeError::invalidFileFormat));
   EXPECT_NE(failure.description.find("damaged"), std::string::npos) << failure.description;
 }
 
@@ -77,7 +81,8 @@ TEST(sqlite_open, a_file_that_may_not_be_read) {
   const CurveFile file;
   file.connection->close();
   std::filesystem::permissions(file.path, std::filesystem::perms::none);
-  EXPECT_NE(refusal(file.path).find("permissions"), std::string::npos);
+  EXPECT_NE(refusal(file.path, RunTimeError::permissionDenied).find("permissions"),
+            std::string::npos);
 }
 
 TEST(sqlite_open, a_file_that_may_only_be_read_can_be_read) {
@@ -112,7 +117,7 @@ TEST(sqlite_open, names_that_sqlite_itself_takes_otherwise_are_files) {
   const auto before = std::filesystem::current_path();
   std::filesystem::current_path(folder.path());
   for (const char* name : {":memory:", "file:a.db"}) {
-    EXPECT_EQ(refusal(name).find("Could not find file"), 0U);
+    EXPECT_EQ(refusal(name, RunTimeError::fileNotFound).find("Could not find file"), 0U);
     createSqliteCurveDatabase(name);
     const auto connection = sqliteConnection(name);
     connection->open();
