@@ -2,9 +2,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pelmora/curve_database.h>
 #include <pelmora/database.h>
 #include <pelmora/error.h>
 #include <pelmora/fit_outcome.h>
 #include <pelmora/platform.h>
 #include <pelmora/raw_data.h>
+#include <pelmora/stand.h>
 #include <pelmora/types.h>
