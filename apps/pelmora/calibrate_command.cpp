@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/command_line.h"
+#include "apps/pelmora/commands.h"
+#include "apps/pelmora/common_options.h"
+#include "apps/pelmora/fit_output.h"
+#include "apps/pelmora/text_table.h"
+
+#include <CLI/App.hpp>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <memory>
+
+namespace pelmora::cli {
+namespace {
+
+struct CalibrateOptions {
+  std::string path;
+  ImportRequest request;
+  RunOptions runs;
+  FitOptions fit;
+  bool asJson = false;
+};
+
+bool hasPoints(const DerivedSeries& derived) {
+  return std::any_of(derived.points.begin(), derived.points.end(), [](std::size_t n) { return n > 1; });
+}
+
+// One fit; what keeps it from running becomes its trouble, so that the other series still get theirs.
+SeriesFit fitted(CurveSession& session, const MeterInfo& meter, const std::string& name, FitOptions options) {
+  options.ratio = name == "Ratio";
+  try {
+    return fitSeries(session, meter, name, options);
+  } catch (const Trouble& trouble) {
+    SeriesFit fit;
+    fit.series = name;
+    fit.options = options;
+    fit.trouble = trouble;
+    return fit;
+  }
+}
+
+std::string calibrationText(const CurveSession& session, const ImportOutcome& import,
+                            const std::vector<SeriesFit>& fits) {
+  std::string text = importHead(session, import) + importTable(import) + "\n" + chosenTable(fits) + "\n" +
+                     wrapped("Curves are stored in " + session.path() + ", meter " + import.meter.SerialNumber +
+                                 ", calibration " + std::to_string(import.meter.ReCalID) + "; band " +
+                                 significantText(fits.empty() ? 0 : fits.front().options.band, 4) + " %.",
+                             0);
+  for (const SeriesFit& fit : fits) {
+    if (!fit.trouble && fit.outcome.Warnings.empty()) continue;
+    text += "\n" + fit.series + (fit.trouble ? ": no curve" : "") + "\n" + equationTable(fit);
+  }
+  return text;
+}
+
+// One line for all series without a curve.
+void requireAll(const ImportOutcome& import, const std::vector<SeriesFit>& fits) {
+  if (import.trouble) throw Trouble(*import.trouble);
+  std::string names;
+  const Trouble* first = nullptr;
+  for (const SeriesFit& fit : fits) {
+    if (!fit.trouble) continue;
+    names += (names.empty() ? "'" : ", '") + fit.series + "'";
+    if (first == nullptr) first = &*fit.trouble;
+  }
+  if (first == nullptr) return;
+  const bool isOne = names.find(',') == std::string::npos;
+  if (isOne) throw Trouble(*first);
+  throw Trouble(first->code(), "no curve for series " + names + "; first: " + first->what(), first->remedy());
+}
+
+void calibrate(CalibrateOptions& options) {
+  options.request.runs = standRuns(options.runs.jobs, options.runs.fluids, options.runs.operators);
+  CurveSession session(options.path, Access::write);
+  const ImportOutcome import = importRuns(session, options.request);
+  std::vector<SeriesFit> fits;
+  for (const DerivedSeries& derived : import.series) {
+    // After an import that went wrong, series may have lost their points: nothing to fit, nothing to say.
+    if (import.trouble && !hasPoints(derived)) continue;
+    fits.push_back(fitted(session, import.meter, derived.name, options.fit));
+  }
+  session.progress().clear();
+  if (options.asJson) {
+    nlohmann::json value = importJson(import);
+    value["database"] = session.path();
+    value["fits"] = nlohmann::json::array();
+    for (const SeriesFit& fit : fits) value["fits"].push_back(fitJson(fit));
+    printData(jsonText(value));
+  } else {
+    printData(calibrationText(session, import, fits));
+  }
+  requireAll(import, fits);
+}
+
+}  // namespace
+
+void addCalibrateCommand(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand(
+      "calibrate", "Import runs of a stand, fit every derived series over its merged range and store the curves. "
+                   "Ratio is fitted as a rotor ratio curve.");
+  const auto options = std::make_shared<CalibrateOptions>();
+  addDatabase(command, options->path);
+  addImport(command, options->request, options->runs);
+  addFitTests(command, options->fit);
+  addJson(command, options->asJson);
+  command.callback([options] { calibrate(*options); });
+}
+
+}  // namespace pelmora::cli

@@ -1,0 +1,18 @@
+// The commands, one file each; every function adds its subcommand with options and action.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace pelmora::cli {
+
+void addInitCommand(CLI::App& app);
+void addImportCommand(CLI::App& app);
+void addRawCommand(CLI::App& app);
+void addFitCommand(CLI::App& app);
+void addShowCommand(CLI::App& app);
+void addCalibrateCommand(CLI::App& app);
+
+}  // namespace pelmora::cli

@@ -1,0 +1,31 @@
+// Options that several commands share, worded once.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "apps/pelmora/series_fit.h"
+#include "apps/pelmora/stand_import.h"
+
+#include <CLI/App.hpp>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace pelmora::cli {
+
+void addDatabase(CLI::App& command, std::string& path);
+void addMeter(CLI::App& command, std::string& serialNumber, bool isRequired);
+void addCalibration(CLI::App& command, std::int16_t& reCalID);
+void addJson(CLI::App& command, bool& asJson);
+
+// The runs of an import, as they stand on the command line.
+struct RunOptions {
+  std::vector<std::string> jobs, fluids, operators;
+};
+// Everything of an import but the database; runs go to `runs`.
+void addImport(CLI::App& command, ImportRequest& request, RunOptions& runs);
+
+// What import and calibrate share of a fit's options: points, band, equations.
+void addFitTests(CLI::App& command, FitOptions& options);
+
+}  // namespace pelmora::cli

@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/curve_session.h"
+
+#include "apps/pelmora/trouble.h"
+
+#include <algorithm>
+
+namespace pelmora::cli {
+namespace {
+
+// Names worth listing in one line.
+constexpr std::size_t listedNames = 8;
+
+ConnectionPtr openCurves(const std::string& path, Access access) {
+  ConnectionPtr connection;
+  try {
+    connection = openDatabase(path);
+  } catch (const Error& error) {
+    throw databaseTrouble("the curve database cannot be opened", error);
+  }
+  try {
+    requireCurveTables(connection);
+  } catch (const Error& error) {
+    throw Trouble(ExitCode::database, "'" + path + "' cannot be used as a curve database: " + error.what(),
+                  "name a curve database, or make one with 'pelmora init FILE'");
+  }
+  if (access == Access::read) return connection;
+  try {
+    requireWritable(connection);
+  } catch (const Error& error) {
+    throw Trouble(ExitCode::database, "'" + path + "' cannot be written now: " + error.what(),
+                  "nothing was changed; try again when other programs have finished with it");
+  }
+  return connection;
+}
+
+std::string listed(const std::vector<std::string>& names) {
+  std::string list;
+  for (std::size_t i = 0; i < names.size() && i < listedNames; ++i) {
+    list += (i == 0 ? "'" : ", '") + names[i] + "'";
+  }
+  if (names.size() > listedNames) list += " and " + std::to_string(names.size() - listedNames) + " more";
+  return list;
+}
+
+}  // namespace
+
+CurveSession::CurveSession(const std::string& path, Access access)
+    : path_(path), connection_(openCurves(path, access)) {
+  data_.dbDirSetByString(path);
+  data_.StatusUpdate = [this](const std::string& text) { progress_.show(text); };
+}
+
+MeterInfo CurveSession::findMeter(const std::string& serialNumber, std::int16_t reCalID) {
+  requireName("--meter", serialNumber);
+  messages_.forget();
+  MeterInfo meter = data_.findMeterInfo(serialNumber, connection_, reCalID);
+  messages_.throwIfAny(ExitCode::unexpected, "looking up meter '" + serialNumber + "'", "");
+  return meter;
+}
+
+MeterInfo CurveSession::requireMeter(const std::string& serialNumber, std::int16_t reCalID) {
+  MeterInfo meter = findMeter(serialNumber, reCalID);
+  if (meter.Source == 1) return meter;
+  const std::string where = "in '" + path_ + "'";
+  if (reCalID >= 0 && findMeter(serialNumber, -1).Source == 1) {
+    throw Trouble(ExitCode::unknownName,
+                  "meter '" + serialNumber + "' has no calibration " + std::to_string(reCalID) + " " + where,
+                  "list its calibrations with 'pelmora show'");
+  }
+  const auto known = serialNumbers();
+  throw Trouble(ExitCode::unknownName, "there is no meter '" + serialNumber + "' " + where,
+                known.empty() ? "no meter is stored yet: import one first" : "choose among " + listed(known));
+}
+
+std::vector<std::string> CurveSession::serialNumbers() {
+  bool isEmpty = true;
+  messages_.forget();
+  auto names = data_.Meters(isEmpty);
+  messages_.throwIfAny(ExitCode::unexpected, "listing the meters", "");
+  return isEmpty ? std::vector<std::string>() : names;
+}
+
+std::vector<std::string> CurveSession::seriesNames(const MeterInfo& meter) {
+  messages_.forget();
+  const ValueTable table = data_.Series(meter.SerialNumber, meter.ReCalID);
+  messages_.throwIfAny(ExitCode::unexpected, "listing the series of meter '" + meter.SerialNumber + "'", "");
+  std::vector<std::string> names;
+  for (std::size_t row = 0; row < table.rows(); ++row) {
+    if (const auto* name = std::get_if<std::string>(&table(1, row))) names.push_back(*name);
+  }
+  return names;
+}
+
+MeterInfo CurveSession::requireSeries(const MeterInfo& meter, const std::string& seriesName) {
+  requireName("--series", seriesName);
+  messages_.forget();
+  const MeterInfo found = data_.findMeterInfo(meter.SerialNumber, connection_, meter.ReCalID, seriesName);
+  messages_.throwIfAny(ExitCode::unexpected, "looking up series '" + seriesName + "'", "");
+  if (found.Source != 1 || found.Series.empty()) {
+    const auto known = seriesNames(meter);
+    throw Trouble(ExitCode::unknownName,
+                  "meter '" + meter.SerialNumber + "' has no series '" + seriesName + "' in '" + path_ + "'",
+                  known.empty() ? "it has no series yet: import or bring points first"
+                                : "choose among " + listed(known));
+  }
+  MeterInfo everything = data_.GetAllInfo(seriesName, meter.SerialNumber, connection_, meter.ReCalID);
+  messages_.throwIfAny(ExitCode::badInput,
+                       "series '" + seriesName + "' of meter '" + meter.SerialNumber + "' cannot be read",
+                       "import or bring its points again, at most 32767 in each raw part and none empty");
+  return everything;
+}
+
+void requireName(const std::string& what, const std::string& name) {
+  const auto refuse = [&](const std::string& why, const std::string& remedy) {
+    throw Trouble(ExitCode::usage, what + ": " + why, remedy);
+  };
+  if (name.find_first_not_of(' ') == std::string::npos) refuse("the name is empty", "give a name");
+  if (name.find('\'') != std::string::npos) {
+    refuse("'" + name + "' holds an apostrophe, which the database's statements cannot carry",
+           "leave it out");
+  }
+  const bool hasControl = std::any_of(name.begin(), name.end(), [](unsigned char c) { return c < 32 || c == 127; });
+  if (hasControl) refuse("the name holds control characters", "leave them out");
+}
+
+std::string counted(std::size_t count, const std::string& thing) {
+  return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+}
+
+}  // namespace pelmora::cli

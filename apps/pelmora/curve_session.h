@@ -1,0 +1,56 @@
+// One curve database, checked and open, with the component at work on it.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "apps/pelmora/message_recorder.h"
+#include "apps/pelmora/progress.h"
+
+#include <pelmora/pelmora.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace pelmora::cli {
+
+enum class Access { read, write };
+
+class CurveSession {
+ public:
+  // Errors: Trouble database where the file is missing, foreign, locked or, with Access::write, may
+  //         not be written; nothing has been changed then.
+  CurveSession(const std::string& path, Access access);
+
+  [[nodiscard]] RawData& data() { return data_; }
+  [[nodiscard]] MessageRecorder& messages() { return messages_; }
+  [[nodiscard]] Progress& progress() { return progress_; }
+  [[nodiscard]] const ConnectionPtr& connection() const { return connection_; }
+  [[nodiscard]] const std::string& path() const { return path_; }
+
+  // The calibration of a meter (-1: the latest), Source -1 where it is unknown.
+  MeterInfo findMeter(const std::string& serialNumber, std::int16_t reCalID);
+  // Errors: Trouble unknownName with what there is.
+  MeterInfo requireMeter(const std::string& serialNumber, std::int16_t reCalID);
+  // Names of a meter calibration's series, in alphabetical order.
+  std::vector<std::string> seriesNames(const MeterInfo& meter);
+  // Everything stored about a series. Errors: Trouble unknownName with the series that there are.
+  MeterInfo requireSeries(const MeterInfo& meter, const std::string& seriesName);
+  std::vector<std::string> serialNumbers();
+
+ private:
+  std::string path_;
+  Progress progress_;
+  MessageRecorder messages_;
+  ConnectionPtr connection_;
+  RawData data_;
+};
+
+// A name that goes into statements: not empty, no apostrophe, no control characters, valid text.
+//
+// Errors: Trouble usage that names `what`.
+void requireName(const std::string& what, const std::string& name);
+
+// "1 point", "2 points".
+[[nodiscard]] std::string counted(std::size_t count, const std::string& thing);
+
+}  // namespace pelmora::cli

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/equation_folder.h"
+
+#include "apps/pelmora/input_file.h"
+#include "apps/pelmora/trouble.h"
+
+#include <pelmora/platform.h>
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace pelmora::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path sourceFile(const std::string& equations, const std::string& name) {
+  std::error_code ignored;
+  if (!fs::is_directory(equations, ignored)) return equations;
+  const fs::path file = fs::path(equations) / name;
+  if (fs::exists(file, ignored)) return file;
+  throw Trouble(ExitCode::badInput, "folder '" + equations + "' has no file '" + name + "'",
+                "put one there, or name an equation file");
+}
+
+// The component knows CR LF alone as a line end. Errors: Trouble where no line is an equation.
+std::string cleanedEquations(const fs::path& file) {
+  std::string text = readInputFile(file.string());
+  if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
+  std::istringstream lines(text);
+  std::string result;
+  bool hasEquation = false;
+  for (std::string line; std::getline(lines, line);) {
+    if (line.ends_with('\r')) line.pop_back();
+    hasEquation |= !line.starts_with(';') && line.find('\t') != std::string::npos;
+    result += line + "\r\n";
+  }
+  if (hasEquation) return result;
+  throw Trouble(ExitCode::badInput, "file '" + file.string() + "' holds no equation",
+                "write one in each line: name, TAB, expression");
+}
+
+}  // namespace
+
+EquationFolder::EquationFolder(const std::string& equations, bool ratio)
+    : before_(platform().componentFolder) {
+  const std::string name = ratio ? "ratio equations.txt" : "equations.txt";
+  const std::string text =
+      equations.empty() ? std::string() : cleanedEquations(sourceFile(equations, name));
+  std::error_code code;
+  std::string pattern = (fs::temp_directory_path(code) / "pelmora-XXXXXX").string();
+  if (code || mkdtemp(pattern.data()) == nullptr) {
+    throw Trouble(ExitCode::unexpected, "no temporary folder can be made", "check TMPDIR");
+  }
+  folder_ = pattern;
+  if (!text.empty()) std::ofstream(fs::path(folder_) / name, std::ios::binary) << text;
+  platform().componentFolder = folder_;
+}
+
+EquationFolder::~EquationFolder() {
+  platform().componentFolder = before_;
+  std::error_code ignored;
+  fs::remove_all(folder_, ignored);
+}
+
+}  // namespace pelmora::cli

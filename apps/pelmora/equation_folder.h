@@ -1,0 +1,26 @@
+// The folder in which the component finds equation files and writes its log.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+namespace pelmora::cli {
+
+// A private temporary folder, made platform().componentFolder while it lives and removed at its end.
+// The user's equation files are copied into it, so that the log never lands beside them.
+class EquationFolder {
+ public:
+  // `equations`: empty for the built-in equations, else a folder that holds "equations.txt" ("ratio
+  // equations.txt" where `ratio`) or a file. Lines may end in LF or CR LF.
+  // Errors: Trouble badInput.
+  EquationFolder(const std::string& equations, bool ratio);
+  ~EquationFolder();
+  EquationFolder(const EquationFolder&) = delete;
+  EquationFolder& operator=(const EquationFolder&) = delete;
+
+ private:
+  std::string folder_;
+  std::string before_;
+};
+
+}  // namespace pelmora::cli

@@ -1,0 +1,24 @@
+// How the command ends: the one list of exit codes.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+namespace pelmora::cli {
+
+// Scripts rely on the numbers: never renumber. The README and --help tell the same.
+enum class ExitCode {
+  ok = 0,
+  unexpected = 1,    // an error that none of the others tells
+  usage = 2,         // the command line itself is wrong
+  database = 3,      // a database is missing, foreign, locked or cannot be written
+  unknownName = 4,   // no such meter, calibration, series or job
+  badInput = 5,      // a file's or a stored series' data cannot be used
+  notFitted = 6,     // no equation passed the tests
+  rangeRefused = 7,  // the range asked for lies outside the raw points
+};
+
+inline constexpr const char* exitCodeHelp =
+    "Exit codes: 0 done; 1 unexpected error; 2 wrong command line; 3 database missing,\n"
+    "foreign, locked or not writable; 4 unknown meter, calibration, series or job;\n"
+    "5 bad input data; 6 no equation passed; 7 range outside the raw points.";
+
+}  // namespace pelmora::cli

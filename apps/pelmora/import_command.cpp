@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/command_line.h"
+#include "apps/pelmora/commands.h"
+#include "apps/pelmora/common_options.h"
+#include "apps/pelmora/fit_output.h"
+#include "apps/pelmora/stand_import.h"
+
+#include <CLI/App.hpp>
+#include <nlohmann/json.hpp>
+
+#include <memory>
+
+namespace pelmora::cli {
+namespace {
+
+struct ImportOptions {
+  std::string path;
+  ImportRequest request;
+  RunOptions runs;
+  bool asJson = false;
+};
+
+void import(ImportOptions& options) {
+  options.request.runs = standRuns(options.runs.jobs, options.runs.fluids, options.runs.operators);
+  CurveSession session(options.path, Access::write);
+  const ImportOutcome outcome = importRuns(session, options.request);
+  session.progress().clear();
+  if (options.asJson) {
+    printData(jsonText(importJson(outcome)));
+  } else {
+    printData(importHead(session, outcome) + importTable(outcome));
+  }
+  if (outcome.trouble) throw Trouble(*outcome.trouble);
+}
+
+}  // namespace
+
+void addImportCommand(CLI::App& app) {
+  CLI::App& command =
+      *app.add_subcommand("import", "Copy runs of a stand into a meter and derive its series. An unknown meter is "
+                                    "registered; a run in a fluid that the meter has already replaces that run.");
+  const auto options = std::make_shared<ImportOptions>();
+  addDatabase(command, options->path);
+  addImport(command, options->request, options->runs);
+  addJson(command, options->asJson);
+  command.callback([options] { import(*options); });
+}
+
+}  // namespace pelmora::cli

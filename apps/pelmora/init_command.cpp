@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/command_line.h"
+#include "apps/pelmora/commands.h"
+#include "apps/pelmora/common_options.h"
+#include "apps/pelmora/fit_output.h"
+#include "apps/pelmora/trouble.h"
+
+#include <CLI/App.hpp>
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <memory>
+
+namespace pelmora::cli {
+namespace {
+
+struct InitOptions {
+  std::string path;
+  bool asJson = false;
+};
+
+void init(const InitOptions& options) {
+  try {
+    createCurveDatabase(options.path);
+  } catch (const Error& error) {
+    throw Trouble(ExitCode::database, error.what(), "");
+  }
+  if (options.asJson) return printData(jsonText({{"database", options.path}, {"created", true}}));
+  printData("Created the curve database " + options.path + ".\n");
+}
+
+}  // namespace
+
+void addInitCommand(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand("init", "Make a new, empty curve database");
+  const auto options = std::make_shared<InitOptions>();
+  addDatabase(command, options->path);
+  addJson(command, options->asJson);
+  command.callback([options] { init(*options); });
+}
+
+}  // namespace pelmora::cli

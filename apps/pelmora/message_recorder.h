@@ -1,0 +1,44 @@
+// The component's message boxes, kept for the one error line instead of shown.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "apps/pelmora/exit_code.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace pelmora::cli {
+
+// What to answer where a requested range lies outside the raw points.
+enum class RangeAnswer { abort = 3, retry = 4, ignore = 5 };
+
+// Takes over platform().messageBox of this thread while it lives.
+class MessageRecorder {
+ public:
+  MessageRecorder();
+  ~MessageRecorder();
+  MessageRecorder(const MessageRecorder&) = delete;
+  MessageRecorder& operator=(const MessageRecorder&) = delete;
+
+  RangeAnswer rangeAnswer = RangeAnswer::abort;
+
+  // Error boxes since the last forget(), in order, each as one text without its "Error in".
+  [[nodiscard]] const std::vector<std::string>& errors() const { return errors_; }
+  // The raw range as the range question told it, "from 1.5 to 700"; nothing where it was not asked.
+  [[nodiscard]] const std::optional<std::string>& rawRange() const { return rawRange_; }
+  void forget();
+
+  // Errors: Trouble with the first error box since the last forget().
+  void throwIfAny(ExitCode code, const std::string& doing, const std::string& remedy) const;
+
+ private:
+  int answer(const std::string& text, int style);
+
+  std::function<int(const std::string&, int, const std::string&)> before_;
+  std::vector<std::string> errors_;
+  std::optional<std::string> rawRange_;
+};
+
+}  // namespace pelmora::cli

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/command_line.h"
+#include "apps/pelmora/commands.h"
+#include "apps/pelmora/common_options.h"
+#include "apps/pelmora/csv_points.h"
+#include "apps/pelmora/curve_session.h"
+#include "apps/pelmora/fit_output.h"
+#include "apps/pelmora/strict_number.h"
+#include "apps/pelmora/text_table.h"
+#include "apps/pelmora/trouble.h"
+
+#include <CLI/App.hpp>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <memory>
+
+namespace pelmora::cli {
+namespace {
+
+struct RawOptions {
+  std::string path, meter, series, file;
+  std::int16_t reCalID = -1, part = 1;
+  PointColumns columns;
+  std::vector<std::string> filters;
+  bool registerMeter = false, asJson = false;
+};
+
+MeterInfo meterFor(CurveSession& session, const RawOptions& options) {
+  if (!options.registerMeter || options.reCalID >= 0) return session.requireMeter(options.meter, options.reCalID);
+  MeterInfo meter = session.findMeter(options.meter, -1);
+  if (meter.Source == 1) return meter;
+  session.messages().forget();
+  session.data().setMeterSN(options.meter);
+  session.messages().throwIfAny(ExitCode::database, "registering meter '" + options.meter + "'",
+                                "nothing was stored");
+  return session.requireMeter(options.meter, -1);
+}
+
+std::string summary(const RawOptions& options, const MeterInfo& meter, const PointArray& points) {
+  const auto [lowest, highest] = std::minmax_element(points.column(0).begin(), points.column(0).end());
+  std::string text = "Stored " + counted(points.size(), "point") + " as raw part " + std::to_string(options.part) +
+                     " of series '" + options.series + "', meter " + meter.SerialNumber + ", calibration " +
+                     std::to_string(meter.ReCalID) + "; x from " + significantText(*lowest, 6) + " to " +
+                     significantText(*highest, 6) + ".";
+  if (points.size() == 1) text += " note: a fit leaves out a part of one point.";
+  return wrapped(text, 0);
+}
+
+void raw(const RawOptions& options) {
+  requireName("--series", options.series);
+  const PointArray points = readCsvPoints(options.file, options.columns);
+  CurveSession session(options.path, Access::write);
+  const MeterInfo meter = meterFor(session, options);
+  session.messages().forget();
+  const bool isStored = session.data().SetRaw(options.series, meter.SerialNumber, points,
+                                              static_cast<std::int16_t>(options.part - 1), false, meter.ReCalID);
+  session.progress().clear();
+  session.messages().throwIfAny(ExitCode::database, "storing points of series '" + options.series + "'",
+                                "store them again; the part's old points may be gone");
+  if (!isStored) throw Trouble(ExitCode::unexpected, "the points were not stored", "try again");
+  if (!options.asJson) return printData(summary(options, meter, points));
+  printData(jsonText({{"meter", meterJson(meter)},
+                      {"series", options.series},
+                      {"rawPart", options.part},
+                      {"points", pointsJson(points)}}));
+}
+
+}  // namespace
+
+void addRawCommand(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand(
+      "raw", "Store the points of a CSV file as a raw part of a series, in place of its old points. The meter must be "
+             "known unless --register is given; the series is made where there is none.");
+  const auto options = std::make_shared<RawOptions>();
+  addDatabase(command, options->path);
+  command.add_option("POINTS", options->file, "CSV file: x,y, a header line allowed")->required()->type_name("FILE");
+  addMeter(command, options->meter, true);
+  command.add_option("--series", options->series, "Name of the series")->required()->type_name("NAME");
+  command
+      .add_option_function<std::string>(
+          "--part",
+          [options](const std::string& text) {
+            options->part = static_cast<std::int16_t>(integerOption("--part", text, 1, 4));
+          },
+          "Raw part, 1 to 4 (default 1)")
+      ->type_name("N");
+  command.add_option("--x", options->columns.x, "Column of x: its name, or its number from 1 (default Roshko)")
+      ->type_name("COLUMN");
+  command.add_option("--y", options->columns.y, "Column of y (default Strouhal)")->type_name("COLUMN");
+  command.add_option("--where", options->filters, "Take only rows whose column has this value; may be repeated")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->type_name("COLUMN=VALUE");
+  addCalibration(command, options->reCalID);
+  command.add_flag("--register", options->registerMeter, "Register the meter where it is unknown");
+  addJson(command, options->asJson);
+  command.callback([options] {
+    for (const std::string& filter : options->filters) options->columns.where.push_back(rowFilter(filter));
+    raw(*options);
+  });
+}
+
+}  // namespace pelmora::cli

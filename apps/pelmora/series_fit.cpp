@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/series_fit.h"
+
+#include "apps/pelmora/csv_points.h"
+#include "apps/pelmora/equation_folder.h"
+#include "apps/pelmora/fit_advice.h"
+#include "apps/pelmora/text_table.h"
+
+#include <limits>
+
+namespace pelmora::cli {
+namespace {
+
+constexpr double outsideAnyRange = std::numeric_limits<double>::quiet_NaN();
+
+void requirePoints(const MeterInfo& meter, SeriesFit& fit, const SeriesInfo& stored) {
+  std::size_t usable = 0;
+  for (std::size_t part = 0; part < fit.rawPoints.size(); ++part) {
+    fit.rawPoints[part] = stored.Raw[part].Points.size();
+    // The merge leaves out a part of a single point.
+    if (fit.rawPoints[part] > 1) usable += fit.rawPoints[part];
+  }
+  const std::string place = "series '" + fit.series + "' of meter '" + meter.SerialNumber + "'";
+  if (usable == 0) {
+    throw Trouble(ExitCode::badInput, place + " has no raw part of two points or more",
+                  "import a run or bring points with 'pelmora raw'");
+  }
+  if (usable > mostPoints) {
+    throw Trouble(ExitCode::badInput,
+                  place + " has " + std::to_string(usable) + " raw points; a fit takes at most " +
+                      std::to_string(mostPoints),
+                  "thin out its raw parts");
+  }
+}
+
+// One run of the component. Where the range is not settled, `onRange` answers.
+void runFit(CurveSession& session, const MeterInfo& meter, SeriesFit& fit, RangeAnswer onRange) {
+  RawData& data = session.data();
+  session.messages().forget();
+  session.messages().rangeAnswer = onRange;
+  data.RatioCurve = fit.options.ratio;
+  data.IgnoreResiduals = fit.options.ignoreResiduals;
+  data.NumberOfFittedPoints = fit.options.points;
+  data.BandPercent(static_cast<float>(fit.options.band));
+  bool isEmpty = true;
+  fit.curve = data.determineFittedCurve(fit.series, meter.SerialNumber, isEmpty, fit.min, fit.max, "Roshko",
+                                        "Strouhal", fit.options.inverted, meter.ReCalID);
+  if (isEmpty) fit.curve = {};
+}
+
+// The ends that the user has not given are those of the merged points, which only a fit tells.
+void settleRange(CurveSession& session, const MeterInfo& meter, SeriesFit& fit) {
+  const FitOptions& options = fit.options;
+  if (options.min.has_value() != options.max.has_value()) {
+    fit.min = fit.max = outsideAnyRange;
+    runFit(session, meter, fit, RangeAnswer::retry);
+  }
+  const bool isWhole = !options.min && !options.max;
+  fit.min = options.min.value_or(isWhole ? outsideAnyRange : fit.min);
+  fit.max = options.max.value_or(isWhole ? outsideAnyRange : fit.max);
+  if (fit.min >= fit.max) {
+    throw Trouble(ExitCode::usage,
+                  "--min " + significantText(fit.min, 15) + " is not below --max " + significantText(fit.max, 15),
+                  "give a range from small to large");
+  }
+}
+
+void requireRange(const CurveSession&, const MessageRecorder& messages, const SeriesFit& fit,
+                  RangeAnswer answer) {
+  if (!messages.rawRange() || answer != RangeAnswer::abort) return;
+  throw Trouble(ExitCode::rangeRefused,
+                "the range from " + significantText(fit.min, 15) + " to " + significantText(fit.max, 15) +
+                    " is not inside the raw points of series '" + fit.series + "', which reach " +
+                    *messages.rawRange(),
+                "leave --min and --max out or use --on-range retry to fit the raw range; --on-range ignore "
+                "extrapolates");
+}
+
+}  // namespace
+
+SeriesFit fitSeries(CurveSession& session, const MeterInfo& meter, const std::string& series,
+                    const FitOptions& options) {
+  SeriesFit fit;
+  fit.series = series;
+  fit.options = options;
+  const MeterInfo stored = session.requireSeries(meter, series);
+  fit.seriesID = stored.Series.front().SeriesID;
+  requirePoints(meter, fit, stored.Series.front());
+
+  const EquationFolder folder(options.equations, options.ratio);
+  settleRange(session, meter, fit);
+  const bool isWhole = !options.min && !options.max;
+  const RangeAnswer answer = isWhole ? RangeAnswer::retry : options.onRange;
+  runFit(session, meter, fit, answer);
+  requireRange(session, session.messages(), fit, answer);
+
+  RawData& data = session.data();
+  fit.merged = data.LastMergedArray();
+  fit.outcome = data.LastFit();
+  fit.report = data.DataFitResultDetails;
+  const std::string place = "series '" + series + "' of meter '" + meter.SerialNumber + "'";
+  if (!session.messages().errors().empty()) {
+    fit.trouble = Trouble(ExitCode::notFitted, "fitting " + place + ": " + session.messages().errors().front(),
+                          "nothing was stored");
+    return fit;
+  }
+  if (fit.curve.empty()) {
+    fit.trouble = Trouble(ExitCode::notFitted, "no equation passed the tests for " + place + ": " + shortReason(fit),
+                          shortAdvice(fit) + "; nothing was stored");
+    return fit;
+  }
+  fit.isStored = data.SetLastFitted(false);
+  session.messages().throwIfAny(ExitCode::database, "storing the curve of " + place,
+                                "fit again; the old curve may be gone");
+  if (!fit.isStored) {
+    throw Trouble(ExitCode::unexpected, "the curve of " + place + " was not stored", "fit again");
+  }
+  return fit;
+}
+
+}  // namespace pelmora::cli

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/command_line.h"
+#include "apps/pelmora/commands.h"
+#include "apps/pelmora/common_options.h"
+#include "apps/pelmora/stored_tables.h"
+#include "apps/pelmora/trouble.h"
+
+#include <CLI/App.hpp>
+
+#include <memory>
+
+namespace pelmora::cli {
+namespace {
+
+struct ShowOptions {
+  std::string path, meter, series;
+  std::int16_t reCalID = -1;
+  bool asJson = false;
+};
+
+void show(const ShowOptions& options) {
+  if (options.meter.empty() && (!options.series.empty() || options.reCalID >= 0)) {
+    throw Trouble(ExitCode::usage, "--series and --calibration need a meter", "give --meter SN as well");
+  }
+  CurveSession session(options.path, Access::read);
+  if (options.meter.empty()) {
+    return printData(options.asJson ? metersJson(session) : metersText(session));
+  }
+  const MeterInfo meter = session.requireMeter(options.meter, options.reCalID);
+  if (options.series.empty()) {
+    return printData(options.asJson ? meterContentsJson(session, meter) : meterContentsText(session, meter));
+  }
+  const MeterInfo stored = session.requireSeries(meter, options.series);
+  printData(options.asJson ? seriesContentsJson(stored) : seriesContentsText(stored));
+}
+
+}  // namespace
+
+void addShowCommand(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand(
+      "show", "Show all meters; with --meter its runs and series; with --series its curve and report");
+  const auto options = std::make_shared<ShowOptions>();
+  addDatabase(command, options->path);
+  addMeter(command, options->meter, false);
+  command.add_option("--series", options->series, "Name of the series")->type_name("NAME");
+  addCalibration(command, options->reCalID);
+  addJson(command, options->asJson);
+  command.callback([options] { show(*options); });
+}
+
+}  // namespace pelmora::cli

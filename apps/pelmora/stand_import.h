@@ -1,0 +1,44 @@
+// Importing runs of a stand into a meter's calibration: checks first, then one import.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "apps/pelmora/curve_session.h"
+#include "apps/pelmora/stand_runs.h"
+#include "apps/pelmora/trouble.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace pelmora::cli {
+
+struct ImportRequest {
+  std::string meter, stand;
+  std::vector<StandRun> runs;
+  std::int16_t reCalID = -1, standID = -1, positionID = -1;
+  bool newCalibration = false;
+};
+
+struct DerivedSeries {
+  std::string name;
+  std::int32_t seriesID = 0;
+  std::array<std::size_t, 4> points{};  // of raw parts 1 to 4
+};
+
+struct ImportOutcome {
+  MeterInfo meter;
+  bool meterIsNew = false;
+  std::vector<CalSetupInfo> setups;
+  std::vector<DerivedSeries> series;
+  std::vector<std::string> notes;   // what was left out, and why
+  std::optional<Trouble> trouble;   // an import that did not end well; what there is stands above
+};
+
+// An unknown meter is registered; runs of a fluid that the meter has already replace that run.
+//
+// Errors: Trouble, before anything is changed.
+[[nodiscard]] ImportOutcome importRuns(CurveSession& session, const ImportRequest& request);
+
+}  // namespace pelmora::cli

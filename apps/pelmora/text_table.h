@@ -1,0 +1,49 @@
+// Tables for a terminal of 80 columns.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace pelmora::cli {
+
+inline constexpr std::size_t terminalColumns = 80;
+
+// A table of texts: columns are as wide as their widest cell, two blanks apart, and the line ends
+// without blanks. Where a row would be wider than 80 columns, the widest text column is cut with "...".
+class TextTable {
+ public:
+  enum class Align { left, right };
+  struct Column {
+    std::string title;
+    Align align = Align::left;
+  };
+
+  explicit TextTable(std::vector<Column> columns) : columns_(std::move(columns)) {}
+  // As many cells as columns; control characters are made harmless.
+  void addRow(const std::vector<std::string>& cells);
+  [[nodiscard]] std::string text() const;
+
+ private:
+  [[nodiscard]] std::vector<std::size_t> widths() const;
+
+  std::vector<Column> columns_;
+  std::vector<std::vector<std::string>> rows_;
+};
+
+// Columns that a UTF-8 text takes, one for each character.
+[[nodiscard]] std::size_t displayWidth(std::string_view text);
+
+// `text` broken at blanks into lines of at most 80 columns, each one indented.
+[[nodiscard]] std::string wrapped(std::string_view text, std::size_t indent);
+
+// A number with so many digits behind the point; "-" where it is not finite.
+[[nodiscard]] std::string fixedText(double value, int decimals);
+// A number with so many significant digits, in the shorter of the plain and the exponent form.
+[[nodiscard]] std::string significantText(double value, int digits);
+// Per cent with a sign, three digits behind the point, fewer for large ones.
+[[nodiscard]] std::string percentText(double percent);
+
+}  // namespace pelmora::cli
