@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/csv_points.h"
+
+#include "apps/pelmora/trouble.h"
+#include "tests/support/scratch_folder.h"
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+namespace pelmora::cli {
+namespace {
+
+using testing::HasSubstr;
+
+class csv_points : public testing::Test {
+ protected:
+  PointArray read(const std::string& text, const PointColumns& columns = {}) {
+    std::ofstream(path, std::ios::binary) << text;
+    return readCsvPoints(path, columns);
+  }
+  std::string refusal(const std::string& text, const PointColumns& columns = {}) {
+    try {
+      (void)read(text, columns);
+    } catch (const Trouble& trouble) {
+      EXPECT_EQ(trouble.code(), ExitCode::badInput);
+      EXPECT_FALSE(trouble.remedy().empty());
+      return errorLine(trouble);
+    }
+    ADD_FAILURE() << "accepted: " << text;
+    return {};
+  }
+
+  const test::ScratchFolder scratch;
+  const std::string path = scratch.file("points.csv");
+};
+
+TEST_F(csv_points, come_in_the_files_order) {
+  EXPECT_EQ(read("3,30\n1,10\n2,20\n"), (PointArray{{3, 30}, {1, 10}, {2, 20}}));
+}
+
+TEST_F(csv_points, skip_a_header_byte_order_mark_blank_lines_and_carriage_returns) {
+  EXPECT_EQ(read("\xEF\xBB\xBFx,y\r\n\r\n1,10\r\n2,20"), (PointArray{{1, 10}, {2, 20}}));
+}
+
+TEST_F(csv_points, find_roshko_and_strouhal_among_more_columns) {
+  EXPECT_EQ(read("set,STROUHAL,roshko\n1,0.2,50\n"), (PointArray{{50, 0.2}}));
+}
+
+TEST_F(csv_points, take_the_columns_that_are_named) {
+  EXPECT_EQ(read("a,b,c\n1,2,3\n", {"c", "a", {}}), (PointArray{{3, 1}}));
+  EXPECT_EQ(read("1,2,3\n", {"3", "1", {}}), (PointArray{{3, 1}}));
+}
+
+TEST_F(csv_points, take_only_rows_that_pass_the_filters) {
+  const std::string text = "set,kind,roshko,strouhal\n1,a,1,10\n2,a,2,20\n2.0,b,3,30\n";
+  EXPECT_EQ(read(text, {"", "", {{"set", "2"}}}), (PointArray{{2, 20}, {3, 30}}));
+  EXPECT_EQ(read(text, {"", "", {{"set", "2"}, {"kind", "b"}}}), (PointArray{{3, 30}}));
+}
+
+TEST_F(csv_points, check_numbers_only_in_rows_that_are_taken) {
+  EXPECT_EQ(read("set,roshko,strouhal\n1,bad,bad\n2,2,20\n", {"", "", {{"set", "2"}}}), (PointArray{{2, 20}}));
+}
+
+TEST_F(csv_points, may_stand_in_quotes) {
+  EXPECT_EQ(read("\"x\",\"y, \"\"relative\"\"\"\n\"1\",\"2\"\n"), (PointArray{{1, 2}}));
+}
+
+TEST_F(csv_points, name_file_line_and_column_of_a_text) {
+  const std::string line = refusal("x,y\n1,10\n2,abc\n");
+  EXPECT_THAT(line, HasSubstr(path));
+  EXPECT_THAT(line, HasSubstr("line 3, column y: 'abc' is not a number"));
+}
+
+TEST_F(csv_points, tell_a_text_in_the_first_line_from_a_header) {
+  EXPECT_THAT(refusal("abc,10\n2,20\n"), HasSubstr("line 1, column 1: 'abc' is not a number"));
+}
+
+TEST_F(csv_points, refuse_decimal_commas) {
+  EXPECT_THAT(refusal("x,y\n1,5,2,5\n"), HasSubstr("4 fields instead of 2"));
+  EXPECT_THAT(refusal("x,y\n\"1,5\",2\n"), HasSubstr("1.5"));
+  EXPECT_THAT(refusal("x;y\n1,5;2,5\n"), HasSubstr("semicolons"));
+}
+
+TEST_F(csv_points, refuse_nan_infinity_empty_fields_and_a_y_of_zero) {
+  EXPECT_THAT(refusal("1,nan\n"), HasSubstr("finite"));
+  EXPECT_THAT(refusal("inf,1\n"), HasSubstr("finite"));
+  EXPECT_THAT(refusal("1,\n2,3\n"), HasSubstr("empty"));
+  EXPECT_THAT(refusal("1,0\n"), HasSubstr("cannot be fitted"));
+}
+
+TEST_F(csv_points, refuse_a_row_that_is_too_short) {
+  EXPECT_THAT(refusal("x,y\n1\n"), HasSubstr("line 2: 1 fields instead of 2"));
+}
+
+TEST_F(csv_points, name_the_columns_there_are) {
+  EXPECT_THAT(refusal("a,b,c\n1,2,3\n"), HasSubstr("a, b, c"));
+  EXPECT_THAT(refusal("a,b,c\n1,2,3\n", {"d", "a", {}}), HasSubstr("no column 'd'"));
+  EXPECT_THAT(refusal("a,b\n1,2\n", {"", "", {{"set", "2"}}}), HasSubstr("no column 'set'"));
+}
+
+TEST_F(csv_points, refuse_a_file_without_points) {
+  EXPECT_THAT(refusal("x,y\n"), HasSubstr("no points"));
+  EXPECT_THAT(refusal("\n\n"), HasSubstr("no line"));
+  EXPECT_THAT(refusal("a,b\n1,2\n", {"", "", {{"a", "9"}}}), HasSubstr("no line with a=9"));
+}
+
+TEST_F(csv_points, refuse_a_missing_and_an_empty_file_and_a_folder) {
+  EXPECT_THAT(refusal(""), HasSubstr("is empty"));
+  EXPECT_THROW((void)readCsvPoints(scratch.file("none.csv"), {}), Trouble);
+  EXPECT_THROW((void)readCsvPoints(scratch.path().string(), {}), Trouble);
+}
+
+TEST_F(csv_points, may_be_32767_and_no_more) {
+  std::string text;
+  for (std::size_t i = 0; i < mostPoints; ++i) text += "1,2\n";
+  EXPECT_EQ(read(text).size(), mostPoints);
+  EXPECT_THAT(refusal(text + "1,2\n"), HasSubstr("line 32768: more than 32767 points"));
+}
+
+TEST_F(csv_points, refuse_a_quote_that_is_not_closed) {
+  EXPECT_THAT(refusal("x,y\n\"1,2\n"), HasSubstr("line 2: a quote is not closed"));
+}
+
+TEST(row_filter, splits_at_the_first_equals_sign) {
+  EXPECT_EQ(rowFilter("a=b=c"), (std::pair<std::string, std::string>("a", "b=c")));
+  EXPECT_EQ(rowFilter("a="), (std::pair<std::string, std::string>("a", "")));
+  for (const char* text : {"", "a", "=a"}) EXPECT_THROW((void)rowFilter(text), Trouble) << text;
+}
+
+}  // namespace
+}  // namespace pelmora::cli
