@@ -35,6 +35,12 @@ void RowStore::append(const Value& value) {
   cells_.push_back(cell);
 }
 
+void RowStore::appendRow(std::span<const Value> values) {
+  cells_.resize(rows_ * columns_);  // what a failure may have left of a row
+  for (const Value& value : values) append(value);
+  ++rows_;
+}
+
 void RowStore::appendRow(sqlite3_stmt* statement) {
   for (std::size_t i = 0; i < columns_; ++i) {
     const int column = static_cast<int>(i);
@@ -58,9 +64,11 @@ void RowStore::appendRow(sqlite3_stmt* statement) {
     }
     cells_.push_back(cell);
   }
+  ++rows_;
 }
 
 void RowStore::clear() {
+  rows_ = 0;
   cells_.clear();
   texts_.clear();
 }

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,10 +23,10 @@ class RowStore {
   explicit RowStore(std::size_t columns) : columns_(columns) {}
 
   [[nodiscard]] std::size_t columns() const { return columns_; }
-  [[nodiscard]] std::size_t rows() const { return columns_ == 0 ? 0 : cells_.size() / columns_; }
+  [[nodiscard]] std::size_t rows() const { return rows_; }
 
-  // Appends a cell; every `columns()` cells make a row.
-  void append(const Value& value);
+  // Appends a row of columns() values.
+  void appendRow(std::span<const Value> values);
   // Appends the current row of `statement`, which has columns() columns.
   void appendRow(sqlite3_stmt* statement);
   void clear();
@@ -47,12 +48,14 @@ class RowStore {
     };
   };
 
+  void append(const Value& value);
   void appendText(std::string_view text);
   [[nodiscard]] std::string_view textOf(const Cell& cell) const {
     return std::string_view(texts_).substr(cell.offset, cell.length);
   }
 
   std::size_t columns_;
+  std::size_t rows_ = 0;
   std::vector<Cell> cells_;
   std::string texts_;
 };

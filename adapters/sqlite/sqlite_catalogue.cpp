@@ -2,8 +2,8 @@
 #include "adapters/sqlite/sqlite_catalogue.h"
 
 #include "adapters/sql_dialect/sqlite_expression.h"
-#include "adapters/sqlite/prepared_statement.h"
 
+#include <pelmora/error.h>
 #include <sqlite3.h>
 
 #include <algorithm>
@@ -36,7 +36,34 @@ sql::ColumnKind kindOf(std::string declared) {
 
 }  // namespace
 
+SqliteCatalogue::SqliteCatalogue(sqlite3* database)
+    : database_(database), readVersion_(database, "PRAGMA \"main\".schema_version") {}
+
+std::int64_t SqliteCatalogue::schemaVersion() const {
+  try {
+    readVersion_.step();
+    const std::int64_t version = sqlite3_column_int64(readVersion_.get(), 0);
+    readVersion_.reset();
+    return version;
+  } catch (const Error&) {
+    readVersion_.reset();
+    throw;
+  }
+}
+
 std::optional<sql::TableShape> SqliteCatalogue::findTable(std::string_view database,
+                                                          std::string_view name) const {
+  if (database != "main") return readTable(database, name);
+  const std::int64_t version = schemaVersion();
+  if (version != knownVersion_) known_.clear();
+  knownVersion_ = version;
+  if (const auto found = known_.find(name); found != known_.end()) return found->second;
+  auto table = readTable(database, name);
+  if (table) known_.emplace(name, *table);
+  return table;
+}
+
+std::optional<sql::TableShape> SqliteCatalogue::readTable(std::string_view database,
                                                           std::string_view name) const {
   PreparedStatement columns(database_,
                             "SELECT t.name, c.name, c.type FROM " + sql::quotedName(database) +

@@ -3,23 +3,37 @@
 #pragma once
 
 #include "adapters/sql_dialect/catalogue.h"
+#include "adapters/sqlite/prepared_statement.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
 
 struct sqlite3;
 
 namespace pelmora::sqlite {
 
-// Asks the database every time, so that tables that another user has just made are seen.
+// Keeps what it has read of "main" until the database's schema changes, so that tables that another
+// user has just made are seen.
 class SqliteCatalogue : public sql::Catalogue {
  public:
-  explicit SqliteCatalogue(sqlite3* database) : database_(database) {}
+  explicit SqliteCatalogue(sqlite3* database);
 
-  // `database`: "main" or the name of an attached one. Errors: Error, genericFailure where it is
-  // locked.
+  // `database`: "main" or the name of an attached one.
+  // Errors: Error, genericFailure where the database is locked.
   [[nodiscard]] std::optional<sql::TableShape> findTable(std::string_view database,
                                                          std::string_view name) const override;
 
  private:
+  [[nodiscard]] std::int64_t schemaVersion() const;
+  [[nodiscard]] std::optional<sql::TableShape> readTable(std::string_view database,
+                                                         std::string_view name) const;
+
   sqlite3* database_;
+  mutable PreparedStatement readVersion_;
+  mutable std::int64_t knownVersion_ = -1;
+  mutable std::map<std::string, sql::TableShape, std::less<>> known_;  // by the name as asked for
 };
 
 }  // namespace pelmora::sqlite

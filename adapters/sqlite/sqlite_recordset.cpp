@@ -62,7 +62,7 @@ SqliteRecordset::SqliteRecordset(std::shared_ptr<SqliteSession> session,
 }
 
 void SqliteRecordset::load() {
-  const auto catalogue = session_->catalogue();
+  const auto& catalogue = session_->catalogue();
   PreparedStatement query(session_->database(), sql::renderForSqlite(select_, catalogue));
   const int columns = sqlite3_column_count(query.get());
   std::vector<std::string> fields;
@@ -137,7 +137,7 @@ void SqliteRecordset::addRow(std::span<const std::string_view> fields,
     kept_.push_back(newBatch(fields));
   Batch& batch = kept_.back();
   for (std::size_t i = 0; i < values.size(); ++i) requireStorable(values[i], batch.columns[i]);
-  for (const Value& value : values) batch.rows.append(value);
+  batch.rows.appendRow(values);
   if (!isOneAtATime) return;
   const Batch row = std::move(kept_.back());
   kept_.clear();
@@ -165,10 +165,13 @@ void SqliteRecordset::storeAtOnce(const Batch& batch) {
   PreparedStatement stored(handle.get(), sql::renderRowForSqlite(select_, session_->catalogue()));
   stored.bind(1, static_cast<std::int64_t>(sqlite3_last_insert_rowid(handle.get())));
   if (!session_->step(stored)) throw notUpdatableError();
-  rows_.appendRow(stored.get());
-  row_ = rows_.rows() - 1;
+  RowStore added(fields_.size());
+  added.appendRow(stored.get());
   stored.reset();
   transaction.commit();
+  for (std::size_t i = 0; i < fields_.size(); ++i) added.read(0, i, current_[i]);
+  rows_.appendRow(current_);
+  row_ = rows_.rows() - 1;
 }
 
 void SqliteRecordset::updateBatch() {
@@ -190,10 +193,11 @@ void SqliteRecordset::updateBatch() {
 
 void SqliteRecordset::requery() {
   requireOpen();
-  if (!kept_.empty()) {
+  if (std::ranges::any_of(kept_, [](const Batch& batch) { return batch.rows.rows() > 0; })) {
     throw Error(changesPending, "Pelmora",
                 "Operation is not allowed in this context: added rows have not been stored yet.");
   }
+  kept_.clear();
   load();
 }
 

@@ -13,6 +13,17 @@ SqliteSession::SqliteSession(const std::string& file, OpenMode mode)
   registerDialect(database(), fault_);
   // The first look at the file: a lock, damage or a refused right shows here.
   PreparedStatement(database(), "SELECT 1 FROM sqlite_master LIMIT 1").step();
+  catalogue_.emplace(database());
+}
+
+void SqliteSession::close() {
+  catalogue_.reset();
+  handle_.reset();
+}
+
+const SqliteCatalogue& SqliteSession::catalogue() const {
+  (void)handle();
+  return *catalogue_;
 }
 
 const DatabaseHandle& SqliteSession::handle() const {

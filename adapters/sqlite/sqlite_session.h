@@ -20,11 +20,12 @@ class SqliteSession {
   // A database of its own in memory.
   SqliteSession() : SqliteSession({}, OpenMode::memory) {}
 
-  void close() { handle_.reset(); }
+  void close();
   // Errors: Error connectionClosed after close().
   [[nodiscard]] const DatabaseHandle& handle() const;
   [[nodiscard]] sqlite3* database() const { return handle().get(); }
-  [[nodiscard]] SqliteCatalogue catalogue() const { return SqliteCatalogue(database()); }
+  // Errors: Error connectionClosed after close().
+  [[nodiscard]] const SqliteCatalogue& catalogue() const;
   // Empty for a database in memory.
   [[nodiscard]] const std::string& file() const { return file_; }
 
@@ -42,6 +43,7 @@ class SqliteSession {
   std::string file_;
   StatementFault fault_;
   std::optional<DatabaseHandle> handle_;
+  std::optional<SqliteCatalogue> catalogue_;  // after the handle that it uses
   bool isFrozen_ = false;
 };
 

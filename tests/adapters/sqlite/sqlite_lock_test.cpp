@@ -119,6 +119,20 @@ TEST(sqlite_lock, a_batch_that_cannot_be_committed_leaves_nothing_and_can_be_tri
   EXPECT_EQ(file.count("raw1"), 1);
 }
 
+TEST(sqlite_lock, a_row_that_cannot_be_stored_does_not_become_current) {
+  const CurveFile file;
+  const auto rows = file.select("Select * from series where meterid=1");
+  constexpr std::array<std::string_view, 1> fields{"name"};
+  OtherProcess reader(file.path, "BEGIN; SELECT * FROM sqlite_master");
+  expectLocked(failureOf([&] { rows->addRow(fields, std::array{Value("a")}); }));
+  EXPECT_EQ(rows->recordCount(), 0);
+  EXPECT_TRUE(rows->atEnd());
+  reader.release();
+  rows->addRow(fields, std::array{Value("a")});
+  EXPECT_EQ(rows->recordCount(), 1);
+  EXPECT_EQ(file.count("series"), 1);
+}
+
 TEST(sqlite_lock, a_locked_output_file_is_the_generic_failure_and_named) {
   const CurveFile stand;
   const CurveFile curves;

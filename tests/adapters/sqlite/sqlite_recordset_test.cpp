@@ -183,6 +183,29 @@ TEST(sqlite_recordset, kept_rows_are_not_lost_by_a_requery) {
   EXPECT_EQ(rows->recordCount(), 1);
 }
 
+TEST(sqlite_recordset, a_refused_row_is_not_kept) {
+  const CurveFile file;
+  const auto rows = batch(file, "Select * from raw1 where seriesID=1");
+  EXPECT_EQ(failureOf([&] { addPoint(*rows, "word"); }).number, 13);
+  EXPECT_NO_THROW(rows->requery());
+  EXPECT_NO_THROW(rows->updateBatch());
+  EXPECT_EQ(file.count("raw1"), 0);
+}
+
+TEST(sqlite_recordset, rows_may_fill_different_fields) {
+  const CurveFile file;
+  const auto rows = batch(file, "Select * from raw1 where seriesID=1");
+  addPoint(*rows, 1.0);
+  constexpr std::array<std::string_view, 2> fields{"Strouhal", "seriesID"};
+  rows->addRow(fields, std::array{Value(7.0), Value(1.0)});
+  rows->updateBatch();
+  rows->requery();
+  ASSERT_EQ(rows->recordCount(), 2);
+  rows->moveNext();
+  EXPECT_EQ(rows->value("Roshko"), Value());
+  EXPECT_EQ(rows->value("Strouhal"), Value(7.0));
+}
+
 TEST(sqlite_recordset, closing_lets_kept_rows_go) {
   const CurveFile file;
   const auto rows = batch(file, "Select * from raw1 where seriesID=1");
