@@ -52,12 +52,21 @@ void openIfClosed(const OperationContext& context, Connection& connection) {
   });
 }
 
+// After an error: a connection that this operation opened does not stay open.
+void closeAgain(Connection& connection) {
+  try {
+    if (connection.isOpen()) connection.close();
+  } catch (...) {  // the error that led here has been shown
+  }
+}
+
 }  // namespace
 
 bool copyCaldb(const OperationContext& context, std::int32_t CalSetupID,
                const std::string& JobID_RawA, const std::string& JobID_RawB,
                const ConnectionPtr& conn_calDB, const ConnectionPtr& Conn_curveDB) {
-  return context.trap("Error in RawData:copyCaldb", [&] {
+  bool openedStand = false;
+  const bool copied = context.trap("Error in RawData:copyCaldb", [&] {
     const bool secondJob = !JobID_RawB.empty() && JobID_RawB != "0" && JobID_RawB != JobID_RawA;
     if (!Conn_curveDB || !conn_calDB) throw makeError(RunTimeError::noObject);
     openIfClosed(context, *Conn_curveDB);
@@ -67,6 +76,7 @@ bool copyCaldb(const OperationContext& context, std::int32_t CalSetupID,
                             numberText(CalSetupID));
     });
     context.pumpMessages();
+    openedStand = !conn_calDB->isOpen();
     openIfClosed(context, *conn_calDB);
     const std::string path = context.shared().location.FullPath;
     untilUnlocked(context,
@@ -80,6 +90,8 @@ bool copyCaldb(const OperationContext& context, std::int32_t CalSetupID,
     conn_calDB->close();
     context.pumpMessages();
   });
+  if (!copied && openedStand) closeAgain(*conn_calDB);
+  return copied;
 }
 
 }  // namespace pelmora

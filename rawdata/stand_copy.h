@@ -20,7 +20,8 @@ std::int32_t setCalSetup(const OperationContext& context, std::int32_t MeterID, 
                          const std::string& FluidName, const ConnectionPtr& conn);
 
 // Replaces the set-up's points by those of one or two jobs of the stand, by a statement that the stand's
-// engine runs into the file at the shared location. Closes the stand's connection, leaves the other open.
+// engine runs into the file at the shared location. Closes the stand's connection (after an error only where
+// it was closed before), leaves the other open.
 //
 // A locked database is waited for without limit, with a status text per try.
 // True when the copy ran to its end. A second job always ends in an error: its statement is not one that
