@@ -22,7 +22,7 @@ constexpr double roundingOfLimit = 4 * std::numeric_limits<double>::epsilon();
 double deviationPercent(const TableReading& reading, double y) {
   const double nearest = std::clamp(y, reading.lowest, reading.highest);
   if (y == nearest) return 0;
-  return (y / nearest - 1) * 100;  // infinite where the curve is zero
+  return (y - nearest) / std::fabs(nearest) * 100;  // infinite where the curve is zero
 }
 
 bool isInside(const TableReading& reading, double y, double percent) {
@@ -88,13 +88,14 @@ class SegmentBandTester : public BandTester {
     std::size_t tested = 0, outside = 0, worst = 0;
     double worstPercent = 0;
     for (std::size_t k = 0; k < rawX.size(); ++k) {
-      const bool finite = std::isfinite(rawX[k]) && std::isfinite(rawY[k]);
-      const auto reading = finite ? table.at(rawX[k]) : std::nullopt;
-      if (finite && !reading) continue;
+      double deviation = std::numeric_limits<double>::infinity();
+      if (std::isfinite(rawX[k]) && std::isfinite(rawY[k])) {
+        const auto reading = table.at(rawX[k]);
+        if (!reading) continue;
+        deviation = isInside(*reading, rawY[k], percent) ? 0 : deviationPercent(*reading, rawY[k]);
+      }
       ++tested;
-      if (finite && isInside(*reading, rawY[k], percent)) continue;
-      const double deviation =
-          finite ? deviationPercent(*reading, rawY[k]) : std::numeric_limits<double>::infinity();
+      if (deviation == 0) continue;
       if (outside++ == 0 || std::fabs(deviation) > std::fabs(worstPercent)) {
         worst = k, worstPercent = deviation;
       }
@@ -115,10 +116,12 @@ class SegmentBandTester : public BandTester {
     const double xs[]{from_.x, to_.x}, ys[]{from_.y, to_.y};
     const PredictedTable table(xs, ys);
     const double percent = meantPercent(BandWidth);
-    const auto reading = std::isfinite(x) && std::isfinite(y) && percent >= 0 ? table.at(x) : std::nullopt;
-    if (reading && isInside(*reading, y, percent)) return passed();
     const std::string place = "x = " + numberText(x) + ", y = " + numberText(y);
-    if (!reading) return failed("Point test failed: " + place + " cannot be tested against the segment.");
+    const auto reading = table.at(x);
+    if (!reading.has_value() || !std::isfinite(y) || !(percent >= 0)) {
+      return failed("Point test failed: " + place + " cannot be tested against the segment.");
+    }
+    if (isInside(*reading, y, percent)) return passed();
     return failed("Point test failed: 1 of 1 points outside the band of " + numberText(BandWidth) +
                   "%; the worst is " + place + ", " + awayText(deviationPercent(*reading, y)) + ".");
   }
