@@ -3,46 +3,78 @@
 
 #include "adapters/solver/double_double_functions.h"
 
+#include <array>
+
 namespace pelmora::solver {
+namespace {
+
+Pair pairOf(Column& a) { return {a.hi.data(), a.lo.data()}; }
+ConstPair pairOf(const Column& a) { return {a.hi.data(), a.lo.data()}; }
+
+LogTable makeLogTable() {
+  LogTable table;
+  for (std::size_t i = 0; i < LogTable::size; ++i) {
+    // Nine bits are near enough. Exactly 1 and 1/2 at the ends, where x is near 1 and its logarithm
+    // must not be a difference of larger ones.
+    const double middle = 1 + (static_cast<double>(i) + 0.5) / 128;
+    double inverse = std::nearbyint(512 / middle) / 512;
+    if (i == 0) inverse = 1;
+    if (i + 1 == LogTable::size) inverse = 0.5;
+    table.inverse[i] = inverse;
+    const DoubleDouble logarithm = inverse == 0.5 ? dd_ln2 : -log(DoubleDouble(inverse));
+    table.high[i] = logarithm.hi;
+    table.low[i] = logarithm.lo;
+  }
+  table.ln2 = dd_ln2;
+  for (int k = 0; k < 4; ++k) table.series[k] = DoubleDouble(1) / DoubleDouble(7 - 2 * k);
+  return table;
+}
+
+}  // namespace
 
 DoubleDouble dot(const Column& a, const Column& b) {
-  DoubleDouble sum;
-  for (std::size_t k = 0; k < a.size(); ++k) sum += a.at(k) * b.at(k);
-  return sum;
+  return pointKernels().dot(pairOf(a), pairOf(b), a.size());
 }
-
-void scale(Column& a, DoubleDouble factor) {
-  for (std::size_t k = 0; k < a.size(); ++k) a.set(k, a.at(k) * factor);
-}
-
+void scale(Column& a, DoubleDouble factor) { pointKernels().scale(pairOf(a), factor, a.size()); }
 void subtractMultiple(Column& a, DoubleDouble factor, const Column& b) {
-  for (std::size_t k = 0; k < a.size(); ++k) a.set(k, a.at(k) - factor * b.at(k));
+  pointKernels().subtractMultiple(pairOf(a), factor, pairOf(b), a.size());
+}
+DoubleDouble sum(std::span<const double> y) { return pointKernels().sum(y.data(), y.size()); }
+DoubleDouble squaresAbout(std::span<const double> y, DoubleDouble middle) {
+  return pointKernels().squaresAbout(y.data(), middle, y.size());
+}
+Range range(const Column& a) { return pointKernels().range(pairOf(a), a.size()); }
+
+const LogTable& logTable() {
+  static const LogTable table = makeLogTable();
+  return table;
 }
 
 Column logarithms(std::span<const double> x) {
   Column result(x.size());
-  for (std::size_t k = 0; k < x.size(); ++k) result.set(k, log(DoubleDouble(x[k])));
+  pointKernels().logarithms(x.data(), pairOf(result), x.size(), logTable());
+  for (std::size_t k = 0; k < x.size(); ++k) {
+    if (!std::isnormal(x[k]) || x[k] < 0) result.set(k, log(DoubleDouble(x[k])));
+  }
   return result;
 }
 
-Moments moments(const Column& u, const Column& w, std::span<const double> y, double middle,
-                double stretch, std::size_t degree) {
+Moments moments(const Column& u, std::span<const double> y, int lowest, double middle, double stretch,
+                std::size_t degree) {
+  static constexpr std::array<double, 8> ones{1, 1, 1, 1, 1, 1, 1, 1};
   Moments sums;
   sums.squares.resize(2 * degree + 1);
   sums.products.resize(degree + 1);
-  for (std::size_t k = 0; k < u.size(); ++k) {
-    const DoubleDouble weight = w.size() == 0 ? DoubleDouble(1) : w.at(k);
-    const DoubleDouble t = (u.at(k) - DoubleDouble(middle)) * DoubleDouble(stretch);
-    const DoubleDouble twice = t + t, square = weight * weight, product = weight * DoubleDouble(y[k]);
-    DoubleDouble before = t, now(1);  // T(-1) = T(1) = t
-    for (std::size_t m = 0; m <= 2 * degree; ++m) {
-      sums.squares[m] += square * now;
-      if (m <= degree) sums.products[m] += product * now;
-      const DoubleDouble after = twice * now - before;
-      before = now;
-      now = after;
-    }
-  }
+  MomentTask task;
+  task.u = pairOf(u);
+  task.ones = ones.data();
+  task.middle = middle;
+  task.stretch = stretch;
+  task.degree = degree;
+  task.n = u.size();
+  task.y = y.data();
+  task.lowest = lowest;
+  pointKernels().moments(task, sums.squares.data(), sums.products.data());
   return sums;
 }
 

@@ -1,8 +1,11 @@
-// The loops over all points: what the time of a fit goes into.
+// Sums and transformations over all points of a series: what the time of a fit goes into.
 // SPDX-License-Identifier: MIT
 #pragma once
 
 #include "adapters/solver/nested_fit.h"
+#include "adapters/solver/point_kernels.h"
+
+#include <span>
 
 namespace pelmora::solver {
 
@@ -12,16 +15,23 @@ namespace pelmora::solver {
 void scale(Column& a, DoubleDouble factor);
 // a(k) = a(k) - factor * b(k).
 void subtractMultiple(Column& a, DoubleDouble factor, const Column& b);
+[[nodiscard]] DoubleDouble sum(std::span<const double> y);
+// Sum of (y(k) - middle)^2.
+[[nodiscard]] DoubleDouble squaresAbout(std::span<const double> y, DoubleDouble middle);
+// Smallest and largest value; a has at least one.
+[[nodiscard]] Range range(const Column& a);
+[[nodiscard]] const LogTable& logTable();
 // Natural logarithms; NaN and -infinity outside the domain.
 [[nodiscard]] Column logarithms(std::span<const double> x);
 
-// Sums for a polynomial over t = (u - middle) * stretch, with T(m) the Chebyshev polynomials:
-// squares[m] = sum of w^2 T(m), products[j] = sum of w y T(j).
+// Sums for a polynomial over t = (u - middle) * stretch, with T(m) the Chebyshev polynomials and
+// w = u^lowest: squares[m] = sum of w^2 T(m), products[j] = sum of w y T(j).
 struct Moments {
   std::vector<DoubleDouble> squares, products;
 };
-// Shape: u, w, y of n values; w empty for weights of 1. squares 0 .. 2 degree, products 0 .. degree.
-[[nodiscard]] Moments moments(const Column& u, const Column& w, std::span<const double> y,
-                              double middle, double stretch, std::size_t degree);
+// Shape: u, y of n values. squares 0 .. 2 degree, products 0 .. degree; degree <= highestDegree.
+[[nodiscard]] Moments moments(const Column& u, std::span<const double> y, int lowest, double middle,
+                              double stretch, std::size_t degree);
+inline constexpr std::size_t highestDegree = MomentTask::highestDegree;
 
 }  // namespace pelmora::solver

@@ -99,8 +99,8 @@ DoubleDouble sqrt(DoubleDouble a) {
   if (std::isinf(a.hi)) return a;
   const double root = std::sqrt(a.hi);
   const DoubleDouble rest = a - twoProduct(root, root);
-  return quickTwoSum(root, rest.hi / (2 * root)) +
-         DoubleDouble(-rest.hi * rest.hi / (8 * root * root * root));
+  const double half = rest.hi / (2 * root);
+  return quickTwoSum(root, half) + DoubleDouble(rest.lo / (2 * root) - half * (half / (2 * root)));
 }
 
 DoubleDouble abs(DoubleDouble a) { return a.hi < 0 || (a.hi == 0 && a.lo < 0) ? -a : a; }

@@ -9,7 +9,7 @@
 namespace pelmora::solver {
 namespace {
 
-constexpr double highestPower = 30;
+constexpr int highestPower = 24;
 
 // factor * base^exponent; base is noNode for a constant.
 struct Term {
@@ -64,7 +64,7 @@ class TermReader {
       return itself;
     }
     const int times = static_cast<int>(whole);
-    if (std::abs(base.exponent * times) > static_cast<int>(highestPower)) return itself;
+    if (std::abs(base.exponent * times) > highestPower) return itself;
     return {wholePower(base.factor, times), base.base, base.exponent * times};
   }
 
@@ -76,6 +76,7 @@ class TermReader {
 
 std::optional<PowerBasis> powerBasis(Expression& expression, const LinearForm& form) {
   if (form.offset != noNode || form.coefficients.empty()) return std::nullopt;
+  if (form.coefficients.size() > static_cast<std::size_t>(highestPower)) return std::nullopt;
   const TermReader reader(expression);
   PowerBasis basis;
   std::vector<std::pair<int, std::size_t>> order;

@@ -12,18 +12,11 @@ namespace {
 
 // What is left of a column's squares beside the columns before it; below this the sums lose more
 // than the digits that double-double has to spare.
-constexpr double leastPivot = 1e-8;
+constexpr double leastPivot = 1e-6;
 // A residual sum of squares below this share of the sum of y^2 is formed from the residuals.
 constexpr double leastResidualShare = 1e-12;
 // Distinct x that differ by rounding only do not tell columns over -1 .. 1 apart.
 constexpr double dependenceOfPolynomials = 1e-13;
-
-Column weights(const Column& u, int lowest) {
-  if (lowest == 0) return {};
-  Column w(u.size());
-  for (std::size_t k = 0; k < u.size(); ++k) w.set(k, wholePower(u.at(k), lowest));
-  return w;
-}
 
 // Cholesky's factorisation of the normal equations; stops at a pivot that is too small.
 Factor choleskyFactor(const Moments& sums, DoubleDouble ySquares) {
@@ -50,35 +43,55 @@ Factor choleskyFactor(const Moments& sums, DoubleDouble ySquares) {
   return factor;
 }
 
-// Chebyshev column j in powers of u stands in column j.
-UpperTriangle powersOfColumns(std::size_t p, double middle, double stretch) {
+// The columns in powers of u, counted from the lowest: column j of the answer is column j of the fit.
+UpperTriangle powersOfColumns(std::size_t p, std::size_t poles, double middle, double stretch) {
   const DoubleDouble slope(stretch), shift = twoProduct(-middle, stretch);
   UpperTriangle m(p);
-  m.at(0, 0) = DoubleDouble(1);
-  if (p > 1) m.at(0, 1) = shift, m.at(1, 1) = slope;
-  for (std::size_t j = 2; j < p; ++j) {
-    for (std::size_t k = 0; k <= j; ++k) {
-      DoubleDouble sum = shift * m.at(k, j - 1);
-      if (k > 0) sum += slope * m.at(k - 1, j - 1);
-      m.at(k, j) = sum + sum - m.at(k, j - 2);
+  for (std::size_t j = 0; j < std::min(p, poles); ++j) m.at(j, j) = DoubleDouble(1);
+  for (std::size_t j = poles; j < p; ++j) {
+    if (j == poles) {
+      m.at(j, j) = DoubleDouble(1);
+    } else if (j == poles + 1) {
+      m.at(poles, j) = shift, m.at(j, j) = slope;
+    } else {
+      for (std::size_t k = poles; k <= j; ++k) {
+        DoubleDouble sum = shift * m.at(k, j - 1);
+        if (k > poles) sum += slope * m.at(k - 1, j - 1);
+        m.at(k, j) = sum + sum - m.at(k, j - 2);
+      }
     }
   }
   return m;
 }
 
-std::vector<Column> chebyshevColumns(const Column& u, const Column& w, std::size_t p, double middle,
-                                     double stretch) {
-  std::vector<Column> columns(p, Column(u.size()));
-  for (std::size_t k = 0; k < u.size(); ++k) {
-    const DoubleDouble t = (u.at(k) - DoubleDouble(middle)) * DoubleDouble(stretch);
-    const DoubleDouble twice = t + t;
-    DoubleDouble now = w.size() == 0 ? DoubleDouble(1) : w.at(k), before = t * now;
-    for (std::size_t j = 0; j < p; ++j) {
-      columns[j].set(k, now);
-      const DoubleDouble after = twice * now - before;
-      before = now;
-      now = after;
+// T: DoubleDouble or double.
+template <class T>
+void fillColumns(const PowerFit& fit, T u, std::span<T> columns) {
+  const T t = (u - T(fit.middle)) * T(fit.stretch);
+  std::size_t j = 0;
+  T now(1.0);
+  if (fit.hasPole) {
+    for (int power = fit.lowest; power < 0 && j < columns.size(); ++power) {
+      columns[j++] = wholePower(u, power);
     }
+  } else if (fit.lowest != 0) {
+    now = wholePower(u, fit.lowest);
+  }
+  T before = t * now;
+  for (; j < columns.size(); ++j) {
+    columns[j] = now;
+    const T after = (t + t) * now - before;
+    before = now;
+    now = after;
+  }
+}
+
+std::vector<Column> exactColumns(const PowerFit& fit, const Column& u, std::size_t p) {
+  std::vector<Column> columns(p, Column(u.size()));
+  std::vector<DoubleDouble> row(p);
+  for (std::size_t k = 0; k < u.size(); ++k) {
+    fillColumns(fit, u.at(k), std::span(row));
+    for (std::size_t j = 0; j < p; ++j) columns[j].set(k, row[j]);
   }
   return columns;
 }
@@ -101,34 +114,25 @@ void fillResidualSquares(Factor& factor, DoubleDouble last) {
 
 PowerFit::PowerFit(const Column& u, std::span<const double> y, int lowestPower, std::size_t columns)
     : lowest(lowestPower), columns_(columns) {
-  const auto [low, high] = std::minmax_element(u.hi.begin(), u.hi.end());
-  middle = *low + (*high - *low) / 2;
-  if (*high > *low) stretch = 2 / (*high - *low);
+  const Range extent = range(u);
+  middle = extent.low + (extent.high - extent.low) / 2;
+  if (extent.high > extent.low) stretch = 2 / (extent.high - extent.low);
   if (!std::isfinite(stretch)) stretch = 1;
-  const Column w = weights(u, lowest);
-  const Column observed = exactColumn(y);
-  const DoubleDouble ySquares = dot(observed, observed);
-  Factor factor = choleskyFactor(moments(u, w, y, middle, stretch, columns - 1), ySquares);
+  const DoubleDouble ySquares = squaresAbout(y, DoubleDouble(0));
+  Factor factor = choleskyFactor(moments(u, y, lowest, middle, stretch, columns - 1), ySquares);
   const bool isExactFit = factor.rank == columns &&
                           !(factor.residualSquares[0].hi > leastResidualShare * ySquares.hi);
   if (factor.rank < columns || isExactFit) {
-    factor = orthogonalFactor(chebyshevColumns(u, w, columns, middle, stretch), observed,
+    hasPole = lowest < 0 && factor.rank < columns;
+    factor = orthogonalFactor(exactColumns(*this, u, columns), exactColumn(y),
                               lowest == 0 ? dependenceOfPolynomials : dependenceOfExactColumns);
   } else {
     fillResidualSquares(factor, factor.residualSquares[0]);
   }
-  fit = makeNestedFit(std::move(factor), powersOfColumns(columns, middle, stretch));
+  const std::size_t poles = hasPole ? static_cast<std::size_t>(-lowest) : 0;
+  fit = makeNestedFit(std::move(factor), powersOfColumns(columns, poles, middle, stretch));
 }
 
-void PowerFit::columnsAt(double u, std::span<double> columns) const {
-  const double t = (u - middle) * stretch;
-  double now = lowest == 0 ? 1 : wholePower(u, lowest), before = t * now;
-  for (double& column : columns) {
-    column = now;
-    const double after = 2 * t * now - before;
-    before = now;
-    now = after;
-  }
-}
+void PowerFit::columnsAt(double u, std::span<double> columns) const { fillColumns(*this, u, columns); }
 
 }  // namespace pelmora::solver

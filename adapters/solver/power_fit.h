@@ -11,7 +11,8 @@ namespace pelmora::solver {
 
 // f(u) = u^lowest * (polynomial in u). The fit itself is done over the Chebyshev polynomials T(j) of
 // t = (u - middle) * stretch, which runs from -1 to 1 over the data: they are almost orthogonal
-// there, where powers of u are almost parallel.
+// there, where powers of u are almost parallel. Where negative powers have their pole among the data,
+// these powers themselves come first and the T(j) follow them without the factor u^lowest.
 class PowerFit {
  public:
   // Shape:  u and y of n values, all finite, n >= columns >= 1; u^lowest finite.
@@ -25,10 +26,11 @@ class PowerFit {
   NestedFit fit;
   double middle = 0, stretch = 1;
   int lowest = 0;
+  bool hasPole = false;  // negative powers apart from the T(j)
 
   // How many columns were asked for.
   [[nodiscard]] std::size_t columns() const { return columns_; }
-  // The curve's columns T(0) .. T(p-1), weight included, at u.
+  // The first columns at u.
   void columnsAt(double u, std::span<double> columns) const;
 
  private:

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/solver/series.h"
 
+#include "adapters/solver/column_kernels.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -16,16 +18,8 @@ bool sameBits(const std::vector<double>& a, std::span<const double> b) {
 
 Series::Series(std::span<const double> xs, std::span<const double> ys)
     : x(xs.begin(), xs.end()), y(ys.begin(), ys.end()) {
-  DoubleDouble sum;
-  for (const double value : y) {
-    sum += DoubleDouble(value);
-    squares += twoProduct(value, value);
-  }
-  const DoubleDouble mean = sum / DoubleDouble(static_cast<double>(y.size()));
-  for (const double value : y) {
-    const DoubleDouble distance = DoubleDouble(value) - mean;
-    squaresAboutMean += distance * distance;
-  }
+  squares = squaresAbout(y, DoubleDouble(0));
+  squaresAboutMean = squaresAbout(y, sum(y) / DoubleDouble(static_cast<double>(y.size())));
 }
 
 bool Series::holds(std::span<const double> xs, std::span<const double> ys) const {

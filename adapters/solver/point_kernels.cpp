@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#include "adapters/solver/point_kernels.h"
+
+namespace pelmora::solver {
+
+std::vector<const PointKernels*> runnablePointKernels() {
+  std::vector<const PointKernels*> runnable{&plainPointKernels()};
+#if defined(__x86_64__) && defined(__GNUC__)
+  __builtin_cpu_init();
+  if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma")) {
+    runnable.push_back(&avx2PointKernels());
+    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq") &&
+        __builtin_cpu_supports("avx512vl")) {
+      runnable.push_back(&avx512PointKernels());
+    }
+  }
+#endif
+  return runnable;
+}
+
+const PointKernels& pointKernels() {
+  static const PointKernels& best = *runnablePointKernels().back();
+  return best;
+}
+
+}  // namespace pelmora::solver

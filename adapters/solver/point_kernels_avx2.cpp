@@ -1,0 +1,20 @@
+// The loops over all points for processors with AVX2 and FMA.
+// SPDX-License-Identifier: MIT
+#include "adapters/solver/point_kernels.h"
+
+#if defined(__x86_64__) && defined(__GNUC__)
+#include <immintrin.h>
+
+#pragma GCC target("avx2,fma")
+#define PELMORA_LANE_WIDTH 4
+
+namespace pelmora::solver {
+namespace {
+#include "adapters/solver/lanes.inc.h"
+#include "adapters/solver/point_kernels.inc.h"
+}  // namespace
+
+const PointKernels& avx2PointKernels() { return table; }
+
+}  // namespace pelmora::solver
+#endif

@@ -1,0 +1,20 @@
+// The loops over all points for processors with AVX-512.
+// SPDX-License-Identifier: MIT
+#include "adapters/solver/point_kernels.h"
+
+#if defined(__x86_64__) && defined(__GNUC__)
+#include <immintrin.h>
+
+#pragma GCC target("avx2,fma,avx512f,avx512dq,avx512vl")
+#define PELMORA_LANE_WIDTH 8
+
+namespace pelmora::solver {
+namespace {
+#include "adapters/solver/lanes.inc.h"
+#include "adapters/solver/point_kernels.inc.h"
+}  // namespace
+
+const PointKernels& avx512PointKernels() { return table; }
+
+}  // namespace pelmora::solver
+#endif
