@@ -45,7 +45,14 @@ PointArray startFit(const OperationContext& context, FitHost& host, const PointA
     host.takeResult(details, fitting.outcome());
     curve = shared.fitRecord().Fitted;
   });
-  if (!ended) ArrayIsEmpty = true;
+  if (!ended) {  // nothing of an earlier fit is left beside these points
+    ArrayIsEmpty = true;
+    SeriesInfo& record = context.shared().fitRecord();
+    record.Merged = merged;
+    record.Fitted = PointArray();
+    record.Summary.clear();
+    host.takeResult({}, {});
+  }
   return curve;
 }
 

@@ -31,20 +31,19 @@ std::string_view trimmed(std::string_view text) {
 void keepAsSaved(const fs::path& path) {
   fs::path saved = path;
   saved += ".sav";
-  fs::remove(saved);
+  if (fileExists(saved)) fs::remove(saved);
   fs::rename(path, saved);
 }
 
-// The first blank parts the two numbers; all other blanks inside them are dropped, so that only what stands
-// in front of the first blank is the Roshko number.
+// The first blank parts the two numbers, and a "|" does so too; all other blanks are dropped.
 void readPoint(std::string_view line, PointArray& points, std::size_t row) {
-  line = trimmed(line);
-  const auto blank = line.find(' ');
-  if (blank == std::string_view::npos) throw makeError(RunTimeError::outOfRange);
-  std::string strouhal(line.substr(blank));
-  std::erase(strouhal, ' ');
-  points(row, 0) = numberFromText(line.substr(0, blank));
-  points(row, 1) = numberFromText(strouhal.substr(0, strouhal.find('|')));
+  std::string text(trimmed(line));
+  if (const auto blank = text.find(' '); blank != std::string::npos) text[blank] = '|';
+  std::erase(text, ' ');
+  const std::vector<std::string_view> fields = split(text, "|");
+  if (fields.size() < 2) throw makeError(RunTimeError::outOfRange);
+  points(row, 0) = numberFromText(fields[0]);
+  points(row, 1) = numberFromText(fields[1]);
 }
 
 PointArray parseResults(std::string_view text) {
