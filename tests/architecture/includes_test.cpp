@@ -36,7 +36,7 @@ const std::map<std::string, FolderRule>& rules() {
       {"adapters/sql_dialect", {{"base", "store"}, {}}},
       {"adapters/sqlite", {{"base", "store", "adapters/sql_dialect"}, {"sqlite3.h", "posix"}}},
       {"adapters/stand_csv", {{"base", "store", "adapters/sqlite"}, {}}},
-      {"adapters/solver", {{"base", "engine"}, {}}},
+      {"adapters/solver", {{"base", "engine"}, {"immintrin.h"}}},
       {"adapters/band", {{"base", "engine"}, {}}},
       {"adapters/dialog", {{"base", "ui", "adapters/os"}, {"FL", "posix"}}},
       {"adapters/os", {{}, {"posix"}}},
