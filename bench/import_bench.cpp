@@ -1,0 +1,194 @@
+// Raw series and imports against plain prepared statements on the same schema with the same
+// durability. SPDX-License-Identifier: MIT
+#include "tests/support/scratch_folder.h"
+
+#include <pelmora/database.h>
+#include <pelmora/platform.h>
+#include <pelmora/raw_data.h>
+
+#include <benchmark/benchmark.h>
+#include <sqlite3.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+namespace {
+
+using pelmora::PointArray;
+
+constexpr std::size_t pointCount = 32000;
+
+[[noreturn]] void stop(const std::string& why) {
+  std::fprintf(stderr, "%s\n", why.c_str());
+  std::exit(1);
+}
+
+void require(bool good, const char* what) {
+  if (!good) stop(what);
+}
+
+PointArray somePoints() {
+  PointArray points(pointCount);
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    points(i, 0) = 0.37 * static_cast<double>(i);
+    points(i, 1) = 1200 + 1 / (1.0 + static_cast<double>(i));
+  }
+  return points;
+}
+
+// A curve database with the meter M1 and, in raw1, its series S of 32,000 points. Every error box
+// ends the run: a failing operation would be a fast one.
+struct CurveDatabase {
+  CurveDatabase() {
+    pelmora::createCurveDatabase(path);
+    pelmora::platform().messageBox = [](const std::string& text, int, const std::string&) -> int {
+      stop(text);
+    };
+    data.dbDirSetByString(path);
+    require(data.setMeterSN("M1") != 0, "setMeterSN");
+    require(data.SetRaw("S", "M1", points, 0, false), "SetRaw");
+  }
+
+  const PointArray points = somePoints();
+  pelmora::test::ScratchFolder folder;
+  const std::string path = folder.file("curves.db");
+  pelmora::RawData data;
+};
+
+// The same by hand: one connection, prepared statements, the two transactions that SetRaw has.
+class PlainDatabase {
+ public:
+  explicit PlainDatabase(const std::string& path) {
+    check(sqlite3_open_v2(path.c_str(), &database_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX,
+                          nullptr));
+  }
+  ~PlainDatabase() { sqlite3_close(database_); }
+  PlainDatabase(const PlainDatabase&) = delete;
+  PlainDatabase& operator=(const PlainDatabase&) = delete;
+
+  [[nodiscard]] sqlite3_stmt* prepare(const char* sql) const {
+    sqlite3_stmt* statement = nullptr;
+    check(sqlite3_prepare_v2(database_, sql, -1, &statement, nullptr));
+    return statement;
+  }
+  void run(const char* sql) const {
+    check(sqlite3_exec(database_, sql, nullptr, nullptr, nullptr));
+  }
+  [[nodiscard]] std::int64_t seriesId() const {
+    sqlite3_stmt* find = prepare(
+        "SELECT series.ID FROM series JOIN meter ON series.meterid = meter.ID "
+        "WHERE meter.SerialNumber = 'M1' AND series.name = 'S' ORDER BY ReCalID DESC LIMIT 1");
+    require(sqlite3_step(find) == SQLITE_ROW, "the series");
+    const std::int64_t id = sqlite3_column_int64(find, 0);
+    sqlite3_finalize(find);
+    return id;
+  }
+
+ private:
+  static void check(int code) { require(code == SQLITE_OK, sqlite3_errstr(code)); }
+  sqlite3* database_ = nullptr;
+};
+
+void plainWrite(const std::string& path, const PointArray& points) {
+  const PlainDatabase database(path);
+  const std::int64_t id = database.seriesId();
+  database.run(("DELETE FROM raw1 WHERE seriesID = " + std::to_string(id)).c_str());
+  database.run("BEGIN IMMEDIATE");
+  sqlite3_stmt* insert =
+      database.prepare("INSERT INTO raw1 (seriesID, Roshko, Strouhal) VALUES (?, ?, ?)");
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    sqlite3_bind_int64(insert, 1, id);
+    sqlite3_bind_double(insert, 2, points(i, 0));
+    sqlite3_bind_double(insert, 3, points(i, 1));
+    require(sqlite3_step(insert) == SQLITE_DONE, "insert");
+    sqlite3_reset(insert);
+  }
+  sqlite3_finalize(insert);
+  database.run("COMMIT");
+}
+
+PointArray plainRead(const std::string& path) {
+  const PlainDatabase database(path);
+  const std::string id = std::to_string(database.seriesId());
+  sqlite3_stmt* count =
+      database.prepare(("SELECT COUNT(*) FROM raw1 WHERE seriesID = " + id).c_str());
+  require(sqlite3_step(count) == SQLITE_ROW, "count");
+  PointArray points(static_cast<std::size_t>(sqlite3_column_int64(count, 0)));
+  sqlite3_finalize(count);
+  sqlite3_stmt* select =
+      database.prepare(("SELECT Roshko, Strouhal FROM raw1 WHERE seriesID = " + id).c_str());
+  for (std::size_t i = 0; sqlite3_step(select) == SQLITE_ROW; ++i) {
+    points(i, 0) = sqlite3_column_double(select, 0);
+    points(i, 1) = sqlite3_column_double(select, 1);
+  }
+  sqlite3_finalize(select);
+  return points;
+}
+
+void SetRaw(benchmark::State& state) {
+  CurveDatabase curves;
+  for (auto _ : state) {
+    require(curves.data.SetRaw("S", "M1", curves.points, 0, false), "SetRaw");
+  }
+}
+
+void plain_write(benchmark::State& state) {
+  const CurveDatabase curves;
+  for (auto _ : state) plainWrite(curves.path, curves.points);
+  require(plainRead(curves.path) == curves.points, "what was written");
+}
+
+void GetRaw(benchmark::State& state) {
+  CurveDatabase curves;
+  for (auto _ : state) {
+    const pelmora::MeterInfo record = curves.data.GetRaw("S", "M1", 1);
+    require(record.Series.at(0).Raw[0].Points == curves.points, "what was read");
+  }
+}
+
+void plain_read(benchmark::State& state) {
+  const CurveDatabase curves;
+  for (auto _ : state) require(plainRead(curves.path) == curves.points, "what was read");
+}
+
+// A stand's export with one job of so many points.
+std::string standWith(const pelmora::test::ScratchFolder& folder, std::int64_t points) {
+  std::ofstream file(folder.file("stand.csv"));
+  file << "JobRecordID";
+  for (int i = 1; i <= 37; ++i) file << ",V" << i;
+  for (std::int64_t point = 0; point < points; ++point) {
+    file << "\n1001";
+    for (int i = 1; i <= 37; ++i) file << ',' << 0.5 * i + 0.01 * static_cast<double>(point);
+  }
+  file << '\n';
+  return folder.file("stand.csv");
+}
+
+// One job into the curve database and its four series out of it.
+void importCaldb(benchmark::State& state) {
+  CurveDatabase curves;
+  const std::string stand = standWith(curves.folder, state.range(0));
+  for (auto _ : state) {
+    const pelmora::MeterInfo meter =
+        curves.data.importCaldb("M1", pelmora::openDatabase(stand), {"1001"}, {""}, {"Oil"},
+                                {"Ada"}, true, true, true, true);
+    require(meter.Series.size() == 4 && meter.Series[3].SeriesID != 0, "import");
+  }
+}
+
+BENCHMARK(SetRaw)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(plain_write)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(GetRaw)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(plain_read)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(importCaldb)
+    ->ArgName("points")
+    ->Arg(24)
+    ->Arg(10000)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+
+}  // namespace
+
+BENCHMARK_MAIN();
