@@ -54,6 +54,13 @@ TEST_F(BandTest, points_beside_the_table_are_not_tested) {
   EXPECT_FALSE(inBand({-1, 0, 21}, {0, 0, 0}, 1));
 }
 
+TEST_F(BandTest, a_point_at_an_end_that_rounding_moved_is_tested) {
+  const double end = 20 * (1 + 3e-15);
+  EXPECT_FALSE(inBand({end}, {95}, 1));
+  EXPECT_TRUE(inBand({end}, {90.5}, 1));
+  EXPECT_TRUE(inBand({20.001}, {95}, 1));  // beside the table
+}
+
 TEST_F(BandTest, the_order_of_the_table_does_not_matter) {
   float percent = 1;
   EXPECT_TRUE(tester->TestBand(Numbers{5}, Numbers{90}, Numbers{20, 0, 10}, Numbers{90, 100, 80}, percent));
