@@ -164,8 +164,10 @@ PointArray RawData::determineFittedCurve(const std::string& SeriesName, const st
 bool RawData::SetFitted(const std::string& SeriesName, const std::string& MeterSerialNumber,
                         const PointArray& arMerged, const PointArray& arFitted,
                         const std::string& Details, bool cleardb, std::int16_t ReCalID) {
+  // A copy: hosts pass DataFitResultDetails of this object, which a handler may destroy.
+  const std::string details = Details;
   return pelmora::SetFitted(apartment_->operation(), SeriesName, MeterSerialNumber,
-                            {arMerged, arFitted, Details}, cleardb, ReCalID);
+                            {arMerged, arFitted, details}, cleardb, ReCalID);
 }
 bool RawData::SetLastFitted(bool cleardb) {
   return pelmora::SetLastFitted(apartment_->operation(), cleardb);

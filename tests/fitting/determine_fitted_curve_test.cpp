@@ -16,7 +16,7 @@ TEST_F(determine_fitted_curve, reads_sorts_and_fits_in_order) {
   havePart(1, {{10, 5}, {1, 4}});
   fit();
   EXPECT_EQ(journal_, (Journal{"open",
-                               "read " + seriesStatement(),
+                               "read " + fitStatement(),
                                "status: Determining fitted data from saved raw data in series Rotor A",
                                "read " + partStatement(1),
                                "status: Sorting raw1 data in series Rotor A",
@@ -71,11 +71,11 @@ TEST_F(determine_fitted_curve, unknown_series_is_silent_and_empty) {
   script_->answers.clear();
   EXPECT_EQ(fit(), PointArray());
   EXPECT_TRUE(isEmpty_);
-  EXPECT_EQ(journal_, (Journal{"open", "read " + seriesStatement(), "close"}));
+  EXPECT_EQ(journal_, (Journal{"open", "read " + fitStatement(), "close"}));
 }
 
 TEST_F(determine_fitted_curve, failed_look_up_is_told_and_empty) {
-  script_->fail(seriesStatement(), Error(-1, "driver", "no such table"));
+  script_->fail(fitStatement(), Error(-1, "driver", "no such table"));
   EXPECT_EQ(fit(), PointArray());
   EXPECT_TRUE(isEmpty_);
   EXPECT_EQ(boxes(), Journal{"Error in Misc:getSeriesID\r\nno such table|16|"});

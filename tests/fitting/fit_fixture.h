@@ -9,22 +9,8 @@ namespace pelmora {
 
 class StoredFitFixture : public FittingFixture {
  protected:
-  StoredFitFixture() {
-    script_->answer(seriesStatement(), {{"id", "name", "meterid", "recalid", "serialnumberadjusted"},
-                                        {{std::int64_t{7}, std::string("Rotor A"), std::int64_t{3},
-                                          std::int64_t{2}, std::string("4711-A")}}});
-  }
-  static std::string seriesStatement() {
-    return "SELECT TOP 1 series.*, meter.recalid, meter.serialnumberadjusted from series left join meter "
-           "on series.meterid=meter.id where series.name = 'Rotor A' and meter.serialnumber='4711' ORDER "
-           "BY meter.recalid DESC";
-  }
-  static std::string partStatement(int part) {
-    return "Select roshko, strouhal from raw" + std::to_string(part) + " where seriesID = 7";
-  }
-  void havePart(int part, const PointArray& points) {
-    script_->answer(partStatement(part), test::pointRows(points));
-  }
+  StoredFitFixture() { haveSeriesToFit(); }
+
   PointArray fit() {
     return determineFittedCurve(context_, host_, request_, isEmpty_, xMin_, xMax_);
   }
