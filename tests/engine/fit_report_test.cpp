@@ -1,6 +1,7 @@
 // The report to the character: hosts store it and compare it.
 // SPDX-License-Identifier: MIT
 #include "tests/engine/fit_fixture.h"
+#include "tests/support/comma_locale.h"
 
 namespace pelmora {
 namespace {
@@ -130,6 +131,19 @@ TEST_F(fit_report, of_all_equations_goes_by_their_index) {
                         "0:\t-10\r\n\r\n\r\n" + rule + "\r\n" +
                 "Solution failed.\r\nSee " + folder_.path().string() + "\\log.txt\r\n\r\n" + rule +
                 "\r\n");
+}
+
+TEST_F(fit_report, numbers_follow_the_locale) {
+  const test::CommaLocale locale;
+  if (!locale.isSet()) GTEST_SKIP() << "no locale with a decimal comma";
+  useEquations({"A"});
+  const auto fitting = makeNamedFitting();
+  fit(*fitting);
+  const std::string report = fitting->ResultDetails();
+  for (const char* line : {"\r\nBand Percentage = 0,3%\r\n", "\r\n0:\t1,5\t0,25\r\n",
+                           "\r\na = 1,25, Standard Error = 0,5\r\n"}) {
+    EXPECT_NE(report.find(line), std::string::npos) << line;
+  }
 }
 
 TEST_F(fit_report, whole_band_percent_is_plain) {

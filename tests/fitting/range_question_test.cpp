@@ -1,6 +1,7 @@
 // What happens when the range of the fit is not inside the raw data.
 // SPDX-License-Identifier: MIT
 #include "tests/fitting/fit_fixture.h"
+#include "tests/support/comma_locale.h"
 #include "ui/message_box.h"
 
 namespace pelmora {
@@ -38,6 +39,14 @@ TEST_F(range_question, shows_both_ranges_with_two_tabs_and_one) {
             Journal{"Min/Max values are out of range of raw data\r\nMin X : 0.3\t\tMin Raw : 1.25\r\nMax X "
                     ": 1500000\tMax Raw : 10.3333333333333\r\n\r\nPress 'Abort' to cancel, 'Retry' to set "
                     "Min/Max to Raw min/max or 'Ignore' to continue.|2|"});
+}
+
+TEST_F(range_question, numbers_follow_the_locale) {
+  const test::CommaLocale locale;
+  if (!locale.isSet()) GTEST_SKIP() << "no locale with a decimal comma";
+  xMin_ = 0.5;
+  fit();
+  EXPECT_NE(boxes().at(0).find("Min X : 0,5\t\tMin Raw : 1,25\r\n"), std::string::npos);
 }
 
 TEST_F(range_question, is_not_asked_for_the_raw_range_itself) {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "fitting/tablecurve_results.h"
 #include "tests/fitting/fitting_fixture.h"
+#include "tests/support/comma_locale.h"
 
-#include <clocale>
 #include <filesystem>
 
 namespace pelmora {
@@ -169,14 +169,10 @@ TEST_F(tablecurve_results, more_lines_than_16_bits_count_overflow) {
 }
 
 TEST_F(tablecurve_results, numbers_follow_the_locale) {
-  const std::string saved = std::setlocale(LC_NUMERIC, nullptr);
-  bool hasComma = false;
-  for (const char* name : {"de_DE.UTF-8", "de_DE", "fr_FR.UTF-8", "German"}) {
-    hasComma = hasComma || std::setlocale(LC_NUMERIC, name) != nullptr;
-  }
-  if (!hasComma) GTEST_SKIP() << "no locale with a decimal comma is installed";
+  const test::CommaLocale locale;
+  if (!locale.isSet()) GTEST_SKIP() << "no locale with a decimal comma";
   EXPECT_EQ(read(header + "1,5 2"), (PointArray{{1.5, 2}}));
-  std::setlocale(LC_NUMERIC, saved.c_str());
+  expectError(header + "1.5 2", "Type mismatch");
 }
 
 }  // namespace
