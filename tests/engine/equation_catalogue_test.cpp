@@ -65,6 +65,11 @@ TEST_F(equation_catalogue, third_field_is_ignored) {
   EXPECT_EQ(makeFitting()->equations(), (Equations{{"A", "x1"}}));
 }
 
+TEST_F(equation_catalogue, comment_may_hold_what_looks_like_an_equation) {
+  writeFile("equations.txt", ";A\tx1\r\nB\tx2\r\n;\tx3\r\n");
+  EXPECT_EQ(makeFitting()->equations(), (Equations{{"B", "x2"}}));
+}
+
 TEST_F(equation_catalogue, blanks_belong_to_the_fields) {
   writeFile("equations.txt", " A b \t x + 1 \r\n ;A\tx\r\n");
   EXPECT_EQ(makeFitting()->equations(), (Equations{{" ;A", "x"}, {" A b ", " x + 1 "}}));
