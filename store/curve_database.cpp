@@ -19,7 +19,8 @@ std::int32_t number(const Value& value) { return isNull(value) ? 0 : toInt32(val
 
 std::string nameOf(const ConnectionPtr& curves, const std::string& table, const Value& id) {
   if (isNull(id)) return {};
-  const auto rows = read(curves, "Select Name from " + table + " where ID=" + numberText(toInt32(id)));
+  const auto rows =
+      read(curves, "Select Name from " + table + " where ID=" + numberText(toInt32(id)));
   return rows->atEnd() ? std::string() : toText(rows->value("Name"));
 }
 
@@ -27,9 +28,10 @@ std::string nameOf(const ConnectionPtr& curves, const std::string& table, const 
 
 std::vector<CalSetupInfo> calSetups(const ConnectionPtr& curves, std::int32_t MeterID) {
   std::vector<CalSetupInfo> setups;
-  const auto rows = read(curves, "Select ID, Stand, MeterPosition, OperatorID, FluidID, DateTaken "
-                                 "from CalSetup where meterID=" +
-                                     numberText(MeterID) + " ORDER BY stand, ID ASC");
+  const auto rows = read(curves,
+                         "Select ID, Stand, MeterPosition, OperatorID, FluidID, DateTaken "
+                         "from CalSetup where meterID=" +
+                             numberText(MeterID) + " ORDER BY stand, ID ASC");
   for (; !rows->atEnd(); rows->moveNext()) {
     CalSetupInfo setup;
     setup.ID = number(rows->value("ID"));
@@ -41,7 +43,8 @@ std::vector<CalSetupInfo> calSetups(const ConnectionPtr& curves, std::int32_t Me
     const std::string ofSetup = " from CalDataPoint where CalSetupID=" + numberText(setup.ID);
     const auto points = read(curves, "Select JobRecordID" + ofSetup);
     setup.Points = static_cast<std::size_t>(points->recordCount());
-    const auto jobs = read(curves, "Select DISTINCT JobRecordID" + ofSetup + " ORDER BY JobRecordID ASC");
+    const auto jobs =
+        read(curves, "Select DISTINCT JobRecordID" + ofSetup + " ORDER BY JobRecordID ASC");
     if (jobs->recordCount() > 0) setup.JobRecordIDs = rowsAsTexts(*jobs);
     setups.push_back(std::move(setup));
   }

@@ -19,14 +19,15 @@ std::unique_ptr<Recordset> read(const ConnectionPtr& stand, const std::string& s
 
 bool isWholeNumber(const std::string& text) {
   const std::size_t sign = text.starts_with('-') ? 1 : 0;
-  return text.size() > sign && std::all_of(text.begin() + static_cast<std::ptrdiff_t>(sign), text.end(),
-                                           [](char c) { return c >= '0' && c <= '9'; });
+  return text.size() > sign && std::all_of(text.begin() + static_cast<std::ptrdiff_t>(sign),
+                                           text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
 }  // namespace
 
 std::vector<std::string> standJobs(const ConnectionPtr& stand) {
-  const auto rows = read(stand, "Select DISTINCT JobRecordID from DataPoint ORDER BY JobRecordID ASC");
+  const auto rows =
+      read(stand, "Select DISTINCT JobRecordID from DataPoint ORDER BY JobRecordID ASC");
   if (rows->recordCount() == 0) return {};
   return rowsAsTexts(*rows);
 }

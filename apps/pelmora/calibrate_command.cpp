@@ -23,11 +23,14 @@ struct CalibrateOptions {
 };
 
 bool hasPoints(const DerivedSeries& derived) {
-  return std::any_of(derived.points.begin(), derived.points.end(), [](std::size_t n) { return n > 1; });
+  return std::any_of(derived.points.begin(), derived.points.end(),
+                     [](std::size_t n) { return n > 1; });
 }
 
-// One fit; what keeps it from running becomes its trouble, so that the other series still get theirs.
-SeriesFit fitted(CurveSession& session, const MeterInfo& meter, const std::string& name, FitOptions options) {
+// One fit; what keeps it from running becomes its trouble, so that the other series still get
+// theirs.
+SeriesFit fitted(CurveSession& session, const MeterInfo& meter, const std::string& name,
+                 FitOptions options) {
   options.ratio = name == "Ratio";
   try {
     return fitSeries(session, meter, name, options);
@@ -42,11 +45,12 @@ SeriesFit fitted(CurveSession& session, const MeterInfo& meter, const std::strin
 
 std::string calibrationText(const CurveSession& session, const ImportOutcome& import,
                             const std::vector<SeriesFit>& fits) {
-  std::string text = importHead(session, import) + importTable(import) + "\n" + chosenTable(fits) + "\n" +
-                     wrapped("Curves are stored in " + session.path() + ", meter " + import.meter.SerialNumber +
-                                 ", calibration " + std::to_string(import.meter.ReCalID) + "; band " +
-                                 significantText(fits.empty() ? 0 : fits.front().options.band, 4) + " %.",
-                             0);
+  std::string text =
+      importHead(session, import) + importTable(import) + "\n" + chosenTable(fits) + "\n" +
+      wrapped("Curves are stored in " + session.path() + ", meter " + import.meter.SerialNumber +
+                  ", calibration " + std::to_string(import.meter.ReCalID) + "; band " +
+                  significantText(fits.empty() ? 0 : fits.front().options.band, 4) + " %.",
+              0);
   for (const SeriesFit& fit : fits) {
     if (!fit.trouble && fit.outcome.Warnings.empty()) continue;
     text += "\n" + fit.series + (fit.trouble ? ": no curve" : "") + "\n" + equationTable(fit);
@@ -67,7 +71,8 @@ void requireAll(const ImportOutcome& import, const std::vector<SeriesFit>& fits)
   if (first == nullptr) return;
   const bool isOne = names.find(',') == std::string::npos;
   if (isOne) throw Trouble(*first);
-  throw Trouble(first->code(), "no curve for series " + names + "; first: " + first->what(), first->remedy());
+  throw Trouble(first->code(), "no curve for series " + names + "; first: " + first->what(),
+                first->remedy());
 }
 
 void calibrate(CalibrateOptions& options) {
@@ -76,7 +81,8 @@ void calibrate(CalibrateOptions& options) {
   const ImportOutcome import = importRuns(session, options.request);
   std::vector<SeriesFit> fits;
   for (const DerivedSeries& derived : import.series) {
-    // After an import that went wrong, series may have lost their points: nothing to fit, nothing to say.
+    // After an import that went wrong, series may have lost their points: nothing to fit, nothing
+    // to say.
     if (import.trouble && !hasPoints(derived)) continue;
     fits.push_back(fitted(session, import.meter, derived.name, options.fit));
   }
@@ -96,9 +102,10 @@ void calibrate(CalibrateOptions& options) {
 }  // namespace
 
 void addCalibrateCommand(CLI::App& app) {
-  CLI::App& command = *app.add_subcommand(
-      "calibrate", "Import runs of a stand, fit every derived series over its merged range and store the curves. "
-                   "Ratio is fitted as a rotor ratio curve.");
+  CLI::App& command = *app.add_subcommand("calibrate",
+                                          "Import runs of a stand, fit every derived series over "
+                                          "its merged range and store the curves. "
+                                          "Ratio is fitted as a rotor ratio curve.");
   const auto options = std::make_shared<CalibrateOptions>();
   addDatabase(command, options->path);
   addImport(command, options->request, options->runs);

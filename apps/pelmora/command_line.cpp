@@ -2,6 +2,7 @@
 #include "apps/pelmora/command_line.h"
 
 #include "apps/pelmora/commands.h"
+#include "apps/pelmora/help_formatter.h"
 #include "apps/pelmora/trouble.h"
 #include "apps/pelmora/version.h"
 
@@ -41,15 +42,18 @@ int runCommand(CLI::App& app, int argc, const char* const* argv) {
 void printData(const std::string& text) {
   const bool isWritten = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
   if (isWritten && std::fflush(stdout) == 0) return;
-  throw Trouble(ExitCode::unexpected, "standard output cannot be written", "check the pipe or the disk's room");
+  throw Trouble(ExitCode::unexpected, "standard output cannot be written",
+                "check the pipe or the disk's room");
 }
 
 int run(int argc, const char* const* argv) {
   try {
-    CLI::App app("Keeps, derives, fits and reports calibration curves of turbine flow meters.", "pelmora");
+    CLI::App app("Keeps, derives, fits and reports calibration curves of turbine flow meters.",
+                 "pelmora");
     app.require_subcommand(1);
     app.set_version_flag("--version", "pelmora " + std::string(version));
     app.footer(exitCodeHelp);
+    app.formatter(std::make_shared<HelpFormatter>());
     addInitCommand(app);
     addImportCommand(app);
     addRawCommand(app);

@@ -12,8 +12,8 @@ namespace {
 
 constexpr std::int64_t mostSmall = std::numeric_limits<std::int16_t>::max();
 
-void addSmallInteger(CLI::App& command, const std::string& name, std::int16_t& value, std::int64_t lowest,
-                     const std::string& help) {
+void addSmallInteger(CLI::App& command, const std::string& name, std::int16_t& value,
+                     std::int64_t lowest, const std::string& help) {
   command
       .add_option_function<std::string>(
           name,
@@ -37,7 +37,8 @@ void addMeter(CLI::App& command, std::string& serialNumber, bool isRequired) {
 }
 
 void addCalibration(CLI::App& command, std::int16_t& reCalID) {
-  addSmallInteger(command, "--calibration", reCalID, 0, "Number of the meter's calibration (default: the latest)");
+  addSmallInteger(command, "--calibration", reCalID, 0,
+                  "Number of the meter's calibration (default: the latest)");
 }
 
 void addJson(CLI::App& command, bool& asJson) {
@@ -46,7 +47,9 @@ void addJson(CLI::App& command, bool& asJson) {
 
 void addImport(CLI::App& command, ImportRequest& request, RunOptions& runs) {
   addMeter(command, request.meter, true);
-  command.add_option("--stand", request.stand, "Stand database, or CSV export with header JobRecordID,V1..V37")
+  command
+      .add_option("--stand", request.stand,
+                  "Stand database, or CSV export with header JobRecordID,V1..V37")
       ->required()
       ->type_name("FILE");
   command.add_option("--job", runs.jobs, "Job of a run; repeat for each run (A:B names two jobs)")
@@ -59,14 +62,18 @@ void addImport(CLI::App& command, ImportRequest& request, RunOptions& runs) {
       ->expected(1)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
       ->type_name("NAME");
-  command.add_option("--operator", runs.operators, "Operator of a run; one for each --job or one for all")
+  command
+      .add_option("--operator", runs.operators,
+                  "Operator of a run; one for each --job or one for all")
       ->expected(1)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
       ->type_name("NAME");
   addSmallInteger(command, "--stand-number", request.standID, 0, "Number of the stand");
-  addSmallInteger(command, "--position", request.positionID, 0, "Position of the meter on the stand");
+  addSmallInteger(command, "--position", request.positionID, 0,
+                  "Position of the meter on the stand");
   addCalibration(command, request.reCalID);
-  command.add_flag("--new-calibration", request.newCalibration, "Begin the meter's next calibration");
+  command.add_flag("--new-calibration", request.newCalibration,
+                   "Begin the meter's next calibration");
 }
 
 void addFitTests(CLI::App& command, FitOptions& options) {
@@ -74,7 +81,8 @@ void addFitTests(CLI::App& command, FitOptions& options) {
       .add_option_function<std::string>(
           "--points",
           [&options](const std::string& text) {
-            options.points = static_cast<std::int16_t>(integerOption("--points", text, 2, mostSmall));
+            options.points =
+                static_cast<std::int16_t>(integerOption("--points", text, 2, mostSmall));
           },
           "Points of the fitted curve (default 40)")
       ->type_name("N");
@@ -84,12 +92,14 @@ void addFitTests(CLI::App& command, FitOptions& options) {
           [&options](const std::string& text) {
             options.band = numberOption("--band", text);
             if (options.band >= 0) return;
-            throw Trouble(ExitCode::usage, "--band: '" + text + "' is negative", "give per cent, 0 or more");
+            throw Trouble(ExitCode::usage, "--band: '" + text + "' is negative",
+                          "give per cent, 0 or more");
           },
           "Band of the band test in per cent (default " + significantText(defaultBand, 6) + ")")
       ->type_name("PERCENT");
-  command.add_option("--equations", options.equations,
-                     "Equation file, or folder with 'equations.txt' and 'ratio equations.txt'")
+  command
+      .add_option("--equations", options.equations,
+                  "Equation file, or folder with 'equations.txt' and 'ratio equations.txt'")
       ->type_name("PATH");
 }
 

@@ -10,8 +10,9 @@
 
 namespace pelmora::cli {
 
-// Fields are separated by commas; one in double quotes may hold commas and line breaks, and a doubled
-// quote stands for one. Line ends are LF or CR LF; a byte order mark and empty lines are skipped.
+// Fields are separated by commas; one in double quotes may hold commas and line breaks, and a
+// doubled quote stands for one. Line ends are LF or CR LF; a byte order mark and empty lines are
+// skipped.
 class CsvLines {
  public:
   // `text` must outlive this object.

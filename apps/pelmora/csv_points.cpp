@@ -22,10 +22,11 @@ bool sameName(std::string_view a, std::string_view b) {
 
 std::optional<std::size_t> indexOf(const Fields& header, const std::string& name) {
   const auto exact = std::find(header.begin(), header.end(), name);
-  const auto found = exact != header.end()
-                         ? exact
-                         : std::find_if(header.begin(), header.end(),
-                                        [&](const std::string& field) { return sameName(field, name); });
+  const auto found =
+      exact != header.end()
+          ? exact
+          : std::find_if(header.begin(), header.end(),
+                         [&](const std::string& field) { return sameName(field, name); });
   if (found != header.end()) return static_cast<std::size_t>(found - header.begin());
   const auto number = strictInteger(name);
   if (number && *number >= 1 && static_cast<std::size_t>(*number) <= header.size()) {
@@ -42,7 +43,8 @@ class PointFile {
 
   PointArray points() {
     auto fields = next();
-    if (!fields) throw bad("file '" + path_ + "' holds no line", "give a CSV file with two columns");
+    if (!fields)
+      throw bad("file '" + path_ + "' holds no line", "give a CSV file with two columns");
     chooseColumns(*fields);
     if (hasHeader_) fields = next();
     for (; fields; fields = next()) addPoint(*fields);
@@ -61,7 +63,8 @@ class PointFile {
     return "file '" + path_ + "', line " + std::to_string(lines_.line());
   }
   [[nodiscard]] Trouble noPoints() const {
-    if (wanted_.where.empty()) return bad("file '" + path_ + "' holds no points", "add lines with x,y");
+    if (wanted_.where.empty())
+      return bad("file '" + path_ + "' holds no points", "add lines with x,y");
     return bad("file '" + path_ + "' has no line with " + wanted_.where.front().first + "=" +
                    wanted_.where.front().second,
                "check --where");
@@ -105,8 +108,8 @@ class PointFile {
                  "separate them by commas and write decimals with a point");
     }
     const bool numbers = strictNumber(first[0]).has_value();
-    return bad(place() + ": " + std::to_string(first.size()) + (first.size() == 1 ? " column" : " columns") +
-                   " instead of two",
+    return bad(place() + ": " + std::to_string(first.size()) +
+                   (first.size() == 1 ? " column" : " columns") + " instead of two",
                numbers ? "write numbers with a decimal point, or choose with --x 1 --y 2"
                        : "choose with --x COLUMN --y COLUMN among " + listed(first));
   }
@@ -180,7 +183,8 @@ PointArray readCsvPoints(const std::string& path, const PointColumns& columns) {
 
 std::pair<std::string, std::string> rowFilter(const std::string& text) {
   const std::size_t equals = text.find('=');
-  if (equals != std::string::npos && equals > 0) return {text.substr(0, equals), text.substr(equals + 1)};
+  if (equals != std::string::npos && equals > 0)
+    return {text.substr(0, equals), text.substr(equals + 1)};
   throw Trouble(ExitCode::usage, "--where: '" + text + "' is not allowed", "give COLUMN=VALUE");
 }
 

@@ -22,9 +22,10 @@ struct PointColumns {
 // The points of a comma-separated file, in its order. The first line is a header unless it holds
 // numbers. Without names, x and y are the columns Roshko and Strouhal, or the only two.
 //
-// Errors: Trouble badInput that names file, line and column: no file, no such column, a line with too
-//         few or too many fields, a text, NaN or infinity for a number, a y of zero, no points or more
-//         than mostPoints.
+// Errors: Trouble badInput that names file, line and column: no file, no such column, a line with
+// too
+//         few or too many fields, a text, NaN or infinity for a number, a y of zero, no points or
+//         more than mostPoints.
 [[nodiscard]] PointArray readCsvPoints(const std::string& path, const PointColumns& columns);
 
 // "column=value". Errors: Trouble usage.

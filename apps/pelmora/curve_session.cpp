@@ -21,7 +21,8 @@ ConnectionPtr openCurves(const std::string& path, Access access) {
   try {
     requireCurveTables(connection);
   } catch (const Error& error) {
-    throw Trouble(ExitCode::database, "'" + path + "' cannot be used as a curve database: " + error.what(),
+    throw Trouble(ExitCode::database,
+                  "'" + path + "' cannot be used as a curve database: " + error.what(),
                   "name a curve database, or make one with 'pelmora init FILE'");
   }
   if (access == Access::read) return connection;
@@ -39,7 +40,8 @@ std::string listed(const std::vector<std::string>& names) {
   for (std::size_t i = 0; i < names.size() && i < listedNames; ++i) {
     list += (i == 0 ? "'" : ", '") + names[i] + "'";
   }
-  if (names.size() > listedNames) list += " and " + std::to_string(names.size() - listedNames) + " more";
+  if (names.size() > listedNames)
+    list += " and " + std::to_string(names.size() - listedNames) + " more";
   return list;
 }
 
@@ -64,13 +66,15 @@ MeterInfo CurveSession::requireMeter(const std::string& serialNumber, std::int16
   if (meter.Source == 1) return meter;
   const std::string where = "in '" + path_ + "'";
   if (reCalID >= 0 && findMeter(serialNumber, -1).Source == 1) {
-    throw Trouble(ExitCode::unknownName,
-                  "meter '" + serialNumber + "' has no calibration " + std::to_string(reCalID) + " " + where,
-                  "list its calibrations with 'pelmora show'");
+    throw Trouble(
+        ExitCode::unknownName,
+        "meter '" + serialNumber + "' has no calibration " + std::to_string(reCalID) + " " + where,
+        "list its calibrations with 'pelmora show'");
   }
   const auto known = serialNumbers();
-  throw Trouble(ExitCode::unknownName, "there is no meter '" + serialNumber + "' " + where,
-                known.empty() ? "no meter is stored yet: import one first" : "choose among " + listed(known));
+  throw Trouble(
+      ExitCode::unknownName, "there is no meter '" + serialNumber + "' " + where,
+      known.empty() ? "no meter is stored yet: import one first" : "choose among " + listed(known));
 }
 
 std::vector<std::string> CurveSession::serialNumbers() {
@@ -84,7 +88,8 @@ std::vector<std::string> CurveSession::serialNumbers() {
 std::vector<std::string> CurveSession::seriesNames(const MeterInfo& meter) {
   messages_.forget();
   const ValueTable table = data_.Series(meter.SerialNumber, meter.ReCalID);
-  messages_.throwIfAny(ExitCode::unexpected, "listing the series of meter '" + meter.SerialNumber + "'", "");
+  messages_.throwIfAny(ExitCode::unexpected,
+                       "listing the series of meter '" + meter.SerialNumber + "'", "");
   std::vector<std::string> names;
   for (std::size_t row = 0; row < table.rows(); ++row) {
     if (const auto* name = std::get_if<std::string>(&table(1, row))) names.push_back(*name);
@@ -95,19 +100,23 @@ std::vector<std::string> CurveSession::seriesNames(const MeterInfo& meter) {
 MeterInfo CurveSession::requireSeries(const MeterInfo& meter, const std::string& seriesName) {
   requireName("--series", seriesName);
   messages_.forget();
-  const MeterInfo found = data_.findMeterInfo(meter.SerialNumber, connection_, meter.ReCalID, seriesName);
+  const MeterInfo found =
+      data_.findMeterInfo(meter.SerialNumber, connection_, meter.ReCalID, seriesName);
   messages_.throwIfAny(ExitCode::unexpected, "looking up series '" + seriesName + "'", "");
   if (found.Source != 1 || found.Series.empty()) {
     const auto known = seriesNames(meter);
-    throw Trouble(ExitCode::unknownName,
-                  "meter '" + meter.SerialNumber + "' has no series '" + seriesName + "' in '" + path_ + "'",
-                  known.empty() ? "it has no series yet: import or bring points first"
-                                : "choose among " + listed(known));
+    throw Trouble(
+        ExitCode::unknownName,
+        "meter '" + meter.SerialNumber + "' has no series '" + seriesName + "' in '" + path_ + "'",
+        known.empty() ? "it has no series yet: import or bring points first"
+                      : "choose among " + listed(known));
   }
-  MeterInfo everything = data_.GetAllInfo(seriesName, meter.SerialNumber, connection_, meter.ReCalID);
-  messages_.throwIfAny(ExitCode::badInput,
-                       "series '" + seriesName + "' of meter '" + meter.SerialNumber + "' cannot be read",
-                       "import or bring its points again, at most 32767 in each raw part and none empty");
+  MeterInfo everything =
+      data_.GetAllInfo(seriesName, meter.SerialNumber, connection_, meter.ReCalID);
+  messages_.throwIfAny(
+      ExitCode::badInput,
+      "series '" + seriesName + "' of meter '" + meter.SerialNumber + "' cannot be read",
+      "import or bring its points again, at most 32767 in each raw part and none empty");
   return everything;
 }
 
@@ -120,7 +129,8 @@ void requireName(const std::string& what, const std::string& name) {
     refuse("'" + name + "' holds an apostrophe, which the database's statements cannot carry",
            "leave it out");
   }
-  const bool hasControl = std::any_of(name.begin(), name.end(), [](unsigned char c) { return c < 32 || c == 127; });
+  const bool hasControl =
+      std::any_of(name.begin(), name.end(), [](unsigned char c) { return c < 32 || c == 127; });
   if (hasControl) refuse("the name holds control characters", "leave them out");
 }
 

@@ -6,8 +6,8 @@
 
 namespace pelmora::cli {
 
-// A private temporary folder, made platform().componentFolder while it lives and removed at its end.
-// The user's equation files are copied into it, so that the log never lands beside them.
+// A private temporary folder, made platform().componentFolder while it lives and removed at its
+// end. The user's equation files are copied into it, so that the log never lands beside them.
 class EquationFolder {
  public:
   // `equations`: empty for the built-in equations, else a folder that holds "equations.txt" ("ratio

@@ -17,8 +17,8 @@ enum class ExitCode {
 };
 
 inline constexpr const char* exitCodeHelp =
-    "Exit codes: 0 done; 1 unexpected error; 2 wrong command line; 3 database missing,\n"
-    "foreign, locked or not writable; 4 unknown meter, calibration, series or job;\n"
-    "5 bad input data; 6 no equation passed; 7 range outside the raw points.";
+    "Exit codes: 0 done; 1 unexpected error; 2 wrong command line; 3 database\n"
+    "missing, foreign, locked or not writable; 4 unknown meter, calibration, series\n"
+    "or job; 5 bad input data; 6 no equation passed; 7 range outside the raw points.";
 
 }  // namespace pelmora::cli

@@ -70,12 +70,13 @@ std::string rejection(const EquationOutcome& equation) {
 }
 
 std::optional<double> passingBand(const SeriesFit& fit, const EquationOutcome& equation) {
-  if (equation.Predicted.empty() || fit.merged.empty() || !platform().createBandTester) return std::nullopt;
+  if (equation.Predicted.empty() || fit.merged.empty() || !platform().createBandTester)
+    return std::nullopt;
   const auto tester = platform().createBandTester();
   const auto passes = [&](double percent) {
     auto band = static_cast<float>(percent);
-    return tester->TestBand(fit.merged.column(0), fit.merged.column(1), equation.Predicted.column(0),
-                            equation.Predicted.column(1), band);
+    return tester->TestBand(fit.merged.column(0), fit.merged.column(1),
+                            equation.Predicted.column(0), equation.Predicted.column(1), band);
   };
   double low = 0, high = 100;
   if (!passes(high)) return std::nullopt;
@@ -98,7 +99,8 @@ std::string advice(const SeriesFit& fit, const EquationOutcome& equation) {
       const std::size_t parameters = parametersOf(equation);
       if (fit.merged.size() <= parameters) {
         return "more points (it has " + std::to_string(parameters) + " parameters, the series " +
-               std::to_string(fit.merged.size()) + " points) or an equation file with fewer parameters";
+               std::to_string(fit.merged.size()) +
+               " points) or an equation file with fewer parameters";
       }
       if (takesLogarithm(equation) && !fit.merged.empty() && fit.merged(0, 0) <= 0) {
         return "points with Roshko above 0, or an equation file without logarithms";
@@ -108,12 +110,14 @@ std::string advice(const SeriesFit& fit, const EquationOutcome& equation) {
     case EquationVerdict::residualTestFailed:
       return poleInRange ? aboveOne : "--ignore-residuals, or an equation file (--equations)";
     case EquationVerdict::ratioTestFailed:
-      return "a narrower range (--min, --max), an equation file of lower orders (--equations), or a fit without "
+      return "a narrower range (--min, --max), an equation file of lower orders (--equations), or "
+             "a fit without "
              "--ratio";
     case EquationVerdict::bandTestFailed: {
       if (poleInRange) return aboveOne;
       const auto band = passingBand(fit, equation);
-      return band ? "--band " + significantText(*band, 2) : "a narrower range (--min, --max) or more --points";
+      return band ? "--band " + significantText(*band, 2)
+                  : "a narrower range (--min, --max) or more --points";
     }
     default: return {};
   }

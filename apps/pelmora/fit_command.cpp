@@ -26,16 +26,17 @@ struct FitCommand {
 };
 
 std::string fitText(const CurveSession& session, const MeterInfo& meter, const SeriesFit& fit) {
-  std::string text = wrapped("Series '" + fit.series + "', meter " + meter.SerialNumber + ", calibration " +
-                                 std::to_string(meter.ReCalID) + ": " + counted(fit.merged.size(), "merged point") +
-                                 ", Roshko " + significantText(fit.min, 6) + " to " + significantText(fit.max, 6) +
-                                 ", band " + significantText(fit.options.band, 4) + " %",
-                             0);
+  std::string text = wrapped(
+      "Series '" + fit.series + "', meter " + meter.SerialNumber + ", calibration " +
+          std::to_string(meter.ReCalID) + ": " + counted(fit.merged.size(), "merged point") +
+          ", Roshko " + significantText(fit.min, 6) + " to " + significantText(fit.max, 6) +
+          ", band " + significantText(fit.options.band, 4) + " %",
+      0);
   text += "\n" + equationTable(fit);
   if (!fit.isStored) return text;
   return text + "\n" +
-         wrapped("Stored the curve of " + fit.outcome.Equations[*fit.outcome.Chosen].Name + " with " +
-                     counted(fit.curve.size(), "point") + " in " + session.path() + ".",
+         wrapped("Stored the curve of " + fit.outcome.Equations[*fit.outcome.Chosen].Name +
+                     " with " + counted(fit.curve.size(), "point") + " in " + session.path() + ".",
                  0);
 }
 
@@ -55,7 +56,8 @@ void fitAndStore(const FitCommand& command) {
   if (fit.trouble) throw Trouble(*fit.trouble);
 }
 
-void addRangeEnd(CLI::App& command, const std::string& name, std::optional<double>& end, const std::string& help) {
+void addRangeEnd(CLI::App& command, const std::string& name, std::optional<double>& end,
+                 const std::string& help) {
   command
       .add_option_function<std::string>(
           name, [&end, name](const std::string& text) { end = numberOption(name, text); }, help)
@@ -65,24 +67,34 @@ void addRangeEnd(CLI::App& command, const std::string& name, std::optional<doubl
 }  // namespace
 
 void addFitCommand(CLI::App& app) {
-  CLI::App& command = *app.add_subcommand(
-      "fit", "Merge a series' raw parts, fit every equation, and store the best curve that passes the tests");
+  CLI::App& command = *app.add_subcommand("fit",
+                                          "Merge a series' raw parts, fit every equation, and "
+                                          "store the best curve that passes the tests");
   const auto options = std::make_shared<FitCommand>();
   addDatabase(command, options->path);
   addMeter(command, options->meter, true);
-  command.add_option("--series", options->series, "Name of the series")->required()->type_name("NAME");
+  command.add_option("--series", options->series, "Name of the series")
+      ->required()
+      ->type_name("NAME");
   addCalibration(command, options->reCalID);
-  addRangeEnd(command, "--min", options->options.min, "Begin of the curve (default: of the merged points)");
-  addRangeEnd(command, "--max", options->options.max, "End of the curve (default: of the merged points)");
+  addRangeEnd(command, "--min", options->options.min,
+              "Begin of the curve (default: of the merged points)");
+  addRangeEnd(command, "--max", options->options.max,
+              "End of the curve (default: of the merged points)");
   addFitTests(command, options->options);
-  command.add_flag("--ratio", options->options.ratio, "The series is a rotor ratio: it must fall with Roshko");
-  command.add_flag("--inverted", options->options.inverted, "Merge the raw parts from the other end");
-  command.add_flag("--ignore-residuals", options->options.ignoreResiduals, "Leave the residual test out");
-  const std::map<std::string, RangeAnswer> answers{
-      {"abort", RangeAnswer::abort}, {"retry", RangeAnswer::retry}, {"ignore", RangeAnswer::ignore}};
+  command.add_flag("--ratio", options->options.ratio,
+                   "The series is a rotor ratio: it must fall with Roshko");
+  command.add_flag("--inverted", options->options.inverted,
+                   "Merge the raw parts from the other end");
+  command.add_flag("--ignore-residuals", options->options.ignoreResiduals,
+                   "Leave the residual test out");
+  const std::map<std::string, RangeAnswer> answers{{"abort", RangeAnswer::abort},
+                                                   {"retry", RangeAnswer::retry},
+                                                   {"ignore", RangeAnswer::ignore}};
   command
       .add_option("--on-range", options->options.onRange,
-                  "Where the range is not inside the raw points: abort (default), retry with the raw range, or "
+                  "Where the range is not inside the raw points: abort (default), retry with the "
+                  "raw range, or "
                   "ignore it and extrapolate")
       ->transform(CLI::CheckedTransformer(answers))
       ->option_text("abort|retry|ignore");

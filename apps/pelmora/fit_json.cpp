@@ -88,7 +88,8 @@ json setupsJson(const std::vector<CalSetupInfo>& setups) {
 
 json fitJson(const SeriesFit& fit) {
   json equations = json::array();
-  for (auto equation = fit.outcome.Equations.rbegin(); equation != fit.outcome.Equations.rend(); ++equation) {
+  for (auto equation = fit.outcome.Equations.rbegin(); equation != fit.outcome.Equations.rend();
+       ++equation) {
     equations.push_back(equationJson(*equation));
   }
   json warnings = json::array();
@@ -120,7 +121,8 @@ json fitJson(const SeriesFit& fit) {
 json importJson(const ImportOutcome& import) {
   json series = json::array();
   for (const DerivedSeries& derived : import.series) {
-    series.push_back({{"name", derived.name}, {"seriesId", derived.seriesID}, {"rawPoints", derived.points}});
+    series.push_back(
+        {{"name", derived.name}, {"seriesId", derived.seriesID}, {"rawPoints", derived.points}});
   }
   return {{"meter", meterJson(import.meter)},
           {"newCalibration", import.meterIsNew},

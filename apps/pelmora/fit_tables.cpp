@@ -11,7 +11,8 @@ using Align = TextTable::Align;
 constexpr int determinationDigits = 6;
 
 bool hasSolution(const EquationOutcome& equation) {
-  return equation.Verdict != EquationVerdict::notTried && equation.Verdict != EquationVerdict::noSolution;
+  return equation.Verdict != EquationVerdict::notTried &&
+         equation.Verdict != EquationVerdict::noSolution;
 }
 
 std::string determination(const EquationOutcome& equation, double value) {
@@ -61,10 +62,12 @@ std::string equationTable(const SeriesFit& fit) {
     const std::string why = rejection(*equation);
     if (why.empty()) continue;
     const std::string help = advice(fit, *equation);
-    reasons += wrapped(equation->Name + ": " + why + (help.empty() ? "" : " What would help: " + help + "."), 2);
+    reasons += wrapped(
+        equation->Name + ": " + why + (help.empty() ? "" : " What would help: " + help + "."), 2);
   }
   std::string warnings;
-  for (const CurveWarning& warning : fit.outcome.Warnings) warnings += wrapped("warning: " + warning.Text, 2);
+  for (const CurveWarning& warning : fit.outcome.Warnings)
+    warnings += wrapped("warning: " + warning.Text, 2);
   return table.text() + reasons + warnings;
 }
 
@@ -84,14 +87,16 @@ std::string chosenTable(const std::vector<SeriesFit>& fits) {
     const EquationOutcome& chosen = fit.outcome.Equations[*fit.outcome.Chosen];
     table.addRow({fit.series, chosen.Name, determination(chosen, chosen.Statistics.RSquared),
                   determination(chosen, chosen.Statistics.AdjustedRSquared),
-                  percentText(chosen.WorstResidualRatio * 100), "pass", counted(fit.curve.size(), "point")});
+                  percentText(chosen.WorstResidualRatio * 100), "pass",
+                  counted(fit.curve.size(), "point")});
   }
   return table.text();
 }
 
 std::string importHead(const CurveSession& session, const ImportOutcome& import) {
-  return wrapped("Meter " + import.meter.SerialNumber + ", calibration " + std::to_string(import.meter.ReCalID) +
-                     (import.meterIsNew ? " (new)" : "") + ", in " + session.path() + ".",
+  return wrapped("Meter " + import.meter.SerialNumber + ", calibration " +
+                     std::to_string(import.meter.ReCalID) + (import.meterIsNew ? " (new)" : "") +
+                     ", in " + session.path() + ".",
                  0) +
          "\n";
 }
@@ -106,8 +111,9 @@ std::string importTable(const ImportOutcome& import) {
                   {"Points", Align::right}});
   for (std::size_t k = 0; k < import.setups.size(); ++k) {
     const CalSetupInfo& setup = import.setups[k];
-    runs.addRow({k < 4 ? std::to_string(k + 1) : "-", setup.Fluid, joined(setup.JobRecordIDs), setup.Operator,
-                 setup.DateTaken, stand(setup.Stand), std::to_string(setup.Points)});
+    runs.addRow({k < 4 ? std::to_string(k + 1) : "-", setup.Fluid, joined(setup.JobRecordIDs),
+                 setup.Operator, setup.DateTaken, stand(setup.Stand),
+                 std::to_string(setup.Points)});
   }
   std::string text = runs.text();
   if (!import.series.empty()) {
@@ -118,7 +124,8 @@ std::string importTable(const ImportOutcome& import) {
                       {"Part 4", Align::right}});
     for (const DerivedSeries& derived : import.series) {
       std::vector<std::string> row{derived.name};
-      for (const std::size_t points : derived.points) row.push_back(points == 0 ? "-" : std::to_string(points));
+      for (const std::size_t points : derived.points)
+        row.push_back(points == 0 ? "-" : std::to_string(points));
       series.addRow(row);
     }
     text += "\n" + series.text();

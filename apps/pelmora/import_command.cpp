@@ -36,9 +36,10 @@ void import(ImportOptions& options) {
 }  // namespace
 
 void addImportCommand(CLI::App& app) {
-  CLI::App& command =
-      *app.add_subcommand("import", "Copy runs of a stand into a meter and derive its series. An unknown meter is "
-                                    "registered; a run in a fluid that the meter has already replaces that run.");
+  CLI::App& command = *app.add_subcommand(
+      "import",
+      "Copy runs of a stand into a meter and derive its series. An unknown meter is "
+      "registered; a run in a fluid that the meter has already replaces that run.");
   const auto options = std::make_shared<ImportOptions>();
   addDatabase(command, options->path);
   addImport(command, options->request, options->runs);

@@ -41,7 +41,8 @@ MessageRecorder::~MessageRecorder() { platform().messageBox = before_; }
 
 int MessageRecorder::answer(const std::string& text, int style) {
   if ((style & buttonSetMask) == abortRetryIgnore) {
-    rawRange_ = "from " + valueBehind(text, "Min Raw : ") + " to " + valueBehind(text, "Max Raw : ");
+    rawRange_ =
+        "from " + valueBehind(text, "Min Raw : ") + " to " + valueBehind(text, "Max Raw : ");
     return static_cast<int>(rangeAnswer);
   }
   errors_.push_back(errorText(text));

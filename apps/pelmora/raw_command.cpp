@@ -27,7 +27,8 @@ struct RawOptions {
 };
 
 MeterInfo meterFor(CurveSession& session, const RawOptions& options) {
-  if (!options.registerMeter || options.reCalID >= 0) return session.requireMeter(options.meter, options.reCalID);
+  if (!options.registerMeter || options.reCalID >= 0)
+    return session.requireMeter(options.meter, options.reCalID);
   MeterInfo meter = session.findMeter(options.meter, -1);
   if (meter.Source == 1) return meter;
   session.messages().forget();
@@ -38,10 +39,12 @@ MeterInfo meterFor(CurveSession& session, const RawOptions& options) {
 }
 
 std::string summary(const RawOptions& options, const MeterInfo& meter, const PointArray& points) {
-  const auto [lowest, highest] = std::minmax_element(points.column(0).begin(), points.column(0).end());
-  std::string text = "Stored " + counted(points.size(), "point") + " as raw part " + std::to_string(options.part) +
-                     " of series '" + options.series + "', meter " + meter.SerialNumber + ", calibration " +
-                     std::to_string(meter.ReCalID) + "; x from " + significantText(*lowest, 6) + " to " +
+  const auto [lowest, highest] =
+      std::minmax_element(points.column(0).begin(), points.column(0).end());
+  std::string text = "Stored " + counted(points.size(), "point") + " as raw part " +
+                     std::to_string(options.part) + " of series '" + options.series + "', meter " +
+                     meter.SerialNumber + ", calibration " + std::to_string(meter.ReCalID) +
+                     "; x from " + significantText(*lowest, 6) + " to " +
                      significantText(*highest, 6) + ".";
   if (points.size() == 1) text += " note: a fit leaves out a part of one point.";
   return wrapped(text, 0);
@@ -53,10 +56,12 @@ void raw(const RawOptions& options) {
   CurveSession session(options.path, Access::write);
   const MeterInfo meter = meterFor(session, options);
   session.messages().forget();
-  const bool isStored = session.data().SetRaw(options.series, meter.SerialNumber, points,
-                                              static_cast<std::int16_t>(options.part - 1), false, meter.ReCalID);
+  const bool isStored =
+      session.data().SetRaw(options.series, meter.SerialNumber, points,
+                            static_cast<std::int16_t>(options.part - 1), false, meter.ReCalID);
   session.progress().clear();
-  session.messages().throwIfAny(ExitCode::database, "storing points of series '" + options.series + "'",
+  session.messages().throwIfAny(ExitCode::database,
+                                "storing points of series '" + options.series + "'",
                                 "store them again; the part's old points may be gone");
   if (!isStored) throw Trouble(ExitCode::unexpected, "the points were not stored", "try again");
   if (!options.asJson) return printData(summary(options, meter, points));
@@ -70,13 +75,19 @@ void raw(const RawOptions& options) {
 
 void addRawCommand(CLI::App& app) {
   CLI::App& command = *app.add_subcommand(
-      "raw", "Store the points of a CSV file as a raw part of a series, in place of its old points. The meter must be "
-             "known unless --register is given; the series is made where there is none.");
+      "raw",
+      "Store the points of a CSV file as a raw part of a series, in place of its old points. The "
+      "meter must be "
+      "known unless --register is given; the series is made where there is none.");
   const auto options = std::make_shared<RawOptions>();
   addDatabase(command, options->path);
-  command.add_option("POINTS", options->file, "CSV file: x,y, a header line allowed")->required()->type_name("FILE");
+  command.add_option("POINTS", options->file, "CSV file: x,y, a header line allowed")
+      ->required()
+      ->type_name("FILE");
   addMeter(command, options->meter, true);
-  command.add_option("--series", options->series, "Name of the series")->required()->type_name("NAME");
+  command.add_option("--series", options->series, "Name of the series")
+      ->required()
+      ->type_name("NAME");
   command
       .add_option_function<std::string>(
           "--part",
@@ -85,10 +96,15 @@ void addRawCommand(CLI::App& app) {
           },
           "Raw part, 1 to 4 (default 1)")
       ->type_name("N");
-  command.add_option("--x", options->columns.x, "Column of x: its name, or its number from 1 (default Roshko)")
+  command
+      .add_option("--x", options->columns.x,
+                  "Column of x: its name, or its number from 1 (default Roshko)")
       ->type_name("COLUMN");
-  command.add_option("--y", options->columns.y, "Column of y (default Strouhal)")->type_name("COLUMN");
-  command.add_option("--where", options->filters, "Take only rows whose column has this value; may be repeated")
+  command.add_option("--y", options->columns.y, "Column of y (default Strouhal)")
+      ->type_name("COLUMN");
+  command
+      .add_option("--where", options->filters,
+                  "Take only rows whose column has this value; may be repeated")
       ->expected(1)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
       ->type_name("COLUMN=VALUE");
@@ -96,7 +112,8 @@ void addRawCommand(CLI::App& app) {
   command.add_flag("--register", options->registerMeter, "Register the meter where it is unknown");
   addJson(command, options->asJson);
   command.callback([options] {
-    for (const std::string& filter : options->filters) options->columns.where.push_back(rowFilter(filter));
+    for (const std::string& filter : options->filters)
+      options->columns.where.push_back(rowFilter(filter));
     raw(*options);
   });
 }

@@ -43,8 +43,8 @@ void runFit(CurveSession& session, const MeterInfo& meter, SeriesFit& fit, Range
   data.NumberOfFittedPoints = fit.options.points;
   data.BandPercent(static_cast<float>(fit.options.band));
   bool isEmpty = true;
-  fit.curve = data.determineFittedCurve(fit.series, meter.SerialNumber, isEmpty, fit.min, fit.max, "Roshko",
-                                        "Strouhal", fit.options.inverted, meter.ReCalID);
+  fit.curve = data.determineFittedCurve(fit.series, meter.SerialNumber, isEmpty, fit.min, fit.max,
+                                        "Roshko", "Strouhal", fit.options.inverted, meter.ReCalID);
   if (isEmpty) fit.curve = {};
 }
 
@@ -60,7 +60,8 @@ void settleRange(CurveSession& session, const MeterInfo& meter, SeriesFit& fit) 
   fit.max = options.max.value_or(isWhole ? outsideAnyRange : fit.max);
   if (fit.min >= fit.max) {
     throw Trouble(ExitCode::usage,
-                  "--min " + significantText(fit.min, 15) + " is not below --max " + significantText(fit.max, 15),
+                  "--min " + significantText(fit.min, 15) + " is not below --max " +
+                      significantText(fit.max, 15),
                   "give a range from small to large");
   }
 }
@@ -68,12 +69,13 @@ void settleRange(CurveSession& session, const MeterInfo& meter, SeriesFit& fit) 
 void requireRange(const CurveSession&, const MessageRecorder& messages, const SeriesFit& fit,
                   RangeAnswer answer) {
   if (!messages.rawRange() || answer != RangeAnswer::abort) return;
-  throw Trouble(ExitCode::rangeRefused,
-                "the range from " + significantText(fit.min, 15) + " to " + significantText(fit.max, 15) +
-                    " is not inside the raw points of series '" + fit.series + "', which reach " +
-                    *messages.rawRange(),
-                "leave --min and --max out or use --on-range retry to fit the raw range; --on-range ignore "
-                "extrapolates");
+  throw Trouble(
+      ExitCode::rangeRefused,
+      "the range from " + significantText(fit.min, 15) + " to " + significantText(fit.max, 15) +
+          " is not inside the raw points of series '" + fit.series + "', which reach " +
+          *messages.rawRange(),
+      "leave --min and --max out or use --on-range retry to fit the raw range; --on-range ignore "
+      "extrapolates");
 }
 
 }  // namespace
@@ -100,12 +102,14 @@ SeriesFit fitSeries(CurveSession& session, const MeterInfo& meter, const std::st
   fit.report = data.DataFitResultDetails;
   const std::string place = "series '" + series + "' of meter '" + meter.SerialNumber + "'";
   if (!session.messages().errors().empty()) {
-    fit.trouble = Trouble(ExitCode::notFitted, "fitting " + place + ": " + session.messages().errors().front(),
+    fit.trouble = Trouble(ExitCode::notFitted,
+                          "fitting " + place + ": " + session.messages().errors().front(),
                           "nothing was stored");
     return fit;
   }
   if (fit.curve.empty()) {
-    fit.trouble = Trouble(ExitCode::notFitted, "no equation passed the tests for " + place + ": " + shortReason(fit),
+    fit.trouble = Trouble(ExitCode::notFitted,
+                          "no equation passed the tests for " + place + ": " + shortReason(fit),
                           shortAdvice(fit) + "; nothing was stored");
     return fit;
   }

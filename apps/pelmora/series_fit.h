@@ -13,8 +13,8 @@
 
 namespace pelmora::cli {
 
-// Per cent. Reading a table of 40 points linearly over the three and a half decades of two fluids takes
-// up to 0.2 % of it, the noise of a good calibration the rest.
+// Per cent. Reading a table of 40 points linearly over the three and a half decades of two fluids
+// takes up to 0.2 % of it, the noise of a good calibration the rest.
 inline constexpr double defaultBand = 0.3;
 
 struct FitOptions {
@@ -43,7 +43,7 @@ struct SeriesFit {
 // curve stays and `trouble` tells why.
 //
 // Errors: Trouble before the fit: unknown series, too few points, a range outside the raw points.
-[[nodiscard]] SeriesFit fitSeries(CurveSession& session, const MeterInfo& meter, const std::string& series,
-                                  const FitOptions& options);
+[[nodiscard]] SeriesFit fitSeries(CurveSession& session, const MeterInfo& meter,
+                                  const std::string& series, const FitOptions& options);
 
 }  // namespace pelmora::cli

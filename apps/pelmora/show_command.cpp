@@ -20,7 +20,8 @@ struct ShowOptions {
 
 void show(const ShowOptions& options) {
   if (options.meter.empty() && (!options.series.empty() || options.reCalID >= 0)) {
-    throw Trouble(ExitCode::usage, "--series and --calibration need a meter", "give --meter SN as well");
+    throw Trouble(ExitCode::usage, "--series and --calibration need a meter",
+                  "give --meter SN as well");
   }
   CurveSession session(options.path, Access::read);
   if (options.meter.empty()) {
@@ -28,7 +29,8 @@ void show(const ShowOptions& options) {
   }
   const MeterInfo meter = session.requireMeter(options.meter, options.reCalID);
   if (options.series.empty()) {
-    return printData(options.asJson ? meterContentsJson(session, meter) : meterContentsText(session, meter));
+    return printData(options.asJson ? meterContentsJson(session, meter)
+                                    : meterContentsText(session, meter));
   }
   const MeterInfo stored = session.requireSeries(meter, options.series);
   printData(options.asJson ? seriesContentsJson(stored) : seriesContentsText(stored));
@@ -38,7 +40,8 @@ void show(const ShowOptions& options) {
 
 void addShowCommand(CLI::App& app) {
   CLI::App& command = *app.add_subcommand(
-      "show", "Show all meters; with --meter its runs and series; with --series its curve and report");
+      "show",
+      "Show all meters; with --meter its runs and series; with --series its curve and report");
   const auto options = std::make_shared<ShowOptions>();
   addDatabase(command, options->path);
   addMeter(command, options->meter, false);

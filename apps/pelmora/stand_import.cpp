@@ -39,9 +39,10 @@ void requireRoom(const std::vector<CalSetupInfo>& before, const ImportRequest& r
 
 void requirePlainPath(const std::string& path) {
   if (path.find('\'') == std::string::npos) return;
-  throw Trouble(ExitCode::database,
-                "the path '" + path + "' holds an apostrophe, which the import's statements cannot carry",
-                "go to its folder and name the file alone, or rename it");
+  throw Trouble(
+      ExitCode::database,
+      "the path '" + path + "' holds an apostrophe, which the import's statements cannot carry",
+      "go to its folder and name the file alone, or rename it");
 }
 
 // Ends the component's waiting for a lock, and what follows an error.
@@ -88,19 +89,22 @@ RunLists listsOf(const std::vector<StandRun>& runs) {
   return lists;
 }
 
-std::optional<Trouble> importTrouble(const std::vector<std::string>& errors, const ImportRequest& request) {
+std::optional<Trouble> importTrouble(const std::vector<std::string>& errors,
+                                     const ImportRequest& request) {
   if (errors.empty()) return std::nullopt;
   for (const StandRun& run : request.runs) {
     const bool secondJob = !run.jobB.empty() && run.jobB != "0" && run.jobB != run.jobA;
     if (!secondJob || errors.front().find("copyCaldb") == std::string::npos) continue;
     return Trouble(ExitCode::badInput,
                    "second job " + run.jobB + " of the run " + run.jobA + ":" + run.jobB +
-                       " was not copied, because the import takes one job for each run; job " + run.jobA +
-                       " was imported as rotor A",
-                   "import job " + run.jobB + " under a serial number of its own, where its 'Rotor A' is this "
-                   "meter's rotor B");
+                       " was not copied, because the import takes one job for each run; job " +
+                       run.jobA + " was imported as rotor A",
+                   "import job " + run.jobB +
+                       " under a serial number of its own, where its 'Rotor A' is this "
+                       "meter's rotor B");
   }
-  return Trouble(ExitCode::badInput, "importing into meter '" + request.meter + "': " + errors.front(),
+  return Trouble(ExitCode::badInput,
+                 "importing into meter '" + request.meter + "': " + errors.front(),
                  "look at what is stored with 'pelmora show' and import again");
 }
 
@@ -108,8 +112,8 @@ std::vector<DerivedSeries> derivedSeries(CurveSession& session, const MeterInfo&
   std::vector<DerivedSeries> derived;
   for (const SeriesInfo& entry : meter.Series) {
     if (entry.SeriesID == 0) continue;
-    const MeterInfo stored =
-        session.data().GetAllInfo(entry.SeriesName, meter.SerialNumber, session.connection(), meter.ReCalID);
+    const MeterInfo stored = session.data().GetAllInfo(entry.SeriesName, meter.SerialNumber,
+                                                       session.connection(), meter.ReCalID);
     if (stored.Series.empty()) continue;
     DerivedSeries series{entry.SeriesName, entry.SeriesID, {}};
     for (std::size_t part = 0; part < series.points.size(); ++part) {
@@ -120,13 +124,15 @@ std::vector<DerivedSeries> derivedSeries(CurveSession& session, const MeterInfo&
   return derived;
 }
 
-// The calibration that the import goes into; Source -1 where the component is to register the meter.
+// The calibration that the import goes into; Source -1 where the component is to register the
+// meter.
 MeterInfo targetMeter(CurveSession& session, const ImportRequest& request) {
   MeterInfo meter = request.reCalID < 0 ? session.findMeter(request.meter, -1)
                                         : session.requireMeter(request.meter, request.reCalID);
-  if (meter.Source == 1) requireRoom(request.newCalibration ? std::vector<CalSetupInfo>()
-                                                            : calSetups(session.connection(), meter.MeterID),
-                                     request);
+  if (meter.Source == 1)
+    requireRoom(request.newCalibration ? std::vector<CalSetupInfo>()
+                                       : calSetups(session.connection(), meter.MeterID),
+                request);
   if (meter.Source != 1) requireRoom({}, request);
   return meter;
 }
@@ -141,8 +147,9 @@ ImportOutcome importRuns(CurveSession& session, const ImportRequest& request) {
 
   ImportOutcome outcome;
   if (!check.hasRotorB) {
-    outcome.notes.push_back("job " + check.withoutRotorB +
-                            " has no readings of rotor B (V20, V21), so Rotor B, Rotor Sum and Ratio are not derived");
+    outcome.notes.push_back(
+        "job " + check.withoutRotorB +
+        " has no readings of rotor B (V20, V21), so Rotor B, Rotor Sum and Ratio are not derived");
   }
   RawData& data = session.data();
   MessageRecorder& messages = session.messages();
@@ -150,7 +157,8 @@ ImportOutcome importRuns(CurveSession& session, const ImportRequest& request) {
   // A meter known from the list of all meters alone has no calibration to import into yet.
   const bool needsCalibration = before.Source == 2 || request.newCalibration;
   if (needsCalibration && data.setMeterSN(request.meter) == 0) {
-    messages.throwIfAny(ExitCode::database, "registering meter '" + request.meter + "'", "nothing was imported");
+    messages.throwIfAny(ExitCode::database, "registering meter '" + request.meter + "'",
+                        "nothing was imported");
   }
   outcome.meterIsNew = before.Source != 1 || request.newCalibration;
 
@@ -158,9 +166,10 @@ ImportOutcome importRuns(CurveSession& session, const ImportRequest& request) {
   {
     const Watch watch(session);
     const std::int16_t reCalID = needsCalibration ? std::int16_t{-1} : request.reCalID;
-    outcome.meter = data.importCaldb(request.meter, stand, lists.jobsA, lists.jobsB, lists.fluids, lists.operators,
-                                     true, check.hasRotorB, check.hasRotorB, check.hasRotorB, request.standID,
-                                     request.positionID, session.connection(), reCalID);
+    outcome.meter =
+        data.importCaldb(request.meter, stand, lists.jobsA, lists.jobsB, lists.fluids,
+                         lists.operators, true, check.hasRotorB, check.hasRotorB, check.hasRotorB,
+                         request.standID, request.positionID, session.connection(), reCalID);
   }
   outcome.trouble = importTrouble(messages.errors(), request);
   messages.forget();

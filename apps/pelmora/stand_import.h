@@ -32,8 +32,8 @@ struct ImportOutcome {
   bool meterIsNew = false;
   std::vector<CalSetupInfo> setups;
   std::vector<DerivedSeries> series;
-  std::vector<std::string> notes;   // what was left out, and why
-  std::optional<Trouble> trouble;   // an import that did not end well; what there is stands above
+  std::vector<std::string> notes;  // what was left out, and why
+  std::optional<Trouble> trouble;  // an import that did not end well; what there is stands above
 };
 
 // An unknown meter is registered; runs of a fluid that the meter has already replace that run.

@@ -32,14 +32,16 @@ constexpr std::array<Reading, 2> rotorBReadings{
     {{20, "time of rotor B", false}, {21, "pulses of rotor B", false}}};
 
 std::string folded(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](unsigned char c) { return std::tolower(c); });
   return text;
 }
 
 std::string wholeJob(const std::string& text) {
   const auto number = strictInteger(text);
   if (number && *number >= 0) return std::to_string(*number);
-  throw Trouble(ExitCode::usage, "--job: '" + text + "' is no job", "give the stand's job number, or two as A:B");
+  throw Trouble(ExitCode::usage, "--job: '" + text + "' is no job",
+                "give the stand's job number, or two as A:B");
 }
 
 StandRun runOfJob(const std::string& text) {
@@ -96,8 +98,8 @@ class JobCheck {
     if (!reading.mayBeZero && isZero(row, reading)) why = "is 0";
     if (why.empty()) return;
     throw Trouble(ExitCode::badInput,
-                  place_ + ", point " + std::to_string(row + 1) + ": V" + std::to_string(reading.number) + " (" +
-                      reading.meaning + ") " + why,
+                  place_ + ", point " + std::to_string(row + 1) + ": V" +
+                      std::to_string(reading.number) + " (" + reading.meaning + ") " + why,
                   "correct or remove the point at the stand; nothing was imported");
   }
 
@@ -105,11 +107,13 @@ class JobCheck {
   ValueTable points_;
 };
 
-void requireJob(const std::vector<std::string>& known, const std::string& standPath, const std::string& job) {
+void requireJob(const std::vector<std::string>& known, const std::string& standPath,
+                const std::string& job) {
   constexpr std::size_t listedJobs = 12;
   if (std::find(known.begin(), known.end(), job) != known.end()) return;
   std::string list;
-  for (std::size_t i = 0; i < known.size() && i < listedJobs; ++i) list += (i == 0 ? "" : ", ") + known[i];
+  for (std::size_t i = 0; i < known.size() && i < listedJobs; ++i)
+    list += (i == 0 ? "" : ", ") + known[i];
   if (known.size() > listedJobs) list += " ...";
   throw Trouble(ExitCode::unknownName, "stand '" + standPath + "' has no job " + job,
                 known.empty() ? "it holds no data points" : "choose among " + list);
@@ -117,10 +121,12 @@ void requireJob(const std::vector<std::string>& known, const std::string& standP
 
 }  // namespace
 
-std::vector<StandRun> standRuns(const std::vector<std::string>& jobs, const std::vector<std::string>& fluids,
+std::vector<StandRun> standRuns(const std::vector<std::string>& jobs,
+                                const std::vector<std::string>& fluids,
                                 const std::vector<std::string>& operators) {
   if (fluids.size() != jobs.size()) {
-    throw Trouble(ExitCode::usage, counted(jobs.size(), "--job") + " but " + counted(fluids.size(), "--fluid"),
+    throw Trouble(ExitCode::usage,
+                  counted(jobs.size(), "--job") + " but " + counted(fluids.size(), "--fluid"),
                   "give one --fluid for each --job");
   }
   if (operators.size() > 1 && operators.size() != jobs.size()) {
@@ -137,9 +143,10 @@ std::vector<StandRun> standRuns(const std::vector<std::string>& jobs, const std:
     if (!run.operatorName.empty()) requireName("--operator", run.operatorName);
     for (const StandRun& earlier : runs) {
       if (folded(earlier.fluid) != folded(run.fluid)) continue;
-      throw Trouble(ExitCode::usage, "--fluid '" + run.fluid + "' is there twice",
-                    "a meter keeps one run of a fluid, so the second would replace the first; give each run "
-                    "its own fluid name");
+      throw Trouble(
+          ExitCode::usage, "--fluid '" + run.fluid + "' is there twice",
+          "a meter keeps one run of a fluid, so the second would replace the first; give each run "
+          "its own fluid name");
     }
     runs.push_back(std::move(run));
   }
@@ -155,13 +162,17 @@ ConnectionPtr openStand(const std::string& path) {
     std::error_code ignored;
     const bool isCsv = folded(std::filesystem::path(path).extension().string()) == ".csv" &&
                        std::filesystem::is_regular_file(path, ignored);
-    if (isCsv) throw Trouble(ExitCode::badInput, "the stand's data cannot be read: " + std::string(error.what()), "");
-    throw Trouble(ExitCode::database, "'" + path + "' cannot be used as a stand's data: " + error.what(),
+    if (isCsv)
+      throw Trouble(ExitCode::badInput,
+                    "the stand's data cannot be read: " + std::string(error.what()), "");
+    throw Trouble(ExitCode::database,
+                  "'" + path + "' cannot be used as a stand's data: " + error.what(),
                   "name a stand database or a CSV export with the header JobRecordID,V1..V37");
   }
 }
 
-RunCheck checkRuns(const ConnectionPtr& stand, const std::string& standPath, const std::vector<StandRun>& runs) {
+RunCheck checkRuns(const ConnectionPtr& stand, const std::string& standPath,
+                   const std::vector<StandRun>& runs) {
   const auto known = standJobs(stand);
   RunCheck check;
   for (const StandRun& run : runs) {
@@ -170,8 +181,9 @@ RunCheck checkRuns(const ConnectionPtr& stand, const std::string& standPath, con
     const JobCheck job(stand, standPath, run.jobA);
     if (job.count() > mostPoints) {
       throw Trouble(ExitCode::badInput,
-                    "stand '" + standPath + "', job " + run.jobA + ": " + std::to_string(job.count()) +
-                        " points; a series holds at most " + std::to_string(mostPoints),
+                    "stand '" + standPath + "', job " + run.jobA + ": " +
+                        std::to_string(job.count()) + " points; a series holds at most " +
+                        std::to_string(mostPoints),
                     "split the job");
     }
     job.require(commonReadings);

@@ -17,8 +17,8 @@ struct StandRun {
 
 // What the readings of the runs allow.
 struct RunCheck {
-  bool hasRotorB = true;                // of all runs
-  std::string withoutRotorB;            // the first job that lacks it
+  bool hasRotorB = true;                 // of all runs
+  std::string withoutRotorB;             // the first job that lacks it
   std::vector<std::size_t> pointCounts;  // of each run's first job
 };
 

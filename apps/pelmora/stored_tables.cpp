@@ -57,7 +57,8 @@ std::string countText(std::size_t count) { return count == 0 ? "-" : std::to_str
 
 std::string rangeText(const PointArray& points) {
   if (points.empty()) return "-";
-  const auto [lowest, highest] = std::minmax_element(points.column(0).begin(), points.column(0).end());
+  const auto [lowest, highest] =
+      std::minmax_element(points.column(0).begin(), points.column(0).end());
   return significantText(*lowest, 4) + " - " + significantText(*highest, 4);
 }
 
@@ -68,9 +69,11 @@ json rawCounts(const SeriesInfo& series) {
 }
 
 std::string headText(const MeterInfo& meter) {
-  const bool isAdjusted = !meter.SerialNumberAdjusted.empty() && meter.SerialNumberAdjusted != meter.SerialNumber;
-  return "Meter " + meter.SerialNumber + (isAdjusted ? " (adjusted " + meter.SerialNumberAdjusted + ")" : "") +
-         ", calibration " + std::to_string(meter.ReCalID);
+  const bool isAdjusted =
+      !meter.SerialNumberAdjusted.empty() && meter.SerialNumberAdjusted != meter.SerialNumber;
+  return "Meter " + meter.SerialNumber +
+         (isAdjusted ? " (adjusted " + meter.SerialNumberAdjusted + ")" : "") + ", calibration " +
+         std::to_string(meter.ReCalID);
 }
 
 }  // namespace
@@ -78,13 +81,15 @@ std::string headText(const MeterInfo& meter) {
 std::string metersText(CurveSession& session) {
   const auto list = calibrations(session);
   if (list.empty()) return "No meter is stored yet.\n";
-  TextTable table(
-      {{"Meter", Align::left}, {"Adjusted", Align::left}, {"Calibration", Align::right}, {"Series", Align::left}});
+  TextTable table({{"Meter", Align::left},
+                   {"Adjusted", Align::left},
+                   {"Calibration", Align::right},
+                   {"Series", Align::left}});
   for (const Calibration& calibration : list) {
     std::string names;
     for (const std::string& name : calibration.series) names += (names.empty() ? "" : ", ") + name;
-    table.addRow({calibration.serialNumber, calibration.adjusted, std::to_string(calibration.reCalID),
-                  names.empty() ? "-" : names});
+    table.addRow({calibration.serialNumber, calibration.adjusted,
+                  std::to_string(calibration.reCalID), names.empty() ? "-" : names});
   }
   return table.text();
 }
@@ -151,8 +156,8 @@ std::string seriesContentsText(const MeterInfo& stored) {
     counts += (part == 0 ? "" : " + ") + std::to_string(series.Raw[part].Points.size());
   }
   std::string text = wrapped(headText(stored) + ", series '" + series.SeriesName + "': " + counts +
-                                 " raw points, " + std::to_string(series.Merged.size()) + " merged, " +
-                                 std::to_string(series.Fitted.size()) + " fitted",
+                                 " raw points, " + std::to_string(series.Merged.size()) +
+                                 " merged, " + std::to_string(series.Fitted.size()) + " fitted",
                              0);
   if (series.Fitted.empty()) text += "No curve is stored for it yet: fit it with 'pelmora fit'.\n";
   if (!series.Fitted.empty()) {

@@ -34,7 +34,9 @@ std::optional<double> strictNumber(std::string_view text) {
   return value && std::isfinite(*value) ? value : std::nullopt;
 }
 
-std::optional<std::int64_t> strictInteger(std::string_view text) { return whole<std::int64_t>(text); }
+std::optional<std::int64_t> strictInteger(std::string_view text) {
+  return whole<std::int64_t>(text);
+}
 
 std::string notANumber(std::string_view text) {
   if (trimmed(text).empty()) return "the field is empty";
@@ -58,8 +60,9 @@ std::int64_t integerOption(const std::string& option, const std::string& text, s
                            std::int64_t highest) {
   const auto value = strictInteger(text);
   if (value && *value >= lowest && *value <= highest) return *value;
-  throw Trouble(ExitCode::usage, option + ": '" + text + "' is not allowed",
-                "give a whole number from " + std::to_string(lowest) + " to " + std::to_string(highest));
+  throw Trouble(
+      ExitCode::usage, option + ": '" + text + "' is not allowed",
+      "give a whole number from " + std::to_string(lowest) + " to " + std::to_string(highest));
 }
 
 }  // namespace pelmora::cli

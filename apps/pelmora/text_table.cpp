@@ -50,7 +50,8 @@ std::size_t displayWidth(std::string_view text) {
 
 void TextTable::addRow(const std::vector<std::string>& cells) {
   std::vector<std::string> row;
-  for (std::size_t c = 0; c < columns_.size(); ++c) row.push_back(oneLine(c < cells.size() ? cells[c] : ""));
+  for (std::size_t c = 0; c < columns_.size(); ++c)
+    row.push_back(oneLine(c < cells.size() ? cells[c] : ""));
   rows_.push_back(std::move(row));
 }
 
@@ -107,7 +108,8 @@ std::string wrapped(std::string_view text, std::size_t indent) {
     const std::string word = words.substr(at, end - at);
     at = end + 1;
     if (word.empty()) continue;
-    const std::size_t width = indent + displayWidth(line) + displayWidth(word) + (line.empty() ? 0 : 1);
+    const std::size_t width =
+        indent + displayWidth(line) + displayWidth(word) + (line.empty() ? 0 : 1);
     if (width > terminalColumns) endLine();
     line += (line.empty() ? "" : " ") + word;
   }

@@ -12,7 +12,8 @@ namespace pelmora::cli {
 inline constexpr std::size_t terminalColumns = 80;
 
 // A table of texts: columns are as wide as their widest cell, two blanks apart, and the line ends
-// without blanks. Where a row would be wider than 80 columns, the widest text column is cut with "...".
+// without blanks. Where a row would be wider than 80 columns, the widest text column is cut with
+// "...".
 class TextTable {
  public:
   enum class Align { left, right };

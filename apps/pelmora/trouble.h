@@ -26,7 +26,8 @@ class Trouble : public std::runtime_error {
   std::string remedy_;
 };
 
-// A text for one line of a terminal: line breaks and tabs become blanks, other control characters '?'.
+// A text for one line of a terminal: line breaks and tabs become blanks, other control characters
+// '?'.
 [[nodiscard]] std::string oneLine(std::string_view text);
 
 // "pelmora: error: what; remedy", without a line end.

@@ -32,7 +32,8 @@ struct CalSetupInfo {
 // Errors: Error whose description names the table that is missing; 0x80004005 where it is locked.
 PELMORA_API void requireCurveTables(const ConnectionPtr& curves);
 
-// Does nothing where rows of the open curve database can be changed at this moment. Changes nothing.
+// Does nothing where rows of the open curve database can be changed at this moment. Changes
+// nothing.
 //
 // Errors: Error 0x80004005 where another user holds the lock; another one where the file or its
 //         folder may not be written.

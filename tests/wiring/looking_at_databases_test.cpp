@@ -45,7 +45,8 @@ TEST_F(looking_at_a_stand, lists_each_job_once_in_ascending_order) {
 }
 
 TEST_F(looking_at_a_stand, reads_the_points_of_one_job_in_their_order) {
-  const auto stand = standWith({standLine({"7", 1, 2.5}), standLine({"8", 1, 9}), standLine({"7", 1, 3.5})});
+  const auto stand =
+      standWith({standLine({"7", 1, 2.5}), standLine({"8", 1, 9}), standLine({"7", 1, 3.5})});
   const ValueTable points = standPoints(stand, "7");
   ASSERT_EQ(points.columns(), 37U);
   ASSERT_EQ(points.rows(), 2U);
@@ -78,13 +79,16 @@ class looking_at_curves : public testing::Test {
   ConnectionPtr curves;
 };
 
-TEST_F(looking_at_curves, finds_no_set_up_of_a_new_meter) { EXPECT_THAT(calSetups(curves, 1), IsEmpty()); }
+TEST_F(looking_at_curves, finds_no_set_up_of_a_new_meter) {
+  EXPECT_THAT(calSetups(curves, 1), IsEmpty());
+}
 
 TEST_F(looking_at_curves, tells_set_ups_by_stand_and_id_with_their_names) {
   for (const char* statement :
        {"Insert into Fluids (Name) VALUES ('water')", "Insert into Fluids (Name) VALUES ('oil')",
         "Insert into Operator (Name) VALUES ('Ada')",
-        "Insert into Calsetup (meterID,Stand,MeterPosition,OperatorID,FluidID,DateTaken) VALUES(1,2,5,1,1,#1/2/2030#)",
+        "Insert into Calsetup (meterID,Stand,MeterPosition,OperatorID,FluidID,DateTaken) "
+        "VALUES(1,2,5,1,1,#1/2/2030#)",
         "Insert into Calsetup (meterID,Stand,FluidID) VALUES(1,1,2)",
         "Insert into Calsetup (meterID,Stand,FluidID) VALUES(9,0,2)",
         "Insert into CalDataPoint (CalSetupID, JobRecordID) VALUES(1,12)",

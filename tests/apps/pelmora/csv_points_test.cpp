@@ -59,7 +59,8 @@ TEST_F(csv_points, take_only_rows_that_pass_the_filters) {
 }
 
 TEST_F(csv_points, check_numbers_only_in_rows_that_are_taken) {
-  EXPECT_EQ(read("set,roshko,strouhal\n1,bad,bad\n2,2,20\n", {"", "", {{"set", "2"}}}), (PointArray{{2, 20}}));
+  EXPECT_EQ(read("set,roshko,strouhal\n1,bad,bad\n2,2,20\n", {"", "", {{"set", "2"}}}),
+            (PointArray{{2, 20}}));
 }
 
 TEST_F(csv_points, may_stand_in_quotes) {

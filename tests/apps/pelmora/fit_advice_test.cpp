@@ -51,7 +51,8 @@ TEST(advice, knows_no_band_where_a_point_is_off_by_more_than_the_curve) {
 TEST(advice, sends_a_pole_inside_the_range_above_it) {
   SeriesFit fit = flatFit();
   fit.min = 0.4;
-  EXPECT_THAT(advice(fit, outcome(EquationVerdict::bandTestFailed, reciprocal)), HasSubstr("--min 1.1"));
+  EXPECT_THAT(advice(fit, outcome(EquationVerdict::bandTestFailed, reciprocal)),
+              HasSubstr("--min 1.1"));
   EXPECT_THAT(advice(flatFit(), outcome(EquationVerdict::bandTestFailed, reciprocal)),
               testing::Not(HasSubstr("--min 1.1")));
 }
@@ -64,7 +65,8 @@ TEST(advice, counts_the_points_that_are_missing) {
 TEST(advice, wants_positive_roshko_for_logarithms) {
   SeriesFit fit = flatFit();
   fit.merged(0, 0) = -1;
-  EXPECT_THAT(advice(fit, outcome(EquationVerdict::noSolution, "a+b*ln(x)")), HasSubstr("Roshko above 0"));
+  EXPECT_THAT(advice(fit, outcome(EquationVerdict::noSolution, "a+b*ln(x)")),
+              HasSubstr("Roshko above 0"));
 }
 
 TEST(rejection, names_residual_and_point_of_the_residual_test) {

@@ -24,7 +24,8 @@ TEST(strict_number, refuses_what_is_left_over) {
 }
 
 TEST(strict_number, refuses_what_is_not_finite) {
-  for (const char* text : {"nan", "NaN", "inf", "-inf", "1e999"}) EXPECT_FALSE(strictNumber(text)) << text;
+  for (const char* text : {"nan", "NaN", "inf", "-inf", "1e999"})
+    EXPECT_FALSE(strictNumber(text)) << text;
 }
 
 TEST(strict_number, keeps_every_digit) { EXPECT_EQ(strictNumber("0.1"), 0.1); }

@@ -10,7 +10,9 @@ TEST(one_line, turns_line_breaks_into_one_blank) {
   EXPECT_EQ(oneLine("Error in X\r\nwhy\n\n\tso\n"), "Error in X why so");
 }
 
-TEST(one_line, makes_control_characters_harmless) { EXPECT_EQ(oneLine("a\x1b[31mb\x7f"), "a?[31mb?"); }
+TEST(one_line, makes_control_characters_harmless) {
+  EXPECT_EQ(oneLine("a\x1b[31mb\x7f"), "a?[31mb?");
+}
 
 TEST(error_line, joins_what_and_remedy) {
   EXPECT_EQ(errorLine({ExitCode::badInput, "the file is empty.", "name another"}),

@@ -1,0 +1,107 @@
+// Runs the built program and keeps what it wrote.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tests/support/scratch_folder.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace pelmora::test {
+
+struct CommandResult {
+  int exitCode = -1;
+  std::string output, error;
+
+  [[nodiscard]] nlohmann::json json() const { return nlohmann::json::parse(output); }
+};
+
+inline std::string contentsOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+// Working files of one test, its curve database and the example data.
+class CommandTest : public testing::Test {
+ protected:
+  using Arguments = std::vector<std::string>;
+
+  [[nodiscard]] CommandResult run(const Arguments& arguments) const {
+    std::string line = quoted(PELMORA_PROGRAM);
+    for (const std::string& argument : arguments) line += " " + quoted(argument);
+    const std::string output = scratch.file("stdout.txt"), error = scratch.file("stderr.txt");
+    line += " >" + quoted(output) + " 2>" + quoted(error) + " </dev/null";
+    const int status = std::system(line.c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentsOf(output), contentsOf(error)};
+  }
+  // Runs a command that must succeed without a word on standard error.
+  CommandResult done(const Arguments& arguments) const {
+    CommandResult result = run(arguments);
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    EXPECT_EQ(result.error, "");
+    return result;
+  }
+  // The one line of trouble of a command that must fail with this code.
+  std::string trouble(int exitCode, const Arguments& arguments) const {
+    const CommandResult result = run(arguments);
+    EXPECT_EQ(result.exitCode, exitCode) << result.error << result.output;
+    EXPECT_TRUE(result.error.starts_with("pelmora: error: ")) << result.error;
+    EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), 1) << result.error;
+    return result.error;
+  }
+
+  void init() const { done({"init", curves}); }
+  Arguments calibration(const std::string& stand, const Arguments& more = {}) const {
+    Arguments arguments{"calibrate", curves, "--meter", "M1", "--stand", stand};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return arguments;
+  }
+  // Jobs 1001 and 1002 of the example stand: one meter in two fluids.
+  Arguments twoFluids(const Arguments& more = {}) const {
+    Arguments arguments = calibration(data("stand-dual-rotor.csv"),
+                                      {"--job", "1001", "--fluid", "spirit", "--job", "1002",
+                                       "--fluid", "glycol", "--operator", "Ada"});
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return arguments;
+  }
+  std::string write(const std::string& name, const std::string& text) const {
+    std::ofstream(scratch.file(name), std::ios::binary) << text;
+    return scratch.file(name);
+  }
+  static std::string data(const std::string& name) {
+    return std::string(PELMORA_DATA) + "/" + name;
+  }
+
+  const ScratchFolder scratch;
+  const std::string curves = scratch.file("curves.db");
+
+ private:
+  static std::string quoted(const std::string& text) {
+    std::string result = "'";
+    for (const char c : text) result += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return result + "'";
+  }
+};
+
+// Rows of an example file by column name.
+inline std::vector<std::vector<std::string>> rowsOf(const std::string& path) {
+  std::vector<std::vector<std::string>> rows;
+  std::ifstream file(path);
+  for (std::string line; std::getline(file, line);) {
+    std::istringstream fields(line);
+    rows.emplace_back();
+    for (std::string field; std::getline(fields, field, ',');) rows.back().push_back(field);
+  }
+  return rows;
+}
+
+}  // namespace pelmora::test

@@ -1,0 +1,104 @@
+// The command line itself: help, version, usage errors, output.
+// SPDX-License-Identifier: MIT
+#include "tests/end_to_end/command.h"
+
+#include <regex>
+
+namespace pelmora::test {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+class command_line : public CommandTest {};
+
+TEST_F(command_line, helps_and_tells_the_exit_codes) {
+  const std::string help = done({"--help"}).output;
+  for (const char* command : {"init", "import", "raw", "fit", "show", "calibrate"}) {
+    EXPECT_THAT(help, HasSubstr(command));
+    EXPECT_THAT(done({command, "--help"}).output, HasSubstr("CURVES")) << command;
+  }
+  EXPECT_THAT(help, AllOf(HasSubstr("0 done"), HasSubstr("7 range outside")));
+}
+
+TEST_F(command_line, has_help_of_80_columns) {
+  for (const Arguments& command : std::vector<Arguments>{{"--help"},
+                                                         {"fit", "--help"},
+                                                         {"calibrate", "--help"},
+                                                         {"raw", "--help"},
+                                                         {"import", "--help"}}) {
+    std::istringstream lines(done(command).output);
+    for (std::string line; std::getline(lines, line);)
+      EXPECT_LE(line.size(), 80U) << command[0] << ": " << line;
+  }
+}
+
+TEST_F(command_line, tells_its_version) {
+  EXPECT_TRUE(
+      std::regex_match(done({"--version"}).output, std::regex("pelmora \\d+\\.\\d+\\.\\d+\n")));
+}
+
+TEST_F(command_line, points_at_the_help_for_a_wrong_line) {
+  EXPECT_THAT(trouble(2, {}), HasSubstr("see 'pelmora --help'"));
+  EXPECT_THAT(trouble(2, {"frobnicate"}), HasSubstr("see 'pelmora --help'"));
+  EXPECT_THAT(trouble(2, {"init"}), HasSubstr("see 'pelmora init --help'"));
+  EXPECT_THAT(trouble(2, {"fit", curves, "--meter", "P"}),
+              AllOf(HasSubstr("--series"), HasSubstr("pelmora fit --help")));
+  EXPECT_THAT(trouble(2, {"show", curves, "--frob"}), HasSubstr("--frob"));
+}
+
+TEST_F(command_line, names_an_option_with_a_wrong_value) {
+  const Arguments fit{"fit", curves, "--meter", "P", "--series", "S"};
+  const auto with = [&](const std::string& option, const std::string& value) {
+    Arguments arguments = fit;
+    arguments.insert(arguments.end(), {option, value});
+    return trouble(2, arguments);
+  };
+  EXPECT_THAT(with("--min", "1,5"), AllOf(HasSubstr("--min"), HasSubstr("1.5")));
+  EXPECT_THAT(with("--max", "nan"), HasSubstr("--max"));
+  EXPECT_THAT(with("--points", "1"), AllOf(HasSubstr("--points"), HasSubstr("2 to 32767")));
+  EXPECT_THAT(with("--points", "32768"), HasSubstr("--points"));
+  EXPECT_THAT(with("--band=-1", "--json"), HasSubstr("--band"));
+  EXPECT_THAT(with("--on-range", "maybe"), HasSubstr("--on-range"));
+  EXPECT_THAT(trouble(2, {"show", curves, "--series", "S"}), HasSubstr("--meter"));
+}
+
+TEST_F(command_line, refuses_a_range_from_large_to_small) {
+  init();
+  done(
+      {"raw", curves, write("p.csv", "1,2\n3,4\n"), "--meter", "P", "--register", "--series", "S"});
+  EXPECT_THAT(
+      trouble(2, {"fit", curves, "--meter", "P", "--series", "S", "--min", "3", "--max", "1"}),
+      HasSubstr("--min 3 is not below --max 1"));
+}
+
+TEST_F(command_line, shows_an_empty_database) {
+  const CommandResult made = done({"init", curves, "--json"});
+  EXPECT_EQ(made.json()["database"], curves);
+  EXPECT_THAT(done({"show", curves}).output, HasSubstr("No meter"));
+  EXPECT_EQ(done({"show", curves, "--json"}).json()["meters"].size(), 0U);
+}
+
+TEST_F(command_line, shows_the_report_as_it_is_stored) {
+  init();
+  done(twoFluids());
+  const CommandResult text = done({"show", curves, "--meter", "M1", "--series", "Rotor A"});
+  EXPECT_THAT(text.output,
+              AllOf(HasSubstr("Meter Serial Number: M1"), HasSubstr("Band Percentage = 0.3%")));
+  EXPECT_EQ(text.output.find('\r'), std::string::npos);
+  const auto json = done({"show", curves, "--meter", "M1", "--series", "Rotor A", "--json"}).json();
+  EXPECT_THAT(json["report"].get<std::string>(), HasSubstr("Meter Serial Number: M1\r\n"));
+}
+
+TEST_F(command_line, fails_where_its_output_cannot_be_written) {
+  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "there is no /dev/full";
+  init();
+  const std::string line = std::string("'") + PELMORA_PROGRAM + "' show '" + curves +
+                           "' >/dev/full 2>'" + scratch.file("error.txt") + "'";
+  const int status = std::system(line.c_str());
+  EXPECT_EQ(WEXITSTATUS(status), 1);
+  EXPECT_THAT(contentsOf(scratch.file("error.txt")), HasSubstr("cannot be written"));
+}
+
+}  // namespace
+}  // namespace pelmora::test

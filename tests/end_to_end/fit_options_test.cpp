@@ -1,0 +1,147 @@
+// What the options of a fit do, and what a fit without a curve says.
+// SPDX-License-Identifier: MIT
+#include "tests/end_to_end/command.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace pelmora::test {
+namespace {
+
+using nlohmann::json;
+using testing::AllOf;
+using testing::HasSubstr;
+
+// A series "S" of meter "P" with y = 100 + 10 log10(x), and one point 0.5 % above it.
+class fit_options : public CommandTest {
+ protected:
+  fit_options() {
+    init();
+    std::string text = "x,y\n";
+    for (int i = 0; i <= 40; ++i) {
+      const double x = std::pow(10, 1 + i * 0.05);
+      const double y = (100 + 10 * std::log10(x)) * (i == 17 ? 1.005 : 1);
+      text += std::to_string(x) + "," + std::to_string(y) + "\n";
+    }
+    done({"raw", curves, write("s.csv", text), "--meter", "P", "--register", "--series", "S"});
+  }
+  Arguments fit(const Arguments& more) const {
+    Arguments arguments{"fit", curves, "--meter", "P", "--series", "S"};
+    // Wide enough for the one point that is off.
+    if (std::find(more.begin(), more.end(), "--band") == more.end())
+      arguments.insert(arguments.end(), {"--band", "1"});
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return arguments;
+  }
+  json stored() const {
+    return done({"show", curves, "--meter", "P", "--series", "S", "--json"}).json();
+  }
+};
+
+TEST_F(fit_options, cover_the_merged_points_by_default) {
+  const json curve = done(fit({"--json"})).json()["curve"];
+  EXPECT_EQ(curve.size(), 40U);
+  EXPECT_NEAR(curve.front()[0].get<double>(), 10, 1e-5);
+  EXPECT_NEAR(curve.back()[0].get<double>(), 1000, 1e-3);
+}
+
+TEST_F(fit_options, give_range_and_number_of_points) {
+  const json curve =
+      done(fit({"--min", "20", "--max", "500", "--points", "7", "--json"})).json()["curve"];
+  ASSERT_EQ(curve.size(), 7U);
+  EXPECT_NEAR(curve.front()[0].get<double>(), 20, 1e-9);
+  EXPECT_NEAR(curve.back()[0].get<double>(), 500, 1e-9);
+}
+
+TEST_F(fit_options, may_give_one_end_of_the_range_alone) {
+  const json lower = done(fit({"--min", "20", "--json"})).json()["curve"];
+  EXPECT_NEAR(lower.front()[0].get<double>(), 20, 1e-9);
+  EXPECT_NEAR(lower.back()[0].get<double>(), 1000, 1e-3);
+  const json upper = done(fit({"--max", "500", "--json"})).json()["curve"];
+  EXPECT_NEAR(upper.front()[0].get<double>(), 10, 1e-5);
+  EXPECT_NEAR(upper.back()[0].get<double>(), 500, 1e-9);
+}
+
+TEST_F(fit_options, refuse_a_range_outside_the_raw_points_and_change_nothing) {
+  done(fit({}));
+  const json before = stored();
+  const std::string line = trouble(7, fit({"--min", "1", "--max", "5000"}));
+  EXPECT_THAT(line, AllOf(HasSubstr("from 1 to 5000"), HasSubstr("from 10 to 1000"),
+                          HasSubstr("--on-range retry")));
+  EXPECT_EQ(stored(), before);
+}
+
+TEST_F(fit_options, take_the_raw_range_on_retry_and_extrapolate_on_ignore) {
+  const json raw =
+      done(fit({"--min", "1", "--max", "5000", "--on-range", "retry", "--json"})).json();
+  EXPECT_NEAR(raw["range"]["min"].get<double>(), 10, 1e-5);
+  EXPECT_NEAR(raw["curve"].back()[0].get<double>(), 1000, 1e-3);
+  const json wide =
+      done(fit({"--min", "5", "--max", "1100", "--on-range", "ignore", "--json"})).json();
+  EXPECT_NEAR(wide["curve"].front()[0].get<double>(), 5, 1e-9);
+  EXPECT_NEAR(wide["curve"].back()[0].get<double>(), 1100, 1e-6);
+}
+
+TEST_F(fit_options, name_test_equation_point_and_remedy_where_none_passes) {
+  done(fit({}));
+  const json before = stored();
+  const CommandResult result = run(fit({"--band", "0.001"}));
+  EXPECT_EQ(result.exitCode, 6);
+  for (const char* name : {"TC eq6405", "Polynomial 10th Order", "Polynomial 6th Order"}) {
+    EXPECT_THAT(result.output, HasSubstr(std::string(name) + ": Band test failed"));
+  }
+  EXPECT_THAT(result.output, AllOf(HasSubstr("70.7946"), HasSubstr("What would help: --band 0.")));
+  EXPECT_THAT(result.error, AllOf(HasSubstr("no equation passed"), HasSubstr("try --band 0."),
+                                  HasSubstr("nothing was stored")));
+  EXPECT_EQ(stored(), before);
+}
+
+TEST_F(fit_options, pass_with_the_band_that_was_advised) {
+  const std::string line = trouble(6, fit({"--band", "0.001"}));
+  const std::size_t at = line.find("--band ") + 7;
+  done(fit({"--band", line.substr(at, line.find(';', at) - at)}));
+}
+
+TEST_F(fit_options, take_equations_from_a_file_or_a_folder_and_leave_no_log_there) {
+  const std::string folder = scratch.file("equations");
+  std::filesystem::create_directory(folder);
+  std::ofstream(folder + "/equations.txt") << "; a comment\nStraight line\ta+b*log(x)\n";
+  for (const std::string& place : {folder, folder + "/equations.txt"}) {
+    const json value = done(fit({"--equations", place, "--json"})).json();
+    ASSERT_EQ(value["equations"].size(), 1U);
+    EXPECT_EQ(value["chosen"], "Straight line");
+    EXPECT_NEAR(value["equations"][0]["parameters"][1]["value"].get<double>(), 10, 0.2);
+  }
+  std::ofstream(folder + "/equations.txt") << "Broken\ta+b*(\n";
+  EXPECT_THAT(trouble(6, fit({"--equations", folder})), HasSubstr("Broken"));
+  EXPECT_FALSE(std::filesystem::exists(folder + "/log.txt"));
+  EXPECT_FALSE(std::filesystem::exists(scratch.file("log.txt")));
+}
+
+TEST_F(fit_options, refuse_equation_files_that_hold_none) {
+  const std::string folder = scratch.file("equations");
+  std::filesystem::create_directory(folder);
+  EXPECT_THAT(trouble(5, fit({"--equations", folder})), HasSubstr("has no file 'equations.txt'"));
+  EXPECT_THAT(trouble(5, fit({"--equations", folder, "--ratio"})),
+              HasSubstr("'ratio equations.txt'"));
+  EXPECT_THAT(trouble(5, fit({"--equations", write("e.txt", "; nothing\n")})),
+              HasSubstr("holds no equation"));
+  EXPECT_THAT(trouble(5, fit({"--equations", scratch.file("none.txt")})),
+              HasSubstr("there is no file"));
+}
+
+TEST_F(fit_options, ask_a_ratio_to_fall) {
+  EXPECT_THAT(trouble(6, fit({"--ratio"})), HasSubstr("no equation passed"));
+}
+
+TEST_F(fit_options, explain_fewer_points_than_parameters) {
+  const std::string file = write("few.csv", "1.5,10\n2,11\n3,12\n4,12.5\n");
+  done({"raw", curves, file, "--meter", "P", "--series", "Few"});
+  const CommandResult result = run({"fit", curves, "--meter", "P", "--series", "Few"});
+  EXPECT_EQ(result.exitCode, 6);
+  EXPECT_THAT(result.output, HasSubstr("no solution"));
+  EXPECT_THAT(result.error, AllOf(HasSubstr("parameters"), HasSubstr("4 points")));
+}
+
+}  // namespace
+}  // namespace pelmora::test

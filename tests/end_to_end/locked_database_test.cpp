@@ -1,0 +1,100 @@
+// A curve database that another process has locked.
+// SPDX-License-Identifier: MIT
+#include "tests/end_to_end/command.h"
+
+#include <signal.h>
+#include <sqlite3.h>
+#include <unistd.h>
+
+#include <chrono>
+
+namespace pelmora::test {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+// A process of its own that holds a lock until it is told to go.
+class LockingProcess {
+ public:
+  LockingProcess(const std::string& path, const char* begin) {
+    int ready[2];
+    if (pipe(ready) != 0) std::abort();
+    child_ = fork();
+    if (child_ == 0) {
+      sqlite3* database = nullptr;
+      const bool isHeld = sqlite3_open(path.c_str(), &database) == SQLITE_OK &&
+                          sqlite3_exec(database, begin, nullptr, nullptr, nullptr) == SQLITE_OK;
+      const char answer = isHeld ? 'y' : 'n';
+      if (write(ready[1], &answer, 1) != 1) _exit(1);
+      for (;;) pause();
+    }
+    char answer = 'n';
+    const bool isTold = read(ready[0], &answer, 1) == 1;
+    close(ready[0]);
+    close(ready[1]);
+    isHeld_ = isTold && answer == 'y';
+  }
+  ~LockingProcess() {
+    kill(child_, SIGKILL);
+    waitpid(child_, nullptr, 0);
+  }
+  LockingProcess(const LockingProcess&) = delete;
+  LockingProcess& operator=(const LockingProcess&) = delete;
+  [[nodiscard]] bool isHeld() const { return isHeld_; }
+
+ private:
+  pid_t child_ = -1;
+  bool isHeld_ = false;
+};
+
+class locked_database : public CommandTest {
+ protected:
+  locked_database() {
+    init();
+    done({"raw", curves, write("p.csv", "1,2\n3,4\n"), "--meter", "P", "--register", "--series",
+          "S"});
+  }
+  nlohmann::json show() const {
+    return done({"show", curves, "--meter", "P", "--series", "S", "--json"}).json();
+  }
+};
+
+TEST_F(locked_database, is_not_waited_for_and_not_changed) {
+  const auto before = show();
+  const auto start = std::chrono::steady_clock::now();
+  {
+    const LockingProcess other(curves, "BEGIN EXCLUSIVE");
+    ASSERT_TRUE(other.isHeld());
+    for (const Arguments& command : std::vector<Arguments>{
+             {"show", curves},
+             {"fit", curves, "--meter", "P", "--series", "S"},
+             {"raw", curves, scratch.file("p.csv"), "--meter", "P", "--series", "S"},
+             twoFluids()}) {
+      EXPECT_THAT(trouble(3, command),
+                  AllOf(HasSubstr("locked by another user"), HasSubstr("curves.db")))
+          << command[0];
+    }
+  }
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
+  EXPECT_EQ(show(), before);
+}
+
+TEST_F(locked_database, can_be_read_while_another_process_is_about_to_write) {
+  const LockingProcess other(curves, "BEGIN IMMEDIATE");
+  ASSERT_TRUE(other.isHeld());
+  EXPECT_EQ(show()["raw"][0].size(), 2U);
+  EXPECT_THAT(trouble(3, {"raw", curves, scratch.file("p.csv"), "--meter", "P", "--series", "S"}),
+              AllOf(HasSubstr("cannot be written now"), HasSubstr("nothing was changed")));
+}
+
+TEST_F(locked_database, works_again_when_the_other_process_has_gone) {
+  {
+    const LockingProcess other(curves, "BEGIN EXCLUSIVE");
+    ASSERT_TRUE(other.isHeld());
+  }
+  done(twoFluids());
+}
+
+}  // namespace
+}  // namespace pelmora::test
