@@ -78,7 +78,9 @@ DecimalNumber readDecimalNumber(std::string_view text) {
     nearest = isTiny ? 0 : std::numeric_limits<double>::infinity();
   }
   result.value = nearest;
-  if (nearest != 0 && std::isfinite(nearest)) {
+  constexpr double allWholeNumbers = 0x1p53;  // below it they are doubles
+  const bool isWhole = nearest < allWholeNumbers && nearest == std::floor(nearest) && text.find_first_of(".eE") == std::string_view::npos;
+  if (nearest != 0 && std::isfinite(nearest) && !isWhole) {
     result.value = quickTwoSum(nearest, restBehind(nearest, text));
   }
   return result;

@@ -3,7 +3,9 @@
 
 #include "adapters/solver/node_function.h"
 
-#include <cstring>
+#include <algorithm>
+#include <bit>
+#include <cstdint>
 
 namespace pelmora::solver {
 namespace {
@@ -12,18 +14,45 @@ void append(std::string& text, const void* value, std::size_t size) {
   text.append(static_cast<const char*>(value), size);
 }
 
+std::size_t hashOf(const Node& node) {
+  std::uint64_t hash = 0;
+  const auto mix = [&hash](std::uint64_t part) { hash = (hash ^ part) * 0x9E3779B97F4A7C15U; hash ^= hash >> 29U; };
+  mix(static_cast<std::uint64_t>(node.op) << 32U | static_cast<std::uint32_t>(node.letter));
+  mix(static_cast<std::uint64_t>(static_cast<std::uint32_t>(node.left)) << 32U | static_cast<std::uint32_t>(node.right));
+  mix(std::bit_cast<std::uint64_t>(node.value.hi));
+  return hash;
+}
+
+// By bits, so that a constant 0 and a constant -0 stay two.
+bool isSame(const Node& a, const Node& b) {
+  return a.op == b.op && a.left == b.left && a.right == b.right && a.letter == b.letter &&
+         std::bit_cast<std::uint64_t>(a.value.hi) == std::bit_cast<std::uint64_t>(b.value.hi) &&
+         std::bit_cast<std::uint64_t>(a.value.lo) == std::bit_cast<std::uint64_t>(b.value.lo);
+}
+
 }  // namespace
 
 NodeId Expression::keep(const Node& node) {
-  std::string identity;
-  append(identity, &node.op, sizeof node.op);
-  append(identity, &node.left, sizeof node.left);
-  append(identity, &node.right, sizeof node.right);
-  append(identity, &node.letter, sizeof node.letter);
-  append(identity, &node.value, sizeof node.value);
-  const auto [place, isNew] = known_.try_emplace(identity, static_cast<NodeId>(nodes_.size()));
-  if (isNew) nodes_.push_back(node);
-  return place->second;
+  if (table_.size() < 2 * (nodes_.size() + 1)) growTable();
+  std::size_t place = hashOf(node) & (table_.size() - 1);
+  for (; table_[place] != noNode; place = (place + 1) & (table_.size() - 1)) {
+    if (isSame(at(table_[place]), node)) return table_[place];
+  }
+  table_[place] = static_cast<NodeId>(nodes_.size());
+  nodes_.push_back(node);
+  return table_[place];
+}
+
+void Expression::growTable() {
+  constexpr std::size_t smallest = 128;
+  const std::size_t size = std::max(smallest, 2 * table_.size());
+  table_.assign(size, noNode);
+  nodes_.reserve(size / 2);
+  for (std::size_t id = 0; id < nodes_.size(); ++id) {
+    std::size_t place = hashOf(nodes_[id]) & (size - 1);
+    while (table_[place] != noNode) place = (place + 1) & (size - 1);
+    table_[place] = static_cast<NodeId>(id);
+  }
 }
 
 NodeId Expression::constant(DoubleDouble value) { return keep({.op = Op::constant, .value = value}); }

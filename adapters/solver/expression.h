@@ -5,7 +5,6 @@
 #include "adapters/solver/double_double.h"
 
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace pelmora::solver {
@@ -52,8 +51,9 @@ class Expression {
 
  private:
   NodeId keep(const Node& node);
+  void growTable();
   std::vector<Node> nodes_;
-  std::unordered_map<std::string, NodeId> known_;
+  std::vector<NodeId> table_;  // nodes by hash, open addressing; a power of two in size
 };
 
 }  // namespace pelmora::solver

@@ -18,7 +18,9 @@ constexpr std::array<std::pair<std::string_view, Op>, 14> functions{{
     {"atan", Op::atan}, {"sinh", Op::sinh}, {"cosh", Op::cosh}, {"tanh", Op::tanh},
 }};
 
-bool isLetter(char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0 && (c & 0x80) == 0; }
+bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+char smallLetter(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 class Parser {
@@ -40,7 +42,7 @@ class Parser {
  private:
   // The next character that is no blank; '\0' at the end.
   char next() {
-    while (at_ < text_.size() && std::isspace(static_cast<unsigned char>(text_[at_])) != 0) ++at_;
+    while (at_ < text_.size() && isBlank(text_[at_])) ++at_;
     return at_ < text_.size() ? text_[at_] : '\0';
   }
   bool take(char c) {
@@ -129,7 +131,7 @@ class Parser {
     const std::size_t start = at_;
     std::string name;
     while (at_ < text_.size() && (isLetter(text_[at_]) || isDigit(text_[at_]))) {
-      name += static_cast<char>(std::tolower(static_cast<unsigned char>(text_[at_++])));
+      name += smallLetter(text_[at_++]);
     }
     if (name == "x") return result_.variable();
     if (name == "pi") return result_.constant(dd_pi);

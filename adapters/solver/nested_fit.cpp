@@ -2,6 +2,7 @@
 #include "adapters/solver/nested_fit.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace pelmora::solver {
@@ -22,6 +23,12 @@ std::vector<DoubleDouble> NestedFit::columnParameters(std::size_t p) const {
     result[k] = rest / factor.r.at(k, k);
   }
   return result;
+}
+
+double NestedFit::unitError(std::size_t p, std::size_t k) const {
+  double sum = 0;
+  for (std::size_t i = k; i < p; ++i) sum += n.at(k, i).hi * n.at(k, i).hi;
+  return std::sqrt(sum);
 }
 
 DoubleDouble NestedFit::unitCovariance(std::size_t p, std::size_t k, std::size_t l) const {

@@ -51,6 +51,8 @@ struct NestedFit {
   [[nodiscard]] std::vector<DoubleDouble> parameters(std::size_t p) const;
   // Parameters with respect to the columns B themselves.
   [[nodiscard]] std::vector<DoubleDouble> columnParameters(std::size_t p) const;
+  // Standard error of term k for a residual variance of 1. Plain doubles will do: nothing cancels.
+  [[nodiscard]] double unitError(std::size_t p, std::size_t k) const;
   // sum over i of n(k, i) n(l, i): the covariance for a residual variance of 1.
   [[nodiscard]] DoubleDouble unitCovariance(std::size_t p, std::size_t k, std::size_t l) const;
 };

@@ -73,7 +73,7 @@ bool isNegligible(const std::vector<DoubleDouble>& step, const std::vector<Doubl
   const std::size_t p = step.size();
   const double variance = fit.factor.residualSquares[p].hi / static_cast<double>(n - p);
   for (std::size_t k = 0; k < p; ++k) {
-    const double error = std::sqrt(variance * fit.unitCovariance(p, k, k).hi);
+    const double error = std::sqrt(variance) * fit.unitError(p, k);
     const double size = std::fabs(step[k].hi);
     if (!(size <= negligibleOfParameter * std::fabs(parameters[k].hi) || size <= negligibleOfError * error)) {
       return false;

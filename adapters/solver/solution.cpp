@@ -32,8 +32,8 @@ void fillFromFit(Solution& solution, std::size_t n, DoubleDouble totalSquares, i
   for (std::size_t k = 0; k < p; ++k) {
     const std::size_t parameter = solution.parameterOfTerm[k];
     solution.parameters[parameter] = terms[k] / solution.factorOfTerm[k];
-    solution.standardErrors[parameter] = static_cast<double>(
-        abs(sigma * sqrt(solution.fit->unitCovariance(p, k, k)) / solution.factorOfTerm[k]));
+    solution.standardErrors[parameter] =
+        std::fabs(sigma.hi * solution.fit->unitError(p, k) / solution.factorOfTerm[k].hi);
     if (!isFinite(solution.parameters[parameter]) ||
         !std::isfinite(solution.standardErrors[parameter])) {
       throw NoSolution{"a parameter is beyond the range of numbers"};
