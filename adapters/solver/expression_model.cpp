@@ -31,6 +31,10 @@ class ExpressionModel : public RegressionModel {
   [[nodiscard]] std::size_t points() const override { return x_.size(); }
   [[nodiscard]] std::size_t parameters() const override { return letters_.size(); }
 
+  [[nodiscard]] double work() const override {
+    return static_cast<double>(points()) * static_cast<double>(expression_.nodes().size());
+  }
+
   [[nodiscard]] std::vector<bool> isLinearIn() const override {
     const std::vector<int> linear = jointlyLinearLetters(expression_);
     std::vector<bool> result;
@@ -77,8 +81,7 @@ class ExpressionModel : public RegressionModel {
   [[nodiscard]] std::vector<DoubleDouble> curvature(const std::vector<DoubleDouble>& parameters,
                                                     const Column& residuals) const override {
     const std::size_t p = letters_.size();
-    const auto size = static_cast<double>(points() * p * expression_.nodes().size());
-    if (size > longestCurvature) return {};
+    if (work() * static_cast<double>(p) > longestCurvature) return {};
     std::vector<DoubleDouble> result(p * p);
     BlockEvaluator<Dual<DoubleDouble>> exact(expression_, {{expression_.root}});
     for (std::size_t i = 0; i < p; ++i) {

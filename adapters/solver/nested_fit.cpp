@@ -16,11 +16,11 @@ std::vector<DoubleDouble> NestedFit::parameters(std::size_t p) const {
 }
 
 std::vector<DoubleDouble> NestedFit::columnParameters(std::size_t p) const {
-  std::vector<DoubleDouble> result(p);
+  std::vector<DoubleDouble> result(factor.z.begin(), factor.z.begin() + static_cast<std::ptrdiff_t>(p));
   for (std::size_t k = p; k-- > 0;) {
-    DoubleDouble rest = factor.z[k];
-    for (std::size_t i = k + 1; i < p; ++i) rest -= factor.r.at(k, i) * result[i];
-    result[k] = rest / factor.r.at(k, k);
+    result[k] = result[k] / factor.r.at(k, k);
+    const DoubleDouble share = -result[k];
+    for (std::size_t i = 0; i < k; ++i) result[i] += factor.r.at(i, k) * share;
   }
   return result;
 }
@@ -43,11 +43,12 @@ NestedFit makeNestedFit(Factor factor, const UpperTriangle& m) {
   fit.n = UpperTriangle(p);
   for (std::size_t i = 0; i < p; ++i) {
     const DoubleDouble inverse = DoubleDouble(1) / factor.r.at(i, i);
-    for (std::size_t k = 0; k <= i; ++k) {
-      DoubleDouble rest = m.at(k, i);
-      for (std::size_t j = k; j < i; ++j) rest -= fit.n.at(k, j) * factor.r.at(j, i);
-      fit.n.at(k, i) = rest * inverse;
+    for (std::size_t k = 0; k <= i; ++k) fit.n.at(k, i) = m.at(k, i);
+    for (std::size_t j = 0; j < i; ++j) {
+      const DoubleDouble share = -factor.r.at(j, i);
+      for (std::size_t k = 0; k <= j; ++k) fit.n.at(k, i) += fit.n.at(k, j) * share;
     }
+    for (std::size_t k = 0; k <= i; ++k) fit.n.at(k, i) *= inverse;
   }
   fit.factor = std::move(factor);
   return fit;

@@ -17,6 +17,10 @@ namespace pelmora::solver {
 namespace {
 
 constexpr int usualIterations = 250, usualStarts = 10;
+// Limit of the work of all searches, in plain operations: some seconds.
+constexpr double mostWork = 1e8;
+// The same of all attempts to polish an end, in double-double operations.
+constexpr double mostPolish = 1e7;
 
 }  // namespace
 
@@ -27,8 +31,11 @@ NonlinearEnd lowestMinimum(const RegressionModel& model, const std::vector<std::
   if (settings.ResidualTolerance > 0) search.tolerance = settings.ResidualTolerance;
   const std::vector<bool> linear = model.isLinearIn();
   const bool canProject = std::find(linear.begin(), linear.end(), true) != linear.end();
+  double evaluationsLeft = mostWork / model.work();
+  search.evaluationsLeft = &evaluationsLeft;
   std::vector<SearchEnd> ends;
   for (const auto& start : starts) {
+    if (!ends.empty() && evaluationsLeft <= 0) break;
     if (canProject) {
       search.projected = linear;
       ends.push_back(searchFrom(model, start, search));
@@ -41,10 +48,12 @@ NonlinearEnd lowestMinimum(const RegressionModel& model, const std::vector<std::
   std::stable_sort(ends.begin(), ends.end(), [](const SearchEnd& a, const SearchEnd& b) {
     return a.residualSquares < b.residualSquares;
   });
+  double workLeft = mostPolish;
   std::string reason, firstReason;
   for (const SearchEnd& end : ends) {
-    if (auto minimum = polish(model, end.parameters, reason)) {
-      return {std::move(minimum->parameters), std::move(minimum->fit), end.iterations};
+    if (auto minimum = polish(model, end.parameters, workLeft, reason)) {
+      const int iterations = end.iterations + minimum->iterations;
+      return {std::move(minimum->parameters), std::move(minimum->fit), iterations};
     }
     if (firstReason.empty()) firstReason = reason;
   }

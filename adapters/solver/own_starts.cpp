@@ -11,7 +11,10 @@
 namespace pelmora::solver {
 namespace {
 
-constexpr std::size_t candidatesPerStart = 60;
+constexpr std::size_t candidatesPerStart = 60, triedPerStart = 6;
+constexpr int trialIterations = 12;
+constexpr double sameValley = 1e-4;
+constexpr double mostWork = 2e7;  // of the candidates, in plain operations
 constexpr std::size_t screeningPoints = 200;
 
 // Splitmix64: a fixed sequence, so that a fit can be repeated.
@@ -46,16 +49,30 @@ Ranges rangesOf(std::span<const double> x, std::span<const double> y) {
 }
 
 double guess(Sequence& sequence, const Ranges& r) {
-  const double kind = sequence.next() * 6, sign = sequence.next() < 0.7 ? 1 : -1;
+  const double kind = sequence.next() * 8, sign = sequence.next() < 0.7 ? 1 : -1;
   const double spread = std::pow(10.0, 3 * sequence.next() - 1.5);
   switch (static_cast<int>(kind)) {
-    case 0: return r.lowX + (r.highX - r.lowX) * sequence.next();
-    case 1: return sign * spread * r.sizeX;
+    case 0: case 1: return r.lowX + (r.highX - r.lowX) * sequence.next();
+    case 5: return (r.highX - r.lowX) * std::pow(10.0, -2 * sequence.next());
+    case 6: return sign * spread * r.sizeX;
     case 2: return sign * spread / r.sizeX * 3;
     case 3: return sign * spread / r.sizeX / 3;
     case 4: return sign * spread * r.sizeY;
     default: return sign * spread;
   }
+}
+
+void keepBest(std::vector<SearchEnd>& ends, std::size_t count) {
+  std::erase_if(ends, [](const SearchEnd& end) { return !std::isfinite(end.residualSquares); });
+  std::stable_sort(ends.begin(), ends.end(), [](const SearchEnd& a, const SearchEnd& b) {
+    return a.residualSquares < b.residualSquares;
+  });
+  // Ends of nearly the same residuals lie in the same valley: one start of each is enough.
+  const auto isAsGood = [](const SearchEnd& a, const SearchEnd& b) {
+    return b.residualSquares - a.residualSquares <= sameValley * b.residualSquares;
+  };
+  ends.erase(std::unique(ends.begin(), ends.end(), isAsGood), ends.end());
+  if (ends.size() > count) ends.resize(count);
 }
 
 }  // namespace
@@ -73,16 +90,19 @@ std::vector<std::vector<double>> ownStarts(const Expression& expression, std::sp
   const Ranges ranges = rangesOf(xs, ys);
   Sequence sequence;
   std::vector<SearchEnd> ends;
-  for (std::size_t k = 0; k < count * candidatesPerStart; ++k) {
+  double evaluationsLeft = mostWork / model->work();
+  const auto affordable = static_cast<std::size_t>(evaluationsLeft / 4) + count;
+  screening.evaluationsLeft = &evaluationsLeft;
+  const std::size_t candidates = std::min(count * candidatesPerStart, affordable);
+  for (std::size_t k = 0; k < candidates; ++k) {
     std::vector<double> start(p);
     for (std::size_t j = 0; j < p; ++j) start[j] = screening.projected[j] ? 1 : guess(sequence, ranges);
-    SearchEnd end = searchFrom(*model, std::move(start), screening);
-    if (std::isfinite(end.residualSquares)) ends.push_back(std::move(end));
+    ends.push_back(searchFrom(*model, std::move(start), screening));
   }
-  std::stable_sort(ends.begin(), ends.end(), [](const SearchEnd& a, const SearchEnd& b) {
-    return a.residualSquares < b.residualSquares;
-  });
-  if (ends.size() > count) ends.resize(count);
+  keepBest(ends, std::min(count * triedPerStart, candidates));
+  screening.iterations = trialIterations;  // a few steps tell a valley from a lucky place
+  for (SearchEnd& end : ends) end = searchFrom(*model, end.parameters, screening);
+  keepBest(ends, count);
   std::vector<std::vector<double>> starts;
   for (SearchEnd& end : ends) starts.push_back(std::move(end.parameters));
   return starts;

@@ -85,13 +85,14 @@ bool isNegligible(const std::vector<DoubleDouble>& step, const std::vector<Doubl
 }  // namespace
 
 std::optional<Minimum> polish(const RegressionModel& model, const std::vector<double>& start,
-                              std::string& reason) {
+                              double& workLeft, std::string& reason) {
   const std::size_t p = model.parameters();
   Minimum result;
   result.parameters.assign(start.begin(), start.end());
   Column residuals;
   std::vector<Column> slopes;
-  for (int pass = 0; pass < longestPolish; ++pass) {
+  for (int pass = 0; pass < longestPolish && workLeft > 0; ++pass) {
+    workLeft -= model.work();
     model.evaluateExactly(result.parameters, residuals, slopes);
     bool finite = allFinite(residuals);
     for (const Column& column : slopes) finite = finite && allFinite(column);
@@ -113,6 +114,7 @@ std::optional<Minimum> polish(const RegressionModel& model, const std::vector<do
       curvesUp = bent.has_value();
       if (bent) w = *bent;
     }
+    ++result.iterations;
     const std::vector<DoubleDouble> step = parameterStep(*result.fit, w);
     if (isNegligible(step, result.parameters, *result.fit, model.points())) {
       if (curvesUp) return result;
@@ -121,7 +123,7 @@ std::optional<Minimum> polish(const RegressionModel& model, const std::vector<do
     }
     for (std::size_t k = 0; k < p; ++k) result.parameters[k] += step[k];
   }
-  reason = "no convergence";
+  reason = workLeft > 0 ? "no convergence" : "no convergence within the limit of work";
   return std::nullopt;
 }
 

@@ -12,6 +12,7 @@ namespace pelmora::solver {
 
 struct Minimum {
   std::vector<DoubleDouble> parameters;
+  int iterations = 0;
   std::shared_ptr<const NestedFit> fit;  // of the slopes at the minimum; its terms are the parameters
 };
 
@@ -19,8 +20,10 @@ struct Minimum {
 // negligible against both the parameters and their standard errors and where, if the model tells
 // its curvature, the sum of squares curves upwards in every direction.
 //
+// workLeft: double-double operations that may still be made; counted down.
 // Empty where it is none; `reason` then says why.
 [[nodiscard]] std::optional<Minimum> polish(const RegressionModel& model,
-                                            const std::vector<double>& start, std::string& reason);
+                                            const std::vector<double>& start, double& workLeft,
+                                            std::string& reason);
 
 }  // namespace pelmora::solver

@@ -25,17 +25,25 @@ Factor choleskyFactor(const Moments& sums, DoubleDouble ySquares) {
   Factor factor;
   factor.r = UpperTriangle(p);
   factor.z.resize(p);
+  UpperTriangle& r = factor.r;
+  std::vector<double> wholes(p);
   for (std::size_t k = 0; k < p; ++k) {
-    for (std::size_t j = k; j < p; ++j) {
-      DoubleDouble rest = (sums.squares[j + k] + sums.squares[j - k]) * half;
-      const double whole = rest.hi;
-      for (std::size_t i = 0; i < k; ++i) rest -= factor.r.at(i, k) * factor.r.at(i, j);
-      if (j == k && !(rest.hi > leastPivot * whole)) return factor;
-      factor.r.at(k, j) = j == k ? sqrt(rest) : rest / factor.r.at(k, k);
+    for (std::size_t j = k; j < p; ++j) r.at(k, j) = (sums.squares[j + k] + sums.squares[j - k]) * half;
+    wholes[k] = r.at(k, k).hi;
+    factor.z[k] = sums.products[k];
+  }
+  for (std::size_t k = 0; k < p; ++k) {
+    if (!(r.at(k, k).hi > leastPivot * wholes[k])) return factor;
+    r.at(k, k) = sqrt(r.at(k, k));
+    const DoubleDouble inverse = DoubleDouble(1) / r.at(k, k);
+    for (std::size_t j = k + 1; j < p; ++j) r.at(k, j) *= inverse;
+    factor.z[k] *= inverse;
+    // The rest at once, row by row: no step waits for the one before it.
+    for (std::size_t i = k + 1; i < p; ++i) {
+      const DoubleDouble share = -r.at(k, i);
+      for (std::size_t j = i; j < p; ++j) r.at(i, j) += share * r.at(k, j);
+      factor.z[i] += share * factor.z[k];
     }
-    DoubleDouble rest = sums.products[k];
-    for (std::size_t i = 0; i < k; ++i) rest -= factor.r.at(i, k) * factor.z[i];
-    factor.z[k] = rest / factor.r.at(k, k);
     ySquares -= factor.z[k] * factor.z[k];
     factor.rank = k + 1;
     factor.residualSquares.assign(1, ySquares);  // with the columns so far

@@ -17,6 +17,8 @@ class RegressionModel {
   [[nodiscard]] virtual std::size_t parameters() const = 0;
   // Which parameters the model is linear in, all of them together.
   [[nodiscard]] virtual std::vector<bool> isLinearIn() const = 0;
+  // Work of one plain evaluation, in operations on numbers.
+  [[nodiscard]] virtual double work() const { return static_cast<double>(points() * parameters()); }
   // Observed y minus the model, and where wanted the model's slopes. Values need not be finite.
   virtual void evaluate(const std::vector<double>& parameters, std::vector<double>& residuals,
                         std::vector<std::vector<double>>* slopes) const = 0;

@@ -33,19 +33,27 @@ class Search {
     squares_ = project(now_);
     int iteration = 0;
     if (std::isfinite(squares_)) {
-      while (iteration < settings_.iterations && step()) ++iteration;
+      while (iteration < settings_.iterations && !isExhausted() && step()) ++iteration;
     }
     return {now_, squares_, iteration};
   }
 
  private:
+  void evaluate(const std::vector<double>& point, std::vector<std::vector<double>>* slopes) {
+    if (settings_.evaluationsLeft != nullptr) *settings_.evaluationsLeft -= 1;
+    model_.evaluate(point, residuals_, slopes);
+  }
+  [[nodiscard]] bool isExhausted() const {
+    return settings_.evaluationsLeft != nullptr && *settings_.evaluationsLeft <= 0;
+  }
+
   // Solves for the projected parameters at `point`; the residual squares there, infinite where the
   // model is not finite.
   double project(std::vector<double>& point) {
     if (!projected_.empty()) {
       // Twice: the second time repairs what rounding left of a first step from far away.
       for (int pass = 0; pass < 2; ++pass) {
-        model_.evaluate(point, residuals_, &slopes_);
+        evaluate(point, &slopes_);
         std::vector<std::vector<double>> columns;
         for (const std::size_t k : projected_) columns.push_back(slopes_[k]);
         for (const auto& column : columns) {
@@ -58,7 +66,7 @@ class Search {
         for (std::size_t k = 0; k < change.size(); ++k) point[projected_[k]] += change[k];
       }
     }
-    model_.evaluate(point, residuals_, nullptr);
+    evaluate(point, nullptr);
     if (!allFinite(residuals_)) return infinite;
     const double length = lengthOf(residuals_);
     return length * length;
@@ -66,7 +74,7 @@ class Search {
 
   // One accepted step; false where the search has come to its end.
   bool step() {
-    model_.evaluate(now_, residuals_, &slopes_);
+    evaluate(now_, &slopes_);
     std::vector<std::vector<double>> columns;
     for (const std::size_t k : projected_) columns.push_back(slopes_[k]);
     for (const std::size_t k : free_) columns.push_back(slopes_[k]);
@@ -81,7 +89,7 @@ class Search {
       for (std::size_t i = first; i <= first + k; ++i) sum += columns[first + k][i] * columns[first + k][i];
       scales_[k] = std::max(scales_[k], std::sqrt(sum));
     }
-    for (int attempt = 0; attempt < 40; ++attempt) {
+    for (int attempt = 0; attempt < 40 && !isExhausted(); ++attempt) {
       const std::vector<double> change = damped(columns, right, first, last);
       double predicted = 0;
       for (std::size_t i = first; i < last; ++i) {

@@ -12,6 +12,8 @@ struct SearchSettings {
   int iterations = 250;
   double tolerance = 1e-15;  // of the relative fall of the residual sum of squares
   std::vector<bool> projected;  // parameters that are solved for directly at each step; empty: none
+  // Evaluations that all searches together may still make; none: no limit.
+  double* evaluationsLeft = nullptr;
 };
 
 // Where a search ended. residualSquares is infinite where no finite point was found.

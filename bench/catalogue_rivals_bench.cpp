@@ -1,0 +1,114 @@
+// The same catalogue by the tools that a laboratory could use instead: Eigen's column-pivoting QR and
+// LAPACK's dgels, with standard errors, statistics and 40 predicted points. Built for the instruction
+// set of the machine, for their best times. `digits` counts those of the worst parameter of order 10
+// against quadruple precision.
+// SPDX-License-Identifier: MIT
+#include "bench/catalogue_workload.h"
+#include "tests/adapters/solver/quad_reference.h"
+
+#include <benchmark/benchmark.h>
+
+#include <Eigen/Dense>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+extern "C" void dgels_(const char* trans, const int* m, const int* n, const int* nrhs, double* a, const int* lda,
+                       double* b, const int* ldb, double* work, const int* lwork, int* info);
+
+namespace pelmora::bench {
+namespace {
+
+const std::vector<int> reciprocals{0, 1, -1, 2, -2, 3, -3, 4, -4};
+
+Eigen::MatrixXd design(const std::vector<double>& x, int order) {
+  const auto n = static_cast<Eigen::Index>(x.size());
+  Eigen::MatrixXd columns(n, order > 0 ? order + 1 : 9);
+  for (Eigen::Index i = 0; i < n; ++i) {
+    const double value = x[static_cast<std::size_t>(i)];
+    const double l = order > 0 ? std::log10(value) : std::log(value);
+    if (order > 0) {
+      double power = 1;
+      for (Eigen::Index j = 0; j <= order; ++j, power *= l) columns(i, j) = power;
+    } else {
+      for (Eigen::Index j = 0; j < 9; ++j) columns(i, j) = std::pow(l, reciprocals[static_cast<std::size_t>(j)]);
+    }
+  }
+  return columns;
+}
+
+// What every fit owes beside its parameters.
+Eigen::VectorXd finish(const Eigen::MatrixXd& columns, const Eigen::VectorXd& y, const Eigen::VectorXd& parameters,
+            const Eigen::MatrixXd& inverse, const Eigen::MatrixXd& grid) {
+  const Eigen::VectorXd residuals = y - columns * parameters;
+  const double squares = residuals.squaredNorm();
+  const double variance = squares / static_cast<double>(y.size() - parameters.size());
+  benchmark::DoNotOptimize((inverse.rowwise().norm() * std::sqrt(variance)).eval());
+  benchmark::DoNotOptimize(1 - squares / (y.array() - y.mean()).matrix().squaredNorm());
+  benchmark::DoNotOptimize((grid * parameters).eval());
+  return parameters;
+}
+
+template <class Solve>
+void fitAll(benchmark::State& state, const Solve& solve) {
+  const Workload points = workload(static_cast<std::size_t>(state.range(0)));
+  const Eigen::VectorXd y = Eigen::Map<const Eigen::VectorXd>(points.y.data(), state.range(0));
+  const Workload grid = workload(40);
+  for (auto _ : state) {
+    for (const int order : {0, 10, 9, 8, 7, 6}) {
+      benchmark::DoNotOptimize(solve(design(points.x, order), y, design(grid.x, order)));
+    }
+  }
+  const test::QuadReference reference(points.x, points.y, true, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10});
+  const auto exact = reference.fit(11).parameters;
+  const Eigen::VectorXd found = solve(design(points.x, 10), y, design(grid.x, 10));
+  double digits = 99;
+  for (Eigen::Index k = 0; k < 11; ++k) {
+    digits = std::min(digits, test::agreeingDigits(found[k], exact[static_cast<std::size_t>(k)]));
+  }
+  state.counters["digits"] = digits;
+}
+
+void eigenPivotingQr(benchmark::State& state) {
+  fitAll(state, [](const Eigen::MatrixXd& columns, const Eigen::VectorXd& y, const Eigen::MatrixXd& grid) {
+    const Eigen::ColPivHouseholderQR<Eigen::MatrixXd> qr(columns);
+    const Eigen::VectorXd parameters = qr.solve(y);
+    const Eigen::Index p = columns.cols();
+    Eigen::MatrixXd inverse = Eigen::MatrixXd::Identity(p, p);
+    qr.matrixR().topLeftCorner(p, p).triangularView<Eigen::Upper>().solveInPlace(inverse);
+    return finish(columns, y, parameters, qr.colsPermutation() * inverse, grid);
+  });
+}
+
+void lapackDgels(benchmark::State& state) {
+  fitAll(state, [](const Eigen::MatrixXd& columns, const Eigen::VectorXd& y, const Eigen::MatrixXd& grid) {
+    Eigen::MatrixXd factored = columns;
+    Eigen::VectorXd right = y;
+    const int n = static_cast<int>(columns.rows()), p = static_cast<int>(columns.cols()), one = 1;
+    const int workSize = 64 * (n + p);
+    std::vector<double> work(static_cast<std::size_t>(workSize));
+    int info = 0;
+    dgels_("N", &n, &p, &one, factored.data(), &n, right.data(), &n, work.data(), &workSize, &info);
+    Eigen::MatrixXd inverse = Eigen::MatrixXd::Identity(p, p);
+    factored.topLeftCorner(p, p).triangularView<Eigen::Upper>().solveInPlace(inverse);
+    return finish(columns, y, right.head(p), inverse, grid);
+  });
+}
+
+// The floor: one pass over both columns.
+void onePassOverMemory(benchmark::State& state) {
+  const Workload points = workload(static_cast<std::size_t>(state.range(0)));
+  for (auto _ : state) {
+    double sum = 0;
+    for (std::size_t k = 0; k < points.x.size(); ++k) sum += points.x[k] * points.y[k];
+    benchmark::DoNotOptimize(sum);
+  }
+}
+
+BENCHMARK(eigenPivotingQr)->Arg(50)->Arg(500)->Arg(5000)->Arg(32000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(lapackDgels)->Arg(50)->Arg(500)->Arg(5000)->Arg(32000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(onePassOverMemory)->Arg(50)->Arg(500)->Arg(5000)->Arg(32000)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+}  // namespace pelmora::bench
