@@ -52,8 +52,11 @@ std::string calibrationText(const CurveSession& session, const ImportOutcome& im
                   significantText(fits.empty() ? 0 : fits.front().options.band, 4) + " %.",
               0);
   for (const SeriesFit& fit : fits) {
-    if (!fit.trouble && fit.outcome.Warnings.empty()) continue;
-    text += "\n" + fit.series + (fit.trouble ? ": no curve" : "") + "\n" + equationTable(fit);
+    if (fit.trouble) {
+      text += "\n" + fit.series + ": no curve\n" + equationTable(fit);
+    } else if (!fit.outcome.Warnings.empty()) {
+      text += "\n" + fit.series + "\n" + warningLines(fit);
+    }
   }
   return text;
 }

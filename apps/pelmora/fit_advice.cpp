@@ -110,6 +110,7 @@ std::string advice(const SeriesFit& fit, const EquationOutcome& equation) {
     case EquationVerdict::residualTestFailed:
       return poleInRange ? aboveOne : "--ignore-residuals, or an equation file (--equations)";
     case EquationVerdict::ratioTestFailed:
+      if (poleInRange) return aboveOne;
       return "a narrower range (--min, --max), an equation file of lower orders (--equations), or "
              "a fit without "
              "--ratio";

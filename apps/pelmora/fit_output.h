@@ -18,6 +18,8 @@ namespace pelmora::cli {
 // Every equation of the fit, and below the table one paragraph for each one that was rejected: the
 // test, the point and what would help; then the warnings.
 [[nodiscard]] std::string equationTable(const SeriesFit& fit);
+// What the tests cannot see in the chosen curve, a paragraph each.
+[[nodiscard]] std::string warningLines(const SeriesFit& fit);
 // One line for each series: its chosen equation and how well it fits.
 [[nodiscard]] std::string chosenTable(const std::vector<SeriesFit>& fits);
 // The meter and where its data stand.

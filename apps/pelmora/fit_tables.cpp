@@ -65,10 +65,15 @@ std::string equationTable(const SeriesFit& fit) {
     reasons += wrapped(
         equation->Name + ": " + why + (help.empty() ? "" : " What would help: " + help + "."), 2);
   }
-  std::string warnings;
-  for (const CurveWarning& warning : fit.outcome.Warnings)
-    warnings += wrapped("warning: " + warning.Text, 2);
-  return table.text() + reasons + warnings;
+  return table.text() + reasons + warningLines(fit);
+}
+
+std::string warningLines(const SeriesFit& fit) {
+  std::string lines;
+  for (const CurveWarning& warning : fit.outcome.Warnings) {
+    lines += wrapped("warning: " + withShortNumbers(warning.Text), 2);
+  }
+  return lines;
 }
 
 std::string chosenTable(const std::vector<SeriesFit>& fits) {

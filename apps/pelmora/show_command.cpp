@@ -18,22 +18,25 @@ struct ShowOptions {
   bool asJson = false;
 };
 
+std::string contents(CurveSession& session, const ShowOptions& options) {
+  if (options.meter.empty()) return options.asJson ? metersJson(session) : metersText(session);
+  const MeterInfo meter = session.requireMeter(options.meter, options.reCalID);
+  if (options.series.empty()) {
+    return options.asJson ? meterContentsJson(session, meter) : meterContentsText(session, meter);
+  }
+  const MeterInfo stored = session.requireSeries(meter, options.series);
+  return options.asJson ? seriesContentsJson(stored) : seriesContentsText(stored);
+}
+
 void show(const ShowOptions& options) {
   if (options.meter.empty() && (!options.series.empty() || options.reCalID >= 0)) {
     throw Trouble(ExitCode::usage, "--series and --calibration need a meter",
                   "give --meter SN as well");
   }
   CurveSession session(options.path, Access::read);
-  if (options.meter.empty()) {
-    return printData(options.asJson ? metersJson(session) : metersText(session));
-  }
-  const MeterInfo meter = session.requireMeter(options.meter, options.reCalID);
-  if (options.series.empty()) {
-    return printData(options.asJson ? meterContentsJson(session, meter)
-                                    : meterContentsText(session, meter));
-  }
-  const MeterInfo stored = session.requireSeries(meter, options.series);
-  printData(options.asJson ? seriesContentsJson(stored) : seriesContentsText(stored));
+  const std::string text = contents(session, options);
+  session.progress().clear();
+  printData(text);
 }
 
 }  // namespace

@@ -163,8 +163,8 @@ std::string seriesContentsText(const MeterInfo& stored) {
   if (!series.Fitted.empty()) {
     TextTable table({{"", Align::right}, {"Roshko", Align::right}, {"Strouhal", Align::right}});
     for (std::size_t i = 0; i < series.Fitted.size(); ++i) {
-      table.addRow({std::to_string(i + 1), significantText(series.Fitted(i, 0), 7),
-                    significantText(series.Fitted(i, 1), 7)});
+      table.addRow({std::to_string(i + 1), alignedText(series.Fitted(i, 0), 7),
+                    alignedText(series.Fitted(i, 1), 7)});
     }
     text += "\n" + table.text();
   }

@@ -78,6 +78,22 @@ TEST(number_texts, of_what_is_not_finite_are_a_dash) {
   EXPECT_EQ(percentText(std::numeric_limits<double>::infinity()), "-");
 }
 
+TEST(number_texts, may_keep_their_zeros_to_stand_in_line) {
+  EXPECT_EQ(alignedText(1.12547, 7), "1.125470");
+  EXPECT_EQ(alignedText(2231.4, 7), "2231.400");
+  EXPECT_EQ(alignedText(0.3618, 4), "0.3618");
+  EXPECT_EQ(alignedText(0, 3), "0.00");
+  EXPECT_EQ(alignedText(123456789, 3), "123456789");
+}
+
+TEST(short_numbers, round_decimals_and_leave_the_rest) {
+  EXPECT_EQ(withShortNumbers("worst x = 0.98099057716071, y = 1172.20517840892, 98.94576% below."),
+            "worst x = 0.980991, y = 1172.21, 98.94576% below.");
+  EXPECT_EQ(withShortNumbers("7 of 12345678 points, R2 1.5."), "7 of 12345678 points, R2 1.5.");
+  EXPECT_EQ(withShortNumbers("1.2.3 and 1234567.1234567"), "1.2.3 and 1.23457e+06");
+  EXPECT_EQ(withShortNumbers(""), "");
+}
+
 TEST(percent_text, has_a_sign_and_three_decimals) {
   EXPECT_EQ(percentText(0.16444), "+0.164");
   EXPECT_EQ(percentText(-0.0571), "-0.057");
