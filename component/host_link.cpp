@@ -26,9 +26,14 @@ void HostLink::setBandPercent(float percent) {
   if (fitting_ != nullptr) fitting_->BandPercent = percent;
 }
 
+void HostLink::cut() {
+  lastSettings_ = settings();
+  object_ = nullptr;
+}
+
 FitSettings HostLink::settings() const {
+  if (object_ == nullptr) return lastSettings_;
   FitSettings settings;
-  if (object_ == nullptr) return settings;
   settings.NumberOfFittedPoints = object_->NumberOfFittedPoints;
   settings.BandPercent = bandPercent_;
   settings.Unattended = object_->Unattended;

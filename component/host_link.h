@@ -12,12 +12,13 @@
 namespace pelmora {
 
 // Shared by the object and its running operations, so that a handler may destroy the object: events then go
-// nowhere and settings are the defaults.
+// nowhere and settings are those that it had.
 class HostLink : public FitHost, public std::enable_shared_from_this<HostLink> {
  public:
   explicit HostLink(RawData& object) : object_(&object) {}
 
-  void cut() { object_ = nullptr; }
+  // For the object's destructor, while its fields can still be read.
+  void cut();
 
   void raiseStatusUpdate(const std::string& message) const;
 
@@ -36,6 +37,7 @@ class HostLink : public FitHost, public std::enable_shared_from_this<HostLink> {
   RawData* object_;
   clsDataFit* fitting_ = nullptr;
   float bandPercent_ = 0;
+  FitSettings lastSettings_;  // of an object that is gone
   FitOutcome lastFit_;
 };
 

@@ -19,7 +19,7 @@ struct FitSettings {
 };
 
 // The RawData object behind a fit. Every function is safe to call after the host destroyed that object:
-// settings are then the defaults, and what is handed over is dropped.
+// settings are then the last that it had, and what is handed over is dropped.
 class FitHost {
  public:
   virtual ~FitHost() = default;

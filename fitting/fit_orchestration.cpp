@@ -25,28 +25,55 @@ constexpr std::array<RawPart, 4> rawParts{{{"raw1", "Sorting raw1 data in series
                                            {"raw4", "Sorting Raw4 data in series "}}};
 constexpr std::size_t lastPart = 3;
 
+// What one fit keeps in the shared state. Every event, pump and box runs host code, which may fit another
+// series or create an object; put() before the shared state is used next makes it this fit's again.
+class SharedEntry {
+ public:
+  SharedEntry(SharedState& shared, const MeterInfo& found) : shared_(shared), found_(found) { put(); }
+
+  void setRaw(std::size_t part, const PointArray& points) {
+    raw_[part] = RawSlot{points};
+    put();
+  }
+  void put() const {
+    shared_.foundSeries = found_;
+    SeriesInfo& record = shared_.fitRecord();
+    record.SeriesName = found_.Series.front().SeriesName;
+    record.SeriesID = SeriesID();
+    for (std::size_t part = 0; part < raw_.size(); ++part) {
+      if (raw_[part]) record.Raw[part] = *raw_[part];
+    }
+  }
+  [[nodiscard]] std::int32_t SeriesID() const { return found_.Series.front().SeriesID; }
+
+ private:
+  SharedState& shared_;
+  const MeterInfo& found_;
+  std::array<std::optional<RawSlot>, 4> raw_;  // of the parts read so far
+};
+
 // Reads and sorts a raw part into its slot of the shared fit record. Fewer than two points count as none.
 std::optional<PointArray> readPart(const OperationContext& context, std::size_t part,
-                                   const std::string& SeriesName, std::int32_t SeriesID,
+                                   const std::string& SeriesName, SharedEntry& entry,
                                    const ConnectionPtr& connection) {
-  PointArray points = getRSvalues(context, rawParts[part].table, SeriesID, connection);
+  PointArray points = getRSvalues(context, rawParts[part].table, entry.SeriesID(), connection);
   const bool usable = pointUpperBound(points) > 0;
   if (usable) {
     context.raiseStatusUpdate(rawParts[part].sortingText + SeriesName);
     quickSortPoints(points, 0, 1, 0, pointUpperBound(points), true);
   }
-  context.shared().fitRecord().Raw[part].Points = points;
+  entry.setRaw(part, points);
   if (!usable) return std::nullopt;
   return points;
 }
 
 // All raw parts of the series as one; nothing where the merge failed or may not be fitted.
 std::optional<PointArray> mergedParts(const OperationContext& context, const FitHost& host,
-                                      const FitRequest& request, std::int32_t SeriesID,
+                                      const FitRequest& request, SharedEntry& entry,
                                       const ConnectionPtr& connection, bool& ArrayIsEmpty) {
   PointArray merged;
   for (std::size_t part = 0; part <= lastPart; ++part) {
-    auto points = readPart(context, part, request.SeriesName, SeriesID, connection);
+    auto points = readPart(context, part, request.SeriesName, entry, connection);
     if (!points) continue;
     if (merged.empty()) {
       merged = std::move(*points);
@@ -107,14 +134,11 @@ PointArray determineFittedCurve(const OperationContext& context, FitHost& host,
       ArrayIsEmpty = true;
       return;
     }
-    const std::int32_t SeriesID = found.Series.front().SeriesID;
-    shared.foundSeries = found;
-    shared.fitRecord().SeriesName = request.SeriesName;
-    shared.fitRecord().SeriesID = SeriesID;
+    SharedEntry entry(shared, found);
     context.raiseStatusUpdate("Determining fitted data from saved raw data in series " +
                               request.SeriesName);
     const auto merged =
-        mergedParts(context, host, request, SeriesID, connection.pointer(), ArrayIsEmpty);
+        mergedParts(context, host, request, entry, connection.pointer(), ArrayIsEmpty);
     if (!merged) {
       ArrayIsEmpty = true;
       return;
@@ -123,8 +147,10 @@ PointArray determineFittedCurve(const OperationContext& context, FitHost& host,
       ArrayIsEmpty = true;
       return;
     }
+    entry.put();
     curve = startFit(context, host, *merged, ArrayIsEmpty, Predicted_Xmin, Predicted_Xmax,
                      request.Label_Xaxis, request.Label_Yaxis);
+    entry.put();
     shared.lastFittedSeries = found;
   });
   return curve;

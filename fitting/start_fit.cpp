@@ -40,6 +40,7 @@ PointArray startFit(const OperationContext& context, FitHost& host, const PointA
     shared.fitRecord().Merged = merged;
     shared.fitRecord().Fitted = fitting.fitCurve(merged, ArrayIsEmpty, Predicted_Xmin, Predicted_Xmax,
                                                  Label_Xaxis, Label_Yaxis);
+    shared.fitRecord().Merged = merged;  // a handler may have fitted other points meanwhile
     const std::string details = fitting.ResultDetails();
     shared.fitRecord().Summary = details;
     host.takeResult(details, fitting.outcome());
