@@ -18,6 +18,8 @@
 
 #include <pelmora/platform.h>
 
+// Operations that run host code get copies of texts and connections: a handler may destroy the object whose
+// field was passed, or let go of the connection.
 namespace pelmora {
 namespace {
 
@@ -106,7 +108,7 @@ std::int32_t RawData::setMeterSN(const std::string& MeterSerialNumber) {
 }
 std::int32_t RawData::setMeterSN(const std::string& MeterSerialNumber,
                                  std::string& MeterSNAdjusted) {
-  return pelmora::setMeterSN(apartment_->operation(), MeterSerialNumber, MeterSNAdjusted);
+  return pelmora::setMeterSN(apartment_->operation(), std::string(MeterSerialNumber), MeterSNAdjusted);
 }
 std::vector<std::string> RawData::getJobID(const std::string& MeterSN, std::int16_t ReCalID) {
   return pelmora::getJobID(apartment_->operation(), MeterSN, ReCalID);
@@ -115,18 +117,20 @@ std::vector<std::string> RawData::getJobID(const std::string& MeterSN, std::int1
 bool RawData::SetRaw(const std::string& SeriesName, const std::string& MeterSerialNumber,
                      const PointArray& Table, std::int16_t dataSet, bool cleardb,
                      std::int16_t ReCalID) {
-  return pelmora::SetRaw(apartment_->operation(), SeriesName, MeterSerialNumber, Table, dataSet,
-                         cleardb, ReCalID);
+  return pelmora::SetRaw(apartment_->operation(), std::string(SeriesName), std::string(MeterSerialNumber),
+                         Table, dataSet, cleardb, ReCalID);
 }
 MeterInfo RawData::GetRaw(const std::string& SeriesName, const std::string& MeterSN,
                           std::int16_t dataSet, const ConnectionPtr& conn, std::int16_t ReCalID) {
-  return pelmora::GetRaw(apartment_->operation(), SeriesName, MeterSN, dataSet, conn, ReCalID);
+  return pelmora::GetRaw(apartment_->operation(), std::string(SeriesName), std::string(MeterSN), dataSet,
+                         ConnectionPtr(conn), ReCalID);
 }
 bool RawData::copyCaldb(std::int32_t CalSetupID, const std::string& JobID_RawA,
                         const std::string& JobID_RawB, const ConnectionPtr& conn_calDB,
                         const ConnectionPtr& Conn_curveDB) {
-  return pelmora::copyCaldb(apartment_->operation(), CalSetupID, JobID_RawA, JobID_RawB, conn_calDB,
-                            Conn_curveDB);
+  return pelmora::copyCaldb(apartment_->operation(), CalSetupID, std::string(JobID_RawA),
+                            std::string(JobID_RawB), ConnectionPtr(conn_calDB),
+                            ConnectionPtr(Conn_curveDB));
 }
 MeterInfo RawData::importCaldb(
     const std::string& MeterSN, const ConnectionPtr& conn_calDB,
@@ -147,7 +151,8 @@ MeterInfo RawData::importCaldb(
                                  StandID,
                                  PositionID,
                                  ReCalID};
-  return pelmora::importCaldb(apartment_->operation(), wanted, conn_calDB, Conn_curveDB);
+  return pelmora::importCaldb(apartment_->operation(), wanted, ConnectionPtr(conn_calDB),
+                              ConnectionPtr(Conn_curveDB));
 }
 
 PointArray RawData::determineFittedCurve(const std::string& SeriesName, const std::string& MeterSN,
@@ -164,10 +169,9 @@ PointArray RawData::determineFittedCurve(const std::string& SeriesName, const st
 bool RawData::SetFitted(const std::string& SeriesName, const std::string& MeterSerialNumber,
                         const PointArray& arMerged, const PointArray& arFitted,
                         const std::string& Details, bool cleardb, std::int16_t ReCalID) {
-  // A copy: hosts pass DataFitResultDetails of this object, which a handler may destroy.
   const std::string details = Details;
-  return pelmora::SetFitted(apartment_->operation(), SeriesName, MeterSerialNumber,
-                            {arMerged, arFitted, details}, cleardb, ReCalID);
+  return pelmora::SetFitted(apartment_->operation(), std::string(SeriesName),
+                            std::string(MeterSerialNumber), {arMerged, arFitted, details}, cleardb, ReCalID);
 }
 bool RawData::SetLastFitted(bool cleardb) {
   return pelmora::SetLastFitted(apartment_->operation(), cleardb);
@@ -176,22 +180,22 @@ MeterInfo RawData::getFittedCurve(const std::string& SeriesName, const std::stri
                                   const ConnectionPtr& conn, std::int16_t ReCalID,
                                   bool bDarvellFormat) {
   return pelmora::getFittedCurve(apartment_->operation(),
-                                 {SeriesName, MeterSN, ReCalID, bDarvellFormat}, conn);
+                                 {SeriesName, MeterSN, ReCalID, bDarvellFormat}, ConnectionPtr(conn));
 }
 MeterInfo RawData::GetAllInfo(const std::string& SeriesName, const std::string& MeterSN,
                               const ConnectionPtr& conn, std::int16_t ReCalID,
                               bool bDarvellFormat) {
   return pelmora::GetAllInfo(apartment_->operation(),
-                             {SeriesName, MeterSN, ReCalID, bDarvellFormat}, conn);
+                             {SeriesName, MeterSN, ReCalID, bDarvellFormat}, ConnectionPtr(conn));
 }
 PointArray RawData::readTCresults(const std::string& sResultPath, bool& ArrayIsEmpty) {
-  return pelmora::readTCresults(apartment_->operation(), sResultPath, ArrayIsEmpty);
+  return pelmora::readTCresults(apartment_->operation(), std::string(sResultPath), ArrayIsEmpty);
 }
 PointArray RawData::ImportCurvedData(const std::string& sFilepath, const std::string& SeriesName,
                                      const std::string& MeterSN, bool& ArrayIsEmpty,
                                      std::int16_t ReCalID) {
-  return pelmora::ImportCurvedData(apartment_->operation(), sFilepath, SeriesName, MeterSN,
-                                   ArrayIsEmpty, ReCalID);
+  return pelmora::ImportCurvedData(apartment_->operation(), std::string(sFilepath),
+                                   std::string(SeriesName), std::string(MeterSN), ArrayIsEmpty, ReCalID);
 }
 
 }  // namespace pelmora

@@ -100,20 +100,6 @@ void expectAsAlone(std::size_t threads) {
 TEST(threads, two_calibrate_as_one_alone) { expectAsAlone(2); }
 TEST(threads, eight_calibrate_as_one_alone) { expectAsAlone(8); }
 
-TEST(threads, location_and_platform_are_the_threads_own) {
-  RawData data;
-  data.dbDirSetByString("here.db");
-  platform().componentFolder = "/here";
-  std::thread([] {
-    RawData other;
-    EXPECT_EQ(other.dbDir().FileName, "Pelmora.mdb");
-    other.dbDirSetByString("there.db");
-    EXPECT_NE(platform().componentFolder, "/here");
-  }).join();
-  EXPECT_EQ(data.dbDir().FullPath, "here.db");
-  EXPECT_EQ(data.Path(), "/here");
-}
-
 TEST(threads, last_results_are_the_threads_own) {
   std::vector<PointArray> fitted(2);
   std::latch bothFitted(2);

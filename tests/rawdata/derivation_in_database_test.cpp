@@ -141,7 +141,7 @@ TEST_F(derived_series, of_sum_and_ratio_of_two_jobs_end_up_empty) {
 TEST_F(derived_series, fail_where_the_locale_has_a_decimal_comma) {
   measure(measured);
   const CommaLocale comma;
-  if (!comma.isSet()) GTEST_SKIP() << "no locale with a decimal comma";
+  if (!comma.isSet()) GTEST_SKIP() << CommaLocale::missing;
   EXPECT_TRUE(derive(SeriesViaCaldb_RotorA).empty());
   EXPECT_THAT(boxes, ElementsAre(errorBoxOf("Error in RawData:SeriesViaCaldb_RotorA")));
 }

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/stand_csv/stand_csv.h"
 
+#include "tests/support/comma_locale.h"
 #include "tests/support/curve_file.h"
 #include "tests/support/stand_export.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <clocale>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -104,10 +104,10 @@ TEST(stand_csv, its_rows_cannot_be_changed) {
 }
 
 TEST(stand_csv, numbers_have_a_decimal_point_whatever_the_locale) {
-  if (std::setlocale(LC_NUMERIC, "de_DE.UTF-8") == nullptr) GTEST_SKIP() << "no German locale here";
+  const CommaLocale comma;
+  if (!comma.isSet()) GTEST_SKIP() << CommaLocale::missing;
   const StandExport file(standHeader() + "\n" + exportLine("1", {{1, "1.5"}}) + "\n");
   EXPECT_EQ(file.select("Select V1 from DataPoint")->value(0), Value(1.5));
-  std::setlocale(LC_NUMERIC, "C");
 }
 
 TEST(stand_csv, it_is_known_by_its_first_column) {
