@@ -56,6 +56,7 @@ int run(int argc, const char* const* argv) {
     app.formatter(std::make_shared<HelpFormatter>());
     addInitCommand(app);
     addImportCommand(app);
+    addImportCurveCommand(app);
     addRawCommand(app);
     addFitCommand(app);
     addShowCommand(app);

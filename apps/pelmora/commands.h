@@ -10,6 +10,7 @@ namespace pelmora::cli {
 
 void addInitCommand(CLI::App& app);
 void addImportCommand(CLI::App& app);
+void addImportCurveCommand(CLI::App& app);
 void addRawCommand(CLI::App& app);
 void addFitCommand(CLI::App& app);
 void addShowCommand(CLI::App& app);

@@ -6,11 +6,7 @@
 
 #include <pelmora/platform.h>
 
-#include <unistd.h>
-
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 
 namespace pelmora::cli {
@@ -51,20 +47,10 @@ EquationFolder::EquationFolder(const std::string& equations, bool ratio)
   const std::string name = ratio ? "ratio equations.txt" : "equations.txt";
   const std::string text =
       equations.empty() ? std::string() : cleanedEquations(sourceFile(equations, name));
-  std::error_code code;
-  std::string pattern = (fs::temp_directory_path(code) / "pelmora-XXXXXX").string();
-  if (code || mkdtemp(pattern.data()) == nullptr) {
-    throw Trouble(ExitCode::unexpected, "no temporary folder can be made", "check TMPDIR");
-  }
-  folder_ = pattern;
-  if (!text.empty()) std::ofstream(fs::path(folder_) / name, std::ios::binary) << text;
-  platform().componentFolder = folder_;
+  if (!text.empty()) folder_.write(name, text);
+  platform().componentFolder = folder_.path();
 }
 
-EquationFolder::~EquationFolder() {
-  platform().componentFolder = before_;
-  std::error_code ignored;
-  fs::remove_all(folder_, ignored);
-}
+EquationFolder::~EquationFolder() { platform().componentFolder = before_; }
 
 }  // namespace pelmora::cli

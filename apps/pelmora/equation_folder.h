@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "apps/pelmora/temporary_folder.h"
+
 #include <string>
 
 namespace pelmora::cli {
@@ -19,7 +21,7 @@ class EquationFolder {
   EquationFolder& operator=(const EquationFolder&) = delete;
 
  private:
-  std::string folder_;
+  TemporaryFolder folder_;
   std::string before_;
 };
 

@@ -1,0 +1,25 @@
+// A private folder that is gone when its object is.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+namespace pelmora::cli {
+
+class TemporaryFolder {
+ public:
+  // Errors: Trouble unexpected where none can be made.
+  TemporaryFolder();
+  ~TemporaryFolder();
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+  [[nodiscard]] const std::string& path() const { return path_; }
+  // Writes a file into it; returns its path.
+  std::string write(const std::string& name, const std::string& text) const;
+
+ private:
+  std::string path_;
+};
+
+}  // namespace pelmora::cli
