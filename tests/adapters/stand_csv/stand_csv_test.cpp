@@ -15,6 +15,7 @@
 namespace pelmora {
 namespace {
 
+using test::CommaLocale;
 using test::CurveFile;
 using test::exportLine;
 using test::failureOf;

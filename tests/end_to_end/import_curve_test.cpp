@@ -1,0 +1,76 @@
+// Result files of the outside program, brought in at the command line.
+// SPDX-License-Identifier: MIT
+#include "tests/end_to_end/command.h"
+
+namespace pelmora::test {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+class import_curve : public CommandTest {
+ protected:
+  import_curve() {
+    init();
+    done({"raw", curves, write("points.csv", "1,2\n3,4\n"), "--meter", "M1", "--register", "--series", "S"});
+  }
+  std::string results(const std::string& points) const {
+    return write("results.txt", "one\r\ntwo\r\nthree\r\n" + points);
+  }
+  Arguments command(const std::string& file) const {
+    return {"import-curve", curves, file, "--meter", "M1", "--series", "S"};
+  }
+  // The points merged for the series, as the program shows them.
+  nlohmann::json stored() const {
+    return done({"show", curves, "--meter", "M1", "--series", "S", "--json"}).json();
+  }
+  // A refused file stays, and nothing in the database changes.
+  void expectRefused(int exitCode, const std::string& file, const std::string& why) const {
+    const auto before = stored();
+    const std::string contents = contentsOf(file);
+    EXPECT_THAT(trouble(exitCode, command(file)), HasSubstr(why));
+    EXPECT_EQ(contentsOf(file), contents);
+    EXPECT_FALSE(std::filesystem::exists(file + ".sav"));
+    EXPECT_EQ(stored(), before);
+  }
+};
+
+TEST_F(import_curve, stores_the_points_and_keeps_the_file_under_another_name) {
+  const std::string file = results("20.5 6\r\n10.25   5\r\n");
+  EXPECT_THAT(done(command(file)).output, AllOf(HasSubstr("Read 2 points"), HasSubstr("results.txt.sav")));
+  EXPECT_FALSE(std::filesystem::exists(file));
+  EXPECT_THAT(contentsOf(file + ".sav"), HasSubstr("20.5 6"));
+  EXPECT_THAT(stored().dump(), AllOf(HasSubstr("10.25"), HasSubstr("20.5")));
+}
+
+TEST_F(import_curve, tells_the_sorted_points_as_json) {
+  Arguments arguments = command(results("20 6\r\n10 5\r\n"));
+  arguments.emplace_back("--json");
+  const auto value = done(arguments).json();
+  EXPECT_EQ(value["series"], "S");
+  EXPECT_EQ(value["points"].size(), 2U);
+  EXPECT_LT(value["points"].dump().find("10"), value["points"].dump().find("20"));
+}
+
+TEST_F(import_curve, refuses_a_file_with_a_text_for_a_number) {
+  expectRefused(5, results("10 five\r\n20 6\r\n"), "Type mismatch");
+}
+
+TEST_F(import_curve, refuses_a_file_of_headers_alone) { expectRefused(5, results(""), "results.txt"); }
+
+TEST_F(import_curve, refuses_a_single_point) { expectRefused(5, results("10 5\r\n"), "1 point"); }
+
+TEST_F(import_curve, refuses_a_decimal_comma) { expectRefused(5, results("10,5 5\r\n20 6\r\n"), "Type mismatch"); }
+
+TEST_F(import_curve, refuses_a_missing_file) {
+  EXPECT_THAT(trouble(5, command(scratch.file("nothing.txt"))), HasSubstr("nothing.txt"));
+}
+
+TEST_F(import_curve, refuses_an_unknown_series_and_leaves_the_file) {
+  const std::string file = results("10 5\r\n20 6\r\n");
+  EXPECT_THAT(trouble(4, {"import-curve", curves, file, "--meter", "M1", "--series", "T"}), HasSubstr("'T'"));
+  EXPECT_TRUE(std::filesystem::exists(file));
+}
+
+}  // namespace
+}  // namespace pelmora::test
