@@ -65,6 +65,14 @@ constexpr DoubleDouble operator/(DoubleDouble a, DoubleDouble b) {
   return sum + DoubleDouble(rest.hi / b.hi);
 }
 
+// a / b short of the last few of the 106 bits, in half the time: for what ends as a double.
+constexpr DoubleDouble nearQuotient(DoubleDouble a, DoubleDouble b) {
+  const double first = a.hi / b.hi;
+  const DoubleDouble product = twoProduct(first, b.hi);
+  const double rest = ((a.hi - product.hi) - product.lo) + (a.lo - first * b.lo);
+  return quickTwoSum(first, rest / b.hi);
+}
+
 constexpr DoubleDouble& operator+=(DoubleDouble& a, DoubleDouble b) { return a = a + b; }
 constexpr DoubleDouble& operator-=(DoubleDouble& a, DoubleDouble b) { return a = a - b; }
 constexpr DoubleDouble& operator*=(DoubleDouble& a, DoubleDouble b) { return a = a * b; }

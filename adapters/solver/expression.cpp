@@ -4,6 +4,7 @@
 #include "adapters/solver/node_function.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstdint>
 
@@ -87,7 +88,7 @@ NodeId Expression::binary(Op op, NodeId left, NodeId right) {
 }
 
 std::vector<int> Expression::letters() const {
-  std::vector<bool> used(26, false);
+  std::array<bool, 26> used{};
   for (const Node& node : nodes_) {
     if (node.op == Op::parameter) used[static_cast<std::size_t>(node.letter)] = true;
   }

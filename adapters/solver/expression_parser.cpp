@@ -133,9 +133,8 @@ class Parser {
     while (at_ < text_.size() && (isLetter(text_[at_]) || isDigit(text_[at_]))) {
       name += smallLetter(text_[at_++]);
     }
-    if (name == "x") return result_.variable();
+    if (name.size() == 1) return name[0] == 'x' ? result_.variable() : result_.parameter(name[0] - 'a');
     if (name == "pi") return result_.constant(dd_pi);
-    if (name.size() == 1) return result_.parameter(name[0] - 'a');
     for (const auto& [known, op] : functions) {
       if (known == name) {
         if (next() != '(') failAt(at_, "expected '(' after " + name);

@@ -17,7 +17,8 @@
 namespace pelmora::solver {
 namespace {
 
-// Equations with up to this many terms share one fit over all of them.
+// Polynomials with up to this many terms share one fit over all of them; those with negative powers
+// seldom come in orders.
 constexpr std::size_t sharedColumns = 11;
 constexpr std::size_t smallFit = 5;
 
@@ -93,7 +94,7 @@ std::shared_ptr<const PowerFit> powerFitOf(const Expression& expression, const P
     if (zero != u->hi.end()) failAtPoint("a term divides by zero", series.x[at], series.y[at]);
   }
   const std::size_t columns =
-      p <= smallFit ? p : std::max(p, std::min(sharedColumns, series.x.size() - 1));
+      p <= smallFit || basis.lowest != 0 ? p : std::max(p, std::min(sharedColumns, series.x.size() - 1));
   auto fit = std::make_shared<const PowerFit>(*u, series.y, basis.lowest, columns);
   if (!key.empty()) series.powerFits[place] = fit;
   return fit;

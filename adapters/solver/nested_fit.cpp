@@ -9,16 +9,14 @@ namespace pelmora::solver {
 
 std::vector<DoubleDouble> NestedFit::parameters(std::size_t p) const {
   std::vector<DoubleDouble> result(p);
-  for (std::size_t k = 0; k < p; ++k) {
-    for (std::size_t i = k; i < p; ++i) result[k] += n.at(k, i) * factor.z[i];
-  }
+  for (std::size_t k = 0; k < p; ++k) result[k] = parameterSums.at(k, p - 1);
   return result;
 }
 
 std::vector<DoubleDouble> NestedFit::columnParameters(std::size_t p) const {
   std::vector<DoubleDouble> result(factor.z.begin(), factor.z.begin() + static_cast<std::ptrdiff_t>(p));
   for (std::size_t k = p; k-- > 0;) {
-    result[k] = result[k] / factor.r.at(k, k);
+    result[k] *= inverseDiagonal[k];
     const DoubleDouble share = -result[k];
     for (std::size_t i = 0; i < k; ++i) result[i] += factor.r.at(i, k) * share;
   }
@@ -41,6 +39,7 @@ NestedFit makeNestedFit(Factor factor, const UpperTriangle& m) {
   NestedFit fit;
   const std::size_t p = factor.rank;
   fit.n = UpperTriangle(p);
+  fit.inverseDiagonal.resize(p);
   for (std::size_t i = 0; i < p; ++i) {
     const DoubleDouble inverse = DoubleDouble(1) / factor.r.at(i, i);
     for (std::size_t k = 0; k <= i; ++k) fit.n.at(k, i) = m.at(k, i);
@@ -49,6 +48,12 @@ NestedFit makeNestedFit(Factor factor, const UpperTriangle& m) {
       for (std::size_t k = 0; k <= j; ++k) fit.n.at(k, i) += fit.n.at(k, j) * share;
     }
     for (std::size_t k = 0; k <= i; ++k) fit.n.at(k, i) *= inverse;
+    fit.inverseDiagonal[i] = inverse;
+  }
+  fit.parameterSums = UpperTriangle(p);
+  for (std::size_t k = 0; k < p; ++k) {
+    DoubleDouble sum;
+    for (std::size_t i = k; i < p; ++i) fit.parameterSums.at(k, i) = sum += fit.n.at(k, i) * factor.z[i];
   }
   fit.factor = std::move(factor);
   return fit;

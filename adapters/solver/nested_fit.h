@@ -46,6 +46,8 @@ struct Factor {
 // s2 * sum over i of n(k, i) n(l, i), where n = m R^-1 and the columns B = (terms of the equation) m.
 struct NestedFit {
   UpperTriangle n;
+  UpperTriangle parameterSums;  // cell (k, i): sum over j in k .. i of n(k, j) z(j)
+  std::vector<DoubleDouble> inverseDiagonal;  // of R
   Factor factor;
 
   [[nodiscard]] std::vector<DoubleDouble> parameters(std::size_t p) const;

@@ -11,6 +11,8 @@ namespace {
 
 constexpr int highestPower = 24;
 
+constexpr DoubleDouble inverseOfLn10 = DoubleDouble(1) / dd_ln10;
+
 // factor * base^exponent; base is noNode for a constant.
 struct Term {
   DoubleDouble factor{1};
@@ -22,6 +24,7 @@ class TermReader {
  public:
   explicit TermReader(Expression& expression) : expression_(expression) {
     const std::size_t count = expression.nodes().size();
+    terms_.reserve(count);
     for (std::size_t id = 0; id < count; ++id) {
       terms_.push_back(read(static_cast<NodeId>(id)));
     }
@@ -34,7 +37,7 @@ class TermReader {
     const Term itself{DoubleDouble(1), id, 1};
     switch (node.op) {
       case Op::constant: return {node.value, noNode, 0};
-      case Op::log10: return {DoubleDouble(1) / dd_ln10, expression_.unary(Op::ln, node.left), 1};
+      case Op::log10: return {inverseOfLn10, expression_.unary(Op::ln, node.left), 1};
       case Op::negate: {
         Term term = of(node.left);
         term.factor = -term.factor;
@@ -80,6 +83,9 @@ std::optional<PowerBasis> powerBasis(Expression& expression, const LinearForm& f
   const TermReader reader(expression);
   PowerBasis basis;
   std::vector<std::pair<int, std::size_t>> order;
+  order.reserve(form.coefficients.size());
+  basis.parameterOf.reserve(form.coefficients.size());
+  basis.factor.reserve(form.coefficients.size());
   for (std::size_t k = 0; k < form.coefficients.size(); ++k) {
     if (form.coefficients[k] == noNode) return std::nullopt;
     const Term& term = reader.of(form.coefficients[k]);

@@ -12,15 +12,22 @@ namespace pelmora::solver {
 PowerCurve::PowerCurve(Expression expression, NodeId base, std::shared_ptr<const PowerFit> fit,
                        std::size_t p)
     : expression_(std::move(expression)), base_(base), fit_(std::move(fit)) {
+  columnParameters_.reserve(p);
   for (const DoubleDouble value : fit_->fit.columnParameters(p)) {
     columnParameters_.push_back(static_cast<double>(value));
   }
 }
 
 std::vector<double> PowerCurve::functionAt(std::span<const double> x) const {
+  std::vector<double> u;
+  u.reserve(x.size());
+  const Node& node = expression_.at(base_);
+  if (node.op == Op::ln && expression_.at(node.left).op == Op::variable) {
+    for (const double value : x) u.push_back(std::log(value));
+    return u;
+  }
   using Evaluator = BlockEvaluator<double>;
   Evaluator evaluator(expression_, {{base_}});
-  std::vector<double> u;
   for (std::size_t start = 0; start < x.size(); start += Evaluator::block) {
     evaluator.load(x.subspan(start, std::min(Evaluator::block, x.size() - start)), {});
     const auto values = evaluator.value(base_);

@@ -26,8 +26,12 @@ bool Series::holds(std::span<const double> xs, std::span<const double> ys) const
   return sameBits(x, xs) && sameBits(y, ys);
 }
 
-std::shared_ptr<Series> SeriesCache::seriesOf(std::span<const double> x, std::span<const double> y) {
-  if (!last_ || !last_->holds(x, y)) last_ = std::make_shared<Series>(x, y);
+std::shared_ptr<Series> SeriesCache::known(std::span<const double> x, std::span<const double> y) const {
+  return last_ && last_->holds(x, y) ? last_ : nullptr;
+}
+
+std::shared_ptr<Series> SeriesCache::add(std::span<const double> x, std::span<const double> y) {
+  last_ = std::make_shared<Series>(x, y);
   return last_;
 }
 

@@ -30,7 +30,10 @@ struct Series {
 // The points of the last fit: another equation with equal points gets the same series.
 class SeriesCache {
  public:
-  [[nodiscard]] std::shared_ptr<Series> seriesOf(std::span<const double> x, std::span<const double> y);
+  // The kept series where it has these points, or nothing.
+  [[nodiscard]] std::shared_ptr<Series> known(std::span<const double> x, std::span<const double> y) const;
+  // Keeps a new series in place of the last.
+  [[nodiscard]] std::shared_ptr<Series> add(std::span<const double> x, std::span<const double> y);
 
  private:
   std::shared_ptr<Series> last_;

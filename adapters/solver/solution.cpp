@@ -24,14 +24,14 @@ void fillFromFit(Solution& solution, std::size_t n, DoubleDouble totalSquares, i
   const std::size_t p = solution.parameterOfTerm.size();
   const DoubleDouble residualSquares = solution.fit->factor.residualSquares[p];
   const DoubleDouble degrees(static_cast<double>(n) - static_cast<double>(p));
-  const DoubleDouble variance = residualSquares / degrees;
+  const DoubleDouble variance = nearQuotient(residualSquares, degrees);
   const DoubleDouble sigma = sqrt(variance);
   const std::vector<DoubleDouble> terms = solution.fit->parameters(p);
   solution.parameters.resize(p);
   solution.standardErrors.resize(p);
   for (std::size_t k = 0; k < p; ++k) {
     const std::size_t parameter = solution.parameterOfTerm[k];
-    solution.parameters[parameter] = terms[k] / solution.factorOfTerm[k];
+    solution.parameters[parameter] = nearQuotient(terms[k], solution.factorOfTerm[k]);
     solution.standardErrors[parameter] =
         std::fabs(sigma.hi * solution.fit->unitError(p, k) / solution.factorOfTerm[k].hi);
     if (!isFinite(solution.parameters[parameter]) ||
@@ -45,10 +45,10 @@ void fillFromFit(Solution& solution, std::size_t n, DoubleDouble totalSquares, i
   statistics.ResidualSumOfSquares = static_cast<double>(residualSquares);
   statistics.RegressionSumOfSquares = static_cast<double>(totalSquares - residualSquares);
   if (totalSquares.hi > 0) {  // y that never changes has nothing to explain: both stay 0
-    const DoubleDouble one(1), unexplained = residualSquares / totalSquares;
+    const DoubleDouble one(1), unexplained = nearQuotient(residualSquares, totalSquares);
     const DoubleDouble base(static_cast<double>(n) - baseParameters);
     statistics.RSquared = static_cast<double>(one - unexplained);
-    statistics.AdjustedRSquared = static_cast<double>(one - unexplained * base / degrees);
+    statistics.AdjustedRSquared = static_cast<double>(one - nearQuotient(unexplained * base, degrees));
   }
 }
 

@@ -69,9 +69,12 @@ Solution SolverModel::solve(const FitData* data) {
     throw NoSolution{"too few points: " + numberText(x.size()) + " for " + numberText(p) +
                      " parameters, at least " + numberText(p + 1) + " are needed"};
   }
-  requireFinite(x, "X");
-  requireFinite(y, "Y");
-  series_ = cache_->seriesOf(x, y);
+  series_ = cache_->known(x, y);
+  if (!series_) {  // one that is known has been looked through
+    requireFinite(x, "X");
+    requireFinite(y, "Y");
+    series_ = cache_->add(x, y);
+  }
   if (form) return fitLinear(std::move(expression), *form, *series_);
   return fitNonlinear(std::move(expression), *series_, Settings);
 }
@@ -94,6 +97,7 @@ std::vector<double> SolverModel::evaluate(std::span<const double> x) const {
 std::vector<FitParameter> SolverModel::parameters() const {
   std::vector<FitParameter> result;
   if (!solution_) return result;
+  result.reserve(letters_.size());
   for (std::size_t k = 0; k < letters_.size(); ++k) {
     result.push_back({std::string(1, static_cast<char>('a' + letters_[k])),
                       static_cast<double>(solution_->parameters[k]), solution_->standardErrors[k]});
