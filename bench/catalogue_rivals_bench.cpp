@@ -1,5 +1,5 @@
 // The same catalogue by the tools that a laboratory could use instead: Eigen's column-pivoting QR and
-// LAPACK's dgels, with standard errors, statistics and 40 predicted points. Built for the instruction
+// LAPACK's dgels, GSL's multifit where it is installed, with standard errors, statistics and 40 predicted points. Built for the instruction
 // set of the machine, for their best times. `digits` counts those of the worst parameter of order 10
 // against quadruple precision.
 // SPDX-License-Identifier: MIT
@@ -9,6 +9,9 @@
 #include <benchmark/benchmark.h>
 
 #include <Eigen/Dense>
+#ifdef PELMORA_HAS_GSL
+#include <gsl/gsl_multifit.h>
+#endif
 
 #include <algorithm>
 #include <cmath>
@@ -96,6 +99,32 @@ void lapackDgels(benchmark::State& state) {
   });
 }
 
+#ifdef PELMORA_HAS_GSL
+// By singular values; its covariance comes with the fit.
+void gslMultifit(benchmark::State& state) {
+  using Rows = Eigen::Matrix<double, Eigen::Dynamic, Eigen::Dynamic, Eigen::RowMajor>;
+  fitAll(state, [](const Eigen::MatrixXd& columns, const Eigen::VectorXd& y, const Eigen::MatrixXd& grid) {
+    const Rows rows = columns;
+    const auto n = static_cast<std::size_t>(columns.rows()), p = static_cast<std::size_t>(columns.cols());
+    const auto x = gsl_matrix_const_view_array(rows.data(), n, p);
+    const auto right = gsl_vector_const_view_array(y.data(), n);
+    Eigen::VectorXd parameters(columns.cols());
+    Rows covariance(columns.cols(), columns.cols());
+    auto found = gsl_vector_view_array(parameters.data(), p);
+    auto spread = gsl_matrix_view_array(covariance.data(), p, p);
+    double squares = 0;
+    gsl_multifit_linear_workspace* const work = gsl_multifit_linear_alloc(n, p);
+    gsl_multifit_linear(&x.matrix, &right.vector, &found.vector, &spread.matrix, &squares, work);
+    gsl_multifit_linear_free(work);
+    benchmark::DoNotOptimize(covariance.diagonal().cwiseSqrt().eval());
+    benchmark::DoNotOptimize(1 - squares / (y.array() - y.mean()).matrix().squaredNorm());
+    benchmark::DoNotOptimize((grid * parameters).eval());
+    return parameters;
+  });
+}
+BENCHMARK(gslMultifit)->Arg(50)->Arg(500)->Arg(5000)->Arg(32000)->Unit(benchmark::kMicrosecond);
+#endif
+
 // The floor: one pass over both columns.
 void onePassOverMemory(benchmark::State& state) {
   const Workload points = workload(static_cast<std::size_t>(state.range(0)));
@@ -112,3 +141,5 @@ BENCHMARK(onePassOverMemory)->Arg(50)->Arg(500)->Arg(5000)->Arg(32000)->Unit(ben
 
 }  // namespace
 }  // namespace pelmora::bench
+
+BENCHMARK_MAIN();
