@@ -1,6 +1,7 @@
 // How long the catalogue of six equations takes: parameters, standard errors, statistics and 40
 // predicted points of each, reading the equations included.
 // SPDX-License-Identifier: MIT
+#include "adapters/solver/expression_parser.h"
 #include "adapters/solver/solver.h"
 #include "bench/catalogue_workload.h"
 
@@ -30,6 +31,15 @@ void fitCatalogue(benchmark::State& state) {
     }
   }
 }
+// The share of it that goes into reading the texts.
+void parseCatalogue(benchmark::State& state) {
+  for (auto _ : state) {
+    for (const auto& [name, expression] : catalogue()) {
+      benchmark::DoNotOptimize(solver::parseExpression(expression));
+    }
+  }
+}
+BENCHMARK(parseCatalogue)->Unit(benchmark::kMicrosecond);
 BENCHMARK(fitCatalogue)->Arg(50)->Arg(500)->Arg(5000)->Arg(32000)->Unit(benchmark::kMicrosecond);
 
 }  // namespace

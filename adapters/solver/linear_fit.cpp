@@ -95,7 +95,7 @@ std::shared_ptr<const PowerFit> powerFitOf(const Expression& expression, const P
   }
   const std::size_t columns =
       p <= smallFit || basis.lowest != 0 ? p : std::max(p, std::min(sharedColumns, series.x.size() - 1));
-  auto fit = std::make_shared<const PowerFit>(*u, series.y, basis.lowest, columns);
+  auto fit = std::make_shared<const PowerFit>(*u, series.y, series.squares, basis.lowest, columns);
   if (!key.empty()) series.powerFits[place] = fit;
   return fit;
 }

@@ -120,13 +120,13 @@ void fillResidualSquares(Factor& factor, DoubleDouble last) {
 
 }  // namespace
 
-PowerFit::PowerFit(const Column& u, std::span<const double> y, int lowestPower, std::size_t columns)
+PowerFit::PowerFit(const Column& u, std::span<const double> y, DoubleDouble ySquares, int lowestPower,
+                   std::size_t columns)
     : lowest(lowestPower), columns_(columns) {
   const Range extent = range(u);
   middle = extent.low + (extent.high - extent.low) / 2;
   if (extent.high > extent.low) stretch = 2 / (extent.high - extent.low);
   if (!std::isfinite(stretch)) stretch = 1;
-  const DoubleDouble ySquares = squaresAbout(y, DoubleDouble(0));
   Factor factor = choleskyFactor(moments(u, y, lowest, middle, stretch, columns - 1), ySquares);
   const bool isExactFit = factor.rank == columns &&
                           !(factor.residualSquares[0].hi > leastResidualShare * ySquares.hi);

@@ -20,7 +20,9 @@ class PowerFit {
   //         3 `columns` sums in one pass over the points; where the points leave the columns too
   //         near to dependence for that (fewer distinct u than columns, a pole inside the range),
   //         orthogonal factorisation of the columns.
-  PowerFit(const Column& u, std::span<const double> y, int lowest, std::size_t columns);
+  // ySquares: sum of y^2.
+  PowerFit(const Column& u, std::span<const double> y, DoubleDouble ySquares, int lowest,
+           std::size_t columns);
 
   // Term i of `fit` is u^(lowest + i). fit.factor.rank tells how many columns can be told apart.
   NestedFit fit;
