@@ -62,8 +62,10 @@ std::string equationTable(const SeriesFit& fit) {
     const std::string why = rejection(*equation);
     if (why.empty()) continue;
     const std::string help = advice(fit, *equation);
-    reasons += wrapped(
-        equation->Name + ": " + why + (help.empty() ? "" : " What would help: " + help + "."), 2);
+    const std::string stop = why.ends_with('.') ? "" : ".";
+    reasons += wrapped(equation->Name + ": " + why + stop +
+                           (help.empty() ? "" : " What would help: " + help + "."),
+                       2);
   }
   return table.text() + reasons + warningLines(fit);
 }

@@ -140,6 +140,7 @@ TEST_F(fit_options, explain_fewer_points_than_parameters) {
   const CommandResult result = run({"fit", curves, "--meter", "P", "--series", "Few"});
   EXPECT_EQ(result.exitCode, 6);
   EXPECT_THAT(result.output, HasSubstr("no solution"));
+  EXPECT_THAT(result.output, testing::ContainsRegex("needed\\.[[:space:]]+What would help"));
   EXPECT_THAT(result.error, AllOf(HasSubstr("parameters"), HasSubstr("4 points")));
 }
 
