@@ -4,6 +4,7 @@
 
 #include <pelmora/curve_database.h>
 #include <pelmora/database.h>
+#include <pelmora/dialog.h>
 #include <pelmora/error.h>
 #include <pelmora/fit_outcome.h>
 #include <pelmora/platform.h>
