@@ -7,6 +7,7 @@
 #include "adapters/sqlite/attached_file.h"
 #include "adapters/sqlite/prepared_statement.h"
 #include "adapters/sqlite/sqlite_database.h"
+#include "adapters/sqlite/sqlite_design.h"
 #include "adapters/sqlite/sqlite_error.h"
 #include "adapters/sqlite/sqlite_file.h"
 #include "adapters/sqlite/sqlite_recordset.h"
@@ -69,6 +70,7 @@ void SqliteConnection::insertElsewhere(const sql::Statement& statement, const st
   if (!open.file().empty() &&
       std::filesystem::equivalent(filePath(open.file()), filePath(output), ignored)) {
     // Two connections to one file would wait for each other.
+    open.requireWritable();
     return run(statement, "main");
   }
   const AttachedFile attached(open, output);
@@ -82,6 +84,33 @@ std::unique_ptr<Recordset> SqliteConnection::openRecordset(const std::string& st
   auto* select = std::get_if<sql::SelectStatement>(&tree);
   if (select == nullptr) throw sql::statementError("Only a SELECT statement delivers rows.");
   return std::make_unique<SqliteRecordset>(session_, std::move(*select), lock);
+}
+
+bool SqliteConnection::hasTable(std::string_view name) const {
+  return session().catalogue().findTable("main", name).has_value();
+}
+
+void SqliteConnection::createTable(const OwnTable& table) {
+  session().requireWritable();
+  session().handle().run(createTableStatement(table).c_str());
+}
+
+bool SqliteConnection::hasIndex(std::string_view table,
+                                std::span<const std::string> columns) const {
+  return pelmora::sqlite::hasIndex(session().database(), table, columns);
+}
+
+void SqliteConnection::createIndex(const TableIndex& index) {
+  session().requireWritable();
+  session().handle().run(createIndexStatement(index).c_str());
+}
+
+void SqliteConnection::begin() { session().begin(); }
+
+void SqliteConnection::commit() { session().commit(); }
+
+void SqliteConnection::rollback() noexcept {
+  if (session_) session_->rollback();
 }
 
 }  // namespace sqlite

@@ -4,6 +4,8 @@
 
 #include "adapters/sql_dialect/syntax_tree.h"
 #include "store/connection.h"
+#include "store/table_design.h"
+#include "store/transactions.h"
 
 #include <functional>
 #include <memory>
@@ -16,7 +18,7 @@ class SqliteSession;
 using OpenSession = std::function<std::shared_ptr<SqliteSession>()>;
 
 // Record sets keep working on their rows after close(); storing rows is then Error 3709.
-class SqliteConnection : public Connection {
+class SqliteConnection : public Connection, public TableDesign, public Transactions {
  public:
   explicit SqliteConnection(OpenSession openSession) : openSession_(std::move(openSession)) {}
   ~SqliteConnection() override;
@@ -31,6 +33,16 @@ class SqliteConnection : public Connection {
   void execute(const std::string& statement) override;
   [[nodiscard]] std::unique_ptr<Recordset> openRecordset(const std::string& statement,
                                                          CursorType cursor, LockType lock) override;
+
+  [[nodiscard]] bool hasTable(std::string_view name) const override;
+  void createTable(const OwnTable& table) override;
+  [[nodiscard]] bool hasIndex(std::string_view table,
+                              std::span<const std::string> columns) const override;
+  void createIndex(const TableIndex& index) override;
+
+  void begin() override;
+  void commit() override;
+  void rollback() noexcept override;
 
  private:
   [[nodiscard]] SqliteSession& session() const;

@@ -156,6 +156,7 @@ std::string SqliteRecordset::insertStatement(const Batch& batch) const {
 }
 
 void SqliteRecordset::storeAtOnce(const Batch& batch) {
+  session_->requireWritable();
   const DatabaseHandle& handle = session_->handle();
   Transaction transaction(handle);
   PreparedStatement insert(handle.get(), insertStatement(batch));
@@ -177,6 +178,7 @@ void SqliteRecordset::storeAtOnce(const Batch& batch) {
 void SqliteRecordset::updateBatch() {
   requireOpen();
   if (kept_.empty()) return;
+  session_->requireWritable();
   const DatabaseHandle& handle = session_->handle();
   Transaction transaction(handle);
   for (const Batch& batch : kept_) {

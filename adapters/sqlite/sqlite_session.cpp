@@ -4,6 +4,8 @@
 #include "adapters/sqlite/prepared_statement.h"
 #include "adapters/sqlite/sqlite_error.h"
 
+#include <sqlite3.h>
+
 #include <utility>
 
 namespace pelmora::sqlite {
@@ -33,10 +35,34 @@ const DatabaseHandle& SqliteSession::handle() const {
 }
 
 void SqliteSession::requireWritable() const {
-  if (!isFrozen_) return;
-  throw Error(
-      updateRefused, "Pelmora",
-      "Operation must use an updateable query. The tables of this database can only be read.");
+  if (isFrozen_) {
+    throw Error(
+        updateRefused, "Pelmora",
+        "Operation must use an updateable query. The tables of this database can only be read.");
+  }
+  if (inTransaction_ && sqlite3_get_autocommit(database()) != 0) {
+    throw Error(updateRefused, "Pelmora",
+                "The changes made together were undone after an error; nothing more is stored.");
+  }
+}
+
+void SqliteSession::begin() {
+  requireWritable();
+  handle().run("BEGIN IMMEDIATE");
+  inTransaction_ = true;
+}
+
+void SqliteSession::commit() {
+  requireWritable();
+  handle().run("COMMIT");
+  inTransaction_ = false;
+}
+
+void SqliteSession::rollback() noexcept {
+  inTransaction_ = false;
+  // Some failures have made SQLite roll back already.
+  if (!handle_ || sqlite3_get_autocommit(handle_->get()) != 0) return;
+  sqlite3_exec(handle_->get(), "ROLLBACK", nullptr, nullptr, nullptr);
 }
 
 bool SqliteSession::step(PreparedStatement& statement) {

@@ -31,8 +31,14 @@ class SqliteSession {
 
   // From now on the database's own tables may only be read.
   void freeze() { isFrozen_ = true; }
-  // Errors: Error updateRefused where the tables may only be read.
+  // Errors: Error updateRefused where the tables may only be read, or where the engine has undone the
+  //         transaction that is open: what follows must not be stored alone.
   void requireWritable() const;
+
+  // One transaction around many statements; those that the statements make are parts of it.
+  void begin();
+  void commit();
+  void rollback() noexcept;
 
   // The next row. Errors: those of PreparedStatement::step and of the dialect's functions.
   bool step(PreparedStatement& statement);
@@ -45,6 +51,7 @@ class SqliteSession {
   std::optional<DatabaseHandle> handle_;
   std::optional<SqliteCatalogue> catalogue_;  // after the handle that it uses
   bool isFrozen_ = false;
+  bool inTransaction_ = false;
 };
 
 }  // namespace pelmora::sqlite

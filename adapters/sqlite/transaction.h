@@ -6,6 +6,7 @@ namespace pelmora::sqlite {
 
 class DatabaseHandle;
 
+// Inside a transaction that is open already it is a part of that one, which can be undone alone.
 class Transaction {
  public:
   // Errors: Error, genericFailure where another user writes.
@@ -19,6 +20,7 @@ class Transaction {
 
  private:
   const DatabaseHandle& database_;
+  bool isPart_;
   bool isOpen_ = true;
 };
 

@@ -7,6 +7,7 @@
 #include <pelmora/dialog.h>
 #include <pelmora/error.h>
 #include <pelmora/fit_outcome.h>
+#include <pelmora/own_tables.h>
 #include <pelmora/platform.h>
 #include <pelmora/raw_data.h>
 #include <pelmora/stand.h>

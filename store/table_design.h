@@ -1,0 +1,24 @@
+// What a database that can be designed offers beside its statements.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <pelmora/own_tables.h>
+
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace pelmora {
+
+// A connection that can make tables fills this role too. Contracts: <pelmora/own_tables.h>.
+class PELMORA_API TableDesign {
+ public:
+  virtual ~TableDesign() = default;
+  [[nodiscard]] virtual bool hasTable(std::string_view name) const = 0;
+  virtual void createTable(const OwnTable& table) = 0;
+  [[nodiscard]] virtual bool hasIndex(std::string_view table,
+                                      std::span<const std::string> columns) const = 0;
+  virtual void createIndex(const TableIndex& index) = 0;
+};
+
+}  // namespace pelmora
