@@ -45,6 +45,14 @@ void addJson(CLI::App& command, bool& asJson) {
   command.add_flag("--json", asJson, "Write JSON instead of tables");
 }
 
+void addDryRun(CLI::App& command, bool& isDryRun) {
+  command.add_flag("--dry-run", isDryRun, "Show what would be done and change nothing");
+}
+
+void addNoInput(CLI::App& command, bool& neverAsks) {
+  command.add_flag("--no-input", neverAsks, "Never ask");
+}
+
 void addImport(CLI::App& command, ImportRequest& request, RunOptions& runs) {
   addMeter(command, request.meter, true);
   command

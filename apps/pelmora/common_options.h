@@ -17,6 +17,10 @@ void addDatabase(CLI::App& command, std::string& path);
 void addMeter(CLI::App& command, std::string& serialNumber, bool isRequired);
 void addCalibration(CLI::App& command, std::int16_t& reCalID);
 void addJson(CLI::App& command, bool& asJson);
+// For commands that write: everything is done and then undone, so that what it says is what would be.
+void addDryRun(CLI::App& command, bool& isDryRun);
+// For commands that ask; the others get it without effect, so that scripts can pass it to any.
+void addNoInput(CLI::App& command, bool& neverAsks);
 
 // The runs of an import, as they stand on the command line.
 struct RunOptions {

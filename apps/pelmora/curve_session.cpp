@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/curve_session.h"
 
+#include "apps/pelmora/suggestion.h"
 #include "apps/pelmora/trouble.h"
 
 #include <algorithm>
 
 namespace pelmora::cli {
 namespace {
-
-// Names worth listing in one line.
-constexpr std::size_t listedNames = 8;
 
 ConnectionPtr openCurves(const std::string& path, Access access) {
   ConnectionPtr connection;
@@ -33,16 +31,6 @@ ConnectionPtr openCurves(const std::string& path, Access access) {
                   "nothing was changed; try again when other programs have finished with it");
   }
   return connection;
-}
-
-std::string listed(const std::vector<std::string>& names) {
-  std::string list;
-  for (std::size_t i = 0; i < names.size() && i < listedNames; ++i) {
-    list += (i == 0 ? "'" : ", '") + names[i] + "'";
-  }
-  if (names.size() > listedNames)
-    list += " and " + std::to_string(names.size() - listedNames) + " more";
-  return list;
 }
 
 }  // namespace
@@ -74,7 +62,7 @@ MeterInfo CurveSession::requireMeter(const std::string& serialNumber, std::int16
   const auto known = serialNumbers();
   throw Trouble(
       ExitCode::unknownName, "there is no meter '" + serialNumber + "' " + where,
-      known.empty() ? "no meter is stored yet: import one first" : "choose among " + listed(known));
+      known.empty() ? "no meter is stored yet: import one first" : suggestion(serialNumber, known));
 }
 
 std::vector<std::string> CurveSession::serialNumbers() {
@@ -109,7 +97,7 @@ MeterInfo CurveSession::requireSeries(const MeterInfo& meter, const std::string&
         ExitCode::unknownName,
         "meter '" + meter.SerialNumber + "' has no series '" + seriesName + "' in '" + path_ + "'",
         known.empty() ? "it has no series yet: import or bring points first"
-                      : "choose among " + listed(known));
+                      : suggestion(seriesName, known));
   }
   MeterInfo everything =
       data_.GetAllInfo(seriesName, meter.SerialNumber, connection_, meter.ReCalID);

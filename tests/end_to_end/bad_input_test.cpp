@@ -99,9 +99,13 @@ TEST_F(unknown_name, of_a_meter_lists_the_meters) {
 
 TEST_F(unknown_name, of_a_series_lists_the_series) {
   EXPECT_THAT(trouble(4, {"fit", curves, "--meter", "Known", "--series", "Pints"}),
-              AllOf(HasSubstr("no series 'Pints'"), HasSubstr("'Points'")));
+              AllOf(HasSubstr("no series 'Pints'"), HasSubstr("did you mean 'Points'?")));
   EXPECT_THAT(trouble(4, {"show", curves, "--meter", "Known", "--series", "Pints"}),
               HasSubstr("no series 'Pints'"));
+}
+
+TEST_F(unknown_name, of_a_meter_suggests_the_nearest) {
+  EXPECT_THAT(trouble(4, {"show", curves, "--meter", "Knwon"}), HasSubstr("did you mean 'Known'?"));
 }
 
 TEST_F(unknown_name, of_a_calibration) {

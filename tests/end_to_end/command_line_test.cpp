@@ -47,6 +47,16 @@ TEST_F(command_line, points_at_the_help_for_a_wrong_line) {
   EXPECT_THAT(trouble(2, {"show", curves, "--frob"}), HasSubstr("--frob"));
 }
 
+TEST_F(command_line, suggests_the_command_or_option_that_was_meant) {
+  EXPECT_THAT(trouble(2, {"shwo", curves}), HasSubstr("did you mean 'show'?"));
+  EXPECT_THAT(trouble(2, {"show", curves, "--metre", "P"}), HasSubstr("did you mean '--meter'?"));
+}
+
+TEST_F(command_line, takes_no_input_for_any_command) {
+  done({"init", curves, "--no-input"});
+  done({"show", curves, "--no-input"});
+}
+
 TEST_F(command_line, names_an_option_with_a_wrong_value) {
   const Arguments fit{"fit", curves, "--meter", "P", "--series", "S"};
   const auto with = [&](const std::string& option, const std::string& value) {
