@@ -45,9 +45,10 @@ std::string cleanedEquations(const fs::path& file) {
 EquationFolder::EquationFolder(const std::string& equations, bool ratio)
     : before_(platform().componentFolder) {
   const std::string name = ratio ? "ratio equations.txt" : "equations.txt";
-  const std::string text =
-      equations.empty() ? std::string() : cleanedEquations(sourceFile(equations, name));
-  if (!text.empty()) folder_.write(name, text);
+  if (!equations.empty()) {
+    text_ = cleanedEquations(sourceFile(equations, name));
+    folder_.write(name, *text_);
+  }
   platform().componentFolder = folder_.path();
 }
 

@@ -4,6 +4,7 @@
 
 #include "apps/pelmora/temporary_folder.h"
 
+#include <optional>
 #include <string>
 
 namespace pelmora::cli {
@@ -20,8 +21,12 @@ class EquationFolder {
   EquationFolder(const EquationFolder&) = delete;
   EquationFolder& operator=(const EquationFolder&) = delete;
 
+  // What the component reads, lines ended by CR LF; nothing for the built-in equations.
+  [[nodiscard]] const std::optional<std::string>& text() const { return text_; }
+
  private:
   TemporaryFolder folder_;
+  std::optional<std::string> text_;
   std::string before_;
 };
 

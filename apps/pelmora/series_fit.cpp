@@ -5,6 +5,10 @@
 #include "apps/pelmora/equation_folder.h"
 #include "apps/pelmora/fit_advice.h"
 #include "apps/pelmora/text_table.h"
+#include "apps/pelmora/time_text.h"
+#include "apps/pelmora/version.h"
+
+#include <pelmora/curve_settings.h>
 
 #include <limits>
 
@@ -13,6 +17,10 @@ namespace {
 
 constexpr double outsideAnyRange = std::numeric_limits<double>::quiet_NaN();
 
+std::string placeOf(const MeterInfo& meter, const std::string& series) {
+  return "series '" + series + "' of meter '" + meter.SerialNumber + "'";
+}
+
 void requirePoints(const MeterInfo& meter, SeriesFit& fit, const SeriesInfo& stored) {
   std::size_t usable = 0;
   for (std::size_t part = 0; part < fit.rawPoints.size(); ++part) {
@@ -20,7 +28,7 @@ void requirePoints(const MeterInfo& meter, SeriesFit& fit, const SeriesInfo& sto
     // The merge leaves out a part of a single point.
     if (fit.rawPoints[part] > 1) usable += fit.rawPoints[part];
   }
-  const std::string place = "series '" + fit.series + "' of meter '" + meter.SerialNumber + "'";
+  const std::string place = placeOf(meter, fit.series);
   if (usable == 0) {
     throw Trouble(ExitCode::badInput, place + " has no raw part of two points or more",
                   "import a run or bring points with 'pelmora raw'");
@@ -78,9 +86,40 @@ void requireRange(const CurveSession&, const MessageRecorder& messages, const Se
       "extrapolates");
 }
 
+CurveSettings settingsOf(const SeriesFit& fit) {
+  CurveSettings settings;
+  settings.BandPercent = fit.options.band;
+  settings.Points = fit.options.points;
+  if (!fit.isWholeRange) settings.Min = fit.min, settings.Max = fit.max;
+  settings.RatioCurve = fit.options.ratio;
+  settings.Inverted = fit.options.inverted;
+  settings.IgnoreResiduals = fit.options.ignoreResiduals;
+  settings.Equations = fit.equations;
+  settings.SoftwareVersion = version;
+  settings.FittedAt = timeText();
+  return settings;
+}
+
+void store(CurveSession& session, const MeterInfo& meter, SeriesFit& fit) {
+  const std::string place = placeOf(meter, fit.series);
+  fit.isStored = session.data().SetLastFitted(false);
+  session.messages().throwIfAny(ExitCode::database, "storing the curve of " + place,
+                                "fit again; the old curve may be gone");
+  if (!fit.isStored) {
+    throw Trouble(ExitCode::unexpected, "the curve of " + place + " was not stored", "fit again");
+  }
+  try {
+    keepCurveSettings(session.connection(), fit.seriesID, settingsOf(fit));
+  } catch (const Error& error) {
+    throw Trouble(ExitCode::database,
+                  "the curve of " + place + " is stored, its settings are not: " + error.what(),
+                  "fit again");
+  }
+}
+
 }  // namespace
 
-SeriesFit fitSeries(CurveSession& session, const MeterInfo& meter, const std::string& series,
+SeriesFit trySeries(CurveSession& session, const MeterInfo& meter, const std::string& series,
                     const FitOptions& options) {
   SeriesFit fit;
   fit.series = series;
@@ -90,17 +129,19 @@ SeriesFit fitSeries(CurveSession& session, const MeterInfo& meter, const std::st
   requirePoints(meter, fit, stored.Series.front());
 
   const EquationFolder folder(options.equations, options.ratio);
+  fit.equations = folder.text();
   settleRange(session, meter, fit);
   const bool isWhole = !options.min && !options.max;
   const RangeAnswer answer = isWhole ? RangeAnswer::retry : options.onRange;
   runFit(session, meter, fit, answer);
   requireRange(session, session.messages(), fit, answer);
+  fit.isWholeRange = session.messages().rawRange().has_value() && answer == RangeAnswer::retry;
 
   RawData& data = session.data();
   fit.merged = data.LastMergedArray();
   fit.outcome = data.LastFit();
   fit.report = data.DataFitResultDetails;
-  const std::string place = "series '" + series + "' of meter '" + meter.SerialNumber + "'";
+  const std::string place = placeOf(meter, series);
   if (!session.messages().errors().empty()) {
     fit.trouble = Trouble(ExitCode::notFitted,
                           "fitting " + place + ": " + session.messages().errors().front(),
@@ -113,12 +154,13 @@ SeriesFit fitSeries(CurveSession& session, const MeterInfo& meter, const std::st
                           shortAdvice(fit) + "; nothing was stored");
     return fit;
   }
-  fit.isStored = data.SetLastFitted(false);
-  session.messages().throwIfAny(ExitCode::database, "storing the curve of " + place,
-                                "fit again; the old curve may be gone");
-  if (!fit.isStored) {
-    throw Trouble(ExitCode::unexpected, "the curve of " + place + " was not stored", "fit again");
-  }
+  return fit;
+}
+
+SeriesFit fitSeries(CurveSession& session, const MeterInfo& meter, const std::string& series,
+                    const FitOptions& options) {
+  SeriesFit fit = trySeries(session, meter, series, options);
+  if (!fit.trouble) store(session, meter, fit);
   return fit;
 }
 

@@ -35,14 +35,20 @@ struct SeriesFit {
   PointArray merged, curve;
   FitOutcome outcome;
   std::string report;
+  std::optional<std::string> equations;  // the text of the equation file; absent: the built-in ones
+  bool isWholeRange = false;             // the curve reaches over the merged points
   bool isStored = false;
   std::optional<Trouble> trouble;  // no curve: why, and what would help
 };
 
-// Fits the series and stores the curve in place of its old one. Where no equation passes, the old
-// curve stays and `trouble` tells why.
+// Fits the series and stores nothing. Where no equation passes, `trouble` tells why.
 //
 // Errors: Trouble before the fit: unknown series, too few points, a range outside the raw points.
+[[nodiscard]] SeriesFit trySeries(CurveSession& session, const MeterInfo& meter,
+                                  const std::string& series, const FitOptions& options);
+
+// The same, and stores the curve with its settings in place of the old ones. Where no equation passes,
+// these stay.
 [[nodiscard]] SeriesFit fitSeries(CurveSession& session, const MeterInfo& meter,
                                   const std::string& series, const FitOptions& options);
 

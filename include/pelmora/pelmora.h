@@ -3,6 +3,7 @@
 #pragma once
 
 #include <pelmora/curve_database.h>
+#include <pelmora/curve_settings.h>
 #include <pelmora/database.h>
 #include <pelmora/dialog.h>
 #include <pelmora/error.h>

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#include "base/number_text.h"
+#include "base/run_time_error.h"
+#include "store/connection.h"
+#include "store/field_value.h"
+
+#include <pelmora/curve_settings.h>
+#include <pelmora/own_tables.h>
+
+#include <array>
+#include <string_view>
+
+namespace pelmora {
+namespace {
+
+constexpr const char* tableName = "pelmora_fit_settings";
+constexpr std::array<std::string_view, 11> fields{
+    "SeriesID", "BandPercent",     "Points",    "MinRoshko",       "MaxRoshko", "RatioCurve",
+    "Inverted", "IgnoreResiduals", "Equations", "SoftwareVersion", "FittedAt"};
+
+OwnTable design() {
+  using enum OwnColumnType;
+  constexpr std::array<OwnColumnType, fields.size()> types{whole, real,  whole, real, real, whole,
+                                                           whole, whole, text,  text, text};
+  OwnTable table{tableName, {}};
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    table.Columns.push_back({std::string(fields[i]), types[i]});
+  }
+  return table;
+}
+
+std::string rowsOf(std::int32_t SeriesID) {
+  return std::string(" from ") + tableName + " where SeriesID=" + numberText(SeriesID);
+}
+
+std::optional<double> numberOrNothing(const Value& value) {
+  if (isNull(value)) return std::nullopt;
+  return toDouble(value);
+}
+Value valueOf(const std::optional<double>& number) { return number ? Value(*number) : Value(); }
+Value valueOf(bool flag) { return Value(std::int64_t{flag}); }
+bool flag(const Value& value) { return !isNull(value) && toInt32(value) != 0; }
+
+}  // namespace
+
+std::optional<CurveSettings> keptCurveSettings(const ConnectionPtr& curves, std::int32_t SeriesID) {
+  if (!hasTable(curves, tableName)) return std::nullopt;
+  const auto rows = curves->openRecordset("Select *" + rowsOf(SeriesID), CursorType::forwardOnly,
+                                          LockType::optimistic);
+  if (rows->atEnd()) return std::nullopt;
+  CurveSettings settings;
+  settings.BandPercent = toDouble(rows->value("BandPercent"));
+  settings.Points = toInt32(rows->value("Points"));
+  settings.Min = numberOrNothing(rows->value("MinRoshko"));
+  settings.Max = numberOrNothing(rows->value("MaxRoshko"));
+  settings.RatioCurve = flag(rows->value("RatioCurve"));
+  settings.Inverted = flag(rows->value("Inverted"));
+  settings.IgnoreResiduals = flag(rows->value("IgnoreResiduals"));
+  if (!isNull(rows->value("Equations"))) settings.Equations = toText(rows->value("Equations"));
+  settings.SoftwareVersion = toText(rows->value("SoftwareVersion"));
+  settings.FittedAt = toText(rows->value("FittedAt"));
+  return settings;
+}
+
+void keepCurveSettings(const ConnectionPtr& curves, std::int32_t SeriesID,
+                     const CurveSettings& settings) {
+  createTable(curves, design());
+  curves->execute("Delete *" + rowsOf(SeriesID));
+  const std::array<Value, fields.size()> values{
+      Value(std::int64_t{SeriesID}),
+      Value(settings.BandPercent),
+      Value(std::int64_t{settings.Points}),
+      valueOf(settings.Min),
+      valueOf(settings.Max),
+      valueOf(settings.RatioCurve),
+      valueOf(settings.Inverted),
+      valueOf(settings.IgnoreResiduals),
+      settings.Equations ? Value(*settings.Equations) : Value(),
+      Value(settings.SoftwareVersion),
+      Value(settings.FittedAt)};
+  // A record set rather than a statement: an equation file may hold apostrophes.
+  curves
+      ->openRecordset(std::string("Select * from ") + tableName + " where SeriesID=-1",
+                      CursorType::forwardOnly, LockType::optimistic)
+      ->addRow(fields, values);
+}
+
+}  // namespace pelmora
