@@ -57,18 +57,6 @@ const EquationOutcome* nearest(const SeriesFit& fit) {
 
 }  // namespace
 
-std::string rejection(const EquationOutcome& equation) {
-  switch (equation.Verdict) {
-    case EquationVerdict::notTried:
-    case EquationVerdict::accepted:
-    case EquationVerdict::chosen: return {};
-    case EquationVerdict::residualTestFailed:
-      return "residual test: " + percentText(equation.WorstResidualRatio * 100) + " % at Roshko " +
-             significantText(equation.WorstResidualX, 6);
-    default: return equation.Reason;
-  }
-}
-
 std::optional<double> passingBand(const SeriesFit& fit, const EquationOutcome& equation) {
   if (equation.Predicted.empty() || fit.merged.empty() || !platform().createBandTester)
     return std::nullopt;

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "report/verdict_words.h"
+
 #include <pelmora/fit_outcome.h>
 
 #include <optional>
@@ -11,8 +13,7 @@ namespace pelmora::cli {
 
 struct SeriesFit;
 
-// Which test rejected an equation, at which point, in words; empty for an accepted one.
-[[nodiscard]] std::string rejection(const EquationOutcome& equation);
+using report::rejection;
 
 // What would make this equation pass, or what to try; empty where nothing is known.
 [[nodiscard]] std::string advice(const SeriesFit& fit, const EquationOutcome& equation);

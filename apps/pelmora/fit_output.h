@@ -4,6 +4,7 @@
 
 #include "apps/pelmora/series_fit.h"
 #include "apps/pelmora/stand_import.h"
+#include "report/json_values.h"
 
 #include <nlohmann/json_fwd.hpp>
 
@@ -11,9 +12,6 @@
 #include <vector>
 
 namespace pelmora::cli {
-
-// "chosen", "outside band" ...
-[[nodiscard]] std::string verdictText(EquationVerdict verdict);
 
 // Every equation of the fit, and below the table one paragraph for each one that was rejected: the
 // test, the point and what would help; then the warnings.
@@ -29,11 +27,9 @@ namespace pelmora::cli {
 
 [[nodiscard]] nlohmann::json fitJson(const SeriesFit& fit);
 [[nodiscard]] nlohmann::json importJson(const ImportOutcome& import);
-[[nodiscard]] nlohmann::json pointsJson(const PointArray& points);
-[[nodiscard]] nlohmann::json setupsJson(const std::vector<CalSetupInfo>& setups);
-[[nodiscard]] nlohmann::json meterJson(const MeterInfo& meter);
-
-// Indented, ending in a line end; numbers in their shortest exact form, non-finite ones null.
-[[nodiscard]] std::string jsonText(const nlohmann::json& value);
+using report::jsonText;
+using report::meterJson;
+using report::pointsJson;
+using report::setupsJson;
 
 }  // namespace pelmora::cli

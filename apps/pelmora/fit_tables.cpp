@@ -2,18 +2,16 @@
 #include "apps/pelmora/fit_advice.h"
 #include "apps/pelmora/fit_output.h"
 #include "apps/pelmora/text_table.h"
+#include "report/verdict_words.h"
 
 namespace pelmora::cli {
 namespace {
 
 using Align = TextTable::Align;
+using report::hasSolution;
+using report::verdictText;
 
 constexpr int determinationDigits = 6;
-
-bool hasSolution(const EquationOutcome& equation) {
-  return equation.Verdict != EquationVerdict::notTried &&
-         equation.Verdict != EquationVerdict::noSolution;
-}
 
 std::string determination(const EquationOutcome& equation, double value) {
   return hasSolution(equation) ? fixedText(value, determinationDigits) : "-";
@@ -28,19 +26,6 @@ std::string joined(const std::vector<std::string>& texts) {
 }
 
 }  // namespace
-
-std::string verdictText(EquationVerdict verdict) {
-  switch (verdict) {
-    case EquationVerdict::notTried: return "not tried";
-    case EquationVerdict::noSolution: return "no solution";
-    case EquationVerdict::residualTestFailed: return "residuals";
-    case EquationVerdict::ratioTestFailed: return "not falling";
-    case EquationVerdict::bandTestFailed: return "outside band";
-    case EquationVerdict::accepted: return "passed";
-    case EquationVerdict::chosen: return "chosen";
-  }
-  return "?";
-}
 
 std::string equationTable(const SeriesFit& fit) {
   TextTable table({{"Equation", Align::left},

@@ -4,9 +4,6 @@
 #include "apps/pelmora/trouble.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
-#include <cmath>
 #include <numeric>
 
 namespace pelmora::cli {
@@ -32,14 +29,6 @@ std::string cut(const std::string& text, std::size_t width) {
 std::string aligned(const std::string& text, std::size_t width, TextTable::Align align) {
   const std::string padding(width - displayWidth(text), ' ');
   return align == TextTable::Align::left ? text + padding : padding + text;
-}
-
-template <class... Format>
-std::string numberOf(double value, Format... format) {
-  if (!std::isfinite(value)) return "-";
-  std::array<char, 400> buffer{};
-  const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, format...);
-  return result.ec == std::errc() ? std::string(buffer.data(), result.ptr) : "-";
 }
 
 }  // namespace
@@ -115,50 +104,6 @@ std::string wrapped(std::string_view text, std::size_t indent) {
   }
   endLine();
   return result;
-}
-
-std::string fixedText(double value, int decimals) {
-  return numberOf(value, std::chars_format::fixed, decimals);
-}
-
-std::string significantText(double value, int digits) {
-  return numberOf(value, std::chars_format::general, digits);
-}
-
-std::string alignedText(double value, int digits) {
-  if (!std::isfinite(value)) return "-";
-  const int exponent = value == 0 ? 0 : static_cast<int>(std::floor(std::log10(std::fabs(value))));
-  const bool isPlain = exponent > -5 && exponent < 15;
-  return isPlain ? fixedText(value, std::max(0, digits - 1 - exponent))
-                 : significantText(value, digits);
-}
-
-std::string withShortNumbers(std::string_view sentence) {
-  constexpr std::size_t longDigits = 7;
-  constexpr const char* digitsAndPoint = "0123456789.";
-  std::string result;
-  for (std::size_t at = 0; at < sentence.size();) {
-    const std::size_t begin = std::min(sentence.find_first_of("0123456789", at), sentence.size());
-    std::size_t end = std::min(sentence.find_first_not_of(digitsAndPoint, begin), sentence.size());
-    while (end > begin && sentence[end - 1] == '.') --end;  // the end of the sentence
-    result += sentence.substr(at, begin - at);
-    const std::string_view text = sentence.substr(begin, end - begin);
-    double value = 0;
-    const auto [rest, code] = std::from_chars(text.data(), text.data() + text.size(), value);
-    const bool isDecimal = code == std::errc() && rest == text.data() + text.size() &&
-                           text.find('.') != std::string_view::npos;
-    result +=
-        isDecimal && text.size() > longDigits + 1 ? significantText(value, 6) : std::string(text);
-    at = end;
-  }
-  return result;
-}
-
-std::string percentText(double percent) {
-  if (!std::isfinite(percent)) return "-";
-  const std::string sign = percent > 0 ? "+" : "";
-  if (std::fabs(percent) < 100) return sign + fixedText(percent, 3);
-  return sign + significantText(percent, 3);
 }
 
 }  // namespace pelmora::cli

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "report/readable_number.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -40,15 +42,11 @@ class TextTable {
 // `text` broken at blanks into lines of at most 80 columns, each one indented.
 [[nodiscard]] std::string wrapped(std::string_view text, std::size_t indent);
 
-// A number with so many digits behind the point; "-" where it is not finite.
-[[nodiscard]] std::string fixedText(double value, int decimals);
-// A number with so many significant digits, in the shorter of the plain and the exponent form.
-[[nodiscard]] std::string significantText(double value, int digits);
-// The same with its zeros at the end, so that numbers of one size stand in line.
-[[nodiscard]] std::string alignedText(double value, int digits);
-// A sentence whose decimal numbers of more than seven digits are rounded to six.
-[[nodiscard]] std::string withShortNumbers(std::string_view sentence);
-// Per cent with a sign, three digits behind the point, fewer for large ones.
-[[nodiscard]] std::string percentText(double percent);
+// Numbers in tables and sentences are those of a report.
+using report::alignedText;
+using report::fixedText;
+using report::percentText;
+using report::significantText;
+using report::withShortNumbers;
 
 }  // namespace pelmora::cli

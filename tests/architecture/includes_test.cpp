@@ -44,7 +44,8 @@ const std::map<std::string, FolderRule>& rules() {
        {{"base", "ui", "store", "adapters/os", "adapters/sqlite", "adapters/stand_csv", "adapters/solver",
          "adapters/band", "adapters/dialog"},
         {}}},
-      {"apps/pelmora", {{}, {"CLI", "nlohmann", "posix"}}},
+      {"report", {{}, {"nlohmann", "xlsxwriter.h"}}},
+      {"apps/pelmora", {{"report"}, {"CLI", "nlohmann", "posix"}}},
       {"include/pelmora", {}},
   };
   return table;

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: MIT
+#include "report/json_report.h"
+
+#include "report/json_values.h"
+
+#include <nlohmann/json.hpp>
+
+namespace pelmora::report {
+namespace {
+
+using nlohmann::json;
+
+constexpr const char* schemaName = "pelmora-report/1";
+
+template <class T>
+json orNull(const std::optional<T>& value) {
+  return value ? json(*value) : json();
+}
+json orNull(const std::string& text) { return text.empty() ? json() : json(text); }
+
+json pointJson(const MeasuredPoint& point) {
+  return {{"roshko", point.roshko},
+          {"strouhal", point.strouhal},
+          {"deviationPercent", orNull(point.deviationPercent)}};
+}
+
+json partsJson(const std::vector<RawPart>& parts) {
+  json list = json::array();
+  for (const RawPart& part : parts) {
+    json points = json::array();
+    for (const MeasuredPoint& point : part.points) {
+      points.push_back(pointJson(point));
+      points.back()["cut"] = point.isCut;
+    }
+    list.push_back({{"part", part.number}, {"fluid", orNull(part.fluid)}, {"points", points}});
+  }
+  return list;
+}
+
+json curveJson(const std::vector<CurvePoint>& curve) {
+  json list = json::array();
+  for (const CurvePoint& point : curve) {
+    list.push_back({{"roshko", point.roshko},
+                    {"strouhal", point.strouhal},
+                    {"confidenceHalfWidth", orNull(point.confidence)},
+                    {"predictionHalfWidth", orNull(point.prediction)}});
+  }
+  return list;
+}
+
+json settingsJson(const SeriesReport& series) {
+  const CurveSettings& settings = series.settings;
+  return {{"kept", series.settingsAreKept},
+          {"bandPercent", settings.BandPercent},
+          {"points", settings.Points},
+          {"min", orNull(settings.Min)},
+          {"max", orNull(settings.Max)},
+          {"ratio", settings.RatioCurve},
+          {"inverted", settings.Inverted},
+          {"ignoreResiduals", settings.IgnoreResiduals},
+          {"equations", orNull(settings.Equations)},
+          {"softwareVersion", orNull(settings.SoftwareVersion)},
+          {"fittedAt", orNull(settings.FittedAt)}};
+}
+
+json shiftJson(const Comparison::Shift& shift) {
+  return {{"roshko", shift.roshko}, {"percent", shift.percent}};
+}
+
+json comparisonJson(const Comparison& comparison) {
+  json shifts = json::array();
+  for (const Comparison::Shift& shift : comparison.shifts) shifts.push_back(shiftJson(shift));
+  const bool isEmpty = comparison.shifts.empty();
+  return {{"calibration", comparison.reCalID},
+          {"date", orNull(comparison.date)},
+          {"shifts", shifts},
+          {"meanPercent", isEmpty ? json() : json(comparison.meanPercent)},
+          {"lowest", isEmpty ? json() : shiftJson(comparison.lowest)},
+          {"highest", isEmpty ? json() : shiftJson(comparison.highest)}};
+}
+
+json seriesJson(const SeriesReport& series) {
+  json merged = json::array(), equations = json::array(), remarks = json::array();
+  for (const MeasuredPoint& point : series.merged) merged.push_back(pointJson(point));
+  for (const RankedEquation& equation : series.equations) {
+    equations.push_back(equationJson(equation.outcome));
+    equations.back()["rank"] = equation.rank;
+  }
+  for (const Remark& remark : series.remarks)
+    remarks.push_back({{"kind", remark.kind}, {"text", remark.text}});
+  return {{"name", series.name},
+          {"seriesId", series.seriesID},
+          {"rawDataSha256", series.rawDataHash},
+          {"raw", partsJson(series.parts)},
+          {"merged", merged},
+          {"curve", curveJson(series.curve)},
+          {"settings", settingsJson(series)},
+          {"equations", equations},
+          {"chosen", orNull(series.chosen)},
+          {"warnings", remarks},
+          {"report", series.storedText},
+          {"previous", series.previous ? comparisonJson(*series.previous) : json()}};
+}
+
+}  // namespace
+
+std::string jsonReport(const Report& report) {
+  json series = json::array();
+  for (const SeriesReport& entry : report.series) series.push_back(seriesJson(entry));
+  return jsonText({{"schema", schemaName},
+                   {"database", report.database},
+                   {"softwareVersion", report.softwareVersion},
+                   {"createdAt", report.createdAt},
+                   {"meter", meterJson(report.meter)},
+                   {"setups", setupsJson(report.setups)},
+                   {"rawDataSha256", report.rawDataHash},
+                   {"series", series}});
+}
+
+}  // namespace pelmora::report

@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: MIT
+#include "report/json_values.h"
+
+#include "report/verdict_words.h"
+
+#include <nlohmann/json.hpp>
+
+namespace pelmora::report {
+
+using nlohmann::json;
+
+json pointsJson(const PointArray& points) {
+  json list = json::array();
+  for (std::size_t i = 0; i < points.size(); ++i) list.push_back({points(i, 0), points(i, 1)});
+  return list;
+}
+
+json meterJson(const MeterInfo& meter) {
+  return {{"serialNumber", meter.SerialNumber},
+          {"serialNumberAdjusted", meter.SerialNumberAdjusted},
+          {"calibration", meter.ReCalID},
+          {"meterId", meter.MeterID}};
+}
+
+json setupsJson(const std::vector<CalSetupInfo>& setups) {
+  json list = json::array();
+  for (std::size_t k = 0; k < setups.size(); ++k) {
+    const CalSetupInfo& setup = setups[k];
+    list.push_back({{"rawPart", k < 4 ? json(k + 1) : json()},
+                    {"fluid", setup.Fluid},
+                    {"operator", setup.Operator},
+                    {"date", setup.DateTaken},
+                    {"stand", setup.Stand},
+                    {"position", setup.Position},
+                    {"jobs", setup.JobRecordIDs},
+                    {"points", setup.Points}});
+  }
+  return list;
+}
+
+json equationJson(const EquationOutcome& equation) {
+  json parameters = json::array();
+  for (const FitParameter& parameter : equation.Parameters) {
+    parameters.push_back({{"name", parameter.Name},
+                          {"value", parameter.Value},
+                          {"standardError", parameter.StandardError}});
+  }
+  const FitStatistics& statistics = equation.Statistics;
+  return {{"name", equation.Name},
+          {"expression", equation.Expression},
+          {"verdict", verdictKey(equation.Verdict)},
+          {"reason", equation.Reason},
+          {"r2", statistics.RSquared},
+          {"adjustedR2", statistics.AdjustedRSquared},
+          {"residualStandardError", statistics.ResidualStandardError},
+          {"observations", statistics.Observations},
+          {"iterations", statistics.Iterations},
+          {"residualSumOfSquares", statistics.ResidualSumOfSquares},
+          {"aicc", equation.Aicc ? json(*equation.Aicc) : json()},
+          {"bic", equation.Bic ? json(*equation.Bic) : json()},
+          {"linear", equation.Linear},
+          {"worstResidualPercent", equation.WorstResidualRatio * 100},
+          {"worstResidualRoshko", equation.WorstResidualX},
+          {"parameters", parameters}};
+}
+
+json warningJson(const CurveWarning& warning) {
+  return {{"kind", warningKey(warning.Kind)},
+          {"fromRoshko", warning.FromX},
+          {"toRoshko", warning.ToX},
+          {"percent", warning.Percent},
+          {"text", warning.Text}};
+}
+
+std::string jsonText(const json& value) {
+  constexpr int indent = 2;
+  return value.dump(indent, ' ', false, json::error_handler_t::replace) + "\n";
+}
+
+}  // namespace pelmora::report

@@ -1,0 +1,25 @@
+// Values of the component as JSON: every command that writes JSON names them alike.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <pelmora/curve_database.h>
+#include <pelmora/fit_outcome.h>
+#include <pelmora/types.h>
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <string>
+#include <vector>
+
+namespace pelmora::report {
+
+[[nodiscard]] nlohmann::json pointsJson(const PointArray& points);
+[[nodiscard]] nlohmann::json meterJson(const MeterInfo& meter);
+[[nodiscard]] nlohmann::json setupsJson(const std::vector<CalSetupInfo>& setups);
+[[nodiscard]] nlohmann::json equationJson(const EquationOutcome& equation);
+[[nodiscard]] nlohmann::json warningJson(const CurveWarning& warning);
+
+// Indented, ending in a line end; numbers in their shortest exact form, non-finite ones null.
+[[nodiscard]] std::string jsonText(const nlohmann::json& value);
+
+}  // namespace pelmora::report

@@ -1,0 +1,89 @@
+// What a calibration report tells: one model, which every writer turns into its own format.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <pelmora/curve_database.h>
+#include <pelmora/fit_outcome.h>
+#include <pelmora/curve_settings.h>
+#include <pelmora/types.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace pelmora::report {
+
+// A measured point. Per cent figures are of the curve, positive above it.
+struct MeasuredPoint {
+  double roshko = 0, strouhal = 0;
+  bool isCut = false;  // a raw point that the merge left out
+  // From the stored curve read as a table, linearly between its points, as the band test reads it; absent
+  // beyond the curve's ends.
+  std::optional<double> deviationPercent;
+};
+
+struct RawPart {
+  int number = 0;     // 1 to 4
+  std::string fluid;  // empty where the series was not derived from a set-up
+  std::vector<MeasuredPoint> points;
+};
+
+struct CurvePoint {
+  double roshko = 0, strouhal = 0;
+  // Half widths of the 95 % bands in units of Strouhal; absent where the engine does not know.
+  std::optional<double> confidence, prediction;
+};
+
+// What the reader must see before anything else of a series.
+struct Remark {
+  std::string kind;  // a CurveWarning's, or one of ours: noCurve, notRepeated ...
+  std::string text;
+};
+
+struct RankedEquation {
+  int rank = 0;  // from 1
+  EquationOutcome outcome;
+};
+
+// From the same series' curve of an earlier calibration to this one.
+struct Comparison {
+  struct Shift {
+    double roshko = 0, percent = 0;  // of the earlier curve
+  };
+  std::int16_t reCalID = 0;
+  std::string date;  // of the earlier calibration's set-ups; empty where they tell none
+  // At every point of either table within the common range, both read linearly: between them lies no
+  // larger or smaller shift. Empty where the curves have no range in common.
+  std::vector<Shift> shifts;
+  double meanPercent = 0;  // over ln Roshko
+  Shift lowest, highest;
+};
+
+struct SeriesReport {
+  std::string name;
+  std::int32_t seriesID = 0;
+  std::string rawDataHash;  // SHA-256, see raw_data_hash.h
+  std::vector<RawPart> parts;
+  std::vector<MeasuredPoint> merged;
+  std::vector<CurvePoint> curve;  // as stored; empty where none is
+  CurveSettings settings;
+  bool settingsAreKept = false;  // else they are the defaults, or those of the report's options
+  std::vector<RankedEquation> equations;
+  std::string chosen;  // name of the chosen equation; empty where there is none
+  std::vector<Remark> remarks;
+  std::string storedText;  // the stored report, line breaks LF
+  std::optional<Comparison> previous;
+};
+
+struct Report {
+  MeterInfo meter;
+  std::vector<CalSetupInfo> setups;
+  std::string database;  // file name
+  std::string softwareVersion;
+  std::string createdAt;    // UTC, ISO 8601
+  std::string rawDataHash;  // of all series of this report
+  std::vector<SeriesReport> series;
+};
+
+}  // namespace pelmora::report

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#include "report/verdict_words.h"
+
+#include "report/readable_number.h"
+
+namespace pelmora::report {
+
+const char* verdictKey(EquationVerdict verdict) {
+  switch (verdict) {
+    case EquationVerdict::notTried: return "notTried";
+    case EquationVerdict::noSolution: return "noSolution";
+    case EquationVerdict::residualTestFailed: return "residualTestFailed";
+    case EquationVerdict::ratioTestFailed: return "ratioTestFailed";
+    case EquationVerdict::bandTestFailed: return "bandTestFailed";
+    case EquationVerdict::accepted: return "accepted";
+    case EquationVerdict::chosen: return "chosen";
+  }
+  return "unknown";
+}
+
+const char* warningKey(CurveWarningKind kind) {
+  switch (kind) {
+    case CurveWarningKind::pole: return "pole";
+    case CurveWarningKind::oscillation: return "oscillation";
+    case CurveWarningKind::fewLevels: return "fewLevels";
+    case CurveWarningKind::extrapolation: return "extrapolation";
+    case CurveWarningKind::tableReading: return "tableReading";
+  }
+  return "unknown";
+}
+
+std::string verdictText(EquationVerdict verdict) {
+  switch (verdict) {
+    case EquationVerdict::notTried: return "not tried";
+    case EquationVerdict::noSolution: return "no solution";
+    case EquationVerdict::residualTestFailed: return "residuals";
+    case EquationVerdict::ratioTestFailed: return "not falling";
+    case EquationVerdict::bandTestFailed: return "outside band";
+    case EquationVerdict::accepted: return "passed";
+    case EquationVerdict::chosen: return "chosen";
+  }
+  return "?";
+}
+
+std::string rejection(const EquationOutcome& equation) {
+  switch (equation.Verdict) {
+    case EquationVerdict::notTried:
+    case EquationVerdict::accepted:
+    case EquationVerdict::chosen: return {};
+    case EquationVerdict::residualTestFailed:
+      return "residual test: " + percentText(equation.WorstResidualRatio * 100) + " % at Roshko " +
+             significantText(equation.WorstResidualX, 6);
+    default: return equation.Reason;
+  }
+}
+
+bool hasSolution(const EquationOutcome& equation) {
+  return equation.Verdict != EquationVerdict::notTried &&
+         equation.Verdict != EquationVerdict::noSolution;
+}
+
+}  // namespace pelmora::report
