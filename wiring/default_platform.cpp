@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/os/library_folder.h"
+#include "adapters/os/terminal_lines.h"
 #include "ui/message_box.h"
 #include "wiring/database_driver.h"
 
 #include <pelmora/platform.h>
+
+#include <cstdio>
 
 #if defined(PELMORA_HAS_SOLVER)
 #include "adapters/solver/solver.h"
@@ -17,7 +20,10 @@ namespace {
 
 Platform defaultPlatform() {
   Platform platform;
-  platform.messageBox = terminalMessageBox;
+  platform.messageBox = [](const std::string& text, int style, const std::string& title) {
+    return terminalMessageBox(text, style, title,
+                              isTerminal(stdin) ? LineReader(terminalLine) : LineReader());
+  };
 #if defined(PELMORA_HAS_BAND)
   platform.createBandTester = createBandTester;
 #endif
