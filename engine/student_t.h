@@ -4,9 +4,11 @@
 
 namespace pelmora {
 
-// The t with P(|T| <= t) = probability, 0 < probability < 1, degreesOfFreedom > 0. Relative error below 1e-9.
+// The t with P(|T| <= t) = probability, 0 < probability < 1, degreesOfFreedom > 0. Relative error
+// below 1e-9.
 //
-// Source: the incomplete beta function by its continued fraction (NIST DLMF 8.17.22), inverted by bisection.
+// Source: the incomplete beta function by its continued fraction (NIST DLMF 8.17.22), the ratio of
+// gamma functions by its expansion (NIST DLMF 5.11.13), inverted by bisection.
 [[nodiscard]] double twoSidedStudentT(double probability, double degreesOfFreedom);
 
 }  // namespace pelmora

@@ -49,9 +49,9 @@ inline constexpr int no = 7;
 [[nodiscard]] int harmlessAnswer(int style) noexcept;
 
 // A message box without a window: writes title and text to standard error. Where the style has more
-// than one button and `readLine` can read, it asks there until a line names a button; otherwise, and
-// at the end of input, it returns the harmless answer. Control characters other than line ends and
-// TAB are written as '?', so that a text from a database cannot steer the terminal.
+// than one button and `readLine` can read, it asks there until a line names a button; otherwise,
+// and at the end of input, it returns the harmless answer. Control characters other than line ends
+// and TAB are written as '?', so that a text from a database cannot steer the terminal.
 int terminalMessageBox(const std::string& text, int style, const std::string& title,
                        const LineReader& readLine = {});
 

@@ -6,8 +6,8 @@
 
 namespace pelmora {
 
-// The folder from which this code was loaded, without a closing separator; "." where the system does not
-// say.
+// The folder from which this code was loaded, without a closing separator; "." where the system
+// does not say.
 [[nodiscard]] std::string libraryFolder();
 
 }  // namespace pelmora

@@ -4,6 +4,8 @@
 #include "apps/pelmora/suggestion.h"
 #include "apps/pelmora/trouble.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 
 namespace pelmora::cli {
@@ -39,6 +41,14 @@ CurveSession::CurveSession(const std::string& path, Access access)
     : path_(path), connection_(openCurves(path, access)) {
   data_.dbDirSetByString(path);
   data_.StatusUpdate = [this](const std::string& text) { progress_.show(text); };
+}
+
+void CurveSession::askAtTerminal() {
+  if (isatty(STDIN_FILENO) == 0 || isatty(STDERR_FILENO) == 0) return;
+  messages_.askOperator = [this](const std::string& text, int style) {
+    progress_.clear();
+    return messages_.show(text, style);
+  };
 }
 
 MeterInfo CurveSession::findMeter(const std::string& serialNumber, std::int16_t reCalID) {

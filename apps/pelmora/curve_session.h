@@ -27,6 +27,9 @@ class CurveSession {
   [[nodiscard]] const ConnectionPtr& connection() const { return connection_; }
   [[nodiscard]] const std::string& path() const { return path_; }
 
+  // Where somebody sits at the terminal, questions of the component are asked there from now on.
+  void askAtTerminal();
+
   // The calibration of a meter (-1: the latest), Source -1 where it is unknown.
   MeterInfo findMeter(const std::string& serialNumber, std::int16_t reCalID);
   // Errors: Trouble unknownName with what there is.

@@ -22,7 +22,7 @@ struct FitCommand {
   std::string path, meter, series;
   std::int16_t reCalID = -1;
   FitOptions options;
-  bool asJson = false;
+  bool asJson = false, neverAsks = false;
 };
 
 std::string fitText(const CurveSession& session, const MeterInfo& meter, const SeriesFit& fit) {
@@ -43,6 +43,7 @@ std::string fitText(const CurveSession& session, const MeterInfo& meter, const S
 void fitAndStore(const FitCommand& command) {
   CurveSession session(command.path, Access::write);
   const MeterInfo meter = session.requireMeter(command.meter, command.reCalID);
+  if (!command.neverAsks) session.askAtTerminal();
   const SeriesFit fit = fitSeries(session, meter, command.series, command.options);
   session.progress().clear();
   if (command.asJson) {
@@ -92,13 +93,14 @@ void addFitCommand(CLI::App& app) {
                                                    {"retry", RangeAnswer::retry},
                                                    {"ignore", RangeAnswer::ignore}};
   command
-      .add_option("--on-range", options->options.onRange,
-                  "Where the range is not inside the raw points: abort (default), retry with the "
-                  "raw range, or "
-                  "ignore it and extrapolate")
+      .add_option(
+          "--on-range", options->options.onRange,
+          "Where the range is not inside the raw points: abort, retry with the raw range, or "
+          "ignore it and extrapolate (default: ask at a terminal, or else abort)")
       ->transform(CLI::CheckedTransformer(answers))
       ->option_text("abort|retry|ignore");
   addJson(command, options->asJson);
+  addNoInput(command, options->neverAsks);
   command.callback([options] { fitAndStore(*options); });
 }
 

@@ -43,15 +43,30 @@ int MessageRecorder::answer(const std::string& text, int style) {
   if ((style & buttonSetMask) == abortRetryIgnore) {
     rawRange_ =
         "from " + valueBehind(text, "Min Raw : ") + " to " + valueBehind(text, "Max Raw : ");
-    return static_cast<int>(rangeAnswer);
+    rangeAnswered_ = answerToRange(text, style);
+    return static_cast<int>(*rangeAnswered_);
   }
   errors_.push_back(errorText(text));
   return okPressed;
 }
 
+RangeAnswer MessageRecorder::answerToRange(const std::string& text, int style) const {
+  if (rangeAnswer) return *rangeAnswer;
+  if (!askOperator) return RangeAnswer::abort;
+  const int pressed = askOperator(text, style);
+  const bool isKnown = pressed == static_cast<int>(RangeAnswer::retry) ||
+                       pressed == static_cast<int>(RangeAnswer::ignore);
+  return isKnown ? static_cast<RangeAnswer>(pressed) : RangeAnswer::abort;
+}
+
+int MessageRecorder::show(const std::string& text, int style) const {
+  return before_ ? before_(text, style, "") : static_cast<int>(RangeAnswer::abort);
+}
+
 void MessageRecorder::forget() {
   errors_.clear();
   rawRange_.reset();
+  rangeAnswered_.reset();
 }
 
 void MessageRecorder::throwIfAny(ExitCode code, const std::string& doing,

@@ -22,12 +22,19 @@ class MessageRecorder {
   MessageRecorder(const MessageRecorder&) = delete;
   MessageRecorder& operator=(const MessageRecorder&) = delete;
 
-  RangeAnswer rangeAnswer = RangeAnswer::abort;
+  // The answer to the range question; absent: the operator's, or abort where nobody is asked.
+  std::optional<RangeAnswer> rangeAnswer = RangeAnswer::abort;
+  // Shows a question and returns the button that was pressed; empty: nobody is asked.
+  std::function<int(const std::string& text, int style)> askOperator;
 
+  // Shows a box as it was shown before this object took over.
+  int show(const std::string& text, int style) const;
   // Error boxes since the last forget(), in order, each as one text without its "Error in".
   [[nodiscard]] const std::vector<std::string>& errors() const { return errors_; }
   // The raw range as the range question told it, "from 1.5 to 700"; nothing where it was not asked.
   [[nodiscard]] const std::optional<std::string>& rawRange() const { return rawRange_; }
+  // How that question was answered; nothing where it was not asked.
+  [[nodiscard]] const std::optional<RangeAnswer>& rangeAnswered() const { return rangeAnswered_; }
   void forget();
 
   // Errors: Trouble with the first error box since the last forget().
@@ -35,10 +42,12 @@ class MessageRecorder {
 
  private:
   int answer(const std::string& text, int style);
+  [[nodiscard]] RangeAnswer answerToRange(const std::string& text, int style) const;
 
   std::function<int(const std::string&, int, const std::string&)> before_;
   std::vector<std::string> errors_;
   std::optional<std::string> rawRange_;
+  std::optional<RangeAnswer> rangeAnswered_;
 };
 
 }  // namespace pelmora::cli

@@ -41,8 +41,9 @@ void requirePoints(const MeterInfo& meter, SeriesFit& fit, const SeriesInfo& sto
   }
 }
 
-// One run of the component. Where the range is not settled, `onRange` answers.
-void runFit(CurveSession& session, const MeterInfo& meter, SeriesFit& fit, RangeAnswer onRange) {
+// One run of the component. Where the range is not settled, `onRange` answers, or the operator.
+void runFit(CurveSession& session, const MeterInfo& meter, SeriesFit& fit,
+            std::optional<RangeAnswer> onRange) {
   RawData& data = session.data();
   session.messages().forget();
   session.messages().rangeAnswer = onRange;
@@ -74,9 +75,8 @@ void settleRange(CurveSession& session, const MeterInfo& meter, SeriesFit& fit) 
   }
 }
 
-void requireRange(const CurveSession&, const MessageRecorder& messages, const SeriesFit& fit,
-                  RangeAnswer answer) {
-  if (!messages.rawRange() || answer != RangeAnswer::abort) return;
+void requireRange(const MessageRecorder& messages, const SeriesFit& fit) {
+  if (messages.rangeAnswered() != RangeAnswer::abort) return;
   throw Trouble(
       ExitCode::rangeRefused,
       "the range from " + significantText(fit.min, 15) + " to " + significantText(fit.max, 15) +
@@ -132,10 +132,9 @@ SeriesFit trySeries(CurveSession& session, const MeterInfo& meter, const std::st
   fit.equations = folder.text();
   settleRange(session, meter, fit);
   const bool isWhole = !options.min && !options.max;
-  const RangeAnswer answer = isWhole ? RangeAnswer::retry : options.onRange;
-  runFit(session, meter, fit, answer);
-  requireRange(session, session.messages(), fit, answer);
-  fit.isWholeRange = session.messages().rawRange().has_value() && answer == RangeAnswer::retry;
+  runFit(session, meter, fit, isWhole ? RangeAnswer::retry : options.onRange);
+  requireRange(session.messages(), fit);
+  fit.isWholeRange = session.messages().rangeAnswered() == RangeAnswer::retry;
 
   RawData& data = session.data();
   fit.merged = data.LastMergedArray();

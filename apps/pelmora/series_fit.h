@@ -22,8 +22,8 @@ struct FitOptions {
   std::int16_t points = 40;
   double band = defaultBand;
   bool ratio = false, inverted = false, ignoreResiduals = false;
-  RangeAnswer onRange = RangeAnswer::abort;
-  std::string equations;  // folder or file; empty: the built-in equations
+  std::optional<RangeAnswer> onRange;  // absent: the operator is asked, or else it is refused
+  std::string equations;               // folder or file; empty: the built-in equations
 };
 
 struct SeriesFit {

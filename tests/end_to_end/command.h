@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/pseudo_terminal.h"
 #include "tests/support/scratch_folder.h"
 
 #include <gmock/gmock.h>
@@ -36,12 +37,18 @@ class CommandTest : public testing::Test {
   using Arguments = std::vector<std::string>;
 
   [[nodiscard]] CommandResult run(const Arguments& arguments) const {
-    std::string line = quoted(PELMORA_PROGRAM);
-    for (const std::string& argument : arguments) line += " " + quoted(argument);
-    const std::string output = scratch.file("stdout.txt"), error = scratch.file("stderr.txt");
-    line += " >" + quoted(output) + " 2>" + quoted(error) + " </dev/null";
-    const int status = std::system(line.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentsOf(output), contentsOf(error)};
+    const std::string error = scratch.file("stderr.txt");
+    CommandResult result = run(arguments, " 2>" + quoted(error) + " </dev/null");
+    result.error = contentsOf(error);
+    return result;
+  }
+  // Runs a command with an operator at the terminal; `error` is what the terminal shows.
+  [[nodiscard]] CommandResult runAt(const PseudoTerminal& terminal,
+                                    const Arguments& arguments) const {
+    const std::string device = quoted(terminal.path());
+    CommandResult result = run(arguments, " 2>" + device + " <" + device);
+    result.error = terminal.shown();
+    return result;
   }
   // Runs a command that must succeed without a word on standard error.
   CommandResult done(const Arguments& arguments) const {
@@ -85,6 +92,14 @@ class CommandTest : public testing::Test {
   const std::string curves = scratch.file("curves.db");
 
  private:
+  [[nodiscard]] CommandResult run(const Arguments& arguments, const std::string& redirects) const {
+    std::string line = quoted(PELMORA_PROGRAM);
+    for (const std::string& argument : arguments) line += " " + quoted(argument);
+    const std::string output = scratch.file("stdout.txt");
+    line += " >" + quoted(output) + redirects;
+    const int status = std::system(line.c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentsOf(output), {}};
+  }
   static std::string quoted(const std::string& text) {
     std::string result = "'";
     for (const char c : text) result += c == '\'' ? std::string("'\\''") : std::string(1, c);

@@ -11,6 +11,7 @@ namespace {
 using nlohmann::json;
 using testing::AllOf;
 using testing::HasSubstr;
+using testing::Not;
 
 // A series "S" of meter "P" with y = 100 + 10 log10(x), and one point 0.5 % above it.
 class fit_options : public CommandTest {
@@ -80,6 +81,33 @@ TEST_F(fit_options, take_the_raw_range_on_retry_and_extrapolate_on_ignore) {
       done(fit({"--min", "5", "--max", "1100", "--on-range", "ignore", "--json"})).json();
   EXPECT_NEAR(wide["curve"].front()[0].get<double>(), 5, 1e-9);
   EXPECT_NEAR(wide["curve"].back()[0].get<double>(), 1100, 1e-6);
+}
+
+TEST_F(fit_options, ask_an_operator_about_a_range_outside_the_raw_points) {
+  const PseudoTerminal terminal;
+  terminal.type("r\n");
+  const CommandResult raw = runAt(terminal, fit({"--min", "1", "--max", "5000", "--json"}));
+  EXPECT_EQ(raw.exitCode, 0);
+  EXPECT_THAT(raw.error, AllOf(HasSubstr("Min X : 1"), HasSubstr("Min Raw : 10"),
+                               HasSubstr("[A]bort, [R]etry, [I]gnore (Enter: Abort)? ")));
+  EXPECT_NEAR(raw.json()["range"]["min"].get<double>(), 10, 1e-5);
+  const json before = stored();
+  terminal.type("\n");
+  const CommandResult refused = runAt(terminal, fit({"--min", "1", "--max", "5000"}));
+  EXPECT_EQ(refused.exitCode, 7);
+  EXPECT_THAT(refused.error, HasSubstr("from 10 to 1000"));
+  EXPECT_EQ(stored(), before);
+}
+
+TEST_F(fit_options, ask_nobody_where_told_so_or_answered_before) {
+  const PseudoTerminal terminal;
+  const CommandResult refused = runAt(terminal, fit({"--min", "1", "--max", "5000", "--no-input"}));
+  EXPECT_EQ(refused.exitCode, 7);
+  EXPECT_THAT(refused.error, Not(HasSubstr("[R]etry")));
+  const CommandResult answered =
+      runAt(terminal, fit({"--min", "1", "--max", "5000", "--on-range", "retry"}));
+  EXPECT_EQ(answered.exitCode, 0);
+  EXPECT_THAT(answered.error, Not(HasSubstr("[R]etry")));
 }
 
 TEST_F(fit_options, name_test_equation_point_and_remedy_where_none_passes) {
