@@ -1,20 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/os/terminal_lines.h"
 
-#if defined(_WIN32)
-#include <io.h>
-#else
 #include <unistd.h>
-#endif
 
 namespace pelmora {
 
 bool isTerminal(std::FILE* stream) noexcept {
-#if defined(_WIN32)
-  return _isatty(_fileno(stream)) != 0;
-#else
   return isatty(fileno(stream)) == 1;
-#endif
 }
 
 std::optional<std::string> terminalLine() {
