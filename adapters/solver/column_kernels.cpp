@@ -59,21 +59,23 @@ Column logarithms(std::span<const double> x) {
   return result;
 }
 
-Moments moments(const Column& u, std::span<const double> y, int lowest, double middle, double stretch,
-                std::size_t degree) {
+Moments moments(const Column& u, std::span<const double> y, const PowerScale& by, std::size_t degree) {
   static constexpr std::array<double, 8> ones{1, 1, 1, 1, 1, 1, 1, 1};
   Moments sums;
   sums.squares.resize(2 * degree + 1);
   sums.products.resize(degree + 1);
+  int exponent = 0;
+  std::frexp(by.largestSquare, &exponent);
   MomentTask task;
   task.u = pairOf(u);
+  task.y = y.data();
   task.ones = ones.data();
-  task.middle = middle;
-  task.stretch = stretch;
+  task.lowest = by.lowest;
+  task.middle = by.middle;
+  task.stretch = by.stretch;
+  task.scale = std::ldexp(1.0, -exponent);
   task.degree = degree;
   task.n = u.size();
-  task.y = y.data();
-  task.lowest = lowest;
   pointKernels().moments(task, sums.squares.data(), sums.products.data());
   return sums;
 }

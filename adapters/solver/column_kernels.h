@@ -24,14 +24,20 @@ void subtractMultiple(Column& a, DoubleDouble factor, const Column& b);
 // Natural logarithms; NaN and -infinity outside the domain.
 [[nodiscard]] Column logarithms(std::span<const double> x);
 
-// Sums for a polynomial over t = (u - middle) * stretch, with T(m) the Chebyshev polynomials and
-// w = u^lowest: squares[m] = sum of w^2 T(m), products[j] = sum of w y T(j).
+// A polynomial over t = (u - middle) * stretch, which runs from -1 to 1, times w = u^lowest.
+struct PowerScale {
+  int lowest = 0;
+  double middle = 0, stretch = 1;
+  double largestSquare = 1;  // of w over the points, but for rounding; a normal number
+};
+// With T(m) the Chebyshev polynomials: squares[m] = sum of w^2 T(m), products[j] = sum of w y T(j), to 28
+// digits of n largestSquare and of largestSquare times the sum of |y / w|.
 struct Moments {
   std::vector<DoubleDouble> squares, products;
 };
 // Shape: u, y of n values. squares 0 .. 2 degree, products 0 .. degree; degree <= highestDegree.
-[[nodiscard]] Moments moments(const Column& u, std::span<const double> y, int lowest, double middle,
-                              double stretch, std::size_t degree);
+[[nodiscard]] Moments moments(const Column& u, std::span<const double> y, const PowerScale& by,
+                              std::size_t degree);
 inline constexpr std::size_t highestDegree = MomentTask::highestDegree;
 
 }  // namespace pelmora::solver

@@ -103,6 +103,13 @@ DoubleDouble sqrt(DoubleDouble a) {
   return quickTwoSum(root, half) + DoubleDouble(rest.lo / (2 * root) - half * (half / (2 * root)));
 }
 
+DoubleDouble inverseRoot(DoubleDouble a) {
+  const double near = 1 / std::sqrt(a.hi);
+  // One step of Newton's method: near + near (1 - a near^2) / 2.
+  const DoubleDouble rest = DoubleDouble(1) - a * twoProduct(near, near);
+  return quickTwoSum(near, 0.5 * near * rest.hi + 0.375 * near * rest.hi * rest.hi);
+}
+
 DoubleDouble abs(DoubleDouble a) { return a.hi < 0 || (a.hi == 0 && a.lo < 0) ? -a : a; }
 DoubleDouble sin(DoubleDouble a) { return sinCos(a).sine; }
 DoubleDouble cos(DoubleDouble a) { return sinCos(a).cosine; }

@@ -14,6 +14,8 @@ inline constexpr DoubleDouble dd_ln10{2.302585092994045901e+00, -2.1707562233822
 [[nodiscard]] DoubleDouble exp(DoubleDouble a);
 [[nodiscard]] DoubleDouble log(DoubleDouble a);
 [[nodiscard]] DoubleDouble sqrt(DoubleDouble a);
+// 1 / sqrt(a) for normal positive a.
+[[nodiscard]] DoubleDouble inverseRoot(DoubleDouble a);
 [[nodiscard]] DoubleDouble abs(DoubleDouble a);
 [[nodiscard]] DoubleDouble sin(DoubleDouble a);
 [[nodiscard]] DoubleDouble cos(DoubleDouble a);

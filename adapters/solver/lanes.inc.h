@@ -33,6 +33,10 @@ PELMORA_INLINE Lanes all(double value) {
 }
 PELMORA_INLINE PairLanes all(DoubleDouble value) { return {all(value.hi), all(value.lo)}; }
 
+// The same, by the type of the first argument.
+PELMORA_INLINE Lanes all(const Lanes& /*like*/, DoubleDouble value) { return all(value.hi); }
+PELMORA_INLINE PairLanes all(const PairLanes& /*like*/, DoubleDouble value) { return all(value); }
+
 PELMORA_INLINE Lanes operator+(const Lanes& a, const Lanes& b) {
   Lanes result;
   for (std::size_t k = 0; k < registers; ++k) result.part[k] = a.part[k] + b.part[k];

@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/solver/linear_fit.h"
 
-#include "adapters/solver/block_evaluator.h"
 #include "adapters/solver/column_kernels.h"
 #include "adapters/solver/expression_curve.h"
+#include "adapters/solver/function_column.h"
 #include "adapters/solver/orthogonal_factor.h"
 #include "adapters/solver/power_basis.h"
 #include "adapters/solver/power_curve.h"
 #include "base/number_text.h"
 
 #include <algorithm>
-#include <numeric>
 #include <set>
 #include <utility>
 
@@ -37,23 +36,6 @@ void requireFinite(const Column& column, const Series& series, const std::string
   }
 }
 
-// Values of some nodes at all points of the series.
-std::vector<Column> columnsOf(const Expression& expression, std::span<const NodeId> ids,
-                              const Series& series) {
-  using Evaluator = BlockEvaluator<DoubleDouble>;
-  Evaluator evaluator(expression, ids);
-  std::vector<Column> columns(ids.size(), Column(series.x.size()));
-  for (std::size_t start = 0; start < series.x.size(); start += Evaluator::block) {
-    const std::size_t count = std::min(Evaluator::block, series.x.size() - start);
-    evaluator.load(std::span(series.x).subspan(start, count), {});
-    for (std::size_t j = 0; j < ids.size(); ++j) {
-      const auto values = evaluator.value(ids[j]);
-      for (std::size_t k = 0; k < count; ++k) columns[j].set(start + k, values[k]);
-    }
-  }
-  return columns;
-}
-
 [[noreturn]] void failForRank(std::size_t rank, std::size_t p, const std::string& letter,
                               const Series& series) {
   std::string reason = "the data determine only " + numberText(rank) + " of " + numberText(p) +
@@ -68,11 +50,7 @@ std::shared_ptr<const Column> functionOf(const Expression& expression, NodeId ba
   if (const auto known = series.functions.find(key); known != series.functions.end() && !key.empty()) {
     return known->second;
   }
-  const Node& node = expression.at(base);
-  const bool isLogarithm = node.op == Op::ln && expression.at(node.left).op == Op::variable;
-  auto column = std::make_shared<const Column>(isLogarithm
-                                                   ? logarithms(series.x)
-                                                   : columnsOf(expression, {{base}}, series).front());
+  auto column = std::make_shared<const Column>(columnOfFunction(expression, base, series.x));
   if (!key.empty()) series.functions[key] = column;
   return column;
 }
@@ -128,28 +106,22 @@ Solution fitTerms(Expression expression, const LinearForm& form, const Series& s
     }
     hasConstant = hasConstant || expression.at(form.coefficients[k]).op == Op::constant;
   }
-  std::vector<Column> columns = columnsOf(expression, form.coefficients, series);
+  std::vector<Column> columns = columnsOf(expression, form.coefficients, series.x);
   for (std::size_t k = 0; k < p; ++k) {
     requireFinite(columns[k], series, "the term of " + letterText(letters[k]));
   }
   Column y(series.y.size());
   std::copy(series.y.begin(), series.y.end(), y.hi.begin());
   if (form.offset != noNode) {
-    const Column offset = columnsOf(expression, {{form.offset}}, series).front();
+    const Column offset = columnsOf(expression, {{form.offset}}, series.x).front();
     requireFinite(offset, series, "the part without parameters");
     subtractMultiple(y, DoubleDouble(1), offset);
   }
   Factor factor = orthogonalFactor(std::move(columns), std::move(y), dependenceOfExactColumns);
   if (factor.rank < p) failForRank(factor.independent, p, letterText(letters[factor.rank]), series);
-  UpperTriangle identity(p);
-  for (std::size_t k = 0; k < p; ++k) identity.at(k, k) = DoubleDouble(1);
-  Solution solution;
-  solution.fit = std::make_shared<const NestedFit>(makeNestedFit(std::move(factor), identity));
-  solution.parameterOfTerm.resize(p);
-  std::iota(solution.parameterOfTerm.begin(), solution.parameterOfTerm.end(), std::size_t{0});
-  solution.factorOfTerm.assign(p, DoubleDouble(1));
-  fillFromFit(solution, series.x.size(), hasConstant ? series.squaresAboutMean : series.squares,
-              hasConstant ? 1 : 0);
+  Solution solution =
+      solutionOfTerms(std::make_shared<const NestedFit>(makeTermsFit(std::move(factor))), series.x.size(),
+                      hasConstant ? series.squaresAboutMean : series.squares, hasConstant ? 1 : 0);
   solution.curve = std::make_shared<ExpressionCurve>(std::move(expression), solution.parameters, solution.fit);
   return solution;
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/solver/nested_fit.h"
 
+#include "adapters/solver/point_kernels.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -10,16 +12,6 @@ namespace pelmora::solver {
 std::vector<DoubleDouble> NestedFit::parameters(std::size_t p) const {
   std::vector<DoubleDouble> result(p);
   for (std::size_t k = 0; k < p; ++k) result[k] = parameterSums.at(k, p - 1);
-  return result;
-}
-
-std::vector<DoubleDouble> NestedFit::columnParameters(std::size_t p) const {
-  std::vector<DoubleDouble> result(factor.z.begin(), factor.z.begin() + static_cast<std::ptrdiff_t>(p));
-  for (std::size_t k = p; k-- > 0;) {
-    result[k] *= inverseDiagonal[k];
-    const DoubleDouble share = -result[k];
-    for (std::size_t i = 0; i < k; ++i) result[i] += factor.r.at(i, k) * share;
-  }
   return result;
 }
 
@@ -37,26 +29,26 @@ DoubleDouble NestedFit::unitCovariance(std::size_t p, std::size_t k, std::size_t
 
 NestedFit makeNestedFit(Factor factor, const UpperTriangle& m) {
   NestedFit fit;
-  const std::size_t p = factor.rank;
-  fit.n = UpperTriangle(p);
-  fit.inverseDiagonal.resize(p);
-  for (std::size_t i = 0; i < p; ++i) {
-    const DoubleDouble inverse = DoubleDouble(1) / factor.r.at(i, i);
-    for (std::size_t k = 0; k <= i; ++k) fit.n.at(k, i) = m.at(k, i);
-    for (std::size_t j = 0; j < i; ++j) {
-      const DoubleDouble share = -factor.r.at(j, i);
-      for (std::size_t k = 0; k <= j; ++k) fit.n.at(k, i) += fit.n.at(k, j) * share;
-    }
-    for (std::size_t k = 0; k <= i; ++k) fit.n.at(k, i) *= inverse;
-    fit.inverseDiagonal[i] = inverse;
-  }
-  fit.parameterSums = UpperTriangle(p);
-  for (std::size_t k = 0; k < p; ++k) {
-    DoubleDouble sum;
-    for (std::size_t i = k; i < p; ++i) fit.parameterSums.at(k, i) = sum += fit.n.at(k, i) * factor.z[i];
-  }
+  fit.n = UpperTriangle(factor.rank);
+  fit.parameterSums = UpperTriangle(factor.rank);
+  NestTask task;
+  task.r = factor.r.cells.data();
+  task.z = factor.z.data();
+  task.inverse = factor.inverse.data();
+  task.m = m.cells.data();
+  task.p = factor.rank;
+  task.rSize = factor.r.size;
+  task.mSize = m.size;
+  task.n = fit.n.cells.data();
+  task.sums = fit.parameterSums.cells.data();
+  pointKernels().nest(task);
   fit.factor = std::move(factor);
   return fit;
+}
+
+NestedFit makeTermsFit(Factor factor) {
+  const std::size_t p = factor.rank;
+  return makeNestedFit(std::move(factor), UpperTriangle::identity(p));
 }
 
 }  // namespace pelmora::solver

@@ -25,6 +25,11 @@ struct UpperTriangle {
   std::vector<DoubleDouble> cells;
   UpperTriangle() = default;
   explicit UpperTriangle(std::size_t n) : size(n), cells(n * n) {}
+  [[nodiscard]] static UpperTriangle identity(std::size_t n) {
+    UpperTriangle result(n);
+    for (std::size_t k = 0; k < n; ++k) result.at(k, k) = DoubleDouble(1);
+    return result;
+  }
   [[nodiscard]] DoubleDouble& at(std::size_t row, std::size_t column) { return cells[row * size + column]; }
   [[nodiscard]] DoubleDouble at(std::size_t row, std::size_t column) const { return cells[row * size + column]; }
 };
@@ -33,10 +38,10 @@ struct UpperTriangle {
 //
 // residualSquares[k] is the residual sum of squares with the first k columns, k = 0 .. rank.
 // Where `rank` is less than the number of columns, column `rank` depends on those before it, and
-// `independent` is the rank of all columns.
+// `independent` is the rank of all columns. inverse[k] = 1 / r(k, k), k below rank.
 struct Factor {
   UpperTriangle r;
-  std::vector<DoubleDouble> z, residualSquares;
+  std::vector<DoubleDouble> z, inverse, residualSquares;
   std::size_t rank = 0, independent = 0;
 };
 
@@ -47,19 +52,19 @@ struct Factor {
 struct NestedFit {
   UpperTriangle n;
   UpperTriangle parameterSums;  // cell (k, i): sum over j in k .. i of n(k, j) z(j)
-  std::vector<DoubleDouble> inverseDiagonal;  // of R
   Factor factor;
 
   [[nodiscard]] std::vector<DoubleDouble> parameters(std::size_t p) const;
-  // Parameters with respect to the columns B themselves.
-  [[nodiscard]] std::vector<DoubleDouble> columnParameters(std::size_t p) const;
   // Standard error of term k for a residual variance of 1. Plain doubles will do: nothing cancels.
   [[nodiscard]] double unitError(std::size_t p, std::size_t k) const;
   // sum over i of n(k, i) n(l, i): the covariance for a residual variance of 1.
   [[nodiscard]] DoubleDouble unitCovariance(std::size_t p, std::size_t k, std::size_t l) const;
 };
 
-// `m`: expansion of column j in the terms of the equation stands in column j.
+// `m`: expansion of column j in the terms of the equation stands in column j. At most highestDegree + 1
+// columns.
 [[nodiscard]] NestedFit makeNestedFit(Factor factor, const UpperTriangle& m);
+// Where the columns are the terms themselves.
+[[nodiscard]] NestedFit makeTermsFit(Factor factor);
 
 }  // namespace pelmora::solver

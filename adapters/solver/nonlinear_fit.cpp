@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 #include <utility>
 
 namespace pelmora::solver {
@@ -75,12 +74,7 @@ Solution fitNonlinear(Expression expression, const Series& series, const SolverS
     starts = ownStarts(expression, series.x, series.y, static_cast<std::size_t>(count));
   }
   NonlinearEnd end = lowestMinimum(*model, starts, settings);
-  Solution solution;
-  solution.fit = end.fit;
-  solution.parameterOfTerm.resize(p);
-  std::iota(solution.parameterOfTerm.begin(), solution.parameterOfTerm.end(), std::size_t{0});
-  solution.factorOfTerm.assign(p, DoubleDouble(1));
-  fillFromFit(solution, series.x.size(), series.squaresAboutMean, 1);
+  Solution solution = solutionOfTerms(end.fit, series.x.size(), series.squaresAboutMean, 1);
   solution.parameters = std::move(end.parameters);  // the fit's own are the last step
   solution.statistics.Iterations = end.iterations;
   solution.curve = std::make_shared<ExpressionCurve>(std::move(expression), solution.parameters, solution.fit);

@@ -11,6 +11,7 @@ Factor orthogonalFactor(std::vector<Column> columns, Column y, double tolerance)
   Factor factor;
   factor.r = UpperTriangle(p);
   factor.z.resize(p);
+  factor.inverse.resize(p);
   std::vector<DoubleDouble> lengths;
   bool isLeading = true;  // no dependent column so far; the others then only count
   for (const Column& column : columns) lengths.push_back(sqrt(dot(column, column)));
@@ -22,12 +23,14 @@ Factor orthogonalFactor(std::vector<Column> columns, Column y, double tolerance)
     }
     ++factor.independent;
     factor.r.at(k, k) = length;
-    scale(columns[k], DoubleDouble(1) / length);
+    const DoubleDouble inverse = DoubleDouble(1) / length;
+    scale(columns[k], inverse);
     for (std::size_t j = k + 1; j < p; ++j) {
       factor.r.at(k, j) = dot(columns[k], columns[j]);
       subtractMultiple(columns[j], factor.r.at(k, j), columns[k]);
     }
     if (!isLeading) continue;
+    factor.inverse[k] = inverse;
     factor.z[k] = dot(columns[k], y);
     subtractMultiple(y, factor.z[k], columns[k]);
     factor.rank = k + 1;

@@ -1,7 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/solver/point_kernels.h"
 
+#include <atomic>
+
 namespace pelmora::solver {
+namespace {
+
+std::atomic<const PointKernels*> forced = nullptr;
+
+}  // namespace
 
 std::vector<const PointKernels*> runnablePointKernels() {
   std::vector<const PointKernels*> runnable{&plainPointKernels()};
@@ -20,7 +27,10 @@ std::vector<const PointKernels*> runnablePointKernels() {
 
 const PointKernels& pointKernels() {
   static const PointKernels& best = *runnablePointKernels().back();
-  return best;
+  const PointKernels* const wanted = forced.load(std::memory_order_acquire);
+  return wanted != nullptr ? *wanted : best;
 }
+
+void forcePointKernels(const PointKernels* kernels) { forced.store(kernels, std::memory_order_release); }
 
 }  // namespace pelmora::solver

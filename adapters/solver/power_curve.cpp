@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/solver/power_curve.h"
 
-#include "adapters/solver/block_evaluator.h"
+#include "adapters/solver/function_column.h"
+#include "adapters/solver/point_kernels.h"
 
-#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -11,45 +11,41 @@ namespace pelmora::solver {
 
 PowerCurve::PowerCurve(Expression expression, NodeId base, std::shared_ptr<const PowerFit> fit,
                        std::size_t p)
-    : expression_(std::move(expression)), base_(base), fit_(std::move(fit)) {
-  columnParameters_.reserve(p);
-  for (const DoubleDouble value : fit_->fit.columnParameters(p)) {
-    columnParameters_.push_back(static_cast<double>(value));
-  }
-}
+    : expression_(std::move(expression)), base_(base), fit_(std::move(fit)),
+      columnParameters_(fit_->columnParameters(p)) {}
 
-std::vector<double> PowerCurve::functionAt(std::span<const double> x) const {
-  std::vector<double> u;
-  u.reserve(x.size());
-  const Node& node = expression_.at(base_);
-  if (node.op == Op::ln && expression_.at(node.left).op == Op::variable) {
-    for (const double value : x) u.push_back(std::log(value));
-    return u;
-  }
-  using Evaluator = BlockEvaluator<double>;
-  Evaluator evaluator(expression_, {{base_}});
-  for (std::size_t start = 0; start < x.size(); start += Evaluator::block) {
-    evaluator.load(x.subspan(start, std::min(Evaluator::block, x.size() - start)), {});
-    const auto values = evaluator.value(base_);
-    u.insert(u.end(), values.begin(), values.end());
-  }
-  return u;
+Column PowerCurve::functionAt(std::span<const double> x) const {
+  return columnOfFunction(expression_, base_, x);
 }
 
 std::vector<double> PowerCurve::values(std::span<const double> x) const {
-  std::vector<double> result = functionAt(x);
-  std::vector<double> columns(columnParameters_.size());
-  for (double& value : result) {
-    fit_->columnsAt(value, columns);
-    value = 0;
-    // From the highest power down: the small parts first.
-    for (std::size_t j = columns.size(); j-- > 0;) value += columnParameters_[j] * columns[j];
+  if (x.empty()) return {};
+  const Column u = functionAt(x);
+  std::vector<double> result(x.size());
+  if (fit_->hasPole) {
+    std::vector<double> columns(columnParameters_.size());
+    for (std::size_t k = 0; k < x.size(); ++k) {
+      fit_->columnsAt(u.hi[k], columns);
+      // From the highest power down: the small parts first.
+      for (std::size_t j = columns.size(); j-- > 0;) result[k] += columnParameters_[j].hi * columns[j];
+    }
+    return result;
   }
+  CurveTask task;
+  task.u = {u.hi.data(), u.lo.data()};
+  task.parameters = columnParameters_.data();
+  task.p = columnParameters_.size();
+  task.n = x.size();
+  task.lowest = fit_->lowest;
+  task.middle = fit_->middle;
+  task.stretch = fit_->stretch;
+  task.values = result.data();
+  pointKernels().curve(task);
   return result;
 }
 
 std::vector<double> PowerCurve::unitErrors(std::span<const double> x) const {
-  std::vector<double> result = functionAt(x);
+  std::vector<double> result = functionAt(x).hi;
   const UpperTriangle& r = fit_->fit.factor.r;
   std::vector<double> columns(columnParameters_.size());
   for (double& value : result) {

@@ -8,7 +8,7 @@
 
 namespace pelmora::solver {
 
-// Plain doubles are enough here: the columns' parameters do not cancel as those of powers do.
+// The columns' parameters do not cancel as those of powers do.
 class PowerCurve : public Curve {
  public:
   // The first p columns of `fit` over the function at node `base`.
@@ -17,12 +17,12 @@ class PowerCurve : public Curve {
   [[nodiscard]] std::vector<double> unitErrors(std::span<const double> x) const override;
 
  private:
-  [[nodiscard]] std::vector<double> functionAt(std::span<const double> x) const;
+  [[nodiscard]] Column functionAt(std::span<const double> x) const;
 
   Expression expression_;
   NodeId base_;
   std::shared_ptr<const PowerFit> fit_;
-  std::vector<double> columnParameters_;
+  std::vector<DoubleDouble> columnParameters_;
 };
 
 }  // namespace pelmora::solver

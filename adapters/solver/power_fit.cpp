@@ -6,6 +6,8 @@
 #include "adapters/solver/orthogonal_factor.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <limits>
 
 namespace pelmora::solver {
 namespace {
@@ -18,57 +20,48 @@ constexpr double leastResidualShare = 1e-12;
 // Distinct x that differ by rounding only do not tell columns over -1 .. 1 apart.
 constexpr double dependenceOfPolynomials = 1e-13;
 
+// The sums carry 28 digits of the largest weight. Where the weights differ by more than this, what that
+// leaves of the smallest is no longer plenty.
+constexpr double mostSpreadOfSquares = 0x1p32;
+
+// The largest u^(2 lowest) over the points; infinite where the sums would not do.
+double largestSquare(const Range& u, int lowest) {
+  const double low = std::fabs(u.low), high = std::fabs(u.high);
+  const bool hasZero = !(u.low > 0) && !(u.high < 0);
+  const double least = wholePower(hasZero ? 0 : std::min(low, high), 2 * std::abs(lowest));
+  const double most = wholePower(std::max(low, high), 2 * std::abs(lowest));
+  if (!(most <= mostSpreadOfSquares * least)) return std::numeric_limits<double>::infinity();
+  return lowest < 0 ? 1 / least : most;
+}
+
 // Cholesky's factorisation of the normal equations; stops at a pivot that is too small.
 Factor choleskyFactor(const Moments& sums, DoubleDouble ySquares) {
   const std::size_t p = sums.products.size();
-  const DoubleDouble half(0.5);
   Factor factor;
   factor.r = UpperTriangle(p);
   factor.z.resize(p);
-  UpperTriangle& r = factor.r;
-  std::vector<double> wholes(p);
-  for (std::size_t k = 0; k < p; ++k) {
-    for (std::size_t j = k; j < p; ++j) r.at(k, j) = (sums.squares[j + k] + sums.squares[j - k]) * half;
-    wholes[k] = r.at(k, k).hi;
-    factor.z[k] = sums.products[k];
-  }
-  for (std::size_t k = 0; k < p; ++k) {
-    if (!(r.at(k, k).hi > leastPivot * wholes[k])) return factor;
-    r.at(k, k) = sqrt(r.at(k, k));
-    const DoubleDouble inverse = DoubleDouble(1) / r.at(k, k);
-    for (std::size_t j = k + 1; j < p; ++j) r.at(k, j) *= inverse;
-    factor.z[k] *= inverse;
-    // The rest at once, row by row: no step waits for the one before it.
-    for (std::size_t i = k + 1; i < p; ++i) {
-      const DoubleDouble share = -r.at(k, i);
-      for (std::size_t j = i; j < p; ++j) r.at(i, j) += share * r.at(k, j);
-      factor.z[i] += share * factor.z[k];
-    }
-    ySquares -= factor.z[k] * factor.z[k];
-    factor.rank = k + 1;
-    factor.residualSquares.assign(1, ySquares);  // with the columns so far
-  }
+  factor.inverse.resize(p);
+  EliminationTask task;
+  task.squares = sums.squares.data();
+  task.products = sums.products.data();
+  task.p = p;
+  task.leastPivot = leastPivot;
+  task.r = factor.r.cells.data();
+  task.z = factor.z.data();
+  task.inverse = factor.inverse.data();
+  factor.rank = pointKernels().eliminate(task);
+  for (std::size_t k = 0; k < factor.rank; ++k) ySquares -= factor.z[k] * factor.z[k];
+  factor.residualSquares.assign(1, ySquares);  // with all columns of the rank
   return factor;
 }
 
 // The columns in powers of u, counted from the lowest: column j of the answer is column j of the fit.
 UpperTriangle powersOfColumns(std::size_t p, std::size_t poles, double middle, double stretch) {
-  const DoubleDouble slope(stretch), shift = twoProduct(-middle, stretch);
   UpperTriangle m(p);
-  for (std::size_t j = 0; j < std::min(p, poles); ++j) m.at(j, j) = DoubleDouble(1);
-  for (std::size_t j = poles; j < p; ++j) {
-    if (j == poles) {
-      m.at(j, j) = DoubleDouble(1);
-    } else if (j == poles + 1) {
-      m.at(poles, j) = shift, m.at(j, j) = slope;
-    } else {
-      for (std::size_t k = poles; k <= j; ++k) {
-        DoubleDouble sum = shift * m.at(k, j - 1);
-        if (k > poles) sum += slope * m.at(k - 1, j - 1);
-        m.at(k, j) = sum + sum - m.at(k, j - 2);
-      }
-    }
-  }
+  const std::size_t first = std::min(p, poles);
+  for (std::size_t j = 0; j < first; ++j) m.at(j, j) = DoubleDouble(1);
+  if (first == p) return m;
+  pointKernels().chebyshevPowers(twoProduct(-middle, stretch), stretch, p - first, p, &m.at(first, first));
   return m;
 }
 
@@ -127,7 +120,9 @@ PowerFit::PowerFit(const Column& u, std::span<const double> y, DoubleDouble ySqu
   middle = extent.low + (extent.high - extent.low) / 2;
   if (extent.high > extent.low) stretch = 2 / (extent.high - extent.low);
   if (!std::isfinite(stretch)) stretch = 1;
-  Factor factor = choleskyFactor(moments(u, y, lowest, middle, stretch, columns - 1), ySquares);
+  const PowerScale by{lowest, middle, stretch, largestSquare(extent, lowest)};
+  Factor factor;  // of rank 0: to be found otherwise
+  if (std::isnormal(by.largestSquare)) factor = choleskyFactor(moments(u, y, by, columns - 1), ySquares);
   const bool isExactFit = factor.rank == columns &&
                           !(factor.residualSquares[0].hi > leastResidualShare * ySquares.hi);
   if (factor.rank < columns || isExactFit) {
@@ -138,7 +133,14 @@ PowerFit::PowerFit(const Column& u, std::span<const double> y, DoubleDouble ySqu
     fillResidualSquares(factor, factor.residualSquares[0]);
   }
   const std::size_t poles = hasPole ? static_cast<std::size_t>(-lowest) : 0;
+  columnSums_ = makeTermsFit(factor).parameterSums;
   fit = makeNestedFit(std::move(factor), powersOfColumns(columns, poles, middle, stretch));
+}
+
+std::vector<DoubleDouble> PowerFit::columnParameters(std::size_t p) const {
+  std::vector<DoubleDouble> result(p);
+  for (std::size_t k = 0; k < p; ++k) result[k] = columnSums_.at(k, p - 1);
+  return result;
 }
 
 void PowerFit::columnsAt(double u, std::span<double> columns) const { fillColumns(*this, u, columns); }

@@ -32,11 +32,14 @@ class PowerFit {
 
   // How many columns were asked for.
   [[nodiscard]] std::size_t columns() const { return columns_; }
+  // Parameters of the first p columns themselves; p <= rank.
+  [[nodiscard]] std::vector<DoubleDouble> columnParameters(std::size_t p) const;
   // The first columns at u.
   void columnsAt(double u, std::span<double> columns) const;
 
  private:
   std::size_t columns_;
+  UpperTriangle columnSums_;  // cell (k, p - 1): parameter of column k among p
 };
 
 }  // namespace pelmora::solver

@@ -3,6 +3,9 @@
 
 #include "adapters/solver/double_double_functions.h"
 
+#include <numeric>
+#include <utility>
+
 namespace pelmora::solver {
 
 std::vector<double> Solution::covariance() const {
@@ -50,6 +53,18 @@ void fillFromFit(Solution& solution, std::size_t n, DoubleDouble totalSquares, i
     statistics.RSquared = static_cast<double>(one - unexplained);
     statistics.AdjustedRSquared = static_cast<double>(one - nearQuotient(unexplained * base, degrees));
   }
+}
+
+Solution solutionOfTerms(std::shared_ptr<const NestedFit> fit, std::size_t n, DoubleDouble totalSquares,
+                         int baseParameters) {
+  const std::size_t p = fit->factor.rank;
+  Solution solution;
+  solution.fit = std::move(fit);
+  solution.parameterOfTerm.resize(p);
+  std::iota(solution.parameterOfTerm.begin(), solution.parameterOfTerm.end(), std::size_t{0});
+  solution.factorOfTerm.assign(p, DoubleDouble(1));
+  fillFromFit(solution, n, totalSquares, baseParameters);
+  return solution;
 }
 
 }  // namespace pelmora::solver

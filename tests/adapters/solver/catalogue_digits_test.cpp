@@ -72,7 +72,7 @@ TEST_P(CatalogueDigits, agree_with_quadruple_precision) {
 INSTANTIATE_TEST_SUITE_P(of, CatalogueDigits,
                          testing::Combine(testing::Values(std::size_t{50}, std::size_t{500}, std::size_t{5000},
                                                           std::size_t{32000}),
-                                          testing::Values(40.0, 0.4)));
+                                          testing::Values(40.0, 0.4, 2.0, 1.4)));
 
 }  // namespace
 }  // namespace pelmora::test

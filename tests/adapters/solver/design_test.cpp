@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <numeric>
 
 namespace pelmora::solver {
 namespace {
@@ -32,15 +31,10 @@ TEST(design, longley_has_13_digits) {
   const std::size_t p = columns.size();
   Factor factor = orthogonalFactor(columns, columnOf(set.y), dependenceOfExactColumns);
   ASSERT_EQ(factor.rank, p);
-  UpperTriangle identity(p);
-  for (std::size_t k = 0; k < p; ++k) identity.at(k, k) = DoubleDouble(1);
-  Solution solution;
-  solution.fit = std::make_shared<const NestedFit>(makeNestedFit(std::move(factor), identity));
-  solution.parameterOfTerm.resize(p);
-  std::iota(solution.parameterOfTerm.begin(), solution.parameterOfTerm.end(), std::size_t{0});
-  solution.factorOfTerm.assign(p, DoubleDouble(1));
   const DoubleDouble mean = sum(set.y) / DoubleDouble(static_cast<double>(set.y.size()));
-  fillFromFit(solution, set.y.size(), squaresAbout(set.y, mean), 1);
+  const Solution solution =
+      solutionOfTerms(std::make_shared<const NestedFit>(makeTermsFit(std::move(factor))), set.y.size(),
+                      squaresAbout(set.y, mean), 1);
   for (std::size_t k = 0; k < p; ++k) {
     EXPECT_GE(agreeingDigits(solution.parameters[k].hi, set.parameters[k]), 13) << k;
     EXPECT_GE(agreeingDigits(solution.standardErrors[k], set.standardErrors[k]), 13) << k;
