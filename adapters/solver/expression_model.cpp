@@ -3,6 +3,7 @@
 
 #include "adapters/solver/block_evaluator.h"
 #include "adapters/solver/dual.h"
+#include "adapters/solver/householder.h"
 #include "adapters/solver/linear_form.h"
 
 #include <algorithm>
@@ -26,10 +27,12 @@ class ExpressionModel : public RegressionModel {
  public:
   ExpressionModel(const Expression& expression, std::span<const double> x, std::span<const double> y)
       : expression_(expression), x_(x), y_(y), letters_(expression.letters()),
-        plain_(expression, {{expression.root}}) {}
+        responseLength_(lengthOf(std::vector<double>(y.begin(), y.end()))), plain_(expression, {{expression.root}}) {}
 
   [[nodiscard]] std::size_t points() const override { return x_.size(); }
   [[nodiscard]] std::size_t parameters() const override { return letters_.size(); }
+
+  [[nodiscard]] double responseLength() const override { return responseLength_; }
 
   [[nodiscard]] double work() const override {
     return static_cast<double>(points()) * static_cast<double>(expression_.nodes().size());
@@ -113,6 +116,7 @@ class ExpressionModel : public RegressionModel {
   const Expression& expression_;
   std::span<const double> x_, y_;
   std::vector<int> letters_;
+  double responseLength_;
   mutable BlockEvaluator<double> plain_;  // working space of `evaluate`
 };
 

@@ -14,12 +14,6 @@ constexpr int longestPolish = 60;
 // A step below this share of every parameter, or of every standard error, changes no digit.
 constexpr double negligibleOfParameter = 1e-16, negligibleOfError = 1e-13;
 
-UpperTriangle identity(std::size_t p) {
-  UpperTriangle m(p);
-  for (std::size_t k = 0; k < p; ++k) m.at(k, k) = DoubleDouble(1);
-  return m;
-}
-
 bool allFinite(const Column& column) {
   for (std::size_t k = 0; k < column.size(); ++k) {
     if (!isFinite(column.at(k))) return false;
@@ -91,6 +85,7 @@ std::optional<Minimum> polish(const RegressionModel& model, const std::vector<do
   result.parameters.assign(start.begin(), start.end());
   Column residuals;
   std::vector<Column> slopes;
+  bool isSettled = false;
   for (int pass = 0; pass < longestPolish && workLeft > 0; ++pass) {
     workLeft -= model.work();
     model.evaluateExactly(result.parameters, residuals, slopes);
@@ -100,13 +95,15 @@ std::optional<Minimum> polish(const RegressionModel& model, const std::vector<do
       reason = "the equation is not finite at some points near the best parameters found";
       return std::nullopt;
     }
-    const std::vector<DoubleDouble> bend = model.curvature(result.parameters, residuals);
+    std::vector<DoubleDouble> bend;
+    if (!isSettled) bend = model.curvature(result.parameters, residuals);
     Factor factor = orthogonalFactor(std::move(slopes), residuals, dependenceOfExactColumns);
     if (factor.rank < p) {
       reason = "the data cannot tell the parameters apart";
       return std::nullopt;
     }
-    result.fit = std::make_shared<const NestedFit>(makeNestedFit(std::move(factor), identity(p)));
+    result.fit = std::make_shared<const NestedFit>(makeTermsFit(std::move(factor)));
+    if (isSettled) return result;
     std::vector<DoubleDouble> w = result.fit->factor.z;
     bool curvesUp = true;
     if (!bend.empty()) {
@@ -117,9 +114,13 @@ std::optional<Minimum> polish(const RegressionModel& model, const std::vector<do
     ++result.iterations;
     const std::vector<DoubleDouble> step = parameterStep(*result.fit, w);
     if (isNegligible(step, result.parameters, *result.fit, model.points())) {
-      if (curvesUp) return result;
-      reason = "the search ended at a saddle of the residual sum of squares";
-      return std::nullopt;
+      if (!curvesUp) {
+        reason = "the search ended at a saddle of the residual sum of squares";
+        return std::nullopt;
+      }
+      // It is taken all the same: Newton's steps square what is missing, so that the digits no longer
+      // tell where the search came from.
+      isSettled = true;
     }
     for (std::size_t k = 0; k < p; ++k) result.parameters[k] += step[k];
   }

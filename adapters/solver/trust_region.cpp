@@ -13,6 +13,9 @@ namespace {
 constexpr double infinite = std::numeric_limits<double>::infinity();
 // A projected direction is left alone where its column is this near to the others.
 constexpr double nearDependence = 1e-13;
+// Rounding of model values, as a share of y, with room to spare. A fall of the squares below what that makes of them
+// cannot be seen; `polish` goes on from there in higher precision.
+constexpr double roundingOfValues = 1e-14;
 
 bool allFinite(const std::vector<double>& values) {
   return std::all_of(values.begin(), values.end(), [](double v) { return std::isfinite(v); });
@@ -97,6 +100,7 @@ class Search {
         for (std::size_t j = i; j < last; ++j) moved += columns[j][i] * change[j - first];
         predicted += moved * (2 * right[i] - moved);
       }
+      if (predicted <= roundingOfValues * model_.responseLength() * std::sqrt(squares_)) return false;
       std::vector<double> trial = now_;
       for (std::size_t k = 0; k < free_.size(); ++k) trial[free_[k]] += change[k];
       if (!projected_.empty()) {  // the projected ones follow to first order
