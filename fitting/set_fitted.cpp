@@ -36,7 +36,7 @@ void insertPoints(const Target& target, const std::string& text, const std::stri
 void insertSummary(const Target& target, const std::string& details) {
   target.context.raiseStatusUpdate("Inserting new DataFitResult summary into database in series " +
                                    target.SeriesName);
-  auto rows = target.connection->openRecordset(
+  auto rows = target.connection.open(
       "Select * from DataFitResults where seriesID = " + numberText(target.SeriesID),
       CursorType::dynamic, LockType::optimistic);
   constexpr std::array<std::string_view, 2> fields{"seriesID", "summary"};

@@ -5,30 +5,34 @@
 
 namespace pelmora {
 
-OperationConnection::OperationConnection(const OperationContext& context,
-                                         const ConnectionPtr& passed)
-    : connection_(passed), own_(passed == nullptr) {
-  if (own_) {
-    std::string location;
-    connection_ = getConnection(location, context.shared(), context.platform());
-    connection_->open();
-  }
-}
-
-OperationConnection::~OperationConnection() {
-  if (!own_) return;
+OwnConnection::~OwnConnection() {
   try {
     if (connection_->isOpen()) connection_->close();
   } catch (...) {  // the operation has its result; a connection that will not close is dropped
   }
 }
 
-std::unique_ptr<Recordset> OperationConnection::read(const std::string& statement) const {
-  return connection_->openRecordset(statement, CursorType::forwardOnly, LockType::optimistic);
+OperationConnection::OperationConnection(const OperationContext& context,
+                                         const ConnectionPtr& passed)
+    : context_(context), connection_(passed), own_(context, nullptr) {
+  if (passed) return;
+  std::string location;
+  connection_ = getConnection(location, context.shared(), context.platform());
+  own_ = {context, std::make_shared<OwnConnection>(connection_)};
+  connection_->open();
 }
 
-std::unique_ptr<Recordset> OperationConnection::openForBatch(const std::string& statement) const {
-  return connection_->openRecordset(statement, CursorType::dynamic, LockType::batchOptimistic);
+OperationRows OperationConnection::open(const std::string& statement, CursorType cursor,
+                                        LockType lock) const {
+  return {context_, connection_->openRecordset(statement, cursor, lock)};
+}
+
+OperationRows OperationConnection::read(const std::string& statement) const {
+  return open(statement, CursorType::forwardOnly, LockType::optimistic);
+}
+
+OperationRows OperationConnection::openForBatch(const std::string& statement) const {
+  return open(statement, CursorType::dynamic, LockType::batchOptimistic);
 }
 
 }  // namespace pelmora

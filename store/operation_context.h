@@ -9,9 +9,11 @@
 #include <pelmora/platform.h>
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace pelmora {
 
@@ -31,11 +33,18 @@ class OperationContext {
   // Lets pending host messages be processed once.
   void pumpMessages() const;
 
+  // Keeps what a failing operation had opened until its error has been shown: hosts see the box
+  // first, then the closing.
+  void closeAfterReport(std::shared_ptr<void> opened) const {
+    leftovers_.push_back(std::move(opened));
+  }
+
   // Runs `body`. Any error is shown as `operation`, a line break and the description, and is then
   // gone. Returns whether the body ran to its end.
   template <class Body>
   bool trap(std::string_view operation, Body&& body) const {
-    return trapTitled(operation, std::forward<Body>(body), [](const Error&) { return std::string(); });
+    return trapTitled(operation, std::forward<Body>(body),
+                      [](const Error&) { return std::string(); });
   }
   // The same with a title for the box, made from the error.
   template <class Body, class Title>
@@ -46,16 +55,19 @@ class OperationContext {
     } catch (...) {
       const Error error = currentError();
       showError(operation, error, title(error));
+      closeLeftovers();
       return false;
     }
   }
 
  private:
+  void closeLeftovers() const;
   static void showError(std::string_view operation, const Error& error, const std::string& title);
 
   SharedState& shared_;
   Platform& platform_;
   StatusUpdate raiseStatusUpdate_;
+  mutable std::vector<std::shared_ptr<void>> leftovers_;
 };
 
 }  // namespace pelmora

@@ -136,6 +136,20 @@ TEST_P(own_connection_after_an_error_of, is_closed) {
   EXPECT_EQ(std::count(log().begin(), log().end(), "close"), 2);
 }
 
+TEST_P(own_connection_after_an_error_of, is_still_open_while_the_box_shows) {
+  GetParam().run(context, nullptr);
+  const Log before = log();
+  script->fail(before.at(before.size() - 2).substr(std::string("read ").size()), refused);
+  Log atBox;
+  platform().messageBox = [&](const std::string&, int, const std::string&) {
+    atBox = log();
+    return 1;
+  };
+  GetParam().run(context, nullptr);
+  EXPECT_EQ(std::count(atBox.begin(), atBox.end(), "open"), 2);
+  EXPECT_EQ(std::count(atBox.begin(), atBox.end(), "close"), 1);
+}
+
 std::vector<Operation> operationsEndingInARead() {
   std::vector<Operation> operations = allOperations();
   std::erase_if(operations,
