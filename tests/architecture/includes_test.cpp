@@ -44,8 +44,9 @@ const std::map<std::string, FolderRule>& rules() {
        {{"base", "ui", "store", "adapters/os", "adapters/sqlite", "adapters/stand_csv", "adapters/solver",
          "adapters/band", "adapters/dialog"},
         {}}},
+      {"history", {{"store"}, {}}},
       {"report", {{}, {"nlohmann", "xlsxwriter.h"}}},
-      {"apps/pelmora", {{"report"}, {"CLI", "nlohmann", "posix"}}},
+      {"apps/pelmora", {{"history", "report"}, {"CLI", "nlohmann", "posix"}}},
       {"include/pelmora", {}},
   };
   return table;

@@ -1,0 +1,48 @@
+// What the history holds: its entries, what each keeps, and taking old ones out.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "history/kept_change.h"
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace pelmora::history {
+
+struct Entry {
+  std::int64_t ID = 0;
+  ChangeNote Note;
+  std::string SerialNumber, SeriesName;  // SeriesName is empty for a whole calibration
+  std::int32_t ReCalID = 0;
+  Scope Kept;
+  std::map<std::string, std::size_t> Rows;  // kept, by table; no tables without rows
+
+  [[nodiscard]] std::size_t rowsOf(const std::string& table) const;
+};
+
+struct EntryFilter {
+  std::string SerialNumber, SeriesName;  // empty: any
+  std::optional<std::int32_t> ReCalID;
+};
+
+// Entries from the newest to the oldest; none where the database has no history. With a series, entries of whole
+// calibrations count the rows of that series alone.
+[[nodiscard]] std::vector<Entry> entries(const ConnectionPtr& curves, const EntryFilter& filter = {});
+
+// Nothing where there is no such entry.
+[[nodiscard]] std::optional<Entry> findEntry(const ConnectionPtr& curves, std::int64_t entryID);
+
+struct Pruning {
+  std::optional<std::string> Before;  // ISO 8601, UTC: only entries that are older
+  std::size_t Keep = 0;               // the newest so many stay in any case
+};
+
+// The entries that `pruning` takes out, from the newest to the oldest.
+[[nodiscard]] std::vector<Entry> prunable(const ConnectionPtr& curves, const Pruning& pruning);
+// Removes entries with their rows, in one transaction. This is not kept anywhere.
+void removeEntries(const ConnectionPtr& curves, const std::vector<Entry>& old);
+
+}  // namespace pelmora::history

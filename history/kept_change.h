@@ -1,0 +1,46 @@
+// A change of stored data together with a copy of what it replaces.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "history/scope.h"
+
+#include <pelmora/own_tables.h>
+
+#include <cstdint>
+#include <string>
+
+namespace pelmora::history {
+
+// Who changes what.
+struct ChangeNote {
+  std::string Command;    // "fit", "delete" ...
+  std::string ChangedAt;  // UTC, ISO 8601: 2026-11-21T14:05:09Z
+  std::string UserName, Version;
+
+  bool operator==(const ChangeNote&) const = default;
+};
+
+// Begins a transaction of the connection. What keep() copies and what is changed afterwards is stored by commit()
+// together; without it, also where the program is killed, nothing of either is.
+//
+//     KeptChange change(curves, note);
+//     change.keep(fittedCurve(meterID, seriesID));
+//     ...                                     // changes through the same connection
+//     change.commit();
+class KeptChange {
+ public:
+  // Errors: Error, 0x80004005 where another user writes.
+  KeptChange(const ConnectionPtr& curves, ChangeNote note);
+
+  // Copies the rows of the scope as they are now into an entry of their own and returns its id; 0, and no entry,
+  // where there are none. Makes the history's tables where they are missing.
+  std::int64_t keep(const Scope& scope);
+  void commit() { transaction_.commit(); }
+
+ private:
+  ConnectionPtr curves_;
+  ChangeNote note_;
+  Transaction transaction_;
+};
+
+}  // namespace pelmora::history

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#include "history/scope.h"
+
+namespace pelmora::history {
+namespace {
+
+const std::vector<std::string> curveTables{"merge", "curve", "DataFitResults", "pelmora_fit_settings"};
+const std::vector<std::string> rawTables{"raw1", "raw2", "raw3", "raw4"};
+
+std::vector<std::string> joined(std::vector<std::string> names, const std::vector<std::string>& more) {
+  names.insert(names.end(), more.begin(), more.end());
+  return names;
+}
+
+// The ids of the series or set-ups whose rows belong to the scope.
+Ids owners(const ConnectionPtr& curves, const Scope& scope, Owner owner) {
+  if (owner == Owner::meter) return {scope.MeterID};
+  if (owner == Owner::series && scope.SeriesID != 0) return {scope.SeriesID};
+  const std::string of = std::to_string(scope.MeterID);
+  return owner == Owner::series ? idsOf(curves, "Select ID from series where meterid=" + of)
+                                : idsOf(curves, "Select ID from CalSetup where MeterID=" + of);
+}
+
+}  // namespace
+
+Scope rawPart(std::int32_t MeterID, std::int32_t SeriesID, int part) {
+  return {MeterID, SeriesID, {"raw" + std::to_string(part)}};
+}
+
+Scope fittedCurve(std::int32_t MeterID, std::int32_t SeriesID) { return {MeterID, SeriesID, curveTables}; }
+
+Scope wholeSeries(std::int32_t MeterID, std::int32_t SeriesID) {
+  return {MeterID, SeriesID, joined(joined({"series"}, rawTables), curveTables)};
+}
+
+Scope importedRuns(std::int32_t MeterID) {
+  return {MeterID, 0, joined(joined({"series", "CalSetup", "CalDataPoint"}, rawTables), curveTables)};
+}
+
+Scope wholeCalibration(std::int32_t MeterID) {
+  return {MeterID, 0, joined({"meter"}, importedRuns(MeterID).Tables)};
+}
+
+std::string condition(const ConnectionPtr& curves, const Scope& scope, const KeptTable& table) {
+  if (table.Name == "series" && scope.SeriesID != 0) return whereIn("ID", {scope.SeriesID});
+  return whereIn(table.KeyColumn, owners(curves, scope, table.RowsBelongTo));
+}
+
+std::string conditionOfEntry(std::int64_t entryID) { return whereIn("EntryID", {entryID}); }
+
+}  // namespace pelmora::history

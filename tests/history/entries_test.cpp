@@ -1,0 +1,73 @@
+// Listing what the history holds and taking old entries out.
+// SPDX-License-Identifier: MIT
+#include "tests/history/history_fixture.h"
+
+namespace pelmora::test {
+namespace {
+
+using namespace history;
+using testing::ElementsAre;
+
+class history_entries : public HistoryTest {
+ protected:
+  [[nodiscard]] Ids ids(const EntryFilter& filter = {}) const {
+    Ids list;
+    for (const Entry& entry : entries(curves.connection, filter)) list.push_back(entry.ID);
+    return list;
+  }
+  void changeThrice() const {
+    (void)change("import", importedRuns(1), {}, "2026-01-01T00:00:00Z");
+    (void)change("fit", fittedCurve(1, 2), {}, "2026-01-02T00:00:00Z");
+    (void)change("fit", fittedCurve(2, 3), {}, "2026-01-03T00:00:00Z");
+  }
+};
+
+TEST_F(history_entries, are_none_in_a_database_without_history) {
+  EXPECT_TRUE(entries(curves.connection).empty());
+  EXPECT_TRUE(prunable(curves.connection, {}).empty());
+}
+
+TEST_F(history_entries, stand_from_the_newest_to_the_oldest) {
+  changeThrice();
+  EXPECT_THAT(ids(), ElementsAre(3, 2, 1));
+}
+
+TEST_F(history_entries, can_be_those_of_a_meter_a_calibration_a_series) {
+  changeThrice();
+  EXPECT_THAT(ids({"m1", "", {}}), ElementsAre(3, 2, 1));
+  EXPECT_THAT(ids({"M2", "", {}}), ElementsAre());
+  EXPECT_THAT(ids({"M1", "", 1}), ElementsAre(3));
+  EXPECT_THAT(ids({"M1", "Rotor B", {}}), ElementsAre(2, 1));
+  EXPECT_THAT(ids({"M1", "rotor a", {}}), ElementsAre(3, 1));
+  EXPECT_THAT(ids({"M1", "it's", {}}), ElementsAre());
+}
+
+TEST_F(history_entries, of_a_series_count_its_rows_alone) {
+  changeThrice();
+  const auto ofB = entries(curves.connection, {"M1", "Rotor B", {}});
+  ASSERT_EQ(ofB.size(), 2U);
+  EXPECT_EQ(ofB[1].rowsOf("raw1"), 1U);
+  EXPECT_EQ(ofB[1].rowsOf("curve"), 1U);
+  EXPECT_EQ(ofB[1].rowsOf("CalDataPoint"), 0U);
+  EXPECT_EQ(entries(curves.connection)[2].rowsOf("raw1"), 4U);
+}
+
+TEST_F(history_entries, that_are_old_can_be_taken_out) {
+  changeThrice();
+  const auto prune = [&](const Pruning& pruning) {
+    removeEntries(curves.connection, prunable(curves.connection, pruning));
+  };
+  prune({"2026-01-02T00:00:00Z", 3});
+  EXPECT_THAT(ids(), ElementsAre(3, 2, 1));
+  prune({"2026-01-02T00:00:00Z", 0});
+  EXPECT_THAT(ids(), ElementsAre(3, 2));
+  EXPECT_TRUE(rows("pelmora_history_CalDataPoint").empty());
+  EXPECT_EQ(rows("pelmora_history_curve").size(), 2U);
+  prune({{}, 1});
+  EXPECT_THAT(ids(), ElementsAre(3));
+  EXPECT_EQ(rows("pelmora_history_curve").size(), 1U);
+  EXPECT_EQ(change("fit", fittedCurve(1, 1), {}), 4);
+}
+
+}  // namespace
+}  // namespace pelmora::test
