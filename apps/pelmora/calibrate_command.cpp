@@ -19,7 +19,7 @@ struct CalibrateOptions {
   ImportRequest request;
   RunOptions runs;
   FitOptions fit;
-  bool asJson = false;
+  bool asJson = false, isDryRun = false;
 };
 
 bool hasPoints(const DerivedSeries& derived) {
@@ -29,12 +29,13 @@ bool hasPoints(const DerivedSeries& derived) {
 
 // One fit; what keeps it from running becomes its trouble, so that the other series still get
 // theirs.
-SeriesFit fitted(CurveSession& session, const MeterInfo& meter, const std::string& name,
+SeriesFit fitted(StoredChange& change, const MeterInfo& meter, const std::string& name,
                  FitOptions options) {
   options.ratio = name == "Ratio";
   try {
-    return fitSeries(session, meter, name, options);
+    return fitSeries(change, meter, name, options);
   } catch (const Trouble& trouble) {
+    if (trouble.code() == ExitCode::database) throw;  // what is half stored must not stay
     SeriesFit fit;
     fit.series = name;
     fit.options = options;
@@ -81,23 +82,26 @@ void requireAll(const ImportOutcome& import, const std::vector<SeriesFit>& fits)
 void calibrate(CalibrateOptions& options) {
   options.request.runs = standRuns(options.runs.jobs, options.runs.fluids, options.runs.operators);
   CurveSession session(options.path, Access::write);
-  const ImportOutcome import = importRuns(session, options.request);
+  StoredChange change(session, "calibrate", options.isDryRun);
+  const ImportOutcome import = importRuns(change, options.request);
   std::vector<SeriesFit> fits;
   for (const DerivedSeries& derived : import.series) {
     // After an import that went wrong, series may have lost their points: nothing to fit, nothing
     // to say.
     if (import.trouble && !hasPoints(derived)) continue;
-    fits.push_back(fitted(session, import.meter, derived.name, options.fit));
+    fits.push_back(fitted(change, import.meter, derived.name, options.fit));
   }
+  change.finish();
   session.progress().clear();
   if (options.asJson) {
     nlohmann::json value = importJson(import);
     value["database"] = session.path();
     value["fits"] = nlohmann::json::array();
     for (const SeriesFit& fit : fits) value["fits"].push_back(fitJson(fit));
+    change.addTo(value);
     printData(jsonText(value));
   } else {
-    printData(calibrationText(session, import, fits));
+    printData(calibrationText(session, import, fits) + change.closingText());
   }
   requireAll(import, fits);
 }
@@ -113,6 +117,7 @@ void addCalibrateCommand(CLI::App& app) {
   addDatabase(command, options->path);
   addImport(command, options->request, options->runs);
   addFitTests(command, options->fit);
+  addDryRun(command, options->isDryRun);
   addJson(command, options->asJson);
   command.callback([options] { calibrate(*options); });
 }

@@ -3,6 +3,7 @@
 
 #include "apps/pelmora/suggestion.h"
 #include "apps/pelmora/trouble.h"
+#include "history/shared_connection.h"
 
 #include <unistd.h>
 
@@ -38,7 +39,11 @@ ConnectionPtr openCurves(const std::string& path, Access access) {
 }  // namespace
 
 CurveSession::CurveSession(const std::string& path, Access access)
-    : path_(path), connection_(openCurves(path, access)) {
+    : path_(path),
+      connection_(openCurves(path, access)),
+      shared_(history::sharedConnection(connection_)),
+      createBefore_(platform().createConnection) {
+  platform().createConnection = [shared = shared_](const std::string&) { return shared; };
   data_.dbDirSetByString(path);
   data_.StatusUpdate = [this](const std::string& text) { progress_.show(text); };
 }
@@ -50,6 +55,8 @@ void CurveSession::askAtTerminal() {
     return messages_.show(text, style);
   };
 }
+
+CurveSession::~CurveSession() { platform().createConnection = createBefore_; }
 
 MeterInfo CurveSession::findMeter(const std::string& serialNumber, std::int16_t reCalID) {
   requireName("--meter", serialNumber);

@@ -8,6 +8,7 @@
 #include <pelmora/pelmora.h>
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -15,16 +16,23 @@ namespace pelmora::cli {
 
 enum class Access { read, write };
 
+// While it lives, the component's operations of this thread that open the database work on its connection, so that a
+// transaction of it holds their changes too.
 class CurveSession {
  public:
   // Errors: Trouble database where the file is missing, foreign, locked or, with Access::write, may
   //         not be written; nothing has been changed then.
   CurveSession(const std::string& path, Access access);
+  ~CurveSession();
+  CurveSession(const CurveSession&) = delete;
+  CurveSession& operator=(const CurveSession&) = delete;
 
   [[nodiscard]] RawData& data() { return data_; }
   [[nodiscard]] MessageRecorder& messages() { return messages_; }
   [[nodiscard]] Progress& progress() { return progress_; }
   [[nodiscard]] const ConnectionPtr& connection() const { return connection_; }
+  // The same for operations that close and open what they are given.
+  [[nodiscard]] const ConnectionPtr& sharedConnection() const { return shared_; }
   [[nodiscard]] const std::string& path() const { return path_; }
 
   // Where somebody sits at the terminal, questions of the component are asked there from now on.
@@ -44,7 +52,8 @@ class CurveSession {
   std::string path_;
   Progress progress_;
   MessageRecorder messages_;
-  ConnectionPtr connection_;
+  ConnectionPtr connection_, shared_;
+  std::function<ConnectionPtr(const std::string&)> createBefore_;
   RawData data_;
 };
 

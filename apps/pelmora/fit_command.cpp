@@ -22,7 +22,7 @@ struct FitCommand {
   std::string path, meter, series;
   std::int16_t reCalID = -1;
   FitOptions options;
-  bool asJson = false, neverAsks = false;
+  bool asJson = false, isDryRun = false, neverAsks = false;
 };
 
 std::string fitText(const CurveSession& session, const MeterInfo& meter, const SeriesFit& fit) {
@@ -44,15 +44,18 @@ void fitAndStore(const FitCommand& command) {
   CurveSession session(command.path, Access::write);
   const MeterInfo meter = session.requireMeter(command.meter, command.reCalID);
   if (!command.neverAsks) session.askAtTerminal();
-  const SeriesFit fit = fitSeries(session, meter, command.series, command.options);
+  StoredChange change(session, "fit", command.isDryRun);
+  const SeriesFit fit = fitSeries(change, meter, command.series, command.options);
+  change.finish();
   session.progress().clear();
   if (command.asJson) {
     nlohmann::json value = fitJson(fit);
     value["database"] = session.path();
     value["meter"] = meterJson(meter);
+    change.addTo(value);
     printData(jsonText(value));
   } else {
-    printData(fitText(session, meter, fit));
+    printData(fitText(session, meter, fit) + change.closingText());
   }
   if (fit.trouble) throw Trouble(*fit.trouble);
 }
@@ -99,6 +102,7 @@ void addFitCommand(CLI::App& app) {
           "ignore it and extrapolate (default: ask at a terminal, or else abort)")
       ->transform(CLI::CheckedTransformer(answers))
       ->option_text("abort|retry|ignore");
+  addDryRun(command, options->isDryRun);
   addJson(command, options->asJson);
   addNoInput(command, options->neverAsks);
   command.callback([options] { fitAndStore(*options); });

@@ -17,18 +17,22 @@ struct ImportOptions {
   std::string path;
   ImportRequest request;
   RunOptions runs;
-  bool asJson = false;
+  bool asJson = false, isDryRun = false;
 };
 
 void import(ImportOptions& options) {
   options.request.runs = standRuns(options.runs.jobs, options.runs.fluids, options.runs.operators);
   CurveSession session(options.path, Access::write);
-  const ImportOutcome outcome = importRuns(session, options.request);
+  StoredChange change(session, "import", options.isDryRun);
+  const ImportOutcome outcome = importRuns(change, options.request);
+  change.finish();
   session.progress().clear();
   if (options.asJson) {
-    printData(jsonText(importJson(outcome)));
+    nlohmann::json value = importJson(outcome);
+    change.addTo(value);
+    printData(jsonText(value));
   } else {
-    printData(importHead(session, outcome) + importTable(outcome));
+    printData(importHead(session, outcome) + importTable(outcome) + change.closingText());
   }
   if (outcome.trouble) throw Trouble(*outcome.trouble);
 }
@@ -43,6 +47,7 @@ void addImportCommand(CLI::App& app) {
   const auto options = std::make_shared<ImportOptions>();
   addDatabase(command, options->path);
   addImport(command, options->request, options->runs);
+  addDryRun(command, options->isDryRun);
   addJson(command, options->asJson);
   command.callback([options] { import(*options); });
 }

@@ -5,6 +5,7 @@
 #include "apps/pelmora/curve_session.h"
 #include "apps/pelmora/fit_output.h"
 #include "apps/pelmora/input_file.h"
+#include "apps/pelmora/stored_change.h"
 #include "apps/pelmora/temporary_folder.h"
 #include "apps/pelmora/text_table.h"
 #include "apps/pelmora/trouble.h"
@@ -20,7 +21,7 @@ namespace {
 struct ImportCurveOptions {
   std::string path, meter, series, file;
   std::int16_t reCalID = -1;
-  bool asJson = false;
+  bool asJson = false, isDryRun = false;
 };
 
 // The component removes the stored curve before it looks at the points, so they are looked at first.
@@ -46,27 +47,36 @@ void requireUsable(CurveSession& session, const std::string& file) {
 void importCurve(const ImportCurveOptions& options) {
   CurveSession session(options.path, Access::write);
   const MeterInfo meter = session.requireMeter(options.meter, options.reCalID);
-  (void)session.requireSeries(meter, options.series);
+  const MeterInfo stored = session.requireSeries(meter, options.series);
   requireUsable(session, options.file);
 
+  StoredChange change(session, "import-curve", options.isDryRun);
+  change.keep(history::fittedCurve(meter.MeterID, stored.Series.front().SeriesID));
+  const TemporaryFolder folder;
+  // Reading renames the file: a dry run reads a copy.
+  const std::string file = options.isDryRun ? folder.write("results", readInputFile(options.file)) : options.file;
   session.messages().forget();
   bool isEmpty = true;
   const PointArray points =
-      session.data().ImportCurvedData(options.file, options.series, meter.SerialNumber, isEmpty, meter.ReCalID);
+      session.data().ImportCurvedData(file, options.series, meter.SerialNumber, isEmpty, meter.ReCalID);
   session.progress().clear();
   session.messages().throwIfAny(ExitCode::database, "importing the curve of series '" + options.series + "'",
-                                "the stored curve may be gone; the file is kept as '" + options.file + ".sav'");
+                                "nothing stored was changed; the file is kept as '" + options.file + ".sav'");
+  change.finish();
   if (options.asJson) {
-    return printData(jsonText({{"meter", meterJson(meter)},
-                               {"series", options.series},
-                               {"keptFile", options.file + ".sav"},
-                               {"points", pointsJson(points)}}));
+    nlohmann::json value{{"meter", meterJson(meter)},
+                         {"series", options.series},
+                         {"keptFile", options.file + ".sav"},
+                         {"points", pointsJson(points)}};
+    change.addTo(value);
+    return printData(jsonText(value));
   }
   printData(wrapped("Read " + counted(points.size(), "point") + " for series '" + options.series + "', meter " +
                         meter.SerialNumber + ", calibration " + std::to_string(meter.ReCalID) +
                         ": removed its curve and added the points to its merged points. The file is kept as " +
                         options.file + ".sav.",
-                    0));
+                    0) +
+            change.closingText());
 }
 
 }  // namespace
@@ -83,6 +93,7 @@ void addImportCurveCommand(CLI::App& app) {
   addMeter(command, options->meter, true);
   command.add_option("--series", options->series, "Name of the series")->required()->type_name("NAME");
   addCalibration(command, options->reCalID);
+  addDryRun(command, options->isDryRun);
   addJson(command, options->asJson);
   command.callback([options] { importCurve(*options); });
 }

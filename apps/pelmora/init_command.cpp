@@ -4,6 +4,7 @@
 #include "apps/pelmora/common_options.h"
 #include "apps/pelmora/fit_output.h"
 #include "apps/pelmora/trouble.h"
+#include "history/kept_tables.h"
 
 #include <CLI/App.hpp>
 #include <nlohmann/json.hpp>
@@ -22,6 +23,10 @@ struct InitOptions {
 void init(const InitOptions& options) {
   try {
     createCurveDatabase(options.path);
+    const ConnectionPtr curves = openDatabase(options.path);
+    Transaction transaction(curves);
+    history::createHistoryTables(curves);
+    transaction.commit();
   } catch (const Error& error) {
     throw Trouble(ExitCode::database, error.what(), "");
   }

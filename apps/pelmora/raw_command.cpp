@@ -5,6 +5,7 @@
 #include "apps/pelmora/csv_points.h"
 #include "apps/pelmora/curve_session.h"
 #include "apps/pelmora/fit_output.h"
+#include "apps/pelmora/stored_change.h"
 #include "apps/pelmora/strict_number.h"
 #include "apps/pelmora/text_table.h"
 #include "apps/pelmora/trouble.h"
@@ -23,7 +24,7 @@ struct RawOptions {
   std::int16_t reCalID = -1, part = 1;
   PointColumns columns;
   std::vector<std::string> filters;
-  bool registerMeter = false, asJson = false;
+  bool registerMeter = false, asJson = false, isDryRun = false;
 };
 
 MeterInfo meterFor(CurveSession& session, const RawOptions& options) {
@@ -36,6 +37,14 @@ MeterInfo meterFor(CurveSession& session, const RawOptions& options) {
   session.messages().throwIfAny(ExitCode::database, "registering meter '" + options.meter + "'",
                                 "nothing was stored");
   return session.requireMeter(options.meter, -1);
+}
+
+// What the part holds so far; nothing where the series is new.
+void keepOldPoints(StoredChange& change, const RawOptions& options, const MeterInfo& meter) {
+  const MeterInfo found = change.session().data().findMeterInfo(meter.SerialNumber, change.session().connection(),
+                                                                meter.ReCalID, options.series);
+  if (found.Source != 1 || found.Series.empty()) return;
+  change.keep(history::rawPart(meter.MeterID, found.Series.front().SeriesID, options.part));
 }
 
 std::string summary(const RawOptions& options, const MeterInfo& meter, const PointArray& points) {
@@ -54,21 +63,27 @@ void raw(const RawOptions& options) {
   requireName("--series", options.series);
   const PointArray points = readCsvPoints(options.file, options.columns);
   CurveSession session(options.path, Access::write);
+  StoredChange change(session, "raw", options.isDryRun);
+  change.begin();
   const MeterInfo meter = meterFor(session, options);
   session.messages().forget();
+  keepOldPoints(change, options, meter);
   const bool isStored =
       session.data().SetRaw(options.series, meter.SerialNumber, points,
                             static_cast<std::int16_t>(options.part - 1), false, meter.ReCalID);
   session.progress().clear();
   session.messages().throwIfAny(ExitCode::database,
                                 "storing points of series '" + options.series + "'",
-                                "store them again; the part's old points may be gone");
+                                "nothing was changed");
   if (!isStored) throw Trouble(ExitCode::unexpected, "the points were not stored", "try again");
-  if (!options.asJson) return printData(summary(options, meter, points));
-  printData(jsonText({{"meter", meterJson(meter)},
-                      {"series", options.series},
-                      {"rawPart", options.part},
-                      {"points", pointsJson(points)}}));
+  change.finish();
+  if (!options.asJson) return printData(summary(options, meter, points) + change.closingText());
+  nlohmann::json value{{"meter", meterJson(meter)},
+                       {"series", options.series},
+                       {"rawPart", options.part},
+                       {"points", pointsJson(points)}};
+  change.addTo(value);
+  printData(jsonText(value));
 }
 
 }  // namespace
@@ -110,6 +125,7 @@ void addRawCommand(CLI::App& app) {
       ->type_name("COLUMN=VALUE");
   addCalibration(command, options->reCalID);
   command.add_flag("--register", options->registerMeter, "Register the meter where it is unknown");
+  addDryRun(command, options->isDryRun);
   addJson(command, options->asJson);
   command.callback([options] {
     for (const std::string& filter : options->filters)

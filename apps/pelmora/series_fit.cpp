@@ -100,21 +100,18 @@ CurveSettings settingsOf(const SeriesFit& fit) {
   return settings;
 }
 
-void store(CurveSession& session, const MeterInfo& meter, SeriesFit& fit) {
+void store(StoredChange& change, const MeterInfo& meter, SeriesFit& fit) {
+  CurveSession& session = change.session();
   const std::string place = placeOf(meter, fit.series);
+  change.keep(history::fittedCurve(meter.MeterID, fit.seriesID));
   fit.isStored = session.data().SetLastFitted(false);
   session.messages().throwIfAny(ExitCode::database, "storing the curve of " + place,
-                                "fit again; the old curve may be gone");
+                                "nothing was changed");
   if (!fit.isStored) {
     throw Trouble(ExitCode::unexpected, "the curve of " + place + " was not stored", "fit again");
   }
-  try {
-    keepCurveSettings(session.connection(), fit.seriesID, settingsOf(fit));
-  } catch (const Error& error) {
-    throw Trouble(ExitCode::database,
-                  "the curve of " + place + " is stored, its settings are not: " + error.what(),
-                  "fit again");
-  }
+  asDatabaseTrouble("storing the settings of the curve of " + place,
+                    [&] { keepCurveSettings(session.connection(), fit.seriesID, settingsOf(fit)); });
 }
 
 }  // namespace
@@ -156,10 +153,10 @@ SeriesFit trySeries(CurveSession& session, const MeterInfo& meter, const std::st
   return fit;
 }
 
-SeriesFit fitSeries(CurveSession& session, const MeterInfo& meter, const std::string& series,
+SeriesFit fitSeries(StoredChange& change, const MeterInfo& meter, const std::string& series,
                     const FitOptions& options) {
-  SeriesFit fit = trySeries(session, meter, series, options);
-  if (!fit.trouble) store(session, meter, fit);
+  SeriesFit fit = trySeries(change.session(), meter, series, options);
+  if (!fit.trouble) store(change, meter, fit);
   return fit;
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "apps/pelmora/curve_session.h"
+#include "apps/pelmora/stored_change.h"
 #include "apps/pelmora/trouble.h"
 
 #include <array>
@@ -47,9 +48,9 @@ struct SeriesFit {
 [[nodiscard]] SeriesFit trySeries(CurveSession& session, const MeterInfo& meter,
                                   const std::string& series, const FitOptions& options);
 
-// The same, and stores the curve with its settings in place of the old ones. Where no equation passes,
-// these stay.
-[[nodiscard]] SeriesFit fitSeries(CurveSession& session, const MeterInfo& meter,
+// The same, and stores the curve with its settings in place of the old ones, which `change` keeps. Where no
+// equation passes, these stay. Nothing is final before change.finish().
+[[nodiscard]] SeriesFit fitSeries(StoredChange& change, const MeterInfo& meter,
                                   const std::string& series, const FitOptions& options);
 
 }  // namespace pelmora::cli

@@ -2,6 +2,7 @@
 #include "apps/pelmora/stand_import.h"
 
 #include "apps/pelmora/csv_points.h"
+#include "history/shared_connection.h"
 
 #include <algorithm>
 #include <cctype>
@@ -89,6 +90,7 @@ RunLists listsOf(const std::vector<StandRun>& runs) {
   return lists;
 }
 
+// Of a second job that the import leaves out; the rest is as it should be. Any other error ends the import.
 std::optional<Trouble> importTrouble(const std::vector<std::string>& errors,
                                      const ImportRequest& request) {
   if (errors.empty()) return std::nullopt;
@@ -103,9 +105,8 @@ std::optional<Trouble> importTrouble(const std::vector<std::string>& errors,
                        " under a serial number of its own, where its 'Rotor A' is this "
                        "meter's rotor B");
   }
-  return Trouble(ExitCode::badInput,
-                 "importing into meter '" + request.meter + "': " + errors.front(),
-                 "look at what is stored with 'pelmora show' and import again");
+  throw Trouble(ExitCode::badInput, "importing into meter '" + request.meter + "': " + errors.front(),
+                "nothing was changed");
 }
 
 std::vector<DerivedSeries> derivedSeries(CurveSession& session, const MeterInfo& meter) {
@@ -139,8 +140,10 @@ MeterInfo targetMeter(CurveSession& session, const ImportRequest& request) {
 
 }  // namespace
 
-ImportOutcome importRuns(CurveSession& session, const ImportRequest& request) {
+ImportOutcome importRuns(StoredChange& change, const ImportRequest& request) {
+  CurveSession& session = change.session();
   requirePlainPath(session.path());
+  change.begin();
   const MeterInfo before = targetMeter(session, request);
   const ConnectionPtr stand = openStand(request.stand);
   const RunCheck check = checkRuns(stand, request.stand, request.runs);
@@ -151,6 +154,7 @@ ImportOutcome importRuns(CurveSession& session, const ImportRequest& request) {
         "job " + check.withoutRotorB +
         " has no readings of rotor B (V20, V21), so Rotor B, Rotor Sum and Ratio are not derived");
   }
+  if (before.Source == 1 && !request.newCalibration) change.keep(history::importedRuns(before.MeterID));
   RawData& data = session.data();
   MessageRecorder& messages = session.messages();
   messages.forget();
@@ -167,9 +171,10 @@ ImportOutcome importRuns(CurveSession& session, const ImportRequest& request) {
     const Watch watch(session);
     const std::int16_t reCalID = needsCalibration ? std::int16_t{-1} : request.reCalID;
     outcome.meter =
-        data.importCaldb(request.meter, stand, lists.jobsA, lists.jobsB, lists.fluids,
+        data.importCaldb(request.meter, history::standConnection(stand, session.connection(), session.path()),
+                         lists.jobsA, lists.jobsB, lists.fluids,
                          lists.operators, true, check.hasRotorB, check.hasRotorB, check.hasRotorB,
-                         request.standID, request.positionID, session.connection(), reCalID);
+                         request.standID, request.positionID, session.sharedConnection(), reCalID);
   }
   outcome.trouble = importTrouble(messages.errors(), request);
   messages.forget();

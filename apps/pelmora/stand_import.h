@@ -4,6 +4,7 @@
 
 #include "apps/pelmora/curve_session.h"
 #include "apps/pelmora/stand_runs.h"
+#include "apps/pelmora/stored_change.h"
 #include "apps/pelmora/trouble.h"
 
 #include <array>
@@ -36,9 +37,10 @@ struct ImportOutcome {
   std::optional<Trouble> trouble;  // an import that did not end well; what there is stands above
 };
 
-// An unknown meter is registered; runs of a fluid that the meter has already replace that run.
+// An unknown meter is registered; runs of a fluid that the meter has already replace that run. `change` keeps what
+// the import replaces. Nothing is final before change.finish().
 //
-// Errors: Trouble, before anything is changed.
-[[nodiscard]] ImportOutcome importRuns(CurveSession& session, const ImportRequest& request);
+// Errors: Trouble; nothing is changed then.
+[[nodiscard]] ImportOutcome importRuns(StoredChange& change, const ImportRequest& request);
 
 }  // namespace pelmora::cli

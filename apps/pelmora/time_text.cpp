@@ -9,11 +9,12 @@
 
 namespace pelmora::cli {
 
-std::string timeText() {
+std::string timeText(std::int64_t secondsAgo) {
   std::time_t seconds = std::time(nullptr);
   if (const char* fixed = std::getenv("SOURCE_DATE_EPOCH"); fixed != nullptr) {
     seconds = static_cast<std::time_t>(strictInteger(fixed).value_or(seconds));
   }
+  seconds -= static_cast<std::time_t>(secondsAgo);
   std::tm utc{};
   gmtime_r(&seconds, &utc);
   std::array<char, 40> text{};
