@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "history/kept_change.h"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 #include <utility>
@@ -16,6 +17,15 @@ bool hasRows(const ConnectionPtr& curves, const Scope& scope) {
     if (!rows->atEnd()) return true;
   }
   return false;
+}
+
+// Whether the rows of `part` are among those of `whole`.
+bool covers(const Scope& whole, const Scope& part) {
+  const bool isItsOwner =
+      whole.MeterID == part.MeterID && (whole.SeriesID == 0 || whole.SeriesID == part.SeriesID);
+  return isItsOwner && std::all_of(part.Tables.begin(), part.Tables.end(), [&](const std::string& name) {
+           return std::find(whole.Tables.begin(), whole.Tables.end(), name) != whole.Tables.end();
+         });
 }
 
 std::string joinedNames(const std::vector<std::string>& names) {
@@ -51,7 +61,10 @@ KeptChange::KeptChange(const ConnectionPtr& curves, ChangeNote note)
     : curves_(curves), note_(std::move(note)), transaction_(curves) {}
 
 std::int64_t KeptChange::keep(const Scope& scope) {
-  if (!hasRows(curves_, scope)) return 0;
+  const bool isKept =
+      std::any_of(kept_.begin(), kept_.end(), [&](const Scope& before) { return covers(before, scope); });
+  kept_.push_back(scope);
+  if (isKept || !hasRows(curves_, scope)) return 0;
   createHistoryTables(curves_);
   const std::int64_t entryID = addEntry(curves_, note_, scope);
   for (const std::string& name : scope.Tables) {

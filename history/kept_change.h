@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace pelmora::history {
 
@@ -33,13 +34,14 @@ class KeptChange {
   KeptChange(const ConnectionPtr& curves, ChangeNote note);
 
   // Copies the rows of the scope as they are now into an entry of their own and returns its id; 0, and no entry,
-  // where there are none. Makes the history's tables where they are missing.
+  // where there are none or this change has kept them before. Makes the history's tables where they are missing.
   std::int64_t keep(const Scope& scope);
   void commit() { transaction_.commit(); }
 
  private:
   ConnectionPtr curves_;
   ChangeNote note_;
+  std::vector<Scope> kept_;
   Transaction transaction_;
 };
 

@@ -119,6 +119,9 @@ int run(int argc, const char* const* argv) {
     addFitCommand(app);
     addShowCommand(app);
     addCalibrateCommand(app);
+    addDeleteCommand(app);
+    addHistoryCommand(app);
+    addRestoreCommand(app);
     addNoInputEverywhere(app);
     return runCommand(app, argc, argv);
   } catch (const Trouble& trouble) {

@@ -15,5 +15,8 @@ void addRawCommand(CLI::App& app);
 void addFitCommand(CLI::App& app);
 void addShowCommand(CLI::App& app);
 void addCalibrateCommand(CLI::App& app);
+void addDeleteCommand(CLI::App& app);
+void addHistoryCommand(CLI::App& app);
+void addRestoreCommand(CLI::App& app);
 
 }  // namespace pelmora::cli

@@ -53,6 +53,11 @@ void addNoInput(CLI::App& command, bool& neverAsks) {
   command.add_flag("--no-input", neverAsks, "Never ask");
 }
 
+void addConsent(CLI::App& command, Consent& consent) {
+  command.add_flag("--yes,-y", consent.isGiven, "Answer the question with yes beforehand");
+  command.add_flag("--no-input", consent.neverAsks, "Never ask: without --yes nothing is changed");
+}
+
 void addImport(CLI::App& command, ImportRequest& request, RunOptions& runs) {
   addMeter(command, request.meter, true);
   command

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "apps/pelmora/question.h"
 #include "apps/pelmora/series_fit.h"
 #include "apps/pelmora/stand_import.h"
 
@@ -21,6 +22,8 @@ void addJson(CLI::App& command, bool& asJson);
 void addDryRun(CLI::App& command, bool& isDryRun);
 // For commands that ask; the others get it without effect, so that scripts can pass it to any.
 void addNoInput(CLI::App& command, bool& neverAsks);
+// --yes and --no-input, for commands that ask before something goes.
+void addConsent(CLI::App& command, Consent& consent);
 
 // The runs of an import, as they stand on the command line.
 struct RunOptions {

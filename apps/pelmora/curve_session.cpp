@@ -102,7 +102,7 @@ std::vector<std::string> CurveSession::seriesNames(const MeterInfo& meter) {
   return names;
 }
 
-MeterInfo CurveSession::requireSeries(const MeterInfo& meter, const std::string& seriesName) {
+std::int32_t CurveSession::requireSeriesID(const MeterInfo& meter, const std::string& seriesName) {
   requireName("--series", seriesName);
   messages_.forget();
   const MeterInfo found =
@@ -116,6 +116,11 @@ MeterInfo CurveSession::requireSeries(const MeterInfo& meter, const std::string&
         known.empty() ? "it has no series yet: import or bring points first"
                       : suggestion(seriesName, known));
   }
+  return found.Series.front().SeriesID;
+}
+
+MeterInfo CurveSession::requireSeries(const MeterInfo& meter, const std::string& seriesName) {
+  (void)requireSeriesID(meter, seriesName);
   MeterInfo everything =
       data_.GetAllInfo(seriesName, meter.SerialNumber, connection_, meter.ReCalID);
   messages_.throwIfAny(
@@ -140,7 +145,11 @@ void requireName(const std::string& what, const std::string& name) {
 }
 
 std::string counted(std::size_t count, const std::string& thing) {
-  return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+  return counted(count, thing, thing + "s");
+}
+
+std::string counted(std::size_t count, const std::string& thing, const std::string& things) {
+  return std::to_string(count) + " " + (count == 1 ? thing : things);
 }
 
 }  // namespace pelmora::cli

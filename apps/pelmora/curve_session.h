@@ -46,6 +46,8 @@ class CurveSession {
   std::vector<std::string> seriesNames(const MeterInfo& meter);
   // Everything stored about a series. Errors: Trouble unknownName with the series that there are.
   MeterInfo requireSeries(const MeterInfo& meter, const std::string& seriesName);
+  // The id alone, without a look at the points. Errors: the same.
+  std::int32_t requireSeriesID(const MeterInfo& meter, const std::string& seriesName);
   std::vector<std::string> serialNumbers();
 
  private:
@@ -64,5 +66,6 @@ void requireName(const std::string& what, const std::string& name);
 
 // "1 point", "2 points".
 [[nodiscard]] std::string counted(std::size_t count, const std::string& thing);
+[[nodiscard]] std::string counted(std::size_t count, const std::string& thing, const std::string& things);
 
 }  // namespace pelmora::cli

@@ -37,6 +37,16 @@ TEST_F(kept_change, makes_no_entry_and_no_tables_where_nothing_is_replaced) {
   EXPECT_EQ(curves.count("raw4"), 1);
 }
 
+TEST_F(kept_change, keeps_the_rows_of_before_once) {
+  KeptChange kept(curves.connection, note("calibrate"));
+  EXPECT_EQ(kept.keep(history::importedRuns(1)), 1);
+  curves.execute("Update curve set Roshko=4 where seriesID=1");
+  EXPECT_EQ(kept.keep(fittedCurve(1, 1)), 0);
+  EXPECT_EQ(kept.keep(rawPart(1, 2, 3)), 0);
+  EXPECT_EQ(kept.keep(fittedCurve(2, 3)), 2);
+  kept.commit();
+}
+
 TEST_F(kept_change, without_commit_changes_and_keeps_nothing) {
   const auto before = everything();
   {

@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/command_line.h"
+#include "apps/pelmora/commands.h"
+#include "apps/pelmora/common_options.h"
+#include "apps/pelmora/fit_output.h"
+#include "apps/pelmora/history_output.h"
+#include "apps/pelmora/question.h"
+#include "apps/pelmora/stored_change.h"
+#include "apps/pelmora/text_table.h"
+#include "apps/pelmora/trouble.h"
+
+#include <CLI/App.hpp>
+#include <nlohmann/json.hpp>
+
+#include <memory>
+
+namespace pelmora::cli {
+namespace {
+
+using Align = TextTable::Align;
+
+struct DeleteOptions {
+  std::string path, meter, series;
+  std::int16_t reCalID = -1;
+  bool wholeMeter = false, isDryRun = false, asJson = false;
+  Consent consent;
+};
+
+// A series or a calibration that is to go.
+struct Target {
+  MeterInfo meter;
+  std::string series;  // empty: the whole calibration
+  history::Scope scope;
+  history::DeleteOutcome outcome;
+};
+
+void requireOneTarget(const DeleteOptions& options) {
+  const bool isSeries = !options.series.empty(), isCalibration = options.reCalID >= 0;
+  if (!isSeries && !isCalibration && !options.wholeMeter) {
+    throw Trouble(ExitCode::usage, "it is not said what to delete of meter '" + options.meter + "'",
+                  "give --series NAME, --calibration N or --whole-meter");
+  }
+  if (options.wholeMeter && (isSeries || isCalibration)) {
+    throw Trouble(ExitCode::usage, "--whole-meter deletes all calibrations with all series",
+                  "leave --series and --calibration out, or leave it out");
+  }
+}
+
+std::vector<Target> targets(CurveSession& session, const DeleteOptions& options) {
+  std::vector<Target> list;
+  if (!options.wholeMeter) {
+    Target target{session.requireMeter(options.meter, options.reCalID), options.series, {}, {}};
+    const std::int32_t id = target.meter.MeterID;
+    target.scope = options.series.empty()
+                       ? history::wholeCalibration(id)
+                       : history::wholeSeries(id, session.requireSeriesID(target.meter, options.series));
+    return {target};
+  }
+  bool isEmpty = true;
+  std::vector<std::int16_t> numbers;
+  (void)session.requireMeter(options.meter, -1);
+  (void)session.data().MetersAdjusted(options.meter, isEmpty, numbers);
+  for (const std::int16_t number : numbers) {
+    Target target{session.requireMeter(options.meter, number), "", {}, {}};
+    target.scope = history::wholeCalibration(target.meter.MeterID);
+    list.push_back(std::move(target));
+  }
+  return list;
+}
+
+void remove(StoredChange& change, std::vector<Target>& list) {
+  CurveSession& session = change.session();
+  change.begin();
+  for (Target& target : list) {
+    target.outcome = asDatabaseTrouble("deleting from '" + session.path() + "'", [&] {
+      return history::removeKept(session.connection(), change.kept(), target.scope);
+    });
+    change.noteEntry(target.outcome.KeptAs);
+  }
+  change.finish();
+}
+
+std::string targetsTable(const std::vector<Target>& list) {
+  TextTable table({{"Of", Align::left}, {"What", Align::left}, {"Rows", Align::right}});
+  for (const Target& target : list) {
+    std::string place = placeText(target.meter.SerialNumber, target.meter.ReCalID, target.series);
+    for (const auto& [name, rows] : target.outcome.Rows) {
+      table.addRow({place, rowsName(name), std::to_string(rows)});
+      place.clear();  // told once
+    }
+  }
+  return table.text();
+}
+
+nlohmann::json targetsJson(const std::vector<Target>& list) {
+  nlohmann::json deleted = nlohmann::json::array();
+  for (const Target& target : list) {
+    nlohmann::json rows = nlohmann::json::object();
+    for (const auto& [name, count] : target.outcome.Rows) rows[rowsKey(name)] = count;
+    deleted.push_back({{"meter", target.meter.SerialNumber},
+                       {"calibration", target.meter.ReCalID},
+                       {"series", target.series.empty() ? nlohmann::json() : nlohmann::json(target.series)},
+                       {"rows", rows}});
+  }
+  return deleted;
+}
+
+void deleteStored(const DeleteOptions& options) {
+  requireOneTarget(options);
+  CurveSession session(options.path, Access::write);
+  std::vector<Target> list = targets(session, options);
+  // Nobody shall wait for the database while somebody thinks about the question.
+  StoredChange look(session, "delete", true);
+  remove(look, list);
+  if (!options.asJson) printData(targetsTable(list) + "\n");
+  StoredChange change(session, "delete", options.isDryRun);
+  if (!options.isDryRun) {
+    requireConsent("Delete this?", options.consent);
+    remove(change, list);
+  }
+  if (!options.asJson) return printData((options.isDryRun ? "" : "Deleted.\n") + change.closingText());
+  nlohmann::json value{{"database", session.path()}, {"deleted", targetsJson(list)}};
+  change.addTo(value);
+  printData(jsonText(value));
+}
+
+}  // namespace
+
+void addDeleteCommand(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand(
+      "delete",
+      "Delete a series (--series), a calibration (--calibration) or all of a meter (--whole-meter) with everything that "
+      "belongs to it. What is deleted is kept in the history.");
+  const auto options = std::make_shared<DeleteOptions>();
+  addDatabase(command, options->path);
+  addMeter(command, options->meter, true);
+  command.add_option("--series", options->series, "Delete this series of the calibration")->type_name("NAME");
+  addCalibration(command, options->reCalID);
+  command.add_flag("--whole-meter", options->wholeMeter, "Delete all calibrations of the meter");
+  addConsent(command, options->consent);
+  addDryRun(command, options->isDryRun);
+  addJson(command, options->asJson);
+  command.callback([options] { deleteStored(*options); });
+}
+
+}  // namespace pelmora::cli
