@@ -122,6 +122,9 @@ int run(int argc, const char* const* argv) {
     addDeleteCommand(app);
     addHistoryCommand(app);
     addRestoreCommand(app);
+    addCompletionCommand(app);
+    addManCommand(app);
+    addNamesCommand(app);
     addNoInputEverywhere(app);
     return runCommand(app, argc, argv);
   } catch (const Trouble& trouble) {

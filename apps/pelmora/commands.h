@@ -18,5 +18,8 @@ void addCalibrateCommand(CLI::App& app);
 void addDeleteCommand(CLI::App& app);
 void addHistoryCommand(CLI::App& app);
 void addRestoreCommand(CLI::App& app);
+void addCompletionCommand(CLI::App& app);
+void addManCommand(CLI::App& app);
+void addNamesCommand(CLI::App& app);
 
 }  // namespace pelmora::cli

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/command_line.h"
+#include "apps/pelmora/commands.h"
+#include "apps/pelmora/common_options.h"
+#include "apps/pelmora/curve_session.h"
+#include "apps/pelmora/description/shell_completion.h"
+#include "apps/pelmora/trouble.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Validators.hpp>
+
+#include <memory>
+
+namespace pelmora::cli {
+namespace {
+
+std::string completionOf(const std::string& shell, const ProgramDescription& program) {
+  if (shell == "bash") return bashCompletion(program);
+  return shell == "zsh" ? zshCompletion(program) : fishCompletion(program);
+}
+
+struct NamesOptions {
+  std::string kind, path, meter;
+};
+
+// One name a line, for the completion of a half-typed line: what cannot be told is left out.
+void listNames(const NamesOptions& options) {
+  CurveSession session(options.path, Access::read);
+  std::vector<std::string> names;
+  if (options.kind == "meters") {
+    names = session.serialNumbers();
+  } else if (!options.meter.empty()) {
+    names = session.seriesNames(session.requireMeter(options.meter, -1));
+  }
+  session.progress().clear();
+  std::string text;
+  for (const std::string& name : names) text += oneLine(name) + "\n";
+  printData(text);
+}
+
+}  // namespace
+
+void addCompletionCommand(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand(
+      "completion",
+      "Write the completion script of a shell. For example: pelmora completion bash >> ~/.bashrc");
+  const auto shell = std::make_shared<std::string>();
+  command.add_option("SHELL", *shell, "Shell that will complete")
+      ->required()
+      ->check(CLI::IsMember({"bash", "zsh", "fish"}))
+      ->option_text("bash|zsh|fish");
+  command.callback([&app, shell] { printData(completionOf(*shell, describe(app))); });
+}
+
+void addNamesCommand(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand("names", "List names of a curve database");
+  command.group("");  // for the completion scripts, not for people
+  const auto options = std::make_shared<NamesOptions>();
+  command.add_option("KIND", options->kind, "What to list")
+      ->required()
+      ->check(CLI::IsMember({"meters", "series"}));
+  addDatabase(command, options->path);
+  addMeter(command, options->meter, false);
+  command.callback([options] { listNames(*options); });
+}
+
+}  // namespace pelmora::cli

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/description/shell_completion.h"
+
+namespace pelmora::cli {
+namespace {
+
+constexpr const char* nameFunction = R"shell(_pelmora_names() {
+  local file meter word previous=
+  local -a names
+  for word in "${(@Q)words[2,CURRENT-1]}"; do
+    [[ -z $file && -f $word ]] && file=$word
+    [[ $previous == --meter ]] && meter=$word
+    previous=$word
+  done
+  [[ -n $file ]] || return 1
+  names=("${(@f)$("${words[1]:-pelmora}" names $1 "$file" ${meter:+--meter} ${meter:+"$meter"} 2>/dev/null)}")
+  compadd -a names
+}
+)shell";
+
+// Inside an option's specification "[", "]", ":" and "\" have a meaning of their own.
+std::string specificationText(const std::string& text) {
+  std::string result;
+  for (const char c : text) {
+    if (c == '[' || c == ']' || c == ':' || c == '\\') result += '\\';
+    result += c;
+  }
+  return result;
+}
+
+std::string actionOf(const OptionDescription& option) {
+  switch (option.kind) {
+    case ValueKind::meter: return "_pelmora_names meters";
+    case ValueKind::series: return "_pelmora_names series";
+    case ValueKind::file: return "_files";
+    case ValueKind::choice: {
+      std::string words;
+      for (const std::string& choice : option.choices) words += (words.empty() ? "" : " ") + choice;
+      return "(" + words + ")";
+    }
+    default: return " ";
+  }
+}
+
+std::string valueOf(const OptionDescription& option) {
+  if (option.kind == ValueKind::none) return "";
+  return ":" + specificationText(option.value) + ":" + actionOf(option);
+}
+
+std::string caseOf(const CommandDescription& command) {
+  std::string text = "    " + command.name + ")\n      _arguments";
+  for (const OptionDescription& option : command.options) {
+    for (const std::string& name : option.names) {
+      text += " \\\n        " + shellQuoted("*" + name + "[" + specificationText(option.help) +
+                                            "]" + valueOf(option));
+    }
+  }
+  for (const OptionDescription& positional : command.positionals) {
+    const std::string action =
+        positional.kind == ValueKind::choice ? actionOf(positional) : "_files";
+    text +=
+        " \\\n        " + shellQuoted("*:" + specificationText(positional.name()) + ":" + action);
+    break;
+  }
+  return text + "\n      ;;\n";
+}
+
+}  // namespace
+
+std::string zshCompletion(const ProgramDescription& program) {
+  std::string text = "#compdef " + program.name + "\n# zsh completion for " + program.name + "\n";
+  text += nameFunction;
+  text += "_pelmora() {\n  local -a commands\n  commands=(\n";
+  for (const CommandDescription& command : program.commands) {
+    text += "    " + shellQuoted(command.name + ":" + specificationText(command.help)) + "\n";
+  }
+  text +=
+      "  )\n  if ((CURRENT == 2)); then\n    _describe -t commands command commands\n    return\n  "
+      "fi\n"
+      "  local command=${words[2]}\n  shift words\n  ((CURRENT--))\n  words[1]=" +
+      program.name + "\n  case $command in\n";
+  for (const CommandDescription& command : program.commands) text += caseOf(command);
+  return text +
+         "  esac\n}\nif [[ $funcstack[1] == _pelmora ]]; then _pelmora; else compdef _pelmora " +
+         program.name + "; fi\n";
+}
+
+}  // namespace pelmora::cli
