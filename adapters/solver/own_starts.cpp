@@ -2,6 +2,7 @@
 #include "adapters/solver/own_starts.h"
 
 #include "adapters/solver/expression_model.h"
+#include "adapters/solver/parameter_sizes.h"
 #include "adapters/solver/trust_region.h"
 
 #include <algorithm>
@@ -11,11 +12,11 @@
 namespace pelmora::solver {
 namespace {
 
-constexpr std::size_t candidatesPerStart = 60, triedPerStart = 6;
-constexpr int trialIterations = 12;
+constexpr std::size_t candidatesPerStart = 300, triedPerStart = 30;
+constexpr int trialIterations = 5;
 constexpr double sameValley = 1e-4;
-constexpr double mostWork = 2e7;  // of the candidates, in plain operations
-constexpr std::size_t screeningPoints = 200;
+constexpr double mostWork = 2e7;  // of the candidates, and of the trials, in plain operations
+constexpr std::size_t screeningPoints = 60;  // up to twice as many, spread over all
 
 // Splitmix64: a fixed sequence, so that a fit can be repeated.
 class Sequence {
@@ -62,6 +63,17 @@ double guess(Sequence& sequence, const Ranges& r) {
   }
 }
 
+// A guess of a parameter that goes with the unit of x to some power.
+double guess(Sequence& sequence, const Ranges& r, double power) {
+  const double width = r.highX > r.lowX ? r.highX - r.lowX : r.sizeX;
+  const double sign = sequence.next() < 0.7 ? 1 : -1;
+  if (power == 1 && sequence.next() < 0.5) return r.lowX + width * sequence.next();
+  if (power == 1) return width * std::pow(10.0, -2 * sequence.next());
+  if (power == 0) return sign * std::pow(10.0, 3 * sequence.next() - 1.5);
+  const double size = sequence.next() < 0.5 ? width : r.sizeX;
+  return sign * std::pow(size * std::pow(10.0, 1 - 2 * sequence.next()), power);
+}
+
 void keepBest(std::vector<SearchEnd>& ends, std::size_t count) {
   std::erase_if(ends, [](const SearchEnd& end) { return !std::isfinite(end.residualSquares); });
   std::stable_sort(ends.begin(), ends.end(), [](const SearchEnd& a, const SearchEnd& b) {
@@ -88,6 +100,7 @@ std::vector<std::vector<double>> ownStarts(const Expression& expression, std::sp
   screening.iterations = 0;
   screening.projected = model->isLinearIn();
   const Ranges ranges = rangesOf(xs, ys);
+  const std::vector<std::optional<double>> powers = powersOfUnit(expression);
   Sequence sequence;
   std::vector<SearchEnd> ends;
   double evaluationsLeft = mostWork / model->work();
@@ -96,10 +109,18 @@ std::vector<std::vector<double>> ownStarts(const Expression& expression, std::sp
   const std::size_t candidates = std::min(count * candidatesPerStart, affordable);
   for (std::size_t k = 0; k < candidates; ++k) {
     std::vector<double> start(p);
-    for (std::size_t j = 0; j < p; ++j) start[j] = screening.projected[j] ? 1 : guess(sequence, ranges);
+    const bool byForm = k % 4 != 3;  // the form of an equation may mislead
+    for (std::size_t j = 0; j < p; ++j) {
+      if (screening.projected[j]) {
+        start[j] = 1;
+      } else {
+        start[j] = byForm && powers[j] ? guess(sequence, ranges, *powers[j]) : guess(sequence, ranges);
+      }
+    }
     ends.push_back(searchFrom(*model, std::move(start), screening));
   }
   keepBest(ends, std::min(count * triedPerStart, candidates));
+  evaluationsLeft = mostWork / model->work();
   screening.iterations = trialIterations;  // a few steps tell a valley from a lucky place
   for (SearchEnd& end : ends) end = searchFrom(*model, end.parameters, screening);
   keepBest(ends, count);

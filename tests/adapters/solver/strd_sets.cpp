@@ -107,6 +107,25 @@ StrdSet strdSet(const std::string& name) {
   throw std::runtime_error("no set " + name);
 }
 
+std::vector<StrdSet> moreStrdSets() {
+  std::ifstream file(std::string(PELMORA_SOURCE_DIR) + "/tests/data/strd_more/sets.json");
+  std::vector<StrdSet> sets;
+  for (const json& entry : json::parse(file)) {
+    StrdSet set;
+    set.name = entry.at("name");
+    set.model = entry.at("model");
+    set.start1 = entry.at("start1").get<std::vector<double>>();
+    set.start2 = entry.at("start2").get<std::vector<double>>();
+    set.parameters = longNumbers(entry.at("parameters"));
+    set.standardErrors = longNumbers(entry.at("standard_errors"));
+    set.residualSquares = longNumber(entry.at("residual_squares"));
+    set.x = {entry.at("x").get<std::vector<double>>()};
+    set.y = entry.at("y").get<std::vector<double>>();
+    sets.push_back(std::move(set));
+  }
+  return sets;
+}
+
 double agreeingDigits(double value, long double reference) {
   if (!std::isfinite(value)) return 0;
   const long double scale = reference == 0 ? 1 : std::fabs(reference);
