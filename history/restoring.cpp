@@ -24,6 +24,7 @@ Ids keptIds(const ConnectionPtr& curves, const Entry& entry, const KeptTable& ta
 
 // The rows must find the calibration and series that they belong to.
 void requireOwners(const ConnectionPtr& curves, const Entry& entry) {
+  if (entry.SerialNumber.empty()) return;  // they had none when they were kept
   if (!covers(entry, "meter")) {
     const auto meter = read(curves, "Select SerialNumber from meter" + whereIn("ID", {entry.Kept.MeterID}));
     if (meter->atEnd()) {

@@ -120,6 +120,7 @@ int run(int argc, const char* const* argv) {
     addShowCommand(app);
     addCalibrateCommand(app);
     addDeleteCommand(app);
+    addDoctorCommand(app);
     addHistoryCommand(app);
     addRestoreCommand(app);
     addCompletionCommand(app);

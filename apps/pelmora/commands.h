@@ -16,6 +16,7 @@ void addFitCommand(CLI::App& app);
 void addShowCommand(CLI::App& app);
 void addCalibrateCommand(CLI::App& app);
 void addDeleteCommand(CLI::App& app);
+void addDoctorCommand(CLI::App& app);
 void addHistoryCommand(CLI::App& app);
 void addRestoreCommand(CLI::App& app);
 void addCompletionCommand(CLI::App& app);

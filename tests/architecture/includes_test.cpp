@@ -45,8 +45,9 @@ const std::map<std::string, FolderRule>& rules() {
          "adapters/band", "adapters/dialog"},
         {}}},
       {"history", {{"store"}, {}}},
+      {"doctor", {{"history", "store"}, {}}},
       {"report", {{}, {"nlohmann", "xlsxwriter.h"}}},
-      {"apps/pelmora", {{"history", "report"}, {"CLI", "nlohmann", "posix"}}},
+      {"apps/pelmora", {{"doctor", "history", "report"}, {"CLI", "nlohmann", "posix"}}},
       {"include/pelmora", {}},
   };
   return table;

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#include "doctor/examination.h"
+
+#include "doctor/checks.h"
+
+#include <algorithm>
+
+namespace pelmora::doctor {
+
+std::vector<Finding> examine(const ConnectionPtr& curves) {
+  Findings findings;
+  for (const auto check :
+       {checkNumbers, checkNames, checkOrphans, checkPoints, checkCurveAges, checkIndexes, checkTables}) {
+    check(curves, findings);
+  }
+  std::stable_sort(findings.begin(), findings.end(),
+                   [](const Finding& a, const Finding& b) { return a.Level > b.Level; });
+  return findings;
+}
+
+bool hasProblems(const std::vector<Finding>& findings) {
+  return std::any_of(findings.begin(), findings.end(),
+                     [](const Finding& finding) { return finding.Level != Severity::note; });
+}
+
+}  // namespace pelmora::doctor

@@ -1,0 +1,21 @@
+// A curve database looked over.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "doctor/finding.h"
+
+#include <pelmora/database.h>
+
+#include <vector>
+
+namespace pelmora::doctor {
+
+// All that the checks find, what is worst first; empty where all is well. Changes nothing.
+//
+// Errors: Error where the database cannot be read or lacks a given table.
+[[nodiscard]] std::vector<Finding> examine(const ConnectionPtr& curves);
+
+// Whether there is a finding that is more than a note.
+[[nodiscard]] bool hasProblems(const std::vector<Finding>& findings);
+
+}  // namespace pelmora::doctor

@@ -1,0 +1,113 @@
+// Checks of points and of curves against their points.
+// SPDX-License-Identifier: MIT
+#include "doctor/checks.h"
+#include "doctor/places.h"
+#include "history/row_access.h"
+
+#include <bit>
+#include <map>
+#include <optional>
+#include <set>
+#include <unordered_set>
+
+namespace pelmora::doctor {
+namespace {
+
+using history::idsOf;
+using history::read;
+using history::wholeOf;
+
+constexpr const char* largestNumber = "1.7976931348623157E308";
+
+// Null, infinite, or a text: texts stand above all numbers.
+std::string unusable(const std::string& column) {
+  return "[" + column + "] IS NULL OR [" + column + "]>" + largestNumber + " OR [" + column + "]<-" + largestNumber;
+}
+
+// A point as a key; points that a merge has taken over are equal to the last bit.
+using PointKey = std::uint64_t;
+
+std::optional<PointKey> keyOf(const Recordset& rows) {
+  const auto* x = std::get_if<double>(&rows.value("Roshko"));
+  const auto* y = std::get_if<double>(&rows.value("Strouhal"));
+  if (x == nullptr || y == nullptr) return std::nullopt;
+  constexpr PointKey odd = 0x9E3779B97F4A7C15U;  // spreads the bits
+  PointKey key = static_cast<PointKey>(wholeOf(rows.value("seriesID"))) * odd;
+  for (const double number : {*x, *y}) key = (std::rotl(key, 23) ^ std::bit_cast<PointKey>(number)) * odd;
+  return key;
+}
+
+using PointKeys = std::unordered_set<PointKey>;
+
+// What the raw parts of all series hold against what their merged points hold.
+class CurveAges {
+ public:
+  explicit CurveAges(const ConnectionPtr& curves) : curves_(curves) {
+    for (const std::int64_t id : idsOf(curves, "Select DISTINCT seriesID from curve")) withCurve_.insert(id);
+    forEachPoint("merge", [&](std::int64_t, PointKey key) { merged_.insert(key); });
+    for (const char* table : rawTables) addRawPart(table);
+    forEachPoint("merge", [&](std::int64_t series, PointKey key) {
+      if (!raw_.contains(key)) outdated_.insert(series);
+    });
+  }
+  [[nodiscard]] const std::set<std::int64_t>& outdated() const { return outdated_; }
+
+ private:
+  template <class Use>
+  void forEachPoint(const std::string& table, Use&& use) const {
+    for (const auto rows = read(curves_, "Select seriesID, Roshko, Strouhal from [" + table + "]"); !rows->atEnd();
+         rows->moveNext()) {
+      const std::int64_t series = wholeOf(rows->value("seriesID"));
+      if (!withCurve_.contains(series)) continue;
+      if (const auto key = keyOf(*rows)) use(series, *key);
+    }
+  }
+
+  // A part of two points or more gives the merge at least one, unless it came later.
+  void addRawPart(const std::string& table) {
+    struct Part {
+      std::size_t points = 0, merged = 0;
+    };
+    std::map<std::int64_t, Part> parts;
+    forEachPoint(table, [&](std::int64_t series, PointKey key) {
+      raw_.insert(key);
+      ++parts[series].points;
+      if (merged_.contains(key)) ++parts[series].merged;
+    });
+    for (const auto& [series, part] : parts) {
+      if (part.points > 1 && part.merged == 0) outdated_.insert(series);
+    }
+  }
+
+  ConnectionPtr curves_;
+  std::set<std::int64_t> withCurve_, outdated_;
+  PointKeys merged_, raw_;
+};
+
+}  // namespace
+
+void checkNumbers(const ConnectionPtr& curves, Findings& findings) {
+  std::size_t count = 0;
+  std::string example;
+  for (const char* table : pointTables) {
+    const auto rows = read(curves, "Select seriesID from [" + std::string(table) + "] where " + unusable("Roshko") +
+                                       " OR " + unusable("Strouhal"));
+    if (rows->recordCount() > 0 && example.empty()) {
+      example = "table " + std::string(table) + ", " + seriesPlace(curves, wholeOf(rows->value(0)));
+    }
+    count += static_cast<std::size_t>(rows->recordCount());
+  }
+  if (count == 0) return;
+  findings.push_back({"unusable-numbers", Severity::error, count, "Points that are empty or no finite numbers", example,
+                      false, "bring the raw points again or import the run again, then fit"});
+}
+
+void checkCurveAges(const ConnectionPtr& curves, Findings& findings) {
+  const CurveAges ages(curves);
+  if (ages.outdated().empty()) return;
+  findings.push_back({"outdated-curves", Severity::warning, ages.outdated().size(),
+                      "Curves whose raw points have changed since they were fitted",
+                      seriesPlace(curves, *ages.outdated().begin()), false, "fit them again with 'pelmora fit'"});
+}
+
+}  // namespace pelmora::doctor

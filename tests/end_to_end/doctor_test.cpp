@@ -1,0 +1,160 @@
+// Checking a curve database and mending it.
+// SPDX-License-Identifier: MIT
+#include "tests/end_to_end/command.h"
+
+#include <sqlite3.h>
+
+namespace pelmora::test {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+class doctor : public CommandTest {
+ protected:
+  doctor() {
+    init();
+    done(twoFluids());
+    done({"raw", curves, write("p.csv", "1,2\n3,4\n5,6\n"), "--meter", "P", "--register", "--series", "S"});
+  }
+  void execute(const std::string& sql) const {
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open(curves.c_str(), &database), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(database);
+    sqlite3_close(database);
+  }
+  [[nodiscard]] int count(const std::string& from) const {
+    sqlite3* database = nullptr;
+    sqlite3_stmt* statement = nullptr;
+    sqlite3_open(curves.c_str(), &database);
+    sqlite3_prepare_v2(database, ("SELECT COUNT(*) FROM " + from).c_str(), -1, &statement, nullptr);
+    sqlite3_step(statement);
+    const int rows = sqlite3_column_int(statement, 0);
+    sqlite3_finalize(statement);
+    sqlite3_close(database);
+    return rows;
+  }
+  nlohmann::json examined(int exitCode, const Arguments& more = {}) const {
+    Arguments arguments{"doctor", curves, "--json"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    const CommandResult result = run(arguments);
+    EXPECT_EQ(result.exitCode, exitCode) << result.error << result.output;
+    return result.json();
+  }
+  // The one thing that is wrong.
+  nlohmann::json finding(const std::string& id, const std::string& severity) const {
+    const auto value = examined(severity == "note" ? 0 : 5);
+    EXPECT_EQ(value["findings"].size(), 1U) << value;
+    if (value["findings"].empty()) return {};
+    const auto found = value["findings"][0];
+    EXPECT_EQ(found["id"], id);
+    EXPECT_EQ(found["severity"], severity);
+    return found;
+  }
+};
+
+TEST_F(doctor, finds_nothing_wrong_after_the_commands_of_a_calibration) {
+  EXPECT_THAT(done({"doctor", curves}).output, HasSubstr("Nothing is wrong"));
+  done({"fit", curves, "--meter", "M1", "--series", "Rotor A", "--min", "2", "--max", "1000", "--band", "0.5"});
+  done({"delete", curves, "--meter", "M1", "--series", "Ratio", "--yes"});
+  done({"restore", curves, "2"});
+  EXPECT_EQ(examined(0)["findings"].size(), 0U);
+}
+
+TEST_F(doctor, finds_points_that_are_no_finite_numbers) {
+  execute("UPDATE raw1 SET Strouhal = NULL WHERE seriesID = 5 AND Roshko = 3;"
+          "UPDATE raw1 SET Roshko = 9e999 WHERE seriesID = 5 AND Roshko = 5;"
+          "UPDATE curve SET Strouhal = 'thick' WHERE seriesID = 1 AND rowid = 1");
+  const auto found = finding("unusable-numbers", "error");
+  EXPECT_EQ(found["count"], 3);
+  EXPECT_EQ(found["repairable"], false);
+  EXPECT_EQ(found["example"], "table raw1, series 'S' of meter 'P', calibration 0");
+  EXPECT_EQ(run({"doctor", curves, "--repair"}).exitCode, 5);
+  EXPECT_EQ(finding("unusable-numbers", "error")["count"], 3);
+}
+
+TEST_F(doctor, finds_series_and_calibrations_of_the_same_name) {
+  execute("INSERT INTO series (name, meterid) VALUES ('rotor a', 1); INSERT INTO raw1 VALUES (6, 1, 2)");
+  EXPECT_EQ(finding("duplicate-series", "error")["example"], "series 'Rotor A' of meter 'M1', calibration 0");
+  execute("DELETE FROM series WHERE ID = 6; DELETE FROM raw1 WHERE seriesID = 6;"
+          "INSERT INTO meter (SerialNumber, ReCalID) VALUES ('m1', 0)");
+  EXPECT_EQ(finding("duplicate-calibrations", "error")["count"], 1);
+}
+
+TEST_F(doctor, finds_series_without_points) {
+  execute("INSERT INTO series (name, meterid) VALUES ('Empty', 2)");
+  EXPECT_EQ(finding("series-without-points", "warning")["example"], "series 'Empty' of meter 'P', calibration 0");
+}
+
+TEST_F(doctor, finds_curves_whose_raw_points_have_changed) {
+  done({"raw", curves, write("q.csv", "1,3\n2,5\n"), "--meter", "M1", "--series", "Rotor A", "--part", "2"});
+  const auto found = finding("outdated-curves", "warning");
+  EXPECT_EQ(found["count"], 1);
+  EXPECT_EQ(found["example"], "series 'Rotor A' of meter 'M1', calibration 0");
+  done({"restore", curves, "1"});
+  EXPECT_EQ(examined(0)["findings"].size(), 0U);
+}
+
+TEST_F(doctor, finds_curves_that_do_not_know_a_raw_part) {
+  done({"raw", curves, write("q.csv", "1,3\n2,5\n"), "--meter", "M1", "--series", "Rotor B", "--part", "3"});
+  EXPECT_EQ(finding("outdated-curves", "warning")["example"], "series 'Rotor B' of meter 'M1', calibration 0");
+}
+
+TEST_F(doctor, removes_orphaned_rows_and_keeps_them) {
+  execute("DELETE FROM series WHERE ID = 1");  // what the component's own DeleteSeries leaves
+  const auto found = finding("orphaned-rows", "warning");
+  EXPECT_EQ(found["repairable"], true);
+  EXPECT_EQ(found["example"], "series 1");
+  const int rows = count("raw1");
+  const auto dry = examined(0, {"--repair", "--dry-run"});
+  EXPECT_EQ(dry["findings"][0]["repaired"], true);
+  EXPECT_EQ(count("raw1"), rows);
+  const auto mended = examined(0, {"--repair"});
+  EXPECT_EQ(mended["findings"][0]["repaired"], true);
+  EXPECT_EQ(mended["historyEntries"].size(), 1U);
+  EXPECT_EQ(count("raw1"), rows - 24);
+  EXPECT_EQ(examined(0)["findings"].size(), 0U);
+  done({"restore", curves, mended["historyEntries"][0].dump()});
+  EXPECT_EQ(count("raw1"), rows);
+}
+
+TEST_F(doctor, removes_everything_of_a_missing_calibration) {
+  execute("DELETE FROM meter WHERE ID = 1");
+  EXPECT_EQ(finding("orphaned-rows", "warning")["example"], "meter 1");
+  EXPECT_EQ(examined(0, {"--repair"})["findings"][0]["repaired"], true);
+  EXPECT_EQ(count("series"), 1);
+  EXPECT_EQ(count("CalDataPoint"), 0);
+  EXPECT_EQ(count("curve"), 0);
+  EXPECT_EQ(examined(0)["findings"].size(), 0U);
+}
+
+TEST_F(doctor, tells_rows_that_belong_to_nothing) {
+  execute("INSERT INTO raw3 VALUES (NULL, 1, 2); INSERT INTO CalDataPoint (CalSetupID) VALUES (77)");
+  EXPECT_EQ(finding("stray-rows", "warning")["count"], 2);
+}
+
+TEST_F(doctor, makes_missing_indexes_and_history_tables) {
+  execute("DROP INDEX raw1_series; DROP INDEX series_meter; DROP TABLE pelmora_history_curve");
+  const auto value = examined(0);
+  ASSERT_EQ(value["findings"].size(), 2U);
+  EXPECT_EQ(value["findings"][0]["id"], "missing-indexes");
+  EXPECT_EQ(value["findings"][0]["count"], 2);
+  EXPECT_EQ(value["findings"][1]["id"], "missing-history-tables");
+  EXPECT_EQ(value["problemsRemain"], false);
+  examined(0, {"--repair"});
+  EXPECT_EQ(examined(0)["findings"].size(), 0U);
+}
+
+TEST_F(doctor, shows_a_table_of_80_columns_and_one_line_of_trouble) {
+  execute("DELETE FROM series WHERE ID = 1; UPDATE raw1 SET Roshko = NULL WHERE seriesID = 5");
+  const CommandResult result = run({"doctor", curves});
+  EXPECT_EQ(result.exitCode, 5);
+  EXPECT_THAT(result.error, HasSubstr("has problems"));
+  EXPECT_THAT(result.output, AllOf(HasSubstr("unusable-numbers"), HasSubstr("--repair"), HasSubstr("Remedy:")));
+  std::istringstream lines(result.output);
+  for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 80U) << line;
+  EXPECT_THAT(trouble(2, {"doctor", curves, "--dry-run"}), HasSubstr("--repair"));
+}
+
+}  // namespace
+}  // namespace pelmora::test
