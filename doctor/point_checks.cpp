@@ -5,10 +5,12 @@
 #include "history/row_access.h"
 
 #include <bit>
-#include <map>
 #include <optional>
 #include <set>
+#include <unordered_map>
 #include <unordered_set>
+#include <utility>
+#include <vector>
 
 namespace pelmora::doctor {
 namespace {
@@ -27,12 +29,13 @@ std::string unusable(const std::string& column) {
 // A point as a key; points that a merge has taken over are equal to the last bit.
 using PointKey = std::uint64_t;
 
-std::optional<PointKey> keyOf(const Recordset& rows) {
-  const auto* x = std::get_if<double>(&rows.value("Roshko"));
-  const auto* y = std::get_if<double>(&rows.value("Strouhal"));
+// Columns: series, x, y.
+std::optional<PointKey> keyOf(const Recordset& rows, std::int64_t series) {
+  const auto* x = std::get_if<double>(&rows.value(1));
+  const auto* y = std::get_if<double>(&rows.value(2));
   if (x == nullptr || y == nullptr) return std::nullopt;
   constexpr PointKey odd = 0x9E3779B97F4A7C15U;  // spreads the bits
-  PointKey key = static_cast<PointKey>(wholeOf(rows.value("seriesID"))) * odd;
+  PointKey key = static_cast<PointKey>(series) * odd;
   for (const double number : {*x, *y}) key = (std::rotl(key, 23) ^ std::bit_cast<PointKey>(number)) * odd;
   return key;
 }
@@ -44,11 +47,13 @@ class CurveAges {
  public:
   explicit CurveAges(const ConnectionPtr& curves) : curves_(curves) {
     for (const std::int64_t id : idsOf(curves, "Select DISTINCT seriesID from curve")) withCurve_.insert(id);
-    forEachPoint("merge", [&](std::int64_t, PointKey key) { merged_.insert(key); });
+    std::vector<std::pair<std::int64_t, PointKey>> merged;
+    forEachPoint("merge", [&](std::int64_t series, PointKey key) { merged.emplace_back(series, key); });
+    for (const auto& [series, key] : merged) merged_.insert(key);
     for (const char* table : rawTables) addRawPart(table);
-    forEachPoint("merge", [&](std::int64_t series, PointKey key) {
+    for (const auto& [series, key] : merged) {
       if (!raw_.contains(key)) outdated_.insert(series);
-    });
+    }
   }
   [[nodiscard]] const std::set<std::int64_t>& outdated() const { return outdated_; }
 
@@ -57,9 +62,9 @@ class CurveAges {
   void forEachPoint(const std::string& table, Use&& use) const {
     for (const auto rows = read(curves_, "Select seriesID, Roshko, Strouhal from [" + table + "]"); !rows->atEnd();
          rows->moveNext()) {
-      const std::int64_t series = wholeOf(rows->value("seriesID"));
+      const std::int64_t series = wholeOf(rows->value(0));
       if (!withCurve_.contains(series)) continue;
-      if (const auto key = keyOf(*rows)) use(series, *key);
+      if (const auto key = keyOf(*rows, series)) use(series, *key);
     }
   }
 
@@ -68,7 +73,7 @@ class CurveAges {
     struct Part {
       std::size_t points = 0, merged = 0;
     };
-    std::map<std::int64_t, Part> parts;
+    std::unordered_map<std::int64_t, Part> parts;
     forEachPoint(table, [&](std::int64_t series, PointKey key) {
       raw_.insert(key);
       ++parts[series].points;
@@ -80,7 +85,8 @@ class CurveAges {
   }
 
   ConnectionPtr curves_;
-  std::set<std::int64_t> withCurve_, outdated_;
+  std::unordered_set<std::int64_t> withCurve_;
+  std::set<std::int64_t> outdated_;
   PointKeys merged_, raw_;
 };
 

@@ -14,11 +14,11 @@ class command_line : public CommandTest {};
 
 TEST_F(command_line, helps_and_tells_the_exit_codes) {
   const std::string help = done({"--help"}).output;
-  for (const char* command : {"init", "import", "raw", "fit", "show", "calibrate"}) {
+  for (const char* command : {"init", "import", "raw", "fit", "show", "calibrate", "delete", "history", "restore", "doctor"}) {
     EXPECT_THAT(help, HasSubstr(command));
     EXPECT_THAT(done({command, "--help"}).output, HasSubstr("CURVES")) << command;
   }
-  EXPECT_THAT(help, AllOf(HasSubstr("0 done"), HasSubstr("7 range outside")));
+  EXPECT_THAT(help, AllOf(HasSubstr("0 done"), HasSubstr("7 range outside"), HasSubstr("8 not confirmed")));
 }
 
 TEST_F(command_line, has_help_of_80_columns) {
@@ -26,7 +26,11 @@ TEST_F(command_line, has_help_of_80_columns) {
                                                          {"fit", "--help"},
                                                          {"calibrate", "--help"},
                                                          {"raw", "--help"},
-                                                         {"import", "--help"}}) {
+                                                         {"import", "--help"},
+                                                         {"delete", "--help"},
+                                                         {"history", "--help"},
+                                                         {"restore", "--help"},
+                                                         {"doctor", "--help"}}) {
     std::istringstream lines(done(command).output);
     for (std::string line; std::getline(lines, line);)
       EXPECT_LE(line.size(), 80U) << command[0] << ": " << line;
