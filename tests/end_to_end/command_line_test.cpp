@@ -56,6 +56,18 @@ TEST_F(command_line, suggests_the_command_or_option_that_was_meant) {
   EXPECT_THAT(trouble(2, {"show", curves, "--metre", "P"}), HasSubstr("did you mean '--meter'?"));
 }
 
+TEST_F(command_line, has_colour_on_a_terminal_unless_the_user_wants_none) {
+  const auto onTerminal = [&](const std::string& environment) {
+    const std::string program = "env " + environment + " " + PELMORA_PROGRAM + " show " + scratch.file("none.db");
+    const std::string line = "script -qec '" + program + "' " + scratch.file("terminal") + " >/dev/null 2>&1";
+    EXPECT_NE(std::system(line.c_str()), 0);
+    return contentsOf(scratch.file("terminal"));
+  };
+  EXPECT_THAT(onTerminal("-u NO_COLOR TERM=xterm"), HasSubstr("\033[1;31mpelmora: error:\033[0m"));
+  EXPECT_THAT(onTerminal("NO_COLOR=1 TERM=xterm"), testing::Not(HasSubstr("\033[")));
+  EXPECT_THAT(onTerminal("-u NO_COLOR TERM=dumb"), testing::Not(HasSubstr("\033[")));
+}
+
 TEST_F(command_line, takes_no_input_for_any_command) {
   done({"init", curves, "--no-input"});
   done({"show", curves, "--no-input"});
