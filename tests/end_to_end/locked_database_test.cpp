@@ -70,6 +70,10 @@ TEST_F(locked_database, is_not_waited_for_and_not_changed) {
              {"show", curves},
              {"fit", curves, "--meter", "P", "--series", "S"},
              {"raw", curves, scratch.file("p.csv"), "--meter", "P", "--series", "S"},
+             {"history", curves},
+             {"restore", curves, "1"},
+             {"delete", curves, "--meter", "P", "--series", "S", "--yes"},
+             {"doctor", curves},
              twoFluids()}) {
       EXPECT_THAT(trouble(3, command),
                   AllOf(HasSubstr("locked by another user"), HasSubstr("curves.db")))
@@ -86,6 +90,12 @@ TEST_F(locked_database, can_be_read_while_another_process_is_about_to_write) {
   EXPECT_EQ(show()["raw"][0].size(), 2U);
   EXPECT_THAT(trouble(3, {"raw", curves, scratch.file("p.csv"), "--meter", "P", "--series", "S"}),
               AllOf(HasSubstr("cannot be written now"), HasSubstr("nothing was changed")));
+  for (const Arguments& command : std::vector<Arguments>{{"restore", curves, "1"},
+                                                         {"delete", curves, "--meter", "P", "--series", "S", "--yes"},
+                                                         {"doctor", curves, "--repair"}}) {
+    EXPECT_THAT(trouble(3, command), HasSubstr("nothing was changed")) << command[0];
+  }
+  done({"doctor", curves});
 }
 
 TEST_F(locked_database, works_again_when_the_other_process_has_gone) {
