@@ -9,6 +9,15 @@
 
 namespace pelmora {
 
+std::filesystem::path filePath(const std::string& utf8) {
+  return std::u8string(utf8.begin(), utf8.end());
+}
+
+std::string utf8Text(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
 bool fileExists(const std::filesystem::path& path) noexcept {
   std::error_code failure;
   const auto status = std::filesystem::status(path, failure);

@@ -1,4 +1,4 @@
-// Reading text files.
+// File paths and reading text files.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -6,6 +6,10 @@
 #include <string>
 
 namespace pelmora {
+
+// Texts are UTF-8 on every system; a path made from a std::string directly is not.
+[[nodiscard]] std::filesystem::path filePath(const std::string& utf8);
+[[nodiscard]] std::string utf8Text(const std::filesystem::path& path);
 
 // Whether the path names a file; a folder is none. What cannot be looked at does not exist.
 [[nodiscard]] bool fileExists(const std::filesystem::path& path) noexcept;

@@ -19,7 +19,7 @@ clsDataFit::clsDataFit(Platform& platform) : platform_(platform) {
 }
 
 std::string clsDataFit::LoadEquations() {
-  const auto path = std::filesystem::path(platform_.componentFolder) / equationFileName(RatioCurve);
+  const auto path = filePath(platform_.componentFolder) / equationFileName(RatioCurve);
   if (!fileExists(path)) return {};
   EquationFile file = parseEquationFile(readWholeFile(path));
   if (file.text.empty()) return {};  // as good as missing

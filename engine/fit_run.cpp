@@ -1,5 +1,6 @@
 // The run over the catalogue: fit, test the residuals, predict, report.
 // SPDX-License-Identifier: MIT
+#include "base/file_text.h"
 #include "base/number_text.h"
 #include "base/run_time_error.h"
 #include "engine/clsDataFit.h"
@@ -123,7 +124,7 @@ bool clsDataFit::fitEquation(const Run& run, std::size_t index) {
   model.attach(data_);
   raise("Finished fitting with equation: " + model.Definition.Name);
   if (!model.solutionFound()) {
-    model.writeLog((std::filesystem::path(platform_.componentFolder) / "log.txt").string());
+    model.writeLog(utf8Text(filePath(platform_.componentFolder) / "log.txt"));
     slot.details += noSolutionText(platform_.componentFolder);
     slot.outcome.Verdict = EquationVerdict::noSolution;
     slot.outcome.Reason = model.failureReason();

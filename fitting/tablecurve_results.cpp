@@ -63,14 +63,15 @@ PointArray readTCresults(const OperationContext& context, const std::string& sRe
   PointArray points;
   context.trap("Error in RawData:readTCresults", [&] {
     ArrayIsEmpty = true;
-    if (!fileExists(sResultPath)) {
+    const fs::path path = filePath(sResultPath);
+    if (!fileExists(path)) {
       context.raiseStatusUpdate("Missing file to read fitted data: " + sResultPath);
       standardMessageBox("File not found", box_style::information, "");
       return;
     }
     context.raiseStatusUpdate("Reading file: " + sResultPath);
-    std::string text = readWholeFile(sResultPath);
-    keepAsSaved(sResultPath);
+    std::string text = readWholeFile(path);
+    keepAsSaved(path);
     if (text.empty()) return;
     context.raiseStatusUpdate("Cleaning data from Tablecurve format");
     std::erase(text, '\0');

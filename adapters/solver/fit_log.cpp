@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/solver/fit_log.h"
 
+#include "base/file_text.h"
 #include "base/number_text.h"
 
 #include <fstream>
@@ -8,7 +9,7 @@
 namespace pelmora::solver {
 
 void writeFitLog(const FitModel& model, const std::string& path) {
-  std::ofstream log(path, std::ios::binary | std::ios::trunc);
+  std::ofstream log(filePath(path), std::ios::binary | std::ios::trunc);
   if (!log) return;
   constexpr const char* lineEnd = "\r\n";
   log << "Equation: " << model.Definition.Name << lineEnd;

@@ -3,6 +3,7 @@
 #include "adapters/sqlite/database_handle.h"
 #include "adapters/sqlite/sqlite_database.h"
 #include "adapters/sqlite/sqlite_file.h"
+#include "base/file_text.h"
 #include "base/run_time_error.h"
 
 #include <chrono>
@@ -123,14 +124,14 @@ void createSqliteCurveDatabase(const std::string& path) {
     throw cannotCreate(path, "it is no file name. Name the file to create.");
   }
   std::error_code code;
-  const fs::path finished = fs::absolute(sqlite::filePath(path), code);
+  const fs::path finished = fs::absolute(filePath(path), code);
   if (fs::exists(fs::symlink_status(finished, code))) throw existsAlready(path);
   if (!finished.has_filename() || !fs::is_directory(finished.parent_path(), code)) {
     throw cannotCreate(path, "its folder does not exist. Create the folder first.");
   }
   const UnfinishedFile unfinished(finished);
   try {
-    const sqlite::DatabaseHandle database(sqlite::utf8Text(unfinished.path()),
+    const sqlite::DatabaseHandle database(utf8Text(unfinished.path()),
                                           sqlite::OpenMode::create);
     database.run(("BEGIN;" + std::string(identity) + schema() + "COMMIT;").c_str());
   } catch (const Error& error) {

@@ -12,6 +12,7 @@
 #include "adapters/sqlite/sqlite_file.h"
 #include "adapters/sqlite/sqlite_recordset.h"
 #include "adapters/sqlite/sqlite_session.h"
+#include "base/file_text.h"
 #include "base/run_time_error.h"
 
 #include <system_error>

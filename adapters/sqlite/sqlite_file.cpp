@@ -2,9 +2,11 @@
 #include "adapters/sqlite/sqlite_file.h"
 
 #include "adapters/sqlite/sqlite_database.h"
+#include "base/file_text.h"
 #include "base/run_time_error.h"
 
 #include <array>
+#include <filesystem>
 #include <fstream>
 #include <string_view>
 #include <system_error>
@@ -30,15 +32,6 @@ Contents contentsOf(const std::filesystem::path& path) {
 }
 
 }  // namespace
-
-std::filesystem::path filePath(const std::string& path) {
-  return std::u8string(path.begin(), path.end());
-}
-
-std::string utf8Text(const std::filesystem::path& path) {
-  const std::u8string text = path.u8string();
-  return {text.begin(), text.end()};
-}
 
 std::string checkedSqliteFile(const std::string& path) {
   const auto fail = [](RunTimeError number, const std::string& description) -> Error {
@@ -88,7 +81,7 @@ std::string checkedSqliteFile(const std::string& path) {
 }  // namespace sqlite
 
 bool isSqliteFile(const std::string& path) {
-  const std::filesystem::path file = sqlite::filePath(path);
+  const std::filesystem::path file = filePath(path);
   std::error_code ignored;
   return path.find('\0') == std::string::npos && std::filesystem::is_regular_file(file, ignored) &&
          sqlite::contentsOf(file) == sqlite::Contents::sqlite;

@@ -4,14 +4,9 @@
 
 #include <pelmora/error.h>
 
-#include <filesystem>
 #include <string>
 
 namespace pelmora::sqlite {
-
-// Of a UTF-8 text.
-[[nodiscard]] std::filesystem::path filePath(const std::string& path);
-[[nodiscard]] std::string utf8Text(const std::filesystem::path& path);
 
 // The absolute path, which SQLite can mistake neither for a URI nor for ":memory:".
 //

@@ -3,6 +3,7 @@
 
 #include "adapters/sqlite/memory_table.h"
 #include "adapters/stand_csv/stand_rows.h"
+#include "base/file_text.h"
 #include "base/run_time_error.h"
 
 #include <array>
@@ -14,10 +15,6 @@
 namespace pelmora {
 
 namespace {
-
-std::filesystem::path filePath(const std::string& path) {
-  return std::u8string(path.begin(), path.end());
-}
 
 bool isRegularFile(const std::string& path) {
   std::error_code ignored;
