@@ -8,6 +8,15 @@ foreach(layer IN LISTS layers)
   list(APPEND layer_objects $<TARGET_OBJECTS:${layer}>)
 endforeach()
 
+# The objects with everything visible to the linker: for tests and benchmarks of the inside.
+add_library(pelmora_internal STATIC EXCLUDE_FROM_ALL ${layer_objects})
+set_target_properties(pelmora_internal PROPERTIES LINKER_LANGUAGE CXX)
+target_link_libraries(pelmora_internal PUBLIC pelmora_options ${libraries} ${CMAKE_DL_LIBS})
+
+if(WIN32)
+  return()  # the library for hosts is the automation component, bindings/com
+endif()
+
 add_library(pelmora SHARED ${layer_objects})
 add_library(pelmora::pelmora ALIAS pelmora)
 set_target_properties(pelmora PROPERTIES
@@ -19,11 +28,6 @@ target_include_directories(pelmora PUBLIC
   $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
   $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 target_link_libraries(pelmora PRIVATE $<BUILD_INTERFACE:pelmora_options> ${libraries} ${CMAKE_DL_LIBS})
-
-# The same objects with everything visible to the linker: for tests and benchmarks of the inside.
-add_library(pelmora_internal STATIC EXCLUDE_FROM_ALL ${layer_objects})
-set_target_properties(pelmora_internal PROPERTIES LINKER_LANGUAGE CXX)
-target_link_libraries(pelmora_internal PUBLIC pelmora_options ${libraries} ${CMAKE_DL_LIBS})
 
 install(TARGETS pelmora EXPORT pelmoraTargets)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/pelmora DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})

@@ -92,7 +92,7 @@ void forcePointKernels(const PointKernels* kernels);
 [[nodiscard]] std::vector<const PointKernels*> runnablePointKernels();
 
 [[nodiscard]] const PointKernels& plainPointKernels();
-#if defined(__x86_64__) && defined(__GNUC__)
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(_WIN32)
 [[nodiscard]] const PointKernels& avx2PointKernels();
 [[nodiscard]] const PointKernels& avx512PointKernels();
 #endif

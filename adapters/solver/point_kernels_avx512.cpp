@@ -3,7 +3,7 @@
 #include "adapters/solver/double_double_functions.h"
 #include "adapters/solver/point_kernels.h"
 
-#if defined(__x86_64__) && defined(__GNUC__)
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(_WIN32)
 #include <immintrin.h>
 
 #pragma GCC target("avx2,fma,avx512f,avx512dq,avx512vl")
