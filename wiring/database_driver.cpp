@@ -9,6 +9,10 @@
 #include "adapters/stand_csv/stand_csv.h"
 #endif
 
+#if defined(PELMORA_HAS_ADO)
+#include "adapters/ado/ado_connection.h"
+#endif
+
 namespace pelmora {
 namespace {
 
@@ -20,6 +24,9 @@ namespace {
 }  // namespace
 
 ConnectionPtr databaseConnection([[maybe_unused]] const std::string& location) {
+#if defined(PELMORA_HAS_ADO)
+  if (isAccessLocation(location)) return accessConnection(location);
+#endif
 #if defined(PELMORA_HAS_SQLITE)
   if (isStandCsv(location)) return standCsvConnection(location);
   return sqliteConnection(location);
