@@ -38,11 +38,13 @@ const std::map<std::string, FolderRule>& rules() {
       {"adapters/stand_csv", {{"base", "store", "adapters/sqlite"}, {}}},
       {"adapters/solver", {{"base", "engine"}, {"immintrin.h"}}},
       {"adapters/band", {{"base", "engine"}, {}}},
-      {"adapters/dialog", {{"base", "ui", "adapters/os"}, {"FL", "posix"}}},
-      {"adapters/os", {{}, {"posix"}}},
+      {"adapters/dialog", {{"base", "ui", "adapters/os"}, {"FL", "posix", "windows"}}},
+      {"adapters/os", {{"base", "ui"}, {"posix", "windows"}}},
+      {"adapters/ado", {{"base", "store", "adapters/os"}, {"windows"}}},
+      {"bindings/com", {{"base", "ui", "adapters/os", "adapters/ado"}, {"windows", "xmmintrin.h"}}},
       {"wiring",
        {{"base", "ui", "store", "adapters/os", "adapters/sqlite", "adapters/stand_csv", "adapters/solver",
-         "adapters/band", "adapters/dialog"},
+         "adapters/band", "adapters/dialog", "adapters/ado"},
         {}}},
       {"history", {{"store"}, {}}},
       {"doctor", {{"history", "store"}, {}}},
@@ -57,6 +59,11 @@ const Names& posixHeaders() {
   static const Names headers{"dlfcn.h", "fcntl.h",  "poll.h",   "signal.h", "spawn.h",
                              "unistd.h", "sys",     "errno.h",  "netinet",  "netdb.h",
                              "arpa",     "pthread.h", "time.h"};
+  return headers;
+}
+
+const Names& windowsHeaders() {
+  static const Names headers{"windows.h", "unknwn.h", "oaidl.h", "ocidl.h", "oleauto.h", "olectl.h", "initguid.h"};
   return headers;
 }
 
@@ -107,8 +114,11 @@ std::string why(const std::string& folder, const FolderRule& rule, const Include
   if (include.target.starts_with("pelmora/")) return "";
   const bool ofTheLanguage = include.target.find_first_of("./") == std::string::npos;
   if (ofTheLanguage || rule.libraries.contains(firstPart(include.target))) return "";
-  const bool posix = posixHeaders().contains(firstPart(include.target));
-  return posix && rule.libraries.contains("posix") ? "" : folder + " may use the C++ library alone";
+  const auto allows = [&](const char* group, const Names& headers) {
+    return rule.libraries.contains(group) && headers.contains(firstPart(include.target));
+  };
+  const bool ofTheSystem = allows("posix", posixHeaders()) || allows("windows", windowsHeaders());
+  return ofTheSystem ? "" : folder + " may use the C++ library alone";
 }
 
 std::vector<std::string> violations(const std::string& folder, const fs::path& root) {
@@ -146,6 +156,7 @@ TEST(includes_check, finds_an_include_that_points_up) {
   EXPECT_NE(why("store", rule, {"store/x.cpp", "fitting/start_fit.h", true}), "");
   EXPECT_NE(why("store", rule, {"store/x.cpp", "sqlite3.h", false}), "");
   EXPECT_NE(why("store", rule, {"store/x.cpp", "unistd.h", false}), "");
+  EXPECT_NE(why("store", rule, {"store/x.cpp", "windows.h", false}), "");
   EXPECT_EQ(why("store", rule, {"store/x.cpp", "base/number_text.h", true}), "");
   EXPECT_EQ(why("store", rule, {"store/x.cpp", "vector", false}), "");
 }
@@ -155,7 +166,7 @@ TEST(includes_check, reads_the_includes_of_a_folder) {
 }
 
 TEST(folders, have_a_rule_and_a_readme) {
-  for (const char* parent : {".", "adapters"}) {
+  for (const char* parent : {".", "adapters", "bindings"}) {
     for (const auto& entry : fs::directory_iterator(sourceRoot() / parent)) {
       const bool layer = fs::exists(entry.path() / "CMakeLists.txt") && entry.is_directory() &&
                          !Names{"tests", "bench", "fuzz", "build", "apps", "examples"}.contains(

@@ -1,0 +1,319 @@
+// The members of _RawData, in their order. The operation's own names stay the host's.
+// SPDX-License-Identifier: MIT
+#include "bindings/com/arguments.h"
+#include "bindings/com/arrays.h"
+#include "bindings/com/operation.h"
+#include "bindings/com/raw_data_object.h"
+#include "bindings/com/records.h"
+
+namespace pelmora::com {
+namespace {
+
+PointArray pointsOf(SAFEARRAY** argument) {
+  return argument == nullptr ? PointArray() : pointsFrom(*argument);
+}
+std::vector<std::string> textsOf(SAFEARRAY** argument) {
+  return argument == nullptr ? std::vector<std::string>() : textsFrom(*argument);
+}
+constexpr short latest = -1;
+
+}  // namespace
+
+STDMETHODIMP RawDataObject::get_DataFitResultDetails(BSTR* value) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(value) = textFrom(data_.DataFitResultDetails).release();
+  });
+}
+STDMETHODIMP RawDataObject::put_DataFitResultDetails(BSTR value) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    data_.DataFitResultDetails = utf8From(value);
+  });
+}
+STDMETHODIMP RawDataObject::get_NumberOfFittedPoints(short* value) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(value) = data_.NumberOfFittedPoints;
+  });
+}
+STDMETHODIMP RawDataObject::put_NumberOfFittedPoints(short value) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    data_.NumberOfFittedPoints = value;
+  });
+}
+STDMETHODIMP RawDataObject::get_ExternalID(BSTR* value) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(value) = textFrom(data_.ExternalID).release();
+  });
+}
+STDMETHODIMP RawDataObject::put_ExternalID(BSTR value) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    data_.ExternalID = utf8From(value);
+  });
+}
+STDMETHODIMP RawDataObject::get_Unattended(VARIANT_BOOL* value) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(value) = flagFrom(data_.Unattended);
+  });
+}
+STDMETHODIMP RawDataObject::put_Unattended(VARIANT_BOOL value) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    data_.Unattended = value != VARIANT_FALSE;
+  });
+}
+STDMETHODIMP RawDataObject::get_RatioCurve(VARIANT_BOOL* value) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(value) = flagFrom(data_.RatioCurve);
+  });
+}
+STDMETHODIMP RawDataObject::put_RatioCurve(VARIANT_BOOL value) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    data_.RatioCurve = value != VARIANT_FALSE;
+  });
+}
+STDMETHODIMP RawDataObject::get_IgnoreResiduals(VARIANT_BOOL* value) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(value) = flagFrom(data_.IgnoreResiduals);
+  });
+}
+STDMETHODIMP RawDataObject::put_IgnoreResiduals(VARIANT_BOOL value) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    data_.IgnoreResiduals = value != VARIANT_FALSE;
+  });
+}
+STDMETHODIMP RawDataObject::get_dbDir(::DatabaseLocation* value) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    store(data_.dbDir(), required(value));
+  });
+}
+STDMETHODIMP RawDataObject::put_dbDir(::DatabaseLocation* value) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    data_.dbDir(locationFrom(required(value)));
+  });
+}
+STDMETHODIMP RawDataObject::dbDirSetByString(BSTR* sPath, ::DatabaseLocation* result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    store(data_.dbDirSetByString(textOf(sPath)), required(result));
+  });
+}
+
+STDMETHODIMP RawDataObject::findMeterInfo(BSTR* MeterSN, IDispatch** conn, short* ReCalID,
+                                          BSTR* SeriesName, ::MeterInfo* result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    const MeterInfo meter =
+        data_.findMeterInfo(textOf(MeterSN), connectionOf(conn), valueOr(ReCalID, latest), textOf(SeriesName));
+    store(meter, required(result), *types_.library);
+  });
+}
+STDMETHODIMP RawDataObject::FindLastCalID(BSTR* MeterSN, IDispatch** conn, ::MeterInfo* result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    const MeterInfo meter =
+        data_.FindLastCalID(textOf(MeterSN), connectionOf(conn));
+    store(meter, required(result), *types_.library);
+  });
+}
+STDMETHODIMP RawDataObject::get_LastMergedArray(SAFEARRAY** value) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(value) = arrayFrom(data_.LastMergedArray()).release();
+  });
+}
+STDMETHODIMP RawDataObject::get_LastFittedArray(SAFEARRAY** value) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(value) = arrayFrom(data_.LastFittedArray()).release();
+  });
+}
+STDMETHODIMP RawDataObject::LastFittedRatioSort(VARIANT_BOOL* result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(result) = flagFrom(data_.LastFittedRatioSort());
+  });
+}
+STDMETHODIMP RawDataObject::Path(BSTR* result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(result) = textFrom(data_.Path()).release();
+  });
+}
+STDMETHODIMP RawDataObject::Series(BSTR* MeterSN, short* ReCalID, SAFEARRAY** result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(result) = nullptr;
+    *result = arrayFrom(data_.Series(textOf(MeterSN), valueOr(ReCalID, latest))).release();
+  });
+}
+STDMETHODIMP RawDataObject::MetersAdjusted(BSTR* MeterSN, VARIANT_BOOL* ArrayIsEmpty,
+                                           SAFEARRAY** ReCalID, SAFEARRAY** result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(result) = nullptr;
+    bool isEmpty = flagOf(ArrayIsEmpty);
+    std::vector<std::int16_t> numbers;
+    *result = arrayFrom(data_.MetersAdjusted(textOf(MeterSN), isEmpty, numbers)).release();
+    writeBack(ArrayIsEmpty, isEmpty);
+    if (ReCalID == nullptr) return;
+    Array previous(*ReCalID);
+    *ReCalID = arrayFrom(numbers).release();
+  });
+}
+STDMETHODIMP RawDataObject::Meters(VARIANT_BOOL* ArrayIsEmpty, SAFEARRAY** result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(result) = nullptr;
+    bool isEmpty = flagOf(ArrayIsEmpty);
+    *result = arrayFrom(data_.Meters(isEmpty)).release();
+    writeBack(ArrayIsEmpty, isEmpty);
+  });
+}
+STDMETHODIMP RawDataObject::DeleteSeries(BSTR* MeterSN, BSTR* Series, short* ReCalID,
+                                         VARIANT_BOOL* result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(result) = VARIANT_FALSE;
+    *result = flagFrom(data_.DeleteSeries(textOf(MeterSN), textOf(Series), valueOr(ReCalID, latest)));
+  });
+}
+STDMETHODIMP RawDataObject::get_BandPercent(float* value) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(value) = data_.BandPercent();
+  });
+}
+STDMETHODIMP RawDataObject::put_BandPercent(float value) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    data_.BandPercent(value);
+  });
+}
+
+STDMETHODIMP RawDataObject::determineFittedCurve(
+    BSTR* SeriesName, BSTR* MeterSN, VARIANT_BOOL* ArrayIsEmpty, double* Predicted_Xmin,
+    double* Predicted_Xmax, BSTR* Label_Xaxis, BSTR* Label_Yaxis, VARIANT_BOOL* bInverted,
+    short* ReCalID, SAFEARRAY** result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(result) = nullptr;
+    bool isEmpty = flagOf(ArrayIsEmpty);
+    double low = valueOr(Predicted_Xmin, 0.0);
+    double high = valueOr(Predicted_Xmax, 0.0);
+    const PointArray fitted = data_.determineFittedCurve(
+        textOf(SeriesName), textOf(MeterSN), isEmpty, low, high, textOf(Label_Xaxis),
+        textOf(Label_Yaxis), flagOf(bInverted), valueOr(ReCalID, latest));
+    writeBack(ArrayIsEmpty, isEmpty);
+    if (Predicted_Xmin != nullptr) *Predicted_Xmin = low;
+    if (Predicted_Xmax != nullptr) *Predicted_Xmax = high;
+    *result = arrayFrom(fitted).release();
+  });
+}
+STDMETHODIMP RawDataObject::getFittedCurve(BSTR* SeriesName, BSTR* MeterSN, IDispatch** conn,
+                                           short* ReCalID, VARIANT_BOOL* bDarvellFormat,
+                                           ::MeterInfo* result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    const MeterInfo meter =
+        data_.getFittedCurve(textOf(SeriesName), textOf(MeterSN), connectionOf(conn),
+            valueOr(ReCalID, latest), flagOf(bDarvellFormat));
+    store(meter, required(result), *types_.library);
+  });
+}
+STDMETHODIMP RawDataObject::ImportCurvedData(BSTR* sFilepath, BSTR* SeriesName, BSTR* MeterSN,
+                                             VARIANT_BOOL* ArrayIsEmpty, short* ReCalID,
+                                             SAFEARRAY** result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(result) = nullptr;
+    bool isEmpty = flagOf(ArrayIsEmpty);
+    const PointArray points = data_.ImportCurvedData(textOf(sFilepath), textOf(SeriesName),
+                                                     textOf(MeterSN), isEmpty, valueOr(ReCalID, latest));
+    writeBack(ArrayIsEmpty, isEmpty);
+    *result = arrayFrom(points).release();
+  });
+}
+STDMETHODIMP RawDataObject::readTCresults(BSTR* sResultPath, VARIANT_BOOL* ArrayIsEmpty,
+                                          SAFEARRAY** result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(result) = nullptr;
+    bool isEmpty = flagOf(ArrayIsEmpty);
+    const PointArray points = data_.readTCresults(textOf(sResultPath), isEmpty);
+    writeBack(ArrayIsEmpty, isEmpty);
+    *result = arrayFrom(points).release();
+  });
+}
+
+STDMETHODIMP RawDataObject::SetRaw(BSTR* SeriesName, BSTR* MeterSerialNumber, SAFEARRAY** Table,
+                                   short* dataSet, VARIANT_BOOL* cleardb, short* ReCalID,
+                                   VARIANT_BOOL* result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(result) = VARIANT_FALSE;
+    *result = flagFrom(data_.SetRaw(textOf(SeriesName), textOf(MeterSerialNumber), pointsOf(Table),
+                                    valueOr<short>(dataSet, 0), flagOf(cleardb),
+                                    valueOr(ReCalID, latest)));
+  });
+}
+STDMETHODIMP RawDataObject::setMeterSN(BSTR* MeterSerialNumber, BSTR* MeterSNAdjusted,
+                                       LONG* result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(result) = 0;
+    const std::string given = textOf(MeterSNAdjusted);
+    std::string adjusted = given;
+    *result = data_.setMeterSN(textOf(MeterSerialNumber), adjusted);
+    if (MeterSNAdjusted == nullptr || adjusted == given) return;
+    const Text previous(*MeterSNAdjusted);
+    *MeterSNAdjusted = textFrom(adjusted).release();
+  });
+}
+STDMETHODIMP RawDataObject::SetFitted(BSTR* SeriesName, BSTR* MeterSerialNumber, SAFEARRAY** arMerged,
+                                      SAFEARRAY** arFitted, BSTR* Details, VARIANT_BOOL* cleardb,
+                                      short* ReCalID, VARIANT_BOOL* result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(result) = VARIANT_FALSE;
+    *result = flagFrom(data_.SetFitted(textOf(SeriesName), textOf(MeterSerialNumber),
+                                       pointsOf(arMerged), pointsOf(arFitted), textOf(Details),
+                                       flagOf(cleardb), valueOr(ReCalID, latest)));
+  });
+}
+STDMETHODIMP RawDataObject::SetLastFitted(VARIANT_BOOL* cleardb, VARIANT_BOOL* result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(result) = flagFrom(data_.SetLastFitted(flagOf(cleardb)));
+  });
+}
+STDMETHODIMP RawDataObject::GetRaw(BSTR* SeriesName, BSTR* MeterSN, short* dataSet,
+                                   IDispatch** conn, short* ReCalID, ::MeterInfo* result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    const MeterInfo meter = data_.GetRaw(textOf(SeriesName), textOf(MeterSN),
+                                         valueOr<short>(dataSet, 0), connectionOf(conn),
+                                         valueOr(ReCalID, latest));
+    store(meter, required(result), *types_.library);
+  });
+}
+STDMETHODIMP RawDataObject::GetAllInfo(BSTR* SeriesName, BSTR* MeterSN, IDispatch** conn,
+                                       short* ReCalID, VARIANT_BOOL* bDarvellFormat,
+                                       ::MeterInfo* result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    const MeterInfo meter =
+        data_.GetAllInfo(textOf(SeriesName), textOf(MeterSN), connectionOf(conn),
+            valueOr(ReCalID, latest), flagOf(bDarvellFormat));
+    store(meter, required(result), *types_.library);
+  });
+}
+
+STDMETHODIMP RawDataObject::copyCaldb(LONG* CalSetupID, BSTR* JobID_RawA, BSTR* JobID_RawB,
+                                      IDispatch** conn_calDB, IDispatch** Conn_curveDB,
+                                      VARIANT_BOOL* result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(result) = VARIANT_FALSE;
+    *result = flagFrom(data_.copyCaldb(valueOr<LONG>(CalSetupID, 0), textOf(JobID_RawA),
+                                       textOf(JobID_RawB), connectionOf(conn_calDB),
+                                       connectionOf(Conn_curveDB)));
+  });
+}
+STDMETHODIMP RawDataObject::importCaldb(
+    BSTR* MeterSN, IDispatch** conn_calDB, SAFEARRAY** JobID_RawA, SAFEARRAY** JobID_RawB,
+    SAFEARRAY** FluidName, SAFEARRAY** OperatorName, VARIANT_BOOL* Create_RotorA_SumSeries,
+    VARIANT_BOOL* Create_RotorB_SumSeries, VARIANT_BOOL* Create_RotorAB_SumSeries,
+    VARIANT_BOOL* Create_Ratio_Series, short* StandID, short* PositionID,
+    IDispatch** Conn_curveDB, short* ReCalID, ::MeterInfo* result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    const MeterInfo meter = data_.importCaldb(
+        textOf(MeterSN), connectionOf(conn_calDB), textsOf(JobID_RawA), textsOf(JobID_RawB),
+        textsOf(FluidName), textsOf(OperatorName), flagOf(Create_RotorA_SumSeries),
+        flagOf(Create_RotorB_SumSeries), flagOf(Create_RotorAB_SumSeries),
+        flagOf(Create_Ratio_Series), valueOr(StandID, latest), valueOr(PositionID, latest),
+        connectionOf(Conn_curveDB), valueOr(ReCalID, latest));
+    store(meter, required(result), *types_.library);
+  });
+}
+STDMETHODIMP RawDataObject::getJobID(BSTR* MeterSN, short* ReCalID, SAFEARRAY** result) {
+  return operation(*static_cast<_RawData*>(this), [&] {
+    required(result) = nullptr;
+    *result = arrayFrom(data_.getJobID(textOf(MeterSN), valueOr(ReCalID, latest))).release();
+  });
+}
+
+}  // namespace pelmora::com
