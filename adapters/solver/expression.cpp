@@ -21,7 +21,7 @@ std::size_t hashOf(const Node& node) {
   mix(static_cast<std::uint64_t>(node.op) << 32U | static_cast<std::uint32_t>(node.letter));
   mix(static_cast<std::uint64_t>(static_cast<std::uint32_t>(node.left)) << 32U | static_cast<std::uint32_t>(node.right));
   mix(std::bit_cast<std::uint64_t>(node.value.hi));
-  return hash;
+  return static_cast<std::size_t>(hash);
 }
 
 // By bits, so that a constant 0 and a constant -0 stay two.
