@@ -37,6 +37,14 @@ TEST_F(file_text, is_read_byte_for_byte) {
   EXPECT_EQ(readWholeFile(write("empty", "")), "");
 }
 
+TEST_F(file_text, path_keeps_utf8) {
+  const std::string name = "Z\xC3\xA4hler.txt";
+  EXPECT_EQ(utf8Text(filePath(name)), name);
+  EXPECT_EQ(filePath(name).native().size(), name.size());  // on this system a path is its bytes
+  write(name, "text");
+  EXPECT_EQ(readWholeFile(filePath(folder_.file(name))), "text");
+}
+
 TEST_F(file_text, folder_and_missing_path_are_no_files) {
   EXPECT_TRUE(fileExists(write("f", "x")));
   EXPECT_FALSE(fileExists(folder_.file("missing")));
