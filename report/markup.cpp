@@ -67,7 +67,11 @@ std::string coordinate(double value) {
   const double rounded = std::round(value * 100) / 100;
   const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), rounded == 0 ? 0 : rounded,
                                  std::chars_format::fixed);
-  return end.ec == std::errc() ? std::string(buffer.data(), end.ptr) : "0";
+  if (end.ec != std::errc()) return "0";
+  std::string text(buffer.data(), end.ptr);
+  if (text.starts_with("0.")) text.erase(0, 1);
+  if (text.starts_with("-0.")) text.erase(1, 1);
+  return text;
 }
 
 std::string exactNumber(double value) {

@@ -11,7 +11,7 @@ namespace pelmora::report {
 // forbids, and bytes that are no UTF-8 become U+FFFD; line breaks and tabs stay.
 [[nodiscard]] std::string escaped(std::string_view text);
 
-// A coordinate in px with at most two decimals.
+// A coordinate in px with at most two decimals, as short as it can be.
 [[nodiscard]] std::string coordinate(double value);
 
 // A number in its shortest exact form; "NaN" where it is not finite.

@@ -119,6 +119,7 @@ int run(int argc, const char* const* argv) {
     addFitCommand(app);
     addShowCommand(app);
     addCalibrateCommand(app);
+    addReportCommand(app);
     addDeleteCommand(app);
     addDoctorCommand(app);
     addHistoryCommand(app);

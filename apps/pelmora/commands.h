@@ -15,6 +15,7 @@ void addRawCommand(CLI::App& app);
 void addFitCommand(CLI::App& app);
 void addShowCommand(CLI::App& app);
 void addCalibrateCommand(CLI::App& app);
+void addReportCommand(CLI::App& app);
 void addDeleteCommand(CLI::App& app);
 void addDoctorCommand(CLI::App& app);
 void addHistoryCommand(CLI::App& app);

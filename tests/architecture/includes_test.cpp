@@ -48,7 +48,7 @@ const std::map<std::string, FolderRule>& rules() {
         {}}},
       {"history", {{"store"}, {}}},
       {"doctor", {{"history", "store"}, {}}},
-      {"report", {{}, {"nlohmann", "xlsxwriter.h"}}},
+      {"report", {{}, {"nlohmann", "xlsxwriter.h", "posix"}}},
       {"apps/pelmora", {{"doctor", "history", "report"}, {"CLI", "nlohmann", "posix"}}},
       {"include/pelmora", {}},
   };

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#include "report/csv_report.h"
+
+#include "report/markup.h"
+#include "report/report_tables.h"
+
+#include <algorithm>
+
+namespace pelmora::report {
+namespace {
+
+std::string quoted(const std::string& text) {
+  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+  std::string result = "\"";
+  for (const char c : text) result += c == '"' ? std::string("\"\"") : std::string(1, c);
+  return result + "\"";
+}
+
+std::string cell(const Value& value) {
+  if (const auto* whole = std::get_if<std::int64_t>(&value)) return std::to_string(*whole);
+  if (const auto* real = std::get_if<double>(&value)) return exactNumber(*real);
+  const auto* text = std::get_if<std::string>(&value);
+  if (text == nullptr) return {};
+  const bool isFormula = std::string_view("=+-@\t\r").find(text->front()) != std::string_view::npos;
+  return quoted((isFormula ? "'" : "") + *text);
+}
+
+}  // namespace
+
+std::string csvReport(const Report& report) {
+  const auto tables = reportTables(report);
+  std::vector<std::string> columns;
+  for (const ReportTable& table : tables) {
+    for (const std::string& column : table.columns) {
+      if (std::find(columns.begin(), columns.end(), column) == columns.end()) columns.push_back(column);
+    }
+  }
+  std::string csv = "table";
+  for (const std::string& column : columns) csv += "," + column;
+  csv += "\n";
+  for (const ReportTable& table : tables) {
+    for (const auto& row : table.rows) {
+      csv += table.name;
+      for (const std::string& column : columns) {
+        const auto found = std::find(table.columns.begin(), table.columns.end(), column);
+        csv += ",";
+        if (found != table.columns.end()) csv += cell(row[static_cast<std::size_t>(found - table.columns.begin())]);
+      }
+      csv += "\n";
+    }
+  }
+  return csv;
+}
+
+}  // namespace pelmora::report

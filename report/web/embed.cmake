@@ -1,0 +1,83 @@
+# Fetches the plot library of the report page, packs it with the page's script, and turns both and the style
+# into one source file.
+#
+# Result: PELMORA_PAGE_SOURCE, the file; PELMORA_PAGE_HAS_PLOTS, whether the page's plots are interactive.
+set(web ${CMAKE_CURRENT_SOURCE_DIR}/web)
+set(packages ${CMAKE_CURRENT_BINARY_DIR}/web)
+set(PELMORA_PAGE_HAS_PLOTS OFF)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${web}/page.js ${web}/page.css ${web}/start.js
+  ${web}/unpack.js ${web}/pack.mjs ${web}/package-lock.json)
+
+# Sets `result` to ON where the packages of the lock file lie in ${packages}/node_modules.
+function(pelmora_fetch_plots result)
+  set(${result} OFF PARENT_SCOPE)
+  find_program(NPM npm)
+  find_program(NODE NAMES node nodejs)
+  if(NOT NPM OR NOT NODE)
+    return()
+  endif()
+  file(SHA256 ${web}/package-lock.json lock)
+  set(stamp ${packages}/fetched-${lock})
+  if(NOT EXISTS ${stamp})
+    file(MAKE_DIRECTORY ${packages})
+    file(COPY ${web}/package.json ${web}/package-lock.json DESTINATION ${packages})
+    message(STATUS "Fetching the report page's plot library with npm")
+    execute_process(COMMAND ${NPM} ci --omit=dev --ignore-scripts --no-audit --no-fund
+      WORKING_DIRECTORY ${packages} RESULT_VARIABLE ended OUTPUT_QUIET ERROR_VARIABLE error TIMEOUT 120)
+    if(NOT ended EQUAL 0)
+      message(STATUS "npm ended with ${ended}: ${error}")
+      return()
+    endif()
+    file(TOUCH ${stamp})
+  endif()
+  set(library ${packages}/node_modules/uplot)
+  execute_process(COMMAND ${NODE} ${web}/pack.mjs ${library}/dist/uPlot.iife.min.js ${library}/LICENSE ${web}/page.js
+    ${packages}/page RESULT_VARIABLE ended ERROR_VARIABLE error)
+  if(ended EQUAL 0)
+    set(${result} ON PARENT_SCOPE)
+  else()
+    message(STATUS "node ended with ${ended}: ${error}")
+  endif()
+endfunction()
+
+if(PELMORA_WITH_PLOTS)
+  pelmora_fetch_plots(PELMORA_PAGE_HAS_PLOTS)
+endif()
+if(PELMORA_PAGE_HAS_PLOTS)
+  message(STATUS "The report page has interactive plots")
+else()
+  message(STATUS "The report page has static plots only: PELMORA_WITH_PLOTS is off, or npm or the network is missing")
+endif()
+
+# A C++ function that gives a file's text; an empty one where the page has no script. Literals are short, because
+# compilers limit them.
+function(pelmora_embed name file needs_plots)
+  set(text "")
+  if(NOT needs_plots OR PELMORA_PAGE_HAS_PLOTS)
+    file(READ ${file} text)
+    string(REGEX REPLACE "\n +" "\n" text "${text}")  # indentation, which no reader of the page needs
+  endif()
+  string(LENGTH "${text}" length)
+  set(literals "")
+  set(at 0)
+  while(at LESS length)
+    string(SUBSTRING "${text}" ${at} 8000 piece)
+    string(APPEND literals "\n    R\"page(${piece})page\"")
+    math(EXPR at "${at} + 8000")
+  endwhile()
+  if(NOT literals)
+    set(literals " \"\"")
+  endif()
+  set(page "${page}std::string_view ${name}() {\n  return${literals};\n}\n" PARENT_SCOPE)
+endfunction()
+
+set(page "// Made from report/web; do not edit.\n#include \"report/page_files.h\"\n\nnamespace pelmora::report {\n")
+pelmora_embed(pageStyle ${web}/page.css OFF)
+pelmora_embed(plotLibraryStyle ${packages}/node_modules/uplot/dist/uPlot.min.css ON)
+pelmora_embed(packedScript ${packages}/page.packed ON)
+pelmora_embed(packedScriptHash ${packages}/page.hash ON)
+pelmora_embed(startScript ${web}/start.js ON)
+pelmora_embed(unpackScript ${web}/unpack.js ON)
+string(APPEND page "}  // namespace pelmora::report\n")
+set(PELMORA_PAGE_SOURCE ${CMAKE_CURRENT_BINARY_DIR}/page_files.cpp)
+file(CONFIGURE OUTPUT ${PELMORA_PAGE_SOURCE} CONTENT "\${page}")

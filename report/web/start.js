@@ -1,0 +1,1 @@
+"DecompressionStream"in window&&(document.documentElement.className="js")
