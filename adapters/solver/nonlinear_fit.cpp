@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <utility>
 
 namespace pelmora::solver {
@@ -20,6 +21,8 @@ constexpr int usualIterations = 250, usualStarts = 10;
 constexpr double mostWork = 1e8;
 // The same of all attempts to polish an end, in double-double operations.
 constexpr double mostPolish = 1e7;
+// Shares of the sum of y^2 and of another residual sum of squares.
+constexpr double exactFit = 1e-28, sameMinimum = 1e-6;
 
 }  // namespace
 
@@ -59,21 +62,55 @@ NonlinearEnd lowestMinimum(const RegressionModel& model, const std::vector<std::
   throw NoSolution{firstReason};
 }
 
-Solution fitNonlinear(Expression expression, const Series& series, const SolverSettings& settings) {
-  const std::size_t p = expression.letters().size();
-  std::vector<std::vector<double>> starts;
-  const auto model = makeExpressionModel(expression, series.x, series.y);
-  if (!settings.StartValues.empty()) {
-    if (settings.StartValues.size() != p) {
-      throw NoSolution{numberText(settings.StartValues.size()) + " start values for " + numberText(p) +
-                       " parameters"};
-    }
-    starts.push_back(settings.StartValues);
-  } else {
-    const int count = settings.Second > 0 ? settings.Second : usualStarts;
-    starts = ownStarts(expression, series.x, series.y, static_cast<std::size_t>(count));
+namespace {
+
+DoubleDouble squaresOf(const NonlinearEnd& end) {
+  const Factor& factor = end.fit->factor;
+  return factor.residualSquares[factor.rank];
+}
+
+// The minimum that the host's start leads to, or none with its reason.
+std::optional<NonlinearEnd> minimumFrom(const RegressionModel& model, const SolverSettings& settings,
+                                        std::string& reason) {
+  const std::vector<double>& start = settings.StartValues;
+  if (start.empty()) return std::nullopt;
+  if (start.size() != model.parameters()) {
+    throw NoSolution{numberText(start.size()) + " start values for " + numberText(model.parameters()) + " parameters"};
   }
-  NonlinearEnd end = lowestMinimum(*model, starts, settings);
+  for (const double value : start) {
+    if (!std::isfinite(value)) throw NoSolution{"a start value is not finite"};
+  }
+  try {
+    return lowestMinimum(model, {start}, settings);
+  } catch (const NoSolution& failure) {
+    reason = failure.reason;
+    return std::nullopt;
+  }
+}
+
+// A start may lie in the wrong valley: own starts are tried beside it, and only a minimum that is lower by
+// more than rounding displaces its own.
+NonlinearEnd bestMinimum(const RegressionModel& model, const Expression& expression, const Series& series,
+                         const SolverSettings& settings) {
+  std::string reason;
+  auto nearby = minimumFrom(model, settings, reason);
+  if (nearby && squaresOf(*nearby).hi <= exactFit * series.squares.hi) return *std::move(nearby);
+  const int count = settings.Second > 0 ? settings.Second : usualStarts;
+  try {
+    const auto starts = ownStarts(expression, series.x, series.y, static_cast<std::size_t>(count));
+    NonlinearEnd elsewhere = lowestMinimum(model, starts, settings);
+    if (!nearby || squaresOf(elsewhere).hi < (1 - sameMinimum) * squaresOf(*nearby).hi) return elsewhere;
+  } catch (const NoSolution& failure) {
+    if (!nearby) throw NoSolution{reason.empty() ? failure.reason : reason};
+  }
+  return *std::move(nearby);
+}
+
+}  // namespace
+
+Solution fitNonlinear(Expression expression, const Series& series, const SolverSettings& settings) {
+  const auto model = makeExpressionModel(expression, series.x, series.y);
+  NonlinearEnd end = bestMinimum(*model, expression, series, settings);
   Solution solution = solutionOfTerms(end.fit, series.x.size(), series.squaresAboutMean, 1);
   solution.parameters = std::move(end.parameters);  // the fit's own are the last step
   solution.statistics.Iterations = end.iterations;

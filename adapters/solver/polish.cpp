@@ -13,6 +13,8 @@ namespace {
 constexpr int longestPolish = 60;
 // A step below this share of every parameter, or of every standard error, changes no digit.
 constexpr double negligibleOfParameter = 1e-16, negligibleOfError = 1e-13;
+// The step after such a one must be smaller, or this share of every standard error.
+constexpr double shrinking = 0.9, nothingOfError = 1e-24;
 
 bool allFinite(const Column& column) {
   for (std::size_t k = 0; k < column.size(); ++k) {
@@ -62,16 +64,18 @@ std::vector<DoubleDouble> parameterStep(const NestedFit& fit, const std::vector<
   return step;
 }
 
-bool isNegligible(const std::vector<DoubleDouble>& step, const std::vector<DoubleDouble>& parameters,
-                  const NestedFit& fit, std::size_t n) {
+// `last`: the step before, if it was negligible; empty otherwise.
+bool isNegligible(const std::vector<DoubleDouble>& step, const std::vector<DoubleDouble>& last,
+                  const std::vector<DoubleDouble>& parameters, const NestedFit& fit, std::size_t n) {
   const std::size_t p = step.size();
   const double variance = fit.factor.residualSquares[p].hi / static_cast<double>(n - p);
   for (std::size_t k = 0; k < p; ++k) {
     const double error = std::sqrt(variance) * fit.unitError(p, k);
     const double size = std::fabs(step[k].hi);
-    if (!(size <= negligibleOfParameter * std::fabs(parameters[k].hi) || size <= negligibleOfError * error)) {
-      return false;
-    }
+    if (size <= negligibleOfParameter * std::fabs(parameters[k].hi)) continue;
+    const bool isSmall = last.empty() ? size <= negligibleOfError * error
+                                      : size <= shrinking * std::fabs(last[k].hi) || size <= nothingOfError * error;
+    if (!isSmall) return false;
   }
   return true;
 }
@@ -85,7 +89,7 @@ std::optional<Minimum> polish(const RegressionModel& model, const std::vector<do
   result.parameters.assign(start.begin(), start.end());
   Column residuals;
   std::vector<Column> slopes;
-  bool isSettled = false;
+  std::vector<DoubleDouble> last;  // the step before, if it was negligible
   for (int pass = 0; pass < longestPolish && workLeft > 0; ++pass) {
     workLeft -= model.work();
     model.evaluateExactly(result.parameters, residuals, slopes);
@@ -95,15 +99,13 @@ std::optional<Minimum> polish(const RegressionModel& model, const std::vector<do
       reason = "the equation is not finite at some points near the best parameters found";
       return std::nullopt;
     }
-    std::vector<DoubleDouble> bend;
-    if (!isSettled) bend = model.curvature(result.parameters, residuals);
+    const std::vector<DoubleDouble> bend = model.curvature(result.parameters, residuals);
     Factor factor = orthogonalFactor(std::move(slopes), residuals, dependenceOfExactColumns);
     if (factor.rank < p) {
       reason = "the data cannot tell the parameters apart";
       return std::nullopt;
     }
     result.fit = std::make_shared<const NestedFit>(makeTermsFit(std::move(factor)));
-    if (isSettled) return result;
     std::vector<DoubleDouble> w = result.fit->factor.z;
     bool curvesUp = true;
     if (!bend.empty()) {
@@ -111,18 +113,21 @@ std::optional<Minimum> polish(const RegressionModel& model, const std::vector<do
       curvesUp = bent.has_value();
       if (bent) w = *bent;
     }
-    ++result.iterations;
-    const std::vector<DoubleDouble> step = parameterStep(*result.fit, w);
-    if (isNegligible(step, result.parameters, *result.fit, model.points())) {
-      if (!curvesUp) {
-        reason = "the search ended at a saddle of the residual sum of squares";
-        return std::nullopt;
-      }
-      // It is taken all the same: Newton's steps square what is missing, so that the digits no longer
-      // tell where the search came from.
-      isSettled = true;
+    std::vector<DoubleDouble> step = parameterStep(*result.fit, w);
+    if (!last.empty() && curvesUp && isNegligible(step, last, result.parameters, *result.fit, model.points())) {
+      return result;
     }
+    ++result.iterations;
+    const bool negligible = isNegligible(step, {}, result.parameters, *result.fit, model.points());
+    if (negligible && !curvesUp) {
+      reason = "the search ended at a saddle of the residual sum of squares";
+      return std::nullopt;
+    }
+    // It is taken all the same, and the next one looked at. Newton's steps square what is missing, so that
+    // the digits no longer tell where the search came from. On the way to a minimum at infinity, where
+    // standard errors are vast, steps that look negligible beside them grow instead.
     for (std::size_t k = 0; k < p; ++k) result.parameters[k] += step[k];
+    last = negligible ? std::move(step) : std::vector<DoubleDouble>{};
   }
   reason = workLeft > 0 ? "no convergence" : "no convergence within the limit of work";
   return std::nullopt;

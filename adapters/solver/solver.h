@@ -14,8 +14,8 @@ namespace pelmora {
 // belong to one thread.
 //
 // A nonlinear solution is a minimum of the residual sum of squares: proved to be one, by Newton's method
-// in double-double arithmetic, and the lowest one that the starts led to. A lower one elsewhere cannot be
-// ruled out; start values help. R2 of a linear equation without a constant term is about zero.
+// in double-double arithmetic, and the lowest one that the starts led to, the host's and the engine's own.
+// A lower one elsewhere cannot be ruled out; start values help. R2 of a linear equation without a constant term is about zero.
 //
 // No solution, with a reason in words: an expression that cannot be read, fewer points than
 // parameters + 1 (standard errors need a degree of freedom), values that are not finite, parameters

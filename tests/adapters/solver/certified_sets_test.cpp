@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
 
 namespace pelmora::test {
 namespace {
@@ -52,7 +54,7 @@ TEST(certified_sets, linear_sets_have_13_digits) {
 }
 
 void expectNonlinear(const StrdSet& set, const std::vector<double>& start) {
-  const auto model = fitOf(set.model, set.x[0], set.y, start);
+  const auto model = fitOf(set.model, set.x[0], set.y, start, 1);
   ASSERT_TRUE(model->solutionFound()) << set.name << ": " << model->failureReason();
   EXPECT_FALSE(model->linear());
   EXPECT_GT(model->statistics().Iterations, 0);
@@ -91,7 +93,7 @@ TEST(certified_sets, nonlinear_sets_are_solved_from_own_starts) {
 constexpr double printedDigits = 10.1;
 
 void expectPrinted(const StrdSet& set, const std::vector<double>& start) {
-  const auto model = fitOf(set.model, set.x[0], set.y, start);
+  const auto model = fitOf(set.model, set.x[0], set.y, start, 1);
   ASSERT_TRUE(model->solutionFound()) << set.name << ": " << model->failureReason();
   const auto parameters = model->parameters();
   ASSERT_EQ(parameters.size(), set.parameters.size());
@@ -119,6 +121,31 @@ TEST(certified_sets, further_sets_are_solved_from_own_starts) {
     EXPECT_GE(agreeingDigits(model->statistics().ResidualSumOfSquares, set.residualSquares), printedDigits)
         << set.name;
   }
+}
+
+// Starts up to 30 times too large or too small, some with the wrong sign.
+TEST(certified_sets, far_starts_do_not_lead_to_a_wrong_solution) {
+  std::uint64_t state = 7;
+  const auto uniform = [&state] {  // -1 .. 1
+    state = state * 6364136223846793005U + 1442695040888963407U;
+    return static_cast<double>(state >> 11U) * 0x1p-52 - 1;
+  };
+  constexpr std::size_t mostPoints = 60;  // for the time of the test
+  int fitted = 0;
+  for (const auto& sets : {strdSets(false), moreStrdSets()}) {
+    for (const StrdSet& set : sets) {
+      if (!set.singleX || set.y.size() > mostPoints) continue;
+      std::vector<double> start = set.start1;
+      for (double& value : start) value *= std::pow(10.0, 1.5 * uniform()) * (uniform() < -0.7 ? -1 : 1);
+      const auto model = fitOf(set.model, set.x[0], set.y, start);
+      ASSERT_TRUE(model->solutionFound()) << set.name << ": " << model->failureReason();
+      EXPECT_GE(agreeingDigits(model->statistics().ResidualSumOfSquares, set.residualSquares),
+                promised(nonlinearErrorDigits, set.attainableErrors - 0.3))
+          << set.name;
+      ++fitted;
+    }
+  }
+  EXPECT_GE(fitted, 15);
 }
 
 }  // namespace

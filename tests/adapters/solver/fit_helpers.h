@@ -18,13 +18,14 @@ inline std::shared_ptr<FitData> dataOf(std::vector<double> x, std::vector<double
   return data;
 }
 
+// ownStarts: how many of the engine's own; few are enough beside good ones, and quick.
 inline std::unique_ptr<FitModel> fitOf(const std::string& expression,
                                        const std::shared_ptr<const FitData>& data,
-                                       std::vector<double> starts = {}) {
+                                       std::vector<double> starts = {}, int ownStarts = 10) {
   auto model = createSolver()->createModel();
   model->Definition = {"Test", expression};
   model->Settings.First = 250;
-  model->Settings.Second = 10;
+  model->Settings.Second = ownStarts;
   model->Settings.ResidualTolerance = 1e-15;
   model->Settings.StartValues = std::move(starts);
   model->attach(data);
@@ -32,8 +33,9 @@ inline std::unique_ptr<FitModel> fitOf(const std::string& expression,
 }
 
 inline std::unique_ptr<FitModel> fitOf(const std::string& expression, std::vector<double> x,
-                                       std::vector<double> y, std::vector<double> starts = {}) {
-  return fitOf(expression, dataOf(std::move(x), std::move(y)), std::move(starts));
+                                       std::vector<double> y, std::vector<double> starts = {},
+                                       int ownStarts = 10) {
+  return fitOf(expression, dataOf(std::move(x), std::move(y)), std::move(starts), ownStarts);
 }
 
 }  // namespace pelmora::test

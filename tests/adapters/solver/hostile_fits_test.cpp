@@ -1,7 +1,10 @@
 // Equations and points that mean harm: an answer in reasonable time, and no wrong one.
 // SPDX-License-Identifier: MIT
 #include "adapters/solver/expression_parser.h"
+#include "adapters/solver/expression_model.h"
+#include "adapters/solver/nonlinear_fit.h"
 #include "tests/adapters/solver/fit_helpers.h"
+#include "tests/adapters/solver/strd_sets.h"
 
 #include <gtest/gtest.h>
 
@@ -24,6 +27,16 @@ TEST(hostile_fits, a_minimum_at_infinity_is_no_solution) {
   // The points are met exactly by b -> infinity only.
   const auto model = fitOf("a*exp(-b*x)", {0, 1, 2, 3}, {1, 0, 0, 0}, {1, 1});
   EXPECT_FALSE(model->solutionFound()) << model->parameters()[1].Value;
+}
+
+// For a, c and d without bounds, in fixed proportions, MGH09 tends to the curve of fewer parameters; the
+// standard errors there are so vast that any step looks negligible beside them.
+TEST(hostile_fits, the_way_to_infinity_is_not_taken_for_its_end) {
+  const StrdSet set = strdSet("MGH09");
+  const auto expression = solver::parseExpression(set.model);
+  const auto model = solver::makeExpressionModel(expression, set.x[0], set.y);
+  EXPECT_THROW((void)solver::lowestMinimum(*model, {{-9.839e12, -0.04778, -1.443e14, 9.836e12}}, {}),
+               solver::NoSolution);
 }
 
 TEST(hostile_fits, equations_that_are_finite_nowhere_are_no_solution) {

@@ -56,12 +56,15 @@ Digits digitsOfCatalogue() {
   return digits;
 }
 
+// For the time of the tests.
+constexpr std::size_t mostPoints = 170;
+
 Digits digitsOfCertifiedSets() {
   Digits digits;
   for (const bool linear : {true, false}) {
     for (const StrdSet& set : strdSets(linear)) {
-      if (!set.singleX) continue;
-      addFit(digits, set.name, *fitOf(set.model, set.x[0], set.y, set.start1), set.x[0]);
+      if (!set.singleX || set.y.size() > mostPoints) continue;
+      addFit(digits, set.name, *fitOf(set.model, set.x[0], set.y, set.start1, 1), set.x[0]);
     }
   }
   return digits;
