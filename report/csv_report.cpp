@@ -21,7 +21,8 @@ std::string cell(const Value& value) {
   if (const auto* real = std::get_if<double>(&value)) return exactNumber(*real);
   const auto* text = std::get_if<std::string>(&value);
   if (text == nullptr) return {};
-  const bool isFormula = std::string_view("=+-@\t\r").find(text->front()) != std::string_view::npos;
+  const std::size_t first = text->find_first_not_of(" \t\r\n");
+  const bool isFormula = first != std::string::npos && std::string_view("=+-@").find((*text)[first]) != std::string_view::npos;
   return quoted((isFormula ? "'" : "") + *text);
 }
 

@@ -90,7 +90,7 @@ std::string setups(const Report& report) {
                   orNone(setup.Operator), orNone(setup.DateTaken), orNone(numberOrNone(setup.Stand)),
                   orNone(numberOrNone(setup.Position)), std::to_string(setup.Points)});
   }
-  return "<h3>Set-ups</h3>\n" + table.take();
+  return "<h2>Set-ups</h2>\n" + table.take();
 }
 
 std::string summary(const Report& report) {
@@ -109,7 +109,7 @@ std::string summary(const Report& report) {
                   hasShift ? percentText(series.previous->meanPercent) : "-",
                   std::to_string(series.remarks.size())});
   }
-  return "<h3>Results</h3>\n" + table.take() +
+  return "<h2>Results</h2>\n" + table.take() +
          "<p class=\"fine\">Worst: largest residual of the chosen equation at a merged point. Roshko and Strouhal numbers are "
          "in the units of the stand; the database keeps no units.</p>\n";
 }

@@ -110,7 +110,7 @@ std::string parameters(const SeriesReport& series) {
 }
 
 std::string halfOfTable(const SeriesReport& series, std::size_t begin, std::size_t end, bool hasBands) {
-  std::vector<HtmlColumn> columns{{"", true}, {"Roshko", true}, {series.settings.RatioCurve ? "Ratio" : "Strouhal", true}};
+  std::vector<HtmlColumn> columns{{"No.", true}, {"Roshko", true}, {series.settings.RatioCurve ? "Ratio" : "Strouhal", true}};
   if (hasBands) columns.insert(columns.end(), {{"\u00B1 conf.", true}, {"\u00B1 pred.", true}});
   HtmlTable table("Predicted table, points " + std::to_string(begin + 1) + " to " + std::to_string(end), columns, "points predicted");
   for (std::size_t i = begin; i < end; ++i) {

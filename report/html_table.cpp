@@ -22,7 +22,7 @@ HtmlTable::HtmlTable(std::string caption, std::vector<HtmlColumn> columns, std::
   if (isAllNumbers_) cssClass += cssClass.empty() ? "num" : " num";
   const std::string label = " aria-label=\"" + escaped(caption) + "\"";
   html_ = isAllNumbers_ ? "<div><table" + label
-                        : "<div class=scroll tabindex=0 role=region" + label + "><table";
+                        : "<div class=scroll tabindex=0 role=group" + label + "><table";
   html_ += classAttribute(cssClass) + ">\n<thead><tr>";
   for (const HtmlColumn& column : columns_)
     html_ += "<th scope=col" + classAttribute(column.isNumber ? "n" : "") + ">" + escaped(column.title);

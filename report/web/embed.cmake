@@ -72,6 +72,7 @@ function(pelmora_embed name file needs_plots)
 endfunction()
 
 set(page "// Made from report/web; do not edit.\n#include \"report/page_files.h\"\n\nnamespace pelmora::report {\n")
+set(PELMORA_PAGE_HAS_PLOTS ${PELMORA_PAGE_HAS_PLOTS} CACHE INTERNAL "Whether the report page has interactive plots")
 pelmora_embed(pageStyle ${web}/page.css OFF)
 pelmora_embed(plotLibraryStyle ${packages}/node_modules/uplot/dist/uPlot.min.css ON)
 pelmora_embed(packedScript ${packages}/page.packed ON)

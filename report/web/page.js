@@ -203,12 +203,13 @@
         axes: [x, y], series: list,
         bands: columns.length > 2 ? [{ series: [6, 7], fill: fill("17") }, { series: [4, 5], fill: fill("38") }] : [],
         cursor: {
-          drag: { x: true, y: false, dist: 6 }, points: { show: false }, sync: { key: self.data.id },
+          drag: { x: true, y: false, dist: 6, setScale: false }, points: { show: false }, sync: { key: self.data.id },
           bind: { dblclick: function () { return function () { self.zoom(self.full); return null; }; } }
         },
         hooks: {
           draw: [function (u) { self.draw(u, panel); }],
-          setScale: [function (u, key) { if (key === "x") self.zoom([u.scales.x.min, u.scales.x.max]); }],
+          ready: [function (u) { u.over.addEventListener("mousedown", function () { self.dragged = u; }); }],
+          setSelect: [function (u) { self.select(u); }],
           setCursor: [function (u) { self.hover(u, panel); }]
         }
       }, columns, live);
@@ -247,13 +248,18 @@
 
   Pair.prototype.redraw = function () { this.plots.forEach(function (u) { u.redraw(false); }); };
 
+  // A selection was drawn; the other plot of the pair shows the same one.
+  Pair.prototype.select = function (u) {
+    var left = u.select.left, width = u.select.width, range = [u.posToVal(left, "x"), u.posToVal(left + width, "x")];
+    if (width > 0) u.setSelect({ left: 0, top: 0, width: 0, height: 0 }, false);
+    if (width > 0 && this.dragged === u) this.zoom(range);
+  };
+
   Pair.prototype.zoom = function (range) {
     var low = Math.max(range[0], this.full[0]), high = Math.min(range[1], this.full[1]);
-    if (!(high > low) || this.isZooming) return;
-    this.isZooming = true;
+    if (!(high > low)) return;
     this.window = [low, high];
     this.plots.forEach(function (u) { u.setScale("x", { min: low, max: high }); });
-    this.isZooming = false;
   };
 
   Pair.prototype.zoomBy = function (factor) {

@@ -36,7 +36,7 @@ TEST(csv_report, quotes_what_would_break_a_line) {
 }
 
 TEST(csv_report, disarms_formulas) {
-  for (const char* name : {"=1+1", "+1", "-1", "@SUM(A1)"}) {
+  for (const char* name : {"=1+1", "+1", "-1", "@SUM(A1)", " =1", "\t=1"}) {
     EXPECT_THAT(csvOf(name), HasSubstr(",'" + std::string(name) + ",")) << name;
   }
 }

@@ -1,0 +1,389 @@
+#!/usr/bin/env python3
+"""Every format of a report tells what its JSON tells, and the JSON what the database holds.
+
+formats_agree.py PROGRAM DATA CASE: runs one case against a two-fluid calibration with an earlier one to compare with.
+Readers are Python's own: json, csv, zipfile and an XML parser.
+"""
+# SPDX-License-Identifier: MIT
+import csv
+import hashlib
+import html.parser
+import io
+import json
+import math
+import os
+import re
+import subprocess
+import sys
+import tempfile
+import xml.etree.ElementTree as ElementTree
+import zipfile
+
+PROGRAM, DATA = sys.argv[1], sys.argv[2]
+FOLDER = tempfile.TemporaryDirectory()
+CURVES = os.path.join(FOLDER.name, "curves.db")
+PAGE_LIMIT = 150 * 1000
+SHEET_DIGITS = 1e-15  # a workbook keeps 16 significant digits
+PIXEL = 0.051 + 1e-6  # places are tenths of a pixel
+
+
+def run(*arguments):
+    environment = dict(os.environ, SOURCE_DATE_EPOCH="1795268400")
+    return subprocess.run([PROGRAM, *arguments], check=True, capture_output=True, env=environment).stdout
+
+
+def report(option):
+    return run("report", CURVES, "--meter", "M1", "-o", "-", option)
+
+
+def set_up():
+    stand = os.path.join(DATA, "stand-dual-rotor.csv")
+    run("init", CURVES)
+    job = lambda number, fluid: ["--job", number, "--fluid", fluid]
+    run("calibrate", CURVES, "--meter", "M1", "--stand", stand, *job("1001", "Mineral spirit"), *job("1002", "Glycol mix"),
+        "--operator", "Ada", "--points", "50")
+    run("calibrate", CURVES, "--meter", "M1", "--stand", stand, "--new-calibration", *job("1001", "Mineral spirit"),
+        *job("1002", "Glycol mix"), "--operator", "Ada")
+    return json.loads(report("--json"))
+
+
+def expect(condition, message):
+    if not condition:
+        raise AssertionError(message)
+
+
+def expect_equal(found, wanted, place, tolerance=0.0):
+    if isinstance(wanted, bool):
+        wanted = int(wanted)
+    if isinstance(wanted, (int, float)) and found is not None:
+        expect(abs(float(found) - wanted) <= tolerance * abs(wanted), f"{place}: {found} is not {wanted}")
+    else:
+        expect(found == wanted, f"{place}: {found!r} is not {wanted!r}")
+
+
+def tables_of(model):
+    """The flat tables that CSV and workbook must hold, made from the JSON alone."""
+    def pick(entry, names):
+        return {name: entry[name] for name in names}
+
+    meter = model["meter"]
+    tables = {name: [] for name in ("calibration", "setups", "series", "points", "curve", "equations", "parameters",
+                                    "warnings", "shifts", "reports")}
+    tables["calibration"].append({**pick(meter, ("serialNumber", "serialNumberAdjusted", "calibration")),
+                                  **pick(model, ("database", "softwareVersion", "createdAt", "rawDataSha256"))})
+    for setup in model["setups"]:
+        tables["setups"].append({"part": setup["rawPart"], "fluid": setup["fluid"], "jobs": ", ".join(setup["jobs"]),
+                                 "operator": setup["operator"], "date": setup["date"], "stand": setup["stand"],
+                                 "position": setup["position"], "count": setup["points"]})
+    for series in model["series"]:
+        name, settings, previous = series["name"], series["settings"], series["previous"]
+        row = {"series": name, "chosen": series["chosen"], "count": settings["points"], "settingsKept": settings["kept"],
+               "rawDataSha256": series["rawDataSha256"],
+               **pick(settings, ("bandPercent", "min", "max", "ratio", "inverted", "ignoreResiduals", "softwareVersion", "fittedAt"))}
+        if previous:
+            row.update(previousCalibration=previous["calibration"], date=previous["date"], meanShiftPercent=previous["meanPercent"],
+                       lowestShiftPercent=previous["lowest"]["percent"], highestShiftPercent=previous["highest"]["percent"])
+            tables["shifts"] += [{"series": name, **shift} for shift in previous["shifts"]]
+        tables["series"].append(row)
+        for part in series["raw"]:
+            for point in part["points"]:
+                tables["points"].append({"series": name, "kind": "raw", "part": part["part"], "fluid": part["fluid"], **point})
+        tables["points"] += [{"series": name, "kind": "merged", **point} for point in series["merged"]]
+        tables["curve"] += [{"series": name, "number": i + 1, **point} for i, point in enumerate(series["curve"])]
+        for equation in series["equations"]:
+            tables["equations"].append({"series": name, "equation": equation["name"], "reason": equation["reason"] or None, **pick(
+                equation, ("rank", "expression", "verdict", "observations", "r2", "adjustedR2", "residualStandardError",
+                           "residualSumOfSquares", "aicc", "bic", "worstResidualPercent", "worstResidualRoshko"))})
+            tables["parameters"] += [{"series": name, "equation": equation["name"], "parameter": parameter["name"],
+                                      "value": parameter["value"], "standardError": parameter["standardError"]}
+                                     for parameter in equation["parameters"]]
+        tables["warnings"] += [{"series": name, **warning} for warning in series["warnings"]]
+        tables["reports"] += [{"series": name, "number": i + 1, "text": line or None}
+                              for i, line in enumerate(series["report"].splitlines())]
+    return tables
+
+
+def compare_tables(found, model, tolerance):
+    wanted = tables_of(model)
+    expect(set(found) == {name for name in wanted if wanted[name]}, f"tables {sorted(found)}")
+    for name, rows in wanted.items():
+        expect_equal(len(found.get(name, [])), len(rows), f"rows of {name}")
+        for i, row in enumerate(rows):
+            for column, value in row.items():
+                cell = found[name][i].get(column)
+                if value is None:
+                    expect(cell in (None, ""), f"{name} {i} {column}: {cell!r} is not empty")
+                else:
+                    expect_equal(cell, value, f"{name} {i} {column}", tolerance)
+
+
+def csv_holds_the_numbers_of_json(model):
+    found = {}
+    for row in csv.DictReader(io.StringIO(report("--csv").decode(), newline="")):
+        for key, cell in row.items():  # the apostrophe that keeps texts from being formulas
+            if re.match(r"'\s*[=+\-@]", cell):
+                row[key] = cell[1:]
+        found.setdefault(row["table"], []).append(row)
+    compare_tables(found, model, 0.0)
+
+
+def workbook_holds_the_numbers_of_json(model):
+    space = {"m": "http://schemas.openxmlformats.org/spreadsheetml/2006/main"}
+    book = zipfile.ZipFile(io.BytesIO(report("--xlsx")))
+    tree = lambda name: ElementTree.fromstring(book.read(name))
+    strings = ["".join(t.text or "" for t in item.iter("{%s}t" % space["m"])) for item in tree("xl/sharedStrings.xml")]
+    found = {}
+    for k, sheet in enumerate(tree("xl/workbook.xml").iterfind("m:sheets/m:sheet", space)):
+        table = []
+        for row in tree(f"xl/worksheets/sheet{k + 1}.xml").iterfind("m:sheetData/m:row", space):
+            cells = {}
+            for cell in row.iterfind("m:c", space):
+                value = cell.find("m:v", space).text
+                expect(cell.find("m:f", space) is None, "a formula")
+                cells[re.match("[A-Z]+", cell.get("r")).group()] = strings[int(value)] if cell.get("t") == "s" else float(value)
+            table.append(cells)
+        header = table[0]
+        if table[1:]:
+            found[sheet.get("name")] = [{header[column]: value for column, value in cells.items()} for cells in table[1:]]
+    compare_tables(found, model, SHEET_DIGITS)
+
+
+def places(path):
+    """Absolute places of path data: M x y l dx dy ..."""
+    numbers = [float(n) for n in re.findall(r"-?(?:\d+\.?\d*|\.\d+)", path)]
+    x = y = 0.0
+    for dx, dy in zip(numbers[::2], numbers[1::2]):
+        x, y = x + dx, y + dy
+        yield x, y
+
+
+class Panel:
+    def __init__(self, group):
+        data = lambda name: float(group.get("data-" + name))
+        self.name = group.get("data-name")
+        self.x, self.y = (data("x0"), data("x1")), (data("y0"), data("y1"))
+        self.left, self.top, self.width, self.height = data("left"), data("top"), data("width"), data("height")
+        self.is_log = group.get("data-log") == "1"
+        self.paths = {}
+        for path in group:
+            if path.tag.endswith("path"):
+                key = path.get("class").replace("dots ", "").replace("line ", "")
+                self.paths.setdefault(key, []).append(list(places(path.get("d"))))
+
+    def place(self, x, y):
+        low, high = self.x
+        share = math.log(x / low) / math.log(high / low) if self.is_log else (x - low) / (high - low)
+        return self.left + share * self.width, self.top + (1 - (y - self.y[0]) / (self.y[1] - self.y[0])) * self.height
+
+    def expect_marks(self, key, points):
+        wanted = [self.place(x, y) for x, y in points if y is not None and self.y[0] <= y <= self.y[1]]
+        found = self.paths.get(key, [[]])[0]
+        expect_equal(len(found), len(wanted), f"{self.name}: marks {key}")
+        for (x, y), (a, b) in zip(found, wanted):
+            expect(abs(x - a) <= PIXEL and abs(y - b) <= PIXEL, f"{self.name} {key}: ({x}, {y}) is not at ({a}, {b})")
+
+    def expect_line(self, line, points, key):
+        """Every point lies on the line, to what nobody sees."""
+        for x, y in points:
+            a, b = self.place(x, min(max(y, self.y[0]), self.y[1]))
+            near = min(distance(a, b, p, q) for p, q in zip(line, line[1:]))
+            expect(near <= 0.3, f"{self.name} {key}: ({x}, {y}) is {near} px off")
+
+
+def distance(x, y, p, q):
+    dx, dy = q[0] - p[0], q[1] - p[1]
+    length = dx * dx + dy * dy
+    share = 0 if length == 0 else min(max(((x - p[0]) * dx + (y - p[1]) * dy) / length, 0), 1)
+    return math.hypot(x - p[0] - share * dx, y - p[1] - share * dy)
+
+
+def compare_panels(panels, model):
+    for series in model["series"]:
+        for name in ("strouhal", "percent"):
+            panel = panels.pop(0)
+            expect_equal(panel.name, name, series["name"])
+            inPercent = name == "percent"
+            value = "deviationPercent" if inPercent else "strouhal"
+            pairs = lambda points: [(p["roshko"], p[value]) for p in points]
+            for part in series["raw"]:
+                for key, is_cut in (("raw", False), ("cut", True)):
+                    panel.expect_marks(f"{key}{part['part']}", pairs(p for p in part["points"] if p["cut"] == is_cut))
+            panel.expect_marks("merged", pairs(series["merged"]))
+            middle = lambda p: 0 if inPercent else p["strouhal"]
+            unit = lambda p: 100 / abs(p["strouhal"]) if inPercent else 1
+            share = series["settings"]["bandPercent"] / 100
+            half = {"conf": lambda p: p["confidenceHalfWidth"], "pred": lambda p: p["predictionHalfWidth"],
+                    "band": lambda p: share * abs(p["strouhal"]), "curve": lambda p: 0}
+            for key, width in half.items():
+                line = sum(panel.paths[key], [])
+                for sign in (1, -1):
+                    panel.expect_line(line, [(p["roshko"], middle(p) + sign * width(p) * unit(p)) for p in series["curve"]], key)
+        if series["previous"]:
+            panel = panels.pop(0)
+            panel.expect_line(panel.paths["shift"][0], [(s["roshko"], s["percent"]) for s in series["previous"]["shifts"]], "shift")
+    expect_equal(panels, [], "panels left")
+
+
+def picture_stands_at_the_numbers_of_json(model):
+    tree = ElementTree.fromstring(report("--svg"))
+    compare_panels([Panel(g) for g in tree.iter("{http://www.w3.org/2000/svg}g") if g.get("class") == "panel"], model)
+
+
+def page_holds_the_picture(model):
+    svgs = re.findall(r'<svg class="plot".*?</svg>', report("--html").decode(), re.S)
+    panels = [Panel(g) for svg in svgs for g in ElementTree.fromstring(svg).iter("g") if g.get("class") == "panel"]
+    compare_panels(panels, model)
+
+
+class Rows(html.parser.HTMLParser):
+    """Tables of a page: for each series' section a list of tables, a table a list of rows of texts."""
+
+    def __init__(self):
+        super().__init__()
+        self.sections, self.cell, self.scripts, self.script = [[]], None, {}, None
+
+    def handle_starttag(self, tag, attributes):
+        attributes = dict(attributes)
+        if tag == "section":
+            self.sections.append([])
+        elif tag == "table":
+            self.sections[-1].append((attributes.get("class", ""), []))
+        elif tag == "tr":
+            self.sections[-1][-1][1].append([])
+        elif tag in ("td", "th"):
+            self.cell = self.sections[-1][-1][1][-1]
+            self.cell.append("")
+        elif tag == "script":
+            self.script = attributes.get("id")
+
+    def handle_endtag(self, tag):
+        if tag == "table":
+            self.cell = None
+        if tag == "script":
+            self.script = None
+
+    def handle_data(self, data):
+        if self.script:
+            self.scripts[self.script] = self.scripts.get(self.script, "") + data
+        elif self.cell is not None:
+            self.cell[-1] = (self.cell[-1] + data).strip()
+
+
+def expect_rounded(text, value, place):
+    """The text is the value rounded to the digits that the text shows."""
+    if value is None:
+        return expect_equal(text, "-", place)
+    digits = re.sub(r"[eE].*", "", text)
+    exponent = int(re.search(r"[eE](.*)", text).group(1)) if "e" in text.lower() else 0
+    decimals = len(digits.split(".")[1]) if "." in digits else 0
+    unit = 10.0 ** (exponent - decimals)
+    expect(abs(float(text) - value) <= unit / 2 * (1 + 1e-9), f"{place}: {text} is not {value}")
+
+
+def page_shows_the_numbers_of_json(model):
+    page = Rows()
+    page.feed(report("--html").decode())
+    expect_equal(len(page.sections) - 1, len(model["series"]), "sections")
+    for series, tables in zip(model["series"], page.sections[1:]):
+        name = series["name"]
+        curve = [row for kind, rows in tables if "predicted" in kind for row in rows[1:]]
+        expect_equal(len(curve), len(series["curve"]), f"{name}: predicted table")
+        for row, point in zip(curve, series["curve"]):
+            for text, key in zip(row[1:], ("roshko", "strouhal", "confidenceHalfWidth", "predictionHalfWidth")):
+                expect_rounded(text, point[key], f"{name}: {key}")
+        equations = [row for row in tables[0][1][1:] if row[0]]
+        expect_equal(len(equations), len(series["equations"]), f"{name}: equations")
+        for row, equation in zip(equations, series["equations"]):
+            expect_equal(row[0], f"{equation['rank']}. {equation['name']}", name)
+            if equation["verdict"] in ("notTried", "noSolution"):
+                continue
+            for text, key in zip(row[2:], ("adjustedR2", "r2", "residualStandardError", "aicc", "worstResidualPercent", "worstResidualRoshko")):
+                expect_rounded(text, equation[key], f"{name}: {key}")
+        chosen = next(e for e in series["equations"] if e["verdict"] == "chosen")
+        parameters = tables[1][1][1:]
+        expect_equal([row[0] for row in parameters], [p["name"] for p in chosen["parameters"]], f"{name}: parameters")
+        for row, parameter in zip(parameters, chosen["parameters"]):
+            expect_equal(row[1], parameter["value"], f"{name}: {parameter['name']}")
+            expect_rounded(row[2], parameter["standardError"], f"{name}: error of {parameter['name']}")
+
+
+def page_gives_its_script_the_numbers_of_json(model):
+    page = Rows()
+    page.feed(report("--html").decode())
+    if "data" not in page.scripts:
+        print("SKIPPED: the program was built without the page's plot library")
+        sys.exit(77)
+    for series, data in zip(model["series"], json.loads(page.scripts["data"])):
+        sets = {points["key"]: points for points in data["points"]}
+        kept = []
+        for part in series["raw"]:
+            for key, is_cut in (("raw", False), ("cut", True)):
+                wanted = [p for p in part["points"] if p["cut"] == is_cut]
+                kept += [] if is_cut else wanted
+                found = sets.get(f"{key}{part['part']}", {"x": [], "y": []})
+                expect_equal(len(found["x"]), len(wanted), f"{series['name']} {key}{part['part']}")
+                for x, y, point in zip(found["x"], found["y"], wanted):
+                    expect_equal(x, point["roshko"], "roshko", 5e-9)
+                    expect_equal(y, point["strouhal"], "strouhal", 5e-9)
+        expect("x" in sets["merged"] or sorted((p["roshko"], p["strouhal"]) for p in kept) ==
+               sorted((p["roshko"], p["strouhal"]) for p in series["merged"]), "merged points are not what was kept")
+
+
+def page_of_four_series_is_at_most_150_KB(model):
+    size = len(report("--html"))
+    expect_equal(len(model["series"]), 4, "series")
+    expect(all(series["previous"] for series in model["series"]), "nothing to compare with")
+    expect(size <= PAGE_LIMIT, f"{size} bytes")
+    print(size, "bytes")
+
+
+def hash_can_be_made_from_the_raw_points(model):
+    lines = {s["name"]: "".join(f"{s['name']}\t{part['part']}\t{p['roshko']:.17g}\t{p['strouhal']:.17g}\n"
+                                for part in s["raw"] for p in part["points"]) for s in model["series"]}
+    for series in model["series"]:
+        expect_equal(series["rawDataSha256"], hashlib.sha256(lines[series["name"]].encode()).hexdigest(), series["name"])
+    expect_equal(model["rawDataSha256"], hashlib.sha256("".join(lines.values()).encode()).hexdigest(), "all series")
+
+
+def report_tells_what_is_stored(model):
+    for series in model["series"]:
+        stored = json.loads(run("show", CURVES, "--meter", "M1", "--series", series["name"], "--json"))
+        pairs = lambda points: [[p["roshko"], p["strouhal"]] for p in points]
+        expect_equal(pairs(series["curve"]), stored["curve"], "curve")
+        expect_equal(pairs(series["merged"]), stored["merged"], "merged")
+        expect_equal([pairs(part["points"]) for part in series["raw"]], [raw for raw in stored["raw"] if raw], "raw")
+        expect_equal(series["report"], stored["report"].replace("\r", ""), "report")
+        expect_equal(series["settings"]["kept"], True, "settings")
+
+
+def residuals_and_shifts_are_those_of_the_tables(model):
+    def read(curve, x):
+        for (a, ya), (b, yb) in zip(curve, curve[1:]):
+            if a * (1 - 1e-12) <= x <= b * (1 + 1e-12):
+                return ya + (yb - ya) * (x - a) / (b - a)
+        return None
+
+    for series in model["series"]:
+        curve = [(p["roshko"], p["strouhal"]) for p in series["curve"]]
+        for point in series["merged"] + [p for part in series["raw"] for p in part["points"]]:
+            y = read(curve, point["roshko"])
+            wanted = None if y is None else (point["strouhal"] / y - 1) * 100
+            found = point["deviationPercent"]
+            expect((found is None) == (wanted is None) and (found is None or abs(found - wanted) < 1e-9), f"{point}: {wanted}")
+        stored = json.loads(run("show", CURVES, "--meter", "M1", "--calibration", "0", "--series", series["name"], "--json"))
+        for shift in series["previous"]["shifts"]:
+            earlier, now = read(stored["curve"], shift["roshko"]), read(curve, shift["roshko"])
+            expect(abs(shift["percent"] - (now / earlier - 1) * 100) < 1e-9, f"{shift}")
+        expect(len(series["previous"]["shifts"]) > 60, "shifts at the points of both tables")
+
+
+def report_leaves_the_database_as_it_was(model):
+    with open(CURVES, "rb") as file:
+        before = file.read()
+    for option in ("--html", "--json", "--csv", "--xlsx", "--svg"):
+        expect(report(option) == report(option), f"{option} gives another report the second time")
+    with open(CURVES, "rb") as file:
+        expect(before == file.read(), "the database has changed")
+
+
+globals()[sys.argv[3]](set_up())
