@@ -142,7 +142,7 @@ class SeriesBuilder {
       remark("notStored", "The ranking below is of a fit that was made for this report and is not stored.");
     }
     for (const CurveWarning& warning : outcome.Warnings)
-      remark(warningKey(warning.Kind), sentence(withShortNumbers(warning.Text)));
+      remark(warningKey(warning.Kind), sentence(warning.Text));
   }
 
   void compareWithRefit() {
@@ -177,9 +177,12 @@ class SeriesBuilder {
     report_.previous = std::move(comparison);
   }
 
-  // Ends in a full stop.
-  static std::string sentence(std::string text) {
-    if (!text.empty() && !text.ends_with('.')) text += '.';
+  // From a capital letter to a full stop, long numbers rounded.
+  static std::string sentence(const std::string& words) {
+    std::string text = withShortNumbers(words);
+    if (text.empty()) return text;
+    if (text[0] >= 'a' && text[0] <= 'z') text[0] = static_cast<char>(text[0] - 'a' + 'A');
+    if (!text.ends_with('.') && !text.ends_with(".)")) text += '.';
     return text;
   }
 

@@ -93,8 +93,10 @@ TEST(build_report, takes_last_digits_for_the_same_curve) {
 TEST(build_report, says_that_a_refit_fails_where_a_curve_is_stored) {
   SeriesInput input = straightSeries();
   input.refit = Refit{};
-  input.refit.trouble = "no equation passed";
-  EXPECT_THAT(kinds(seriesOf(input)), ElementsAre("notFitted", "notRepeated"));
+  input.refit.trouble = "no equation passed (worst at x = 1577.69675128747)";
+  const SeriesReport series = seriesOf(input);
+  EXPECT_THAT(kinds(series), ElementsAre("notFitted", "notRepeated"));
+  EXPECT_EQ(series.remarks[0].text, "No equation passed (worst at x = 1577.7).");
 }
 
 TEST(build_report, shows_a_series_without_a_curve_with_its_points_and_says_so) {
