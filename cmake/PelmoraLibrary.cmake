@@ -29,9 +29,13 @@ target_include_directories(pelmora PUBLIC
   $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 target_link_libraries(pelmora PRIVATE $<BUILD_INTERFACE:pelmora_options> ${libraries} ${CMAKE_DL_LIBS})
 
-install(TARGETS pelmora EXPORT pelmoraTargets)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/pelmora DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(EXPORT pelmoraTargets NAMESPACE pelmora:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/pelmora)
+install(TARGETS pelmora EXPORT pelmoraTargets
+  RUNTIME COMPONENT program
+  LIBRARY COMPONENT program NAMELINK_COMPONENT development
+  ARCHIVE COMPONENT development)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/pelmora DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+install(EXPORT pelmoraTargets NAMESPACE pelmora:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/pelmora
+  COMPONENT development)
 
 include(CMakePackageConfigHelpers)
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/pelmoraConfig.cmake.in
@@ -40,6 +44,9 @@ configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/pelmoraConfig.cmake.in
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/pelmoraConfigVersion.cmake
   COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/pelmoraConfig.cmake ${PROJECT_BINARY_DIR}/pelmoraConfigVersion.cmake
-  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/pelmora)
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/pelmora COMPONENT development)
+# By its own place, so that a prefix chosen when installing or packaging is the right one.
+file(RELATIVE_PATH PELMORA_PREFIX_FROM_PC ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" PELMORA_PREFIX_FROM_PC ${PELMORA_PREFIX_FROM_PC})
 configure_file(${PROJECT_SOURCE_DIR}/cmake/pelmora.pc.in ${PROJECT_BINARY_DIR}/pelmora.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/pelmora.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES ${PROJECT_BINARY_DIR}/pelmora.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)

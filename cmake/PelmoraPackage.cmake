@@ -1,0 +1,45 @@
+# Debian packages, made by cpack: `pelmora` (program, library, message window) and `libpelmora-dev` (what a
+# host is built with). `cmake --workflow --preset package` makes both.
+foreach(package pelmora libpelmora-dev)
+  set(component program)
+  if(package STREQUAL "libpelmora-dev")
+    set(component development)
+  endif()
+  install(FILES LICENSE RENAME copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} COMPONENT ${component})
+endforeach()
+install(FILES CHANGELOG.md THIRD_PARTY.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/pelmora COMPONENT program)
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME pelmora)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGE_VENDOR "The Pelmora maintainers")
+set(CPACK_PACKAGE_CONTACT "The Pelmora maintainers <maintainers@pelmora.invalid>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "calibration curves of turbine flow meters")
+set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL program development)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME pelmora)
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION science)
+set(CPACK_DEBIAN_PROGRAM_DESCRIPTION
+"Keeps, derives, fits and reports the calibration curves of turbine flow
+meters: the command line pelmora, the library that it uses, and the window
+that shows a host application's messages.")
+# The libraries' packages come from dpkg-shlibdeps, which finds our own library in the build folder.
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)  # for packages of hosts
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libpelmora-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "pelmora (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
+"Development files: headers, CMake package and pkg-config file for
+applications that keep and fit curves through the Pelmora library.")
+
+include(CPack)
