@@ -18,7 +18,8 @@ bool hasAccessFormat(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   file.read(start.data(), start.size());
   const std::string_view name = std::string_view(start.data(), start.size()).substr(nameAt);
-  return file.gcount() == static_cast<std::streamsize>(start.size()) && (name == jet || name == ace);
+  return file.gcount() == static_cast<std::streamsize>(start.size()) &&
+         (name == jet || name == ace);
 }
 
 std::string lower(std::string text) {

@@ -21,7 +21,8 @@ class AdoConnection : public Connection {
 
   void open() override {
     const std::string none;
-    connection_.call(L"Open", {Variant(none), Variant(none), Variant(none), Variant(unspecifiedOption)});
+    connection_.call(L"Open",
+                     {Variant(none), Variant(none), Variant(none), Variant(unspecifiedOption)});
   }
   [[nodiscard]] bool isOpen() const override {
     return (LateBound(connection_).numberProperty(L"State") & openState) != 0;
@@ -31,7 +32,8 @@ class AdoConnection : public Connection {
     connection_.call(L"Execute", {Variant(statement)});
   }
   [[nodiscard]] std::unique_ptr<Recordset> openRecordset(const std::string& statement,
-                                                         CursorType cursor, LockType lock) override {
+                                                         CursorType cursor,
+                                                         LockType lock) override {
     return std::make_unique<AdoRecordset>(connection_, statement, cursor, lock);
   }
 

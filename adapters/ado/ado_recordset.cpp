@@ -64,7 +64,8 @@ const Value& AdoRecordset::value(std::size_t field) const {
 }
 
 void AdoRecordset::addRow(std::span<const std::string_view> fields, std::span<const Value> values) {
-  if (fields.size() != values.size() || fields.empty()) throw makeError(RunTimeError::invalidArgument);
+  if (fields.size() != values.size() || fields.empty())
+    throw makeError(RunTimeError::invalidArgument);
   recordset_.call(L"AddNew");
   for (std::size_t i = 0; i < fields.size(); ++i) {
     fields_[fieldIndex(fields[i])].object.setProperty(L"Value", variantFrom(values[i]));

@@ -11,7 +11,8 @@
 
 namespace pelmora::ado {
 
-// A batch update is ADO's own: rows that it refuses are an error, and those before them may be stored.
+// A batch update is ADO's own: rows that it refuses are an error, and those before them may be
+// stored.
 class AdoRecordset : public Recordset {
  public:
   // Errors: Error as ADO reports it.

@@ -24,7 +24,8 @@ std::string dateText(DATE date) {
 
 Value valueFrom(const Variant& variant) {
   Variant plain;
-  if (FAILED(VariantCopyInd(&plain.get(), variant.toRead()))) throw makeError(RunTimeError::typeMismatch);
+  if (FAILED(VariantCopyInd(&plain.get(), variant.toRead())))
+    throw makeError(RunTimeError::typeMismatch);
   VARTYPE wanted = VT_R8;
   switch (plain.get().vt) {
     case VT_EMPTY:

@@ -113,7 +113,9 @@ Variant LateBound::property(const wchar_t* name, std::vector<Variant> arguments)
   return invoke(name, DISPATCH_PROPERTYGET, arguments);
 }
 
-LONG LateBound::numberProperty(const wchar_t* name) { return changed(property(name), VT_I4).get().lVal; }
+LONG LateBound::numberProperty(const wchar_t* name) {
+  return changed(property(name), VT_I4).get().lVal;
+}
 
 std::string LateBound::textProperty(const wchar_t* name) {
   const Variant text = changed(property(name), VT_BSTR);

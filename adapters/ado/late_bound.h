@@ -36,8 +36,8 @@ class Variant {
   VARIANT value_;
 };
 
-// Errors of every function: Error as the object reports it; where it gives no description, one that names the
-// member.
+// Errors of every function: Error as the object reports it; where it gives no description, one that
+// names the member.
 class LateBound {
  public:
   LateBound() = default;

@@ -64,7 +64,9 @@ HRESULT describe(ITypeInfo& owner, const TYPEDESC& type, ArgumentType& described
   }
   switch (type.vt) {
     case VT_USERDEFINED: return describeRecord(owner, type.hreftype, described);
-    case VT_SAFEARRAY: described.type = static_cast<VARTYPE>(VT_ARRAY | type.lptdesc->vt); return S_OK;
+    case VT_SAFEARRAY:
+      described.type = static_cast<VARTYPE>(VT_ARRAY | type.lptdesc->vt);
+      return S_OK;
     case VT_PTR:
     case VT_CARRAY: return DISP_E_BADVARTYPE;
     default: described.type = type.vt; return S_OK;
@@ -78,7 +80,8 @@ ArgumentSlot::~ArgumentSlot() {
 }
 
 void ArgumentSlot::pointCall(void* place) {
-  call_.vt = static_cast<VARTYPE>(VT_BYREF | (type_.type == VT_RECORD ? VARTYPE{VT_I4} : type_.type));
+  call_.vt =
+      static_cast<VARTYPE>(VT_BYREF | (type_.type == VT_RECORD ? VARTYPE{VT_I4} : type_.type));
   call_.byref = place;
 }
 
@@ -206,8 +209,8 @@ void ArgumentSlot::writeBack(LCID locale) {
   const VARTYPE variants = VT_ARRAY | VT_VARIANT;
   const auto theirs = typedReference_ != nullptr
                           ? static_cast<VARTYPE>(typedReference_->vt & ~VT_BYREF)
-                          : isArray(type_.type) ? variants
-                                                : type_.type;
+                      : isArray(type_.type) ? variants
+                                            : type_.type;
   VARIANT out;
   VariantInit(&out);
   HRESULT result = S_OK;

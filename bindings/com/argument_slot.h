@@ -28,8 +28,8 @@ class ArgumentSlot {
   ArgumentSlot(const ArgumentSlot&) = delete;
   ArgumentSlot& operator=(const ArgumentSlot&) = delete;
 
-  // Takes the host's argument: as it is where the type fits, else converted to it. `given` must live until
-  // the call is over. Errors: DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW.
+  // Takes the host's argument: as it is where the type fits, else converted to it. `given` must
+  // live until the call is over. Errors: DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW.
   [[nodiscard]] HRESULT take(const ArgumentType& type, VARIANT& given, LCID locale);
   // An optional argument that was left out: its default, or nothing at all.
   [[nodiscard]] HRESULT leaveOut(const ArgumentType& type, const PARAMDESC& parameter);
@@ -51,11 +51,11 @@ class ArgumentSlot {
   void pointCall(void* place);
 
   ArgumentType type_;
-  VARIANT value_{};             // converted value or room for the result; a record is not kept here
-  VARIANT original_{};          // value_ before the call
-  VARIANT call_{};              // not owned
-  void* record_ = nullptr;      // room for a record result
-  VARIANT* holder_ = nullptr;   // the host's variant that gets changes
+  VARIANT value_{};            // converted value or room for the result; a record is not kept here
+  VARIANT original_{};         // value_ before the call
+  VARIANT call_{};             // not owned
+  void* record_ = nullptr;     // room for a record result
+  VARIANT* holder_ = nullptr;  // the host's variant that gets changes
   VARIANT* typedReference_ = nullptr;  // the host's reference to another type
 };
 

@@ -24,7 +24,9 @@ template <class T>
 [[nodiscard]] inline bool flagOf(const VARIANT_BOOL* argument) {
   return valueOr<VARIANT_BOOL>(argument, VARIANT_FALSE) != VARIANT_FALSE;
 }
-[[nodiscard]] inline VARIANT_BOOL flagFrom(bool flag) { return flag ? VARIANT_TRUE : VARIANT_FALSE; }
+[[nodiscard]] inline VARIANT_BOOL flagFrom(bool flag) {
+  return flag ? VARIANT_TRUE : VARIANT_FALSE;
+}
 inline void writeBack(VARIANT_BOOL* argument, bool flag) {
   if (argument != nullptr) *argument = flagFrom(flag);
 }

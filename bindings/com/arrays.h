@@ -20,8 +20,8 @@ struct FreeArray {
 };
 using Array = std::unique_ptr<SAFEARRAY, FreeArray>;
 
-// A null array is an array without bounds, in both directions. Arrays that come from here start at 0; those
-// that the host gives may start anywhere, their first element counts as element 0.
+// A null array is an array without bounds, in both directions. Arrays that come from here start at
+// 0; those that the host gives may start anywhere, their first element counts as element 0.
 //
 // Errors: Error 13 (type mismatch) where type or number of dimensions is another; std::bad_alloc.
 

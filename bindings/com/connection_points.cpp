@@ -78,7 +78,8 @@ STDMETHODIMP EventPoint::Unadvise(DWORD cookie) {
   const auto found =
       std::ranges::find_if(sinks_, [&](const auto& sink) { return sink.first == cookie; });
   if (found == sinks_.end()) return CONNECT_E_NOCONNECTION;
-  const os::Reference<IDispatch> handler = std::move(found->second);  // let go after the list is in order
+  const os::Reference<IDispatch> handler =
+      std::move(found->second);  // let go after the list is in order
   sinks_.erase(found);
   return S_OK;
 }
@@ -89,7 +90,8 @@ STDMETHODIMP EventPoint::EnumConnections(IEnumConnections** connections) {
   try {
     std::vector<KeptSink> kept;
     for (const auto& [cookie, sink] : sinks_) kept.push_back({cookie, sink});
-    *connections = new Enumeration<IEnumConnections, CONNECTDATA, KeptSink>(IID_IEnumConnections, std::move(kept));
+    *connections = new Enumeration<IEnumConnections, CONNECTDATA, KeptSink>(IID_IEnumConnections,
+                                                                            std::move(kept));
     return S_OK;
   } catch (...) {
     return E_OUTOFMEMORY;
@@ -105,7 +107,8 @@ void EventPoint::raise(DISPID event, VARIANT* arguments, UINT count) const {
     UINT wrong = 0;
     const HRESULT result = sink->Invoke(event, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD,
                                         &parameters, nullptr, &exception, &wrong);
-    if (FAILED(result) && !isUnheard(result)) throw os::automationError(result, exception, "An event handler of the host failed");
+    if (FAILED(result) && !isUnheard(result))
+      throw os::automationError(result, exception, "An event handler of the host failed");
   }
 }
 
@@ -136,8 +139,8 @@ STDMETHODIMP ObjectConnections::EnumConnectionPoints(IEnumConnectionPoints** poi
   *points = nullptr;
   try {
     std::vector<KeptPoint> kept{{os::Reference<IConnectionPoint>::to(&events_)}};
-    *points = new Enumeration<IEnumConnectionPoints, IConnectionPoint*, KeptPoint>(IID_IEnumConnectionPoints,
-                                                                                   std::move(kept));
+    *points = new Enumeration<IEnumConnectionPoints, IConnectionPoint*, KeptPoint>(
+        IID_IEnumConnectionPoints, std::move(kept));
     return S_OK;
   } catch (...) {
     return E_OUTOFMEMORY;

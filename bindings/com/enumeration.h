@@ -13,20 +13,22 @@
 
 namespace pelmora::com {
 
-// `Enum` is the interface (IEnumConnections ...), `Item` what it hands out, `Kept` what copies to an Item with
-// a counted reference by its member function `handOut`.
+// `Enum` is the interface (IEnumConnections ...), `Item` what it hands out, `Kept` what copies to
+// an Item with a counted reference by its member function `handOut`.
 template <class Enum, class Item, class Kept>
 class Enumeration final : public Enum {
  public:
   // Starts with one reference.
-  Enumeration(REFIID identity, std::vector<Kept> items) : identity_(identity), items_(std::move(items)) {}
+  Enumeration(REFIID identity, std::vector<Kept> items)
+      : identity_(identity), items_(std::move(items)) {}
   Enumeration(const Enumeration&) = delete;
   Enumeration& operator=(const Enumeration&) = delete;
 
   STDMETHODIMP QueryInterface(REFIID identity, void** found) override {
     if (found == nullptr) return E_POINTER;
     *found = nullptr;
-    if (!IsEqualIID(identity, IID_IUnknown) && !IsEqualIID(identity, identity_)) return E_NOINTERFACE;
+    if (!IsEqualIID(identity, IID_IUnknown) && !IsEqualIID(identity, identity_))
+      return E_NOINTERFACE;
     AddRef();
     *found = static_cast<Enum*>(this);
     return S_OK;

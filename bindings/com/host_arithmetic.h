@@ -4,8 +4,9 @@
 
 namespace pelmora::com {
 
-// Hosts leave the processor rounding to 53 bits, flushing small numbers to zero or raising faults. The
-// component computes in the mode that it was tested in: 64-bit x87 mantissa, rounding to nearest, no faults.
+// Hosts leave the processor rounding to 53 bits, flushing small numbers to zero or raising faults.
+// The component computes in the mode that it was tested in: 64-bit x87 mantissa, rounding to
+// nearest, no faults.
 
 struct ArithmeticMode {
   unsigned short x87 = 0;
@@ -25,8 +26,8 @@ class OwnArithmetic {
   const ArithmeticMode* outerHost_;
 };
 
-// From here to the end of the scope the thread is in its host's mode again: around events, windows and the
-// pump. Nothing happens where no call of the host is running.
+// From here to the end of the scope the thread is in its host's mode again: around events, windows
+// and the pump. Nothing happens where no call of the host is running.
 class HostTurn {
  public:
   HostTurn();

@@ -17,7 +17,8 @@ namespace {
 
 class HostTurnPresenter : public FormPresenter {
  public:
-  explicit HostTurnPresenter(std::unique_ptr<FormPresenter> presenter) : presenter_(std::move(presenter)) {}
+  explicit HostTurnPresenter(std::unique_ptr<FormPresenter> presenter)
+      : presenter_(std::move(presenter)) {}
   void showModal(frmMessage& form) override {
     const HostTurn hostTurn;
     presenter_->showModal(form);
@@ -48,7 +49,8 @@ void preparePlatform() {
   if (std::exchange(isPrepared, true)) return;
   Platform& own = platform();
   useDialogs(own);
-  own.messageBox = [box = own.messageBox](const std::string& text, int style, const std::string& title) {
+  own.messageBox = [box = own.messageBox](const std::string& text, int style,
+                                          const std::string& title) {
     const HostTurn hostTurn;
     return box(text, style, title);
   };

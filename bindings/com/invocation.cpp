@@ -32,8 +32,12 @@ class Member {
   }
 
   const FUNCDESC* operator->() const { return function_; }
-  [[nodiscard]] const ELEMDESC& parameter(std::size_t i) const { return function_->lprgelemdescParam[i]; }
-  [[nodiscard]] std::size_t parameters() const { return static_cast<std::size_t>(function_->cParams); }
+  [[nodiscard]] const ELEMDESC& parameter(std::size_t i) const {
+    return function_->lprgelemdescParam[i];
+  }
+  [[nodiscard]] std::size_t parameters() const {
+    return static_cast<std::size_t>(function_->cParams);
+  }
   [[nodiscard]] bool returnsValue() const {
     return parameters() > 0 &&
            (parameter(parameters() - 1).paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0;
@@ -57,8 +61,8 @@ HRESULT assign(const Member& member, const DISPPARAMS& given,
   const bool isPut = (member->invkind & (INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF)) != 0;
   for (UINT i = 0; i < given.cNamedArgs; ++i) {
     const DISPID name = given.rgdispidNamedArgs[i];
-    const std::size_t position = isPut && name == DISPID_PROPERTYPUT ? assigned.size() - 1
-                                                                     : static_cast<std::size_t>(name);
+    const std::size_t position =
+        isPut && name == DISPID_PROPERTYPUT ? assigned.size() - 1 : static_cast<std::size_t>(name);
     if (position >= assigned.size() || assigned[position]) return DISP_E_PARAMNOTFOUND;
     assigned[position] = i;
   }
@@ -84,8 +88,8 @@ void tellError(HRESULT code, EXCEPINFO* exception) {
 }
 
 HRESULT failAt(UINT index, HRESULT result, UINT* wrongArgument) {
-  const bool isAboutArgument = result == DISP_E_TYPEMISMATCH || result == DISP_E_PARAMNOTFOUND ||
-                               result == DISP_E_OVERFLOW;
+  const bool isAboutArgument =
+      result == DISP_E_TYPEMISMATCH || result == DISP_E_PARAMNOTFOUND || result == DISP_E_OVERFLOW;
   if (isAboutArgument && wrongArgument != nullptr) *wrongArgument = index;
   return result;
 }

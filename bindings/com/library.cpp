@@ -16,7 +16,8 @@ class RawDataClass final : public IClassFactory {
   STDMETHODIMP QueryInterface(REFIID identity, void** found) override {
     if (found == nullptr) return E_POINTER;
     *found = nullptr;
-    if (!IsEqualIID(identity, IID_IUnknown) && !IsEqualIID(identity, IID_IClassFactory)) return E_NOINTERFACE;
+    if (!IsEqualIID(identity, IID_IUnknown) && !IsEqualIID(identity, IID_IClassFactory))
+      return E_NOINTERFACE;
     AddRef();
     *found = this;
     return S_OK;

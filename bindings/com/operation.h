@@ -10,8 +10,9 @@
 
 namespace pelmora::com {
 
-// The error in flight as HRESULT, with its source and description in the thread's error object. Classic
-// run-time numbers become 0x800A0000 + number, what is an HRESULT already stays. Inside a catch block only.
+// The error in flight as HRESULT, with its source and description in the thread's error object.
+// Classic run-time numbers become 0x800A0000 + number, what is an HRESULT already stays. Inside a
+// catch block only.
 [[nodiscard]] HRESULT reportError() noexcept;
 
 // Runs `body`; the object lives until it ends, whatever a handler of the host releases.

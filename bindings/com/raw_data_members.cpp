@@ -20,115 +20,92 @@ constexpr short latest = -1;
 }  // namespace
 
 STDMETHODIMP RawDataObject::get_DataFitResultDetails(BSTR* value) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    required(value) = textFrom(data_.DataFitResultDetails).release();
-  });
+  return operation(*static_cast<_RawData*>(this),
+                   [&] { required(value) = textFrom(data_.DataFitResultDetails).release(); });
 }
 STDMETHODIMP RawDataObject::put_DataFitResultDetails(BSTR value) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    data_.DataFitResultDetails = utf8From(value);
-  });
+  return operation(*static_cast<_RawData*>(this),
+                   [&] { data_.DataFitResultDetails = utf8From(value); });
 }
 STDMETHODIMP RawDataObject::get_NumberOfFittedPoints(short* value) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    required(value) = data_.NumberOfFittedPoints;
-  });
+  return operation(*static_cast<_RawData*>(this),
+                   [&] { required(value) = data_.NumberOfFittedPoints; });
 }
 STDMETHODIMP RawDataObject::put_NumberOfFittedPoints(short value) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    data_.NumberOfFittedPoints = value;
-  });
+  return operation(*static_cast<_RawData*>(this), [&] { data_.NumberOfFittedPoints = value; });
 }
 STDMETHODIMP RawDataObject::get_ExternalID(BSTR* value) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    required(value) = textFrom(data_.ExternalID).release();
-  });
+  return operation(*static_cast<_RawData*>(this),
+                   [&] { required(value) = textFrom(data_.ExternalID).release(); });
 }
 STDMETHODIMP RawDataObject::put_ExternalID(BSTR value) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    data_.ExternalID = utf8From(value);
-  });
+  return operation(*static_cast<_RawData*>(this), [&] { data_.ExternalID = utf8From(value); });
 }
 STDMETHODIMP RawDataObject::get_Unattended(VARIANT_BOOL* value) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    required(value) = flagFrom(data_.Unattended);
-  });
+  return operation(*static_cast<_RawData*>(this),
+                   [&] { required(value) = flagFrom(data_.Unattended); });
 }
 STDMETHODIMP RawDataObject::put_Unattended(VARIANT_BOOL value) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    data_.Unattended = value != VARIANT_FALSE;
-  });
+  return operation(*static_cast<_RawData*>(this),
+                   [&] { data_.Unattended = value != VARIANT_FALSE; });
 }
 STDMETHODIMP RawDataObject::get_RatioCurve(VARIANT_BOOL* value) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    required(value) = flagFrom(data_.RatioCurve);
-  });
+  return operation(*static_cast<_RawData*>(this),
+                   [&] { required(value) = flagFrom(data_.RatioCurve); });
 }
 STDMETHODIMP RawDataObject::put_RatioCurve(VARIANT_BOOL value) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    data_.RatioCurve = value != VARIANT_FALSE;
-  });
+  return operation(*static_cast<_RawData*>(this),
+                   [&] { data_.RatioCurve = value != VARIANT_FALSE; });
 }
 STDMETHODIMP RawDataObject::get_IgnoreResiduals(VARIANT_BOOL* value) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    required(value) = flagFrom(data_.IgnoreResiduals);
-  });
+  return operation(*static_cast<_RawData*>(this),
+                   [&] { required(value) = flagFrom(data_.IgnoreResiduals); });
 }
 STDMETHODIMP RawDataObject::put_IgnoreResiduals(VARIANT_BOOL value) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    data_.IgnoreResiduals = value != VARIANT_FALSE;
-  });
+  return operation(*static_cast<_RawData*>(this),
+                   [&] { data_.IgnoreResiduals = value != VARIANT_FALSE; });
 }
 STDMETHODIMP RawDataObject::get_dbDir(::DatabaseLocation* value) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    store(data_.dbDir(), required(value));
-  });
+  return operation(*static_cast<_RawData*>(this), [&] { store(data_.dbDir(), required(value)); });
 }
 STDMETHODIMP RawDataObject::put_dbDir(::DatabaseLocation* value) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    data_.dbDir(locationFrom(required(value)));
-  });
+  return operation(*static_cast<_RawData*>(this),
+                   [&] { data_.dbDir(locationFrom(required(value))); });
 }
 STDMETHODIMP RawDataObject::dbDirSetByString(BSTR* sPath, ::DatabaseLocation* result) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    store(data_.dbDirSetByString(textOf(sPath)), required(result));
-  });
+  return operation(*static_cast<_RawData*>(this),
+                   [&] { store(data_.dbDirSetByString(textOf(sPath)), required(result)); });
 }
 
 STDMETHODIMP RawDataObject::findMeterInfo(BSTR* MeterSN, IDispatch** conn, short* ReCalID,
                                           BSTR* SeriesName, ::MeterInfo* result) {
   return operation(*static_cast<_RawData*>(this), [&] {
-    const MeterInfo meter =
-        data_.findMeterInfo(textOf(MeterSN), connectionOf(conn), valueOr(ReCalID, latest), textOf(SeriesName));
+    const MeterInfo meter = data_.findMeterInfo(textOf(MeterSN), connectionOf(conn),
+                                                valueOr(ReCalID, latest), textOf(SeriesName));
     store(meter, required(result), *types_.library);
   });
 }
 STDMETHODIMP RawDataObject::FindLastCalID(BSTR* MeterSN, IDispatch** conn, ::MeterInfo* result) {
   return operation(*static_cast<_RawData*>(this), [&] {
-    const MeterInfo meter =
-        data_.FindLastCalID(textOf(MeterSN), connectionOf(conn));
+    const MeterInfo meter = data_.FindLastCalID(textOf(MeterSN), connectionOf(conn));
     store(meter, required(result), *types_.library);
   });
 }
 STDMETHODIMP RawDataObject::get_LastMergedArray(SAFEARRAY** value) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    required(value) = arrayFrom(data_.LastMergedArray()).release();
-  });
+  return operation(*static_cast<_RawData*>(this),
+                   [&] { required(value) = arrayFrom(data_.LastMergedArray()).release(); });
 }
 STDMETHODIMP RawDataObject::get_LastFittedArray(SAFEARRAY** value) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    required(value) = arrayFrom(data_.LastFittedArray()).release();
-  });
+  return operation(*static_cast<_RawData*>(this),
+                   [&] { required(value) = arrayFrom(data_.LastFittedArray()).release(); });
 }
 STDMETHODIMP RawDataObject::LastFittedRatioSort(VARIANT_BOOL* result) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    required(result) = flagFrom(data_.LastFittedRatioSort());
-  });
+  return operation(*static_cast<_RawData*>(this),
+                   [&] { required(result) = flagFrom(data_.LastFittedRatioSort()); });
 }
 STDMETHODIMP RawDataObject::Path(BSTR* result) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    required(result) = textFrom(data_.Path()).release();
-  });
+  return operation(*static_cast<_RawData*>(this),
+                   [&] { required(result) = textFrom(data_.Path()).release(); });
 }
 STDMETHODIMP RawDataObject::Series(BSTR* MeterSN, short* ReCalID, SAFEARRAY** result) {
   return operation(*static_cast<_RawData*>(this), [&] {
@@ -161,24 +138,22 @@ STDMETHODIMP RawDataObject::DeleteSeries(BSTR* MeterSN, BSTR* Series, short* ReC
                                          VARIANT_BOOL* result) {
   return operation(*static_cast<_RawData*>(this), [&] {
     required(result) = VARIANT_FALSE;
-    *result = flagFrom(data_.DeleteSeries(textOf(MeterSN), textOf(Series), valueOr(ReCalID, latest)));
+    *result =
+        flagFrom(data_.DeleteSeries(textOf(MeterSN), textOf(Series), valueOr(ReCalID, latest)));
   });
 }
 STDMETHODIMP RawDataObject::get_BandPercent(float* value) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    required(value) = data_.BandPercent();
-  });
+  return operation(*static_cast<_RawData*>(this), [&] { required(value) = data_.BandPercent(); });
 }
 STDMETHODIMP RawDataObject::put_BandPercent(float value) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    data_.BandPercent(value);
-  });
+  return operation(*static_cast<_RawData*>(this), [&] { data_.BandPercent(value); });
 }
 
-STDMETHODIMP RawDataObject::determineFittedCurve(
-    BSTR* SeriesName, BSTR* MeterSN, VARIANT_BOOL* ArrayIsEmpty, double* Predicted_Xmin,
-    double* Predicted_Xmax, BSTR* Label_Xaxis, BSTR* Label_Yaxis, VARIANT_BOOL* bInverted,
-    short* ReCalID, SAFEARRAY** result) {
+STDMETHODIMP RawDataObject::determineFittedCurve(BSTR* SeriesName, BSTR* MeterSN,
+                                                 VARIANT_BOOL* ArrayIsEmpty, double* Predicted_Xmin,
+                                                 double* Predicted_Xmax, BSTR* Label_Xaxis,
+                                                 BSTR* Label_Yaxis, VARIANT_BOOL* bInverted,
+                                                 short* ReCalID, SAFEARRAY** result) {
   return operation(*static_cast<_RawData*>(this), [&] {
     required(result) = nullptr;
     bool isEmpty = flagOf(ArrayIsEmpty);
@@ -199,7 +174,7 @@ STDMETHODIMP RawDataObject::getFittedCurve(BSTR* SeriesName, BSTR* MeterSN, IDis
   return operation(*static_cast<_RawData*>(this), [&] {
     const MeterInfo meter =
         data_.getFittedCurve(textOf(SeriesName), textOf(MeterSN), connectionOf(conn),
-            valueOr(ReCalID, latest), flagOf(bDarvellFormat));
+                             valueOr(ReCalID, latest), flagOf(bDarvellFormat));
     store(meter, required(result), *types_.library);
   });
 }
@@ -209,8 +184,8 @@ STDMETHODIMP RawDataObject::ImportCurvedData(BSTR* sFilepath, BSTR* SeriesName, 
   return operation(*static_cast<_RawData*>(this), [&] {
     required(result) = nullptr;
     bool isEmpty = flagOf(ArrayIsEmpty);
-    const PointArray points = data_.ImportCurvedData(textOf(sFilepath), textOf(SeriesName),
-                                                     textOf(MeterSN), isEmpty, valueOr(ReCalID, latest));
+    const PointArray points = data_.ImportCurvedData(
+        textOf(sFilepath), textOf(SeriesName), textOf(MeterSN), isEmpty, valueOr(ReCalID, latest));
     writeBack(ArrayIsEmpty, isEmpty);
     *result = arrayFrom(points).release();
   });
@@ -248,9 +223,9 @@ STDMETHODIMP RawDataObject::setMeterSN(BSTR* MeterSerialNumber, BSTR* MeterSNAdj
     *MeterSNAdjusted = textFrom(adjusted).release();
   });
 }
-STDMETHODIMP RawDataObject::SetFitted(BSTR* SeriesName, BSTR* MeterSerialNumber, SAFEARRAY** arMerged,
-                                      SAFEARRAY** arFitted, BSTR* Details, VARIANT_BOOL* cleardb,
-                                      short* ReCalID, VARIANT_BOOL* result) {
+STDMETHODIMP RawDataObject::SetFitted(BSTR* SeriesName, BSTR* MeterSerialNumber,
+                                      SAFEARRAY** arMerged, SAFEARRAY** arFitted, BSTR* Details,
+                                      VARIANT_BOOL* cleardb, short* ReCalID, VARIANT_BOOL* result) {
   return operation(*static_cast<_RawData*>(this), [&] {
     required(result) = VARIANT_FALSE;
     *result = flagFrom(data_.SetFitted(textOf(SeriesName), textOf(MeterSerialNumber),
@@ -259,16 +234,15 @@ STDMETHODIMP RawDataObject::SetFitted(BSTR* SeriesName, BSTR* MeterSerialNumber,
   });
 }
 STDMETHODIMP RawDataObject::SetLastFitted(VARIANT_BOOL* cleardb, VARIANT_BOOL* result) {
-  return operation(*static_cast<_RawData*>(this), [&] {
-    required(result) = flagFrom(data_.SetLastFitted(flagOf(cleardb)));
-  });
+  return operation(*static_cast<_RawData*>(this),
+                   [&] { required(result) = flagFrom(data_.SetLastFitted(flagOf(cleardb))); });
 }
 STDMETHODIMP RawDataObject::GetRaw(BSTR* SeriesName, BSTR* MeterSN, short* dataSet,
                                    IDispatch** conn, short* ReCalID, ::MeterInfo* result) {
   return operation(*static_cast<_RawData*>(this), [&] {
-    const MeterInfo meter = data_.GetRaw(textOf(SeriesName), textOf(MeterSN),
-                                         valueOr<short>(dataSet, 0), connectionOf(conn),
-                                         valueOr(ReCalID, latest));
+    const MeterInfo meter =
+        data_.GetRaw(textOf(SeriesName), textOf(MeterSN), valueOr<short>(dataSet, 0),
+                     connectionOf(conn), valueOr(ReCalID, latest));
     store(meter, required(result), *types_.library);
   });
 }
@@ -278,7 +252,7 @@ STDMETHODIMP RawDataObject::GetAllInfo(BSTR* SeriesName, BSTR* MeterSN, IDispatc
   return operation(*static_cast<_RawData*>(this), [&] {
     const MeterInfo meter =
         data_.GetAllInfo(textOf(SeriesName), textOf(MeterSN), connectionOf(conn),
-            valueOr(ReCalID, latest), flagOf(bDarvellFormat));
+                         valueOr(ReCalID, latest), flagOf(bDarvellFormat));
     store(meter, required(result), *types_.library);
   });
 }
@@ -297,8 +271,8 @@ STDMETHODIMP RawDataObject::importCaldb(
     BSTR* MeterSN, IDispatch** conn_calDB, SAFEARRAY** JobID_RawA, SAFEARRAY** JobID_RawB,
     SAFEARRAY** FluidName, SAFEARRAY** OperatorName, VARIANT_BOOL* Create_RotorA_SumSeries,
     VARIANT_BOOL* Create_RotorB_SumSeries, VARIANT_BOOL* Create_RotorAB_SumSeries,
-    VARIANT_BOOL* Create_Ratio_Series, short* StandID, short* PositionID,
-    IDispatch** Conn_curveDB, short* ReCalID, ::MeterInfo* result) {
+    VARIANT_BOOL* Create_Ratio_Series, short* StandID, short* PositionID, IDispatch** Conn_curveDB,
+    short* ReCalID, ::MeterInfo* result) {
   return operation(*static_cast<_RawData*>(this), [&] {
     const MeterInfo meter = data_.importCaldb(
         textOf(MeterSN), connectionOf(conn_calDB), textsOf(JobID_RawA), textsOf(JobID_RawB),

@@ -8,7 +8,8 @@
 
 namespace pelmora::com {
 
-// What lies in `to` is overwritten, not freed. Errors: std::bad_alloc; the host owns what was stored so far.
+// What lies in `to` is overwritten, not freed. Errors: std::bad_alloc; the host owns what was
+// stored so far.
 void store(const DatabaseLocation& location, ::DatabaseLocation& to);
 void store(const MeterInfo& meter, ::MeterInfo& to, ITypeLib& typeLibrary);
 

@@ -32,8 +32,8 @@ bool write(const std::wstring& key, const std::wstring& text, const wchar_t* nam
     return false;
   }
   const auto bytes = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
-  const LSTATUS written = RegSetValueExW(opened, name, 0, REG_SZ,
-                                         reinterpret_cast<const BYTE*>(text.c_str()), bytes);
+  const LSTATUS written =
+      RegSetValueExW(opened, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()), bytes);
   RegCloseKey(opened);
   return written == ERROR_SUCCESS;
 }
@@ -49,7 +49,8 @@ bool writeClass() {
          write(key + L"\\Programmable", L"") && write(currentName, className) &&
          write(std::wstring(currentName) + L"\\CLSID", identity) &&
          write(std::wstring(currentName) + L"\\CurVer", versionedName) &&
-         write(versionedName, className) && write(std::wstring(versionedName) + L"\\CLSID", identity);
+         write(versionedName, className) &&
+         write(std::wstring(versionedName) + L"\\CLSID", identity);
 }
 
 bool remove(const std::wstring& key) {

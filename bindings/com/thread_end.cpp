@@ -1,8 +1,8 @@
 // The end of a thread's own objects (thread_local).
 //
-// The compiler's run-time library keeps a library loaded until every thread that made such objects has ended; a
-// host's main thread never does. Here the objects end with their thread or with the library, whichever comes
-// first, so that a library that is not in use can be unloaded.
+// The compiler's run-time library keeps a library loaded until every thread that made such objects
+// has ended; a host's main thread never does. Here the objects end with their thread or with the
+// library, whichever comes first, so that a library that is not in use can be unloaded.
 // SPDX-License-Identifier: MIT
 #include <windows.h>
 
@@ -30,8 +30,10 @@ void endObjects() {
 void NTAPI onThreadOrLibrary(PVOID /*library*/, DWORD reason, PVOID isProcessEnd) {
   if (reason == DLL_PROCESS_ATTACH) slot = TlsAlloc();
   if (slot == TLS_OUT_OF_INDEXES) return;
-  // At the end of the process other threads have been cut off anywhere: nothing is touched any more.
-  if (reason == DLL_THREAD_DETACH || (reason == DLL_PROCESS_DETACH && isProcessEnd == nullptr)) endObjects();
+  // At the end of the process other threads have been cut off anywhere: nothing is touched any
+  // more.
+  if (reason == DLL_THREAD_DETACH || (reason == DLL_PROCESS_DETACH && isProcessEnd == nullptr))
+    endObjects();
   if (reason == DLL_PROCESS_DETACH) TlsFree(slot);
 }
 
@@ -51,6 +53,7 @@ int __cxa_thread_atexit(void (*destroy)(void*), void* object, void* /*library*/)
 
 // Before the thread library's own callback (XLF), which frees the memory of the objects.
 extern const PIMAGE_TLS_CALLBACK pelmoraThreadEnd;
-__attribute__((section(".CRT$XLB"), used)) const PIMAGE_TLS_CALLBACK pelmoraThreadEnd = onThreadOrLibrary;
+__attribute__((section(".CRT$XLB"), used)) const PIMAGE_TLS_CALLBACK pelmoraThreadEnd =
+    onThreadOrLibrary;
 
 }  // extern "C"

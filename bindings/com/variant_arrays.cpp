@@ -10,7 +10,8 @@ HRESULT storeElement(SAFEARRAY* array, LONG* index, VARTYPE type, VARIANT& value
   if (type == VT_VARIANT) return SafeArrayPutElement(array, index, &value);
   // Texts and objects are passed themselves, everything else by its address.
   const bool isItself = type == VT_BSTR || type == VT_DISPATCH || type == VT_UNKNOWN;
-  return SafeArrayPutElement(array, index, isItself ? value.byref : static_cast<void*>(&value.byref));
+  return SafeArrayPutElement(array, index,
+                             isItself ? value.byref : static_cast<void*>(&value.byref));
 }
 
 // Reads an element of any type as a variant.

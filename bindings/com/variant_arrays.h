@@ -11,6 +11,7 @@ namespace pelmora::com {
 // A new array with the same bounds, each element converted to `type` (no array, no record).
 //
 // Errors: DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW, E_OUTOFMEMORY; `converted` is then null.
-[[nodiscard]] HRESULT convertElements(SAFEARRAY& array, VARTYPE type, LCID locale, SAFEARRAY** converted);
+[[nodiscard]] HRESULT convertElements(SAFEARRAY& array, VARTYPE type, LCID locale,
+                                      SAFEARRAY** converted);
 
 }  // namespace pelmora::com

@@ -124,10 +124,10 @@ void FormDialog::createButtons() {
 
 HWND FormDialog::createControl(const wchar_t* kind, const std::wstring& text, DWORD style, int id,
                                float left, float top, float width, float height) const {
-  const HWND control = CreateWindowExW(
-      0, kind, text.c_str(), WS_CHILD | WS_VISIBLE | style, pixels(left), pixels(top),
-      pixels(width), pixels(height), window_, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
-      nullptr, nullptr);
+  const HWND control =
+      CreateWindowExW(0, kind, text.c_str(), WS_CHILD | WS_VISIBLE | style, pixels(left),
+                      pixels(top), pixels(width), pixels(height), window_,
+                      reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), nullptr, nullptr);
   if (font_ != nullptr) SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font_), TRUE);
   return control;
 }
@@ -163,7 +163,8 @@ INT_PTR CALLBACK onMessage(HWND window, UINT message, WPARAM first, LPARAM secon
 
 // An empty dialog: the controls are made with the form's pixels, which dialog units cannot say.
 struct EmptyTemplate {
-  DLGTEMPLATE header{WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | DS_SETFOREGROUND, 0, 0, 0, 0, 0, 0};
+  DLGTEMPLATE header{
+      WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | DS_SETFOREGROUND, 0, 0, 0, 0, 0, 0};
   WORD menu = 0, windowClass = 0, title = 0;
 };
 
@@ -176,7 +177,8 @@ void showFormDialog(frmMessage& form) {
       DialogBoxIndirectParamW(GetModuleHandleW(nullptr), &empty.header, GetActiveWindow(),
                               onMessage, reinterpret_cast<LPARAM>(&dialog));
   if (ended <= 0) {
-    throw Error(genericFailure, "Pelmora", "The message form cannot be shown: Windows refused the dialog.");
+    throw Error(genericFailure, "Pelmora",
+                "The message form cannot be shown: Windows refused the dialog.");
   }
 }
 

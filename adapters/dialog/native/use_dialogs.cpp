@@ -29,8 +29,8 @@ int systemMessageBox(const std::string& text, int style, const std::string& titl
 
 void useDialogs(Platform& platform, const DialogOptions& /*options*/) {
   platform.createFormPresenter = [] { return std::make_unique<dialog::NativePresenter>(); };
-  platform.messageBox = [otherwise = platform.messageBox](
-                            const std::string& text, int style, const std::string& title) {
+  platform.messageBox = [otherwise = platform.messageBox](const std::string& text, int style,
+                                                          const std::string& title) {
     return systemMessageBox(text, style, title, otherwise);
   };
 }

@@ -23,7 +23,8 @@ LONG number(VARIANT* value) {
 }
 std::string text(VARIANT* value) {
   VARIANT changed{};
-  if (FAILED(VariantChangeType(&changed, value, 0, VT_BSTR))) return value->vt == VT_NULL ? "null" : "object";
+  if (FAILED(VariantChangeType(&changed, value, 0, VT_BSTR)))
+    return value->vt == VT_NULL ? "null" : "object";
   const std::string narrow = Text::narrowOf(changed.bstrVal);
   VariantClear(&changed);
   return narrow;
@@ -39,7 +40,8 @@ Value valueOf(VARIANT* value) {
 VARIANT variantFrom(const Value& value) {
   VARIANT variant{};
   variant.vt = VT_NULL;
-  if (const auto* whole = std::get_if<std::int64_t>(&value)) variant = variantOf(static_cast<int>(*whole));
+  if (const auto* whole = std::get_if<std::int64_t>(&value))
+    variant = variantOf(static_cast<int>(*whole));
   if (const auto* real = std::get_if<double>(&value)) variant = variantOf(*real);
   if (const auto* words = std::get_if<std::string>(&value)) variant = variantOf(words->c_str());
   return variant;
@@ -54,10 +56,13 @@ struct Rows {
 
 std::vector<std::string> columnsOf(Connection& connection, const std::string& statement) {
   // The role tells fields by name only, so the known ones are tried.
-  const auto set = connection.openRecordset(statement, CursorType::forwardOnly, LockType::optimistic);
+  const auto set =
+      connection.openRecordset(statement, CursorType::forwardOnly, LockType::optimistic);
   std::vector<std::string> names(set->fieldCount());
-  std::vector<std::string> known{"ID", "ReCalID", "SerialNumberAdjusted", "SerialNumber", "seriesID", "name", "meterid",
-                                 "Roshko", "Strouhal", "summary", "Name", "JobRecordID"};
+  std::vector<std::string> known{"ID",           "ReCalID",  "SerialNumberAdjusted",
+                                 "SerialNumber", "seriesID", "name",
+                                 "meterid",      "Roshko",   "Strouhal",
+                                 "summary",      "Name",     "JobRecordID"};
   for (int i = 1; i <= 37; ++i) known.push_back("V" + std::to_string(i));
   for (const std::string& name : known) {
     try {
@@ -88,7 +93,8 @@ class Field : public AdoObject {
 
 class Fields : public AdoObject {
  public:
-  Fields(AdoJournal& written, std::shared_ptr<Rows> rows) : AdoObject(written), rows_(std::move(rows)) {}
+  Fields(AdoJournal& written, std::shared_ptr<Rows> rows)
+      : AdoObject(written), rows_(std::move(rows)) {}
 
  private:
   VARIANT run(const Call& call) override {
@@ -119,10 +125,13 @@ class DoubleRecordset : public AdoObject {
   }
   VARIANT open(const Call& call) {
     const std::string statement = text(call.arguments[0]);
-    write("Recordset.Open " + statement + " | " + text(call.arguments[2]) + " " + text(call.arguments[3]));
-    const auto& connection = static_cast<AdoDoubleConnection*>(call.arguments[1]->pdispVal)->connection();
-    rows_->set = connection->openRecordset(statement, static_cast<CursorType>(number(call.arguments[2])),
-                                           static_cast<LockType>(number(call.arguments[3])));
+    write("Recordset.Open " + statement + " | " + text(call.arguments[2]) + " " +
+          text(call.arguments[3]));
+    const auto& connection =
+        static_cast<AdoDoubleConnection*>(call.arguments[1]->pdispVal)->connection();
+    rows_->set =
+        connection->openRecordset(statement, static_cast<CursorType>(number(call.arguments[2])),
+                                  static_cast<LockType>(number(call.arguments[3])));
     rows_->names = columnsOf(*connection, statement);
     return {};
   }
@@ -145,7 +154,8 @@ class Factory : public IClassFactory {
   explicit Factory(AdoJournal& journal) : journal_(journal) {}
   STDMETHODIMP QueryInterface(REFIID identity, void** found) override {
     *found = nullptr;
-    if (!IsEqualIID(identity, IID_IUnknown) && !IsEqualIID(identity, IID_IClassFactory)) return E_NOINTERFACE;
+    if (!IsEqualIID(identity, IID_IUnknown) && !IsEqualIID(identity, IID_IClassFactory))
+      return E_NOINTERFACE;
     *found = this;
     return S_OK;
   }
@@ -169,7 +179,8 @@ DWORD enter(const wchar_t* name, AdoJournal& journal) {
   check(CLSIDFromProgID(name, &identity), "CLSIDFromProgID");
   DWORD cookie = 0;
   // The factory lives as long as the process: the system may hold it.
-  check(CoRegisterClassObject(identity, new Factory<Made>(journal), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie),
+  check(CoRegisterClassObject(identity, new Factory<Made>(journal), CLSCTX_INPROC_SERVER,
+                              REGCLS_MULTIPLEUSE, &cookie),
         "CoRegisterClassObject");
   return cookie;
 }
@@ -178,7 +189,8 @@ DWORD enter(const wchar_t* name, AdoJournal& journal) {
 
 STDMETHODIMP AdoObject::QueryInterface(REFIID identity, void** found) {
   *found = nullptr;
-  if (!IsEqualIID(identity, IID_IUnknown) && !IsEqualIID(identity, IID_IDispatch)) return E_NOINTERFACE;
+  if (!IsEqualIID(identity, IID_IUnknown) && !IsEqualIID(identity, IID_IDispatch))
+    return E_NOINTERFACE;
   AddRef();
   *found = this;
   return S_OK;
@@ -199,8 +211,8 @@ STDMETHODIMP AdoObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPI
   return S_OK;
 }
 
-STDMETHODIMP AdoObject::Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* arguments, VARIANT* result,
-                               EXCEPINFO* exception, UINT*) {
+STDMETHODIMP AdoObject::Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* arguments,
+                               VARIANT* result, EXCEPINFO* exception, UINT*) {
   Call call{names_.at(static_cast<std::size_t>(member)), (flags & DISPATCH_PROPERTYPUT) != 0, {}};
   for (UINT i = arguments->cArgs; i-- > 0;) call.arguments.push_back(&arguments->rgvarg[i]);
   try {
@@ -209,8 +221,10 @@ STDMETHODIMP AdoObject::Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARA
     return S_OK;
   } catch (const Error& error) {
     const std::string what = error.what();
-    exception->scode = error.number() > 0 ? static_cast<SCODE>(0x800A0000U) + error.number() : error.number();
-    exception->bstrSource = SysAllocString(std::wstring(error.source().begin(), error.source().end()).c_str());
+    exception->scode =
+        error.number() > 0 ? static_cast<SCODE>(0x800A0000U) + error.number() : error.number();
+    exception->bstrSource =
+        SysAllocString(std::wstring(error.source().begin(), error.source().end()).c_str());
     exception->bstrDescription = SysAllocString(std::wstring(what.begin(), what.end()).c_str());
     return DISP_E_EXCEPTION;
   }
@@ -224,21 +238,26 @@ void AdoObject::write(const std::string& line) {
   }
 }
 
-void AdoDoubleConnection::openAt(const std::string& database) { connection_ = openDatabase(database); }
+void AdoDoubleConnection::openAt(const std::string& database) {
+  connection_ = openDatabase(database);
+}
 
 VARIANT AdoDoubleConnection::run(const Call& call) {
   if (call.member == "State") return variantOf(connection_ && connection_->isOpen() ? 1 : 0);
   std::string line = "Connection." + call.member + (call.isPut ? "=" : "");
-  for (VARIANT* argument : call.arguments) line += (line.ends_with('=') ? "" : " ") + text(argument);
+  for (VARIANT* argument : call.arguments)
+    line += (line.ends_with('=') ? "" : " ") + text(argument);
   write(line);
   if (call.member == "Open") openAt(journal.database);
-  if (call.member == "Execute" && !text(call.arguments[0]).starts_with(journal.swallowed)) connection_->execute(text(call.arguments[0]));
+  if (call.member == "Execute" && !text(call.arguments[0]).starts_with(journal.swallowed))
+    connection_->execute(text(call.arguments[0]));
   if (call.member == "Close") connection_->close();
   return {};
 }
 
 AdoClasses::AdoClasses(AdoJournal& journal)
-    : cookies_{enter<AdoDoubleConnection>(L"ADODB.Connection", journal), enter<DoubleRecordset>(L"ADODB.Recordset", journal)} {}
+    : cookies_{enter<AdoDoubleConnection>(L"ADODB.Connection", journal),
+               enter<DoubleRecordset>(L"ADODB.Recordset", journal)} {}
 
 AdoClasses::~AdoClasses() {
   for (const DWORD cookie : cookies_) CoRevokeClassObject(cookie);

@@ -1,5 +1,5 @@
-// ADO as a test wants it: Connection, Recordset, Fields, Field and Errors, reached by names alone, over the
-// embedded engine. Every call is written down, and any of them can be made to fail.
+// ADO as a test wants it: Connection, Recordset, Fields, Field and Errors, reached by names alone,
+// over the embedded engine. Every call is written down, and any of them can be made to fail.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -45,8 +45,8 @@ class AdoObject : public IDispatch {
   STDMETHODIMP GetTypeInfoCount(UINT* count) override { return *count = 0, S_OK; }
   STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
   STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override;
-  STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* arguments, VARIANT* result,
-                      EXCEPINFO* exception, UINT*) override;
+  STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* arguments,
+                      VARIANT* result, EXCEPINFO* exception, UINT*) override;
 
  protected:
   struct Call {

@@ -1,5 +1,5 @@
-// What the component asks of ADO: statements, properties, the order of calls, and what becomes of errors.
-// SPDX-License-Identifier: MIT
+// What the component asks of ADO: statements, properties, the order of calls, and what becomes of
+// errors. SPDX-License-Identifier: MIT
 #include "tests/bindings/com/ado_double.h"
 #include "tests/bindings/com/component.h"
 
@@ -50,10 +50,10 @@ TEST_F(ado, gets_the_statements_of_a_look_up_word_for_word) {
   ::MeterInfo info{};
   EXPECT_EQ(data->FindLastCalID(meter, &passed, &info), S_OK);
   EXPECT_EQ(info.Source, 1);
-  EXPECT_EQ(journal.lines,
-            (Lines{"Recordset.Open SELECT TOP 1 ID, ReCalID, SerialNumberAdjusted from meter where serialnumber='M1' "
-                   "ORDER BY ReCalID DESC | 0 3",
-                   "Recordset.Close"}));
+  EXPECT_EQ(journal.lines, (Lines{"Recordset.Open SELECT TOP 1 ID, ReCalID, SerialNumberAdjusted "
+                                  "from meter where serialnumber='M1' "
+                                  "ORDER BY ReCalID DESC | 0 3",
+                                  "Recordset.Close"}));
   EXPECT_TRUE(connection->connection()->isOpen());
 }
 
@@ -66,7 +66,8 @@ TEST_F(ado, is_made_by_the_component_for_an_access_location) {
   ASSERT_EQ(journal.lines.size(), 6U);
   EXPECT_EQ(journal.lines[0], "Connection.CursorLocation=3");
   EXPECT_EQ(journal.lines[1],
-            "Connection.ConnectionString=Provider=Microsoft.Jet.OLEDB.4.0;Data Source='c:\\nowhere\\Pelmora.mdb';"
+            "Connection.ConnectionString=Provider=Microsoft.Jet.OLEDB.4.0;Data "
+            "Source='c:\\nowhere\\Pelmora.mdb';"
             "Persist Security Info=False;User ID=Admin");
   EXPECT_EQ(journal.lines[2], "Connection.Open    -1");
   EXPECT_EQ(journal.lines[5], "Connection.Close");
@@ -80,22 +81,23 @@ TEST_F(ado, takes_raw_points_in_one_batch) {
   EXPECT_EQ(data->SetRaw(series, meter, &table, &dataSet, &no, nullptr, &answer), S_OK);
   SafeArrayDestroy(table);
   EXPECT_EQ(answer, VARIANT_TRUE);
-  const auto opened = std::ranges::find_if(journal.lines, [](const std::string& line) { return line.ends_with("| 2 4"); });
+  const auto opened = std::ranges::find_if(
+      journal.lines, [](const std::string& line) { return line.ends_with("| 2 4"); });
   ASSERT_NE(opened, journal.lines.end());
   EXPECT_EQ(*opened, "Recordset.Open Select * from raw1 where seriesID=1 | 2 4");
   const Lines written(opened + 1, journal.lines.end());
   ASSERT_GE(written.size(), 11U);
   EXPECT_EQ(Lines(written.begin(), written.begin() + 11),
-            (Lines{"Recordset.AddNew", "Field.seriesID=1", "Field.Roshko=1", "Field.Strouhal=10.5", "Recordset.Update",
-                   "Recordset.AddNew", "Field.seriesID=1", "Field.Roshko=2", "Field.Strouhal=20.5", "Recordset.Update",
-                   "Recordset.UpdateBatch"}));
+            (Lines{"Recordset.AddNew", "Field.seriesID=1", "Field.Roshko=1", "Field.Strouhal=10.5",
+                   "Recordset.Update", "Recordset.AddNew", "Field.seriesID=1", "Field.Roshko=2",
+                   "Field.Strouhal=20.5", "Recordset.Update", "Recordset.UpdateBatch"}));
   EXPECT_EQ(journal.lines.back(), "Connection.Close");
 }
 
 TEST_F(ado, shows_its_errors_with_their_descriptions) {
   registerMeter();
-  journal.failures.push_back({"Recordset.Open", 0, static_cast<SCODE>(0x80040E14), "Microsoft JET Database Engine",
-                              "Syntax error in FROM clause."});
+  journal.failures.push_back({"Recordset.Open", 0, static_cast<SCODE>(0x80040E14),
+                              "Microsoft JET Database Engine", "Syntax error in FROM clause."});
   BoxAnswerer boxes;
   ::MeterInfo info{};
   EXPECT_EQ(data->FindLastCalID(meter, &passed, &info), S_OK);
@@ -106,12 +108,14 @@ TEST_F(ado, shows_its_errors_with_their_descriptions) {
 
 TEST_F(ado, that_cannot_open_a_file_says_so) {
   useAccessName("c:\\nowhere\\Pelmora.mdb");
-  journal.failures.push_back({"Connection.Open", 0, static_cast<SCODE>(0x80004005), "Microsoft JET Database Engine",
+  journal.failures.push_back({"Connection.Open", 0, static_cast<SCODE>(0x80004005),
+                              "Microsoft JET Database Engine",
                               "Could not find file 'c:\\nowhere\\Pelmora.mdb'."});
   BoxAnswerer boxes;
   ::MeterInfo info{};
   EXPECT_EQ(data->FindLastCalID(meter, nullptr, &info), S_OK);
-  EXPECT_EQ(boxes.lastText(), "Error in RawData:LastCalID\r\nCould not find file 'c:\\nowhere\\Pelmora.mdb'.");
+  EXPECT_EQ(boxes.lastText(),
+            "Error in RawData:LastCalID\r\nCould not find file 'c:\\nowhere\\Pelmora.mdb'.");
 }
 
 class ado_stand : public ado {
@@ -131,7 +135,9 @@ class ado_stand : public ado {
     return answer != VARIANT_FALSE;
   }
   [[nodiscard]] auto inserts() const {
-    return std::ranges::count_if(standJournal.lines, [](const std::string& line) { return line.starts_with("Connection.Execute INSERT"); });
+    return std::ranges::count_if(standJournal.lines, [](const std::string& line) {
+      return line.starts_with("Connection.Execute INSERT");
+    });
   }
 
   AdoJournal standJournal;
@@ -144,7 +150,8 @@ class ado_stand : public ado {
 // The statement is not for the double to run: it only has to arrive.
 TEST_F(ado_stand, waits_and_tries_again_while_the_database_is_locked) {
   standJournal.failures.push_back({"Connection.Execute INSERT", 0, static_cast<SCODE>(0x80004005),
-                                   "Microsoft JET Database Engine", "Could not update; currently locked.", 2});
+                                   "Microsoft JET Database Engine",
+                                   "Could not update; currently locked.", 2});
   standJournal.failures.push_back({"Connection.Execute INSERT", 0, static_cast<SCODE>(0x80040E37),
                                    "Microsoft JET Database Engine", "no such table"});
   BoxAnswerer boxes;
@@ -165,15 +172,18 @@ TEST_F(ado_stand, gets_the_copy_word_for_word_and_is_closed) {
   standJournal.swallowed = "INSERT";
   EXPECT_TRUE(copy());
   ASSERT_FALSE(journal.lines.empty());
-  EXPECT_EQ(journal.lines.front(), "Connection.Execute Delete * from CalDataPoint where CalDataPoint.calsetupid=1");
+  EXPECT_EQ(journal.lines.front(),
+            "Connection.Execute Delete * from CalDataPoint where CalDataPoint.calsetupid=1");
   ASSERT_EQ(standJournal.lines.size(), 3U);
   std::string columns = "JobRecordID";
   for (int i = 1; i <= 37; ++i) columns += ", V" + std::to_string(i);
-  EXPECT_EQ(standJournal.lines.front(), "Connection.Execute INSERT INTO CalDataPoint ( CalSetupID, " + columns + " ) IN '" +
-                                            journal.database + "'SELECT 1 as CalSetupID, " + columns +
-                                            " FROM DataPoint WHERE (((JobRecordID)=7));");
-  EXPECT_EQ(standJournal.lines[1], "Connection.Execute INSERT INTO CalDataPoint IN '" + journal.database +
-                                       "' 1, (Select * from DataPoint Where ((DataPoint.JobRecordID=8)));");
+  EXPECT_EQ(standJournal.lines.front(),
+            "Connection.Execute INSERT INTO CalDataPoint ( CalSetupID, " + columns + " ) IN '" +
+                journal.database + "'SELECT 1 as CalSetupID, " + columns +
+                " FROM DataPoint WHERE (((JobRecordID)=7));");
+  EXPECT_EQ(standJournal.lines[1],
+            "Connection.Execute INSERT INTO CalDataPoint IN '" + journal.database +
+                "' 1, (Select * from DataPoint Where ((DataPoint.JobRecordID=8)));");
   EXPECT_EQ(standJournal.lines[2], "Connection.Close");
 }
 

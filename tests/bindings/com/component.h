@@ -48,12 +48,15 @@ class Library {
               CLSID_RawData, IID_IClassFactory, reinterpret_cast<void**>(&factory)),
           "DllGetClassObject");
     _RawData* data = nullptr;
-    const HRESULT result = factory->CreateInstance(nullptr, IID__RawData, reinterpret_cast<void**>(&data));
+    const HRESULT result =
+        factory->CreateInstance(nullptr, IID__RawData, reinterpret_cast<void**>(&data));
     factory->Release();
     check(result, "CreateInstance");
     return data;
   }
-  [[nodiscard]] bool canUnload() const { return entry<HRESULT WINAPI()>("DllCanUnloadNow")() == S_OK; }
+  [[nodiscard]] bool canUnload() const {
+    return entry<HRESULT WINAPI()>("DllCanUnloadNow")() == S_OK;
+  }
 
  private:
   HMODULE module_;
@@ -89,7 +92,8 @@ class BoxAnswerer {
   static std::string textOfWindow(HWND window) {
     std::wstring text(1024, L'\0');
     DWORD_PTR length = 0;
-    SendMessageTimeoutW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()), SMTO_NORMAL, 2000, &length);
+    SendMessageTimeoutW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()),
+                        SMTO_NORMAL, 2000, &length);
     return {text.begin(), text.begin() + static_cast<std::ptrdiff_t>(length)};
   }
   static BOOL CALLBACK readControl(HWND control, LPARAM box) {
@@ -108,7 +112,9 @@ class BoxAnswerer {
     GetWindowThreadProcessId(window, &process);
     std::array<wchar_t, 32> kind{};
     GetClassNameW(window, kind.data(), static_cast<int>(kind.size()));
-    if (process != GetCurrentProcessId() || std::wstring(kind.data()) != L"#32770" || !IsWindowVisible(window)) return TRUE;
+    if (process != GetCurrentProcessId() || std::wstring(kind.data()) != L"#32770" ||
+        !IsWindowVisible(window))
+      return TRUE;
     *reinterpret_cast<HWND*>(found) = window;
     return FALSE;
   }
@@ -125,9 +131,12 @@ class BoxAnswerer {
         boxes_.push_back(box);
       }
       const HWND button = GetDlgItem(dialog, answer_);
-      if (button != nullptr) SendMessageTimeoutW(button, BM_CLICK, 0, 0, SMTO_NORMAL, 2000, nullptr);
-      if (button == nullptr) SendMessageTimeoutW(dialog, WM_CLOSE, 0, 0, SMTO_NORMAL, 2000, nullptr);
-      for (int i = 0; i < 100 && IsWindow(dialog); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+      if (button != nullptr)
+        SendMessageTimeoutW(button, BM_CLICK, 0, 0, SMTO_NORMAL, 2000, nullptr);
+      if (button == nullptr)
+        SendMessageTimeoutW(dialog, WM_CLOSE, 0, 0, SMTO_NORMAL, 2000, nullptr);
+      for (int i = 0; i < 100 && IsWindow(dialog); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
   }
 
@@ -137,6 +146,11 @@ class BoxAnswerer {
   std::vector<Box> boxes_;
   std::thread thread_;
 };
+
+// One entry, or null. The record stays with the test: Wine cannot free arrays inside records.
+inline const ::SeriesInfo* entryOf(const ::MeterInfo& info) {
+  return info.Series == nullptr ? nullptr : static_cast<const ::SeriesInfo*>(info.Series->pvData);
+}
 
 // An object and, where asked for, a fresh curve database that it looks at.
 class ComponentTest : public testing::Test {
@@ -179,7 +193,9 @@ class ComponentTest : public testing::Test {
     SAFEARRAY* table = arrayOf(mainJobPoints());
     short dataSet = 0;
     VARIANT_BOOL no = VARIANT_FALSE, isStored = VARIANT_FALSE;
-    check(data->SetRaw(Text(mainJobSeries), Text(mainJobMeter), &table, &dataSet, &no, nullptr, &isStored), "SetRaw");
+    check(data->SetRaw(Text(mainJobSeries), Text(mainJobMeter), &table, &dataSet, &no, nullptr,
+                       &isStored),
+          "SetRaw");
     SafeArrayDestroy(table);
     ASSERT_NE(isStored, VARIANT_FALSE);
   }

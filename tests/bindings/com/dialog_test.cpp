@@ -41,7 +41,8 @@ TEST_F(dialog, is_titled_with_the_programs_name_where_it_has_no_title) {
 
 TEST_F(dialog, reads_as_cancel_when_it_is_closed) {
   BoxAnswerer boxes(99);
-  for (std::int32_t style : {0, 1, 4096 + 2, 4, 9}) EXPECT_EQ(showMessageForm("text", style, ""), IDCANCEL) << style;
+  for (std::int32_t style : {0, 1, 4096 + 2, 4, 9})
+    EXPECT_EQ(showMessageForm("text", style, ""), IDCANCEL) << style;
   ASSERT_EQ(boxes.boxes().size(), 5U);
   EXPECT_EQ(boxes.boxes()[2].buttons, (std::vector<std::string>{"&Abort", "&Retry", "&Ignore"}));
   EXPECT_TRUE(boxes.boxes()[4].buttons.empty());
@@ -61,7 +62,8 @@ Seen look(const frmMessage& shown) {
     HWND window = nullptr;
     for (int i = 0; i < 200 && window == nullptr; ++i) {
       std::this_thread::sleep_for(std::chrono::milliseconds(20));
-      window = FindWindowW(L"#32770", std::wstring(form.windowTitle().begin(), form.windowTitle().end()).c_str());
+      window = FindWindowW(
+          L"#32770", std::wstring(form.windowTitle().begin(), form.windowTitle().end()).c_str());
       if (window != nullptr && !IsWindowVisible(window)) window = nullptr;
     }
     if (window == nullptr) return;
@@ -94,7 +96,9 @@ TEST_F(dialog, stands_where_the_form_was_laid_out) {
   const HDC screen = GetDC(nullptr);
   const int dpi = GetDeviceCaps(screen, LOGPIXELSY);
   ReleaseDC(nullptr, screen);
-  const auto pixels = [&](float length) { return std::lround(length * static_cast<float>(dpi) / 96.0F); };
+  const auto pixels = [&](float length) {
+    return std::lround(length * static_cast<float>(dpi) / 96.0F);
+  };
   EXPECT_EQ(seen.window.right, pixels(form.Width));
   EXPECT_EQ(seen.window.bottom, pixels(form.Height));
   EXPECT_EQ(seen.label.left, pixels(form.lblMessage.Left));

@@ -86,7 +86,9 @@ TEST_F(events, let_a_handler_disconnect_and_release_the_object) {
   Sink sink;
   IConnectionPointContainer* container = nullptr;
   IConnectionPoint* point = nullptr;
-  ASSERT_EQ(data->QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(&container)), S_OK);
+  ASSERT_EQ(
+      data->QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(&container)),
+      S_OK);
   ASSERT_EQ(container->FindConnectionPoint(DIID___RawData, &point), S_OK);
   container->Release();
   DWORD cookie = 0;
@@ -108,7 +110,9 @@ TEST_F(events, let_a_handler_disconnect_and_release_the_object) {
 
 TEST_F(events, come_from_a_point_that_describes_itself) {
   IConnectionPointContainer* container = nullptr;
-  ASSERT_EQ(data->QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(&container)), S_OK);
+  ASSERT_EQ(
+      data->QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(&container)),
+      S_OK);
   IConnectionPoint* none = nullptr;
   EXPECT_EQ(container->FindConnectionPoint(IID__RawData, &none), static_cast<HRESULT>(0x80040200));
   IEnumConnectionPoints* points = nullptr;

@@ -1,5 +1,5 @@
-// Every member by name, as scripts call: arguments left out, by reference, of other types, and wrong ones.
-// SPDX-License-Identifier: MIT
+// Every member by name, as scripts call: arguments left out, by reference, of other types, and
+// wrong ones. SPDX-License-Identifier: MIT
 #include "tests/bindings/com/component.h"
 
 #include <fstream>
@@ -10,7 +10,8 @@ namespace {
 using late_members = ComponentTest;
 
 std::string textFrom(Outcome outcome) {
-  const std::string text = outcome.result.vt == VT_BSTR ? Text::narrowOf(outcome.result.bstrVal) : "no text";
+  const std::string text =
+      outcome.result.vt == VT_BSTR ? Text::narrowOf(outcome.result.bstrVal) : "no text";
   VariantClear(&outcome.result);
   return text;
 }
@@ -51,11 +52,14 @@ TEST_F(late_members, refuse_what_cannot_be_converted) {
   EXPECT_EQ(wrong.code, DISP_E_TYPEMISMATCH);
   EXPECT_EQ(wrong.wrongArgument, 0U);
   EXPECT_EQ(late().put(L"NumberOfFittedPoints", variantOf(40'000)).code, DISP_E_OVERFLOW);
-  const Outcome third = late().call(L"SetRaw", {variantOf("s"), variantOf("m"), variantOf("no array"), variantOf(0), variantOf(false)});
+  const Outcome third = late().call(
+      L"SetRaw",
+      {variantOf("s"), variantOf("m"), variantOf("no array"), variantOf(0), variantOf(false)});
   EXPECT_EQ(third.code, DISP_E_TYPEMISMATCH);
   EXPECT_EQ(third.wrongArgument, 2U);  // counted from the last one
   EXPECT_EQ(late().put(L"dbDir", variantOf("c:\\x.mdb")).code, DISP_E_TYPEMISMATCH);
-  EXPECT_EQ(late().call(L"findMeterInfo", {variantOf("m"), variantOf(3)}).code, DISP_E_TYPEMISMATCH);
+  EXPECT_EQ(late().call(L"findMeterInfo", {variantOf("m"), variantOf(3)}).code,
+            DISP_E_TYPEMISMATCH);
 }
 
 TEST_F(late_members, refuse_too_many_and_too_few_arguments) {
@@ -85,13 +89,16 @@ TEST_F(late_members, take_the_location_as_a_record) {
 TEST_F(late_members, take_arguments_by_name) {
   storeSeries();
   auto* names = const_cast<LPOLESTR>(L"findMeterInfo");
-  LPOLESTR wanted[] = {names, const_cast<LPOLESTR>(L"SeriesName"), const_cast<LPOLESTR>(L"MeterSN")};
+  LPOLESTR wanted[] = {names, const_cast<LPOLESTR>(L"SeriesName"),
+                       const_cast<LPOLESTR>(L"MeterSN")};
   DISPID ids[3]{};
   ASSERT_EQ(data->GetIDsOfNames(IID_NULL, wanted, 3, LOCALE_USER_DEFAULT, ids), S_OK);
   VARIANT given[2] = {variantOf(mainJobSeries), variantOf(mainJobMeter)};
   DISPPARAMS parameters{given, ids + 1, 2, 2};
   VARIANT result{};
-  ASSERT_EQ(data->Invoke(ids[0], IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, &result, nullptr, nullptr), S_OK);
+  ASSERT_EQ(data->Invoke(ids[0], IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters,
+                         &result, nullptr, nullptr),
+            S_OK);
   EXPECT_NE(*fieldOf<SAFEARRAY*>(result, L"Series"), nullptr);
   for (VARIANT& argument : given) VariantClear(&argument);
 }
@@ -102,7 +109,8 @@ TEST_F(late_members, look_meters_up_with_arguments_left_out) {
   ASSERT_EQ(bare.code, S_OK);
   EXPECT_EQ(*fieldOf<LONG>(bare.result, L"Source"), 1);
   EXPECT_EQ(seriesOf(bare), nullptr);
-  const Outcome named = late().call(L"findMeterInfo", {variantOf(mainJobMeter), leftOut(), leftOut(), variantOf(mainJobSeries)});
+  const Outcome named = late().call(
+      L"findMeterInfo", {variantOf(mainJobMeter), leftOut(), leftOut(), variantOf(mainJobSeries)});
   ASSERT_EQ(named.code, S_OK);
   EXPECT_NE(seriesOf(named), nullptr);
   VARIANT nothing{};
@@ -135,7 +143,8 @@ TEST_F(late_members, write_references_of_every_kind_back) {
   EXPECT_EQ(small, 7);
   VariantClear(&unchanged.result);
   VARIANT text = variantOf("");
-  EXPECT_EQ(late().call(L"setMeterSN", {variantOf("B"), referenceTo(VT_VARIANT, &text)}).code, S_OK);
+  EXPECT_EQ(late().call(L"setMeterSN", {variantOf("B"), referenceTo(VT_VARIANT, &text)}).code,
+            S_OK);
   EXPECT_EQ(Text::narrowOf(text.bstrVal), "B");
   VariantClear(&text);
 }
@@ -144,8 +153,9 @@ TEST_F(late_members, fill_an_array_by_reference) {
   storeSeries();
   SAFEARRAY* numbers = nullptr;
   VARIANT_BOOL isEmpty = VARIANT_TRUE;
-  Outcome typed = late().call(L"MetersAdjusted", {variantOf(mainJobMeter), referenceTo(VT_BOOL, &isEmpty),
-                                                  referenceTo(VT_ARRAY | VT_I2, &numbers)});
+  Outcome typed =
+      late().call(L"MetersAdjusted", {variantOf(mainJobMeter), referenceTo(VT_BOOL, &isEmpty),
+                                      referenceTo(VT_ARRAY | VT_I2, &numbers)});
   ASSERT_EQ(typed.code, S_OK);
   ASSERT_NE(numbers, nullptr);
   VARTYPE kind = VT_EMPTY;
@@ -154,8 +164,9 @@ TEST_F(late_members, fill_an_array_by_reference) {
   SafeArrayDestroy(numbers);
   VariantClear(&typed.result);
   VARIANT script{};
-  Outcome loose = late().call(L"MetersAdjusted", {variantOf(mainJobMeter), referenceTo(VT_BOOL, &isEmpty),
-                                                  referenceTo(VT_VARIANT, &script)});
+  Outcome loose = late().call(
+      L"MetersAdjusted",
+      {variantOf(mainJobMeter), referenceTo(VT_BOOL, &isEmpty), referenceTo(VT_VARIANT, &script)});
   ASSERT_EQ(loose.code, S_OK);
   ASSERT_EQ(script.vt, VT_ARRAY | VT_VARIANT);
   LONG first = 0;
@@ -170,19 +181,30 @@ TEST_F(late_members, fill_an_array_by_reference) {
 TEST_F(late_members, take_arrays_of_variants) {
   storeSeries();
   const Points points{{1, 10}, {2, 20}, {3, 30}};
-  EXPECT_EQ(late().call(L"SetRaw", {variantOf(mainJobSeries), variantOf(mainJobMeter), variantTable(points), variantOf(1),
-                                    variantOf(false), variantOf(-1)}).result.boolVal, VARIANT_TRUE);
+  EXPECT_EQ(
+      late()
+          .call(L"SetRaw", {variantOf(mainJobSeries), variantOf(mainJobMeter), variantTable(points),
+                            variantOf(1), variantOf(false), variantOf(-1)})
+          .result.boolVal,
+      VARIANT_TRUE);
   VARIANT table = variantTable({{4, 40}, {5, 50}});
-  EXPECT_EQ(late().call(L"SetFitted", {variantOf(mainJobSeries), variantOf(mainJobMeter), referenceTo(VT_VARIANT, &table),
-                                       referenceTo(VT_ARRAY | VT_VARIANT, &table.parray), variantOf("r"), variantOf(false)})
-                .result.boolVal, VARIANT_TRUE);
+  EXPECT_EQ(late()
+                .call(L"SetFitted", {variantOf(mainJobSeries), variantOf(mainJobMeter),
+                                     referenceTo(VT_VARIANT, &table),
+                                     referenceTo(VT_ARRAY | VT_VARIANT, &table.parray),
+                                     variantOf("r"), variantOf(false)})
+                .result.boolVal,
+            VARIANT_TRUE);
   VariantClear(&table);
-  const Outcome raw = late().call(L"GetRaw", {variantOf(mainJobSeries), variantOf(mainJobMeter), variantOf(2)});
+  const Outcome raw =
+      late().call(L"GetRaw", {variantOf(mainJobSeries), variantOf(mainJobMeter), variantOf(2)});
   ASSERT_NE(seriesOf(raw), nullptr);
   EXPECT_EQ(pointsOf(static_cast<::SeriesInfo*>(seriesOf(raw)->pvData)->Raw[1].Points), points);
-  const Outcome all = late().call(L"GetAllInfo", {variantOf(mainJobSeries), variantOf(mainJobMeter), leftOut(), leftOut(), leftOut()});
+  const Outcome all = late().call(L"GetAllInfo", {variantOf(mainJobSeries), variantOf(mainJobMeter),
+                                                  leftOut(), leftOut(), leftOut()});
   ASSERT_NE(seriesOf(all), nullptr);
-  EXPECT_EQ(pointsOf(static_cast<::SeriesInfo*>(seriesOf(all)->pvData)->Fitted), (Points{{4, 40}, {5, 50}}));
+  EXPECT_EQ(pointsOf(static_cast<::SeriesInfo*>(seriesOf(all)->pvData)->Fitted),
+            (Points{{4, 40}, {5, 50}}));
 }
 
 TEST_F(late_members, refuse_variants_that_are_no_numbers) {
@@ -191,8 +213,11 @@ TEST_F(late_members, refuse_variants_that_are_no_numbers) {
   VARIANT word = variantOf("ten");
   SafeArrayPutElement(table.parray, at, &word);
   VariantClear(&word);
-  EXPECT_EQ(late().call(L"SetRaw", {variantOf("s"), variantOf("m"), table, variantOf(0), variantOf(false)}).code,
-            DISP_E_TYPEMISMATCH);
+  EXPECT_EQ(
+      late()
+          .call(L"SetRaw", {variantOf("s"), variantOf("m"), table, variantOf(0), variantOf(false)})
+          .code,
+      DISP_E_TYPEMISMATCH);
 }
 
 TEST_F(late_members, return_errors_with_their_texts) {
@@ -221,23 +246,33 @@ TEST_F(late_members, do_the_rest_of_the_work) {
   const std::filesystem::path file = folder() / "curve.prn";
   std::ofstream(file, std::ios::binary) << "head\r\nhead\r\nhead\r\n2 20\r\n1 10\r\n";
   VARIANT_BOOL isEmpty = VARIANT_TRUE;
-  Outcome imported = late().call(L"ImportCurvedData", {variantOf(file.string().c_str()), variantOf(mainJobSeries),
-                                                       variantOf(mainJobMeter), referenceTo(VT_BOOL, &isEmpty)});
+  Outcome imported =
+      late().call(L"ImportCurvedData", {variantOf(file.string().c_str()), variantOf(mainJobSeries),
+                                        variantOf(mainJobMeter), referenceTo(VT_BOOL, &isEmpty)});
   EXPECT_EQ(isEmpty, VARIANT_FALSE);
   EXPECT_EQ(pointsOf(imported.result.parray).size(), 2U);
   VariantClear(&imported.result);
-  EXPECT_EQ(late().call(L"DeleteSeries", {variantOf(mainJobMeter), variantOf(mainJobSeries)}).result.boolVal, VARIANT_TRUE);
+  EXPECT_EQ(late()
+                .call(L"DeleteSeries", {variantOf(mainJobMeter), variantOf(mainJobSeries)})
+                .result.boolVal,
+            VARIANT_TRUE);
 }
 
 TEST_F(late_members, trap_errors_as_the_members_do) {
   useNewDatabase();
   BoxAnswerer boxes;
   VARIANT_BOOL isEmpty = VARIANT_FALSE;
-  EXPECT_EQ(late().call(L"readTCresults", {variantOf("c:\\none.prn"), referenceTo(VT_BOOL, &isEmpty)}).code, S_OK);
+  EXPECT_EQ(late()
+                .call(L"readTCresults", {variantOf("c:\\none.prn"), referenceTo(VT_BOOL, &isEmpty)})
+                .code,
+            S_OK);
   EXPECT_EQ(isEmpty, VARIANT_TRUE);
   EXPECT_EQ(boxes.lastText(), "File not found");
   VARIANT none{};
-  EXPECT_EQ(late().call(L"copyCaldb", {variantOf(1), variantOf("a"), variantOf("b"), none, none}).result.boolVal, VARIANT_FALSE);
+  EXPECT_EQ(late()
+                .call(L"copyCaldb", {variantOf(1), variantOf("a"), variantOf("b"), none, none})
+                .result.boolVal,
+            VARIANT_FALSE);
   EXPECT_EQ(late().call(L"importCaldb", {variantOf("m"), none, none, none, none, none}).code, S_OK);
   EXPECT_EQ(late().call(L"getJobID", {variantOf("m")}).code, S_OK);
 }

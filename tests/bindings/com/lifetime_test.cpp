@@ -107,7 +107,8 @@ unsigned short x87Mode() {
 }
 void setX87Mode(unsigned short mode) { __asm__ volatile("fldcw %0" : : "m"(mode)); }
 
-// Hosts round to 53 bits or otherwise: the numbers must not depend on it, and the host must find its own mode.
+// Hosts round to 53 bits or otherwise: the numbers must not depend on it, and the host must find
+// its own mode.
 TEST_F(lifetime, computes_alike_whatever_the_hosts_floating_point_mode) {
   storeSeries();
   data->put_Unattended(VARIANT_TRUE);
@@ -116,8 +117,10 @@ TEST_F(lifetime, computes_alike_whatever_the_hosts_floating_point_mode) {
     double low = 12, high = 1000;
     VARIANT_BOOL isEmpty = VARIANT_TRUE;
     SAFEARRAY* fitted = nullptr;
-    EXPECT_EQ(data->determineFittedCurve(Text(mainJobSeries), Text(mainJobMeter), &isEmpty, &low, &high, Text("Roshko"),
-                                         Text("Strouhal"), nullptr, nullptr, &fitted), S_OK);
+    EXPECT_EQ(
+        data->determineFittedCurve(Text(mainJobSeries), Text(mainJobMeter), &isEmpty, &low, &high,
+                                   Text("Roshko"), Text("Strouhal"), nullptr, nullptr, &fitted),
+        S_OK);
     const Points points = pointsOf(fitted);
     SafeArrayDestroy(fitted);
     return points;
@@ -165,7 +168,8 @@ TEST_F(lifetime, lets_window_messages_of_the_host_through) {
   kind.lpfnWndProc = countMessage;
   kind.lpszClassName = L"PelmoraTestWindow";
   RegisterClassW(&kind);
-  const HWND window = CreateWindowW(L"PelmoraTestWindow", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+  const HWND window = CreateWindowW(L"PelmoraTestWindow", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                                    nullptr, nullptr);
   ASSERT_NE(window, nullptr);
   int arrived = 0;
   PostMessageW(window, WM_APP, 0, reinterpret_cast<LPARAM>(&arrived));
@@ -173,12 +177,15 @@ TEST_F(lifetime, lets_window_messages_of_the_host_through) {
   double low = 12, high = 1000;
   VARIANT_BOOL isEmpty = VARIANT_TRUE;
   SAFEARRAY* fitted = nullptr;
-  EXPECT_EQ(data->determineFittedCurve(Text(mainJobSeries), Text(mainJobMeter), &isEmpty, &low, &high, Text("Roshko"),
-                                       Text("Strouhal"), nullptr, nullptr, &fitted), S_OK);
+  EXPECT_EQ(
+      data->determineFittedCurve(Text(mainJobSeries), Text(mainJobMeter), &isEmpty, &low, &high,
+                                 Text("Roshko"), Text("Strouhal"), nullptr, nullptr, &fitted),
+      S_OK);
   SafeArrayDestroy(fitted);
   EXPECT_EQ(arrived, 1);
   MSG message{};
-  EXPECT_NE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE), 0);  // the host's own loop still ends
+  EXPECT_NE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE),
+            0);  // the host's own loop still ends
   EXPECT_EQ(message.wParam, 3U);
   DestroyWindow(window);
 }

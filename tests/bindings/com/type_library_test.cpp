@@ -25,44 +25,67 @@ const Member members[] = {
     {"IgnoreResiduals", "property", 0x40030005, "value: boolean", "boolean"},
     {"dbDir", "property", 0x68030003, "value: DatabaseLocation&", "DatabaseLocation"},
     {"dbDirSetByString", "method", 0x60030004, "sPath: text&", "DatabaseLocation"},
-    {"findMeterInfo", "method", 0x60030005, "MeterSN: text&, conn: object&?, ReCalID: int16&?=-1, SeriesName: text&?", "MeterInfo"},
+    {"findMeterInfo", "method", 0x60030005,
+     "MeterSN: text&, conn: object&?, ReCalID: int16&?=-1, SeriesName: text&?", "MeterInfo"},
     {"FindLastCalID", "method", 0x60030006, "MeterSN: text&, conn: object&?", "MeterInfo"},
     {"LastMergedArray", "read property", 0x68030002, "", "double()"},
     {"LastFittedArray", "read property", 0x68030001, "", "double()"},
     {"LastFittedRatioSort", "method", 0x60030007, "", "boolean"},
     {"Path", "method", 0x60030008, "", "text"},
     {"Series", "method", 0x60030009, "MeterSN: text&, ReCalID: int16&?=-1", "variant()"},
-    {"MetersAdjusted", "method", 0x6003000A, "MeterSN: text&, ArrayIsEmpty: boolean&, ReCalID: int16()&", "text()"},
+    {"MetersAdjusted", "method", 0x6003000A,
+     "MeterSN: text&, ArrayIsEmpty: boolean&, ReCalID: int16()&", "text()"},
     {"Meters", "method", 0x6003000B, "ArrayIsEmpty: boolean&", "text()"},
-    {"DeleteSeries", "method", 0x6003000C, "MeterSN: text&, Series: text&, ReCalID: int16&?=-1", "boolean"},
+    {"DeleteSeries", "method", 0x6003000C, "MeterSN: text&, Series: text&, ReCalID: int16&?=-1",
+     "boolean"},
     {"BandPercent", "property", 0x68030000, "value: single", "single"},
     {"determineFittedCurve", "method", 0x6003000D,
-     "SeriesName: text&, MeterSN: text&, ArrayIsEmpty: boolean&, Predicted_Xmin: double&, Predicted_Xmax: double&, "
-     "Label_Xaxis: text&, Label_Yaxis: text&, bInverted: boolean&, ReCalID: int16&?=-1", "double()"},
+     "SeriesName: text&, MeterSN: text&, ArrayIsEmpty: boolean&, Predicted_Xmin: double&, "
+     "Predicted_Xmax: double&, "
+     "Label_Xaxis: text&, Label_Yaxis: text&, bInverted: boolean&, ReCalID: int16&?=-1",
+     "double()"},
     {"getFittedCurve", "method", 0x6003000E,
-     "SeriesName: text&, MeterSN: text&, conn: object&?, ReCalID: int16&?=-1, bDarvellFormat: boolean&?=0", "MeterInfo"},
+     "SeriesName: text&, MeterSN: text&, conn: object&?, ReCalID: int16&?=-1, bDarvellFormat: "
+     "boolean&?=0",
+     "MeterInfo"},
     {"ImportCurvedData", "method", 0x60030010,
-     "sFilepath: text&, SeriesName: text&, MeterSN: text&, ArrayIsEmpty: boolean&, ReCalID: int16&?=-1", "double()"},
-    {"readTCresults", "method", 0x60030011, "sResultPath: text&, ArrayIsEmpty: boolean&", "double()"},
+     "sFilepath: text&, SeriesName: text&, MeterSN: text&, ArrayIsEmpty: boolean&, ReCalID: "
+     "int16&?=-1",
+     "double()"},
+    {"readTCresults", "method", 0x60030011, "sResultPath: text&, ArrayIsEmpty: boolean&",
+     "double()"},
     {"SetRaw", "method", 0x60030013,
-     "SeriesName: text&, MeterSerialNumber: text&, Table: double()&, dataSet: int16&, cleardb: boolean&, ReCalID: int16&?=-1",
+     "SeriesName: text&, MeterSerialNumber: text&, Table: double()&, dataSet: int16&, cleardb: "
+     "boolean&, ReCalID: int16&?=-1",
      "boolean"},
-    {"setMeterSN", "method", 0x60030014, "MeterSerialNumber: text&, MeterSNAdjusted: text&?", "int32"},
+    {"setMeterSN", "method", 0x60030014, "MeterSerialNumber: text&, MeterSNAdjusted: text&?",
+     "int32"},
     {"SetFitted", "method", 0x60030016,
-     "SeriesName: text&, MeterSerialNumber: text&, arMerged: double()&, arFitted: double()&, Details: text&, "
-     "cleardb: boolean&, ReCalID: int16&?=-1", "boolean"},
+     "SeriesName: text&, MeterSerialNumber: text&, arMerged: double()&, arFitted: double()&, "
+     "Details: text&, "
+     "cleardb: boolean&, ReCalID: int16&?=-1",
+     "boolean"},
     {"SetLastFitted", "method", 0x60030017, "cleardb: boolean&", "boolean"},
     {"GetRaw", "method", 0x60030018,
-     "SeriesName: text&, MeterSN: text&, dataSet: int16&, conn: object&?, ReCalID: int16&?=-1", "MeterInfo"},
+     "SeriesName: text&, MeterSN: text&, dataSet: int16&, conn: object&?, ReCalID: int16&?=-1",
+     "MeterInfo"},
     {"GetAllInfo", "method", 0x60030019,
-     "SeriesName: text&, MeterSN: text&, conn: object&?, ReCalID: int16&?=-1, bDarvellFormat: boolean&?=0", "MeterInfo"},
+     "SeriesName: text&, MeterSN: text&, conn: object&?, ReCalID: int16&?=-1, bDarvellFormat: "
+     "boolean&?=0",
+     "MeterInfo"},
     {"copyCaldb", "method", 0x6003001E,
-     "CalSetupID: int32&, JobID_RawA: text&, JobID_RawB: text&, conn_calDB: object&, Conn_curveDB: object&", "boolean"},
+     "CalSetupID: int32&, JobID_RawA: text&, JobID_RawB: text&, conn_calDB: object&, Conn_curveDB: "
+     "object&",
+     "boolean"},
     {"importCaldb", "method", 0x60030023,
-     "MeterSN: text&, conn_calDB: object&, JobID_RawA: text()&, JobID_RawB: text()&, FluidName: text()&, "
-     "OperatorName: text()&, Create_RotorA_SumSeries: boolean&?=0, Create_RotorB_SumSeries: boolean&?=0, "
-     "Create_RotorAB_SumSeries: boolean&?=0, Create_Ratio_Series: boolean&?=0, StandID: int16&?=-1, PositionID: int16&?=-1, "
-     "Conn_curveDB: object&?, ReCalID: int16&?=-1", "MeterInfo"},
+     "MeterSN: text&, conn_calDB: object&, JobID_RawA: text()&, JobID_RawB: text()&, FluidName: "
+     "text()&, "
+     "OperatorName: text()&, Create_RotorA_SumSeries: boolean&?=0, Create_RotorB_SumSeries: "
+     "boolean&?=0, "
+     "Create_RotorAB_SumSeries: boolean&?=0, Create_Ratio_Series: boolean&?=0, StandID: "
+     "int16&?=-1, PositionID: int16&?=-1, "
+     "Conn_curveDB: object&?, ReCalID: int16&?=-1",
+     "MeterInfo"},
     {"getJobID", "method", 0x60030024, "MeterSN: text&, ReCalID: int16&?=-1", "text()"},
 };
 
@@ -74,12 +97,14 @@ std::string nameOf(ITypeInfo* type, MEMBERID member) {
 
 std::string typeName(ITypeInfo* owner, const TYPEDESC& type) {
   static const std::map<VARTYPE, std::string> names{
-      {VT_I2, "int16"}, {VT_I4, "int32"},    {VT_R4, "single"},    {VT_R8, "double"}, {VT_BSTR, "text"},
-      {VT_BOOL, "boolean"}, {VT_VARIANT, "variant"}, {VT_DISPATCH, "object"}, {VT_VOID, "nothing"}};
+      {VT_I2, "int16"},        {VT_I4, "int32"},        {VT_R4, "single"},
+      {VT_R8, "double"},       {VT_BSTR, "text"},       {VT_BOOL, "boolean"},
+      {VT_VARIANT, "variant"}, {VT_DISPATCH, "object"}, {VT_VOID, "nothing"}};
   if (type.vt == VT_PTR) return typeName(owner, *type.lptdesc) + "&";
   if (type.vt == VT_SAFEARRAY) return typeName(owner, *type.lptdesc) + "()";
   if (type.vt == VT_CARRAY) {
-    return typeName(owner, type.lpadesc->tdescElem) + "[" + std::to_string(type.lpadesc->rgbounds[0].cElements) + "]";
+    return typeName(owner, type.lpadesc->tdescElem) + "[" +
+           std::to_string(type.lpadesc->rgbounds[0].cElements) + "]";
   }
   if (type.vt == VT_USERDEFINED) {
     ITypeInfo* referred = nullptr;
@@ -146,7 +171,9 @@ std::string describe(ITypeInfo* type, const FUNCDESC& function) {
   }
   const std::string head = Text::narrowOf(names[0]);
   for (UINT i = 0; i < count; ++i) SysFreeString(names[i]);
-  const char* kind = function.invkind == INVOKE_PROPERTYGET ? "get " : function.invkind == INVOKE_PROPERTYPUT ? "put " : "call ";
+  const char* kind = function.invkind == INVOKE_PROPERTYGET   ? "get "
+                     : function.invkind == INVOKE_PROPERTYPUT ? "put "
+                                                              : "call ";
   return kind + head + " " + std::to_string(function.memid) + " (" + arguments + ") -> " + result;
 }
 
@@ -202,8 +229,9 @@ TEST_F(type_library, describes_the_two_events) {
     events->ReleaseFuncDesc(function);
   }
   events->Release();
-  EXPECT_EQ(lines, (std::vector<std::string>{"call FittingProgress 1 (finishedStep: int16&, maxSteps: int16&) -> nothing",
-                                             "call StatusUpdate 2 (sMessage: text&) -> nothing"}));
+  EXPECT_EQ(lines, (std::vector<std::string>{
+                       "call FittingProgress 1 (finishedStep: int16&, maxSteps: int16&) -> nothing",
+                       "call StatusUpdate 2 (sMessage: text&) -> nothing"}));
 }
 
 TEST_F(type_library, describes_the_records) {
@@ -216,20 +244,24 @@ TEST_F(type_library, describes_the_records) {
     std::string text;
     VARDESC* field = nullptr;
     for (UINT i = 0; found == 1 && SUCCEEDED(type->GetVarDesc(i, &field)); ++i) {
-      text += (text.empty() ? "" : ", ") + nameOf(type, field->memid) + ": " + typeName(type, field->elemdescVar.tdesc);
+      text += (text.empty() ? "" : ", ") + nameOf(type, field->memid) + ": " +
+              typeName(type, field->elemdescVar.tdesc);
       type->ReleaseVarDesc(field);
     }
     if (type != nullptr) type->Release();
     return text;
   };
-  EXPECT_EQ(fields(L"DatabaseLocation"), "FullPath: text, Folder: text, FileName: text, Drive: text, Extension: text");
+  EXPECT_EQ(fields(L"DatabaseLocation"),
+            "FullPath: text, Folder: text, FileName: text, Drive: text, Extension: text");
   EXPECT_EQ(fields(L"RawSlot"), "Points: double()");
   EXPECT_EQ(fields(L"FixedCurve40"), "First: single[40], Second: single[40]");
-  EXPECT_EQ(fields(L"SeriesInfo"),
-            "SeriesName: text, SeriesID: int32, Raw: RawSlot[4], Merged: double(), Fitted: double(), "
-            "RoshkoFirst: FixedCurve40, StrouhalFirst: FixedCurve40, Summary: text");
+  EXPECT_EQ(
+      fields(L"SeriesInfo"),
+      "SeriesName: text, SeriesID: int32, Raw: RawSlot[4], Merged: double(), Fitted: double(), "
+      "RoshkoFirst: FixedCurve40, StrouhalFirst: FixedCurve40, Summary: text");
   EXPECT_EQ(fields(L"MeterInfo"),
-            "Source: int32, MeterID: int32, ReCalID: int16, SerialNumber: text, SerialNumberAdjusted: text, "
+            "Source: int32, MeterID: int32, ReCalID: int16, SerialNumber: text, "
+            "SerialNumberAdjusted: text, "
             "Series: SeriesInfo()");
 }
 
@@ -250,9 +282,9 @@ TEST_F(type_library, says_which_interfaces_the_class_has) {
   }
   coclass->ReleaseTypeAttr(attributes);
   coclass->Release();
-  EXPECT_EQ(implemented,
-            (std::vector<std::pair<std::string, INT>>{{"_RawData", IMPLTYPEFLAG_FDEFAULT},
-                                                      {"__RawData", IMPLTYPEFLAG_FDEFAULT | IMPLTYPEFLAG_FSOURCE}}));
+  EXPECT_EQ(implemented, (std::vector<std::pair<std::string, INT>>{
+                             {"_RawData", IMPLTYPEFLAG_FDEFAULT},
+                             {"__RawData", IMPLTYPEFLAG_FDEFAULT | IMPLTYPEFLAG_FSOURCE}}));
 }
 
 }  // namespace

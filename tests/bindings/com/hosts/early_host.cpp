@@ -11,7 +11,8 @@ using namespace pelmora::test;
 MainJobResult doMainJob(const std::string& database) {
   MainJobResult result;
   _RawData* data = nullptr;
-  check(CoCreateInstance(CLSID_RawData, nullptr, CLSCTX_INPROC_SERVER, IID__RawData, reinterpret_cast<void**>(&data)),
+  check(CoCreateInstance(CLSID_RawData, nullptr, CLSCTX_INPROC_SERVER, IID__RawData,
+                         reinterpret_cast<void**>(&data)),
         "CoCreateInstance");
   Sink sink;
   countEvents(sink, result);
@@ -27,14 +28,16 @@ MainJobResult doMainJob(const std::string& database) {
     result.id = id;
     SAFEARRAY* table = arrayOf(mainJobPoints());
     short dataSet = 0, latest = -1;
-    VARIANT_BOOL yes = VARIANT_TRUE, no = VARIANT_FALSE, isEmpty = VARIANT_TRUE, answer = VARIANT_FALSE;
+    VARIANT_BOOL yes = VARIANT_TRUE, no = VARIANT_FALSE, isEmpty = VARIANT_TRUE,
+                 answer = VARIANT_FALSE;
     check(data->SetRaw(series, meter, &table, &dataSet, &no, &latest, &answer), "SetRaw");
     SafeArrayDestroy(table);
     result.isStored = answer != VARIANT_FALSE;
     result.low = 12;
     result.high = 1000;
     SAFEARRAY* fitted = nullptr;
-    check(data->determineFittedCurve(series, meter, &isEmpty, &result.low, &result.high, x, y, &no, &latest, &fitted),
+    check(data->determineFittedCurve(series, meter, &isEmpty, &result.low, &result.high, x, y, &no,
+                                     &latest, &fitted),
           "determineFittedCurve");
     result.isEmpty = isEmpty != VARIANT_FALSE;
     result.fitted = pointsOf(fitted);
@@ -48,7 +51,8 @@ MainJobResult doMainJob(const std::string& database) {
     result.report = report.narrow();
     check(data->SetLastFitted(&no, &answer), "SetLastFitted");
     result.isFitStored = answer != VARIANT_FALSE;
-    // The records stay: the system's description of records under Wine cannot free arrays inside them.
+    // The records stay: the system's description of records under Wine cannot free arrays inside
+    // them.
     ::MeterInfo all{}, compact{};
     check(data->GetAllInfo(series, meter, nullptr, &latest, &no, &all), "GetAllInfo");
     const auto& entry = *static_cast<::SeriesInfo*>(all.Series->pvData);

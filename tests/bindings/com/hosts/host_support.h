@@ -19,7 +19,8 @@ namespace pelmora::test {
 // A text for one call.
 class Text {
  public:
-  explicit Text(const std::string& ascii) : text_(SysAllocString(std::wstring(ascii.begin(), ascii.end()).c_str())) {}
+  explicit Text(const std::string& ascii)
+      : text_(SysAllocString(std::wstring(ascii.begin(), ascii.end()).c_str())) {}
   Text() = default;
   ~Text() { SysFreeString(text_); }
   Text(const Text&) = delete;
@@ -39,7 +40,8 @@ class Text {
 
 inline void check(HRESULT result, const char* what) {
   if (SUCCEEDED(result)) return;
-  throw std::runtime_error(std::string(what) + " failed with " + std::to_string(static_cast<unsigned long>(result)));
+  throw std::runtime_error(std::string(what) + " failed with " +
+                           std::to_string(static_cast<unsigned long>(result)));
 }
 
 inline SAFEARRAY* arrayOf(const Points& points) {
@@ -104,8 +106,8 @@ class Sink : public IDispatch {
   STDMETHODIMP GetTypeInfoCount(UINT* count) override { return *count = 0, S_OK; }
   STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
   STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
-  STDMETHODIMP Invoke(DISPID event, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*, EXCEPINFO* exception,
-                      UINT*) override {
+  STDMETHODIMP Invoke(DISPID event, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*,
+                      EXCEPINFO* exception, UINT*) override {
     return handler ? handler(event, *arguments, exception) : S_OK;
   }
   ULONG references = 1;
@@ -116,7 +118,9 @@ class Connected {
  public:
   Connected(IUnknown* object, Sink& sink) {
     IConnectionPointContainer* container = nullptr;
-    check(object->QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(&container)), "container");
+    check(
+        object->QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(&container)),
+        "container");
     check(container->FindConnectionPoint(DIID___RawData, &point_), "connection point");
     container->Release();
     check(point_->Advise(&sink, &cookie_), "Advise");

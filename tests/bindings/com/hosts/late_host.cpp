@@ -19,7 +19,8 @@ MainJobResult doMainJob(const char* database) {
   CLSID identity{};
   check(CLSIDFromProgID(L"Pelmora.RawData", &identity), "CLSIDFromProgID");
   IDispatch* object = nullptr;
-  check(CoCreateInstance(identity, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, reinterpret_cast<void**>(&object)),
+  check(CoCreateInstance(identity, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
+                         reinterpret_cast<void**>(&object)),
         "CoCreateInstance");
   Sink sink;
   countEvents(sink, result);
@@ -31,16 +32,20 @@ MainJobResult doMainJob(const char* database) {
     done(data.put(L"BandPercent", variantOf(1)), "BandPercent");
     result.id = done(data.call(L"setMeterSN", {variantOf(mainJobMeter)}), "setMeterSN").lVal;
     result.isStored = done(data.call(L"SetRaw", {variantOf(mainJobSeries), variantOf(mainJobMeter),
-                                                 variantOf(arrayOf(mainJobPoints()), VT_R8), variantOf(0), variantOf(false)}),
-                           "SetRaw").boolVal != VARIANT_FALSE;
+                                                 variantOf(arrayOf(mainJobPoints()), VT_R8),
+                                                 variantOf(0), variantOf(false)}),
+                           "SetRaw")
+                          .boolVal != VARIANT_FALSE;
     result.low = 12;
     result.high = 1000;
     VARIANT_BOOL isEmpty = VARIANT_TRUE;
-    VARIANT fitted = done(data.call(L"determineFittedCurve",
-                                    {variantOf(mainJobSeries), variantOf(mainJobMeter), referenceTo(VT_BOOL, &isEmpty),
-                                     referenceTo(VT_R8, &result.low), referenceTo(VT_R8, &result.high),
-                                     variantOf("Roshko"), variantOf("Strouhal"), variantOf(false)}),
-                          "determineFittedCurve");
+    VARIANT fitted =
+        done(data.call(
+                 L"determineFittedCurve",
+                 {variantOf(mainJobSeries), variantOf(mainJobMeter), referenceTo(VT_BOOL, &isEmpty),
+                  referenceTo(VT_R8, &result.low), referenceTo(VT_R8, &result.high),
+                  variantOf("Roshko"), variantOf("Strouhal"), variantOf(false)}),
+             "determineFittedCurve");
     result.isEmpty = isEmpty != VARIANT_FALSE;
     result.fitted = pointsOf(fitted.parray);
     VariantClear(&fitted);
@@ -50,15 +55,23 @@ MainJobResult doMainJob(const char* database) {
     VARIANT report = done(data.get(L"DataFitResultDetails"), "DataFitResultDetails");
     result.report = Text::narrowOf(report.bstrVal);
     VariantClear(&report);
-    result.isFitStored = done(data.call(L"SetLastFitted", {variantOf(false)}), "SetLastFitted").boolVal != VARIANT_FALSE;
-    // The records stay: the system's description of records under Wine cannot free arrays inside them.
-    const VARIANT all = done(data.call(L"GetAllInfo", {variantOf(mainJobSeries), variantOf(mainJobMeter)}), "GetAllInfo");
+    result.isFitStored =
+        done(data.call(L"SetLastFitted", {variantOf(false)}), "SetLastFitted").boolVal !=
+        VARIANT_FALSE;
+    // The records stay: the system's description of records under Wine cannot free arrays inside
+    // them.
+    const VARIANT all =
+        done(data.call(L"GetAllInfo", {variantOf(mainJobSeries), variantOf(mainJobMeter)}),
+             "GetAllInfo");
     const auto* entry = static_cast<::SeriesInfo*>((*fieldOf<SAFEARRAY*>(all, L"Series"))->pvData);
     result.readBack = pointsOf(entry->Fitted);
     result.storedReport = Text::narrowOf(entry->Summary);
-    const VARIANT compact = done(data.call(L"getFittedCurve", {variantOf(mainJobSeries), variantOf(mainJobMeter), leftOut(),
-                                                               leftOut(), variantOf(true)}), "getFittedCurve");
-    const auto& curve = static_cast<::SeriesInfo*>((*fieldOf<SAFEARRAY*>(compact, L"Series"))->pvData)->RoshkoFirst;
+    const VARIANT compact =
+        done(data.call(L"getFittedCurve", {variantOf(mainJobSeries), variantOf(mainJobMeter),
+                                           leftOut(), leftOut(), variantOf(true)}),
+             "getFittedCurve");
+    const auto& curve =
+        static_cast<::SeriesInfo*>((*fieldOf<SAFEARRAY*>(compact, L"Series"))->pvData)->RoshkoFirst;
     for (std::size_t i = 0; i < 40; ++i) {
       result.roshko[i] = curve.First[i];
       result.strouhal[i] = curve.Second[i];

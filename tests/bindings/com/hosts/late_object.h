@@ -77,10 +77,12 @@ class LateObject {
     std::vector<VARIANT> given(arguments.rbegin(), arguments.rend());
     DISPID value = DISPID_PROPERTYPUT;
     const bool isPut = flags == DISPATCH_PROPERTYPUT;
-    DISPPARAMS parameters{given.data(), isPut ? &value : nullptr, static_cast<UINT>(given.size()), isPut ? 1U : 0U};
+    DISPPARAMS parameters{given.data(), isPut ? &value : nullptr, static_cast<UINT>(given.size()),
+                          isPut ? 1U : 0U};
     EXCEPINFO exception{};
-    outcome.code = object_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, isPut ? nullptr : &outcome.result,
-                                   &exception, &outcome.wrongArgument);
+    outcome.code =
+        object_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters,
+                        isPut ? nullptr : &outcome.result, &exception, &outcome.wrongArgument);
     outcome.error = exception.scode;
     outcome.source = Text::narrowOf(exception.bstrSource);
     outcome.description = Text::narrowOf(exception.bstrDescription);
@@ -95,7 +97,9 @@ class LateObject {
     return invoke(member, DISPATCH_METHOD, std::move(arguments));
   }
   Outcome get(const wchar_t* member) const { return invoke(member, DISPATCH_PROPERTYGET, {}); }
-  Outcome put(const wchar_t* member, VARIANT value) const { return invoke(member, DISPATCH_PROPERTYPUT, {value}); }
+  Outcome put(const wchar_t* member, VARIANT value) const {
+    return invoke(member, DISPATCH_PROPERTYPUT, {value});
+  }
 
  private:
   IDispatch* object_;
@@ -106,7 +110,9 @@ template <class T>
 T* fieldOf(const VARIANT& record, const wchar_t* name) {
   VARIANT field{};
   void* array = nullptr;
-  if (record.vt != VT_RECORD || FAILED(record.pRecInfo->GetFieldNoCopy(record.pvRecord, name, &field, &array))) return nullptr;
+  if (record.vt != VT_RECORD ||
+      FAILED(record.pRecInfo->GetFieldNoCopy(record.pvRecord, name, &field, &array)))
+    return nullptr;
   return static_cast<T*>(field.byref);
 }
 

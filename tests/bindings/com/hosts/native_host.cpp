@@ -39,8 +39,9 @@ pelmora::test::MainJobResult doMainJob(const std::string& database) {
   result.isStored = data.SetRaw(mainJobSeries, mainJobMeter, table, 0, false);
   result.low = 12;
   result.high = 1000;
-  result.fitted = pairsOf(data.determineFittedCurve(mainJobSeries, mainJobMeter, result.isEmpty, result.low,
-                                                    result.high, "Roshko", "Strouhal", false));
+  result.fitted =
+      pairsOf(data.determineFittedCurve(mainJobSeries, mainJobMeter, result.isEmpty, result.low,
+                                        result.high, "Roshko", "Strouhal", false));
   result.merged = pairsOf(data.LastMergedArray());
   result.report = data.DataFitResultDetails;
   result.isFitStored = data.SetLastFitted(false);
