@@ -48,6 +48,12 @@ void createIndex(const ConnectionPtr& curves, const TableIndex& index) {
   designOf(curves).createIndex(index);
 }
 
+ReadView::ReadView(ConnectionPtr curves) : curves_(std::move(curves)) {
+  transactionsOf(curves_).beginReading();
+}
+
+ReadView::~ReadView() { dynamic_cast<Transactions&>(*curves_).rollback(); }
+
 Transaction::Transaction(ConnectionPtr curves) : curves_(std::move(curves)) {
   transactionsOf(curves_).begin();
 }

@@ -13,6 +13,9 @@ class PELMORA_API Transactions {
   // Takes the lock for writing at once. Errors: Error, genericFailure where another user has it.
   virtual void begin() = 0;
   // Errors: Error; the transaction is then still open, or undone already.
+  // What is read from now on is of one moment, until rollback(). Others may change rows meanwhile,
+  // but not end their transactions.
+  virtual void beginReading() = 0;
   virtual void commit() = 0;
   // Does nothing where no transaction is open.
   virtual void rollback() noexcept = 0;

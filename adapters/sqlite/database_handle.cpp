@@ -35,6 +35,9 @@ DatabaseHandle::DatabaseHandle(const std::string& file, OpenMode mode) {
   // A name in double quotes is a name and never a text.
   sqlite3_db_config(opened, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   sqlite3_db_config(opened, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+  // Changes of one transaction wait in memory up to this size: where they spill into the file, others
+  // cannot read it until the transaction ends.
+  run("PRAGMA cache_size = -65536");  // KiB
   // What a foreign file brings in its schema gets no function of ours.
   sqlite3_db_config(opened, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
 }

@@ -108,6 +108,8 @@ void SqliteConnection::createIndex(const TableIndex& index) {
 
 void SqliteConnection::begin() { session().begin(); }
 
+void SqliteConnection::beginReading() { session().beginReading(); }
+
 void SqliteConnection::commit() { session().commit(); }
 
 void SqliteConnection::rollback() noexcept {

@@ -41,6 +41,7 @@ class SqliteConnection : public Connection, public TableDesign, public Transacti
   void createIndex(const TableIndex& index) override;
 
   void begin() override;
+  void beginReading() override;
   void commit() override;
   void rollback() noexcept override;
 

@@ -52,6 +52,11 @@ void SqliteSession::begin() {
   inTransaction_ = true;
 }
 
+void SqliteSession::beginReading() {
+  handle().run("BEGIN");
+  inTransaction_ = true;
+}
+
 void SqliteSession::commit() {
   requireWritable();
   handle().run("COMMIT");

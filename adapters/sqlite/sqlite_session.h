@@ -37,6 +37,7 @@ class SqliteSession {
 
   // One transaction around many statements; those that the statements make are parts of it.
   void begin();
+  void beginReading();
   void commit();
   void rollback() noexcept;
 

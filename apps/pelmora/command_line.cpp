@@ -117,6 +117,7 @@ int run(int argc, const char* const* argv) {
     addImportCurveCommand(app);
     addRawCommand(app);
     addFitCommand(app);
+    addRefitCommand(app);
     addShowCommand(app);
     addCalibrateCommand(app);
     addReportCommand(app);

@@ -19,6 +19,7 @@ void addReportCommand(CLI::App& app);
 void addDeleteCommand(CLI::App& app);
 void addDoctorCommand(CLI::App& app);
 void addHistoryCommand(CLI::App& app);
+void addRefitCommand(CLI::App& app);
 void addRestoreCommand(CLI::App& app);
 void addCompletionCommand(CLI::App& app);
 void addManCommand(CLI::App& app);

@@ -90,6 +90,18 @@ std::vector<std::string> CurveSession::serialNumbers() {
   return isEmpty ? std::vector<std::string>() : names;
 }
 
+std::vector<std::int16_t> CurveSession::calibrations(const std::string& serialNumber) {
+  bool isEmpty = true;
+  std::vector<std::int16_t> numbers;
+  messages_.forget();
+  (void)data_.MetersAdjusted(serialNumber, isEmpty, numbers);
+  messages_.throwIfAny(ExitCode::unexpected,
+                       "listing the calibrations of meter '" + serialNumber + "'", "");
+  if (isEmpty) numbers.clear();
+  std::ranges::sort(numbers);
+  return numbers;
+}
+
 std::vector<std::string> CurveSession::seriesNames(const MeterInfo& meter) {
   messages_.forget();
   const ValueTable table = data_.Series(meter.SerialNumber, meter.ReCalID);
@@ -120,13 +132,15 @@ std::int32_t CurveSession::requireSeriesID(const MeterInfo& meter, const std::st
 }
 
 MeterInfo CurveSession::requireSeries(const MeterInfo& meter, const std::string& seriesName) {
-  (void)requireSeriesID(meter, seriesName);
+  requireName("--series", seriesName);
+  messages_.forget();
   MeterInfo everything =
       data_.GetAllInfo(seriesName, meter.SerialNumber, connection_, meter.ReCalID);
   messages_.throwIfAny(
       ExitCode::badInput,
       "series '" + seriesName + "' of meter '" + meter.SerialNumber + "' cannot be read",
       "import or bring its points again, at most 32767 in each raw part and none empty");
+  if (everything.Series.empty()) (void)requireSeriesID(meter, seriesName);  // tells what there is
   return everything;
 }
 

@@ -49,6 +49,8 @@ class CurveSession {
   // The id alone, without a look at the points. Errors: the same.
   std::int32_t requireSeriesID(const MeterInfo& meter, const std::string& seriesName);
   std::vector<std::string> serialNumbers();
+  // The calibrations of a meter, from the first to the latest.
+  std::vector<std::int16_t> calibrations(const std::string& serialNumber);
 
  private:
   std::string path_;

@@ -7,6 +7,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -39,6 +40,30 @@ void Progress::show(const std::string& text) {
   std::fprintf(stderr, "\r\033[K%s", line.c_str());
   std::fflush(stderr);
   isShown_ = true;
+}
+
+void Progress::count(const std::string& doing, std::size_t done, std::size_t total) {
+  if (!isTerminal_) return;
+  using namespace std::chrono_literals;
+  const auto now = std::chrono::steady_clock::now();
+  if (!begin_) begin_ = now;
+  if (drawn_ && now - *drawn_ < 100ms && done < total) return;
+  drawn_ = now;
+  show(progressBar(doing, done, total, std::chrono::duration<double>(now - *begin_).count()));
+}
+
+std::string progressBar(const std::string& doing, std::size_t done, std::size_t total, double seconds) {
+  constexpr std::size_t width = 20;
+  const std::size_t filled = total == 0 ? width : width * done / total;
+  std::string text = doing + " [" + std::string(filled, '#') + std::string(width - filled, '-') + "] " +
+                     std::to_string(done) + "/" + std::to_string(total);
+  // The first moments tell no rate.
+  if (seconds < 0.5 || done == 0) return text;
+  const double rate = static_cast<double>(done) / seconds;
+  const auto left = static_cast<long long>(std::ceil(static_cast<double>(total - done) / rate));
+  const std::string leftSeconds = std::to_string(left % 60);
+  return text + "  " + significantText(rate, 3) + "/s  " + std::to_string(left / 60) + ":" +
+         (leftSeconds.size() < 2 ? "0" : "") + leftSeconds + " left";
 }
 
 void Progress::clear() {

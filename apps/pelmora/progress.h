@@ -2,6 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
+#include <cstddef>
+#include <optional>
 #include <string>
 
 namespace pelmora::cli {
@@ -15,11 +18,19 @@ class Progress {
 
   // Replaces the line; it is cut to the terminal's width.
   void show(const std::string& text);
+  // A bar of work in equal steps, with the rate and the time that is left; drawn a few times a second. The first
+  // call starts the clock.
+  void count(const std::string& doing, std::size_t done, std::size_t total);
   void clear();
 
  private:
   bool isTerminal_;
   bool isShown_ = false;
+  std::optional<std::chrono::steady_clock::time_point> begin_, drawn_;  // of the count
 };
+
+// "Refitting [######--------] 300/1000  1500/s  0:01 left", after `seconds` of work.
+[[nodiscard]] std::string progressBar(const std::string& doing, std::size_t done, std::size_t total,
+                                      double seconds);
 
 }  // namespace pelmora::cli

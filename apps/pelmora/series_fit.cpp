@@ -100,11 +100,15 @@ CurveSettings settingsOf(const SeriesFit& fit) {
   return settings;
 }
 
-void store(StoredChange& change, const MeterInfo& meter, SeriesFit& fit) {
+}  // namespace
+
+void storeCurve(StoredChange& change, const MeterInfo& meter, SeriesFit& fit) {
   CurveSession& session = change.session();
   const std::string place = placeOf(meter, fit.series);
   change.keep(history::fittedCurve(meter.MeterID, fit.seriesID));
-  fit.isStored = session.data().SetLastFitted(false);
+  session.messages().forget();
+  fit.isStored = session.data().SetFitted(fit.series, meter.SerialNumber, fit.merged, fit.curve, fit.report,
+                                          false, meter.ReCalID);
   session.messages().throwIfAny(ExitCode::database, "storing the curve of " + place,
                                 "nothing was changed");
   if (!fit.isStored) {
@@ -114,16 +118,18 @@ void store(StoredChange& change, const MeterInfo& meter, SeriesFit& fit) {
                     [&] { keepCurveSettings(session.connection(), fit.seriesID, settingsOf(fit)); });
 }
 
-}  // namespace
-
 SeriesFit trySeries(CurveSession& session, const MeterInfo& meter, const std::string& series,
                     const FitOptions& options) {
+  return tryStored(session, meter, session.requireSeries(meter, series).Series.front(), options);
+}
+
+SeriesFit tryStored(CurveSession& session, const MeterInfo& meter, const SeriesInfo& stored,
+                    const FitOptions& options) {
   SeriesFit fit;
-  fit.series = series;
+  fit.series = stored.SeriesName;
   fit.options = options;
-  const MeterInfo stored = session.requireSeries(meter, series);
-  fit.seriesID = stored.Series.front().SeriesID;
-  requirePoints(meter, fit, stored.Series.front());
+  fit.seriesID = stored.SeriesID;
+  requirePoints(meter, fit, stored);
 
   const EquationFolder folder(options.equations, options.ratio);
   fit.equations = folder.text();
@@ -137,7 +143,7 @@ SeriesFit trySeries(CurveSession& session, const MeterInfo& meter, const std::st
   fit.merged = data.LastMergedArray();
   fit.outcome = data.LastFit();
   fit.report = data.DataFitResultDetails;
-  const std::string place = placeOf(meter, series);
+  const std::string place = placeOf(meter, fit.series);
   if (!session.messages().errors().empty()) {
     fit.trouble = Trouble(ExitCode::notFitted,
                           "fitting " + place + ": " + session.messages().errors().front(),
@@ -156,7 +162,7 @@ SeriesFit trySeries(CurveSession& session, const MeterInfo& meter, const std::st
 SeriesFit fitSeries(StoredChange& change, const MeterInfo& meter, const std::string& series,
                     const FitOptions& options) {
   SeriesFit fit = trySeries(change.session(), meter, series, options);
-  if (!fit.trouble) store(change, meter, fit);
+  if (!fit.trouble) storeCurve(change, meter, fit);
   return fit;
 }
 

@@ -48,7 +48,16 @@ struct SeriesFit {
 [[nodiscard]] SeriesFit trySeries(CurveSession& session, const MeterInfo& meter,
                                   const std::string& series, const FitOptions& options);
 
-// The same, and stores the curve with its settings in place of the old ones, which `change` keeps. Where no
+// The same for a series whose raw points have been read.
+[[nodiscard]] SeriesFit tryStored(CurveSession& session, const MeterInfo& meter, const SeriesInfo& stored,
+                                  const FitOptions& options);
+
+// Stores the curve of a fit and its settings in place of the old ones, which `change` keeps.
+//
+// Errors: Trouble database. Nothing is final before change.finish().
+void storeCurve(StoredChange& change, const MeterInfo& meter, SeriesFit& fit);
+
+// As trySeries, and stores the curve with its settings in place of the old ones, which `change` keeps. Where no
 // equation passes, these stay. Nothing is final before change.finish().
 [[nodiscard]] SeriesFit fitSeries(StoredChange& change, const MeterInfo& meter,
                                   const std::string& series, const FitOptions& options);

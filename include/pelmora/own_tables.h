@@ -69,4 +69,19 @@ class PELMORA_API Transaction {
   bool isOpen_ = true;
 };
 
+// What is read through this connection while the object lives is of one moment, and many small reads
+// cost less. Keep it short: others cannot store changes meanwhile.
+//
+// Errors: as of Transaction.
+class PELMORA_API ReadView {
+ public:
+  explicit ReadView(ConnectionPtr curves);
+  ~ReadView();
+  ReadView(const ReadView&) = delete;
+  ReadView& operator=(const ReadView&) = delete;
+
+ private:
+  ConnectionPtr curves_;
+};
+
 }  // namespace pelmora

@@ -120,6 +120,39 @@ TEST_F(changes_made_together, keep_others_from_writing_but_not_from_reading) {
                                  LockType::optimistic)->recordCount(), 1);
 }
 
+TEST_F(changes_made_together, let_others_read_however_many_they_are) {
+  const ConnectionPtr other = sqliteConnection(curves.path);
+  other->open();
+  const Transaction transaction(curves.connection);
+  // Some 5 MB: twice what the engine keeps in memory unless it is told to keep more.
+  const std::string text(500000, 'x');
+  for (int i = 0; i < 10; ++i) {
+    curves.execute("INSERT INTO DataFitResults (seriesID, summary) VALUES (1, '" + text + "')");
+  }
+  EXPECT_EQ(other->openRecordset("Select * from raw1", CursorType::forwardOnly, LockType::optimistic)
+                ->recordCount(),
+            1);
+}
+
+TEST_F(changes_made_together, are_not_seen_in_a_view_that_began_before) {
+  const ConnectionPtr other = sqliteConnection(curves.path);
+  other->open();
+  const auto count = [&] {
+    return other->openRecordset("Select * from raw1", CursorType::forwardOnly, LockType::optimistic)
+        ->recordCount();
+  };
+  {
+    const ReadView view(other);
+    EXPECT_EQ(count(), 1);
+    Transaction transaction(curves.connection);
+    addBatch(3);
+    EXPECT_EQ(failureOf([&] { transaction.commit(); }).number, genericFailure);
+    EXPECT_EQ(count(), 1);
+  }
+  addBatch(4);
+  EXPECT_EQ(count(), 2);
+}
+
 TEST_F(changes_made_together, are_not_nested) {
   const Transaction transaction(curves.connection);
   EXPECT_NE(failureOf([&] { Transaction second(curves.connection); }).number, 0);

@@ -1,0 +1,40 @@
+// One thread of a refit: an apartment with its own connection, which reads and fits and stores
+// nothing. SPDX-License-Identifier: MIT
+#pragma once
+
+#include "apps/pelmora/refit/bounded_queue.h"
+#include "apps/pelmora/refit/refit_all.h"
+
+#include <atomic>
+#include <cstddef>
+#include <shared_mutex>
+#include <string>
+
+namespace pelmora::cli {
+
+// A result with what is to be stored.
+struct RefitCurve {
+  std::size_t index = 0;  // of the task
+  RefitResult result;
+  SeriesFit fit;        // without a curve where none came out
+  bool isSame = false;  // curve, merged points and report are those that are stored
+};
+
+// What the threads of a refit have in common.
+struct RefitWork {
+  const std::string path;  // of the database
+  const RefitRequest& request;
+  std::atomic<std::size_t> next = 0;  // task
+  BoundedQueue<RefitCurve> queue;
+  // Held shared by those who read the database, alone by the one that ends a transaction: that
+  // needs the file for itself, and how long depends on the disk.
+  std::shared_mutex file;
+};
+
+// Takes tasks one by one and sends what became of each; ends when all are taken or nobody receives.
+// What is wrong with one series is its result's reason.
+//
+// Errors: Trouble where the database cannot be opened or read.
+void fitTasks(RefitWork& work);
+
+}  // namespace pelmora::cli

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/command_line.h"
+#include "apps/pelmora/commands.h"
+#include "apps/pelmora/common_options.h"
+#include "apps/pelmora/refit/refit_all.h"
+#include "apps/pelmora/refit/refit_output.h"
+#include "apps/pelmora/strict_number.h"
+#include "apps/pelmora/trouble.h"
+
+#include <CLI/App.hpp>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <chrono>
+#include <memory>
+#include <thread>
+
+namespace pelmora::cli {
+namespace {
+
+constexpr std::int64_t mostThreads = 256;
+
+struct RefitOptions {
+  std::string path, meter;
+  std::vector<std::string> series;
+  std::int16_t reCalID = -1;
+  RefitRequest request{{}, std::max(1U, std::thread::hardware_concurrency()), 0.01};
+  bool all = false, isDryRun = false, asJson = false;
+};
+
+void requireSelection(const RefitOptions& options) {
+  if (options.all && (!options.meter.empty() || !options.series.empty())) {
+    throw Trouble(ExitCode::usage,
+                  "--all fits every series: it goes with no --meter and no --series",
+                  "leave --all out to fit those that you name");
+  }
+  if (!options.all && options.meter.empty()) {
+    throw Trouble(ExitCode::usage, "no series is named",
+                  "give --all, or --meter SN with or without --series");
+  }
+}
+
+void requireFitted(const std::vector<RefitResult>& results) {
+  const auto isMissing = [](const RefitResult& result) {
+    return result.kind == RefitResult::Kind::notFitted;
+  };
+  const auto first = std::ranges::find_if(results, isMissing);
+  if (first == results.end()) return;
+  const auto missing = static_cast<std::size_t>(std::ranges::count_if(results, isMissing));
+  throw Trouble(ExitCode::notFitted,
+                counted(missing, "series", "series") + " got no curve, the first being series '" +
+                    first->task.series + "' of meter '" + first->task.meter.SerialNumber + "'",
+                "look at them with 'pelmora fit'; their curves of before are unchanged");
+}
+
+void refit(RefitOptions& options) {
+  requireSelection(options);
+  CurveSession session(options.path, options.isDryRun ? Access::read : Access::write);
+  session.data().StatusUpdate = nullptr;  // the count of series is the progress
+  options.request.tasks = refitTasks(session, options.meter, options.reCalID, options.series);
+  options.request.threads =
+      std::min(options.request.threads, std::max<std::size_t>(1, options.request.tasks.size()));
+  StoredChange change(session, "refit", options.isDryRun);
+  const auto begin = std::chrono::steady_clock::now();
+  RefitSummary summary{session.path(), options.request, refitAll(change, options.request), 0,
+                       options.isDryRun};
+  summary.hasReplaced = !change.entries().empty();
+  summary.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+  session.progress().clear();
+  printData(options.asJson ? refitJson(summary) : refitText(summary));
+  requireFitted(summary.results);
+}
+
+}  // namespace
+
+void addRefitCommand(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand("refit",
+                                          "Fit stored series again, each with the settings of its "
+                                          "curve, and tell which curves changed");
+  const auto options = std::make_shared<RefitOptions>();
+  addDatabase(command, options->path);
+  command.add_flag("--all", options->all, "Every series of every calibration of every meter");
+  addMeter(command, options->meter, false);
+  command
+      .add_option("--series", options->series,
+                  "Name of a series; repeat for more (default: all of the meter)")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->type_name("NAME");
+  addCalibration(command, options->reCalID);
+  command
+      .add_option_function<std::string>(
+          "--jobs",
+          [options](const std::string& text) {
+            options->request.threads =
+                static_cast<std::size_t>(integerOption("--jobs", text, 1, mostThreads));
+          },
+          "Series fitted at the same time (default: one for each processor)")
+      ->type_name("N");
+  command
+      .add_option_function<std::string>(
+          "--changed",
+          [options](const std::string& text) {
+            options->request.changedPercent = numberOption("--changed", text);
+            if (options->request.changedPercent >= 0) return;
+            throw Trouble(ExitCode::usage, "--changed: '" + text + "' is negative",
+                          "give per cent, 0 or more");
+          },
+          "Tell of curves that moved by more than so many per cent (default 0.01)")
+      ->type_name("PERCENT");
+  addDryRun(command, options->isDryRun);
+  addJson(command, options->asJson);
+  command.callback([options] { refit(*options); });
+}
+
+}  // namespace pelmora::cli
