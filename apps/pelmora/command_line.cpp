@@ -118,6 +118,7 @@ int run(int argc, const char* const* argv) {
     addRawCommand(app);
     addFitCommand(app);
     addRefitCommand(app);
+    addEvaluateCommand(app);
     addShowCommand(app);
     addCalibrateCommand(app);
     addReportCommand(app);

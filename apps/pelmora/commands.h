@@ -12,6 +12,7 @@ void addInitCommand(CLI::App& app);
 void addImportCommand(CLI::App& app);
 void addImportCurveCommand(CLI::App& app);
 void addRawCommand(CLI::App& app);
+void addEvaluateCommand(CLI::App& app);
 void addFitCommand(CLI::App& app);
 void addShowCommand(CLI::App& app);
 void addCalibrateCommand(CLI::App& app);

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/command_line.h"
+#include "apps/pelmora/commands.h"
+#include "apps/pelmora/common_options.h"
+#include "apps/pelmora/report_source.h"
+#include "apps/pelmora/strict_number.h"
+#include "apps/pelmora/text_table.h"
+#include "apps/pelmora/trouble.h"
+#include "report/build_report.h"
+#include "report/curve_evaluation.h"
+#include "report/json_values.h"
+
+#include <CLI/App.hpp>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <memory>
+
+namespace pelmora::cli {
+namespace {
+
+struct EvaluateOptions {
+  std::string path, meter, series;
+  std::vector<std::string> numbers;
+  std::int16_t reCalID = -1;
+  bool isInverse = false, asJson = false;
+};
+
+report::SeriesReport curveOf(CurveSession& session, const MeterInfo& meter,
+                             const std::string& series) {
+  auto report = report::buildReport(reportInput(session, meter, {series}, {}));
+  if (report.series.front().curve.size() > 1) return std::move(report.series.front());
+  throw Trouble(ExitCode::badInput,
+                "series '" + series + "' of meter '" + meter.SerialNumber + "' has no stored curve",
+                "fit it with 'pelmora fit'");
+}
+
+std::vector<report::CurveValue> valuesOf(const EvaluateOptions& options,
+                                         const report::SeriesReport& series) {
+  std::vector<report::CurveValue> values;
+  for (const std::string& text : options.numbers) {
+    const double number = numberOption(options.isInverse ? "STROUHAL" : "ROSHKO", text);
+    try {
+      values.push_back(options.isInverse ? report::roshkoAt(series.curve, number)
+                                         : report::strouhalAt(series.curve, number));
+    } catch (const Error& error) {
+      throw Trouble(
+          ExitCode::badInput,
+          "series '" + series.name + "' cannot be evaluated: " + oneLine(error.what()),
+          options.isInverse ? "look for Strouhal at given Roshko instead" : "fit it again");
+    }
+  }
+  return values;
+}
+
+std::string halfWidth(const std::optional<double>& width) {
+  return width ? significantText(*width, 3) : "-";
+}
+
+std::string valuesText(const EvaluateOptions& options, const report::SeriesReport& series,
+                       const std::vector<report::CurveValue>& values) {
+  const auto right = TextTable::Align::right;
+  const std::string of = options.isInverse ? "Roshko" : "Strouhal";
+  TextTable table({{options.isInverse ? "Strouhal" : "Roshko", right},
+                   {of, right},
+                   {"95 % confidence +-", right},
+                   {"95 % prediction +-", right},
+                   {""}});
+  bool isAnyExtrapolated = false;
+  for (const report::CurveValue& value : values) {
+    isAnyExtrapolated |= value.isExtrapolated;
+    const std::string roshko = significantText(value.roshko, 8),
+                      strouhal = significantText(value.strouhal, 8);
+    table.addRow({options.isInverse ? strouhal : roshko, options.isInverse ? roshko : strouhal,
+                  halfWidth(value.confidence), halfWidth(value.prediction),
+                  value.isExtrapolated ? "extrapolated" : ""});
+  }
+  std::string text = table.text();
+  if (!isAnyExtrapolated) return text;
+  return text + "\n" +
+         wrapped("Extrapolated: beyond the curve, which reaches from Roshko " +
+                     significantText(series.curve.front().roshko, 6) + " to " +
+                     significantText(series.curve.back().roshko, 6) +
+                     "; the straight line of its last two points, and nobody knows how far off.",
+                 0);
+}
+
+nlohmann::json numberOrNull(const std::optional<double>& number) {
+  return number ? nlohmann::json(*number) : nlohmann::json();
+}
+
+nlohmann::json valuesJson(const std::vector<report::CurveValue>& values) {
+  nlohmann::json list = nlohmann::json::array();
+  for (const report::CurveValue& value : values) {
+    list.push_back({{"roshko", value.roshko},
+                    {"strouhal", value.strouhal},
+                    {"confidenceHalfWidth", numberOrNull(value.confidence)},
+                    {"predictionHalfWidth", numberOrNull(value.prediction)},
+                    {"extrapolated", value.isExtrapolated}});
+  }
+  return list;
+}
+
+void evaluate(const EvaluateOptions& options) {
+  CurveSession session(options.path, Access::read);
+  const MeterInfo meter = session.requireMeter(options.meter, options.reCalID);
+  const report::SeriesReport series = curveOf(session, meter, options.series);
+  const std::vector<report::CurveValue> values = valuesOf(options, series);
+  session.progress().clear();
+  if (!options.asJson) return printData(valuesText(options, series, values));
+  printData(report::jsonText({{"database", session.path()},
+                              {"meter", report::meterJson(meter)},
+                              {"series", series.name},
+                              {"halfWidthsOf", options.isInverse ? "roshko" : "strouhal"},
+                              {"values", valuesJson(values)}}));
+}
+
+}  // namespace
+
+void addEvaluateCommand(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand(
+      "evaluate", "Read a stored curve at given Roshko numbers, with its uncertainty");
+  const auto options = std::make_shared<EvaluateOptions>();
+  addDatabase(command, options->path);
+  command.add_option("X", options->numbers, "Roshko numbers; with --inverse Strouhal numbers")
+      ->required()
+      ->type_name("NUMBER");
+  addMeter(command, options->meter, true);
+  command.add_option("--series", options->series, "Name of the series")
+      ->required()
+      ->type_name("NAME");
+  addCalibration(command, options->reCalID);
+  command.add_flag("--inverse", options->isInverse,
+                   "Roshko at given Strouhal, where the curve has one answer");
+  addJson(command, options->asJson);
+  command.callback([options] { evaluate(*options); });
+}
+
+}  // namespace pelmora::cli
