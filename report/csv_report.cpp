@@ -16,7 +16,9 @@ std::string quoted(const std::string& text) {
   return result + "\"";
 }
 
-std::string cell(const Value& value) {
+}  // namespace
+
+std::string csvCell(const Value& value) {
   if (const auto* whole = std::get_if<std::int64_t>(&value)) return std::to_string(*whole);
   if (const auto* real = std::get_if<double>(&value)) return exactNumber(*real);
   const auto* text = std::get_if<std::string>(&value);
@@ -25,8 +27,6 @@ std::string cell(const Value& value) {
   const bool isFormula = first != std::string::npos && std::string_view("=+-@").find((*text)[first]) != std::string_view::npos;
   return quoted((isFormula ? "'" : "") + *text);
 }
-
-}  // namespace
 
 std::string csvReport(const Report& report) {
   const auto tables = reportTables(report);
@@ -45,7 +45,7 @@ std::string csvReport(const Report& report) {
       for (const std::string& column : columns) {
         const auto found = std::find(table.columns.begin(), table.columns.end(), column);
         csv += ",";
-        if (found != table.columns.end()) csv += cell(row[static_cast<std::size_t>(found - table.columns.begin())]);
+        if (found != table.columns.end()) csv += csvCell(row[static_cast<std::size_t>(found - table.columns.begin())]);
       }
       csv += "\n";
     }

@@ -119,6 +119,8 @@ int run(int argc, const char* const* argv) {
     addFitCommand(app);
     addRefitCommand(app);
     addEvaluateCommand(app);
+    addCompareCommand(app);
+    addExportCommand(app);
     addShowCommand(app);
     addCalibrateCommand(app);
     addReportCommand(app);

@@ -12,6 +12,8 @@ namespace {
 
 constexpr std::int64_t mostSmall = std::numeric_limits<std::int16_t>::max();
 
+}  // namespace
+
 void addSmallInteger(CLI::App& command, const std::string& name, std::int16_t& value,
                      std::int64_t lowest, const std::string& help) {
   command
@@ -23,8 +25,6 @@ void addSmallInteger(CLI::App& command, const std::string& name, std::int16_t& v
           help)
       ->type_name("N");
 }
-
-}  // namespace
 
 void addDatabase(CLI::App& command, std::string& path) {
   command.add_option("CURVES", path, "Curve database")->required()->type_name("FILE");

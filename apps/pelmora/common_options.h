@@ -17,8 +17,12 @@ namespace pelmora::cli {
 void addDatabase(CLI::App& command, std::string& path);
 void addMeter(CLI::App& command, std::string& serialNumber, bool isRequired);
 void addCalibration(CLI::App& command, std::int16_t& reCalID);
+// An option that takes a whole number from `lowest` to 32767.
+void addSmallInteger(CLI::App& command, const std::string& name, std::int16_t& value,
+                     std::int64_t lowest, const std::string& help);
 void addJson(CLI::App& command, bool& asJson);
-// For commands that write: everything is done and then undone, so that what it says is what would be.
+// For commands that write: everything is done and then undone, so that what it says is what would
+// be.
 void addDryRun(CLI::App& command, bool& isDryRun);
 // For commands that ask; the others get it without effect, so that scripts can pass it to any.
 void addNoInput(CLI::App& command, bool& neverAsks);

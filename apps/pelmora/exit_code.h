@@ -7,20 +7,21 @@ namespace pelmora::cli {
 // Scripts rely on the numbers: never renumber. The README and --help tell the same.
 enum class ExitCode {
   ok = 0,
-  unexpected = 1,    // an error that none of the others tells
-  usage = 2,         // the command line itself is wrong
-  database = 3,      // a database is missing, foreign, locked or cannot be written
-  unknownName = 4,   // no such meter, calibration, series, job or history entry
-  badInput = 5,      // a file's or a database's data cannot be used
-  notFitted = 6,     // no equation passed the tests
-  rangeRefused = 7,  // the range asked for lies outside the raw points
-  declined = 8,      // a question was not answered with yes
+  unexpected = 1,      // an error that none of the others tells
+  usage = 2,           // the command line itself is wrong
+  database = 3,        // a database is missing, foreign, locked or cannot be written
+  unknownName = 4,     // no such meter, calibration, series, job or history entry
+  badInput = 5,        // a file's or a database's data cannot be used
+  notFitted = 6,       // no equation passed the tests
+  rangeRefused = 7,    // the range asked for lies outside the raw points
+  declined = 8,        // a question was not answered with yes
+  outOfTolerance = 9,  // curves differ by more than was allowed
 };
 
 inline constexpr const char* exitCodeHelp =
     "Exit codes: 0 done; 1 unexpected error; 2 wrong command line; 3 database\n"
     "missing, foreign, locked or not writable; 4 unknown meter, calibration, series,\n"
     "job or history entry; 5 bad data in a file or a database; 6 no equation\n"
-    "passed; 7 range outside the raw points; 8 not confirmed.";
+    "passed; 7 range outside the raw points; 8 not confirmed; 9 curve out of tolerance.";
 
 }  // namespace pelmora::cli

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/command_line.h"
+#include "apps/pelmora/commands.h"
+#include "apps/pelmora/common_options.h"
+#include "apps/pelmora/curve_session.h"
+#include "apps/pelmora/output_file.h"
+#include "apps/pelmora/trouble.h"
+#include "report/csv_report.h"
+#include "report/json_values.h"
+
+#include <CLI/App.hpp>
+#include <nlohmann/json.hpp>
+
+#include <memory>
+
+namespace pelmora::cli {
+namespace {
+
+struct ExportOptions {
+  std::string path, meter, output = "-", what = "all";
+  std::vector<std::string> series;
+  std::int16_t reCalID = -1;
+  bool asJson = false;
+};
+
+// One table of points of a series.
+struct PointTable {
+  std::string series, kind;  // "raw1" to "raw4", "merged", "curve"
+  PointArray points;
+};
+
+bool isWanted(const std::string& what, const std::string& kind) {
+  return what == "all" || kind.starts_with(what);
+}
+
+std::vector<PointTable> tablesOf(CurveSession& session, const ExportOptions& options,
+                                 const MeterInfo& meter) {
+  std::vector<PointTable> tables;
+  const auto add = [&](const std::string& series, const std::string& kind,
+                       const PointArray& points) {
+    if (isWanted(options.what, kind) && !points.empty()) tables.push_back({series, kind, points});
+  };
+  for (const std::string& name :
+       options.series.empty() ? session.seriesNames(meter) : options.series) {
+    const SeriesInfo stored = session.requireSeries(meter, name).Series.front();
+    for (std::size_t part = 0; part < stored.Raw.size(); ++part) {
+      add(name, "raw" + std::to_string(part + 1), stored.Raw[part].Points);
+    }
+    add(name, "merged", stored.Merged);
+    add(name, "curve", stored.Fitted);
+  }
+  return tables;
+}
+
+std::string tablesCsv(const std::vector<PointTable>& tables) {
+  std::string text = "series,points,roshko,strouhal\n";
+  for (const PointTable& table : tables) {
+    const std::string begin = report::csvCell(table.series) + "," + table.kind + ",";
+    for (std::size_t i = 0; i < table.points.size(); ++i) {
+      text += begin + report::csvCell(table.points(i, 0)) + "," +
+              report::csvCell(table.points(i, 1)) + "\n";
+    }
+  }
+  return text;
+}
+
+std::string tablesJson(const CurveSession& session, const MeterInfo& meter,
+                       const std::vector<PointTable>& tables) {
+  nlohmann::json value{{"database", session.path()},
+                       {"meter", report::meterJson(meter)},
+                       {"tables", nlohmann::json::array()}};
+  for (const PointTable& table : tables) {
+    value["tables"].push_back({{"series", table.series},
+                               {"points", table.kind},
+                               {"values", report::pointsJson(table.points)}});
+  }
+  return report::jsonText(value);
+}
+
+void exportPoints(const ExportOptions& options) {
+  if (options.output != "-") requireOutputFile(options.output, options.path);
+  CurveSession session(options.path, Access::read);
+  const MeterInfo meter = session.requireMeter(options.meter, options.reCalID);
+  const auto tables = tablesOf(session, options, meter);
+  session.progress().clear();
+  const std::string text = options.asJson ? tablesJson(session, meter, tables) : tablesCsv(tables);
+  if (options.output == "-") return printData(text);
+  writeOutputFile(options.output, text);
+}
+
+}  // namespace
+
+void addExportCommand(CLI::App& app) {
+  CLI::App& command =
+      *app.add_subcommand("export", "Write stored points as CSV or JSON, every digit");
+  const auto options = std::make_shared<ExportOptions>();
+  addDatabase(command, options->path);
+  addMeter(command, options->meter, true);
+  command
+      .add_option("--series", options->series,
+                  "Name of a series; repeat for more (default: all of the meter)")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->type_name("NAME");
+  addCalibration(command, options->reCalID);
+  command.add_option("--points", options->what, "Which points (default: all)")
+      ->check(CLI::IsMember({"all", "raw", "merged", "curve"}))
+      ->option_text("all|raw|merged|curve");
+  command.add_option("-o,--output", options->output, "File to write (default: standard output)")
+      ->type_name("FILE");
+  addJson(command, options->asJson);
+  command.callback([options] { exportPoints(*options); });
+}
+
+}  // namespace pelmora::cli
