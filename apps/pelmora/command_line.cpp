@@ -11,6 +11,7 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <string>
 #include <vector>
@@ -72,9 +73,25 @@ std::string mistypedOption(const CLI::App& app) {
 void addNoInputEverywhere(CLI::App& app) {
   for (CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
     if (command->get_option_no_throw("--no-input") == nullptr) {
-      command->add_flag_callback("--no-input", [] {}, "Never ask; this command asks nothing");
+      command->add_flag_callback(
+          "--no-input", [] {}, "Never ask; this command asks nothing");
     }
   }
+}
+
+// Where the user's own defaults of options stand: $PELMORA_CONFIG, else pelmora/config.ini in the
+// folder for configurations.
+std::string configurationFile() {
+  const auto folder = [](const char* variable, const char* below) {
+    const char* value = std::getenv(variable);
+    return value == nullptr || *value == '\0' ? std::string() : value + std::string(below);
+  };
+  for (const std::string& file :
+       {folder("PELMORA_CONFIG", ""), folder("XDG_CONFIG_HOME", "/pelmora/config.ini"),
+        folder("HOME", "/.config/pelmora/config.ini")}) {
+    if (!file.empty()) return file;
+  }
+  return {};
 }
 
 int runCommand(CLI::App& app, int argc, const char* const* argv) {
@@ -83,13 +100,23 @@ int runCommand(CLI::App& app, int argc, const char* const* argv) {
     return static_cast<int>(ExitCode::ok);
   } catch (const CLI::Success& success) {
     return app.exit(success);  // --help and --version
+  } catch (const CLI::FileError& error) {
+    return report({ExitCode::usage,
+                   "the configuration file cannot be read: " + std::string(error.what()),
+                   "name another one with --config FILE"});
+  } catch (const CLI::ConfigError& error) {
+    return report(
+        {ExitCode::usage,
+         "configuration file '" + app.get_config_ptr()->as<std::string>() + "': " + error.what(),
+         "write lines NAME=VALUE below [COMMAND], with names as in 'pelmora COMMAND --help'"});
   } catch (const CLI::ExtrasError& error) {
     return report({ExitCode::usage, error.what(), remedyOf(app, mistypedOption(app))});
   } catch (const CLI::RequiredError& error) {
     const bool isCommandMissing = app.get_subcommands().empty() && argc > 1 && argv[1][0] != '-';
-    return report({ExitCode::usage,
-                   isCommandMissing ? "there is no command '" + std::string(argv[1]) + "'" : error.what(),
-                   remedyOf(app, isCommandMissing ? argv[1] : "")});
+    return report(
+        {ExitCode::usage,
+         isCommandMissing ? "there is no command '" + std::string(argv[1]) + "'" : error.what(),
+         remedyOf(app, isCommandMissing ? argv[1] : "")});
   } catch (const CLI::ParseError& error) {
     return report({ExitCode::usage, error.what(), "see '" + commandOf(app) + " --help'"});
   }
@@ -112,6 +139,11 @@ int run(int argc, const char* const* argv) {
     app.set_version_flag("--version", "pelmora " + std::string(version));
     app.footer(exitCodeHelp);
     app.formatter(std::make_shared<HelpFormatter>());
+    app.set_config("--config", configurationFile(),
+                   "File with defaults of options (default: $PELMORA_CONFIG, else "
+                   "~/.config/pelmora/config.ini)")
+        ->option_text("FILE");
+    app.allow_config_extras(false);
     addInitCommand(app);
     addImportCommand(app);
     addImportCurveCommand(app);

@@ -25,7 +25,8 @@ struct FitCommand {
   bool asJson = false, isDryRun = false, neverAsks = false;
 };
 
-std::string fitText(const CurveSession& session, const MeterInfo& meter, const SeriesFit& fit) {
+std::string fitText(const CurveSession& session, const MeterInfo& meter, const SeriesFit& fit,
+                    bool isDryRun) {
   std::string text = wrapped(
       "Series '" + fit.series + "', meter " + meter.SerialNumber + ", calibration " +
           std::to_string(meter.ReCalID) + ": " + counted(fit.merged.size(), "merged point") +
@@ -35,8 +36,9 @@ std::string fitText(const CurveSession& session, const MeterInfo& meter, const S
   text += "\n" + equationTable(fit);
   if (!fit.isStored) return text;
   return text + "\n" +
-         wrapped("Stored the curve of " + fit.outcome.Equations[*fit.outcome.Chosen].Name +
-                     " with " + counted(fit.curve.size(), "point") + " in " + session.path() + ".",
+         wrapped(std::string(isDryRun ? "To be stored: the curve of " : "Stored the curve of ") +
+                     fit.outcome.Equations[*fit.outcome.Chosen].Name + " with " +
+                     counted(fit.curve.size(), "point") + " in " + session.path() + ".",
                  0);
 }
 
@@ -55,7 +57,7 @@ void fitAndStore(const FitCommand& command) {
     change.addTo(value);
     printData(jsonText(value));
   } else {
-    printData(fitText(session, meter, fit) + change.closingText());
+    printData(fitText(session, meter, fit, command.isDryRun) + change.closingText());
   }
   if (fit.trouble) throw Trouble(*fit.trouble);
 }
