@@ -44,12 +44,19 @@ SeriesFit fitted(StoredChange& change, const MeterInfo& meter, const std::string
   }
 }
 
+// "Curves are stored": what of the fits is in the database now, or would be.
+std::string storedWords(const std::vector<SeriesFit>& fits, bool isDryRun) {
+  if (std::ranges::none_of(fits, &SeriesFit::isStored)) return "No curve is stored";
+  return isDryRun ? "Curves to be stored" : "Curves are stored";
+}
+
 std::string calibrationText(const CurveSession& session, const ImportOutcome& import,
-                            const std::vector<SeriesFit>& fits) {
+                            const std::vector<SeriesFit>& fits, bool isDryRun) {
   std::string text =
       importHead(session, import) + importTable(import) + "\n" + chosenTable(fits) + "\n" +
-      wrapped("Curves are stored in " + session.path() + ", meter " + import.meter.SerialNumber +
-                  ", calibration " + std::to_string(import.meter.ReCalID) + "; band " +
+      wrapped(storedWords(fits, isDryRun) + " in " + session.path() + ", meter " +
+                  import.meter.SerialNumber + ", calibration " +
+                  std::to_string(import.meter.ReCalID) + "; band " +
                   significantText(fits.empty() ? 0 : fits.front().options.band, 4) + " %.",
               0);
   for (const SeriesFit& fit : fits) {
@@ -101,7 +108,7 @@ void calibrate(CalibrateOptions& options) {
     change.addTo(value);
     printData(jsonText(value));
   } else {
-    printData(calibrationText(session, import, fits) + change.closingText());
+    printData(calibrationText(session, import, fits, options.isDryRun) + change.closingText());
   }
   requireAll(import, fits);
 }

@@ -147,13 +147,13 @@ SeriesFit tryStored(CurveSession& session, const MeterInfo& meter, const SeriesI
   if (!session.messages().errors().empty()) {
     fit.trouble = Trouble(ExitCode::notFitted,
                           "fitting " + place + ": " + session.messages().errors().front(),
-                          "nothing was stored");
+                          "no curve was stored");
     return fit;
   }
   if (fit.curve.empty()) {
     fit.trouble = Trouble(ExitCode::notFitted,
                           "no equation passed the tests for " + place + ": " + shortReason(fit),
-                          shortAdvice(fit) + "; nothing was stored");
+                          shortAdvice(fit) + "; no curve was stored");
     return fit;
   }
   return fit;

@@ -120,7 +120,7 @@ TEST_F(fit_options, name_test_equation_point_and_remedy_where_none_passes) {
   }
   EXPECT_THAT(result.output, AllOf(HasSubstr("70.7946"), HasSubstr("What would help: --band 0.")));
   EXPECT_THAT(result.error, AllOf(HasSubstr("no equation passed"), HasSubstr("try --band 0."),
-                                  HasSubstr("nothing was stored")));
+                                  HasSubstr("no curve was stored")));
   EXPECT_EQ(stored(), before);
 }
 
