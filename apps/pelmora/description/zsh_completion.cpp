@@ -18,8 +18,8 @@ constexpr const char* nameFunction = R"shell(_pelmora_names() {
 }
 )shell";
 
-// Inside an option's specification "[", "]", ":" and "\" have a meaning of their own.
-std::string specificationText(const std::string& text) {
+// Inside what _arguments is told of an option "[", "]", ":" and "\" have a meaning of their own.
+std::string argumentText(const std::string& text) {
   std::string result;
   for (const char c : text) {
     if (c == '[' || c == ']' || c == ':' || c == '\\') result += '\\';
@@ -44,22 +44,21 @@ std::string actionOf(const OptionDescription& option) {
 
 std::string valueOf(const OptionDescription& option) {
   if (option.kind == ValueKind::none) return "";
-  return ":" + specificationText(option.value) + ":" + actionOf(option);
+  return ":" + argumentText(option.value) + ":" + actionOf(option);
 }
 
 std::string caseOf(const CommandDescription& command) {
   std::string text = "    " + command.name + ")\n      _arguments";
   for (const OptionDescription& option : command.options) {
     for (const std::string& name : option.names) {
-      text += " \\\n        " + shellQuoted("*" + name + "[" + specificationText(option.help) +
-                                            "]" + valueOf(option));
+      text += " \\\n        " +
+              shellQuoted("*" + name + "[" + argumentText(option.help) + "]" + valueOf(option));
     }
   }
   for (const OptionDescription& positional : command.positionals) {
     const std::string action =
         positional.kind == ValueKind::choice ? actionOf(positional) : "_files";
-    text +=
-        " \\\n        " + shellQuoted("*:" + specificationText(positional.name()) + ":" + action);
+    text += " \\\n        " + shellQuoted("*:" + argumentText(positional.name()) + ":" + action);
     break;
   }
   return text + "\n      ;;\n";
@@ -72,7 +71,7 @@ std::string zshCompletion(const ProgramDescription& program) {
   text += nameFunction;
   text += "_pelmora() {\n  local -a commands\n  commands=(\n";
   for (const CommandDescription& command : program.commands) {
-    text += "    " + shellQuoted(command.name + ":" + specificationText(command.help)) + "\n";
+    text += "    " + shellQuoted(command.name + ":" + argumentText(command.help)) + "\n";
   }
   text +=
       "  )\n  if ((CURRENT == 2)); then\n    _describe -t commands command commands\n    return\n  "
