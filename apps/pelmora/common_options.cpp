@@ -36,6 +36,21 @@ void addMeter(CLI::App& command, std::string& serialNumber, bool isRequired) {
       ->type_name("SN");
 }
 
+void addSeries(CLI::App& command, std::string& name, bool isRequired) {
+  command.add_option("--series", name, "Name of the series")
+      ->required(isRequired)
+      ->type_name("NAME");
+}
+
+void addSeriesList(CLI::App& command, std::vector<std::string>& names) {
+  command
+      .add_option("--series", names,
+                  "Name of a series; repeat for more (default: all of the meter)")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->type_name("NAME");
+}
+
 void addCalibration(CLI::App& command, std::int16_t& reCalID) {
   addSmallInteger(command, "--calibration", reCalID, 0,
                   "Number of the meter's calibration (default: the latest)");

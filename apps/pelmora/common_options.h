@@ -16,6 +16,10 @@ namespace pelmora::cli {
 
 void addDatabase(CLI::App& command, std::string& path);
 void addMeter(CLI::App& command, std::string& serialNumber, bool isRequired);
+// One series; `isRequired` where the command works on one alone.
+void addSeries(CLI::App& command, std::string& name, bool isRequired);
+// Any number of series, all of the meter where none is named.
+void addSeriesList(CLI::App& command, std::vector<std::string>& names);
 void addCalibration(CLI::App& command, std::int16_t& reCalID);
 // An option that takes a whole number from `lowest` to 32767.
 void addSmallInteger(CLI::App& command, const std::string& name, std::int16_t& value,

@@ -148,9 +148,7 @@ void addCompareCommand(CLI::App& app) {
   const auto options = std::make_shared<CompareOptions>();
   addDatabase(command, options->path);
   addMeter(command, options->meter, true);
-  command.add_option("--series", options->series, "Name of the series")
-      ->required()
-      ->type_name("NAME");
+  addSeries(command, options->series, true);
   addCalibration(command, options->reCalID);
   addSmallInteger(
       command, "--from", options->earlierID, 0,

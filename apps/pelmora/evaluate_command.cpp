@@ -126,9 +126,7 @@ void addEvaluateCommand(CLI::App& app) {
       ->required()
       ->type_name("NUMBER");
   addMeter(command, options->meter, true);
-  command.add_option("--series", options->series, "Name of the series")
-      ->required()
-      ->type_name("NAME");
+  addSeries(command, options->series, true);
   addCalibration(command, options->reCalID);
   command.add_flag("--inverse", options->isInverse,
                    "Roshko at given Strouhal, where the curve has one answer");

@@ -96,12 +96,7 @@ void addExportCommand(CLI::App& app) {
   const auto options = std::make_shared<ExportOptions>();
   addDatabase(command, options->path);
   addMeter(command, options->meter, true);
-  command
-      .add_option("--series", options->series,
-                  "Name of a series; repeat for more (default: all of the meter)")
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
-      ->type_name("NAME");
+  addSeriesList(command, options->series);
   addCalibration(command, options->reCalID);
   command.add_option("--points", options->what, "Which points (default: all)")
       ->check(CLI::IsMember({"all", "raw", "merged", "curve"}))

@@ -79,9 +79,7 @@ void addFitCommand(CLI::App& app) {
   const auto options = std::make_shared<FitCommand>();
   addDatabase(command, options->path);
   addMeter(command, options->meter, true);
-  command.add_option("--series", options->series, "Name of the series")
-      ->required()
-      ->type_name("NAME");
+  addSeries(command, options->series, true);
   addCalibration(command, options->reCalID);
   addRangeEnd(command, "--min", options->options.min,
               "Begin of the curve (default: of the merged points)");

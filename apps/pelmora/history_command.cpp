@@ -107,7 +107,7 @@ void addHistoryCommand(CLI::App& app) {
   const auto options = std::make_shared<HistoryOptions>();
   addDatabase(command, options->path);
   addMeter(command, options->meter, false);
-  command.add_option("--series", options->series, "Name of the series")->type_name("NAME");
+  addSeries(command, options->series, false);
   addCalibration(command, options->reCalID);
   command.add_flag("--prune", options->isPruning, "Remove old entries");
   addCount(command, "--older-than", options->olderThan, mostDays, "DAYS", "Prune entries of more than so many days");

@@ -91,7 +91,7 @@ void addImportCurveCommand(CLI::App& app) {
       ->required()
       ->type_name("FILE");
   addMeter(command, options->meter, true);
-  command.add_option("--series", options->series, "Name of the series")->required()->type_name("NAME");
+  addSeries(command, options->series, true);
   addCalibration(command, options->reCalID);
   addDryRun(command, options->isDryRun);
   addJson(command, options->asJson);

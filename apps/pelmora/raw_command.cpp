@@ -100,9 +100,7 @@ void addRawCommand(CLI::App& app) {
       ->required()
       ->type_name("FILE");
   addMeter(command, options->meter, true);
-  command.add_option("--series", options->series, "Name of the series")
-      ->required()
-      ->type_name("NAME");
+  addSeries(command, options->series, true);
   command
       .add_option_function<std::string>(
           "--part",

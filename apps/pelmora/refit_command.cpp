@@ -81,12 +81,7 @@ void addRefitCommand(CLI::App& app) {
   addDatabase(command, options->path);
   command.add_flag("--all", options->all, "Every series of every calibration of every meter");
   addMeter(command, options->meter, false);
-  command
-      .add_option("--series", options->series,
-                  "Name of a series; repeat for more (default: all of the meter)")
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
-      ->type_name("NAME");
+  addSeriesList(command, options->series);
   addCalibration(command, options->reCalID);
   command
       .add_option_function<std::string>(

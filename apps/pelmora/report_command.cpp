@@ -90,10 +90,7 @@ void addReportCommand(CLI::App& app) {
   const auto options = std::make_shared<ReportOptions>();
   addDatabase(command, options->path);
   addMeter(command, options->meter, true);
-  command.add_option("--series", options->series, "Name of a series; may be repeated (default: all)")
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
-      ->type_name("NAME");
+  addSeriesList(command, options->series);
   addCalibration(command, options->reCalID);
   command.add_option("-o,--output", options->output, "File to write; - is standard output. Its extension tells the format")
       ->required()

@@ -48,7 +48,7 @@ void addShowCommand(CLI::App& app) {
   const auto options = std::make_shared<ShowOptions>();
   addDatabase(command, options->path);
   addMeter(command, options->meter, false);
-  command.add_option("--series", options->series, "Name of the series")->type_name("NAME");
+  addSeries(command, options->series, false);
   addCalibration(command, options->reCalID);
   addJson(command, options->asJson);
   command.callback([options] { show(*options); });
