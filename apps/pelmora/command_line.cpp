@@ -3,9 +3,9 @@
 
 #include "apps/pelmora/commands.h"
 #include "apps/pelmora/help_formatter.h"
-#include "apps/pelmora/suggestion.h"
 #include "apps/pelmora/terminal_colour.h"
 #include "apps/pelmora/trouble.h"
+#include "apps/pelmora/usage_trouble.h"
 #include "apps/pelmora/version.h"
 
 #include <CLI/CLI.hpp>
@@ -14,7 +14,6 @@
 #include <cstdlib>
 #include <exception>
 #include <string>
-#include <vector>
 
 namespace pelmora::cli {
 namespace {
@@ -26,47 +25,6 @@ int report(const Trouble& trouble) {
   std::fprintf(stderr, "%s%s\n", coloured(stderr, Colour::red, line.substr(0, label)).c_str(),
                line.substr(label).c_str());
   return static_cast<int>(trouble.code());
-}
-
-// The command that was being read, for its --help.
-std::string commandOf(const CLI::App& app) {
-  for (const CLI::App* command : app.get_subcommands()) return "pelmora " + command->get_name();
-  return "pelmora";
-}
-
-std::vector<std::string> commandNames(const CLI::App& app) {
-  std::vector<std::string> names;
-  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
-    names.push_back(command->get_name());
-  }
-  return names;
-}
-
-std::vector<std::string> optionNames(const CLI::App& app) {
-  std::vector<std::string> names;
-  for (const CLI::App* command : app.get_subcommands()) {
-    for (const CLI::Option* option : command->get_options()) {
-      for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
-    }
-  }
-  return names;
-}
-
-// What the user may have meant by the first argument that nobody expects.
-std::string remedyOf(const CLI::App& app, const std::string& unexpected) {
-  const bool isOption = unexpected.starts_with("--");
-  const std::string name = unexpected.substr(0, unexpected.find('='));
-  const auto known = isOption ? optionNames(app) : commandNames(app);
-  const bool isCommand = !isOption && app.get_subcommands().empty();
-  if ((isOption || isCommand) && !nearest(name, known).empty()) return suggestion(name, known);
-  return "see '" + commandOf(app) + " --help'";
-}
-
-std::string mistypedOption(const CLI::App& app) {
-  for (const std::string& argument : app.remaining(true)) {
-    if (argument.starts_with("--")) return argument;
-  }
-  return "";
 }
 
 // Every command takes the option, so that scripts can give it to any.
@@ -109,16 +67,8 @@ int runCommand(CLI::App& app, int argc, const char* const* argv) {
         {ExitCode::usage,
          "configuration file '" + app.get_config_ptr()->as<std::string>() + "': " + error.what(),
          "write lines NAME=VALUE below [COMMAND], with names as in 'pelmora COMMAND --help'"});
-  } catch (const CLI::ExtrasError& error) {
-    return report({ExitCode::usage, error.what(), remedyOf(app, mistypedOption(app))});
-  } catch (const CLI::RequiredError& error) {
-    const bool isCommandMissing = app.get_subcommands().empty() && argc > 1 && argv[1][0] != '-';
-    return report(
-        {ExitCode::usage,
-         isCommandMissing ? "there is no command '" + std::string(argv[1]) + "'" : error.what(),
-         remedyOf(app, isCommandMissing ? argv[1] : "")});
   } catch (const CLI::ParseError& error) {
-    return report({ExitCode::usage, error.what(), "see '" + commandOf(app) + " --help'"});
+    return report(usageTrouble(app, error, argc, argv));
   }
 }
 

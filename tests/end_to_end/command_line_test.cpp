@@ -56,6 +56,15 @@ TEST_F(command_line, suggests_the_command_or_option_that_was_meant) {
   EXPECT_THAT(trouble(2, {"show", curves, "--metre", "P"}), HasSubstr("did you mean '--meter'?"));
 }
 
+TEST_F(command_line, names_what_it_does_not_know_rather_than_what_is_missing_for_it) {
+  EXPECT_THAT(trouble(2, {"show", curves, "--metr", "P"}),
+              HasSubstr("'pelmora show' has no option '--metr'; did you mean '--meter'?"));
+  EXPECT_THAT(trouble(2, {"fit", curves, "--meter", "P", "--seris=X"}),
+              HasSubstr("'pelmora fit' has no option '--seris'; did you mean '--series'?"));
+  EXPECT_THAT(trouble(2, {"--vresion"}), HasSubstr("'pelmora' has no option '--vresion'; did you mean '--version'?"));
+  EXPECT_THAT(trouble(2, {"show", curves, "P"}), HasSubstr("'P' is one argument too many for 'pelmora show'; see"));
+}
+
 TEST_F(command_line, has_colour_on_a_terminal_unless_the_user_wants_none) {
   const auto onTerminal = [&](const std::string& environment) {
     const std::string program = "env " + environment + " " + PELMORA_PROGRAM + " show " + scratch.file("none.db");
