@@ -87,6 +87,10 @@ CurveValue roshkoAt(std::span<const CurvePoint> curve, double strouhal) {
   const CurvePoint& b = curve[i + 1];
   CurveValue value = valueAt(a, b, (strouhal - a.strouhal) / (b.strouhal - a.strouhal));
   value.strouhal = strouhal;
+  if (value.isExtrapolated && value.roshko <= 0) {
+    throw refused("Drawn on straight beyond its ends, the curve has Strouhal " + significantText(strouhal, 6) +
+                  " at no Roshko number above 0.");
+  }
   const double slope = std::abs((b.strouhal - a.strouhal) / (b.roshko - a.roshko));
   if (value.confidence) *value.confidence /= slope;
   if (value.prediction) *value.prediction /= slope;

@@ -50,7 +50,7 @@ void keepOldPoints(StoredChange& change, const RawOptions& options, const MeterI
 std::string summary(const RawOptions& options, const MeterInfo& meter, const PointArray& points) {
   const auto [lowest, highest] =
       std::minmax_element(points.column(0).begin(), points.column(0).end());
-  std::string text = "Stored " + counted(points.size(), "point") + " as raw part " +
+  std::string text = std::string(options.isDryRun ? "To be stored: " : "Stored ") + counted(points.size(), "point") + " as raw part " +
                      std::to_string(options.part) + " of series '" + options.series + "', meter " +
                      meter.SerialNumber + ", calibration " + std::to_string(meter.ReCalID) +
                      "; x from " + significantText(*lowest, 6) + " to " +
