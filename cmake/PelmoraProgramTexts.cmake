@@ -1,4 +1,5 @@
-# Man pages and shell completions, written at build time by the program itself, and their installation.
+# What is installed beside the program: man pages and shell completions, which it writes itself at build time,
+# and the schema of its JSON.
 set(PELMORA_ZSH_COMPLETIONS ${CMAKE_INSTALL_DATADIR}/zsh/site-functions CACHE STRING
   "Where the completion of zsh is installed; Debian's packages use share/zsh/vendor-completions")
 
@@ -17,3 +18,5 @@ install(FILES ${texts}/completion/bash RENAME pelmora
 install(FILES ${texts}/completion/zsh RENAME _pelmora DESTINATION ${PELMORA_ZSH_COMPLETIONS} COMPONENT program)
 install(FILES ${texts}/completion/fish RENAME pelmora.fish
   DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT program)
+install(FILES ${PROJECT_SOURCE_DIR}/docs/schema/pelmora.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/pelmora
+  COMPONENT program)

@@ -1,0 +1,122 @@
+#!/usr/bin/env python3
+"""What every command writes with --json is as the schema of the documentation says, no member more or less.
+
+json_schema.py PROGRAM DATA SCHEMA: ends with 0, or with 1 and what differs; 77 where Python's jsonschema is missing.
+"""
+# SPDX-License-Identifier: MIT
+import copy
+import json
+import os
+import re
+import subprocess
+import sys
+import tempfile
+
+try:
+    import jsonschema
+except ImportError:
+    print("Python's jsonschema is missing: install python3-jsonschema, as scripts/setup does")
+    sys.exit(77)
+
+PROGRAM, DATA, SCHEMA = sys.argv[1:4]
+BAND_FAILED, MOVED, PROBLEMS = 6, 9, 5  # exit codes of commands that write their JSON all the same
+
+
+def strict(schema):
+    """The schema that allows no member beyond those it names."""
+    if isinstance(schema, list):
+        return [strict(part) for part in schema]
+    if not isinstance(schema, dict):
+        return schema
+    closed = {key: strict(value) for key, value in schema.items()}
+    if isinstance(closed.get("properties"), dict) and closed.get("type") == "object":
+        closed["additionalProperties"] = False
+    return closed
+
+
+def outputs(folder):
+    """Names in the schema and what the commands write, on a meter that has been calibrated twice."""
+    curves, result = os.path.join(folder, "curves.db"), os.path.join(folder, "result.txt")
+    stand = ["--stand", os.path.join(DATA, "stand-dual-rotor.csv"), "--job", "1001", "--fluid", "Spirit", "--job", "1002",
+             "--fluid", "Glycol", "--operator", "Ada"]
+    series = ["--meter", "M1", "--series", "Rotor A"]
+    with open(result, "w", encoding="ascii", newline="\r\n") as file:
+        file.write("one\ntwo\nthree\n" + "".join(f"{x} {2 + x / 100}\n" for x in range(1, 9)))
+
+    def run(command, *arguments, code=0):
+        ended = subprocess.run([PROGRAM, command, *([curves] if command != "report" else [curves, "-o", "-"]), *arguments,
+                                "--json"], capture_output=True, text=True, encoding="utf-8")
+        if ended.returncode != code:
+            raise AssertionError(f"{command} ended with {ended.returncode}, not {code}: {ended.stderr}")
+        return json.loads(ended.stdout)
+
+    yield "init", run("init")
+    yield "import", run("import", "--meter", "M1", *stand)
+    yield "calibrate", run("calibrate", "--meter", "M1", *stand)
+    yield "calibrate", run("calibrate", "--meter", "M1", *stand, "--new-calibration", "--dry-run")
+    run("calibrate", "--meter", "M1", *stand, "--new-calibration", "--points", "50")
+    yield "raw", run("raw", os.path.join(DATA, "real-vortex-shedding-strouhal.csv"), "--meter", "V", "--register",
+                     "--series", "Shedding", "--where", "set=2")
+    yield "import-curve", run("import-curve", result, "--meter", "V", "--series", "Shedding")
+    yield "fit", run("fit", *series)
+    yield "fit", run("fit", *series, "--band", "0.01", code=BAND_FAILED)
+    yield "refit", run("refit", "--all", code=BAND_FAILED)
+    yield "refit", run("refit", "--meter", "M1", "--dry-run")
+    yield "evaluate", run("evaluate", "5", "5000", *series)
+    yield "compare", run("compare", *series)
+    yield "compare", run("compare", "--meter", "M1", "--series", "Rotor B", "--with", curves, "--from", "0",
+                           "--tolerance", "1e-9", code=MOVED)
+    yield "export", run("export", *series)
+    yield "show", run("show")
+    yield "show --meter", run("show", "--meter", "M1")
+    yield "show --series", run("show", *series)
+    yield "report", run("report", "--meter", "M1")
+    yield "report", run("report", "--meter", "V")
+    yield "delete", run("delete", "--meter", "M1", "--series", "Ratio", "--yes")
+    yield "delete", run("delete", "--meter", "M1", "--calibration", "0", "--yes")
+    history = run("history")
+    yield "history", history
+    yield "restore", run("restore", str(history["entries"][0]["entry"]))
+    yield "history --prune", run("history", "--prune", "--keep", "1", "--yes")
+    connection = subprocess.run(["sqlite3", curves, "delete from series where id in (select min(id) from series)"])
+    connection.check_returncode()
+    yield "doctor", run("doctor", code=PROBLEMS)
+    yield "doctor", run("doctor", "--repair")
+
+
+def commands_with_json():
+    text = subprocess.run([PROGRAM, "--help"], check=True, capture_output=True, text=True).stdout
+    names = re.findall(r"^  ([a-z][a-z-]*) ", text[text.index("Subcommands:"):], re.MULTILINE)
+    help_of = lambda name: subprocess.run([PROGRAM, name, "--help"], check=True, capture_output=True, text=True).stdout
+    return {name for name in names if re.search(r"^  (-\S+,)?--json ", help_of(name), re.MULTILINE)}
+
+
+def without_a_member(value):
+    """The output as it would be if one of its own members had been renamed."""
+    changed = copy.deepcopy(value)
+    changed["renamed"] = changed.pop(sorted(changed)[-1])
+    return changed
+
+
+def main():
+    with open(SCHEMA, encoding="utf-8") as file:
+        schema = json.load(file)
+    jsonschema.Draft202012Validator.check_schema(schema)
+    closed, failures, seen = strict(schema), [], set()
+    with tempfile.TemporaryDirectory() as folder:
+        for name, value in outputs(folder):
+            seen.add(name)
+            validator = jsonschema.Draft202012Validator({**closed, "$ref": f"#/$defs/commands/{name}"})
+            for error in validator.iter_errors(value):
+                failures.append(f"{name}: {error.json_path}: {error.message[:300]}")
+            if validator.is_valid(without_a_member(value)):
+                failures.append(f"{name}: the schema does not notice a member that is renamed")
+    for name in commands_with_json() - {name.split()[0] for name in seen}:
+        failures.append(f"{name}: takes --json and has no example here")
+    for name in set(schema["$defs"]["commands"]) - seen:
+        failures.append(f"{name}: the schema describes it and nothing here writes it")
+    print("\n".join(failures) or f"{len(seen)} objects are as the schema says")
+    return 1 if failures else 0
+
+
+sys.exit(main())
