@@ -5,7 +5,8 @@
 set(web ${CMAKE_CURRENT_SOURCE_DIR}/web)
 set(packages ${CMAKE_CURRENT_BINARY_DIR}/web)
 set(PELMORA_PAGE_HAS_PLOTS OFF)
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${web}/page.js ${web}/page.css ${web}/start.js
+set(page_scripts ${web}/ticks.js ${web}/plot_pair.js ${web}/interaction.js ${web}/page.js)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${page_scripts} ${web}/page.css ${web}/start.js
   ${web}/unpack.js ${web}/pack.mjs ${web}/package-lock.json)
 
 # Sets `result` to ON where the packages of the lock file lie in ${packages}/node_modules.
@@ -31,8 +32,8 @@ function(pelmora_fetch_plots result)
     file(TOUCH ${stamp})
   endif()
   set(library ${packages}/node_modules/uplot)
-  execute_process(COMMAND ${NODE} ${web}/pack.mjs ${library}/dist/uPlot.iife.min.js ${library}/LICENSE ${web}/page.js
-    ${packages}/page RESULT_VARIABLE ended ERROR_VARIABLE error)
+  execute_process(COMMAND ${NODE} ${web}/pack.mjs ${packages}/page ${library}/dist/uPlot.iife.min.js
+    ${library}/LICENSE ${page_scripts} RESULT_VARIABLE ended ERROR_VARIABLE error)
   if(ended EQUAL 0)
     set(${result} ON PARENT_SCOPE)
   else()

@@ -7,10 +7,8 @@ Readers are Python's own: json, csv, zipfile and an XML parser.
 # SPDX-License-Identifier: MIT
 import csv
 import hashlib
-import html.parser
 import io
 import json
-import math
 import os
 import re
 import subprocess
@@ -19,12 +17,15 @@ import tempfile
 import xml.etree.ElementTree as ElementTree
 import zipfile
 
+from drawn_panels import Panel, compare_panels
+from expectations import expect, expect_equal, expect_rounded
+from page_tables import Rows
+
 PROGRAM, DATA = sys.argv[1], sys.argv[2]
 FOLDER = tempfile.TemporaryDirectory()
 CURVES = os.path.join(FOLDER.name, "curves.db")
 PAGE_LIMIT = 150 * 1000
 SHEET_DIGITS = 1e-15  # a workbook keeps 16 significant digits
-PIXEL = 0.051 + 1e-6  # places are tenths of a pixel
 
 
 def run(*arguments):
@@ -45,20 +46,6 @@ def set_up():
     run("calibrate", CURVES, "--meter", "M1", "--stand", stand, "--new-calibration", *job("1001", "Mineral spirit"),
         *job("1002", "Glycol mix"), "--operator", "Ada")
     return json.loads(report("--json"))
-
-
-def expect(condition, message):
-    if not condition:
-        raise AssertionError(message)
-
-
-def expect_equal(found, wanted, place, tolerance=0.0):
-    if isinstance(wanted, bool):
-        wanted = int(wanted)
-    if isinstance(wanted, (int, float)) and found is not None:
-        expect(abs(float(found) - wanted) <= tolerance * abs(wanted), f"{place}: {found} is not {wanted}")
-    else:
-        expect(found == wanted, f"{place}: {found!r} is not {wanted!r}")
 
 
 def tables_of(model):
@@ -148,82 +135,6 @@ def workbook_holds_the_numbers_of_json(model):
     compare_tables(found, model, SHEET_DIGITS)
 
 
-def places(path):
-    """Absolute places of path data: M x y l dx dy ..."""
-    numbers = [float(n) for n in re.findall(r"-?(?:\d+\.?\d*|\.\d+)", path)]
-    x = y = 0.0
-    for dx, dy in zip(numbers[::2], numbers[1::2]):
-        x, y = x + dx, y + dy
-        yield x, y
-
-
-class Panel:
-    def __init__(self, group):
-        data = lambda name: float(group.get("data-" + name))
-        self.name = group.get("data-name")
-        self.x, self.y = (data("x0"), data("x1")), (data("y0"), data("y1"))
-        self.left, self.top, self.width, self.height = data("left"), data("top"), data("width"), data("height")
-        self.is_log = group.get("data-log") == "1"
-        self.paths = {}
-        for path in group:
-            if path.tag.endswith("path"):
-                key = path.get("class").replace("dots ", "").replace("line ", "")
-                self.paths.setdefault(key, []).append(list(places(path.get("d"))))
-
-    def place(self, x, y):
-        low, high = self.x
-        share = math.log(x / low) / math.log(high / low) if self.is_log else (x - low) / (high - low)
-        return self.left + share * self.width, self.top + (1 - (y - self.y[0]) / (self.y[1] - self.y[0])) * self.height
-
-    def expect_marks(self, key, points):
-        wanted = [self.place(x, y) for x, y in points if y is not None and self.y[0] <= y <= self.y[1]]
-        found = self.paths.get(key, [[]])[0]
-        expect_equal(len(found), len(wanted), f"{self.name}: marks {key}")
-        for (x, y), (a, b) in zip(found, wanted):
-            expect(abs(x - a) <= PIXEL and abs(y - b) <= PIXEL, f"{self.name} {key}: ({x}, {y}) is not at ({a}, {b})")
-
-    def expect_line(self, line, points, key):
-        """Every point lies on the line, to what nobody sees."""
-        for x, y in points:
-            a, b = self.place(x, min(max(y, self.y[0]), self.y[1]))
-            near = min(distance(a, b, p, q) for p, q in zip(line, line[1:]))
-            expect(near <= 0.3, f"{self.name} {key}: ({x}, {y}) is {near} px off")
-
-
-def distance(x, y, p, q):
-    dx, dy = q[0] - p[0], q[1] - p[1]
-    length = dx * dx + dy * dy
-    share = 0 if length == 0 else min(max(((x - p[0]) * dx + (y - p[1]) * dy) / length, 0), 1)
-    return math.hypot(x - p[0] - share * dx, y - p[1] - share * dy)
-
-
-def compare_panels(panels, model):
-    for series in model["series"]:
-        for name in ("strouhal", "percent"):
-            panel = panels.pop(0)
-            expect_equal(panel.name, name, series["name"])
-            inPercent = name == "percent"
-            value = "deviationPercent" if inPercent else "strouhal"
-            pairs = lambda points: [(p["roshko"], p[value]) for p in points]
-            for part in series["raw"]:
-                for key, is_cut in (("raw", False), ("cut", True)):
-                    panel.expect_marks(f"{key}{part['part']}", pairs(p for p in part["points"] if p["cut"] == is_cut))
-            panel.expect_marks("merged", pairs(series["merged"]))
-            middle = lambda p: 0 if inPercent else p["strouhal"]
-            unit = lambda p: 100 / abs(p["strouhal"]) if inPercent else 1
-            share = series["settings"]["bandPercent"] / 100
-            half = {"conf": lambda p: p["confidenceHalfWidth"], "pred": lambda p: p["predictionHalfWidth"],
-                    "band": lambda p: share * abs(p["strouhal"]), "curve": lambda p: 0}
-            for key, width in half.items():
-                line = sum(panel.paths[key], [])
-                for sign in (1, -1):
-                    panel.expect_line(line, [(p["roshko"], middle(p) + sign * width(p) * unit(p)) for p in series["curve"]], key)
-        if series["previous"]:
-            panel = panels.pop(0)
-            panel.expect_line(panel.paths["shift"][0], [(s["roshko"], s["percent"]) for s in series["previous"]["shifts"]], "shift")
-    expect_equal(panels, [], "panels left")
-
-
 def picture_stands_at_the_numbers_of_json(model):
     tree = ElementTree.fromstring(report("--svg"))
     compare_panels([Panel(g) for g in tree.iter("{http://www.w3.org/2000/svg}g") if g.get("class") == "panel"], model)
@@ -233,51 +144,6 @@ def page_holds_the_picture(model):
     svgs = re.findall(r'<svg class="plot".*?</svg>', report("--html").decode(), re.S)
     panels = [Panel(g) for svg in svgs for g in ElementTree.fromstring(svg).iter("g") if g.get("class") == "panel"]
     compare_panels(panels, model)
-
-
-class Rows(html.parser.HTMLParser):
-    """Tables of a page: for each series' section a list of tables, a table a list of rows of texts."""
-
-    def __init__(self):
-        super().__init__()
-        self.sections, self.cell, self.scripts, self.script = [[]], None, {}, None
-
-    def handle_starttag(self, tag, attributes):
-        attributes = dict(attributes)
-        if tag == "section":
-            self.sections.append([])
-        elif tag == "table":
-            self.sections[-1].append((attributes.get("class", ""), []))
-        elif tag == "tr":
-            self.sections[-1][-1][1].append([])
-        elif tag in ("td", "th"):
-            self.cell = self.sections[-1][-1][1][-1]
-            self.cell.append("")
-        elif tag == "script":
-            self.script = attributes.get("id")
-
-    def handle_endtag(self, tag):
-        if tag == "table":
-            self.cell = None
-        if tag == "script":
-            self.script = None
-
-    def handle_data(self, data):
-        if self.script:
-            self.scripts[self.script] = self.scripts.get(self.script, "") + data
-        elif self.cell is not None:
-            self.cell[-1] = (self.cell[-1] + data).strip()
-
-
-def expect_rounded(text, value, place):
-    """The text is the value rounded to the digits that the text shows."""
-    if value is None:
-        return expect_equal(text, "-", place)
-    digits = re.sub(r"[eE].*", "", text)
-    exponent = int(re.search(r"[eE](.*)", text).group(1)) if "e" in text.lower() else 0
-    decimals = len(digits.split(".")[1]) if "." in digits else 0
-    unit = 10.0 ** (exponent - decimals)
-    expect(abs(float(text) - value) <= unit / 2 * (1 + 1e-9), f"{place}: {text} is not {value}")
 
 
 def page_shows_the_numbers_of_json(model):
