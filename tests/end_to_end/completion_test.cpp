@@ -3,6 +3,7 @@
 #include "tests/end_to_end/command.h"
 
 #include <cstdio>
+#include <filesystem>
 
 namespace pelmora::test {
 namespace {
@@ -43,6 +44,26 @@ class completion : public CommandTest {
             "; _pelmora; printf '%s\\n' \"${COMPREPLY[@]}\"";
     return outputOf("bash --norc -c \"$(cat '" + write("line.sh", line) + "')\"");
   }
+  // What an interactive zsh shows when a tab follows `line`; it clears the line and says so
+  // afterwards, which tells that it is done.
+  std::string zsh(const std::string& line) const {
+    script("zsh");
+    std::filesystem::rename(scratch.file("completion.zsh"), scratch.file("_pelmora"));
+    const std::string session =
+        "zmodload zsh/zpty\n"
+        "zpty shell zsh -f -i\n"
+        "zpty -w shell \"stty columns 400; unsetopt beep list_ambiguous; LISTMAX=9999; "
+        "PATH=${1:h}:\\$PATH; fpath=(${2:h} \\$fpath)\"\n"
+        "zpty -w shell \"autoload -Uz compinit; compinit -u -D; PROMPT=REA''DY\"\n"
+        "zpty -r shell shown '*READY*'\n"
+        "zpty -w -n shell \"$3\"$'\\t'\n"
+        "zpty -w shell $'\\C-U'\"print DO''NE\"\n"
+        "zpty -r shell shown '*DONE*'\n"
+        "print -r -- $shown\n";
+    return outputOf("HOME='" + scratch.file("") + "' timeout 60 zsh -f '" +
+                    write("session.zsh", session) + "' '" PELMORA_PROGRAM "' '" +
+                    scratch.file("_pelmora") + "' '" + line + "'");
+  }
 };
 
 TEST_F(completion, of_bash_offers_commands_and_options) {
@@ -75,11 +96,15 @@ TEST_F(completion, of_fish_offers_commands_choices_and_names) {
   EXPECT_THAT(fish("pelmora show " + curves + " --meter "), HasSubstr("M"));
 }
 
-TEST_F(completion, of_zsh_can_be_loaded) {
+TEST_F(completion, of_zsh_offers_commands_choices_and_names) {
   if (!isInstalled("zsh")) GTEST_SKIP() << "zsh is not installed";
-  const std::string loaded = outputOf("zsh -f -c 'autoload -Uz compinit; compinit -u -D; source " +
-                                      script("zsh") + "; print $_comps[pelmora]'");
-  EXPECT_EQ(loaded, "_pelmora\n");
+  EXPECT_THAT(zsh("pelmora eval"), HasSubstr("pelmora evaluate"));
+  EXPECT_THAT(zsh("pelmora im"), AllOf(HasSubstr("import "), HasSubstr("import-curve")));
+  EXPECT_THAT(zsh("pelmora fit --on-range "),
+              AllOf(HasSubstr("abort"), HasSubstr("retry"), HasSubstr("ignore")));
+  EXPECT_THAT(zsh("pelmora show " + curves + " --meter "), HasSubstr("--meter M\\ \\$1"));
+  EXPECT_THAT(zsh("pelmora show " + curves + " --meter M\\ \\$1 --series Rot"),
+              AllOf(HasSubstr("Rotor\\ A"), HasSubstr("Rotor\\ B")));
 }
 
 TEST_F(completion, of_an_unknown_shell_is_refused) {

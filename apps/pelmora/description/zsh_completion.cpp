@@ -4,6 +4,7 @@
 namespace pelmora::cli {
 namespace {
 
+// zsh calls it with options for compadd in front of its own argument.
 constexpr const char* nameFunction = R"shell(_pelmora_names() {
   local file meter word previous=
   local -a names
@@ -13,8 +14,8 @@ constexpr const char* nameFunction = R"shell(_pelmora_names() {
     previous=$word
   done
   [[ -n $file ]] || return 1
-  names=("${(@f)$("${words[1]:-pelmora}" names $1 "$file" ${meter:+--meter} ${meter:+"$meter"} 2>/dev/null)}")
-  compadd -a names
+  names=("${(@f)$("${words[1]:-pelmora}" names "${@[-1]}" "$file" ${meter:+--meter} ${meter:+"$meter"} 2>/dev/null)}")
+  compadd "${@[1,-2]}" -a names
 }
 )shell";
 
