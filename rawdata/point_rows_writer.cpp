@@ -9,6 +9,8 @@
 namespace pelmora {
 
 void writePoints(Recordset& rows, std::int32_t SeriesID, const PointArray& points) {
+  const bool hasBounds = points.columns() > 0 || !points.empty();
+  if (hasBounds && points.columns() < 2) throw makeError(RunTimeError::outOfRange);
   if (points.size() > static_cast<std::size_t>(mostPoints)) throw makeError(RunTimeError::overflow);
   constexpr std::array<std::string_view, 3> fields{"seriesID", "Roshko", "Strouhal"};
   std::array<Value, 3> values{static_cast<double>(SeriesID), 0.0, 0.0};

@@ -19,11 +19,6 @@ std::string tableToWrite(std::int16_t dataSet) {
   return "raw" + numberText(dataSet + 1);
 }
 
-// Two dimensions of points are two columns or more; one dimension is one column.
-void requireTwoDimensions(const PointArray& points) {
-  if (points.columns() == 1) throw makeError(RunTimeError::outOfRange);
-}
-
 }  // namespace
 
 bool SetRaw(const OperationContext& context, const std::string& SeriesName,
@@ -45,7 +40,6 @@ bool SetRaw(const OperationContext& context, const std::string& SeriesName,
     context.raiseStatusUpdate("Inserting new raw data in series " + sharedName);
     auto rows =
         connection.openForBatch("Select * from " + table + " where seriesID=" + numberText(SeriesID));
-    requireTwoDimensions(Table);
     writePoints(*rows, SeriesID, Table);
     written = true;
   });

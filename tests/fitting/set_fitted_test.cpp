@@ -67,6 +67,14 @@ TEST_F(set_fitted, clearing_without_details_writes_nothing) {
   EXPECT_EQ(journal_, joined(deletions(), {"close"}));
 }
 
+TEST_F(set_fitted, points_of_one_column_end_in_the_box) {
+  haveSeries();
+  fitted_ = PointArray(3, 1);
+  EXPECT_FALSE(set());
+  EXPECT_EQ(boxes(), Journal{"Error in RawData:SetRaw\r\nSubscript out of range|16|"});
+  EXPECT_EQ(executed(), test::linesOf(deletions(), "execute "));
+}
+
 TEST_F(set_fitted, single_points_are_not_written_but_the_summary_is) {
   haveSeries();
   merged_ = {{1, 4}};

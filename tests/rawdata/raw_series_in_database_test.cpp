@@ -114,6 +114,13 @@ TEST_F(raw_series, with_one_column_loses_its_old_points) {
   EXPECT_THAT(lines("select * from raw1"), IsEmpty());
 }
 
+TEST_F(raw_series, with_points_but_no_column_loses_its_old_points) {
+  EXPECT_TRUE(set({{1, 1}}));
+  EXPECT_FALSE(set(PointArray(5, 0)));
+  EXPECT_THAT(boxes, ElementsAre(errorBox("Error in RawData:SetRaw", "Subscript out of range")));
+  EXPECT_THAT(lines("select * from raw1"), IsEmpty());
+}
+
 TEST_F(raw_series, without_a_table_of_that_number_ends_in_the_box) {
   EXPECT_FALSE(set({{1, 1}}, 4));
   EXPECT_FALSE(set({{1, 1}}, -1));
