@@ -68,7 +68,7 @@ bool copyCaldb(const OperationContext& context, std::int32_t CalSetupID,
   bool openedStand = false;
   const bool copied = context.trap("Error in RawData:copyCaldb", [&] {
     const bool secondJob = !JobID_RawB.empty() && JobID_RawB != "0" && JobID_RawB != JobID_RawA;
-    if (!Conn_curveDB || !conn_calDB) throw makeError(RunTimeError::noObject);
+    if (!Conn_curveDB) throw makeError(RunTimeError::noObject);
     openIfClosed(context, *Conn_curveDB);
     context.pumpMessages();
     untilUnlocked(context, [&] {
@@ -76,9 +76,11 @@ bool copyCaldb(const OperationContext& context, std::int32_t CalSetupID,
                             numberText(CalSetupID));
     });
     context.pumpMessages();
+    if (!conn_calDB) throw makeError(RunTimeError::noObject);
     openedStand = !conn_calDB->isOpen();
     openIfClosed(context, *conn_calDB);
-    const std::string path = context.shared().location.FullPath;
+    // Looked up at every try: the host may set another location while its messages are processed.
+    const std::string& path = context.shared().location.FullPath;
     untilUnlocked(context,
                   [&] { conn_calDB->execute(copyFirstJob(CalSetupID, path, JobID_RawA)); });
     context.pumpMessages();

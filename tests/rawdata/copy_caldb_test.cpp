@@ -132,6 +132,15 @@ INSTANTIATE_TEST_SUITE_P(at, locked_copy,
                                          Step{"second_job", copySecond, 3}),
                          nameOf);
 
+TEST_F(copyCaldbOf, a_locked_database_goes_to_the_location_set_meanwhile) {
+  script->fail(copyFirst, locked);
+  const OperationContext moving(shared, platform(), [this](const std::string&) {
+    shared.location = splitLocation("d:\\other.db");
+  });
+  EXPECT_TRUE(copyCaldb(moving, 5, "1001", "", stand, curves));
+  EXPECT_THAT(log(), testing::Contains(testing::HasSubstr(" ) IN 'd:\\other.db'SELECT 5 as ")));
+}
+
 TEST_F(copyCaldbOf, another_error_than_a_lock_is_not_waited_for) {
   script->fail(removeOld, Error(static_cast<std::int32_t>(0x80004004U), "Driver", "Aborted"));
   EXPECT_FALSE(copy());
@@ -139,14 +148,18 @@ TEST_F(copyCaldbOf, another_error_than_a_lock_is_not_waited_for) {
   EXPECT_THAT(statusTexts(), IsEmpty());
 }
 
-TEST_F(copyCaldbOf, missing_connections_is_shown) {
+TEST_F(copyCaldbOf, a_missing_stand_comes_after_the_delete) {
   stand = nullptr;
   EXPECT_FALSE(copy());
-  stand = newConnection();
+  EXPECT_THAT(log(), ElementsAre("open", "execute " + removeOld));
+  EXPECT_THAT(boxes, ElementsAre(errorBoxOf("Error in RawData:copyCaldb")));
+}
+
+TEST_F(copyCaldbOf, a_missing_curve_database_does_nothing) {
   curves = nullptr;
   EXPECT_FALSE(copy());
-  EXPECT_THAT(boxes, testing::SizeIs(2));
-  EXPECT_THAT(boxes, testing::Each(errorBoxOf("Error in RawData:copyCaldb")));
+  EXPECT_THAT(log(), IsEmpty());
+  EXPECT_THAT(boxes, ElementsAre(errorBoxOf("Error in RawData:copyCaldb")));
 }
 
 }  // namespace
