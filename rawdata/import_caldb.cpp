@@ -15,7 +15,8 @@ namespace pelmora {
 namespace {
 
 constexpr std::array<const char*, 4> seriesNames{"Rotor A", "Rotor B", "Rotor Sum", "Ratio"};
-constexpr std::size_t mostSetups = 4;  // one raw table each
+constexpr std::size_t mostSetups = 4;    // one raw table each
+constexpr std::size_t mostRuns = 32767;  // that a 16-bit counter passes
 
 bool hasRuns(const CalibrationImport& wanted) {
   const std::size_t runs = wanted.JobID_RawA.size();
@@ -38,6 +39,7 @@ MeterInfo findOrRegisterMeter(const OperationContext& context, const Calibration
 
 void copyRuns(const OperationContext& context, const CalibrationImport& wanted,
               const MeterInfo& meter, const ConnectionPtr& stand, const ConnectionPtr& curves) {
+  if (wanted.JobID_RawA.size() > mostRuns) throw makeError(RunTimeError::overflow);
   for (std::size_t run = 0; run < wanted.JobID_RawA.size(); ++run) {
     std::string operatorName = wanted.OperatorName[run];
     const std::int32_t setup = setCalSetup(context, meter.MeterID, wanted.StandID,

@@ -234,6 +234,16 @@ TEST_F(calibration_import, without_a_location_is_shown_with_the_errors_source_as
                                      "Error Pelmora:getConnection"}));
 }
 
+TEST_F(calibration_import, of_more_runs_than_16_bits_count_copies_none) {
+  addMeter(7, "M1", 0);
+  for (int run = 0; run < 32768; ++run) addRun("Oil", "1001");
+  wanted.Create_RotorA = true;
+  const MeterInfo meter = importFrom(nullptr);
+  EXPECT_THAT(boxes, ElementsAre(Box{"Error in modFlow:copyCalData \r\nOverflow", 16, "Error Pelmora"}));
+  EXPECT_THAT(meter.Series, SizeIs(4));
+  EXPECT_THAT(lines("select * from CalSetup"), IsEmpty());
+}
+
 TEST_F(calibration_import, without_a_stand_shows_the_copys_box_and_goes_on) {
   addMeter(7, "M1", 0);
   addRun("Oil", "1001");
