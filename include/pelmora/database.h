@@ -16,7 +16,7 @@ using ConnectionPtr = std::shared_ptr<Connection>;  // null: an absent connectio
 // file, or a stand export as CSV with the header JobRecordID,V1..V37 (read into memory).
 //
 // Errors: Error where the location is missing, empty, locked or no database; nothing is created.
-[[nodiscard]] PELMORA_API ConnectionPtr openDatabase(const std::string& location);
+PELMORA_API ConnectionPtr openDatabase(const std::string& location);
 
 // Makes a new, empty SQLite curve database with all tables and indexes.
 //
