@@ -74,7 +74,7 @@ void readFitted(const OperationContext& context, const OperationConnection& conn
 
 MeterInfo getFittedCurve(const OperationContext& context, const FittedQuery& query,
                          const ConnectionPtr& conn) {
-  MeterInfo meter;
+  MeterInfo meter = meterFoundNowhere();
   context.trap("Error in RawData:getFittedCurve", [&] {
     const OperationConnection connection(context, conn);
     meter = findMeterInfo(context, query.MeterSN, connection.pointer(), query.ReCalID,
@@ -90,7 +90,7 @@ MeterInfo getFittedCurve(const OperationContext& context, const FittedQuery& que
 
 MeterInfo GetAllInfo(const OperationContext& context, const FittedQuery& query,
                      const ConnectionPtr& conn) {
-  MeterInfo meter;
+  MeterInfo meter = meterFoundNowhere();
   context.trap("Error in RawData:GetRaw", [&] {
     const OperationConnection connection(context, conn);
     meter = findMeterInfo(context, query.MeterSN, connection.pointer(), query.ReCalID,

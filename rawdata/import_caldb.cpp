@@ -74,8 +74,8 @@ void deriveSeries(const OperationContext& context, const CalibrationImport& want
 
 MeterInfo importCaldb(const OperationContext& context, const CalibrationImport& wanted,
                       const ConnectionPtr& conn_calDB, const ConnectionPtr& Conn_curveDB) {
-  MeterInfo meter;
-  if (!hasRuns(wanted)) return meter;
+  if (!hasRuns(wanted)) return {};
+  MeterInfo meter = meterFoundNowhere();
   const auto title = [](const Error& error) { return "Error " + error.source(); };
   context.trapTitled(
       "Error in modFlow:copyCalData ",

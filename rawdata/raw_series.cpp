@@ -49,7 +49,7 @@ bool SetRaw(const OperationContext& context, const std::string& SeriesName,
 MeterInfo GetRaw(const OperationContext& context, const std::string& SeriesName,
                  const std::string& MeterSN, std::int16_t dataSet, const ConnectionPtr& conn,
                  std::int16_t ReCalID) {
-  MeterInfo record;
+  MeterInfo record = meterFoundNowhere();
   context.trap("Error in RawData:GetRaw", [&] {
     const OperationConnection connection(context, conn);
     record = findMeterInfo(context, MeterSN, connection.pointer(), ReCalID, SeriesName);

@@ -32,6 +32,12 @@ void setSeries(MeterInfo& record, std::int32_t SeriesID, const std::string& Seri
 
 }  // namespace
 
+MeterInfo meterFoundNowhere() {
+  MeterInfo record;
+  record.Source = nowhere;
+  return record;
+}
+
 MeterInfo findMeterInfo(const OperationContext& context, const std::string& MeterSN,
                         const ConnectionPtr& conn, std::int16_t ReCalID,
                         const std::string& SeriesName) {

@@ -12,6 +12,9 @@
 
 namespace pelmora {
 
+// An empty record with Source -1: what an operation returns that fails before its look-up.
+[[nodiscard]] MeterInfo meterFoundNowhere();
+
 // The calibration `ReCalID` of a meter (negative: the latest), and its series of that name where one
 // is given. Looks in `meter`, then in `masterMeterList`.
 //

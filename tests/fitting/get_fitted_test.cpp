@@ -142,6 +142,14 @@ TEST_F(get_fitted_curve, passed_connection_is_used_and_left_open) {
   EXPECT_EQ(journal_.back(), "read " + summaryStatement);
 }
 
+TEST_F(get_fitted_curve, failure_before_the_look_up_has_source_minus_one) {
+  shared_.location = {};
+  EXPECT_EQ(getFitted().Source, -1);
+  EXPECT_EQ(getAll().Source, -1);
+  EXPECT_EQ(boxes(), (Journal{"Error in RawData:getFittedCurve\r\nEmpty database location|16|",
+                              "Error in RawData:GetRaw\r\nEmpty database location|16|"}));
+}
+
 TEST_F(get_fitted_curve, failure_is_told_and_what_was_read_comes_back) {
   have("Rotor A", {{3, 4}, {1, 2}}, "");
   script_->fail(mergeStatement, Error(-1, "driver", "disk error"));

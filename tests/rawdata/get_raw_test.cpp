@@ -105,6 +105,12 @@ TEST_F(GetRawOf, an_unknown_meter_reads_nothing) {
   EXPECT_THAT(boxes, IsEmpty());
 }
 
+TEST_F(GetRawOf, no_location_at_all_has_source_minus_one) {
+  shared.location = {};
+  EXPECT_EQ(get(1, nullptr).Source, -1);
+  EXPECT_THAT(boxes, ElementsAre(errorBox("Error in RawData:GetRaw", "Empty database location")));
+}
+
 TEST_F(GetRawOf, a_meter_of_the_master_list_has_no_series_entry_to_read) {
   script->answer(findMaster, {{"ID", "ReCalID"}, {{std::int64_t{40}, std::int64_t{2}}}});
   EXPECT_EQ(get(1, nullptr), (MeterInfo{2, 40, 2, "M1", "", {}}));

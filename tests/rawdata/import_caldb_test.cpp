@@ -229,7 +229,7 @@ TEST_F(calibration_import, closes_its_own_connection) {
 TEST_F(calibration_import, without_a_location_is_shown_with_the_errors_source_as_title) {
   addRun("Oil", "1001");
   shared.location = {};
-  EXPECT_EQ(importFrom(nullptr), MeterInfo());
+  EXPECT_EQ(importFrom(nullptr).Source, -1);
   EXPECT_THAT(boxes, ElementsAre(Box{"Error in modFlow:copyCalData \r\nEmpty database location", 16,
                                      "Error Pelmora:getConnection"}));
 }
