@@ -5,17 +5,25 @@
 #include "store/field_value.h"
 
 #include <array>
+#include <cmath>
+#include <limits>
 
 namespace pelmora {
 namespace {
+
+float toSingle(double value) {
+  constexpr double most = std::numeric_limits<float>::max();
+  if (std::isfinite(value) && std::abs(value) > most) throw makeError(RunTimeError::overflow);
+  return static_cast<float>(value);
+}
 
 void readCurve40(Recordset& rows, std::array<float, 40>& roshko, std::array<float, 40>& strouhal) {
   if (rows.atEnd()) return;
   const std::size_t roshkoField = rows.fieldIndex("roshko");
   const std::size_t strouhalField = rows.fieldIndex("strouhal");
   for (std::size_t k = 0; k < roshko.size() && !rows.atEnd(); ++k, rows.moveNext()) {
-    roshko[k] = static_cast<float>(toDouble(rows.value(roshkoField)));
-    strouhal[k] = static_cast<float>(toDouble(rows.value(strouhalField)));
+    roshko[k] = toSingle(toDouble(rows.value(roshkoField)));
+    strouhal[k] = toSingle(toDouble(rows.value(strouhalField)));
   }
 }
 

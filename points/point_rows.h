@@ -19,6 +19,8 @@ inline constexpr std::int32_t mostPoints = 32767;
 
 // At most 40 rows from the current one on, in single precision: Roshko first, or Strouhal first. Rows
 // past the 40th are left unread.
+//
+// Errors: Error 6 for a value beyond single precision, 94 for a null, 13 for text that is no number.
 [[nodiscard]] FixedCurve40 curve40FromRows(Recordset& rows);
 [[nodiscard]] FixedCurve40 curve40FromRowsSwapped(Recordset& rows);
 

@@ -137,6 +137,13 @@ TEST(curve_40, reading_starts_at_the_current_row) {
   EXPECT_EQ(curve.second[39], 42.0F);
 }
 
+TEST(curve_40, values_beyond_single_precision_overflow) {
+  for (const PointArray& points : {PointArray{{1e39, 1}}, PointArray{{1, -1e39}}}) {
+    auto rows = recordsetOf(pointRows(points));
+    EXPECT_EQ(errorNumberOf([&] { (void)curve40FromRows(*rows); }), 6);
+  }
+}
+
 TEST(curve_40, values_are_narrowed_to_single_precision) {
   auto rows = recordsetOf(pointRows({{0.1, 1.0 / 3}}));
   const FixedCurve40 curve = curve40FromRows(*rows);
