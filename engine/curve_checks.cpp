@@ -24,8 +24,8 @@ constexpr double swingPercent = 1;
 constexpr double tableShareOfBand = 0.25;
 constexpr double tablePercent = 0.05;
 
-std::vector<double> evaluated(const FitModel& model, std::span<const double> x) {
-  std::vector<double> y = model.evaluate(x);
+std::vector<double> sampled(const FitModel& model, std::span<const double> x) {
+  std::vector<double> y = model.sampleCurve(x);
   if (y.size() != x.size()) throw makeError(RunTimeError::outOfRange);
   return y;
 }
@@ -73,7 +73,7 @@ double excursionHeight(const FitModel& model, std::vector<double> x, Excursion f
     const std::size_t before = found.sample > 0 ? found.sample - 1 : 0;
     const std::size_t behind = std::min(found.sample + 1, x.size() - 1);
     x = between(x[before], x[behind], samplesPerGap);
-    const Excursion closer = largestExcursion(evaluated(model, x), low, high);
+    const Excursion closer = largestExcursion(sampled(model, x), low, high);
     const bool ended = closer.distance < settled * found.distance;
     if (closer.distance > found.distance) found = closer;
     if (ended) break;
@@ -116,7 +116,7 @@ std::vector<double> gapEnds(std::span<const double> sortedX, double from, double
 
 std::optional<CurveWarning> checkGap(const CheckedCurve& curve, double from, double to) {
   const std::vector<double> x = between(from, to, samplesPerGap);
-  const std::vector<double> y = evaluated(curve.model, x);
+  const std::vector<double> y = sampled(curve.model, x);
   const double low = std::min(y.front(), y.back());
   const double high = std::max(y.front(), y.back());
   const Excursion found = largestExcursion(y, low, high);
@@ -177,7 +177,7 @@ void checkTable(const CheckedCurve& curve, std::vector<CurveWarning>& warnings) 
   for (std::size_t i = 0; i + 1 < m; ++i) {
     middles[i] = (curve.predictedX[i] + curve.predictedX[i + 1]) / 2;
   }
-  const std::vector<double> exact = evaluated(curve.model, middles);
+  const std::vector<double> exact = sampled(curve.model, middles);
   double worst = 0;
   std::size_t at = 0;
   for (std::size_t i = 0; i + 1 < m; ++i) {
@@ -220,10 +220,11 @@ std::vector<CurveWarning> checkCurve(const CheckedCurve& curve) {
                                      [](double value) { return std::isfinite(value); });
   if (!allFinite) return warnings;
   const std::vector<double> sortedX = sorted(curve.rawX);
-  checkGaps(curve, sortedX, warnings);
+  const bool canSample = !curve.model.sampleCurve(curve.predictedX.first(1)).empty();
+  if (canSample) checkGaps(curve, sortedX, warnings);
   checkLevels(curve, sortedX, warnings);
   checkExtrapolation(curve, sortedX, warnings);
-  checkTable(curve, warnings);
+  if (canSample) checkTable(curve, warnings);
   return warnings;
 }
 

@@ -21,9 +21,10 @@ struct CheckedCurve {
   double bandPercent;
 };
 
-// Warnings in the order of CurveWarningKind, each kind by rising x; none where a raw x is not finite.
+// Warnings in the order of CurveWarningKind, each kind by rising x; none where a raw x is not finite. Of a model
+// that gives no samples only what the points alone tell: few levels, extrapolation.
 //
-// Errors: Error 9 where the model does not deliver a value for each x.
+// Errors: Error 9 where the model delivers samples, but not one for each x.
 [[nodiscard]] std::vector<CurveWarning> checkCurve(const CheckedCurve& curve);
 
 // How many distinct x levels there are: neighbours closer than a fifth of the mean spacing (of ln x where all x

@@ -73,6 +73,9 @@ class PELMORA_API FitModel {
   [[nodiscard]] virtual std::vector<double> standardErrorsOfCurve(std::span<const double>) const {
     return {};
   }
+  // The curve at many more x than a run asks for, to look closer at the equation that was chosen; empty
+  // where `evaluate` is meant for the run alone.
+  [[nodiscard]] virtual std::vector<double> sampleCurve(std::span<const double>) const { return {}; }
 };
 
 // The role of DataFitX.

@@ -27,6 +27,7 @@ class FunctionModel : public FitModel {
     for (const double value : x) y.push_back(f_(value));
     return y;
   }
+  std::vector<double> sampleCurve(std::span<const double> x) const override { return evaluate(x); }
   std::vector<FitParameter> parameters() const override { return {}; }
   FitStatistics statistics() const override { return {}; }
   void writeLog(const std::string&) const override {}

@@ -41,27 +41,52 @@ TEST_F(fit_outcome, chosen_is_absent_where_none_was) {
   EXPECT_EQ(fitting->outcome().Chosen, std::nullopt);
 }
 
-// Looking closer at the curve must not cost the host the curve.
-TEST_F(fit_outcome, model_that_cannot_be_evaluated_again_is_no_error) {
+// An engine of the host's own is asked for the predicted points and for nothing else.
+TEST_F(fit_outcome, model_is_evaluated_once_at_the_predicted_points) {
   useEquations({"A"});
-  bool predicted = false;
-  engine_.otherwise.onEvaluate = [&](std::vector<double>&) {
-    if (predicted) throw std::runtime_error("evaluated enough");
-    predicted = true;
+  std::vector<std::size_t> evaluations;
+  engine_.otherwise.onEvaluate = [&](std::vector<double>& y) { evaluations.push_back(y.size()); };
+  const auto fitting = makeFitting();
+  fit(*fitting);
+  EXPECT_EQ(fitting->outcome().Chosen, std::optional<std::size_t>(0));
+  EXPECT_EQ(evaluations, std::vector<std::size_t>{3});
+}
+
+TEST_F(fit_outcome, model_without_samples_is_judged_by_its_points_alone) {
+  useEquations({"A"});
+  engine_.otherwise.parameters.resize(9);
+  const auto fitting = makeFitting();
+  fit(*fitting);
+  const FitOutcome outcome = fitting->outcome();
+  ASSERT_EQ(outcome.Warnings.size(), 1U);
+  EXPECT_EQ(outcome.Warnings[0].Kind, CurveWarningKind::fewLevels);
+}
+
+TEST_F(fit_outcome, model_with_samples_is_looked_at_between_its_points) {
+  useEquations({"A"});
+  engine_.otherwise.onSample = [](std::vector<double>& y) {
+    if (y.size() > 2) y[1] = 1e6;
   };
+  const auto fitting = makeFitting();
+  fit(*fitting);
+  const FitOutcome outcome = fitting->outcome();
+  ASSERT_FALSE(outcome.Warnings.empty());
+  EXPECT_EQ(outcome.Warnings[0].Kind, CurveWarningKind::pole);
+}
+
+// Looking closer at the curve must not cost the host the curve.
+TEST_F(fit_outcome, model_that_cannot_be_sampled_is_no_error) {
+  useEquations({"A"});
+  engine_.otherwise.onSample = [](std::vector<double>&) { throw std::runtime_error("sampled enough"); };
   const auto fitting = makeFitting();
   EXPECT_EQ(fit(*fitting).size(), 3U);
   EXPECT_EQ(fitting->outcome().Chosen, std::optional<std::size_t>(0));
   EXPECT_EQ(boxes(), test::Journal());
 }
 
-TEST_F(fit_outcome, model_that_delivers_too_few_values_later_is_no_error) {
+TEST_F(fit_outcome, model_that_delivers_too_few_samples_is_no_error) {
   useEquations({"A"});
-  bool predicted = false;
-  engine_.otherwise.onEvaluate = [&](std::vector<double>& y) {
-    if (predicted) y.clear();
-    predicted = true;
-  };
+  engine_.otherwise.onSample = [](std::vector<double>& y) { y.resize(1); };
   const auto fitting = makeFitting();
   EXPECT_EQ(fit(*fitting).size(), 3U);
   EXPECT_TRUE(fitting->outcome().Warnings.empty());

@@ -23,6 +23,7 @@ struct FakeSolution {
   std::function<double(double)> curve = [](double x) { return x; };
   std::function<void()> onAttach;  // may throw
   std::function<void(std::vector<double>& y)> onEvaluate;  // may change the values or throw
+  std::function<void(std::vector<double>& y)> onSample;    // so may this; without it there are no samples
 };
 
 // One table row whose residual ratio is `ratio`.
@@ -72,9 +73,14 @@ class FakeFitModel : public FitModel {
   bool solutionFound() const override { return solution().found; }
   FitData results() const override { return solution().table; }
   std::vector<double> evaluate(std::span<const double> x) const override {
-    std::vector<double> y;
-    for (const double value : x) y.push_back(solution().curve(value));
+    std::vector<double> y = curveAt(x);
     if (solution().onEvaluate) solution().onEvaluate(y);
+    return y;
+  }
+  std::vector<double> sampleCurve(std::span<const double> x) const override {
+    if (!solution().onSample) return {};
+    std::vector<double> y = curveAt(x);
+    solution().onSample(y);
     return y;
   }
   std::vector<FitParameter> parameters() const override { return solution().parameters; }
@@ -83,6 +89,11 @@ class FakeFitModel : public FitModel {
 
  private:
   const FakeSolution& solution() const { return script_.solution(Definition.Name); }
+  std::vector<double> curveAt(std::span<const double> x) const {
+    std::vector<double> y;
+    for (const double value : x) y.push_back(solution().curve(value));
+    return y;
+  }
   FakeFitScript& script_;
 };
 

@@ -81,6 +81,11 @@ TEST(solver_model, the_curve_and_its_standard_error_are_told_at_any_x) {
   EXPECT_DOUBLE_EQ(other->standardErrorsOfCurve(x)[1], std::sqrt(14));
 }
 
+TEST(solver_model, its_curve_may_be_sampled_beyond_the_run) {
+  const std::vector<double> x{2, 4};
+  EXPECT_EQ(fitOf("a+b*x", lineX, lineY)->sampleCurve(x), (std::vector<double>{5, 9}));
+}
+
 TEST(solver_model, parameters_come_in_order_of_their_letters) {
   const auto parameters = fitOf("c*x+b", lineX, lineY)->parameters();
   EXPECT_EQ(parameters[0].Name, "b");
