@@ -3,6 +3,7 @@
 
 #include "base/file_text.h"
 #include "base/run_time_error.h"
+#include "base/utf8_text.h"
 #include "engine/curve_checks.h"
 #include "engine/outcome_details.h"
 
@@ -21,7 +22,7 @@ clsDataFit::clsDataFit(Platform& platform) : platform_(platform) {
 std::string clsDataFit::LoadEquations() {
   const auto path = filePath(platform_.componentFolder) / equationFileName(RatioCurve);
   if (!fileExists(path)) return {};
-  EquationFile file = parseEquationFile(readWholeFile(path));
+  EquationFile file = parseEquationFile(utf8FromAnsi(readWholeFile(path)));
   if (file.text.empty()) return {};  // as good as missing
   equations_ = std::move(file.equations);
   resetSlots();

@@ -119,6 +119,16 @@ TEST_F(equation_catalogue, ratio_curves_without_a_file_keep_what_construction_lo
   EXPECT_EQ(fitting->equations(), (Equations{{"A", "x1"}}));
 }
 
+TEST_F(equation_catalogue, names_in_the_ansi_code_page_are_utf8_in_the_catalogue) {
+  writeFile("equations.txt", "F\xFCnfte Ordnung\tx1\r\n");
+  EXPECT_EQ(makeFitting()->equations(), (Equations{{"F\xC3\xBCnfte Ordnung", "x1"}}));
+}
+
+TEST_F(equation_catalogue, names_in_utf8_stay_as_they_are) {
+  writeFile("equations.txt", "F\xC3\xBCnfte Ordnung\tx1\r\n");
+  EXPECT_EQ(makeFitting()->equations(), (Equations{{"F\xC3\xBCnfte Ordnung", "x1"}}));
+}
+
 TEST_F(equation_catalogue, comments_alone_give_an_empty_catalogue) {
   writeFile("equations.txt", ";nothing here\r\n;yet\r\n");
   const auto fitting = makeFitting();
