@@ -6,12 +6,21 @@
 // SPDX-License-Identifier: MIT
 #include <windows.h>
 
+#include <cxxabi.h>
+
 #include <new>
 
 namespace {
 
+// 32-bit destructors take their object in a register, unlike other functions; the compiler warns of
+// a member function's calling convention outside its own headers.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wattributes"
+using Destructor = void(_GLIBCXX_CDTOR_CALLABI*)(void*);
+#pragma GCC diagnostic pop
+
 struct Ending {
-  void (*destroy)(void*);
+  Destructor destroy;
   void* object;
   Ending* earlier;
 };
@@ -39,17 +48,17 @@ void NTAPI onThreadOrLibrary(PVOID /*library*/, DWORD reason, PVOID isProcessEnd
 
 }  // namespace
 
-extern "C" {
-
 // Called by the compiler where such an object has been made.
-int __cxa_thread_atexit(void (*destroy)(void*), void* object, void* library) noexcept;
-int __cxa_thread_atexit(void (*destroy)(void*), void* object, void* /*library*/) noexcept {
+extern "C" int abi::__cxa_thread_atexit(Destructor destroy, void* object,
+                                        void* /*library*/) noexcept {
   auto* earlier = static_cast<Ending*>(TlsGetValue(slot));
   auto* last = new (std::nothrow) Ending{destroy, object, earlier};
   if (last == nullptr) return -1;
   TlsSetValue(slot, last);
   return 0;
 }
+
+extern "C" {
 
 // Before the thread library's own callback (XLF), which frees the memory of the objects.
 extern const PIMAGE_TLS_CALLBACK pelmoraThreadEnd;
