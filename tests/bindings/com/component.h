@@ -171,6 +171,7 @@ class ComponentTest : public testing::Test {
   const std::filesystem::path& folder() {
     if (folder_.empty()) {
       folder_ = std::filesystem::current_path() / ("test-" + std::to_string(GetCurrentProcessId()));
+      std::filesystem::remove_all(folder_);  // a crashed run's
       std::filesystem::create_directories(folder_);
     }
     return folder_;
