@@ -173,6 +173,7 @@ Expression ExpressionParser::parseSigned() {
   if (!negative) return value;
   if (value.kind == ExpressionKind::number && value.text.front() != '-') {
     value.text.insert(0, "-");
+    value.position = 0;
     return value;
   }
   return node(ExpressionKind::negative, {}, list(std::move(value)));

@@ -62,6 +62,7 @@ class ExpressionParser {
   Expression parsePrimary();
   Expression parseName();
   Expression parseCall(std::string name);
+  Expression parseText();
   Expression parseNumber();
   Expression parseDate();
 

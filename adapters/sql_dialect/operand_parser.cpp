@@ -24,7 +24,7 @@ Expression ExpressionParser::parsePrimary() {
   }
   switch (tokens_.peek().kind) {
     case TokenKind::number: return parseNumber();
-    case TokenKind::text: return node(ExpressionKind::text, contents(tokens_.take()));
+    case TokenKind::text: return parseText();
     case TokenKind::date: return parseDate();
     default: break;
   }
@@ -63,8 +63,16 @@ Expression ExpressionParser::parseCall(std::string name) {
   throw statementError("Undefined function '" + name + "' in expression.");
 }
 
+Expression ExpressionParser::parseText() {
+  const Token token = tokens_.take();
+  Expression result = node(ExpressionKind::text, contents(token));
+  result.position = token.offset + 1;
+  return result;
+}
+
 Expression ExpressionParser::parseNumber() {
-  const std::string_view digits = tokens_.take().source;
+  const Token token = tokens_.take();
+  const std::string_view digits = token.source;
   double value = 0;
   const auto [end, code] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
   // Too small a number is out of range as well, but it is as good as 0.
@@ -73,8 +81,9 @@ Expression ExpressionParser::parseNumber() {
                           digits[digits.find_first_of("eE") + 1] != '-';
   if (isTooLarge || !std::isfinite(value)) throw makeError(RunTimeError::overflow);
   if (code == std::errc::result_out_of_range) return node(ExpressionKind::number, "0.0");
-  return node(ExpressionKind::number,
-              std::string(digits.substr(0, static_cast<std::size_t>(end - digits.data()))));
+  Expression result = node(ExpressionKind::number, std::string(digits.data(), end));
+  if (result.text == digits) result.position = token.offset + 1;
+  return result;
 }
 
 Expression ExpressionParser::parseDate() {

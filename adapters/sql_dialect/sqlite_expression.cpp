@@ -2,13 +2,12 @@
 #include "adapters/sql_dialect/sqlite_expression.h"
 
 #include "adapters/sql_dialect/dialect_error.h"
+#include "adapters/sql_dialect/literal_number.h"
 #include "adapters/sql_dialect/text_case.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 #include <optional>
-#include <system_error>
+#include <utility>
 
 namespace pelmora::sql {
 
@@ -30,30 +29,19 @@ bool isLiteral(const Expression& expression) {
   return expression.kind == ExpressionKind::number || expression.kind == ExpressionKind::text;
 }
 
+// What stands for the literal: a parameter, or else `written`.
+std::string parameterOr(LiteralParameters* parameters, const Expression& literal,
+                        LiteralParameters::Form form, std::string written) {
+  if (parameters == nullptr) return written;
+  return parameters->add(literal, form).value_or(std::move(written));
+}
+
 std::string_view mirrored(std::string_view op) {
   if (op == "<") return ">";
   if (op == ">") return "<";
   if (op == "<=") return ">=";
   if (op == ">=") return "<=";
   return op;
-}
-
-std::optional<double> numberOf(std::string_view text) {
-  double value = 0;
-  const auto [end, code] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (code != std::errc() || end != text.data() + text.size() || !std::isfinite(value)) {
-    return std::nullopt;
-  }
-  return value;
-}
-
-// The digits of a whole number, as a text column holds it.
-std::optional<std::string> wholeNumberText(std::string_view literal) {
-  constexpr double largestExact = 9007199254740992.0;
-  const auto value = numberOf(literal);
-  if (!value || std::trunc(*value) != *value || std::abs(*value) > largestExact)
-    return std::nullopt;
-  return std::to_string(static_cast<long long>(*value));
 }
 
 }  // namespace
@@ -113,6 +101,11 @@ std::string SqliteExpression::condition(const Expression& expression) const {
     case ExpressionKind::in: return in(expression);
     default: return value(expression);
   }
+}
+
+std::string SqliteExpression::deliveredValue(const Expression& expression) const {
+  if (expression.kind != ExpressionKind::number) return value(expression);
+  return parameterOr(parameters_, expression, LiteralParameters::Form::number, expression.text);
 }
 
 std::string SqliteExpression::sortValue(const Expression& expression) const {
@@ -198,24 +191,31 @@ std::string SqliteExpression::comparisonWithLiteral(const Expression& left, std:
   const bool isNumber = literal.kind == ExpressionKind::number;
   const auto whole = wholeNumberText(literal.text);
   const bool isColumn = left.kind == ExpressionKind::column;
+  LiteralParameters* const open = isColumn ? parameters_ : nullptr;
+  const auto asNumber = [&](const std::string& text) {
+    return parameterOr(open, literal, LiteralParameters::Form::number, text);
+  };
+  const auto asText = [&](const std::string& text) {
+    return parameterOr(open, literal, LiteralParameters::Form::text, quotedText(text));
+  };
 
   if (kind == Kind::any && isColumn && isEquality && whole &&
       (isNumber || *whole == literal.text)) {
     // The column may hold the number as a number or as text.
-    return value(left) + (op == "=" ? " IN (" : " NOT IN (") + *whole + ", " + quotedText(*whole) +
-           ")";
+    const std::string number = asNumber(*whole);
+    return value(left) + (op == "=" ? " IN (" : " NOT IN (") + number + ", " + asText(*whole) + ")";
   }
   if (isNumber) {
-    if (kind != Kind::text || !isColumn) return start + literal.text;
+    if (kind != Kind::text || !isColumn) return start + asNumber(literal.text);
     if (!isEquality) throw typeMismatch();
-    return start + quotedText(whole ? *whole : literal.text);
+    return start + asText(whole ? *whole : literal.text);
   }
   if (kind == Kind::number) {
-    if (numberOf(literal.text)) return start + literal.text;
+    if (numberOf(literal.text)) return start + asNumber(literal.text);
     if (!isEquality) throw typeMismatch();
-    return start + quotedText(literal.text);
+    return start + asText(literal.text);
   }
-  return start + quotedText(literal.text) +
+  return start + asText(literal.text) +
          (isAscii(literal.text) ? " COLLATE NOCASE" : " COLLATE DIALECT_TEXT");
 }
 
@@ -224,6 +224,11 @@ std::string SqliteExpression::between(const Expression& expression) const {
   return std::string(expression.negated ? "NOT " : "") + "(" +
          comparison(operands[0], ">=", operands[1]) + " AND " +
          comparison(operands[0], "<=", operands[2]) + ")";
+}
+
+std::string SqliteExpression::numberItem(const Expression& left, const Expression& item) const {
+  LiteralParameters* const open = left.kind == ExpressionKind::column ? parameters_ : nullptr;
+  return parameterOr(open, item, LiteralParameters::Form::number, item.text);
 }
 
 std::string SqliteExpression::in(const Expression& expression) const {
@@ -236,7 +241,7 @@ std::string SqliteExpression::in(const Expression& expression) const {
   for (std::size_t i = 1; i < expression.operands.size(); ++i) {
     const Expression& item = expression.operands[i];
     if (i > 1) list += isPlainList ? ", " : " OR ";
-    list += isPlainList ? item.text : comparison(left, "=", item);
+    list += isPlainList ? numberItem(left, item) : comparison(left, "=", item);
   }
   return (expression.negated ? "NOT (" : "(") +
          (isPlainList ? value(left) + " IN (" + list + ")" : list) + ")";

@@ -10,6 +10,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "adapters/sql_dialect/literal_parameters.h"
 #include "adapters/sql_dialect/name_scope.h"
 #include "adapters/sql_dialect/syntax_tree.h"
 
@@ -24,10 +25,16 @@ namespace pelmora::sql {
 
 class SqliteExpression {
  public:
-  explicit SqliteExpression(const NameScope& scope) : scope_(scope) {}
+  // `parameters` may be null: then every literal is written out.
+  SqliteExpression(const NameScope& scope, LiteralParameters* parameters)
+      : scope_(scope), parameters_(parameters) {}
+
+  [[nodiscard]] const NameScope& scope() const { return scope_; }
 
   // Truth values are -1 and 0, as in the dialect.
   [[nodiscard]] std::string value(const Expression& expression) const;
+  // A value that goes from a SELECT into a table.
+  [[nodiscard]] std::string deliveredValue(const Expression& expression) const;
   [[nodiscard]] std::string condition(const Expression& expression) const;
   // A value that is sorted or grouped by: texts without regard to case.
   [[nodiscard]] std::string sortValue(const Expression& expression) const;
@@ -47,9 +54,11 @@ class SqliteExpression {
   [[nodiscard]] std::string comparisonWithLiteral(const Expression& left, std::string_view op,
                                                   const Expression& literal) const;
   [[nodiscard]] std::string between(const Expression& expression) const;
+  [[nodiscard]] std::string numberItem(const Expression& left, const Expression& item) const;
   [[nodiscard]] std::string in(const Expression& expression) const;
 
   const NameScope& scope_;
+  LiteralParameters* parameters_;
 };
 
 }  // namespace pelmora::sql

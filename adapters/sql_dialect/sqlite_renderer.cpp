@@ -21,25 +21,25 @@ std::string tableSource(const TableName& table, const NameScope& scope) {
          quotedName(found.name);
 }
 
-std::string fromSource(const FromClause& from, const NameScope& scope);
+std::string fromSource(const FromClause& from, const SqliteExpression& expression);
 
 // The first source of a clause needs no brackets: joins go from left to right anyway.
-std::string firstSource(const FromClause& from, const NameScope& scope) {
-  if (const auto* table = std::get_if<TableName>(&from.first)) return tableSource(*table, scope);
-  return fromSource(std::get<std::vector<FromClause>>(from.first).front(), scope);
+std::string firstSource(const FromClause& from, const SqliteExpression& expression) {
+  if (const auto* table = std::get_if<TableName>(&from.first))
+    return tableSource(*table, expression.scope());
+  return fromSource(std::get<std::vector<FromClause>>(from.first).front(), expression);
 }
 
-std::string joinedSource(const FromClause& from, const NameScope& scope) {
+std::string joinedSource(const FromClause& from, const SqliteExpression& expression) {
   const bool isTable = from.joins.empty() && std::holds_alternative<TableName>(from.first);
-  return isTable ? firstSource(from, scope) : "(" + fromSource(from, scope) + ")";
+  return isTable ? firstSource(from, expression) : "(" + fromSource(from, expression) + ")";
 }
 
-std::string fromSource(const FromClause& from, const NameScope& scope) {
-  const SqliteExpression expression(scope);
-  std::string result = firstSource(from, scope);
+std::string fromSource(const FromClause& from, const SqliteExpression& expression) {
+  std::string result = firstSource(from, expression);
   bool isSingle = from.joins.empty() || std::holds_alternative<TableName>(from.first);
   for (const Join& join : from.joins) {
-    const std::string source = joinedSource(join.source, scope);
+    const std::string source = joinedSource(join.source, expression);
     const std::string condition =
         join.condition ? " ON " + expression.condition(*join.condition) : "";
     switch (join.kind) {
@@ -119,28 +119,34 @@ void checkGrouping(const SelectStatement& select, const std::vector<OutputColumn
 }
 
 std::string orderTerm(const OrderTerm& term, const std::vector<OutputColumn>& columns,
-                      const NameScope& scope) {
+                      const SqliteExpression& expression) {
   std::string result;
   const bool isOutputName = term.value.kind == ExpressionKind::column &&
-                            term.value.qualifier.empty() && !scope.has(term.value.text);
+                            term.value.qualifier.empty() &&
+                            !expression.scope().has(term.value.text);
   if (isOutputName) {
     for (const OutputColumn& column : columns) {
-      if (equalNames(column.name, term.value.text))
-        result = SqliteExpression(scope).sortValue(column.value);
+      if (equalNames(column.name, term.value.text)) result = expression.sortValue(column.value);
     }
   }
-  if (result.empty()) result = SqliteExpression(scope).sortValue(term.value);
+  if (result.empty()) result = expression.sortValue(term.value);
   return result + (term.descending ? " DESC" : "");
 }
 
-std::string columnList(const std::vector<OutputColumn>& columns, bool distinct,
-                       const NameScope& scope) {
-  const SqliteExpression expression(scope);
+// What becomes of the rows of a SELECT.
+enum class Rows { compared, delivered, stored };
+
+std::string columnList(const std::vector<OutputColumn>& columns, Rows rows,
+                       const SqliteExpression& expression) {
   std::string list;
   for (const OutputColumn& column : columns) {
     if (!list.empty()) list += ", ";
-    list += (distinct ? expression.sortValue(column.value) : expression.value(column.value)) +
-            " AS " + quotedName(column.name);
+    switch (rows) {
+      case Rows::compared: list += expression.sortValue(column.value); break;
+      case Rows::delivered: list += expression.value(column.value); break;
+      case Rows::stored: list += expression.deliveredValue(column.value); break;
+    }
+    list += " AS " + quotedName(column.name);
   }
   return list;
 }
@@ -149,20 +155,20 @@ NameScope scopeOf(const SelectStatement& select, const Catalogue& catalogue) {
   return select.from ? NameScope(*select.from, catalogue, mainDatabase) : NameScope();
 }
 
-std::string renderSelect(const SelectStatement& select, const NameScope& scope) {
-  const SqliteExpression expression(scope);
-  const auto columns = outputColumns(select, scope);
+std::string renderSelect(const SelectStatement& select, const SqliteExpression& expression,
+                         Rows rows) {
+  const auto columns = outputColumns(select, expression.scope());
   checkGrouping(select, columns);
   std::string sql = select.distinct ? "SELECT DISTINCT " : "SELECT ";
-  sql += columnList(columns, select.distinct, scope);
-  if (select.from) sql += " FROM " + fromSource(*select.from, scope);
+  sql += columnList(columns, select.distinct ? Rows::compared : rows, expression);
+  if (select.from) sql += " FROM " + fromSource(*select.from, expression);
   sql += whereClause(select.where, expression);
   for (std::size_t i = 0; i < select.groupBy.size(); ++i) {
     sql += (i == 0 ? " GROUP BY " : ", ") + expression.sortValue(select.groupBy[i]);
   }
   if (select.having) sql += " HAVING " + expression.condition(*select.having);
   for (std::size_t i = 0; i < select.orderBy.size(); ++i) {
-    sql += (i == 0 ? " ORDER BY " : ", ") + orderTerm(select.orderBy[i], columns, scope);
+    sql += (i == 0 ? " ORDER BY " : ", ") + orderTerm(select.orderBy[i], columns, expression);
   }
   if (select.top) sql += " LIMIT " + std::to_string(*select.top);
   return sql;
@@ -195,7 +201,7 @@ std::vector<std::string> insertColumns(const InsertStatement& insert, const Tabl
 }
 
 std::string renderInsert(const InsertStatement& insert, const Catalogue& catalogue,
-                         std::string_view outputDatabase) {
+                         std::string_view outputDatabase, LiteralParameters* parameters) {
   const auto table = catalogue.findTable(outputDatabase, insert.table);
   if (!table) throw missingOutputTable(insert.table);
   const auto* select = std::get_if<SelectStatement>(&insert.source);
@@ -213,23 +219,30 @@ std::string renderInsert(const InsertStatement& insert, const Catalogue& catalog
       "INSERT INTO " + quotedName(outputDatabase) + "." + quotedName(table->name) + " (";
   for (std::size_t i = 0; i < names.size(); ++i) sql += (i == 0 ? "" : ", ") + quotedName(names[i]);
   sql += ") ";
-  if (select != nullptr) return sql + renderSelect(*select, scope);
+  const SqliteExpression expression(scope, parameters);
+  if (select != nullptr) {
+    // A sort by the name of a delivered literal writes it out a second time.
+    return sql + renderSelect(*select, expression,
+                              select->orderBy.empty() ? Rows::stored : Rows::delivered);
+  }
   const auto& values = std::get<std::vector<Expression>>(insert.source);
   for (std::size_t i = 0; i < values.size(); ++i) {
-    sql += (i == 0 ? "VALUES (" : ", ") + SqliteExpression(scope).value(values[i]);
+    sql += (i == 0 ? "VALUES (" : ", ") + expression.value(values[i]);
   }
   return sql + ")";
 }
 
-std::string renderDelete(const DeleteStatement& statement, const Catalogue& catalogue) {
+std::string renderDelete(const DeleteStatement& statement, const Catalogue& catalogue,
+                         LiteralParameters* parameters) {
   const NameScope scope(statement.table, catalogue, mainDatabase);
   return "DELETE FROM " + tableSource(statement.table, scope) +
-         whereClause(statement.where, SqliteExpression(scope));
+         whereClause(statement.where, SqliteExpression(scope, parameters));
 }
 
-std::string renderUpdate(const UpdateStatement& statement, const Catalogue& catalogue) {
+std::string renderUpdate(const UpdateStatement& statement, const Catalogue& catalogue,
+                         LiteralParameters* parameters) {
   const NameScope scope(statement.table, catalogue, mainDatabase);
-  const SqliteExpression expression(scope);
+  const SqliteExpression expression(scope, parameters);
   std::string sql = "UPDATE " + tableSource(statement.table, scope) + " SET ";
   for (std::size_t i = 0; i < statement.assignments.size(); ++i) {
     const Assignment& assignment = statement.assignments[i];
@@ -245,16 +258,17 @@ std::string renderUpdate(const UpdateStatement& statement, const Catalogue& cata
 }  // namespace
 
 std::string renderForSqlite(const Statement& statement, const Catalogue& catalogue,
-                            std::string_view outputDatabase) {
+                            std::string_view outputDatabase, LiteralParameters* parameters) {
   if (const auto* select = std::get_if<SelectStatement>(&statement)) {
-    return renderSelect(*select, scopeOf(*select, catalogue));
+    const NameScope scope = scopeOf(*select, catalogue);
+    return renderSelect(*select, SqliteExpression(scope, parameters), Rows::delivered);
   }
   if (const auto* insert = std::get_if<InsertStatement>(&statement)) {
-    return renderInsert(*insert, catalogue, outputDatabase);
+    return renderInsert(*insert, catalogue, outputDatabase, parameters);
   }
   if (const auto* erase = std::get_if<DeleteStatement>(&statement))
-    return renderDelete(*erase, catalogue);
-  return renderUpdate(std::get<UpdateStatement>(statement), catalogue);
+    return renderDelete(*erase, catalogue, parameters);
+  return renderUpdate(std::get<UpdateStatement>(statement), catalogue, parameters);
 }
 
 const TableName* updatableTable(const SelectStatement& select) {
@@ -270,8 +284,9 @@ const TableName* updatableTable(const SelectStatement& select) {
 std::string renderRowForSqlite(const SelectStatement& select, const Catalogue& catalogue) {
   const NameScope scope = scopeOf(select, catalogue);
   const TableName& table = std::get<TableName>(select.from->first);
-  return "SELECT " + columnList(outputColumns(select, scope), false, scope) + " FROM " +
-         tableSource(table, scope) + " WHERE " + quotedName(table.visibleName()) + "._rowid_ = ?1";
+  const SqliteExpression expression(scope, nullptr);
+  return "SELECT " + columnList(outputColumns(select, scope), Rows::delivered, expression) +
+         " FROM " + tableSource(table, scope) + " WHERE " + quotedName(table.visibleName()) + "._rowid_ = ?1";
 }
 
 }  // namespace pelmora::sql

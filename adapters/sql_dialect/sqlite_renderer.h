@@ -3,6 +3,7 @@
 #pragma once
 
 #include "adapters/sql_dialect/catalogue.h"
+#include "adapters/sql_dialect/literal_parameters.h"
 #include "adapters/sql_dialect/syntax_tree.h"
 
 #include <string>
@@ -11,11 +12,13 @@
 namespace pelmora::sql {
 
 // `outputDatabase` is SQLite's name for the database that an INSERT ... IN 'file' writes to; all
-// other tables are those of "main".
+// other tables are those of "main". With `parameters`, which collects them, literals become
+// parameters where that is exact; without, every literal is written out.
 //
 // Errors: Error for tables and columns that are not there, and for what cannot be rendered.
 [[nodiscard]] std::string renderForSqlite(const Statement& statement, const Catalogue& catalogue,
-                                          std::string_view outputDatabase = "main");
+                                          std::string_view outputDatabase = "main",
+                                          LiteralParameters* parameters = nullptr);
 
 // The one table whose rows a SELECT delivers as they are, if it is such a SELECT.
 [[nodiscard]] const TableName* updatableTable(const SelectStatement& select);

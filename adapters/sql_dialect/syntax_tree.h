@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -37,6 +38,9 @@ struct Expression {
   std::string qualifier;
   std::vector<Expression> operands;
   bool negated = false;
+  // Where the number or text stands in the statement just as `text` has it, counted from 1; 0 for
+  // all else. Literals of a statement's shape (statement_shape.h) are known by it.
+  std::size_t position = 0;
 };
 
 enum class JoinKind { inner, left, right, cross };

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#include "adapters/sql_dialect/statement_shape.h"
+
+#include "adapters/sql_dialect/lexer.h"
+#include "adapters/sql_dialect/literal_number.h"
+
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
+namespace pelmora::sql {
+
+namespace {
+
+constexpr std::size_t longestStatement = 4096;
+constexpr std::size_t mostLiterals = 16;
+constexpr std::size_t mostDigits = 15;  // exact as a double too
+
+// The marks of the three kinds. No statement can hold them outside quotes and brackets.
+constexpr char wholeNumberMark = '\x01';
+constexpr char digitsTextMark = '\x02';
+constexpr char wordsTextMark = '\x03';
+
+bool isPrintableAscii(char c) { return c >= ' ' && c <= '~'; }
+
+// The value of digits that are spelled as the number is.
+std::optional<std::int64_t> wholeOf(std::string_view digits) {
+  const bool isDigits = !digits.empty() && digits.size() <= mostDigits &&
+                        std::ranges::all_of(digits, [](char c) { return c >= '0' && c <= '9'; });
+  if (!isDigits || (digits.size() > 1 && digits.front() == '0')) return std::nullopt;
+  std::int64_t value = 0;
+  std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  return value;
+}
+
+// The mark of the literal's kind; 0 for any other token.
+char markOf(const Token& token, PlainLiteral& literal) {
+  if (token.kind == TokenKind::number) {
+    literal.text = std::string(token.source);
+    literal.whole = wholeOf(literal.text);
+    return literal.whole ? wholeNumberMark : '\0';
+  }
+  if (token.kind != TokenKind::text) return '\0';
+  literal.text = contents(token);
+  literal.whole = wholeOf(literal.text);
+  if (literal.whole) return digitsTextMark;
+  const bool isWords = std::ranges::all_of(literal.text, isPrintableAscii) && !numberOf(literal.text);
+  return isWords ? wordsTextMark : '\0';
+}
+
+}  // namespace
+
+std::optional<StatementShape> shapeOf(std::string_view statement) {
+  constexpr std::string_view marks("\x01\x02\x03", 3);
+  if (statement.size() > longestStatement) return std::nullopt;
+  if (statement.find_first_of(marks) != std::string_view::npos) return std::nullopt;
+  StatementShape shape;
+  shape.key.reserve(statement.size());
+  std::size_t copied = 0;
+  for (const Token& token : tokenize(statement)) {
+    PlainLiteral literal;
+    const char mark = markOf(token, literal);
+    if (mark == '\0') continue;
+    if (shape.literals.size() == mostLiterals) return std::nullopt;
+    shape.key.append(statement.substr(copied, token.offset - copied)).push_back(mark);
+    copied = token.offset + token.source.size();
+    literal.position = token.offset + 1;
+    shape.literals.push_back(std::move(literal));
+  }
+  shape.key.append(statement.substr(copied));
+  return shape;
+}
+
+}  // namespace pelmora::sql
