@@ -62,4 +62,6 @@ bool PreparedStatement::step() {
 
 void PreparedStatement::reset() { sqlite3_reset(get()); }
 
+void PreparedStatement::forgetValues() { sqlite3_clear_bindings(get()); }
+
 }  // namespace pelmora::sqlite

@@ -30,6 +30,8 @@ class PreparedStatement {
   bool step();
   // Makes the statement ready to run again; parameters keep their values.
   void reset();
+  // All parameters become null.
+  void forgetValues();
 
  private:
   void check(int code) const;

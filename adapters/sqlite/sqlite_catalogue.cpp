@@ -51,6 +51,11 @@ std::int64_t SqliteCatalogue::schemaVersion() const {
   }
 }
 
+void SqliteCatalogue::forget() const {
+  known_.clear();
+  knownVersion_ = -1;
+}
+
 std::optional<sql::TableShape> SqliteCatalogue::findTable(std::string_view database,
                                                           std::string_view name) const {
   if (database != "main") return readTable(database, name);

@@ -25,8 +25,14 @@ class SqliteCatalogue : public sql::Catalogue {
   [[nodiscard]] std::optional<sql::TableShape> findTable(std::string_view database,
                                                          std::string_view name) const override;
 
- private:
+  // Of "main": another one after each change of its tables, of whomever.
+  // Errors: Error, genericFailure where the database is locked.
   [[nodiscard]] std::int64_t schemaVersion() const;
+  // Forgets what it has read. Needed where a transaction that may have changed tables was undone:
+  // the number of its schema version is then given to another schema.
+  void forget() const;
+
+ private:
   [[nodiscard]] std::optional<sql::TableShape> readTable(std::string_view database,
                                                          std::string_view name) const;
 

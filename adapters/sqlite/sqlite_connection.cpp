@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sqlite/sqlite_connection.h"
 
-#include "adapters/sql_dialect/dialect_error.h"
-#include "adapters/sql_dialect/parser.h"
 #include "adapters/sql_dialect/sqlite_renderer.h"
 #include "adapters/sqlite/attached_file.h"
 #include "adapters/sqlite/prepared_statement.h"
@@ -50,41 +48,38 @@ SqliteSession& SqliteConnection::session() const {
 
 void SqliteConnection::execute(const std::string& statement) {
   SqliteSession& open = session();
-  const sql::Statement tree = sql::parseStatement(statement);
-  const auto* insert = std::get_if<sql::InsertStatement>(&tree);
-  if (insert != nullptr && insert->file) return insertElsewhere(tree, *insert->file);
-  if (!std::holds_alternative<sql::SelectStatement>(tree)) open.requireWritable();
-  run(tree, "main");
+  DialectStatement known = open.translations().read(statement);
+  const auto* insert = std::get_if<sql::InsertStatement>(&*known.tree);
+  if (insert != nullptr && insert->file) {
+    if (!isOwnFile(*insert->file)) return insertElsewhere(*known.tree, *insert->file);
+    // Two connections to one file would wait for each other.
+  }
+  if (!std::holds_alternative<sql::SelectStatement>(*known.tree)) open.requireWritable();
+  StatementPool::Use prepared = open.translations().prepare(known);
+  while (open.step(*prepared)) continue;
 }
 
-void SqliteConnection::run(const sql::Statement& statement, std::string_view outputDatabase) {
-  SqliteSession& open = session();
-  PreparedStatement prepared(open.database(),
-                             sql::renderForSqlite(statement, open.catalogue(), outputDatabase));
-  while (open.step(prepared)) continue;
+// Errors: those of checkedSqliteFile.
+bool SqliteConnection::isOwnFile(const std::string& file) const {
+  const std::string output = checkedSqliteFile(file);
+  std::error_code ignored;
+  return !session().file().empty() &&
+         std::filesystem::equivalent(filePath(session().file()), filePath(output), ignored);
 }
 
 void SqliteConnection::insertElsewhere(const sql::Statement& statement, const std::string& file) {
   SqliteSession& open = session();
-  const std::string output = checkedSqliteFile(file);
-  std::error_code ignored;
-  if (!open.file().empty() &&
-      std::filesystem::equivalent(filePath(open.file()), filePath(output), ignored)) {
-    // Two connections to one file would wait for each other.
-    open.requireWritable();
-    return run(statement, "main");
-  }
-  const AttachedFile attached(open, output);
-  run(statement, AttachedFile::name);
+  const AttachedFile attached(open, checkedSqliteFile(file));
+  // Not kept: it holds for this file alone.
+  PreparedStatement prepared(
+      open.database(), sql::renderForSqlite(statement, open.catalogue(), AttachedFile::name));
+  while (open.step(prepared)) continue;
 }
 
 std::unique_ptr<Recordset> SqliteConnection::openRecordset(const std::string& statement,
                                                            CursorType /*cursor*/, LockType lock) {
   (void)session();
-  sql::Statement tree = sql::parseStatement(statement);
-  auto* select = std::get_if<sql::SelectStatement>(&tree);
-  if (select == nullptr) throw sql::statementError("Only a SELECT statement delivers rows.");
-  return std::make_unique<SqliteRecordset>(session_, std::move(*select), lock);
+  return std::make_unique<SqliteRecordset>(session_, statement, lock);
 }
 
 bool SqliteConnection::hasTable(std::string_view name) const {
@@ -92,8 +87,7 @@ bool SqliteConnection::hasTable(std::string_view name) const {
 }
 
 void SqliteConnection::createTable(const OwnTable& table) {
-  session().requireWritable();
-  session().handle().run(createTableStatement(table).c_str());
+  session().design(createTableStatement(table));
 }
 
 bool SqliteConnection::hasIndex(std::string_view table,
@@ -102,8 +96,7 @@ bool SqliteConnection::hasIndex(std::string_view table,
 }
 
 void SqliteConnection::createIndex(const TableIndex& index) {
-  session().requireWritable();
-  session().handle().run(createIndexStatement(index).c_str());
+  session().design(createIndexStatement(index));
 }
 
 void SqliteConnection::begin() { session().begin(); }

@@ -47,7 +47,7 @@ class SqliteConnection : public Connection, public TableDesign, public Transacti
 
  private:
   [[nodiscard]] SqliteSession& session() const;
-  void run(const sql::Statement& statement, std::string_view outputDatabase);
+  [[nodiscard]] bool isOwnFile(const std::string& file) const;
   void insertElsewhere(const sql::Statement& statement, const std::string& file);
 
   OpenSession openSession_;

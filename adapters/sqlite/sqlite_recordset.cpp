@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sqlite/sqlite_recordset.h"
 
+#include "adapters/sql_dialect/dialect_error.h"
 #include "adapters/sql_dialect/name_scope.h"
 #include "adapters/sql_dialect/sqlite_expression.h"
 #include "adapters/sql_dialect/sqlite_renderer.h"
@@ -55,23 +56,30 @@ Error notUpdatableError() {
 
 }  // namespace
 
-SqliteRecordset::SqliteRecordset(std::shared_ptr<SqliteSession> session,
-                                 sql::SelectStatement select, LockType lock)
-    : session_(std::move(session)), select_(std::move(select)), lock_(lock) {
+SqliteRecordset::SqliteRecordset(std::shared_ptr<SqliteSession> session, std::string statement,
+                                 LockType lock)
+    : session_(std::move(session)), statement_(std::move(statement)), lock_(lock) {
   load();
 }
 
+const sql::SelectStatement& SqliteRecordset::select() const {
+  return std::get<sql::SelectStatement>(*tree_);
+}
+
 void SqliteRecordset::load() {
-  const auto& catalogue = session_->catalogue();
-  PreparedStatement query(session_->database(), sql::renderForSqlite(select_, catalogue));
-  const int columns = sqlite3_column_count(query.get());
+  DialectStatement statement = session_->translations().read(statement_);
+  if (!std::holds_alternative<sql::SelectStatement>(*statement.tree))
+    throw sql::statementError("Only a SELECT statement delivers rows.");
+  StatementPool::Use query = session_->translations().prepare(statement);
+  const int columns = sqlite3_column_count(query->get());
   std::vector<std::string> fields;
-  for (int i = 0; i < columns; ++i) fields.emplace_back(sqlite3_column_name(query.get(), i));
+  for (int i = 0; i < columns; ++i) fields.emplace_back(sqlite3_column_name(query->get(), i));
   RowStore rows(fields.size());
-  while (session_->step(query)) rows.appendRow(query.get());
+  while (session_->step(*query)) rows.appendRow(query->get());
   if (rows.rows() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
     throw makeError(RunTimeError::overflow);
   }
+  tree_ = statement.tree;
   fields_ = std::move(fields);
   rows_ = std::move(rows);
   row_ = 0;
@@ -109,7 +117,7 @@ const Value& SqliteRecordset::value(std::size_t field) const {
 
 const sql::TableShape& SqliteRecordset::outputTable() {
   if (outputTable_) return *outputTable_;
-  const sql::TableName* table = sql::updatableTable(select_);
+  const sql::TableName* table = sql::updatableTable(select());
   if (table == nullptr) throw notUpdatableError();
   session_->requireWritable();
   outputTable_ = session_->catalogue().findTable("main", table->name);
@@ -159,16 +167,20 @@ void SqliteRecordset::storeAtOnce(const Batch& batch) {
   session_->requireWritable();
   const DatabaseHandle& handle = session_->handle();
   Transaction transaction(handle);
-  PreparedStatement insert(handle.get(), insertStatement(batch));
-  batch.rows.bindRow(0, insert);
-  session_->step(insert);
-  // Read back as stored: the generated key, and values as the columns have converted them.
-  PreparedStatement stored(handle.get(), sql::renderRowForSqlite(select_, session_->catalogue()));
-  stored.bind(1, static_cast<std::int64_t>(sqlite3_last_insert_rowid(handle.get())));
-  if (!session_->step(stored)) throw notUpdatableError();
+  {
+    StatementPool::Use insert = session_->pool().take(insertStatement(batch));
+    batch.rows.bindRow(0, *insert);
+    session_->step(*insert);
+  }
   RowStore added(fields_.size());
-  added.appendRow(stored.get());
-  stored.reset();
+  {
+    // Read back as stored: the generated key, and values as the columns have converted them.
+    StatementPool::Use stored =
+        session_->pool().take(sql::renderRowForSqlite(select(), session_->catalogue()));
+    stored->bind(1, static_cast<std::int64_t>(sqlite3_last_insert_rowid(handle.get())));
+    if (!session_->step(*stored)) throw notUpdatableError();
+    added.appendRow(stored->get());
+  }
   transaction.commit();
   for (std::size_t i = 0; i < fields_.size(); ++i) added.read(0, i, current_[i]);
   rows_.appendRow(current_);
@@ -182,11 +194,11 @@ void SqliteRecordset::updateBatch() {
   const DatabaseHandle& handle = session_->handle();
   Transaction transaction(handle);
   for (const Batch& batch : kept_) {
-    PreparedStatement insert(handle.get(), insertStatement(batch));
+    StatementPool::Use insert = session_->pool().take(insertStatement(batch));
     for (std::size_t row = 0; row < batch.rows.rows(); ++row) {
-      batch.rows.bindRow(row, insert);
-      session_->step(insert);
-      insert.reset();
+      batch.rows.bindRow(row, *insert);
+      session_->step(*insert);
+      insert->reset();
     }
   }
   transaction.commit();

@@ -21,8 +21,7 @@ class SqliteSession;
 class SqliteRecordset : public Recordset {
  public:
   // Errors: Error.
-  SqliteRecordset(std::shared_ptr<SqliteSession> session, sql::SelectStatement select,
-                  LockType lock);
+  SqliteRecordset(std::shared_ptr<SqliteSession> session, std::string statement, LockType lock);
 
   [[nodiscard]] std::int32_t recordCount() const override;
   [[nodiscard]] std::size_t fieldCount() const override { return fields_.size(); }
@@ -44,6 +43,7 @@ class SqliteRecordset : public Recordset {
   };
 
   void load();
+  [[nodiscard]] const sql::SelectStatement& select() const;
   void requireOpen() const;
   [[nodiscard]] const sql::TableShape& outputTable();
   [[nodiscard]] Batch newBatch(std::span<const std::string_view> fields);
@@ -51,8 +51,9 @@ class SqliteRecordset : public Recordset {
   void storeAtOnce(const Batch& batch);
 
   std::shared_ptr<SqliteSession> session_;
-  sql::SelectStatement select_;
+  std::string statement_;
   LockType lock_;
+  std::shared_ptr<const sql::Statement> tree_;  // as in DialectStatement
   std::vector<std::string> fields_;
   RowStore rows_{0};
   std::size_t row_ = 0;

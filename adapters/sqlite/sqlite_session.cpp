@@ -16,9 +16,13 @@ SqliteSession::SqliteSession(const std::string& file, OpenMode mode)
   // The first look at the file: a lock, damage or a refused right shows here.
   PreparedStatement(database(), "SELECT 1 FROM sqlite_master LIMIT 1").step();
   catalogue_.emplace(database());
+  pool_.emplace(database());
+  translations_.emplace(*catalogue_, *pool_);
 }
 
 void SqliteSession::close() {
+  translations_.reset();
+  pool_.reset();
   catalogue_.reset();
   handle_.reset();
 }
@@ -26,6 +30,16 @@ void SqliteSession::close() {
 const SqliteCatalogue& SqliteSession::catalogue() const {
   (void)handle();
   return *catalogue_;
+}
+
+StatementPool& SqliteSession::pool() {
+  (void)handle();
+  return *pool_;
+}
+
+StatementTranslations& SqliteSession::translations() {
+  (void)handle();
+  return *translations_;
 }
 
 const DatabaseHandle& SqliteSession::handle() const {
@@ -65,9 +79,30 @@ void SqliteSession::commit() {
 
 void SqliteSession::rollback() noexcept {
   inTransaction_ = false;
+  if (!handle_) return;
   // Some failures have made SQLite roll back already.
-  if (!handle_ || sqlite3_get_autocommit(handle_->get()) != 0) return;
-  sqlite3_exec(handle_->get(), "ROLLBACK", nullptr, nullptr, nullptr);
+  const bool isOpen = sqlite3_get_autocommit(database()) == 0;
+  const bool hasRead = isOpen && sqlite3_txn_state(database(), "main") != SQLITE_TXN_WRITE;
+  if (!hasRead) forgetSchema();
+  if (isOpen) sqlite3_exec(database(), "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+// Every transaction that changes tables counts on from the schema version that is stored: after one
+// that is undone, a version that was seen before means other tables.
+void SqliteSession::forgetSchema() noexcept {
+  catalogue_->forget();
+  translations_->clear();
+  designed_.clear();
+}
+
+void SqliteSession::design(const std::string& statement) {
+  requireWritable();
+  const std::int64_t version = catalogue_->schemaVersion();
+  if (version != designedVersion_) designed_.clear();
+  designedVersion_ = version;
+  if (designed_.contains(statement)) return;
+  handle().run(statement.c_str());
+  if (catalogue_->schemaVersion() == version) designed_.insert(statement);
 }
 
 bool SqliteSession::step(PreparedStatement& statement) {

@@ -5,8 +5,12 @@
 #include "adapters/sqlite/database_handle.h"
 #include "adapters/sqlite/dialect_functions.h"
 #include "adapters/sqlite/sqlite_catalogue.h"
+#include "adapters/sqlite/statement_pool.h"
+#include "adapters/sqlite/statement_translations.h"
 
+#include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 
 namespace pelmora::sqlite {
@@ -26,6 +30,9 @@ class SqliteSession {
   [[nodiscard]] sqlite3* database() const { return handle().get(); }
   // Errors: Error connectionClosed after close().
   [[nodiscard]] const SqliteCatalogue& catalogue() const;
+  // Errors: Error connectionClosed after close().
+  [[nodiscard]] StatementPool& pool();
+  [[nodiscard]] StatementTranslations& translations();
   // Empty for a database in memory.
   [[nodiscard]] const std::string& file() const { return file_; }
 
@@ -41,16 +48,27 @@ class SqliteSession {
   void commit();
   void rollback() noexcept;
 
+  // Makes a table or index where it is missing; `statement` does nothing the second time.
+  // Errors: Error; updateRefused as above.
+  void design(const std::string& statement);
+
   // The next row. Errors: those of PreparedStatement::step and of the dialect's functions.
   bool step(PreparedStatement& statement);
 
  private:
   SqliteSession(const std::string& file, OpenMode mode);
+  void forgetSchema() noexcept;
 
   std::string file_;
   StatementFault fault_;
   std::optional<DatabaseHandle> handle_;
-  std::optional<SqliteCatalogue> catalogue_;  // after the handle that it uses
+  // Each after those that it uses.
+  std::optional<SqliteCatalogue> catalogue_;
+  std::optional<StatementPool> pool_;
+  std::optional<StatementTranslations> translations_;
+  // Design statements that are known to have nothing to do, for as long as this version holds.
+  std::set<std::string> designed_;
+  std::int64_t designedVersion_ = -1;
   bool isFrozen_ = false;
   bool inTransaction_ = false;
 };
