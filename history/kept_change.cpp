@@ -65,7 +65,8 @@ std::int64_t KeptChange::keep(const Scope& scope) {
       std::any_of(kept_.begin(), kept_.end(), [&](const Scope& before) { return covers(before, scope); });
   kept_.push_back(scope);
   if (isKept || !hasRows(curves_, scope)) return 0;
-  createHistoryTables(curves_);
+  if (!hasTables_) createHistoryTables(curves_);
+  hasTables_ = true;
   const std::int64_t entryID = addEntry(curves_, note_, scope);
   for (const std::string& name : scope.Tables) {
     const KeptTable& table = keptTable(name);

@@ -42,6 +42,7 @@ class KeptChange {
   ConnectionPtr curves_;
   ChangeNote note_;
   std::vector<Scope> kept_;
+  bool hasTables_ = false;  // inside the transaction nobody else takes them away
   Transaction transaction_;
 };
 
