@@ -48,6 +48,11 @@ CurveSession::CurveSession(const std::string& path, Access access)
   data_.StatusUpdate = [this](const std::string& text) { progress_.show(text); };
 }
 
+EquationFolder& CurveSession::equationFolder() {
+  if (!equationFolder_) equationFolder_.emplace();
+  return *equationFolder_;
+}
+
 void CurveSession::askAtTerminal() {
   if (isatty(STDIN_FILENO) == 0 || isatty(STDERR_FILENO) == 0) return;
   messages_.askOperator = [this](const std::string& text, int style) {

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "apps/pelmora/equation_folder.h"
 #include "apps/pelmora/message_recorder.h"
 #include "apps/pelmora/progress.h"
 
@@ -9,6 +10,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,6 +37,10 @@ class CurveSession {
   [[nodiscard]] const ConnectionPtr& sharedConnection() const { return shared_; }
   [[nodiscard]] const std::string& path() const { return path_; }
 
+  // Where the session's fits find their equations, one after the other.
+  // Errors: Trouble unexpected where there is no room for it.
+  [[nodiscard]] EquationFolder& equationFolder();
+
   // Where somebody sits at the terminal, questions of the component are asked there from now on.
   void askAtTerminal();
 
@@ -59,6 +65,7 @@ class CurveSession {
   ConnectionPtr connection_, shared_;
   std::function<ConnectionPtr(const std::string&)> createBefore_;
   RawData data_;
+  std::optional<EquationFolder> equationFolder_;  // from the first fit on
 };
 
 // A name that goes into statements: not empty, no apostrophe, no control characters, valid text.

@@ -14,6 +14,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+std::string fileName(bool ratio) { return ratio ? "ratio equations.txt" : "equations.txt"; }
+
 fs::path sourceFile(const std::string& equations, const std::string& name) {
   std::error_code ignored;
   if (!fs::is_directory(equations, ignored)) return equations;
@@ -23,9 +25,10 @@ fs::path sourceFile(const std::string& equations, const std::string& name) {
                 "put one there, or name an equation file");
 }
 
-// The component knows CR LF alone as a line end. Errors: Trouble where no line is an equation.
-std::string cleanedEquations(const fs::path& file) {
-  std::string text = readInputFile(file.string());
+}  // namespace
+
+// The component knows CR LF alone as a line end.
+std::string cleanedEquations(std::string text, const std::string& place) {
   if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
   std::istringstream lines(text);
   std::string result;
@@ -36,22 +39,35 @@ std::string cleanedEquations(const fs::path& file) {
     result += line + "\r\n";
   }
   if (hasEquation) return result;
-  throw Trouble(ExitCode::badInput, "file '" + file.string() + "' holds no equation",
+  throw Trouble(ExitCode::badInput, place + " holds no equation",
                 "write one in each line: name, TAB, expression");
 }
 
-}  // namespace
-
-EquationFolder::EquationFolder(const std::string& equations, bool ratio)
-    : before_(platform().componentFolder) {
-  const std::string name = ratio ? "ratio equations.txt" : "equations.txt";
-  if (!equations.empty()) {
-    text_ = cleanedEquations(sourceFile(equations, name));
-    folder_.write(name, *text_);
-  }
-  platform().componentFolder = folder_.path();
+std::optional<std::string> equationsOf(const std::string& source, bool ratio) {
+  if (source.empty()) return std::nullopt;
+  const std::string file = sourceFile(source, fileName(ratio)).string();
+  return cleanedEquations(readInputFile(file), "file '" + file + "'");
 }
 
-EquationFolder::~EquationFolder() { platform().componentFolder = before_; }
+EquationFolder::Use::Use(const std::string& folder) : before_(platform().componentFolder) {
+  platform().componentFolder = folder;
+}
+
+EquationFolder::Use::~Use() { platform().componentFolder = before_; }
+
+EquationFolder::Use EquationFolder::use(const std::optional<std::string>& text, bool ratio) {
+  const std::string name = fileName(ratio);
+  const auto there = files_.find(name);
+  if (!text && there != files_.end()) {
+    folder_.remove(name);
+    files_.erase(there);
+  }
+  if (text && (there == files_.end() || there->second != *text)) {
+    files_.erase(name);
+    folder_.write(name, *text);
+    files_.emplace(name, *text);
+  }
+  return Use(folder_.path());
+}
 
 }  // namespace pelmora::cli

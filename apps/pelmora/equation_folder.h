@@ -4,30 +4,47 @@
 
 #include "apps/pelmora/temporary_folder.h"
 
+#include <map>
 #include <optional>
 #include <string>
 
 namespace pelmora::cli {
 
-// A private temporary folder, made platform().componentFolder while it lives and removed at its
-// end. The user's equation files are copied into it, so that the log never lands beside them.
+// The text of an equation file as the component reads it: lines end in CR LF. `place` names it in errors.
+//
+// Errors: Trouble badInput where no line is an equation.
+[[nodiscard]] std::string cleanedEquations(std::string text, const std::string& place);
+
+// `source`: empty for the built-in equations, which have no text; else a file, or a folder that holds
+// "equations.txt" ("ratio equations.txt" where `ratio`). Lines may end in LF or CR LF.
+//
+// Errors: Trouble badInput.
+[[nodiscard]] std::optional<std::string> equationsOf(const std::string& source, bool ratio);
+
+// A private temporary folder that goes from fit to fit. Users' equation files are copied into it, so that the log
+// never lands beside them.
 class EquationFolder {
  public:
-  // `equations`: empty for the built-in equations, else a folder that holds "equations.txt" ("ratio
-  // equations.txt" where `ratio`) or a file. Lines may end in LF or CR LF.
-  // Errors: Trouble badInput.
-  EquationFolder(const std::string& equations, bool ratio);
-  ~EquationFolder();
-  EquationFolder(const EquationFolder&) = delete;
-  EquationFolder& operator=(const EquationFolder&) = delete;
+  // While it lives, the component of this thread works with the folder.
+  class Use {
+   public:
+    explicit Use(const std::string& folder);
+    ~Use();
+    Use(const Use&) = delete;
+    Use& operator=(const Use&) = delete;
 
-  // What the component reads, lines ended by CR LF; nothing for the built-in equations.
-  [[nodiscard]] const std::optional<std::string>& text() const { return text_; }
+   private:
+    std::string before_;
+  };
+
+  // The fits of series with and without `ratio` then use these equations; absent: the built-in ones.
+  //
+  // Errors: Trouble unexpected where the file cannot be written.
+  [[nodiscard]] Use use(const std::optional<std::string>& text, bool ratio);
 
  private:
   TemporaryFolder folder_;
-  std::optional<std::string> text_;
-  std::string before_;
+  std::map<std::string, std::string> files_;  // their texts, by name
 };
 
 }  // namespace pelmora::cli

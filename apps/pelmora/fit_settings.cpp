@@ -3,7 +3,6 @@
 
 #include "apps/pelmora/equation_folder.h"
 #include "apps/pelmora/strict_number.h"
-#include "apps/pelmora/temporary_folder.h"
 
 #include <algorithm>
 #include <cmath>
@@ -48,11 +47,11 @@ CurveSettings assumedSettings(const SeriesInfo& stored, const UnkeptSettings& un
     settings.Max = stored.Fitted(stored.Fitted.size() - 1, 0);
   }
   if (!unkept.equations.empty())
-    settings.Equations = EquationFolder(unkept.equations, settings.RatioCurve).text();
+    settings.Equations = equationsOf(unkept.equations, settings.RatioCurve);
   return settings;
 }
 
-FitOptions optionsOf(const CurveSettings& settings, const std::string& equationFile) {
+FitOptions optionsOf(const CurveSettings& settings) {
   FitOptions options;
   options.min = settings.Min;
   options.max = settings.Max;
@@ -62,7 +61,7 @@ FitOptions optionsOf(const CurveSettings& settings, const std::string& equationF
   options.inverted = settings.Inverted;
   options.ignoreResiduals = settings.IgnoreResiduals;
   options.onRange = RangeAnswer::ignore;  // a stored curve may reach beyond its raw points
-  options.equations = equationFile;
+  options.keptEquations = settings.Equations;
   return options;
 }
 
@@ -77,10 +76,7 @@ StoredSettings settingsOfStored(CurveSession& session, const SeriesInfo& stored,
 
 SeriesFit fitWith(CurveSession& session, const MeterInfo& meter, const SeriesInfo& stored,
                   const CurveSettings& settings) {
-  if (!settings.Equations) return tryStored(session, meter, stored, optionsOf(settings, ""));
-  const TemporaryFolder folder;
-  const std::string file = folder.write("kept.txt", *settings.Equations);
-  return tryStored(session, meter, stored, optionsOf(settings, file));
+  return tryStored(session, meter, stored, optionsOf(settings));
 }
 
 }  // namespace pelmora::cli

@@ -131,8 +131,11 @@ SeriesFit tryStored(CurveSession& session, const MeterInfo& meter, const SeriesI
   fit.seriesID = stored.SeriesID;
   requirePoints(meter, fit, stored);
 
-  const EquationFolder folder(options.equations, options.ratio);
-  fit.equations = folder.text();
+  fit.equations = options.keptEquations
+                      ? cleanedEquations(*options.keptEquations, "the text kept with the curve of " +
+                                                                     placeOf(meter, fit.series))
+                      : equationsOf(options.equations, options.ratio);
+  const EquationFolder::Use equations = session.equationFolder().use(fit.equations, options.ratio);
   settleRange(session, meter, fit);
   const bool isWhole = !options.min && !options.max;
   runFit(session, meter, fit, isWhole ? RangeAnswer::retry : options.onRange);

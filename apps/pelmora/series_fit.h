@@ -25,6 +25,7 @@ struct FitOptions {
   bool ratio = false, inverted = false, ignoreResiduals = false;
   std::optional<RangeAnswer> onRange;  // absent: the operator is asked, or else it is refused
   std::string equations;               // folder or file; empty: the built-in equations
+  std::optional<std::string> keptEquations;  // the text itself, in place of `equations`
 };
 
 struct SeriesFit {

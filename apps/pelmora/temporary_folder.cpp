@@ -29,8 +29,16 @@ TemporaryFolder::~TemporaryFolder() {
 
 std::string TemporaryFolder::write(const std::string& name, const std::string& text) const {
   const std::string file = (fs::path(path_) / name).string();
-  std::ofstream(file, std::ios::binary) << text;
-  return file;
+  std::ofstream stream(file, std::ios::binary);
+  stream << text << std::flush;
+  if (stream) return file;
+  throw Trouble(ExitCode::unexpected, "file '" + file + "' cannot be written",
+                "check TMPDIR and the room on that disk");
+}
+
+void TemporaryFolder::remove(const std::string& name) const {
+  std::error_code ignored;
+  fs::remove(fs::path(path_) / name, ignored);
 }
 
 }  // namespace pelmora::cli

@@ -15,8 +15,10 @@ class TemporaryFolder {
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
   [[nodiscard]] const std::string& path() const { return path_; }
-  // Writes a file into it; returns its path.
+  // Writes a file into it; returns its path. Errors: Trouble unexpected where that fails.
   std::string write(const std::string& name, const std::string& text) const;
+  // Takes a file out of it; does nothing where there is none.
+  void remove(const std::string& name) const;
 
  private:
   std::string path_;
