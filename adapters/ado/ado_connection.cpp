@@ -3,7 +3,9 @@
 
 #include "adapters/ado/ado_recordset.h"
 #include "adapters/ado/late_bound.h"
+#include "base/run_time_error.h"
 #include "store/connection.h"
+#include "store/transactions.h"
 
 #include <utility>
 
@@ -15,9 +17,13 @@ constexpr LONG clientSide = 3;
 constexpr LONG unspecifiedOption = -1;
 constexpr LONG openState = 1;
 
-class AdoConnection : public Connection {
+// Transactions are the provider's: one for writing takes the lock with its first change, and what
+// others change is seen as the connection's isolation level says.
+class AdoConnection : public Connection, public Transactions {
  public:
-  explicit AdoConnection(LateBound connection) : connection_(std::move(connection)) {}
+  explicit AdoConnection(LateBound connection) : connection_(std::move(connection)) {
+    connection_.isPartOf(connection_);
+  }
 
   void open() override {
     const std::string none;
@@ -37,8 +43,30 @@ class AdoConnection : public Connection {
     return std::make_unique<AdoRecordset>(connection_, statement, cursor, lock);
   }
 
+  void begin() override {
+    if (inTransaction_) {
+      throw Error(static_cast<std::int32_t>(RunTimeError::invalidArgument), "Pelmora",
+                  "This connection is in a transaction already");
+    }
+    connection_.call(L"BeginTrans");
+    inTransaction_ = true;
+  }
+  void beginReading() override { begin(); }
+  void commit() override {
+    connection_.call(L"CommitTrans");
+    inTransaction_ = false;
+  }
+  void rollback() noexcept override {
+    if (!std::exchange(inTransaction_, false)) return;
+    try {
+      connection_.call(L"RollbackTrans");
+    } catch (...) {  // the provider undoes at the latest when the connection is closed
+    }
+  }
+
  private:
   LateBound connection_;
+  bool inTransaction_ = false;
 };
 
 }  // namespace

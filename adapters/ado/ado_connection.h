@@ -13,8 +13,9 @@ namespace pelmora {
 // Around an ADO connection that somebody else made and opened; adds a reference, closes only where
 // told.
 //
-// Errors: what ADO reports, with its number and description; 0x80004005 is passed on as it is, and
-// callers that wait on a locked database take it as one.
+// Errors: what ADO reports, with its number and description, from the connection's Errors where the
+//         failed call does not tell them; 0x80004005 is passed on as it is, and callers that wait
+//         on a locked database take it as one.
 [[nodiscard]] ConnectionPtr adoConnection(IDispatch* connection);
 
 // A new connection to an Access file, not yet open: client-side cursors, provider Jet 4.0.

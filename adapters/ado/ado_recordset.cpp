@@ -20,6 +20,7 @@ bool equalNames(std::string_view a, std::string_view b) {
 AdoRecordset::AdoRecordset(const LateBound& connection, const std::string& statement,
                            CursorType cursor, LockType lock)
     : recordset_(LateBound::create(L"ADODB.Recordset")) {
+  recordset_.isPartOf(connection);
   recordset_.call(L"Open", {Variant(statement), Variant(connection.get()),
                             Variant(static_cast<LONG>(cursor)), Variant(static_cast<LONG>(lock))});
   isOpen_ = true;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/ado/late_bound.h"
 
+#include "adapters/ado/provider_error.h"
 #include "adapters/os/automation_error.h"
 #include "adapters/os/wide_text.h"
 #include "base/run_time_error.h"
@@ -11,16 +12,6 @@
 
 namespace pelmora::ado {
 namespace {
-
-Error failed(HRESULT result, EXCEPINFO& exception, const wchar_t* member) {
-  return os::automationError(result, exception,
-                             "The database connection failed in '" + os::utf8Text(member) + "'");
-}
-
-Error failed(HRESULT result, const wchar_t* member) {
-  EXCEPINFO none{};
-  return failed(result, none, member);
-}
 
 // The value as another type. Errors: Error 13.
 Variant changed(const Variant& value, VARTYPE type) {
@@ -82,8 +73,15 @@ DISPID LateBound::idOf(const wchar_t* member) {
   auto* name = const_cast<LPOLESTR>(member);
   DISPID id = DISPID_UNKNOWN;
   const HRESULT result = object_->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id);
-  if (FAILED(result)) throw failed(result, member);
+  EXCEPINFO none{};
+  if (FAILED(result)) throw failure(result, none, member);
   return ids_[member] = id;
+}
+
+Error LateBound::failure(HRESULT result, EXCEPINFO& exception, const wchar_t* member) const {
+  const Error told = os::automationError(result, exception, "");
+  const bool isWhole = told.number() != 0 && told.what()[0] != '\0';
+  return isWhole ? told : completed(told, connection_.get(), member);
 }
 
 Variant LateBound::invoke(const wchar_t* member, WORD flags, std::vector<Variant>& arguments) {
@@ -101,7 +99,7 @@ Variant LateBound::invoke(const wchar_t* member, WORD flags, std::vector<Variant
   UINT wrong = 0;
   const HRESULT outcome = object_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters,
                                           isPut ? nullptr : &result.get(), &exception, &wrong);
-  if (FAILED(outcome)) throw failed(outcome, exception, member);
+  if (FAILED(outcome)) throw failure(outcome, exception, member);
   return result;
 }
 
@@ -124,7 +122,9 @@ std::string LateBound::textProperty(const wchar_t* name) {
 
 LateBound LateBound::objectProperty(const wchar_t* name, std::vector<Variant> arguments) {
   const Variant object = changed(property(name, std::move(arguments)), VT_DISPATCH);
-  return LateBound(os::Reference<IDispatch>::to(object.get().pdispVal));
+  LateBound given(os::Reference<IDispatch>::to(object.get().pdispVal));
+  given.connection_ = connection_;
+  return given;
 }
 
 void LateBound::setProperty(const wchar_t* name, Variant value) {

@@ -4,6 +4,8 @@
 
 #include "adapters/os/reference.h"
 
+#include <pelmora/error.h>
+
 #include <windows.h>
 
 #include <oaidl.h>
@@ -36,14 +38,17 @@ class Variant {
   VARIANT value_;
 };
 
-// Errors of every function: Error as the object reports it; where it gives no description, one that
-// names the member.
+// Errors of every function: Error as the object reports it, completed where it keeps something back
+// (completed() of provider_error.h).
 class LateBound {
  public:
   LateBound() = default;
   explicit LateBound(os::Reference<IDispatch> object) : object_(std::move(object)) {}
   // A new object of a registered class. Errors: Error 429 where there is none.
   [[nodiscard]] static LateBound create(const wchar_t* className);
+
+  // The connection that is asked about failures, of this object and of those that it gives.
+  void isPartOf(const LateBound& connection) { connection_ = connection.object_; }
 
   Variant call(const wchar_t* method, std::vector<Variant> arguments = {});
   [[nodiscard]] Variant property(const wchar_t* name, std::vector<Variant> arguments = {});
@@ -56,9 +61,11 @@ class LateBound {
 
  private:
   DISPID idOf(const wchar_t* member);
+  [[nodiscard]] Error failure(HRESULT result, EXCEPINFO& exception, const wchar_t* member) const;
   Variant invoke(const wchar_t* member, WORD flags, std::vector<Variant>& arguments);
 
   os::Reference<IDispatch> object_;
+  os::Reference<IDispatch> connection_;
   std::map<std::wstring, DISPID> ids_;
 };
 

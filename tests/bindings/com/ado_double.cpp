@@ -47,6 +47,36 @@ VARIANT variantFrom(const Value& value) {
   return variant;
 }
 
+// A failure that its call does not tell in full.
+struct KeptBack {
+  HRESULT result;
+};
+
+class ListedError : public AdoObject {
+ public:
+  ListedError(AdoJournal& written, AdoListedError error)
+      : AdoObject(written), error_(std::move(error)) {}
+
+ private:
+  VARIANT run(const Call& call) override {
+    if (call.member == "Number") return variantOf(static_cast<int>(error_.number));
+    return variantOf((call.member == "Source" ? error_.source : error_.description).c_str());
+  }
+  AdoListedError error_;
+};
+
+class Errors : public AdoObject {
+ public:
+  using AdoObject::AdoObject;
+
+ private:
+  VARIANT run(const Call& call) override {
+    if (call.member == "Count") return variantOf(static_cast<int>(journal.errors.size()));
+    const auto at = static_cast<std::size_t>(number(call.arguments[0]));
+    return object(new ListedError(journal, journal.errors.at(at)));
+  }
+};
+
 struct Rows {
   std::unique_ptr<Recordset> set;
   std::vector<std::string> names;
@@ -219,6 +249,8 @@ STDMETHODIMP AdoObject::Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARA
     VARIANT made = run(call);
     if (result != nullptr) *result = made;
     return S_OK;
+  } catch (const KeptBack& failure) {
+    return failure.result;
   } catch (const Error& error) {
     const std::string what = error.what();
     exception->scode =
@@ -234,7 +266,10 @@ void AdoObject::write(const std::string& line) {
   journal.lines.push_back(line);
   for (AdoFailure& failure : journal.failures) {
     if (!line.starts_with(failure.call) || failure.after-- > 0 || failure.times-- <= 0) continue;
-    throw Error(failure.code, failure.source, failure.description);
+    if (failure.tells == AdoTells::everything)
+      throw Error(failure.code, failure.source, failure.description);
+    journal.errors.push_back({failure.code, failure.source, failure.description});
+    throw KeptBack{failure.tells == AdoTells::number ? failure.code : DISP_E_EXCEPTION};
   }
 }
 
@@ -244,6 +279,7 @@ void AdoDoubleConnection::openAt(const std::string& database) {
 
 VARIANT AdoDoubleConnection::run(const Call& call) {
   if (call.member == "State") return variantOf(connection_ && connection_->isOpen() ? 1 : 0);
+  if (call.member == "Errors") return object(new Errors(journal));
   std::string line = "Connection." + call.member + (call.isPut ? "=" : "");
   for (VARIANT* argument : call.arguments)
     line += (line.ends_with('=') ? "" : " ") + text(argument);
@@ -252,7 +288,14 @@ VARIANT AdoDoubleConnection::run(const Call& call) {
   if (call.member == "Execute" && !text(call.arguments[0]).starts_with(journal.swallowed))
     connection_->execute(text(call.arguments[0]));
   if (call.member == "Close") connection_->close();
+  if (call.member == "BeginTrans") transactions().begin();
+  if (call.member == "CommitTrans") transactions().commit();
+  if (call.member == "RollbackTrans") transactions().rollback();
   return {};
+}
+
+Transactions& AdoDoubleConnection::transactions() const {
+  return dynamic_cast<Transactions&>(*connection_);
 }
 
 AdoClasses::AdoClasses(AdoJournal& journal)

@@ -6,6 +6,7 @@
 #include "tests/bindings/com/hosts/late_object.h"
 
 #include "store/connection.h"
+#include "store/transactions.h"
 
 #include <map>
 #include <memory>
@@ -15,18 +16,30 @@
 
 namespace pelmora::test {
 
+// What a failed call itself tells; the connection's Errors tell the rest.
+enum class AdoTells { everything, number, nothing };
+
 struct AdoFailure {
   std::string call;  // as it is written down
   int after = 0;     // so many of them go well first
   SCODE code = 0;
   std::string source, description;
   int times = 1;
+  AdoTells tells = AdoTells::everything;
+};
+
+struct AdoListedError {
+  SCODE number = 0;
+  std::string source, description;
 };
 
 // What all objects of one test write to.
 struct AdoJournal {
   std::vector<std::string> lines;
   std::vector<AdoFailure> failures;
+  // The connection's Errors: what an earlier call left, then the last failure that kept something
+  // back.
+  std::vector<AdoListedError> errors;
   // A statement that begins so is written down and not run.
   std::string swallowed = "nothing";
   // Where connections that the component makes itself are led to, whatever their connection string.
@@ -74,6 +87,7 @@ class AdoDoubleConnection : public AdoObject {
 
  private:
   VARIANT run(const Call& call) override;
+  [[nodiscard]] Transactions& transactions() const;
   ConnectionPtr connection_;
 };
 

@@ -3,9 +3,14 @@
 #include "tests/bindings/com/ado_double.h"
 #include "tests/bindings/com/component.h"
 
+#include "adapters/ado/ado_connection.h"
+#include "base/run_time_error.h"
+
 #include <pelmora/database.h>
+#include <pelmora/own_tables.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace pelmora::test {
 namespace {
@@ -106,6 +111,78 @@ TEST_F(ado, shows_its_errors_with_their_descriptions) {
   EXPECT_TRUE(connection->connection()->isOpen());
 }
 
+// An earlier call's error, a warning and the failure itself are in the list.
+TEST_F(ado, is_asked_for_what_a_failed_call_does_not_tell) {
+  for (const AdoTells tells : {AdoTells::number, AdoTells::nothing}) {
+    registerMeter();
+    journal.errors = {{0, "Provider", "Changed database context."}};
+    if (tells == AdoTells::number)
+      journal.errors.push_back({static_cast<SCODE>(0x80040E37), "Provider", "an earlier error"});
+    journal.failures = {{"Recordset.Open", 0, static_cast<SCODE>(0x80040E14),
+                         "Microsoft JET Database Engine", "Syntax error in FROM clause.", 1,
+                         tells}};
+    BoxAnswerer boxes;
+    ::MeterInfo info{};
+    EXPECT_EQ(data->FindLastCalID(meter, &passed, &info), S_OK);
+    EXPECT_EQ(boxes.lastText(), "Error in RawData:LastCalID\r\nSyntax error in FROM clause.");
+  }
+}
+
+TEST_F(ado, whose_errors_are_of_an_earlier_call_names_the_member_that_failed) {
+  registerMeter();
+  journal.failures = {
+      {"Recordset.Open", 0, static_cast<SCODE>(0x80040E14), "", "", 1, AdoTells::number}};
+  journal.errors = {{static_cast<SCODE>(0x80040E37), "Provider", "an earlier error"}};
+  BoxAnswerer boxes;
+  ::MeterInfo info{};
+  EXPECT_EQ(data->FindLastCalID(meter, &passed, &info), S_OK);
+  EXPECT_EQ(boxes.lastText(),
+            "Error in RawData:LastCalID\r\nThe database connection failed in 'Open'");
+}
+
+TEST_F(ado, holds_changes_together) {
+  const ConnectionPtr curves = adoConnection(passed);
+  const auto meters = [&] {
+    return curves->openRecordset("Select * from meter", CursorType::forwardOnly,
+                                 LockType::optimistic)->recordCount();
+  };
+  const std::string insert = "INSERT INTO meter (serialnumber) VALUES ('M2')";
+  {
+    const Transaction undone(curves);
+    curves->execute(insert);
+    EXPECT_THROW(Transaction second(curves), Error);
+  }
+  EXPECT_EQ(meters(), 0);
+  Transaction kept(curves);
+  curves->execute(insert);
+  kept.commit();
+  EXPECT_EQ(meters(), 1);
+  Lines told;
+  std::ranges::copy_if(journal.lines, std::back_inserter(told), [](const std::string& line) {
+    return line.starts_with("Connection.");
+  });
+  EXPECT_EQ(told, (Lines{"Connection.BeginTrans", "Connection.Execute " + insert,
+                         "Connection.RollbackTrans", "Connection.BeginTrans",
+                         "Connection.Execute " + insert, "Connection.CommitTrans"}));
+}
+
+TEST_F(ado, that_refuses_a_commit_is_told_to_undo) {
+  const ConnectionPtr curves = adoConnection(passed);
+  journal.failures = {{"Connection.CommitTrans", 0, static_cast<SCODE>(0x80004005),
+                       "Microsoft JET Database Engine", "currently locked", 1, AdoTells::nothing}};
+  {
+    Transaction refused(curves);
+    try {
+      refused.commit();
+      ADD_FAILURE() << "the commit went through";
+    } catch (const Error& error) {
+      EXPECT_EQ(error.number(), genericFailure);
+      EXPECT_STREQ(error.what(), "currently locked");
+    }
+  }
+  EXPECT_EQ(journal.lines.back(), "Connection.RollbackTrans");
+}
+
 TEST_F(ado, that_cannot_open_a_file_says_so) {
   useAccessName("c:\\nowhere\\Pelmora.mdb");
   journal.failures.push_back({"Connection.Open", 0, static_cast<SCODE>(0x80004005),
@@ -149,9 +226,11 @@ class ado_stand : public ado {
 
 // The statement is not for the double to run: it only has to arrive.
 TEST_F(ado_stand, waits_and_tries_again_while_the_database_is_locked) {
-  standJournal.failures.push_back({"Connection.Execute INSERT", 0, static_cast<SCODE>(0x80004005),
-                                   "Microsoft JET Database Engine",
-                                   "Could not update; currently locked.", 2});
+  const AdoFailure locked{"Connection.Execute INSERT", 0, static_cast<SCODE>(0x80004005),
+                          "Microsoft JET Database Engine", "Could not update; currently locked."};
+  AdoFailure lockedUntold = locked;
+  lockedUntold.tells = AdoTells::nothing;
+  standJournal.failures = {locked, lockedUntold};
   standJournal.failures.push_back({"Connection.Execute INSERT", 0, static_cast<SCODE>(0x80040E37),
                                    "Microsoft JET Database Engine", "no such table"});
   BoxAnswerer boxes;
