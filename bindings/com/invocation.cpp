@@ -57,7 +57,7 @@ bool isLeftOut(const VARIANT& argument) {
 HRESULT assign(const Member& member, const DISPPARAMS& given,
                std::vector<std::optional<UINT>>& assigned) {
   assigned.assign(member.arguments(), std::nullopt);
-  if (given.cArgs > assigned.size()) return DISP_E_BADPARAMCOUNT;
+  if (given.cArgs > assigned.size() || given.cNamedArgs > given.cArgs) return DISP_E_BADPARAMCOUNT;
   const bool isPut = (member->invkind & (INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF)) != 0;
   for (UINT i = 0; i < given.cNamedArgs; ++i) {
     const DISPID name = given.rgdispidNamedArgs[i];

@@ -143,8 +143,9 @@ TEST_F(ado, whose_errors_are_of_an_earlier_call_names_the_member_that_failed) {
 TEST_F(ado, holds_changes_together) {
   const ConnectionPtr curves = adoConnection(passed);
   const auto meters = [&] {
-    return curves->openRecordset("Select * from meter", CursorType::forwardOnly,
-                                 LockType::optimistic)->recordCount();
+    return curves
+        ->openRecordset("Select * from meter", CursorType::forwardOnly, LockType::optimistic)
+        ->recordCount();
   };
   const std::string insert = "INSERT INTO meter (serialnumber) VALUES ('M2')";
   {
@@ -158,9 +159,8 @@ TEST_F(ado, holds_changes_together) {
   kept.commit();
   EXPECT_EQ(meters(), 1);
   Lines told;
-  std::ranges::copy_if(journal.lines, std::back_inserter(told), [](const std::string& line) {
-    return line.starts_with("Connection.");
-  });
+  std::ranges::copy_if(journal.lines, std::back_inserter(told),
+                       [](const std::string& line) { return line.starts_with("Connection."); });
   EXPECT_EQ(told, (Lines{"Connection.BeginTrans", "Connection.Execute " + insert,
                          "Connection.RollbackTrans", "Connection.BeginTrans",
                          "Connection.Execute " + insert, "Connection.CommitTrans"}));
