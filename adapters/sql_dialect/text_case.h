@@ -19,7 +19,7 @@ namespace pelmora::sql {
 [[nodiscard]] int compareTexts(std::string_view a, std::string_view b);
 
 [[nodiscard]] inline bool equalNames(std::string_view a, std::string_view b) {
-  return compareTexts(a, b) == 0;
+  return a == b || compareTexts(a, b) == 0;
 }
 
 [[nodiscard]] bool isAscii(std::string_view text);

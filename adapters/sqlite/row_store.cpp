@@ -89,10 +89,11 @@ void RowStore::read(std::size_t row, std::size_t column, Value& value) const {
   }
 }
 
-void RowStore::bindRow(std::size_t row, PreparedStatement& statement) const {
-  for (std::size_t column = 0; column < columns_; ++column) {
-    const Cell& cell = cells_[row * columns_ + column];
-    const int parameter = static_cast<int>(column) + 1;
+void RowStore::bindRows(std::size_t row, std::size_t count, PreparedStatement& statement) const {
+  const std::span<const Cell> cells(cells_.data() + row * columns_, count * columns_);
+  int parameter = 0;
+  for (const Cell& cell : cells) {
+    ++parameter;
     switch (cell.kind) {
       case Kind::null: statement.bindNull(parameter); break;
       case Kind::integer: statement.bind(parameter, cell.integer); break;

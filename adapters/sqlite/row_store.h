@@ -33,8 +33,8 @@ class RowStore {
 
   // Writes the cell to `value`, whose text memory is used again.
   void read(std::size_t row, std::size_t column, Value& value) const;
-  // Binds the cells of `row` to parameters 1 to columns().
-  void bindRow(std::size_t row, PreparedStatement& statement) const;
+  // Binds the cells of `count` rows from `row` on to parameters 1 to count * columns().
+  void bindRows(std::size_t row, std::size_t count, PreparedStatement& statement) const;
 
  private:
   enum class Kind : std::uint32_t { null, integer, real, text };

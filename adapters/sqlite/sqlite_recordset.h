@@ -5,6 +5,7 @@
 #include "adapters/sql_dialect/catalogue.h"
 #include "adapters/sql_dialect/syntax_tree.h"
 #include "adapters/sqlite/row_store.h"
+#include "adapters/sqlite/statement_translations.h"
 #include "store/connection.h"
 
 #include <memory>
@@ -47,13 +48,14 @@ class SqliteRecordset : public Recordset {
   void requireOpen() const;
   [[nodiscard]] const sql::TableShape& outputTable();
   [[nodiscard]] Batch newBatch(std::span<const std::string_view> fields);
-  [[nodiscard]] std::string insertStatement(const Batch& batch) const;
+  [[nodiscard]] std::string insertStatement(const Batch& batch, std::size_t rows) const;
+  void store(const Batch& batch);
   void storeAtOnce(const Batch& batch);
 
   std::shared_ptr<SqliteSession> session_;
   std::string statement_;
   LockType lock_;
-  std::shared_ptr<const sql::Statement> tree_;  // as in DialectStatement
+  std::shared_ptr<const Translation> translation_;
   std::vector<std::string> fields_;
   RowStore rows_{0};
   std::size_t row_ = 0;

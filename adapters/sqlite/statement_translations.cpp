@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <utility>
+#include <variant>
 
 namespace pelmora::sqlite {
 
@@ -110,6 +111,15 @@ StatementPool::Use StatementTranslations::prepare(DialectStatement& statement) {
     }
   }
   return use;
+}
+
+std::string StatementTranslations::rowSelect(const Translation& translation) const {
+  const auto& select = std::get<sql::SelectStatement>(*translation.tree);
+  if (translation.schemaVersion != catalogue_.schemaVersion())
+    return sql::renderRowForSqlite(select, catalogue_);
+  if (translation.rowSelect.empty())
+    translation.rowSelect = sql::renderRowForSqlite(select, catalogue_);
+  return translation.rowSelect;
 }
 
 void StatementTranslations::clear() {

@@ -26,6 +26,7 @@ struct Translation {
   std::string sql;
   std::vector<sql::LiteralParameters::Parameter> parameters;
   std::int64_t schemaVersion = 0;  // of the tables that it was made for
+  mutable std::string rowSelect;   // once it has been asked for
 };
 
 // One statement of the dialect on its way to SQLite.
@@ -50,6 +51,9 @@ class StatementTranslations {
   [[nodiscard]] DialectStatement read(std::string_view text);
   // Ready to run. `statement` must outlive the use. Errors: Error of the renderer; those of SQLite.
   [[nodiscard]] StatementPool::Use prepare(DialectStatement& statement);
+  // Of a SELECT of one table's rows: its columns for the row whose identity is parameter 1.
+  // Errors: Error of the renderer, genericFailure where the database is locked.
+  [[nodiscard]] std::string rowSelect(const Translation& translation) const;
   // Forgets everything: what a transaction has made of the tables was undone.
   void clear();
 

@@ -9,6 +9,7 @@
 #include <limits>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace pelmora {
 namespace {
@@ -68,6 +69,69 @@ TEST(sqlite_recordset, a_batch_is_stored_wholly_or_not_at_all) {
   EXPECT_NE(failureOf([&] { rows->updateBatch(); }).number, 0);
   EXPECT_EQ(file.count("strict"), 1);
   file.execute("Insert into Fluids (Name) VALUES ('still usable')");
+}
+
+TEST(sqlite_recordset, batches_of_any_length_keep_their_rows_in_order) {
+  const CurveFile file;
+  test::PlainSqlite(file.path).run(
+      "CREATE TABLE notes (ID INTEGER PRIMARY KEY, n REAL, words TEXT, loose)");
+  constexpr std::array<std::string_view, 3> fields{"n", "words", "loose"};
+  std::int64_t stored = 0;
+  for (const std::int64_t length : {1, 2, 3, 4, 5, 15, 16, 17, 20, 23, 32, 39, 100}) {
+    const auto rows = batch(file, "Select * from notes");
+    for (std::int64_t i = 0; i < length; ++i) {
+      const std::int64_t n = stored + i;
+      const std::string words = "row " + std::to_string(n) + std::string(static_cast<std::size_t>(n), '.');
+      const Value loose = n % 3 == 0 ? Value() : n % 3 == 1 ? Value(n) : Value(words);
+      rows->addRow(fields, std::array<Value, 3>{n, n % 5 == 0 ? Value() : Value(words), loose});
+    }
+    rows->updateBatch();
+    stored += length;
+    ASSERT_EQ(file.count("notes"), stored);
+  }
+  const auto rows = file.select("Select * from notes ORDER BY ID");
+  for (std::int64_t n = 0; n < stored; ++n, rows->moveNext()) {
+    const std::string words = "row " + std::to_string(n) + std::string(static_cast<std::size_t>(n), '.');
+    ASSERT_EQ(rows->value("ID"), Value(n + 1));
+    ASSERT_EQ(rows->value("n"), Value(static_cast<double>(n)));
+    ASSERT_EQ(rows->value("words"), n % 5 == 0 ? Value() : Value(words));
+    ASSERT_EQ(rows->value("loose"), n % 3 == 0 ? Value() : n % 3 == 1 ? Value(n) : Value(words));
+  }
+}
+
+TEST(sqlite_recordset, rows_of_many_columns_are_stored) {
+  const CurveFile file;
+  std::string columns;
+  std::vector<std::string> names;
+  for (int i = 0; i < 500; ++i) {
+    names.push_back("c" + std::to_string(i));
+    columns += (i == 0 ? "" : ", ") + names.back() + " INTEGER";
+  }
+  test::PlainSqlite(file.path).run("CREATE TABLE wide (" + columns + ")");
+  const auto rows = batch(file, "Select * from wide");
+  const std::vector<std::string_view> fields(names.begin(), names.end());
+  for (std::int64_t row = 0; row < 21; ++row) {
+    std::vector<Value> values;
+    for (std::int64_t i = 0; i < 500; ++i) values.emplace_back(1000 * row + i);
+    rows->addRow(fields, values);
+  }
+  rows->updateBatch();
+  rows->requery();
+  ASSERT_EQ(rows->recordCount(), 21);
+  for (int i = 0; i < 20; ++i) rows->moveNext();
+  EXPECT_EQ(rows->value("c499"), Value(std::int64_t{20499}));
+}
+
+TEST(sqlite_recordset, a_row_that_breaks_a_rule_undoes_its_batch_wherever_it_stands) {
+  const CurveFile file;
+  test::PlainSqlite(file.path).run("CREATE UNIQUE INDEX once ON raw1 (Roshko)");
+  for (const int bad : {0, 7, 16, 30, 36}) {
+    const auto rows = batch(file, "Select * from raw1");
+    for (int i = 0; i < 37; ++i) addPoint(*rows, i == bad ? 1000.0 : 10.0 + i);
+    addPoint(*rows, 1000.0);
+    EXPECT_NE(failureOf([&] { rows->updateBatch(); }).number, 0);
+    EXPECT_EQ(file.count("raw1"), 0);
+  }
 }
 
 TEST(sqlite_recordset, values_that_no_column_can_hold_are_refused_at_once) {
