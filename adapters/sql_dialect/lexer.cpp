@@ -99,6 +99,7 @@ class Lexer {
 std::vector<Token> tokenize(std::string_view statement) {
   Lexer lexer(statement);
   std::vector<Token> tokens;
+  tokens.reserve(statement.size() / 4 + 2);  // most statements have no more
   do {
     tokens.push_back(lexer.next());
   } while (tokens.back().kind != TokenKind::end);

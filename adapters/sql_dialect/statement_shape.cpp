@@ -33,17 +33,13 @@ std::optional<std::int64_t> wholeOf(std::string_view digits) {
   return value;
 }
 
-// The mark of the literal's kind; 0 for any other token.
+// The mark of the kind of a number or text; 0 where it is no plain literal.
 char markOf(const Token& token, PlainLiteral& literal) {
-  if (token.kind == TokenKind::number) {
-    literal.text = std::string(token.source);
-    literal.whole = wholeOf(literal.text);
-    return literal.whole ? wholeNumberMark : '\0';
-  }
-  if (token.kind != TokenKind::text) return '\0';
-  literal.text = contents(token);
+  const bool isNumber = token.kind == TokenKind::number;
+  literal.text = isNumber ? std::string(token.source) : contents(token);
   literal.whole = wholeOf(literal.text);
-  if (literal.whole) return digitsTextMark;
+  if (literal.whole) return isNumber ? wholeNumberMark : digitsTextMark;
+  if (isNumber) return '\0';
   const bool isWords = std::ranges::all_of(literal.text, isPrintableAscii) && !numberOf(literal.text);
   return isWords ? wordsTextMark : '\0';
 }
@@ -58,6 +54,7 @@ std::optional<StatementShape> shapeOf(std::string_view statement) {
   shape.key.reserve(statement.size());
   std::size_t copied = 0;
   for (const Token& token : tokenize(statement)) {
+    if (token.kind != TokenKind::number && token.kind != TokenKind::text) continue;
     PlainLiteral literal;
     const char mark = markOf(token, literal);
     if (mark == '\0') continue;
