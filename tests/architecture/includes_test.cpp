@@ -41,7 +41,7 @@ const std::map<std::string, FolderRule>& rules() {
       {"adapters/dialog", {{"base", "ui", "adapters/os"}, {"FL", "posix", "windows"}}},
       {"adapters/os", {{"base", "ui"}, {"posix", "windows"}}},
       {"adapters/ado", {{"base", "store", "adapters/os"}, {"windows"}}},
-      {"bindings/com", {{"base", "ui", "adapters/os", "adapters/ado"}, {"windows", "xmmintrin.h"}}},
+      {"bindings/com", {{"base", "ui", "adapters/os", "adapters/ado"}, {"windows", "cxxabi.h", "xmmintrin.h"}}},
       {"wiring",
        {{"base", "ui", "store", "adapters/os", "adapters/sqlite", "adapters/stand_csv", "adapters/solver",
          "adapters/band", "adapters/dialog", "adapters/ado"},
