@@ -56,16 +56,12 @@ EquationFolder::Use::Use(const std::string& folder) : before_(platform().compone
 EquationFolder::Use::~Use() { platform().componentFolder = before_; }
 
 EquationFolder::Use EquationFolder::use(const std::optional<std::string>& text, bool ratio) {
-  const std::string name = fileName(ratio);
-  const auto there = files_.find(name);
-  if (!text && there != files_.end()) {
-    folder_.remove(name);
-    files_.erase(there);
-  }
-  if (text && (there == files_.end() || there->second != *text)) {
-    files_.erase(name);
-    folder_.write(name, *text);
-    files_.emplace(name, *text);
+  const auto wanted = text ? std::optional(File{fileName(ratio), *text}) : std::nullopt;
+  if (file_ != wanted) {
+    if (file_) folder_.remove(file_->name);
+    file_.reset();
+    if (wanted) folder_.write(wanted->name, wanted->text);
+    file_ = wanted;
   }
   return Use(folder_.path());
 }

@@ -4,7 +4,6 @@
 
 #include "apps/pelmora/temporary_folder.h"
 
-#include <map>
 #include <optional>
 #include <string>
 
@@ -37,14 +36,19 @@ class EquationFolder {
     std::string before_;
   };
 
-  // The fits of series with and without `ratio` then use these equations; absent: the built-in ones.
+  // Fits then use these equations, from the file for `ratio` or the other one; absent: the built-in ones.
   //
   // Errors: Trouble unexpected where the file cannot be written.
   [[nodiscard]] Use use(const std::optional<std::string>& text, bool ratio);
 
  private:
+  struct File {
+    std::string name, text;
+    bool operator==(const File&) const = default;
+  };
+
   TemporaryFolder folder_;
-  std::map<std::string, std::string> files_;  // their texts, by name
+  std::optional<File> file_;  // never two: the component falls back from one name to the other
 };
 
 }  // namespace pelmora::cli

@@ -114,6 +114,25 @@ TEST_F(refit, keeps_the_settings_of_a_curve) {
   EXPECT_EQ(stored("G0", "S")["curve"], before);
 }
 
+TEST_F(refit, uses_the_equations_of_a_curve_for_no_other_series) {
+  const std::string own = write("own.txt", "Own line\ta+b*log(x)\n");
+  const auto refitted = [&](int meter, const std::string& kept, const std::string& other) {
+    bring(meter, kept, -1);  // falling, as ratios must
+    bring(meter, other, -1);
+    const std::string serialNumber = "G" + std::to_string(meter);
+    done({"fit", curves, "--meter", serialNumber, "--series", kept, "--equations", own, "--band", "2"});
+    return done({"refit", curves, "--meter", serialNumber, "--series", kept, "--series", other, "--series", kept,
+                 "--jobs", "1", "--json"})
+        .json()["series"];
+  };
+  for (const json& series : {refitted(0, "A", "Ratio"), refitted(1, "Ratio", "A"), refitted(2, "A", "B")}) {
+    EXPECT_EQ(series[0]["equation"], "Own line");
+    EXPECT_EQ(series[1]["outcome"], "added") << series;
+    EXPECT_NE(series[1]["equation"], "Own line");
+    EXPECT_EQ(series[2]["equation"], "Own line");
+  }
+}
+
 TEST_F(refit, of_a_dry_run_changes_nothing) {
   all();
   bring(2, "T", 1.001);
