@@ -44,6 +44,8 @@ std::int64_t SqliteCatalogue::schemaVersion() const {
     readVersion_.step();
     const std::int64_t version = sqlite3_column_int64(readVersion_.get(), 0);
     readVersion_.reset();
+    if (version != knownVersion_) known_.clear();
+    knownVersion_ = version;
     return version;
   } catch (const Error&) {
     readVersion_.reset();
@@ -58,10 +60,13 @@ void SqliteCatalogue::forget() const {
 
 std::optional<sql::TableShape> SqliteCatalogue::findTable(std::string_view database,
                                                           std::string_view name) const {
+  if (database == "main") (void)schemaVersion();
+  return findAsTold(database, name);
+}
+
+std::optional<sql::TableShape> SqliteCatalogue::findAsTold(std::string_view database,
+                                                           std::string_view name) const {
   if (database != "main") return readTable(database, name);
-  const std::int64_t version = schemaVersion();
-  if (version != knownVersion_) known_.clear();
-  knownVersion_ = version;
   if (const auto found = known_.find(name); found != known_.end()) return found->second;
   auto table = readTable(database, name);
   if (table) known_.emplace(name, *table);

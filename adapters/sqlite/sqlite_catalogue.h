@@ -25,9 +25,12 @@ class SqliteCatalogue : public sql::Catalogue {
   [[nodiscard]] std::optional<sql::TableShape> findTable(std::string_view database,
                                                          std::string_view name) const override;
 
-  // Of "main": another one after each change of its tables, of whomever.
+  // Of "main": another one after each change of its tables, of whomever. A look at the file.
   // Errors: Error, genericFailure where the database is locked.
   [[nodiscard]] std::int64_t schemaVersion() const;
+  // As findTable, of the version that was told last.
+  [[nodiscard]] std::optional<sql::TableShape> findAsTold(std::string_view database,
+                                                          std::string_view name) const;
   // Forgets what it has read. Needed where a transaction that may have changed tables was undone:
   // the number of its schema version is then given to another schema.
   void forget() const;

@@ -15,6 +15,19 @@ namespace {
 
 using Form = sql::LiteralParameters::Form;
 
+// One look at the file for all tables of a statement.
+class TablesAsTold : public sql::Catalogue {
+ public:
+  explicit TablesAsTold(const SqliteCatalogue& catalogue) : catalogue_(catalogue) {}
+  [[nodiscard]] std::optional<sql::TableShape> findTable(std::string_view database,
+                                                         std::string_view name) const override {
+    return catalogue_.findAsTold(database, name);
+  }
+
+ private:
+  const SqliteCatalogue& catalogue_;
+};
+
 std::vector<std::size_t> fixedLiterals(const sql::StatementShape& shape,
                                        const Translation& translation) {
   std::vector<std::size_t> fixed;
@@ -82,7 +95,7 @@ std::shared_ptr<const Translation> StatementTranslations::translated(
   if (statement.shape) parameters.emplace(*statement.shape);
   auto made = std::make_shared<Translation>();
   made->tree = statement.tree;
-  made->sql = sql::renderForSqlite(*statement.tree, catalogue_, "main",
+  made->sql = sql::renderForSqlite(*statement.tree, TablesAsTold(catalogue_), "main",
                                    parameters ? &*parameters : nullptr);
   if (parameters) made->parameters = parameters->all();
   made->schemaVersion = version;
@@ -115,10 +128,11 @@ StatementPool::Use StatementTranslations::prepare(DialectStatement& statement) {
 
 std::string StatementTranslations::rowSelect(const Translation& translation) const {
   const auto& select = std::get<sql::SelectStatement>(*translation.tree);
+  const TablesAsTold tables(catalogue_);
   if (translation.schemaVersion != catalogue_.schemaVersion())
-    return sql::renderRowForSqlite(select, catalogue_);
+    return sql::renderRowForSqlite(select, tables);
   if (translation.rowSelect.empty())
-    translation.rowSelect = sql::renderRowForSqlite(select, catalogue_);
+    translation.rowSelect = sql::renderRowForSqlite(select, tables);
   return translation.rowSelect;
 }
 
