@@ -40,7 +40,8 @@ char markOf(const Token& token, PlainLiteral& literal) {
   literal.whole = wholeOf(literal.text);
   if (literal.whole) return isNumber ? wholeNumberMark : digitsTextMark;
   if (isNumber) return '\0';
-  const bool isWords = std::ranges::all_of(literal.text, isPrintableAscii) && !numberOf(literal.text);
+  const bool isWords =
+      std::ranges::all_of(literal.text, isPrintableAscii) && !numberOf(literal.text);
   return isWords ? wordsTextMark : '\0';
 }
 

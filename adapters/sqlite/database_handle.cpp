@@ -35,9 +35,9 @@ DatabaseHandle::DatabaseHandle(const std::string& file, OpenMode mode) {
   // A name in double quotes is a name and never a text.
   sqlite3_db_config(opened, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   sqlite3_db_config(opened, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
-  // In KiB. Changes of one transaction wait in memory up to the second size: where they spill into the
-  // file, others cannot read it until the transaction ends. What was only read is kept up to the
-  // first: enough for the upper levels of indexes, and the same for databases of any size.
+  // In KiB. Changes of one transaction wait in memory up to the second size: where they spill into
+  // the file, others cannot read it until the transaction ends. What was only read is kept up to
+  // the first: enough for the upper levels of indexes, and the same for databases of any size.
   run("PRAGMA cache_size = -4096; PRAGMA cache_spill = -65536");
   // What a foreign file brings in its schema gets no function of ours.
   sqlite3_db_config(opened, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);

@@ -66,9 +66,8 @@ void StatementTranslations::keep(const sql::StatementShape& shape,
   if (const auto known = find(shape); known != byKey_.end()) forget(known);
   if (kept_.size() == most) {
     const auto [first, last] = byKey_.equal_range(kept_.back().shape.key);
-    forget(std::find_if(first, last, [&](const auto& known) {
-      return known.second == std::prev(kept_.end());
-    }));
+    forget(std::find_if(first, last,
+                        [&](const auto& known) { return known.second == std::prev(kept_.end()); }));
   }
   auto fixed = fixedLiterals(shape, *translation);
   kept_.push_front({shape, std::move(translation), std::move(fixed)});

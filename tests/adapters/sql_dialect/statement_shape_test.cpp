@@ -30,7 +30,8 @@ struct OpenRendering {
 };
 
 // Nothing where the statement is refused.
-std::optional<OpenRendering> renderedOpen(const std::string& statement, const StatementShape& shape) {
+std::optional<OpenRendering> renderedOpen(const std::string& statement,
+                                          const StatementShape& shape) {
   LiteralParameters parameters(shape);
   try {
     std::string sql =
@@ -89,8 +90,8 @@ TEST(statement_shape, differs_between_kinds_of_literals_and_in_all_else) {
   EXPECT_NE(keyOf(start + "'5'"), keyOf(start + "'five'"));
   EXPECT_NE(keyOf(start + "5"), keyOf(start + "5 "));
   // What is no plain literal stays as it is written.
-  for (const char* literal : {"05", "5.0", "5e0", "1234567890123456", "'05'", "'5.0'", "'1e3'", "'-5'",
-                              "'M\xC3\xBCller'", "'a\tb'", "#1/2/2019#"}) {
+  for (const char* literal : {"05", "5.0", "5e0", "1234567890123456", "'05'", "'5.0'", "'1e3'",
+                              "'-5'", "'M\xC3\xBCller'", "'a\tb'", "#1/2/2019#"}) {
     EXPECT_EQ(keyOf(start + literal), start + literal);
   }
 }
@@ -155,8 +156,8 @@ std::string withOtherValues(const std::string& statement, const StatementShape& 
     if (!isOpen) continue;
     const std::size_t begin = shape.literals[i].position - 1;
     const bool isNumber = statement[begin] != '\'' && statement[begin] != '"';
-    const std::size_t length =
-        isNumber ? shape.literals[i].text.size() : statement.find(statement[begin], begin + 1) - begin + 1;
+    const std::size_t length = isNumber ? shape.literals[i].text.size()
+                                        : statement.find(statement[begin], begin + 1) - begin + 1;
     other.replace(begin, length, otherLiteral(shape.literals[i], isNumber));
   }
   return other;
@@ -164,11 +165,12 @@ std::string withOtherValues(const std::string& statement, const StatementShape& 
 
 TEST(open_rendering, says_the_same_as_the_written_out_one_for_whatever_is_asked) {
   constexpr std::array<const char*, 41> words{
-      "1",  "7",    "'a'",    "'12'",    "\"b\"", "007",   "1.5",     "NOT",  "AND",         "OR",
-      "=",  "=",    "<>",     "<",       "(",     ")",     ",",       "+",    "-",           "&",
-      "id", "name", "Roshko", "meterid", "V1",    "IN (",  "BETWEEN", "LIKE", "JobRecordID", "IS NULL",
-      "ID", "'7'",  "5",      "=",       "AND",   "= 'x'", "= 3",     "= 4)", "IN (1, 2)",   "IN ('a', 6)",
-      ""};
+      "1",           "7",       "'a'",     "'12'",      "\"b\"",       "007",     "1.5",
+      "NOT",         "AND",     "OR",      "=",         "=",           "<>",      "<",
+      "(",           ")",       ",",       "+",         "-",           "&",       "id",
+      "name",        "Roshko",  "meterid", "V1",        "IN (",        "BETWEEN", "LIKE",
+      "JobRecordID", "IS NULL", "ID",      "'7'",       "5",           "=",       "AND",
+      "= 'x'",       "= 3",     "= 4)",    "IN (1, 2)", "IN ('a', 6)", ""};
   constexpr std::array<const char*, 8> starts{
       "Select * from meter where ",
       "Select TOP 2 name, 4 AS n, id = 3 AS t from series where ",
@@ -176,7 +178,8 @@ TEST(open_rendering, says_the_same_as_the_written_out_one_for_whatever_is_asked)
       "Update raw1 SET Roshko = 5 where ",
       "Insert into raw1 (seriesID, Roshko) Select 7 AS seriesID, Roshko from raw1 where ",
       "Insert into raw1 (seriesID, Roshko) Select 7 AS n, Roshko from raw1 ORDER BY ",
-      "Select DISTINCT name from series LEFT JOIN meter ON series.meterid = meter.ID AND meter.ReCalID = ",
+      "Select DISTINCT name from series LEFT JOIN meter ON series.meterid = meter.ID AND "
+      "meter.ReCalID = ",
       "Select COUNT(*), name from series GROUP BY name HAVING name = "};
   std::mt19937 random(4);
   std::uniform_int_distribution<std::size_t> word(0, words.size() - 1);

@@ -26,8 +26,10 @@ class repeated_statements : public testing::Test {
   // Series 1 to 3 have one point each, with ten times their number as Roshko.
   repeated_statements() {
     for (const char* id : {"1", "2", "3"}) {
-      curves.execute(std::string("Insert into series (ID, name, meterid) VALUES (") + id + ", 'S" + id + "', 7)");
-      curves.execute(std::string("Insert into raw1 (seriesID, Roshko) VALUES (") + id + ", " + id + "0)");
+      curves.execute(std::string("Insert into series (ID, name, meterid) VALUES (") + id + ", 'S" +
+                     id + "', 7)");
+      curves.execute(std::string("Insert into raw1 (seriesID, Roshko) VALUES (") + id + ", " + id +
+                     "0)");
     }
   }
   // The values of the first row, joined by blanks.
@@ -35,12 +37,14 @@ class repeated_statements : public testing::Test {
     const auto rows = curves.select(statement);
     if (rows->atEnd()) return "none";
     std::string row;
-    for (std::size_t i = 0; i < rows->fieldCount(); ++i) row += (i == 0 ? "" : " ") + text(rows->value(i));
+    for (std::size_t i = 0; i < rows->fieldCount(); ++i)
+      row += (i == 0 ? "" : " ") + text(rows->value(i));
     return row;
   }
   static std::string text(const Value& value) {
     if (const auto* whole = std::get_if<std::int64_t>(&value)) return std::to_string(*whole);
-    if (const auto* real = std::get_if<double>(&value)) return std::to_string(static_cast<int>(*real));
+    if (const auto* real = std::get_if<double>(&value))
+      return std::to_string(static_cast<int>(*real));
     const auto* words = std::get_if<std::string>(&value);
     return words == nullptr ? "null" : "'" + *words + "'";
   }
@@ -72,7 +76,8 @@ TEST_F(repeated_statements, deliver_the_literals_and_the_number_of_rows_that_the
 }
 
 TEST_F(repeated_statements, tell_numbers_from_texts_in_columns_that_hold_both) {
-  createTable(curves.connection, {"jobs", {{"Job", OwnColumnType::anything}, {"n", OwnColumnType::whole}}});
+  createTable(curves.connection,
+              {"jobs", {{"Job", OwnColumnType::anything}, {"n", OwnColumnType::whole}}});
   curves.execute("Insert into jobs (Job, n) VALUES ('07', 1)");
   curves.execute("Insert into jobs (Job, n) VALUES (7, 2)");
   curves.execute("Insert into jobs (Job, n) VALUES ('8', 3)");
@@ -110,9 +115,11 @@ TEST_F(repeated_statements, compare_with_the_kind_that_a_column_has_by_now) {
   PlainSqlite other(curves.path);
   other.run("CREATE TABLE own (code INTEGER, n INTEGER); INSERT INTO own VALUES (5, 1)");
   EXPECT_EQ(firstRow(statement), "1");
-  other.run("DROP TABLE own; CREATE TABLE own (code TEXT, n INTEGER); INSERT INTO own VALUES ('5', 2)");
+  other.run(
+      "DROP TABLE own; CREATE TABLE own (code TEXT, n INTEGER); INSERT INTO own VALUES ('5', 2)");
   EXPECT_EQ(firstRow(statement), "2");
-  other.run("DROP TABLE own; CREATE TABLE own (code BLOB, n INTEGER); INSERT INTO own VALUES ('5', 3)");
+  other.run(
+      "DROP TABLE own; CREATE TABLE own (code BLOB, n INTEGER); INSERT INTO own VALUES ('5', 3)");
   EXPECT_EQ(firstRow(statement), "3");
 }
 
@@ -122,7 +129,8 @@ TEST_F(repeated_statements, say_that_a_table_is_gone_and_find_it_again) {
   other.run("CREATE TABLE own (n INTEGER); INSERT INTO own VALUES (1)");
   EXPECT_EQ(firstRow(statement), "1");
   other.run("DROP TABLE own");
-  EXPECT_NE(failureOf([&] { (void)curves.select(statement); }).description.find("'own'"), std::string::npos);
+  EXPECT_NE(failureOf([&] { (void)curves.select(statement); }).description.find("'own'"),
+            std::string::npos);
   other.run("CREATE TABLE own (n INTEGER); INSERT INTO own VALUES (1)");
   EXPECT_EQ(firstRow(statement), "1");
 }
@@ -172,7 +180,9 @@ TEST_F(repeated_statements, work_after_one_of_them_has_failed) {
   EXPECT_EQ(insert("1"), sqlite::constraintFailed);
   EXPECT_EQ(insert("2"), 0);
   const auto divide = [&](const std::string& id) {
-    return failureOf([&] { (void)curves.select("Select 1 / (Roshko - 10) AS q from raw1 where seriesID = " + id); })
+    return failureOf([&] {
+             (void)curves.select("Select 1 / (Roshko - 10) AS q from raw1 where seriesID = " + id);
+           })
         .number;
   };
   EXPECT_EQ(divide("2"), 0);
@@ -183,7 +193,9 @@ TEST_F(repeated_statements, work_after_one_of_them_has_failed) {
 TEST_F(repeated_statements, hold_no_lock_between_their_runs) {
   (void)firstRow("Select Roshko from raw1 where seriesID = 1");
   curves.execute("Delete * from raw1 where seriesID = 1");
-  EXPECT_EQ(failureOf([&] { (void)firstRow("Select 1 / (Roshko - 20) AS q from raw1 where seriesID = 2"); }).number,
+  EXPECT_EQ(failureOf([&] {
+              (void)firstRow("Select 1 / (Roshko - 20) AS q from raw1 where seriesID = 2");
+            }).number,
             static_cast<std::int32_t>(RunTimeError::divisionByZero));
   PlainSqlite other(curves.path);
   EXPECT_NO_THROW(other.run("BEGIN EXCLUSIVE; DELETE FROM raw1"));
@@ -205,7 +217,8 @@ TEST_F(repeated_statements, are_undone_with_their_transaction) {
   EXPECT_EQ(curves.count("raw1"), 1);
 }
 
-// A transaction that is undone gives back the number of its schema version, and the next one takes it.
+// A transaction that is undone gives back the number of its schema version, and the next one takes
+// it.
 TEST_F(repeated_statements, know_no_table_of_a_transaction_that_was_undone) {
   const OwnTable before{"own", {{"Code", OwnColumnType::whole}, {"Old", OwnColumnType::whole}}};
   const OwnTable after{"own", {{"Code", OwnColumnType::text}, {"New", OwnColumnType::whole}}};
@@ -254,7 +267,8 @@ TEST_F(repeated_statements, leave_nothing_open_when_the_connection_closes) {
     rows->addRow(fields, std::array<Value, 1>{std::int64_t{4}});
     rows->updateBatch();
     curves.connection->close();
-    EXPECT_NO_THROW(PlainSqlite(curves.path).run("PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE; COMMIT"));
+    EXPECT_NO_THROW(
+        PlainSqlite(curves.path).run("PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE; COMMIT"));
     EXPECT_NE(failureOf([&] { rows->requery(); }).number, 0);
     curves.connection->open();
   }
@@ -273,10 +287,13 @@ TEST_F(repeated_statements, may_be_more_than_are_kept) {
 }
 
 TEST_F(repeated_statements, copy_into_the_file_that_each_of_them_names) {
-  std::array<std::unique_ptr<CurveFile>, 2> others{std::make_unique<CurveFile>(), std::make_unique<CurveFile>()};
+  std::array<std::unique_ptr<CurveFile>, 2> others{std::make_unique<CurveFile>(),
+                                                   std::make_unique<CurveFile>()};
   // The same table at another place of the file.
-  PlainSqlite(others[1]->path).run("DROP TABLE raw1; CREATE TABLE first (a TEXT); "
-                                   "CREATE TABLE raw1 (Roshko REAL, seriesID INTEGER)");
+  PlainSqlite(others[1]->path)
+      .run(
+          "DROP TABLE raw1; CREATE TABLE first (a TEXT); "
+          "CREATE TABLE raw1 (Roshko REAL, seriesID INTEGER)");
   for (const char* id : {"1", "2", "3"}) {
     for (const auto& other : others) {
       curves.execute("INSERT INTO raw1 ( seriesID, Roshko ) IN '" + other->path +

@@ -20,7 +20,9 @@ class statement_pool : public testing::Test {
   statement_pool() : database("", OpenMode::memory), pool(database.get()) {
     database.run("CREATE TABLE t (n INTEGER); INSERT INTO t VALUES (1), (2), (3)");
   }
-  static std::int64_t number(StatementPool::Use& use) { return sqlite3_column_int64(use->get(), 0); }
+  static std::int64_t number(StatementPool::Use& use) {
+    return sqlite3_column_int64(use->get(), 0);
+  }
 
   const std::string select = "SELECT n FROM t WHERE n >= ?1 ORDER BY n";
   DatabaseHandle database;
