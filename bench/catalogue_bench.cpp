@@ -1,8 +1,8 @@
 // How long the catalogue of six equations takes: parameters, standard errors, statistics and 40
 // predicted points of each, reading the equations included.
 // SPDX-License-Identifier: MIT
-#include "adapters/solver/expression_parser.h"
-#include "adapters/solver/solver.h"
+#include "solver/equations/expression_parser.h"
+#include "solver/solver.h"
 #include "bench/catalogue_workload.h"
 
 #include <benchmark/benchmark.h>

@@ -4,7 +4,7 @@
 // against quadruple precision.
 // SPDX-License-Identifier: MIT
 #include "bench/catalogue_workload.h"
-#include "tests/adapters/solver/quad_reference.h"
+#include "tests/solver/quad_reference.h"
 
 #include <benchmark/benchmark.h>
 

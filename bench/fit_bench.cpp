@@ -1,8 +1,8 @@
 // One whole fit of a series as determineFittedCurve runs it, database reads excluded: the catalogue, residual
 // and band tests, the report, and the outcome with its bands and warnings.
 // SPDX-License-Identifier: MIT
-#include "adapters/band/band.h"
-#include "adapters/solver/solver.h"
+#include "band/band.h"
+#include "solver/solver.h"
 #include "engine/clsDataFit.h"
 
 #include <benchmark/benchmark.h>

@@ -1,11 +1,12 @@
-# One target per folder: pelmora_layer(store USES base SOURCES store/location.cpp LIBRARIES ...)
+# One target per folder: pelmora_layer(store USES base SOURCES location.cpp LIBRARIES ...)
 #
 # Each layer is an object library; all of them together make the library `pelmora` and, for the tests
 # that look inside, the static archive `pelmora_internal`.
 
 add_library(pelmora_options INTERFACE)
 target_compile_features(pelmora_options INTERFACE cxx_std_20)
-target_include_directories(pelmora_options INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+target_include_directories(pelmora_options INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/src
+  ${PROJECT_SOURCE_DIR}/include)
 if(MSVC)
   target_compile_options(pelmora_options INTERFACE /W4 $<$<BOOL:${PELMORA_WARNINGS_AS_ERRORS}>:/WX>)
 else()
@@ -24,7 +25,6 @@ function(pelmora_layer folder)
   cmake_parse_arguments(arg "" "" "USES;SOURCES;LIBRARIES" ${ARGN})
   string(REPLACE "/" "_" layer ${folder})
   set(target pelmora_${layer})
-  list(TRANSFORM arg_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/${folder}/)
   add_library(${target} OBJECT ${arg_SOURCES})
   set_target_properties(${target} PROPERTIES
     POSITION_INDEPENDENT_CODE ON

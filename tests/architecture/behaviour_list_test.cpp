@@ -1,5 +1,7 @@
 // The host's manual, docs/behaviour.md and its pages, names a test for each row, and each is there.
 // SPDX-License-Identifier: MIT
+#include "tests/support/places.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -19,7 +21,7 @@ namespace fs = std::filesystem;
 constexpr std::size_t fewestRows = 400;
 constexpr std::size_t longestPage = 300;
 
-const fs::path root = PELMORA_SOURCE_DIR;
+const fs::path root = pelmora::test::sourceFolder();
 
 std::string textOf(const fs::path& file) {
   std::ifstream stream(file, std::ios::binary);

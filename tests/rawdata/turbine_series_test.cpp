@@ -3,6 +3,7 @@
 #include "rawdata/import_caldb.h"
 #include "rawdata/raw_series.h"
 #include "tests/support/curve_database.h"
+#include "tests/support/places.h"
 
 #include <map>
 #include <sstream>
@@ -13,7 +14,7 @@ namespace {
 // The expected values carry 12 significant digits: half a unit of the last one is at most 5E-12.
 constexpr double tolerance = 1E-9;
 
-const std::string folder = PELMORA_SOURCE_DIR "/examples/data/";
+const std::string folder = test::sourceFolder() + "/examples/data/";
 
 using Record = std::map<std::string, std::string>;
 

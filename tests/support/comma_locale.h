@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/places.h"
+
 #include <unistd.h>
 
 #include <clocale>
@@ -32,7 +34,7 @@ class CommaLocale {
 
   [[nodiscard]] bool isSet() const { return std::string(std::localeconv()->decimal_point) == ","; }
   // What LOCPATH has to be for programs that are to find it.
-  static std::string folder() { return PELMORA_BUILD_DIR "/test_locales"; }
+  static std::string folder() { return buildFolder() + "/test_locales"; }
 
  private:
   // Made beside its place and moved there: another test may be making it at the same time.

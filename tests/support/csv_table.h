@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/places.h"
+
 #include <fstream>
 #include <map>
 #include <sstream>
@@ -38,7 +40,7 @@ inline std::vector<CsvRow> readCsv(const std::string& path) {
 
 // A data file of the examples.
 inline std::string exampleData(const std::string& file) {
-  return std::string(PELMORA_SOURCE_DIR) + "/examples/data/" + file;
+  return sourceFolder() + "/examples/data/" + file;
 }
 
 }  // namespace pelmora::test

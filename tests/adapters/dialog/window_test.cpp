@@ -1,6 +1,7 @@
 // The window as an operator sees and uses it.
 // SPDX-License-Identifier: MIT
 #include "tests/adapters/dialog/virtual_display.h"
+#include "tests/support/places.h"
 #include "ui/show_message.h"
 
 #include <pelmora/dialog.h>
@@ -66,7 +67,7 @@ class window : public testing::Test {
   }
 
   static std::string picture(const std::string& name) {
-    const std::filesystem::path folder = std::filesystem::path(PELMORA_BUILD_DIR) / "screenshots";
+    const std::filesystem::path folder = std::filesystem::path(test::buildFolder()) / "screenshots";
     std::filesystem::create_directories(folder);
     return (folder / (name + ".png")).string();
   }

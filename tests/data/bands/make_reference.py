@@ -1,4 +1,4 @@
-"""Bands and Student quantiles by SciPy, for tests/adapters/solver/bands_test.cpp. Prints reference.json.
+"""Bands and Student quantiles by SciPy, for tests/solver/bands_test.cpp. Prints reference.json.
 
 Formulas: the textbook ones for linear regression, as R's predict.lm documents them for interval =
 "confidence" and "prediction": fit +- t(0.975, n - p) s sqrt(h) and s sqrt(1 + h), h = v' (X'X)^-1 v.

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#include "solver/linear/power_curve.h"
+
+#include "solver/linear/function_column.h"
+#include "solver/arithmetic/point_kernels.h"
+
+#include <cmath>
+#include <utility>
+
+namespace pelmora::solver {
+
+PowerCurve::PowerCurve(Expression expression, NodeId base, std::shared_ptr<const PowerFit> fit,
+                       std::size_t p)
+    : expression_(std::move(expression)), base_(base), fit_(std::move(fit)),
+      columnParameters_(fit_->columnParameters(p)) {}
+
+Column PowerCurve::functionAt(std::span<const double> x) const {
+  return columnOfFunction(expression_, base_, x);
+}
+
+std::vector<double> PowerCurve::values(std::span<const double> x) const {
+  if (x.empty()) return {};
+  const Column u = functionAt(x);
+  std::vector<double> result(x.size());
+  if (fit_->hasPole) {
+    std::vector<double> columns(columnParameters_.size());
+    for (std::size_t k = 0; k < x.size(); ++k) {
+      fit_->columnsAt(u.hi[k], columns);
+      // From the highest power down: the small parts first.
+      for (std::size_t j = columns.size(); j-- > 0;) result[k] += columnParameters_[j].hi * columns[j];
+    }
+    return result;
+  }
+  CurveTask task;
+  task.u = {u.hi.data(), u.lo.data()};
+  task.parameters = columnParameters_.data();
+  task.p = columnParameters_.size();
+  task.n = x.size();
+  task.lowest = fit_->lowest;
+  task.middle = fit_->middle;
+  task.stretch = fit_->stretch;
+  task.values = result.data();
+  pointKernels().curve(task);
+  return result;
+}
+
+std::vector<double> PowerCurve::unitErrors(std::span<const double> x) const {
+  std::vector<double> result = functionAt(x).hi;
+  const UpperTriangle& r = fit_->fit.factor.r;
+  std::vector<double> columns(columnParameters_.size());
+  for (double& value : result) {
+    fit_->columnsAt(value, columns);
+    double sum = 0;
+    for (std::size_t j = 0; j < columns.size(); ++j) {  // R'^-1 times the columns
+      for (std::size_t i = 0; i < j; ++i) columns[j] -= r.at(i, j).hi * columns[i];
+      columns[j] /= r.at(j, j).hi;
+      sum += columns[j] * columns[j];
+    }
+    value = std::sqrt(sum);
+  }
+  return result;
+}
+
+}  // namespace pelmora::solver
