@@ -1,7 +1,7 @@
-// The same catalogue by the tools that a laboratory could use instead: Eigen's column-pivoting QR and
-// LAPACK's dgels, GSL's multifit where it is installed, with standard errors, statistics and 40 predicted points. Built for the instruction
-// set of the machine, for their best times. `digits` counts those of the worst parameter of order 10
-// against quadruple precision.
+// The same catalogue by the tools that a laboratory could use instead: Eigen's column-pivoting QR
+// and LAPACK's dgels, GSL's multifit where it is installed, with standard errors, statistics and 40
+// predicted points. Built for the instruction set of the machine, for their best times. `digits`
+// counts those of the worst parameter of order 10 against quadruple precision.
 // SPDX-License-Identifier: MIT
 #include "bench/catalogue_workload.h"
 #include "tests/solver/quad_reference.h"
@@ -17,8 +17,9 @@
 #include <cmath>
 #include <vector>
 
-extern "C" void dgels_(const char* trans, const int* m, const int* n, const int* nrhs, double* a, const int* lda,
-                       double* b, const int* ldb, double* work, const int* lwork, int* info);
+extern "C" void dgels_(const char* trans, const int* m, const int* n, const int* nrhs, double* a,
+                       const int* lda, double* b, const int* ldb, double* work, const int* lwork,
+                       int* info);
 
 namespace pelmora::bench {
 namespace {
@@ -35,15 +36,17 @@ Eigen::MatrixXd design(const std::vector<double>& x, int order) {
       double power = 1;
       for (Eigen::Index j = 0; j <= order; ++j, power *= l) columns(i, j) = power;
     } else {
-      for (Eigen::Index j = 0; j < 9; ++j) columns(i, j) = std::pow(l, reciprocals[static_cast<std::size_t>(j)]);
+      for (Eigen::Index j = 0; j < 9; ++j)
+        columns(i, j) = std::pow(l, reciprocals[static_cast<std::size_t>(j)]);
     }
   }
   return columns;
 }
 
 // What every fit owes beside its parameters.
-Eigen::VectorXd finish(const Eigen::MatrixXd& columns, const Eigen::VectorXd& y, const Eigen::VectorXd& parameters,
-            const Eigen::MatrixXd& inverse, const Eigen::MatrixXd& grid) {
+Eigen::VectorXd finish(const Eigen::MatrixXd& columns, const Eigen::VectorXd& y,
+                       const Eigen::VectorXd& parameters, const Eigen::MatrixXd& inverse,
+                       const Eigen::MatrixXd& grid) {
   const Eigen::VectorXd residuals = y - columns * parameters;
   const double squares = residuals.squaredNorm();
   const double variance = squares / static_cast<double>(y.size() - parameters.size());
@@ -74,18 +77,20 @@ void fitAll(benchmark::State& state, const Solve& solve) {
 }
 
 void eigenPivotingQr(benchmark::State& state) {
-  fitAll(state, [](const Eigen::MatrixXd& columns, const Eigen::VectorXd& y, const Eigen::MatrixXd& grid) {
-    const Eigen::ColPivHouseholderQR<Eigen::MatrixXd> qr(columns);
-    const Eigen::VectorXd parameters = qr.solve(y);
-    const Eigen::Index p = columns.cols();
-    Eigen::MatrixXd inverse = Eigen::MatrixXd::Identity(p, p);
-    qr.matrixR().topLeftCorner(p, p).triangularView<Eigen::Upper>().solveInPlace(inverse);
-    return finish(columns, y, parameters, qr.colsPermutation() * inverse, grid);
-  });
+  fitAll(state,
+         [](const Eigen::MatrixXd& columns, const Eigen::VectorXd& y, const Eigen::MatrixXd& grid) {
+           const Eigen::ColPivHouseholderQR<Eigen::MatrixXd> qr(columns);
+           const Eigen::VectorXd parameters = qr.solve(y);
+           const Eigen::Index p = columns.cols();
+           Eigen::MatrixXd inverse = Eigen::MatrixXd::Identity(p, p);
+           qr.matrixR().topLeftCorner(p, p).triangularView<Eigen::Upper>().solveInPlace(inverse);
+           return finish(columns, y, parameters, qr.colsPermutation() * inverse, grid);
+         });
 }
 
 void lapackDgels(benchmark::State& state) {
-  fitAll(state, [](const Eigen::MatrixXd& columns, const Eigen::VectorXd& y, const Eigen::MatrixXd& grid) {
+  fitAll(state, [](const Eigen::MatrixXd& columns, const Eigen::VectorXd& y,
+                   const Eigen::MatrixXd& grid) {
     Eigen::MatrixXd factored = columns;
     Eigen::VectorXd right = y;
     const int n = static_cast<int>(columns.rows()), p = static_cast<int>(columns.cols()), one = 1;
@@ -103,9 +108,11 @@ void lapackDgels(benchmark::State& state) {
 // By singular values; its covariance comes with the fit.
 void gslMultifit(benchmark::State& state) {
   using Rows = Eigen::Matrix<double, Eigen::Dynamic, Eigen::Dynamic, Eigen::RowMajor>;
-  fitAll(state, [](const Eigen::MatrixXd& columns, const Eigen::VectorXd& y, const Eigen::MatrixXd& grid) {
+  fitAll(state, [](const Eigen::MatrixXd& columns, const Eigen::VectorXd& y,
+                   const Eigen::MatrixXd& grid) {
     const Rows rows = columns;
-    const auto n = static_cast<std::size_t>(columns.rows()), p = static_cast<std::size_t>(columns.cols());
+    const auto n = static_cast<std::size_t>(columns.rows()),
+               p = static_cast<std::size_t>(columns.cols());
     const auto x = gsl_matrix_const_view_array(rows.data(), n, p);
     const auto right = gsl_vector_const_view_array(y.data(), n);
     Eigen::VectorXd parameters(columns.cols());
@@ -137,7 +144,12 @@ void onePassOverMemory(benchmark::State& state) {
 
 BENCHMARK(eigenPivotingQr)->Arg(50)->Arg(500)->Arg(5000)->Arg(32000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(lapackDgels)->Arg(50)->Arg(500)->Arg(5000)->Arg(32000)->Unit(benchmark::kMicrosecond);
-BENCHMARK(onePassOverMemory)->Arg(50)->Arg(500)->Arg(5000)->Arg(32000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(onePassOverMemory)
+    ->Arg(50)
+    ->Arg(500)
+    ->Arg(5000)
+    ->Arg(32000)
+    ->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 }  // namespace pelmora::bench

@@ -16,11 +16,13 @@ inline const std::vector<std::pair<std::string, std::string>>& catalogue() {
     std::vector<std::pair<std::string, std::string>> list;
     std::string polynomial = "a+b*log(x)";
     for (int order = 2; order <= 10; ++order) {
-      polynomial += std::string("+") + static_cast<char>('a' + order) + "*log(x)^" + std::to_string(order);
+      polynomial +=
+          std::string("+") + static_cast<char>('a' + order) + "*log(x)^" + std::to_string(order);
       if (order >= 6) list.emplace_back("Polynomial order " + std::to_string(order), polynomial);
     }
     list.emplace_back("Powers of ln(x)",
-                      "a+b*ln(x)+c/ln(x)+d*(ln(x))^2+e/(ln(x))^2+f*(ln(x))^3+g/(ln(x))^3+h*(ln(x))^4+i/(ln(x))^4");
+                      "a+b*ln(x)+c/ln(x)+d*(ln(x))^2+e/(ln(x))^2+f*(ln(x))^3+g/"
+                      "(ln(x))^3+h*(ln(x))^4+i/(ln(x))^4");
     return list;
   }();
   return equations;

@@ -1,5 +1,5 @@
-// One whole fit of a series as determineFittedCurve runs it, database reads excluded: the catalogue, residual
-// and band tests, the report, and the outcome with its bands and warnings.
+// One whole fit of a series as determineFittedCurve runs it, database reads excluded: the
+// catalogue, residual and band tests, the report, and the outcome with its bands and warnings.
 // SPDX-License-Identifier: MIT
 #include "band/band.h"
 #include "solver/solver.h"
@@ -13,8 +13,8 @@
 namespace pelmora {
 namespace {
 
-// A rotor's curve over two decades with noise that no equation fits to R2 >= 0.9999, so that all six are
-// fitted, tested and reported.
+// A rotor's curve over two decades with noise that no equation fits to R2 >= 0.9999, so that all
+// six are fitted, tested and reported.
 PointArray noisySeries(std::size_t count) {
   PointArray points(count);
   std::mt19937 random(7);
@@ -23,7 +23,8 @@ PointArray noisySeries(std::size_t count) {
     const double t = static_cast<double>(i) / static_cast<double>(count - 1);
     const double x = 10 * std::pow(150.0, t);
     points(i, 0) = x;
-    points(i, 1) = 1300 * (1 - 0.6 / x - 0.01 * std::exp(-std::pow(std::log(x / 90), 2))) * (1 + noise(random));
+    points(i, 1) = 1300 * (1 - 0.6 / x - 0.01 * std::exp(-std::pow(std::log(x / 90), 2))) *
+                   (1 + noise(random));
   }
   return points;
 }
@@ -49,7 +50,8 @@ void wholeFit(benchmark::State& state) {
     if (!ArrayIsEmpty) ++fitted;
     fitted += outcome.Equations.size() - 6;
   }
-  if (fitted != static_cast<std::size_t>(state.iterations())) state.SkipWithError("a fit found no curve");
+  if (fitted != static_cast<std::size_t>(state.iterations()))
+    state.SkipWithError("a fit found no curve");
 }
 BENCHMARK(wholeFit)->Arg(60)->Arg(500)->Arg(5000)->Unit(benchmark::kMillisecond);
 

@@ -80,7 +80,10 @@ void addImport(CLI::App& command, ImportRequest& request, RunOptions& runs) {
                   "Stand database, or CSV export with header JobRecordID,V1..V37")
       ->required()
       ->type_name("FILE");
-  command.add_option("--job", runs.jobs, "Job of a run; repeat for each run (of two jobs A:B the import takes the first and says so)")
+  command
+      .add_option("--job", runs.jobs,
+                  "Job of a run; repeat for each run (of two jobs A:B the import takes the first "
+                  "and says so)")
       ->required()
       ->expected(1)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)

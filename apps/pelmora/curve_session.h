@@ -18,8 +18,8 @@ namespace pelmora::cli {
 
 enum class Access { read, write };
 
-// While it lives, the component's operations of this thread that open the database work on its connection, so that a
-// transaction of it holds their changes too.
+// While it lives, the component's operations of this thread that open the database work on its
+// connection, so that a transaction of it holds their changes too.
 class CurveSession {
  public:
   // Errors: Trouble database where the file is missing, foreign, locked or, with Access::write, may
@@ -75,6 +75,7 @@ void requireName(const std::string& what, const std::string& name);
 
 // "1 point", "2 points".
 [[nodiscard]] std::string counted(std::size_t count, const std::string& thing);
-[[nodiscard]] std::string counted(std::size_t count, const std::string& thing, const std::string& things);
+[[nodiscard]] std::string counted(std::size_t count, const std::string& thing,
+                                  const std::string& things);
 
 }  // namespace pelmora::cli

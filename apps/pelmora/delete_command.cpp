@@ -51,9 +51,10 @@ std::vector<Target> targets(CurveSession& session, const DeleteOptions& options)
   if (!options.wholeMeter) {
     Target target{session.requireMeter(options.meter, options.reCalID), options.series, {}, {}};
     const std::int32_t id = target.meter.MeterID;
-    target.scope = options.series.empty()
-                       ? history::wholeCalibration(id)
-                       : history::wholeSeries(id, session.requireSeriesID(target.meter, options.series));
+    target.scope =
+        options.series.empty()
+            ? history::wholeCalibration(id)
+            : history::wholeSeries(id, session.requireSeriesID(target.meter, options.series));
     return {target};
   }
   bool isEmpty = true;
@@ -97,10 +98,11 @@ nlohmann::json targetsJson(const std::vector<Target>& list) {
   for (const Target& target : list) {
     nlohmann::json rows = nlohmann::json::object();
     for (const auto& [name, count] : target.outcome.Rows) rows[rowsKey(name)] = count;
-    deleted.push_back({{"meter", target.meter.SerialNumber},
-                       {"calibration", target.meter.ReCalID},
-                       {"series", target.series.empty() ? nlohmann::json() : nlohmann::json(target.series)},
-                       {"rows", rows}});
+    deleted.push_back(
+        {{"meter", target.meter.SerialNumber},
+         {"calibration", target.meter.ReCalID},
+         {"series", target.series.empty() ? nlohmann::json() : nlohmann::json(target.series)},
+         {"rows", rows}});
   }
   return deleted;
 }
@@ -118,7 +120,8 @@ void deleteStored(const DeleteOptions& options) {
     requireConsent("Delete this?", options.consent);
     remove(change, list);
   }
-  if (!options.asJson) return printData((options.isDryRun ? "" : "Deleted.\n") + change.closingText());
+  if (!options.asJson)
+    return printData((options.isDryRun ? "" : "Deleted.\n") + change.closingText());
   nlohmann::json value{{"database", session.path()}, {"deleted", targetsJson(list)}};
   change.addTo(value);
   printData(jsonText(value));
@@ -127,14 +130,16 @@ void deleteStored(const DeleteOptions& options) {
 }  // namespace
 
 void addDeleteCommand(CLI::App& app) {
-  CLI::App& command = *app.add_subcommand(
-      "delete",
-      "Delete a series (--series), a calibration (--calibration) or all of a meter (--whole-meter) with everything that "
-      "belongs to it. What is deleted is kept in the history.");
+  CLI::App& command =
+      *app.add_subcommand("delete",
+                          "Delete a series (--series), a calibration (--calibration) or all of a "
+                          "meter (--whole-meter) with everything that "
+                          "belongs to it. What is deleted is kept in the history.");
   const auto options = std::make_shared<DeleteOptions>();
   addDatabase(command, options->path);
   addMeter(command, options->meter, true);
-  command.add_option("--series", options->series, "Delete this series of the calibration")->type_name("NAME");
+  command.add_option("--series", options->series, "Delete this series of the calibration")
+      ->type_name("NAME");
   addCalibration(command, options->reCalID);
   command.add_flag("--whole-meter", options->wholeMeter, "Delete all calibrations of the meter");
   addConsent(command, options->consent);

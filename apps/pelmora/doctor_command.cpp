@@ -61,7 +61,8 @@ Examination examined(StoredChange& change, bool repairs) {
   });
 }
 
-std::string repairText(const Examination& examination, const Finding& finding, const StoredChange& change) {
+std::string repairText(const Examination& examination, const Finding& finding,
+                       const StoredChange& change) {
   if (isLeft(examination, finding)) return finding.CanBeRepaired ? "--repair" : "-";
   return change.isDryRun() ? "would be" : "repaired";
 }
@@ -70,17 +71,22 @@ std::string findingLines(const Finding& finding) {
   const Colour colour = finding.Level == Severity::error     ? Colour::red
                         : finding.Level == Severity::warning ? Colour::yellow
                                                              : Colour::green;
-  std::string text = coloured(stdout, colour, severityText(finding.Level)) + " " + finding.ID + "\n" +
-                     wrapped(finding.Text + ": " + std::to_string(finding.Count) +
-                                 (finding.Example.empty() ? "" : "; for example " + finding.Example) + ".",
-                             2);
+  std::string text =
+      coloured(stdout, colour, severityText(finding.Level)) + " " + finding.ID + "\n" +
+      wrapped(finding.Text + ": " + std::to_string(finding.Count) +
+                  (finding.Example.empty() ? "" : "; for example " + finding.Example) + ".",
+              2);
   if (!finding.Remedy.empty()) text += wrapped("Remedy: " + finding.Remedy + ".", 2);
   return text;
 }
 
-std::string examinationText(const Examination& examination, const StoredChange& change, const std::string& path) {
+std::string examinationText(const Examination& examination, const StoredChange& change,
+                            const std::string& path) {
   if (examination.before.empty()) return wrapped("Nothing is wrong with " + path + ".", 0);
-  TextTable table({{"Level", Align::left}, {"Check", Align::left}, {"Count", Align::right}, {"Repair", Align::left}});
+  TextTable table({{"Level", Align::left},
+                   {"Check", Align::left},
+                   {"Count", Align::right},
+                   {"Repair", Align::left}});
   std::string details;
   for (const Finding& finding : examination.before) {
     table.addRow({severityText(finding.Level), finding.ID, std::to_string(finding.Count),
@@ -107,7 +113,8 @@ nlohmann::json examinationJson(const Examination& examination) {
 
 void examine(const DoctorOptions& options) {
   if (options.isDryRun && !options.repairs) {
-    throw Trouble(ExitCode::usage, "--dry-run belongs to --repair", "without --repair nothing is changed anyway");
+    throw Trouble(ExitCode::usage, "--dry-run belongs to --repair",
+                  "without --repair nothing is changed anyway");
   }
   CurveSession session(options.path, options.repairs ? Access::write : Access::read);
   StoredChange change(session, "doctor", options.isDryRun);
@@ -122,25 +129,29 @@ void examine(const DoctorOptions& options) {
     printData(jsonText(value));
   } else {
     const std::string closing = options.repairs ? change.closingText() : "";
-    printData(examinationText(examination, change, session.path()) + (closing.empty() ? "" : "\n") + closing);
+    printData(examinationText(examination, change, session.path()) + (closing.empty() ? "" : "\n") +
+              closing);
   }
   if (!hasProblems) return;
   const bool helps = std::any_of(examination.after.begin(), examination.after.end(),
                                  [](const Finding& finding) { return finding.CanBeRepaired; });
   throw Trouble(ExitCode::badInput, "'" + session.path() + "' has problems",
-                helps ? "mend what is safe with --repair; the rest is told above" : "what helps is told above");
+                helps ? "mend what is safe with --repair; the rest is told above"
+                      : "what helps is told above");
 }
 
 }  // namespace
 
 void addDoctorCommand(CLI::App& app) {
-  CLI::App& command = *app.add_subcommand(
-      "doctor",
-      "Check a curve database: numbers that are none, doubles, orphaned rows, series without points, curves older than "
-      "their points, missing indexes. Ends with 5 where problems remain.");
+  CLI::App& command =
+      *app.add_subcommand("doctor",
+                          "Check a curve database: numbers that are none, doubles, orphaned rows, "
+                          "series without points, curves older than "
+                          "their points, missing indexes. Ends with 5 where problems remain.");
   const auto options = std::make_shared<DoctorOptions>();
   addDatabase(command, options->path);
-  command.add_flag("--repair", options->repairs, "Mend what is safe; rows that go are kept in the history");
+  command.add_flag("--repair", options->repairs,
+                   "Mend what is safe; rows that go are kept in the history");
   addDryRun(command, options->isDryRun);
   addJson(command, options->asJson);
   command.callback([options] { examine(*options); });

@@ -42,20 +42,25 @@ void list(const HistoryOptions& options) {
   CurveSession session(options.path, Access::read);
   history::EntryFilter filter{options.meter, options.series, std::nullopt};
   if (options.reCalID >= 0) filter.ReCalID = options.reCalID;
-  const auto entries = asDatabaseTrouble("reading the history of '" + session.path() + "'",
-                                         [&] { return history::entries(session.connection(), filter); });
-  if (options.asJson) return printData(jsonText({{"database", session.path()}, {"entries", entriesJson(entries)}}));
+  const auto entries = asDatabaseTrouble("reading the history of '" + session.path() + "'", [&] {
+    return history::entries(session.connection(), filter);
+  });
+  if (options.asJson)
+    return printData(jsonText({{"database", session.path()}, {"entries", entriesJson(entries)}}));
   if (entries.empty()) return printData("Nothing that was replaced is kept here.\n");
-  printData(entriesTable(entries) + "\n" +
-            wrapped("Points are those that were there before each command. Bring an entry's rows back with "
-                    "'pelmora restore " +
-                        session.path() + " #'.",
-                    0));
+  printData(
+      entriesTable(entries) + "\n" +
+      wrapped(
+          "Points are those that were there before each command. Bring an entry's rows back with "
+          "'pelmora restore " +
+              session.path() + " #'.",
+          0));
 }
 
 void prune(const HistoryOptions& options) {
   if (!options.olderThan && !options.keep) {
-    throw Trouble(ExitCode::usage, "--prune does not say what may go", "give --older-than DAYS, --keep N or both");
+    throw Trouble(ExitCode::usage, "--prune does not say what may go",
+                  "give --older-than DAYS, --keep N or both");
   }
   CurveSession session(options.path, Access::write);
   history::Pruning pruning;
@@ -64,54 +69,66 @@ void prune(const HistoryOptions& options) {
   const auto old = history::prunable(session.connection(), pruning);
   if (!options.asJson) printData(old.empty() ? "No entry is to go.\n" : entriesTable(old));
   if (!options.isDryRun && !old.empty()) {
-    requireConsent("Remove " + counted(old.size(), "entry", "entries") + " for good?", options.consent);
+    requireConsent("Remove " + counted(old.size(), "entry", "entries") + " for good?",
+                   options.consent);
     asDatabaseTrouble("removing entries of '" + session.path() + "'",
                       [&] { history::removeEntries(session.connection(), old); });
   }
   if (options.asJson) {
-    return printData(jsonText(
-        {{"database", session.path()}, {"removed", entriesJson(old)}, {"dryRun", options.isDryRun}}));
+    return printData(jsonText({{"database", session.path()},
+                               {"removed", entriesJson(old)},
+                               {"dryRun", options.isDryRun}}));
   }
   if (options.isDryRun) return printData("\nDry run: nothing was changed.\n");
   if (!old.empty()) printData("\nRemoved " + counted(old.size(), "entry", "entries") + ".\n");
 }
 
-void addCount(CLI::App& command, const std::string& name, std::optional<std::int64_t>& value, std::int64_t most,
-              const std::string& unit, const std::string& help) {
+void addCount(CLI::App& command, const std::string& name, std::optional<std::int64_t>& value,
+              std::int64_t most, const std::string& unit, const std::string& help) {
   command
       .add_option_function<std::string>(
-          name, [&value, name, most](const std::string& text) { value = integerOption(name, text, 0, most); }, help)
+          name,
+          [&value, name, most](const std::string& text) {
+            value = integerOption(name, text, 0, most);
+          },
+          help)
       ->type_name(unit);
 }
 
 void history(const HistoryOptions& options) {
   if (options.meter.empty() && (!options.series.empty() || options.reCalID >= 0)) {
-    throw Trouble(ExitCode::usage, "--series and --calibration need a meter", "give --meter SN as well");
+    throw Trouble(ExitCode::usage, "--series and --calibration need a meter",
+                  "give --meter SN as well");
   }
   const bool hasFilter = !options.meter.empty();
-  const bool hasPruneOption = options.olderThan || options.keep || options.isDryRun || options.consent.isGiven;
+  const bool hasPruneOption =
+      options.olderThan || options.keep || options.isDryRun || options.consent.isGiven;
   if (!options.isPruning && hasPruneOption) {
-    throw Trouble(ExitCode::usage, "--older-than, --keep, --dry-run and --yes belong to --prune", "add --prune");
+    throw Trouble(ExitCode::usage, "--older-than, --keep, --dry-run and --yes belong to --prune",
+                  "add --prune");
   }
   if (!options.isPruning) return list(options);
-  if (hasFilter) throw Trouble(ExitCode::usage, "--prune takes no meter", "give --older-than DAYS or --keep N");
+  if (hasFilter)
+    throw Trouble(ExitCode::usage, "--prune takes no meter", "give --older-than DAYS or --keep N");
   prune(options);
 }
 
 }  // namespace
 
 void addHistoryCommand(CLI::App& app) {
-  CLI::App& command = *app.add_subcommand(
-      "history",
-      "Show what commands have replaced or deleted, newest first; --prune removes old entries for good");
+  CLI::App& command = *app.add_subcommand("history",
+                                          "Show what commands have replaced or deleted, newest "
+                                          "first; --prune removes old entries for good");
   const auto options = std::make_shared<HistoryOptions>();
   addDatabase(command, options->path);
   addMeter(command, options->meter, false);
   addSeries(command, options->series, false);
   addCalibration(command, options->reCalID);
   command.add_flag("--prune", options->isPruning, "Remove old entries");
-  addCount(command, "--older-than", options->olderThan, mostDays, "DAYS", "Prune entries of more than so many days");
-  addCount(command, "--keep", options->keep, mostEntries, "N", "Keep the newest N entries in any case");
+  addCount(command, "--older-than", options->olderThan, mostDays, "DAYS",
+           "Prune entries of more than so many days");
+  addCount(command, "--keep", options->keep, mostEntries, "N",
+           "Keep the newest N entries in any case");
   addConsent(command, options->consent);
   addDryRun(command, options->isDryRun);
   addJson(command, options->asJson);

@@ -17,18 +17,19 @@ struct TableWords {
   const char *table, *name, *key;
 };
 
-constexpr std::array<TableWords, 12> words{{{"meter", "calibration", "calibrations"},
-                                            {"series", "series", "series"},
-                                            {"CalSetup", "set-ups", "setups"},
-                                            {"CalDataPoint", "stand points", "standPoints"},
-                                            {"raw1", "raw part 1", "raw1"},
-                                            {"raw2", "raw part 2", "raw2"},
-                                            {"raw3", "raw part 3", "raw3"},
-                                            {"raw4", "raw part 4", "raw4"},
-                                            {"merge", "merged points", "merged"},
-                                            {"curve", "curve points", "curve"},
-                                            {"DataFitResults", "report", "reports"},
-                                            {"pelmora_fit_settings", "fit settings", "fitSettings"}}};
+constexpr std::array<TableWords, 12> words{
+    {{"meter", "calibration", "calibrations"},
+     {"series", "series", "series"},
+     {"CalSetup", "set-ups", "setups"},
+     {"CalDataPoint", "stand points", "standPoints"},
+     {"raw1", "raw part 1", "raw1"},
+     {"raw2", "raw part 2", "raw2"},
+     {"raw3", "raw part 3", "raw3"},
+     {"raw4", "raw part 4", "raw4"},
+     {"merge", "merged points", "merged"},
+     {"curve", "curve points", "curve"},
+     {"DataFitResults", "report", "reports"},
+     {"pelmora_fit_settings", "fit settings", "fitSettings"}}};
 
 const TableWords* wordsOf(const std::string& table) {
   for (const TableWords& entry : words) {
@@ -59,7 +60,8 @@ std::string rowsKey(const std::string& table) {
 }
 
 std::string placeText(const std::string& serialNumber, int reCalID, const std::string& seriesName) {
-  const std::string calibration = "meter " + serialNumber + ", calibration " + std::to_string(reCalID);
+  const std::string calibration =
+      "meter " + serialNumber + ", calibration " + std::to_string(reCalID);
   return seriesName.empty() ? calibration : "series '" + seriesName + "' of " + calibration;
 }
 
@@ -77,8 +79,9 @@ std::string entriesTable(const std::vector<Entry>& entries) {
   for (const Entry& entry : entries) {
     std::size_t raw = 0;
     for (const char* part : {"raw1", "raw2", "raw3", "raw4"}) raw += entry.rowsOf(part);
-    table.addRow({std::to_string(entry.ID), minuteText(entry.Note.ChangedAt), entry.Note.Command, entry.SerialNumber,
-                  std::to_string(entry.ReCalID), entry.SeriesName.empty() ? "(all)" : entry.SeriesName, countText(raw),
+    table.addRow({std::to_string(entry.ID), minuteText(entry.Note.ChangedAt), entry.Note.Command,
+                  entry.SerialNumber, std::to_string(entry.ReCalID),
+                  entry.SeriesName.empty() ? "(all)" : entry.SeriesName, countText(raw),
                   countText(entry.rowsOf("merge")), countText(entry.rowsOf("curve")),
                   entry.Note.UserName.empty() ? "-" : entry.Note.UserName});
   }
@@ -88,23 +91,25 @@ std::string entriesTable(const std::vector<Entry>& entries) {
 nlohmann::json entryJson(const Entry& entry) {
   nlohmann::json rows = nlohmann::json::object();
   for (const auto& [table, count] : entry.Rows) rows[rowsKey(table)] = count;
-  return {{"entry", entry.ID},
-          {"changedAt", entry.Note.ChangedAt},
-          {"command", entry.Note.Command},
-          {"meter", entry.SerialNumber},
-          {"calibration", entry.ReCalID},
-          {"series", entry.SeriesName.empty() ? nlohmann::json() : nlohmann::json(entry.SeriesName)},
-          {"user", entry.Note.UserName},
-          {"softwareVersion", entry.Note.Version},
-          {"rows", rows}};
+  return {
+      {"entry", entry.ID},
+      {"changedAt", entry.Note.ChangedAt},
+      {"command", entry.Note.Command},
+      {"meter", entry.SerialNumber},
+      {"calibration", entry.ReCalID},
+      {"series", entry.SeriesName.empty() ? nlohmann::json() : nlohmann::json(entry.SeriesName)},
+      {"user", entry.Note.UserName},
+      {"softwareVersion", entry.Note.Version},
+      {"rows", rows}};
 }
 
 std::string restoredTable(const history::RestoreOutcome& outcome) {
   const Entry& entry = outcome.Restored;
-  std::string text = wrapped("Entry " + std::to_string(entry.ID) + ": " +
-                                 placeText(entry.SerialNumber, entry.ReCalID, entry.SeriesName) + ", as before '" +
-                                 entry.Note.Command + "' of " + entry.Note.ChangedAt,
-                             0);
+  std::string text =
+      wrapped("Entry " + std::to_string(entry.ID) + ": " +
+                  placeText(entry.SerialNumber, entry.ReCalID, entry.SeriesName) + ", as before '" +
+                  entry.Note.Command + "' of " + entry.Note.ChangedAt,
+              0);
   TextTable table({{"Rows", Align::left}, {"Replaced", Align::right}, {"Restored", Align::right}});
   for (const auto& [name, before, now] : outcome.Tables) {
     if (before + now > 0) table.addRow({rowsName(name), countText(before), countText(now)});
@@ -114,7 +119,8 @@ std::string restoredTable(const history::RestoreOutcome& outcome) {
 
 nlohmann::json restoredJson(const history::RestoreOutcome& outcome) {
   nlohmann::json rows = nlohmann::json::object();
-  for (const auto& [name, before, now] : outcome.Tables) rows[rowsKey(name)] = {{"replaced", before}, {"restored", now}};
+  for (const auto& [name, before, now] : outcome.Tables)
+    rows[rowsKey(name)] = {{"replaced", before}, {"restored", now}};
   nlohmann::json value = entryJson(outcome.Restored);
   value["rows"] = rows;
   return value;

@@ -22,7 +22,8 @@ namespace pelmora::cli {
 [[nodiscard]] nlohmann::json entryJson(const history::Entry& entry);
 
 // "series 'Rotor A' of meter M1, calibration 0", "meter M1, calibration 0"
-[[nodiscard]] std::string placeText(const std::string& serialNumber, int reCalID, const std::string& seriesName);
+[[nodiscard]] std::string placeText(const std::string& serialNumber, int reCalID,
+                                    const std::string& seriesName);
 
 [[nodiscard]] std::string restoredTable(const history::RestoreOutcome& outcome);
 [[nodiscard]] nlohmann::json restoredJson(const history::RestoreOutcome& outcome);

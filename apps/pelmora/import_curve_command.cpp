@@ -24,7 +24,8 @@ struct ImportCurveOptions {
   bool asJson = false, isDryRun = false;
 };
 
-// The component removes the stored curve before it looks at the points, so they are looked at first.
+// The component removes the stored curve before it looks at the points, so they are looked at
+// first.
 //
 // Errors: Trouble badInput; file and database are as they were.
 void requireUsable(CurveSession& session, const std::string& file) {
@@ -35,9 +36,11 @@ void requireUsable(CurveSession& session, const std::string& file) {
   const PointArray points = session.data().readTCresults(copy, isEmpty);
   session.progress().clear();
   const std::string remedy =
-      "expected are three header lines and then lines of two numbers with blanks between them, each line "
+      "expected are three header lines and then lines of two numbers with blanks between them, "
+      "each line "
       "ended by CR LF; nothing was changed";
-  session.messages().throwIfAny(ExitCode::badInput, "'" + file + "' cannot be read as a TableCurve result", remedy);
+  session.messages().throwIfAny(ExitCode::badInput,
+                                "'" + file + "' cannot be read as a TableCurve result", remedy);
   if (points.size() < 2) {
     throw Trouble(ExitCode::badInput, "'" + file + "' holds " + counted(points.size(), "point"),
                   "at least two are stored; nothing was changed");
@@ -54,14 +57,16 @@ void importCurve(const ImportCurveOptions& options) {
   change.keep(history::fittedCurve(meter.MeterID, stored.Series.front().SeriesID));
   const TemporaryFolder folder;
   // Reading renames the file: a dry run reads a copy.
-  const std::string file = options.isDryRun ? folder.write("results", readInputFile(options.file)) : options.file;
+  const std::string file =
+      options.isDryRun ? folder.write("results", readInputFile(options.file)) : options.file;
   session.messages().forget();
   bool isEmpty = true;
-  const PointArray points =
-      session.data().ImportCurvedData(file, options.series, meter.SerialNumber, isEmpty, meter.ReCalID);
+  const PointArray points = session.data().ImportCurvedData(
+      file, options.series, meter.SerialNumber, isEmpty, meter.ReCalID);
   session.progress().clear();
-  session.messages().throwIfAny(ExitCode::database, "importing the curve of series '" + options.series + "'",
-                                "nothing stored was changed; the file is kept as '" + options.file + ".sav'");
+  session.messages().throwIfAny(
+      ExitCode::database, "importing the curve of series '" + options.series + "'",
+      "nothing stored was changed; the file is kept as '" + options.file + ".sav'");
   change.finish();
   if (options.asJson) {
     nlohmann::json value{{"meter", meterJson(meter)},
@@ -71,9 +76,11 @@ void importCurve(const ImportCurveOptions& options) {
     change.addTo(value);
     return printData(jsonText(value));
   }
-  printData(wrapped("Read " + counted(points.size(), "point") + " for series '" + options.series + "', meter " +
-                        meter.SerialNumber + ", calibration " + std::to_string(meter.ReCalID) +
-                        ": removed its curve and added the points to its merged points. The file is kept as " +
+  printData(wrapped("Read " + counted(points.size(), "point") + " for series '" + options.series +
+                        "', meter " + meter.SerialNumber + ", calibration " +
+                        std::to_string(meter.ReCalID) +
+                        ": removed its curve and added the points to its merged points. The file "
+                        "is kept as " +
                         options.file + ".sav.",
                     0) +
             change.closingText());
@@ -83,11 +90,15 @@ void importCurve(const ImportCurveOptions& options) {
 
 void addImportCurveCommand(CLI::App& app) {
   CLI::App& command = *app.add_subcommand(
-      "import-curve", "Read the fitted points of a TableCurve result file: the series' curve is removed and the points "
-                      "are added to its merged points. The file is renamed with .sav behind its name.");
+      "import-curve",
+      "Read the fitted points of a TableCurve result file: the series' curve is removed and the "
+      "points "
+      "are added to its merged points. The file is renamed with .sav behind its name.");
   const auto options = std::make_shared<ImportCurveOptions>();
   addDatabase(command, options->path);
-  command.add_option("RESULTS", options->file, "Result file: three header lines, then Roshko and Strouhal in each line")
+  command
+      .add_option("RESULTS", options->file,
+                  "Result file: three header lines, then Roshko and Strouhal in each line")
       ->required()
       ->type_name("FILE");
   addMeter(command, options->meter, true);

@@ -82,7 +82,8 @@ void requireOutputFile(const std::string& path, const std::string& database) {
   std::error_code code;
   const fs::file_status status = fs::status(path, code);
   if (fs::is_directory(status)) refuse("is a folder", "name a file in it");
-  if (fs::exists(status) && !fs::is_regular_file(status)) refuse("is no ordinary file", "name a file, or - for standard output");
+  if (fs::exists(status) && !fs::is_regular_file(status))
+    refuse("is no ordinary file", "name a file, or - for standard output");
   if (fs::exists(status) && fs::equivalent(path, database, code))
     refuse("is the curve database", "name another file");
   const fs::path folder = fs::path(path).parent_path();
@@ -93,8 +94,8 @@ void requireOutputFile(const std::string& path, const std::string& database) {
 void writeOutputFile(const std::string& path, const std::string& content) {
   const fs::path target = targetOf(path);
   UnfinishedFile file(target);
-  const bool isDone = file.isOpen() && file.write(content) && file.takeRights(target) &&
-                      file.takePlaceOf(target);
+  const bool isDone =
+      file.isOpen() && file.write(content) && file.takeRights(target) && file.takePlaceOf(target);
   if (!isDone) throw cannotWrite(path, errno);
 }
 

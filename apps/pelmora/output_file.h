@@ -6,12 +6,13 @@
 
 namespace pelmora::cli {
 
-// Errors: Trouble usage where `path` can be no file to write: a folder, a device, or in a folder that is not
+// Errors: Trouble usage where `path` can be no file to write: a folder, a device, or in a folder
+// that is not
 //         there, and where it is the curve database itself.
 void requireOutputFile(const std::string& path, const std::string& database);
 
-// Writes the whole file or leaves what was there: a temporary file beside it takes its name at the end. A
-// symbolic link stays one and its target is written.
+// Writes the whole file or leaves what was there: a temporary file beside it takes its name at the
+// end. A symbolic link stays one and its target is written.
 //
 // Errors: Trouble unexpected.
 void writeOutputFile(const std::string& path, const std::string& content);

@@ -52,11 +52,12 @@ void Progress::count(const std::string& doing, std::size_t done, std::size_t tot
   show(progressBar(doing, done, total, std::chrono::duration<double>(now - *begin_).count()));
 }
 
-std::string progressBar(const std::string& doing, std::size_t done, std::size_t total, double seconds) {
+std::string progressBar(const std::string& doing, std::size_t done, std::size_t total,
+                        double seconds) {
   constexpr std::size_t width = 20;
   const std::size_t filled = total == 0 ? width : width * done / total;
-  std::string text = doing + " [" + std::string(filled, '#') + std::string(width - filled, '-') + "] " +
-                     std::to_string(done) + "/" + std::to_string(total);
+  std::string text = doing + " [" + std::string(filled, '#') + std::string(width - filled, '-') +
+                     "] " + std::to_string(done) + "/" + std::to_string(total);
   // The first moments tell no rate.
   if (seconds < 0.5 || done == 0) return text;
   const double rate = static_cast<double>(done) / seconds;

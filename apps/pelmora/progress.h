@@ -18,8 +18,8 @@ class Progress {
 
   // Replaces the line; it is cut to the terminal's width.
   void show(const std::string& text);
-  // A bar of work in equal steps, with the rate and the time that is left; drawn a few times a second. The first
-  // call starts the clock.
+  // A bar of work in equal steps, with the rate and the time that is left; drawn a few times a
+  // second. The first call starts the clock.
   void count(const std::string& doing, std::size_t done, std::size_t total);
   void clear();
 

@@ -41,8 +41,8 @@ MeterInfo meterFor(CurveSession& session, const RawOptions& options) {
 
 // What the part holds so far; nothing where the series is new.
 void keepOldPoints(StoredChange& change, const RawOptions& options, const MeterInfo& meter) {
-  const MeterInfo found = change.session().data().findMeterInfo(meter.SerialNumber, change.session().connection(),
-                                                                meter.ReCalID, options.series);
+  const MeterInfo found = change.session().data().findMeterInfo(
+      meter.SerialNumber, change.session().connection(), meter.ReCalID, options.series);
   if (found.Source != 1 || found.Series.empty()) return;
   change.keep(history::rawPart(meter.MeterID, found.Series.front().SeriesID, options.part));
 }
@@ -50,7 +50,8 @@ void keepOldPoints(StoredChange& change, const RawOptions& options, const MeterI
 std::string summary(const RawOptions& options, const MeterInfo& meter, const PointArray& points) {
   const auto [lowest, highest] =
       std::minmax_element(points.column(0).begin(), points.column(0).end());
-  std::string text = std::string(options.isDryRun ? "To be stored: " : "Stored ") + counted(points.size(), "point") + " as raw part " +
+  std::string text = std::string(options.isDryRun ? "To be stored: " : "Stored ") +
+                     counted(points.size(), "point") + " as raw part " +
                      std::to_string(options.part) + " of series '" + options.series + "', meter " +
                      meter.SerialNumber + ", calibration " + std::to_string(meter.ReCalID) +
                      "; x from " + significantText(*lowest, 6) + " to " +

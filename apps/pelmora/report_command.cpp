@@ -32,7 +32,8 @@ const std::array formats{
     Format{"--html", ".html", "Write a web page", report::htmlReport},
     Format{"--json", ".json", "Write JSON", report::jsonReport},
     Format{"--csv", ".csv", "Write CSV: all tables below one header line", report::csvReport},
-    Format{"--xlsx", ".xlsx", "Write an Excel workbook, a sheet for each table", report::xlsxReport},
+    Format{"--xlsx", ".xlsx", "Write an Excel workbook, a sheet for each table",
+           report::xlsxReport},
     Format{"--svg", ".svg", "Write the plots as one SVG picture", report::svgReport},
 };
 
@@ -46,7 +47,9 @@ struct ReportOptions {
 
 const Format& formatOf(const ReportOptions& options) {
   if (options.chosen.size() > 1) {
-    throw Trouble(ExitCode::usage, std::string(options.chosen[0]->option) + " and " + options.chosen[1]->option + " exclude each other",
+    throw Trouble(ExitCode::usage,
+                  std::string(options.chosen[0]->option) + " and " + options.chosen[1]->option +
+                      " exclude each other",
                   "write one format at a time");
   }
   if (options.chosen.size() == 1) return *options.chosen.front();
@@ -69,15 +72,16 @@ void writeReport(const ReportOptions& options, const UnkeptSettings& unkept) {
   if (!isStandardOutput) requireOutputFile(options.output, options.path);
   CurveSession session(options.path, Access::read);
   const MeterInfo meter = session.requireMeter(options.meter, options.reCalID);
-  const report::Report report = report::buildReport(reportInput(session, meter, options.series, unkept));
+  const report::Report report =
+      report::buildReport(reportInput(session, meter, options.series, unkept));
   session.progress().clear();
   const std::string content = format.write(report);
   if (isStandardOutput) return printData(content);
   writeOutputFile(options.output, content);
   printData(wrapped("Wrote the report of meter " + meter.SerialNumber + ", calibration " +
-                        std::to_string(meter.ReCalID) + ", " + std::to_string(report.series.size()) +
-                        " series, to " + options.output + " (" +
-                        std::to_string((content.size() + 512) / 1024) + " KB).",
+                        std::to_string(meter.ReCalID) + ", " +
+                        std::to_string(report.series.size()) + " series, to " + options.output +
+                        " (" + std::to_string((content.size() + 512) / 1024) + " KB).",
                     0));
 }
 
@@ -85,14 +89,17 @@ void writeReport(const ReportOptions& options, const UnkeptSettings& unkept) {
 
 void addReportCommand(CLI::App& app) {
   CLI::App& command = *app.add_subcommand(
-      "report", "Write the report of a calibration: an HTML page that works offline and prints, or the same "
-                "numbers for other tools. Nothing stored is changed.");
+      "report",
+      "Write the report of a calibration: an HTML page that works offline and prints, or the same "
+      "numbers for other tools. Nothing stored is changed.");
   const auto options = std::make_shared<ReportOptions>();
   addDatabase(command, options->path);
   addMeter(command, options->meter, true);
   addSeriesList(command, options->series);
   addCalibration(command, options->reCalID);
-  command.add_option("-o,--output", options->output, "File to write; - is standard output. Its extension tells the format")
+  command
+      .add_option("-o,--output", options->output,
+                  "File to write; - is standard output. Its extension tells the format")
       ->required()
       ->type_name("FILE");
   for (const Format& format : formats) {
@@ -102,7 +109,8 @@ void addReportCommand(CLI::App& app) {
   addFitTests(command, options->unkept);
   const CLI::Option* band = command.get_option("--band");
   const CLI::Option* points = command.get_option("--points");
-  command.footer("Points, band and equations count for curves that were stored without their settings.");
+  command.footer(
+      "Points, band and equations count for curves that were stored without their settings.");
   command.callback([options, band, points] {
     UnkeptSettings unkept;
     if (band->count() > 0) unkept.band = options->unkept.band;

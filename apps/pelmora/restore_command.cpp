@@ -29,7 +29,8 @@ Trouble restoreTrouble(const CurveSession& session, std::int64_t entryID, const 
             "list the entries with 'pelmora history'; nothing was changed"};
   }
   const std::string doing = "restoring entry " + std::to_string(entryID) + ": ";
-  const ExitCode code = error.number() == history::standsInTheWay ? ExitCode::badInput : ExitCode::database;
+  const ExitCode code =
+      error.number() == history::standsInTheWay ? ExitCode::badInput : ExitCode::database;
   return {code, doing + error.what(), "nothing was changed"};
 }
 
@@ -45,7 +46,8 @@ void restore(const RestoreOptions& options) {
   change.begin();
   for (const std::int64_t id : ids) {
     try {
-      const history::RestoreOutcome outcome = history::restore(session.connection(), change.kept(), id);
+      const history::RestoreOutcome outcome =
+          history::restore(session.connection(), change.kept(), id);
       change.noteEntry(outcome.KeptAs);
       text += (text.empty() ? "" : "\n") + restoredTable(outcome);
       restored.push_back(restoredJson(outcome));
@@ -63,13 +65,15 @@ void restore(const RestoreOptions& options) {
 }  // namespace
 
 void addRestoreCommand(CLI::App& app) {
-  CLI::App& command = *app.add_subcommand(
-      "restore",
-      "Bring back what a command has replaced or deleted, with its ids. What is there now is kept in turn, so that a "
-      "restore can be undone by another one.");
+  CLI::App& command = *app.add_subcommand("restore",
+                                          "Bring back what a command has replaced or deleted, with "
+                                          "its ids. What is there now is kept in turn, so that a "
+                                          "restore can be undone by another one.");
   const auto options = std::make_shared<RestoreOptions>();
   addDatabase(command, options->path);
-  command.add_option("ENTRY", options->entries, "Numbers of entries as 'pelmora history' shows them; first to last")
+  command
+      .add_option("ENTRY", options->entries,
+                  "Numbers of entries as 'pelmora history' shows them; first to last")
       ->required()
       ->type_name("N");
   addDryRun(command, options->isDryRun);

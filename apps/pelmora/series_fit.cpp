@@ -107,15 +107,16 @@ void storeCurve(StoredChange& change, const MeterInfo& meter, SeriesFit& fit) {
   const std::string place = placeOf(meter, fit.series);
   change.keep(history::fittedCurve(meter.MeterID, fit.seriesID));
   session.messages().forget();
-  fit.isStored = session.data().SetFitted(fit.series, meter.SerialNumber, fit.merged, fit.curve, fit.report,
-                                          false, meter.ReCalID);
+  fit.isStored = session.data().SetFitted(fit.series, meter.SerialNumber, fit.merged, fit.curve,
+                                          fit.report, false, meter.ReCalID);
   session.messages().throwIfAny(ExitCode::database, "storing the curve of " + place,
                                 "nothing was changed");
   if (!fit.isStored) {
     throw Trouble(ExitCode::unexpected, "the curve of " + place + " was not stored", "fit again");
   }
-  asDatabaseTrouble("storing the settings of the curve of " + place,
-                    [&] { keepCurveSettings(session.connection(), fit.seriesID, settingsOf(fit)); });
+  asDatabaseTrouble("storing the settings of the curve of " + place, [&] {
+    keepCurveSettings(session.connection(), fit.seriesID, settingsOf(fit));
+  });
 }
 
 SeriesFit trySeries(CurveSession& session, const MeterInfo& meter, const std::string& series,
@@ -131,10 +132,11 @@ SeriesFit tryStored(CurveSession& session, const MeterInfo& meter, const SeriesI
   fit.seriesID = stored.SeriesID;
   requirePoints(meter, fit, stored);
 
-  fit.equations = options.keptEquations
-                      ? cleanedEquations(*options.keptEquations, "the text kept with the curve of " +
-                                                                     placeOf(meter, fit.series))
-                      : equationsOf(options.equations, options.ratio);
+  fit.equations =
+      options.keptEquations
+          ? cleanedEquations(*options.keptEquations,
+                             "the text kept with the curve of " + placeOf(meter, fit.series))
+          : equationsOf(options.equations, options.ratio);
   const EquationFolder::Use equations = session.equationFolder().use(fit.equations, options.ratio);
   settleRange(session, meter, fit);
   const bool isWhole = !options.min && !options.max;

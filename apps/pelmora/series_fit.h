@@ -23,8 +23,8 @@ struct FitOptions {
   std::int16_t points = 40;
   double band = defaultBand;
   bool ratio = false, inverted = false, ignoreResiduals = false;
-  std::optional<RangeAnswer> onRange;  // absent: the operator is asked, or else it is refused
-  std::string equations;               // folder or file; empty: the built-in equations
+  std::optional<RangeAnswer> onRange;        // absent: the operator is asked, or else it is refused
+  std::string equations;                     // folder or file; empty: the built-in equations
   std::optional<std::string> keptEquations;  // the text itself, in place of `equations`
 };
 
@@ -50,16 +50,16 @@ struct SeriesFit {
                                   const std::string& series, const FitOptions& options);
 
 // The same for a series whose raw points have been read.
-[[nodiscard]] SeriesFit tryStored(CurveSession& session, const MeterInfo& meter, const SeriesInfo& stored,
-                                  const FitOptions& options);
+[[nodiscard]] SeriesFit tryStored(CurveSession& session, const MeterInfo& meter,
+                                  const SeriesInfo& stored, const FitOptions& options);
 
 // Stores the curve of a fit and its settings in place of the old ones, which `change` keeps.
 //
 // Errors: Trouble database. Nothing is final before change.finish().
 void storeCurve(StoredChange& change, const MeterInfo& meter, SeriesFit& fit);
 
-// As trySeries, and stores the curve with its settings in place of the old ones, which `change` keeps. Where no
-// equation passes, these stay. Nothing is final before change.finish().
+// As trySeries, and stores the curve with its settings in place of the old ones, which `change`
+// keeps. Where no equation passes, these stay. Nothing is final before change.finish().
 [[nodiscard]] SeriesFit fitSeries(StoredChange& change, const MeterInfo& meter,
                                   const std::string& series, const FitOptions& options);
 

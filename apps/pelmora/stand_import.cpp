@@ -90,7 +90,8 @@ RunLists listsOf(const std::vector<StandRun>& runs) {
   return lists;
 }
 
-// Of a second job that the import leaves out; the rest is as it should be. Any other error ends the import.
+// Of a second job that the import leaves out; the rest is as it should be. Any other error ends the
+// import.
 std::optional<Trouble> importTrouble(const std::vector<std::string>& errors,
                                      const ImportRequest& request) {
   if (errors.empty()) return std::nullopt;
@@ -105,7 +106,8 @@ std::optional<Trouble> importTrouble(const std::vector<std::string>& errors,
                        " under a serial number of its own, where its 'Rotor A' is this "
                        "meter's rotor B");
   }
-  throw Trouble(ExitCode::badInput, "importing into meter '" + request.meter + "': " + errors.front(),
+  throw Trouble(ExitCode::badInput,
+                "importing into meter '" + request.meter + "': " + errors.front(),
                 "nothing was changed");
 }
 
@@ -154,7 +156,8 @@ ImportOutcome importRuns(StoredChange& change, const ImportRequest& request) {
         "job " + check.withoutRotorB +
         " has no readings of rotor B (V20, V21), so Rotor B, Rotor Sum and Ratio are not derived");
   }
-  if (before.Source == 1 && !request.newCalibration) change.keep(history::importedRuns(before.MeterID));
+  if (before.Source == 1 && !request.newCalibration)
+    change.keep(history::importedRuns(before.MeterID));
   RawData& data = session.data();
   MessageRecorder& messages = session.messages();
   messages.forget();
@@ -170,11 +173,11 @@ ImportOutcome importRuns(StoredChange& change, const ImportRequest& request) {
   {
     const Watch watch(session);
     const std::int16_t reCalID = needsCalibration ? std::int16_t{-1} : request.reCalID;
-    outcome.meter =
-        data.importCaldb(request.meter, history::standConnection(stand, session.connection(), session.path()),
-                         lists.jobsA, lists.jobsB, lists.fluids,
-                         lists.operators, true, check.hasRotorB, check.hasRotorB, check.hasRotorB,
-                         request.standID, request.positionID, session.sharedConnection(), reCalID);
+    outcome.meter = data.importCaldb(
+        request.meter, history::standConnection(stand, session.connection(), session.path()),
+        lists.jobsA, lists.jobsB, lists.fluids, lists.operators, true, check.hasRotorB,
+        check.hasRotorB, check.hasRotorB, request.standID, request.positionID,
+        session.sharedConnection(), reCalID);
   }
   outcome.trouble = importTrouble(messages.errors(), request);
   messages.forget();

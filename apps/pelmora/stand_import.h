@@ -37,8 +37,8 @@ struct ImportOutcome {
   std::optional<Trouble> trouble;  // an import that did not end well; what there is stands above
 };
 
-// An unknown meter is registered; runs of a fluid that the meter has already replace that run. `change` keeps what
-// the import replaces. Nothing is final before change.finish().
+// An unknown meter is registered; runs of a fluid that the meter has already replace that run.
+// `change` keeps what the import replaces. Nothing is final before change.finish().
 //
 // Errors: Trouble; nothing is changed then.
 [[nodiscard]] ImportOutcome importRuns(StoredChange& change, const ImportRequest& request);

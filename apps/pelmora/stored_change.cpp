@@ -35,8 +35,9 @@ StoredChange::StoredChange(CurveSession& session, std::string command, bool isDr
 
 void StoredChange::begin() {
   if (kept_) return;
-  asDatabaseTrouble("'" + session_.path() + "' cannot be written now",
-                    [&] { kept_ = std::make_unique<history::KeptChange>(session_.connection(), note_); });
+  asDatabaseTrouble("'" + session_.path() + "' cannot be written now", [&] {
+    kept_ = std::make_unique<history::KeptChange>(session_.connection(), note_);
+  });
 }
 
 void StoredChange::keep(const history::Scope& scope) {

@@ -1,5 +1,5 @@
-// One command's change of a curve database: what it replaces is kept, and all of it is stored together.
-// SPDX-License-Identifier: MIT
+// One command's change of a curve database: what it replaces is kept, and all of it is stored
+// together. SPDX-License-Identifier: MIT
 #pragma once
 
 #include "apps/pelmora/curve_session.h"
@@ -20,11 +20,13 @@ class StoredChange {
   // A dry run does everything and undoes it in the end.
   StoredChange(CurveSession& session, std::string command, bool isDryRun);
 
-  // From here on changes belong together, also those of the component's operations. Does nothing the second time.
+  // From here on changes belong together, also those of the component's operations. Does nothing
+  // the second time.
   //
   // Errors: Trouble database where another program writes.
   void begin();
-  // Keeps the rows of the scope, as they are now, as an entry of the history. Begins where that has not been done.
+  // Keeps the rows of the scope, as they are now, as an entry of the history. Begins where that has
+  // not been done.
   //
   // Errors: Trouble database; nothing is changed then.
   void keep(const history::Scope& scope);
@@ -41,7 +43,8 @@ class StoredChange {
   [[nodiscard]] const std::vector<std::int64_t>& entries() const { return entries_; }
   void noteEntry(std::int64_t entryID);
 
-  // A paragraph for people: that nothing was changed, or what brings back the rows of before; may be empty.
+  // A paragraph for people: that nothing was changed, or what brings back the rows of before; may
+  // be empty.
   [[nodiscard]] std::string closingText() const;
   // "dryRun" and "historyEntries".
   void addTo(nlohmann::json& value) const;

@@ -20,7 +20,8 @@ std::string listed(const std::vector<std::string>& names) {
   for (std::size_t i = 0; i < names.size() && i < listedNames; ++i) {
     list += (i == 0 ? "" : ", ") + quoted(names[i]);
   }
-  if (names.size() > listedNames) list += " and " + std::to_string(names.size() - listedNames) + " more";
+  if (names.size() > listedNames)
+    list += " and " + std::to_string(names.size() - listedNames) + " more";
   return list;
 }
 
@@ -34,7 +35,8 @@ std::size_t typingDistance(std::string_view a, std::string_view b) {
     for (std::size_t j = 1; j <= b.size(); ++j) {
       const bool isSame = lower(a[i - 1]) == lower(b[j - 1]);
       row[j] = std::min({last[j] + 1, row[j - 1] + 1, last[j - 1] + (isSame ? 0 : 1)});
-      const bool isSwap = i > 1 && j > 1 && lower(a[i - 1]) == lower(b[j - 2]) && lower(a[i - 2]) == lower(b[j - 1]);
+      const bool isSwap = i > 1 && j > 1 && lower(a[i - 1]) == lower(b[j - 2]) &&
+                          lower(a[i - 2]) == lower(b[j - 1]);
       if (isSwap) row[j] = std::min(row[j], beforeLast[j - 2] + 1);
     }
     beforeLast = last;

@@ -13,14 +13,16 @@ namespace pelmora::cli {
 // (optimal string alignment), without regard to the case of ASCII letters.
 [[nodiscard]] std::size_t typingDistance(std::string_view a, std::string_view b);
 
-// Those of `known` that are nearest to `name`, at most three; empty where none is as near as one typing error
-// in each three characters.
+// Those of `known` that are nearest to `name`, at most three; empty where none is as near as one
+// typing error in each three characters.
 [[nodiscard]] std::vector<std::string> nearest(const std::string& name,
                                                const std::vector<std::string>& known);
 
-// "did you mean 'Rotor A'?", "did you mean 'Rotor A' or 'Rotor B'?"; else "choose among 'a', 'b' and 3 more".
+// "did you mean 'Rotor A'?", "did you mean 'Rotor A' or 'Rotor B'?"; else "choose among 'a', 'b'
+// and 3 more".
 //
 // known: not empty.
-[[nodiscard]] std::string suggestion(const std::string& name, const std::vector<std::string>& known);
+[[nodiscard]] std::string suggestion(const std::string& name,
+                                     const std::vector<std::string>& known);
 
 }  // namespace pelmora::cli

@@ -1,6 +1,5 @@
-// What is wrong with a command line, in words of this program: which option or command nobody knows, which
-// one was meant, which one is missing.
-// SPDX-License-Identifier: MIT
+// What is wrong with a command line, in words of this program: which option or command nobody
+// knows, which one was meant, which one is missing. SPDX-License-Identifier: MIT
 #pragma once
 
 #include "apps/pelmora/trouble.h"

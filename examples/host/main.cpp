@@ -1,5 +1,5 @@
-// Stores a series of measured points, fits it and prints the stored curve: host CURVES.db POINTS.csv
-// SPDX-License-Identifier: MIT
+// Stores a series of measured points, fits it and prints the stored curve: host CURVES.db
+// POINTS.csv SPDX-License-Identifier: MIT
 #include <pelmora/pelmora.h>
 
 #include <cstdint>
@@ -78,7 +78,8 @@ int calibrate(const std::string& database, const std::string& csv) {
   const pelmora::MeterInfo stored = data.getFittedCurve(series, meter, {}, -1, true);
   if (stored.Series.empty()) return 1;
   const pelmora::FixedCurve40& curve = stored.Series.front().RoshkoFirst;
-  std::printf("Meter %s, calibration %d, series %s\n", meter.c_str(), stored.ReCalID, series.c_str());
+  std::printf("Meter %s, calibration %d, series %s\n", meter.c_str(), stored.ReCalID,
+              series.c_str());
   for (std::size_t i = 0; i < curve.first.size(); ++i) {
     std::printf("%12g %12g\n", static_cast<double>(curve.first[i]),
                 static_cast<double>(curve.second[i]));

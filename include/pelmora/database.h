@@ -9,7 +9,7 @@
 
 namespace pelmora {
 
-class Connection;  // the abstract role of an open database
+class Connection;                                   // the abstract role of an open database
 using ConnectionPtr = std::shared_ptr<Connection>;  // null: an absent connection
 
 // Opens the database at `location` with the driver that fits what the location holds: an SQLite

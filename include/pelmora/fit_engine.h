@@ -29,9 +29,9 @@ struct FitParameter {
 
 // With n observations, p parameters: ResidualStandardError = sqrt(RSS / (n - p)),
 // RSquared = 1 - RSS / TSS, AdjustedRSquared = 1 - (1 - RSquared) (n - 1) / (n - p),
-// RegressionSumOfSquares = TSS - RSS, with TSS about the mean of y; an engine may take TSS about zero,
-// with n in place of n - 1, for an equation without a constant term. All zero where no solution was
-// found.
+// RegressionSumOfSquares = TSS - RSS, with TSS about the mean of y; an engine may take TSS about
+// zero, with n in place of n - 1, for an equation without a constant term. All zero where no
+// solution was found.
 struct FitStatistics {
   std::int32_t Observations = 0, Iterations = 0;
   double ResidualStandardError = 0, RSquared = 0, AdjustedRSquared = 0, RegressionSumOfSquares = 0,
@@ -41,7 +41,8 @@ struct FitStatistics {
 struct SolverSettings {
   std::int32_t First = 0, Second = 0;  // limit of iterations, number of starts
   double ResidualTolerance = 0;
-  std::vector<double> StartValues;  // one per parameter, in order of the letters; empty: the engine's own
+  std::vector<double>
+      StartValues;  // one per parameter, in order of the letters; empty: the engine's own
 };
 
 // One equation, one fit. Shapes: n points, p parameters.
@@ -73,9 +74,11 @@ class PELMORA_API FitModel {
   [[nodiscard]] virtual std::vector<double> standardErrorsOfCurve(std::span<const double>) const {
     return {};
   }
-  // The curve at many more x than a run asks for, to look closer at the equation that was chosen; empty
-  // where `evaluate` is meant for the run alone.
-  [[nodiscard]] virtual std::vector<double> sampleCurve(std::span<const double>) const { return {}; }
+  // The curve at many more x than a run asks for, to look closer at the equation that was chosen;
+  // empty where `evaluate` is meant for the run alone.
+  [[nodiscard]] virtual std::vector<double> sampleCurve(std::span<const double>) const {
+    return {};
+  }
 };
 
 // The role of DataFitX.

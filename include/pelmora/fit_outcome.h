@@ -29,10 +29,11 @@ struct EquationOutcome {
   std::string Reason;  // in words; empty for accepted and chosen
   FitStatistics Statistics;
   std::vector<FitParameter> Parameters;
-  bool Linear = false;             // in its parameters
-  std::vector<double> Covariance;  // of the parameters, p x p row by row; empty where the engine has none
-  // Akaike's criterion corrected for small samples, and the Bayesian one; the variance counts as a parameter.
-  // Smaller is better, among fits of the same points. Absent where they are not defined.
+  bool Linear = false;  // in its parameters
+  std::vector<double>
+      Covariance;  // of the parameters, p x p row by row; empty where the engine has none
+  // Akaike's criterion corrected for small samples, and the Bayesian one; the variance counts as a
+  // parameter. Smaller is better, among fits of the same points. Absent where they are not defined.
   std::optional<double> Aicc, Bic;
   double WorstResidualRatio = 0;  // residual / observed y of largest magnitude, signed
   double WorstResidualX = 0;      // where
@@ -59,8 +60,9 @@ struct CurveWarning {
 struct FitOutcome {
   std::vector<EquationOutcome> Equations;
   std::optional<std::size_t> Chosen;
-  // Of the chosen curve, one per predicted point: half widths of the 95 % confidence band of the curve and of
-  // the 95 % prediction band of a further measurement, in units of y. Empty where the engine does not know.
+  // Of the chosen curve, one per predicted point: half widths of the 95 % confidence band of the
+  // curve and of the 95 % prediction band of a further measurement, in units of y. Empty where the
+  // engine does not know.
   std::vector<double> ConfidenceHalfWidth, PredictionHalfWidth;
   std::vector<CurveWarning> Warnings;
 };

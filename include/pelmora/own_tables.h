@@ -35,7 +35,8 @@ struct TableIndex {
 
 // Names compare without regard to case.
 //
-// Errors, of all of them: Error 91 for a null connection, 3251 where the database cannot be designed
+// Errors, of all of them: Error 91 for a null connection, 3251 where the database cannot be
+// designed
 //         (a stand's export), 0x80004005 where it is locked; another one where it cannot be used.
 [[nodiscard]] PELMORA_API bool hasTable(const ConnectionPtr& curves, const std::string& name);
 // Does nothing where there is a table of that name.
@@ -69,8 +70,8 @@ class PELMORA_API Transaction {
   bool isOpen_ = true;
 };
 
-// What is read through this connection while the object lives is of one moment, and many small reads
-// cost less. Keep it short: others cannot store changes meanwhile.
+// What is read through this connection while the object lives is of one moment, and many small
+// reads cost less. Keep it short: others cannot store changes meanwhile.
 //
 // Errors: as of Transaction.
 class PELMORA_API ReadView {

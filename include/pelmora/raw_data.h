@@ -15,7 +15,8 @@
 
 namespace pelmora {
 
-// Threads:  an object belongs to the thread that created it. Objects of one thread share the database
+// Threads:  an object belongs to the thread that created it. Objects of one thread share the
+// database
 //           location and the last results; creating an object resets both.
 // Errors:   trapped. An operation that fails shows "Error in ..." through platform().messageBox and
 //           returns its result as far as it was filled. Only LastFittedRatioSort throws.
@@ -109,8 +110,8 @@ class PELMORA_API RawData {
                                   std::int16_t ReCalID = -1);
   // True when everything asked for was stored.
   bool SetFitted(const std::string& SeriesName, const std::string& MeterSerialNumber,
-                 const PointArray& arMerged, const PointArray& arFitted,
-                 const std::string& Details, bool cleardb, std::int16_t ReCalID = -1);
+                 const PointArray& arMerged, const PointArray& arFitted, const std::string& Details,
+                 bool cleardb, std::int16_t ReCalID = -1);
   bool SetLastFitted(bool cleardb);
   MeterInfo getFittedCurve(const std::string& SeriesName, const std::string& MeterSN,
                            const ConnectionPtr& conn = {}, std::int16_t ReCalID = -1,
@@ -119,7 +120,8 @@ class PELMORA_API RawData {
                        const ConnectionPtr& conn = {}, std::int16_t ReCalID = -1,
                        bool bDarvellFormat = false);
 
-  // Points fitted by the outside program TableCurve; a result file is renamed with ".sav" once read.
+  // Points fitted by the outside program TableCurve; a result file is renamed with ".sav" once
+  // read.
   PointArray readTCresults(const std::string& sResultPath, bool& ArrayIsEmpty);
   PointArray ImportCurvedData(const std::string& sFilepath, const std::string& SeriesName,
                               const std::string& MeterSN, bool& ArrayIsEmpty,

@@ -25,8 +25,7 @@ class PointArray {
   explicit PointArray(std::size_t points, std::size_t columns = 2)
       : points_(points), columns_(columns), values_(points * columns) {}
   // PointArray{{x, y}, {x, y}}
-  PointArray(std::initializer_list<std::array<double, 2>> points)
-      : PointArray(points.size()) {
+  PointArray(std::initializer_list<std::array<double, 2>> points) : PointArray(points.size()) {
     std::size_t i = 0;
     for (const auto& point : points) {
       (*this)(i, 0) = point[0];
@@ -117,7 +116,9 @@ class ValueTable {
   const Value& operator()(std::size_t column, std::size_t row) const {
     return values_[row * columns_ + column];
   }
-  Value& operator()(std::size_t column, std::size_t row) { return values_[row * columns_ + column]; }
+  Value& operator()(std::size_t column, std::size_t row) {
+    return values_[row * columns_ + column];
+  }
 
  private:
   std::size_t columns_ = 0;
@@ -130,8 +131,8 @@ class ValueTable {
 
 // Sorts rows low..high in place by one column; columns 0..lastColumn of a row move together.
 //
-// Recursive Hoare partition around the middle row, rounded half to even; not stable: ties land where
-// its steps put them. Host messages are pumped once per pass (platform().pumpMessages).
+// Recursive Hoare partition around the middle row, rounded half to even; not stable: ties land
+// where its steps put them. Host messages are pumped once per pass (platform().pumpMessages).
 // Errors: shown to the operator, never thrown; the rows are then partly sorted. Indices are 16-bit.
 PELMORA_API void quickSortPoints(PointArray& points, std::int16_t sortColumn,
                                  std::int16_t lastColumn, std::int16_t low, std::int16_t high,

@@ -68,9 +68,9 @@ class SegmentBandTester : public BandTester {
     }
     if (rises == 0) return passed();
     return failed("Ratio curve test failed: the curve rises at " + numberText(rises) + " of " +
-                  numberText(points.size()) + " points; most from x = " + numberText(worstBefore.x) +
-                  ", y = " + numberText(worstBefore.y) + " to x = " + numberText(worst.x) +
-                  ", y = " + numberText(worst.y) + ".");
+                  numberText(points.size()) + " points; most from x = " +
+                  numberText(worstBefore.x) + ", y = " + numberText(worstBefore.y) +
+                  " to x = " + numberText(worst.x) + ", y = " + numberText(worst.y) + ".");
   }
 
   bool TestBand(std::span<const double> rawX, std::span<const double> rawY,
@@ -103,8 +103,8 @@ class SegmentBandTester : public BandTester {
     if (outside == 0) return passed();
     return failed("Band test failed: " + numberText(outside) + " of " + numberText(tested) +
                   " points outside the band of " + numberText(bandPercent) +
-                  "%; the worst is x = " + numberText(rawX[worst]) + ", y = " +
-                  numberText(rawY[worst]) + ", " + awayText(worstPercent) + ".");
+                  "%; the worst is x = " + numberText(rawX[worst]) +
+                  ", y = " + numberText(rawY[worst]) + ", " + awayText(worstPercent) + ".");
   }
 
   void SetSegment(double x0, double y0, double x1, double y1) override {
@@ -123,7 +123,8 @@ class SegmentBandTester : public BandTester {
     }
     if (isInside(*reading, y, percent)) return passed();
     return failed("Point test failed: 1 of 1 points outside the band of " + numberText(BandWidth) +
-                  "%; the worst is " + place + ", " + awayText(deviationPercent(*reading, y)) + ".");
+                  "%; the worst is " + place + ", " + awayText(deviationPercent(*reading, y)) +
+                  ".");
   }
 
   [[nodiscard]] std::string FailureText() const override { return failure_; }

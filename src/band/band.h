@@ -12,7 +12,8 @@ namespace pelmora {
 // whatever their order. A raw point passes where |y - curve| <= percent / 100 * |curve|; its limits
 // belong to the band.
 //
-// - Raw points outside the table's range are not tested; where none is inside, there is nothing that
+// - Raw points outside the table's range are not tested; where none is inside, there is nothing
+// that
 //   fails. A point with a coordinate that is not finite fails.
 // - Where the table has several points at the raw point's x, any value between them will do.
 // - A table without points, of different lengths or with a value that is not finite fails, and so

@@ -36,16 +36,17 @@ double between(const TablePoint& a, const TablePoint& b, double x) {
 
 std::optional<TableReading> PredictedTable::at(double x) const {
   if (points_.empty()) return std::nullopt;
-  // A predicted curve ends where it was asked to up to the rounding of its logarithms; the raw points at the
-  // very ends are to be tested all the same.
+  // A predicted curve ends where it was asked to up to the rounding of its logarithms; the raw
+  // points at the very ends are to be tested all the same.
   constexpr double rounding = 1e-12;
   const double lowest = points_.front().x;
   const double highest = points_.back().x;
   if (x < lowest && lowest - x <= rounding * std::fabs(lowest)) x = lowest;
   if (x > highest && x - highest <= rounding * std::fabs(highest)) x = highest;
   if (!(x >= lowest && x <= highest)) return std::nullopt;
-  const auto first = std::lower_bound(points_.begin(), points_.end(), x,
-                                      [](const TablePoint& p, double value) { return p.x < value; });
+  const auto first =
+      std::lower_bound(points_.begin(), points_.end(), x,
+                       [](const TablePoint& p, double value) { return p.x < value; });
   if (first->x != x) {
     const double y = between(*(first - 1), *first, x);
     return TableReading{y, y};

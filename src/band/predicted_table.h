@@ -26,7 +26,8 @@ class PredictedTable {
   // Why the table cannot be read, in words; empty where it can.
   [[nodiscard]] const std::string& defect() const { return defect_; }
   [[nodiscard]] const std::vector<TablePoint>& points() const { return points_; }
-  // Empty outside the table's range of x; an x beyond an end by no more than rounding is at that end.
+  // Empty outside the table's range of x; an x beyond an end by no more than rounding is at that
+  // end.
   [[nodiscard]] std::optional<TableReading> at(double x) const;
 
  private:

@@ -20,9 +20,9 @@ bool replaceFirst(std::string& text, std::string_view part, std::string_view wit
   return true;
 }
 
-// The locale's short form as a format with a full year: a date whose parts cannot be confused is written
-// out and its parts are put back to what they stand for. Many locales write two digits of the year, which
-// a database reads as a guess at the century.
+// The locale's short form as a format with a full year: a date whose parts cannot be confused is
+// written out and its parts are put back to what they stand for. Many locales write two digits of
+// the year, which a database reads as a guess at the century.
 std::string shortDateFormat() {
   std::tm sample{};
   sample.tm_year = 1988 - 1900;
@@ -37,7 +37,9 @@ std::string shortDateFormat() {
 
 }  // namespace
 
-std::string shortDateText(const std::tm& date) { return formatted(date, shortDateFormat().c_str()); }
+std::string shortDateText(const std::tm& date) {
+  return formatted(date, shortDateFormat().c_str());
+}
 
 std::string todayText() {
   const std::time_t now = std::time(nullptr);

@@ -66,7 +66,8 @@ double numberFromText(std::string_view text) {
   double value = 0;
   const auto [stop, error] = std::from_chars(begin, end, value);
   if (error == std::errc::result_out_of_range && stop == end) {
-    const bool tooSmall = digits.find("e-") != std::string::npos || digits.find("E-") != std::string::npos;
+    const bool tooSmall =
+        digits.find("e-") != std::string::npos || digits.find("E-") != std::string::npos;
     if (tooSmall) return 0;
     throw makeError(RunTimeError::overflow);
   }

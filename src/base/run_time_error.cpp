@@ -31,10 +31,12 @@ const char* description(RunTimeError number) {
     case RunTimeError::invalidNull: return "Invalid use of Null";
     case RunTimeError::noEngine: return "ActiveX component can't create object";
     case RunTimeError::endOfRows:
-      return "Either BOF or EOF is True, or the current record has been deleted. Requested operation "
+      return "Either BOF or EOF is True, or the current record has been deleted. Requested "
+             "operation "
              "requires a current record.";
     case RunTimeError::noSuchField:
-      return "Item cannot be found in the collection corresponding to the requested name or ordinal.";
+      return "Item cannot be found in the collection corresponding to the requested name or "
+             "ordinal.";
   }
   return "Application-defined or object-defined error";
 }

@@ -27,8 +27,8 @@ enum class RunTimeError : std::int32_t {
   noSuchField = 3265,
 };
 
-// "The generic failure": the database is locked by another user. The copy of stand data waits on it and
-// tries again, so nothing that waiting cannot cure may carry it.
+// "The generic failure": the database is locked by another user. The copy of stand data waits on it
+// and tries again, so nothing that waiting cannot cure may carry it.
 inline constexpr std::int32_t genericFailure = static_cast<std::int32_t>(0x80004005U);
 // Numbers of errors raised on purpose count from here.
 inline constexpr std::int32_t errorBase = static_cast<std::int32_t>(0x80040000U);

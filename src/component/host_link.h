@@ -11,8 +11,8 @@
 
 namespace pelmora {
 
-// Shared by the object and its running operations, so that a handler may destroy the object: events then go
-// nowhere and settings are those that it had.
+// Shared by the object and its running operations, so that a handler may destroy the object: events
+// then go nowhere and settings are those that it had.
 class HostLink : public FitHost, public std::enable_shared_from_this<HostLink> {
  public:
   explicit HostLink(RawData& object) : object_(&object) {}

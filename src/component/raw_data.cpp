@@ -18,8 +18,8 @@
 
 #include <pelmora/platform.h>
 
-// Operations that run host code get copies of texts and connections: a handler may destroy the object whose
-// field was passed, or let go of the connection.
+// Operations that run host code get copies of texts and connections: a handler may destroy the
+// object whose field was passed, or let go of the connection.
 namespace pelmora {
 namespace {
 
@@ -108,7 +108,8 @@ std::int32_t RawData::setMeterSN(const std::string& MeterSerialNumber) {
 }
 std::int32_t RawData::setMeterSN(const std::string& MeterSerialNumber,
                                  std::string& MeterSNAdjusted) {
-  return pelmora::setMeterSN(apartment_->operation(), std::string(MeterSerialNumber), MeterSNAdjusted);
+  return pelmora::setMeterSN(apartment_->operation(), std::string(MeterSerialNumber),
+                             MeterSNAdjusted);
 }
 std::vector<std::string> RawData::getJobID(const std::string& MeterSN, std::int16_t ReCalID) {
   return pelmora::getJobID(apartment_->operation(), MeterSN, ReCalID);
@@ -117,13 +118,13 @@ std::vector<std::string> RawData::getJobID(const std::string& MeterSN, std::int1
 bool RawData::SetRaw(const std::string& SeriesName, const std::string& MeterSerialNumber,
                      const PointArray& Table, std::int16_t dataSet, bool cleardb,
                      std::int16_t ReCalID) {
-  return pelmora::SetRaw(apartment_->operation(), std::string(SeriesName), std::string(MeterSerialNumber),
-                         Table, dataSet, cleardb, ReCalID);
+  return pelmora::SetRaw(apartment_->operation(), std::string(SeriesName),
+                         std::string(MeterSerialNumber), Table, dataSet, cleardb, ReCalID);
 }
 MeterInfo RawData::GetRaw(const std::string& SeriesName, const std::string& MeterSN,
                           std::int16_t dataSet, const ConnectionPtr& conn, std::int16_t ReCalID) {
-  return pelmora::GetRaw(apartment_->operation(), std::string(SeriesName), std::string(MeterSN), dataSet,
-                         ConnectionPtr(conn), ReCalID);
+  return pelmora::GetRaw(apartment_->operation(), std::string(SeriesName), std::string(MeterSN),
+                         dataSet, ConnectionPtr(conn), ReCalID);
 }
 bool RawData::copyCaldb(std::int32_t CalSetupID, const std::string& JobID_RawA,
                         const std::string& JobID_RawB, const ConnectionPtr& conn_calDB,
@@ -132,13 +133,15 @@ bool RawData::copyCaldb(std::int32_t CalSetupID, const std::string& JobID_RawA,
                             std::string(JobID_RawB), ConnectionPtr(conn_calDB),
                             ConnectionPtr(Conn_curveDB));
 }
-MeterInfo RawData::importCaldb(
-    const std::string& MeterSN, const ConnectionPtr& conn_calDB,
-    const std::vector<std::string>& JobID_RawA, const std::vector<std::string>& JobID_RawB,
-    const std::vector<std::string>& FluidName, const std::vector<std::string>& OperatorName,
-    bool Create_RotorA_SumSeries, bool Create_RotorB_SumSeries, bool Create_RotorAB_SumSeries,
-    bool Create_Ratio_Series, std::int16_t StandID, std::int16_t PositionID,
-    const ConnectionPtr& Conn_curveDB, std::int16_t ReCalID) {
+MeterInfo RawData::importCaldb(const std::string& MeterSN, const ConnectionPtr& conn_calDB,
+                               const std::vector<std::string>& JobID_RawA,
+                               const std::vector<std::string>& JobID_RawB,
+                               const std::vector<std::string>& FluidName,
+                               const std::vector<std::string>& OperatorName,
+                               bool Create_RotorA_SumSeries, bool Create_RotorB_SumSeries,
+                               bool Create_RotorAB_SumSeries, bool Create_Ratio_Series,
+                               std::int16_t StandID, std::int16_t PositionID,
+                               const ConnectionPtr& Conn_curveDB, std::int16_t ReCalID) {
   const CalibrationImport wanted{MeterSN,
                                  JobID_RawA,
                                  JobID_RawB,
@@ -171,7 +174,8 @@ bool RawData::SetFitted(const std::string& SeriesName, const std::string& MeterS
                         const std::string& Details, bool cleardb, std::int16_t ReCalID) {
   const std::string details = Details;
   return pelmora::SetFitted(apartment_->operation(), std::string(SeriesName),
-                            std::string(MeterSerialNumber), {arMerged, arFitted, details}, cleardb, ReCalID);
+                            std::string(MeterSerialNumber), {arMerged, arFitted, details}, cleardb,
+                            ReCalID);
 }
 bool RawData::SetLastFitted(bool cleardb) {
   return pelmora::SetLastFitted(apartment_->operation(), cleardb);
@@ -179,8 +183,8 @@ bool RawData::SetLastFitted(bool cleardb) {
 MeterInfo RawData::getFittedCurve(const std::string& SeriesName, const std::string& MeterSN,
                                   const ConnectionPtr& conn, std::int16_t ReCalID,
                                   bool bDarvellFormat) {
-  return pelmora::getFittedCurve(apartment_->operation(),
-                                 {SeriesName, MeterSN, ReCalID, bDarvellFormat}, ConnectionPtr(conn));
+  return pelmora::getFittedCurve(
+      apartment_->operation(), {SeriesName, MeterSN, ReCalID, bDarvellFormat}, ConnectionPtr(conn));
 }
 MeterInfo RawData::GetAllInfo(const std::string& SeriesName, const std::string& MeterSN,
                               const ConnectionPtr& conn, std::int16_t ReCalID,
@@ -195,7 +199,8 @@ PointArray RawData::ImportCurvedData(const std::string& sFilepath, const std::st
                                      const std::string& MeterSN, bool& ArrayIsEmpty,
                                      std::int16_t ReCalID) {
   return pelmora::ImportCurvedData(apartment_->operation(), std::string(sFilepath),
-                                   std::string(SeriesName), std::string(MeterSN), ArrayIsEmpty, ReCalID);
+                                   std::string(SeriesName), std::string(MeterSN), ArrayIsEmpty,
+                                   ReCalID);
 }
 
 }  // namespace pelmora

@@ -16,11 +16,12 @@ using Findings = std::vector<Finding>;
 // Indexes that look-ups need, those of tables that are there.
 [[nodiscard]] std::vector<TableIndex> neededIndexes(const ConnectionPtr& curves);
 
-void checkTables(const ConnectionPtr& curves, Findings& findings);     // missing-history-tables
-void checkIndexes(const ConnectionPtr& curves, Findings& findings);    // missing-indexes
-void checkOrphans(const ConnectionPtr& curves, Findings& findings);    // orphaned-rows, stray-rows
-void checkNumbers(const ConnectionPtr& curves, Findings& findings);    // unusable-numbers
-void checkNames(const ConnectionPtr& curves, Findings& findings);      // duplicate-series, duplicate-calibrations
+void checkTables(const ConnectionPtr& curves, Findings& findings);   // missing-history-tables
+void checkIndexes(const ConnectionPtr& curves, Findings& findings);  // missing-indexes
+void checkOrphans(const ConnectionPtr& curves, Findings& findings);  // orphaned-rows, stray-rows
+void checkNumbers(const ConnectionPtr& curves, Findings& findings);  // unusable-numbers
+void checkNames(const ConnectionPtr& curves,
+                Findings& findings);  // duplicate-series, duplicate-calibrations
 void checkPoints(const ConnectionPtr& curves, Findings& findings);     // series-without-points
 void checkCurveAges(const ConnectionPtr& curves, Findings& findings);  // outdated-curves
 

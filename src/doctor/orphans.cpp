@@ -15,8 +15,9 @@ using history::Owner;
 void addMissing(const ConnectionPtr& curves, const KeptTable& table, const std::string& owners,
                 std::set<std::int64_t>& missing) {
   const std::string key = table.Name + "." + table.KeyColumn;
-  const auto ids = idsOf(curves, "Select DISTINCT " + key + " from " + table.Name + " LEFT JOIN " + owners + " ON " +
-                                     key + "=" + owners + ".ID where " + owners + ".ID IS NULL");
+  const auto ids =
+      idsOf(curves, "Select DISTINCT " + key + " from " + table.Name + " LEFT JOIN " + owners +
+                        " ON " + key + "=" + owners + ".ID where " + owners + ".ID IS NULL");
   missing.insert(ids.begin(), ids.end());
 }
 
@@ -31,12 +32,15 @@ std::vector<OrphanGroup> orphanGroups(const ConnectionPtr& curves) {
   }
   std::vector<OrphanGroup> groups;
   for (const std::int64_t id : meters) {
-    groups.push_back({history::importedRuns(static_cast<std::int32_t>(id)), "meter " + std::to_string(id)});
+    groups.push_back(
+        {history::importedRuns(static_cast<std::int32_t>(id)), "meter " + std::to_string(id)});
   }
   for (const std::int64_t id : series) {
     history::Scope rows = history::wholeSeries(0, static_cast<std::int32_t>(id));
     std::erase(rows.Tables, "series");
-    if (id != 0) groups.push_back({rows, "series " + std::to_string(id)});  // series 0 would mean all of a meter
+    if (id != 0)
+      groups.push_back(
+          {rows, "series " + std::to_string(id)});  // series 0 would mean all of a meter
   }
   return groups;
 }
@@ -47,8 +51,8 @@ std::size_t rowCount(const ConnectionPtr& curves, const std::vector<OrphanGroup>
     for (const std::string& name : group.Rows.Tables) {
       const KeptTable& table = history::keptTable(name);
       if (table.MayBeMissing && !hasTable(curves, name)) continue;
-      count += static_cast<std::size_t>(
-          history::countOf(curves, "[" + name + "]" + history::condition(curves, group.Rows, table)));
+      count += static_cast<std::size_t>(history::countOf(
+          curves, "[" + name + "]" + history::condition(curves, group.Rows, table)));
     }
   }
   return count;

@@ -21,6 +21,7 @@ struct OrphanGroup {
 [[nodiscard]] std::vector<OrphanGroup> orphanGroups(const ConnectionPtr& curves);
 
 // How many rows of all tables that groups hold.
-[[nodiscard]] std::size_t rowCount(const ConnectionPtr& curves, const std::vector<OrphanGroup>& groups);
+[[nodiscard]] std::size_t rowCount(const ConnectionPtr& curves,
+                                   const std::vector<OrphanGroup>& groups);
 
 }  // namespace pelmora::doctor

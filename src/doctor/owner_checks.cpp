@@ -22,10 +22,13 @@ void checkOrphans(const ConnectionPtr& curves, Findings& findings) {
   const auto groups = orphanGroups(curves);
   if (!groups.empty()) {
     findings.push_back({"orphaned-rows", Severity::warning, rowCount(curves, groups),
-                        "Rows whose series or calibration is missing", groups.front().Owner, true, ""});
+                        "Rows whose series or calibration is missing", groups.front().Owner, true,
+                        ""});
   }
   std::size_t strays = static_cast<std::size_t>(
-      countOf(curves, "CalDataPoint LEFT JOIN CalSetup ON CalDataPoint.CalSetupID=CalSetup.ID where CalSetup.ID IS NULL"));
+      countOf(curves,
+              "CalDataPoint LEFT JOIN CalSetup ON CalDataPoint.CalSetupID=CalSetup.ID where "
+              "CalSetup.ID IS NULL"));
   std::string example = strays > 0 ? "stand points" : "";
   for (const char* table : pointTables) {
     const auto rows = countOf(curves, "[" + std::string(table) + "] where seriesID IS NULL");
@@ -33,26 +36,34 @@ void checkOrphans(const ConnectionPtr& curves, Findings& findings) {
     strays += static_cast<std::size_t>(rows);
   }
   if (strays == 0) return;
-  findings.push_back({"stray-rows", Severity::warning, strays, "Rows that belong to no set-up or name no series", example,
-                      false, "nothing reads them; a database tool can remove them"});
+  findings.push_back({"stray-rows", Severity::warning, strays,
+                      "Rows that belong to no set-up or name no series", example, false,
+                      "nothing reads them; a database tool can remove them"});
 }
 
 void checkNames(const ConnectionPtr& curves, Findings& findings) {
-  const auto series = read(curves, "Select meterid, name, COUNT(*) AS n, MIN(ID) AS first from series GROUP BY meterid, "
-                                   "name HAVING COUNT(*)>1");
+  const auto series =
+      read(curves,
+           "Select meterid, name, COUNT(*) AS n, MIN(ID) AS first from series GROUP BY meterid, "
+           "name HAVING COUNT(*)>1");
   if (!series->atEnd()) {
-    findings.push_back({"duplicate-series", Severity::error, static_cast<std::size_t>(series->recordCount()),
+    findings.push_back({"duplicate-series", Severity::error,
+                        static_cast<std::size_t>(series->recordCount()),
                         "Names that several series of one calibration have",
                         seriesPlace(curves, wholeOf(series->value("first"))), false,
                         "which of them is read is not defined: delete those that are not wanted"});
   }
-  const auto meters = read(curves, "Select SerialNumber, ReCalID, COUNT(*) AS n from meter GROUP BY SerialNumber, ReCalID "
-                                   "HAVING COUNT(*)>1");
+  const auto meters =
+      read(curves,
+           "Select SerialNumber, ReCalID, COUNT(*) AS n from meter GROUP BY SerialNumber, ReCalID "
+           "HAVING COUNT(*)>1");
   if (meters->atEnd()) return;
-  findings.push_back({"duplicate-calibrations", Severity::error, static_cast<std::size_t>(meters->recordCount()),
-                      "Calibrations that are there several times",
-                      "meter '" + textOf(meters->value(0)) + "', calibration " + std::to_string(wholeOf(meters->value(1))),
-                      false, "which of them is read is not defined: delete those that are not wanted"});
+  findings.push_back(
+      {"duplicate-calibrations", Severity::error, static_cast<std::size_t>(meters->recordCount()),
+       "Calibrations that are there several times",
+       "meter '" + textOf(meters->value(0)) + "', calibration " +
+           std::to_string(wholeOf(meters->value(1))),
+       false, "which of them is read is not defined: delete those that are not wanted"});
 }
 
 void checkPoints(const ConnectionPtr& curves, Findings& findings) {
@@ -68,8 +79,8 @@ void checkPoints(const ConnectionPtr& curves, Findings& findings) {
     if (count++ == 0) first = id;
   }
   if (count == 0) return;
-  findings.push_back({"series-without-points", Severity::warning, count, "Series without any points",
-                      seriesPlace(curves, first), false,
+  findings.push_back({"series-without-points", Severity::warning, count,
+                      "Series without any points", seriesPlace(curves, first), false,
                       "import or bring points, or remove it with 'pelmora delete'"});
 }
 

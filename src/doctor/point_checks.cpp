@@ -23,7 +23,8 @@ constexpr const char* largestNumber = "1.7976931348623157E308";
 
 // Null, infinite, or a text: texts stand above all numbers.
 std::string unusable(const std::string& column) {
-  return "[" + column + "] IS NULL OR [" + column + "]>" + largestNumber + " OR [" + column + "]<-" + largestNumber;
+  return "[" + column + "] IS NULL OR [" + column + "]>" + largestNumber + " OR [" + column +
+         "]<-" + largestNumber;
 }
 
 // A point as a key; points that a merge has taken over are equal to the last bit.
@@ -36,7 +37,8 @@ std::optional<PointKey> keyOf(const Recordset& rows, std::int64_t series) {
   if (x == nullptr || y == nullptr) return std::nullopt;
   constexpr PointKey odd = 0x9E3779B97F4A7C15U;  // spreads the bits
   PointKey key = static_cast<PointKey>(series) * odd;
-  for (const double number : {*x, *y}) key = (std::rotl(key, 23) ^ std::bit_cast<PointKey>(number)) * odd;
+  for (const double number : {*x, *y})
+    key = (std::rotl(key, 23) ^ std::bit_cast<PointKey>(number)) * odd;
   return key;
 }
 
@@ -46,9 +48,11 @@ using PointKeys = std::unordered_set<PointKey>;
 class CurveAges {
  public:
   explicit CurveAges(const ConnectionPtr& curves) : curves_(curves) {
-    for (const std::int64_t id : idsOf(curves, "Select DISTINCT seriesID from curve")) withCurve_.insert(id);
+    for (const std::int64_t id : idsOf(curves, "Select DISTINCT seriesID from curve"))
+      withCurve_.insert(id);
     std::vector<std::pair<std::int64_t, PointKey>> merged;
-    forEachPoint("merge", [&](std::int64_t series, PointKey key) { merged.emplace_back(series, key); });
+    forEachPoint("merge",
+                 [&](std::int64_t series, PointKey key) { merged.emplace_back(series, key); });
     for (const auto& [series, key] : merged) merged_.insert(key);
     for (const char* table : rawTables) addRawPart(table);
     for (const auto& [series, key] : merged) {
@@ -60,8 +64,8 @@ class CurveAges {
  private:
   template <class Use>
   void forEachPoint(const std::string& table, Use&& use) const {
-    for (const auto rows = read(curves_, "Select seriesID, Roshko, Strouhal from [" + table + "]"); !rows->atEnd();
-         rows->moveNext()) {
+    for (const auto rows = read(curves_, "Select seriesID, Roshko, Strouhal from [" + table + "]");
+         !rows->atEnd(); rows->moveNext()) {
       const std::int64_t series = wholeOf(rows->value(0));
       if (!withCurve_.contains(series)) continue;
       if (const auto key = keyOf(*rows, series)) use(series, *key);
@@ -96,16 +100,17 @@ void checkNumbers(const ConnectionPtr& curves, Findings& findings) {
   std::size_t count = 0;
   std::string example;
   for (const char* table : pointTables) {
-    const auto rows = read(curves, "Select seriesID from [" + std::string(table) + "] where " + unusable("Roshko") +
-                                       " OR " + unusable("Strouhal"));
+    const auto rows = read(curves, "Select seriesID from [" + std::string(table) + "] where " +
+                                       unusable("Roshko") + " OR " + unusable("Strouhal"));
     if (rows->recordCount() > 0 && example.empty()) {
       example = "table " + std::string(table) + ", " + seriesPlace(curves, wholeOf(rows->value(0)));
     }
     count += static_cast<std::size_t>(rows->recordCount());
   }
   if (count == 0) return;
-  findings.push_back({"unusable-numbers", Severity::error, count, "Points that are empty or no finite numbers", example,
-                      false, "bring the raw points again or import the run again, then fit"});
+  findings.push_back({"unusable-numbers", Severity::error, count,
+                      "Points that are empty or no finite numbers", example, false,
+                      "bring the raw points again or import the run again, then fit"});
 }
 
 void checkCurveAges(const ConnectionPtr& curves, Findings& findings) {
@@ -113,7 +118,8 @@ void checkCurveAges(const ConnectionPtr& curves, Findings& findings) {
   if (ages.outdated().empty()) return;
   findings.push_back({"outdated-curves", Severity::warning, ages.outdated().size(),
                       "Curves whose raw points have changed since they were fitted",
-                      seriesPlace(curves, *ages.outdated().begin()), false, "fit them again with 'pelmora fit'"});
+                      seriesPlace(curves, *ages.outdated().begin()), false,
+                      "fit them again with 'pelmora fit'"});
 }
 
 }  // namespace pelmora::doctor

@@ -7,15 +7,17 @@
 namespace pelmora::doctor {
 
 std::vector<TableIndex> neededIndexes(const ConnectionPtr& curves) {
-  std::vector<TableIndex> indexes{{"meter_serial_number", "meter", {"SerialNumber", "ReCalID"}},
-                                  {"master_meter_list_serial_number", "masterMeterList", {"SerialNumber", "ReCalID"}},
-                                  {"series_meter", "series", {"meterid", "name"}},
-                                  {"data_fit_results_series", "DataFitResults", {"seriesID"}},
-                                  {"fluids_name", "Fluids", {"Name"}},
-                                  {"operator_name", "Operator", {"Name"}},
-                                  {"cal_setup_meter", "CalSetup", {"MeterID", "Stand"}},
-                                  {"cal_data_point_setup", "CalDataPoint", {"CalSetupID", "JobRecordID"}}};
-  for (const std::string table : pointTables) indexes.push_back({table + "_series", table, {"seriesID"}});
+  std::vector<TableIndex> indexes{
+      {"meter_serial_number", "meter", {"SerialNumber", "ReCalID"}},
+      {"master_meter_list_serial_number", "masterMeterList", {"SerialNumber", "ReCalID"}},
+      {"series_meter", "series", {"meterid", "name"}},
+      {"data_fit_results_series", "DataFitResults", {"seriesID"}},
+      {"fluids_name", "Fluids", {"Name"}},
+      {"operator_name", "Operator", {"Name"}},
+      {"cal_setup_meter", "CalSetup", {"MeterID", "Stand"}},
+      {"cal_data_point_setup", "CalDataPoint", {"CalSetupID", "JobRecordID"}}};
+  for (const std::string table : pointTables)
+    indexes.push_back({table + "_series", table, {"seriesID"}});
   for (const history::KeptTable& table : history::keptTables()) {
     if (hasTable(curves, table.HistoryName)) {
       indexes.push_back({table.HistoryName + "_entry", table.HistoryName, {"EntryID"}});
@@ -30,7 +32,8 @@ std::vector<TableIndex> neededIndexes(const ConnectionPtr& curves) {
 void checkTables(const ConnectionPtr& curves, Findings& findings) {
   if (history::hasHistoryTables(curves)) return;
   findings.push_back({"missing-history-tables", Severity::note, 1,
-                      "The tables of the history are not all there; the next command that replaces something makes them",
+                      "The tables of the history are not all there; the next command that replaces "
+                      "something makes them",
                       "", true, ""});
 }
 
@@ -42,8 +45,8 @@ void checkIndexes(const ConnectionPtr& curves, Findings& findings) {
     if (count++ == 0) example = "table " + index.Table + ", column " + index.Columns.front();
   }
   if (count == 0) return;
-  findings.push_back({"missing-indexes", Severity::note, count, "Indexes that make looking up slow by being missing",
-                      example, true, ""});
+  findings.push_back({"missing-indexes", Severity::note, count,
+                      "Indexes that make looking up slow by being missing", example, true, ""});
 }
 
 }  // namespace pelmora::doctor

@@ -86,9 +86,9 @@ FitOutcome clsDataFit::outcome() const {
   const std::vector<double>& y = chosen->dataResult->Columns[1];
   try {
     describeBands(*chosen->model, x, outcome);
-    outcome.Warnings = checkCurve({*chosen->model, chosen->outcome.Statistics,
-                                   chosen->outcome.Parameters.size(), data_->Columns[0], x, y,
-                                   BandPercent});
+    outcome.Warnings =
+        checkCurve({*chosen->model, chosen->outcome.Statistics, chosen->outcome.Parameters.size(),
+                    data_->Columns[0], x, y, BandPercent});
   } catch (...) {  // an engine that cannot look closer at its curve has fitted it all the same
   }
   return outcome;

@@ -1,5 +1,5 @@
-// The fitting object: one catalogue of equations, one fit at a time, the best equation of the last fit.
-// SPDX-License-Identifier: MIT
+// The fitting object: one catalogue of equations, one fit at a time, the best equation of the last
+// fit. SPDX-License-Identifier: MIT
 #pragma once
 
 #include "engine/equation_catalogue.h"
@@ -20,8 +20,8 @@ namespace pelmora {
 
 class clsDataFit {
  public:
-  // Loads the equation file of the platform's component folder, or the built-in list where there is none.
-  // Errors: Error 75 where a file exists and cannot be read.
+  // Loads the equation file of the platform's component folder, or the built-in list where there is
+  // none. Errors: Error 75 where a file exists and cannot be read.
   explicit clsDataFit(Platform& platform);
 
   // Settings of the next run.
@@ -34,14 +34,15 @@ class clsDataFit {
   std::function<void(std::int16_t finishedStep, std::int16_t maxSteps)> Progress;
   std::function<void(const std::string& sMessage)> StatusUpdate;
 
-  // Loads the equation file that fits RatioCurve; returns its cleaned text. Without a file the text is
-  // empty and the catalogue stays as it is.
+  // Loads the equation file that fits RatioCurve; returns its cleaned text. Without a file the text
+  // is empty and the catalogue stays as it is.
   std::string LoadEquations();
   [[nodiscard]] const std::vector<Equation>& equations() const { return equations_; }
 
   // Fits every equation to the points, from the last of the catalogue to the first, up to one with
-  // R2 >= 0.9999, and selects the best. Returns its curve at NumberOfFittedPoints x values spaced evenly
-  // in log10 over Predicted_Xmin..Predicted_Xmax; no bounds, and ArrayIsEmpty true, where none was chosen.
+  // R2 >= 0.9999, and selects the best. Returns its curve at NumberOfFittedPoints x values spaced
+  // evenly in log10 over Predicted_Xmin..Predicted_Xmax; no bounds, and ArrayIsEmpty true, where
+  // none was chosen.
   //
   // Errors: shown in a message box; the run then ends.
   PointArray fitCurve(const PointArray& points, bool& ArrayIsEmpty, double Predicted_Xmin,
@@ -52,7 +53,8 @@ class clsDataFit {
   [[nodiscard]] const ModelDefinition* dfxModelDefinition() const;
   [[nodiscard]] const FitModel* dfxModel() const;
   [[nodiscard]] const FitData* DataResult() const;
-  // Report of the chosen equation, or the reports of all. Empty after a run that ended in its error box.
+  // Report of the chosen equation, or the reports of all. Empty after a run that ended in its error
+  // box.
   [[nodiscard]] std::string ResultDetails() const;
   // 0 where no equation is chosen. Errors: Error 13 otherwise: a curve is no number.
   [[nodiscard]] double ResultArray() const;

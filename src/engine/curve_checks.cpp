@@ -12,10 +12,12 @@
 namespace pelmora {
 namespace {
 
-// How finely the curve is looked at between two neighbouring points. A pole of the reciprocal-logarithm
-// equation that was fitted to points a tenth of a decade apart is many times wider than a sixteenth of that.
+// How finely the curve is looked at between two neighbouring points. A pole of the
+// reciprocal-logarithm equation that was fitted to points a tenth of a decade apart is many times
+// wider than a sixteenth of that.
 constexpr std::size_t samplesPerGap = 16;
-// The curve may turn within this many residual standard errors between two points, as noise would make it.
+// The curve may turn within this many residual standard errors between two points, as noise would
+// make it.
 constexpr double noiseErrors = 3;
 // Beyond both it is a wild swing: in residual standard errors, and in per cent of the curve.
 constexpr double swingErrors = 20;
@@ -47,7 +49,8 @@ std::vector<double> between(double from, double to, std::size_t intervals) {
   return x;
 }
 
-// How far a curve leaves the range of its values at the ends of a gap, and the sample where it is furthest.
+// How far a curve leaves the range of its values at the ends of a gap, and the sample where it is
+// furthest.
 struct Excursion {
   double distance = 0;  // infinite where the curve is not finite
   std::size_t sample = 0;
@@ -63,8 +66,8 @@ Excursion largestExcursion(std::span<const double> y, double low, double high) {
   return largest;
 }
 
-// The height of an excursion: looks closer and closer around its furthest sample, until it grows no more or,
-// at a pole, without end.
+// The height of an excursion: looks closer and closer around its furthest sample, until it grows no
+// more or, at a pole, without end.
 double excursionHeight(const FitModel& model, std::vector<double> x, Excursion found, double low,
                        double high) {
   constexpr int mostZooms = 12;
@@ -97,8 +100,8 @@ std::vector<double> sorted(std::span<const double> x) {
   return values;
 }
 
-// The gaps between neighbouring x inside the predicted range. Points that lie much closer than the range
-// needs are passed over, so that the work does not grow with the number of points.
+// The gaps between neighbouring x inside the predicted range. Points that lie much closer than the
+// range needs are passed over, so that the work does not grow with the number of points.
 std::vector<double> gapEnds(std::span<const double> sortedX, double from, double to) {
   constexpr double mostGaps = 400;
   const bool logarithmic = from > 0 && to > 0;
@@ -141,7 +144,8 @@ void checkGaps(const CheckedCurve& curve, std::span<const double> sortedX,
   const std::vector<double> ends =
       gapEnds(sortedX, curve.predictedX.front(), curve.predictedX.back());
   for (std::size_t i = 1; i < ends.size(); ++i) {
-    if (auto warning = checkGap(curve, ends[i - 1], ends[i])) warnings.push_back(std::move(*warning));
+    if (auto warning = checkGap(curve, ends[i - 1], ends[i]))
+      warnings.push_back(std::move(*warning));
   }
   std::stable_sort(warnings.begin(), warnings.end(),
                    [](const auto& a, const auto& b) { return a.Kind < b.Kind; });
@@ -164,8 +168,9 @@ void checkExtrapolation(const CheckedCurve& curve, std::span<const double> sorte
   // The ends of a log-spaced table equal the range asked for up to rounding.
   const double rounding = 1e-12;
   const auto add = [&](double a, double b) {
-    warnings.push_back({CurveWarningKind::extrapolation, a, b, 0,
-                        "The curve is predicted " + whereText(a, b) + ", where there are no points"});
+    warnings.push_back(
+        {CurveWarningKind::extrapolation, a, b, 0,
+         "The curve is predicted " + whereText(a, b) + ", where there are no points"});
   };
   if (from < sortedX.front() - rounding * std::abs(sortedX.front())) add(from, sortedX.front());
   if (to > sortedX.back() + rounding * std::abs(sortedX.back())) add(sortedX.back(), to);
@@ -190,12 +195,11 @@ void checkTable(const CheckedCurve& curve, std::vector<CurveWarning>& warnings) 
   }
   const double limit = curve.bandPercent > 0 ? tableShareOfBand * curve.bandPercent : tablePercent;
   if (!(worst > limit)) return;
-  warnings.push_back({CurveWarningKind::tableReading, curve.predictedX[at], curve.predictedX[at + 1],
-                      worst,
-                      "The predicted table read linearly misses its own curve " +
-                          percentText(worst) + " " +
-                          whereText(curve.predictedX[at], curve.predictedX[at + 1]) +
-                          ": more fitted points would help"});
+  warnings.push_back(
+      {CurveWarningKind::tableReading, curve.predictedX[at], curve.predictedX[at + 1], worst,
+       "The predicted table read linearly misses its own curve " + percentText(worst) + " " +
+           whereText(curve.predictedX[at], curve.predictedX[at + 1]) +
+           ": more fitted points would help"});
 }
 
 }  // namespace
@@ -205,7 +209,8 @@ std::size_t distinctLevels(std::span<const double> x) {
   if (x.size() < 2) return x.size();
   const bool logarithmic = allPositive(x);
   const auto position = [&](double value) { return logarithmic ? std::log(value) : value; };
-  const double mean = (position(x.back()) - position(x.front())) / static_cast<double>(x.size() - 1);
+  const double mean =
+      (position(x.back()) - position(x.front())) / static_cast<double>(x.size() - 1);
   std::size_t levels = 1;
   for (std::size_t i = 1; i < x.size(); ++i) {
     if (position(x[i]) - position(x[i - 1]) > shareOfMeanSpacing * mean) ++levels;

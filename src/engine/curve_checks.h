@@ -21,14 +21,15 @@ struct CheckedCurve {
   double bandPercent;
 };
 
-// Warnings in the order of CurveWarningKind, each kind by rising x; none where a raw x is not finite. Of a model
-// that gives no samples only what the points alone tell: few levels, extrapolation.
+// Warnings in the order of CurveWarningKind, each kind by rising x; none where a raw x is not
+// finite. Of a model that gives no samples only what the points alone tell: few levels,
+// extrapolation.
 //
 // Errors: Error 9 where the model delivers samples, but not one for each x.
 [[nodiscard]] std::vector<CurveWarning> checkCurve(const CheckedCurve& curve);
 
-// How many distinct x levels there are: neighbours closer than a fifth of the mean spacing (of ln x where all x
-// are positive) belong to one level. `x` is sorted.
+// How many distinct x levels there are: neighbours closer than a fifth of the mean spacing (of ln x
+// where all x are positive) belong to one level. `x` is sorted.
 [[nodiscard]] std::size_t distinctLevels(std::span<const double> x);
 
 }  // namespace pelmora

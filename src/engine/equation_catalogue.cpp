@@ -22,8 +22,7 @@ std::string replaceAll(std::string_view text, std::string_view part, std::string
 
 std::vector<Equation> builtInEquations() {
   return {
-      {"Polynomial 6th Order",
-       "a+b*log(x)+c*log(x)^2+d*log(x)^3+e*log(x)^4+f*log(x)^5+g*log(x)^6"},
+      {"Polynomial 6th Order", "a+b*log(x)+c*log(x)^2+d*log(x)^3+e*log(x)^4+f*log(x)^5+g*log(x)^6"},
       {"Polynomial 7th Order",
        "a+b*log(x)+c*log(x)^2+d*log(x)^3+e*log(x)^4+f*log(x)^5+g*log(x)^6+h*log(x)^7"},
       {"Polynomial 8th Order",

@@ -22,8 +22,8 @@ struct EquationFile {
   std::vector<Equation> equations;  // the last line first: runs walk from the last entry down
 };
 
-// Line breaks are CR LF; a text without any CR has its line feeds taken for them. Lines that hold no
-// equation are skipped, fields beyond the second ignored.
+// Line breaks are CR LF; a text without any CR has its line feeds taken for them. Lines that hold
+// no equation are skipped, fields beyond the second ignored.
 [[nodiscard]] EquationFile parseEquationFile(std::string text);
 
 // "equations.txt", or "ratio equations.txt" for ratio curves.

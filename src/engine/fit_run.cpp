@@ -69,7 +69,8 @@ PointArray clsDataFit::fitCurve(const PointArray& points, bool& ArrayIsEmpty, do
   try {
     labels_ = {Label_Xaxis, Label_Yaxis};
     rawListing_ = rawListing(labels_, points);
-    std::shared_ptr<FitEngine> engine = platform_.createFitEngine ? platform_.createFitEngine() : nullptr;
+    std::shared_ptr<FitEngine> engine =
+        platform_.createFitEngine ? platform_.createFitEngine() : nullptr;
     if (!engine) throw makeError(RunTimeError::noEngine);
     if (equations_.size() > mostEquations) throw makeError(RunTimeError::overflow);
     data_ = makeFitData(labels_, points);
@@ -136,8 +137,8 @@ bool clsDataFit::fitEquation(const Run& run, std::size_t index) {
   if (std::abs(slot.outcome.WorstResidualRatio) >= largestResidualRatio && !IgnoreResiduals) {
     slot.details += residualFailureText(ratios);
     slot.outcome.Verdict = EquationVerdict::residualTestFailed;
-    slot.outcome.Reason = "the residual at x = " + numberText(slot.outcome.WorstResidualX) + " is " +
-                          numberText(slot.outcome.WorstResidualRatio) +
+    slot.outcome.Reason = "the residual at x = " + numberText(slot.outcome.WorstResidualX) +
+                          " is " + numberText(slot.outcome.WorstResidualRatio) +
                           " times the observed value; the limit is " +
                           numberText(largestResidualRatio);
     return false;
@@ -177,12 +178,11 @@ void clsDataFit::acceptSolution(const Run& run, std::size_t index) {
   const std::vector<double>& y = predicted->Columns[1];
   if (y.size() != x.size()) throw makeError(RunTimeError::outOfRange);
 
-  const auto [minX, maxX] =
-      std::minmax_element(data_->Columns[0].begin(), data_->Columns[0].end());
-  slot.details += reportBody({labels_, *minX, *maxX, slot.outcome.Parameters,
-                              slot.outcome.Statistics, slot.model->Settings.ResidualTolerance,
-                              BandPercent, NumberOfFittedPoints, run.predictedXmin,
-                              run.predictedXmax});
+  const auto [minX, maxX] = std::minmax_element(data_->Columns[0].begin(), data_->Columns[0].end());
+  slot.details +=
+      reportBody({labels_, *minX, *maxX, slot.outcome.Parameters, slot.outcome.Statistics,
+                  slot.model->Settings.ResidualTolerance, BandPercent, NumberOfFittedPoints,
+                  run.predictedXmin, run.predictedXmax});
   PointArray curve(x.size());
   for (std::size_t j = 0; j < x.size(); ++j) {
     curve(j, 0) = x[j];

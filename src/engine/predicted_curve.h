@@ -11,7 +11,8 @@ namespace pelmora {
 // log10 |v|, negated where v < 0. Errors: Error 5 for 0.
 [[nodiscard]] double signedLog10(double v);
 
-// intervals + 1 values from low to high, evenly spaced in signedLog10; both ends included up to rounding.
+// intervals + 1 values from low to high, evenly spaced in signedLog10; both ends included up to
+// rounding.
 //
 // Errors: Error 11 for no intervals, 9 for fewer, 5 where an end is 0, 6 where a value overflows.
 [[nodiscard]] std::vector<double> logSpacedGrid(double low, double high, std::int32_t intervals);

@@ -23,9 +23,10 @@ double lastRoshko(const PointArray& points) {
   return points(points.size() - 1, 0);
 }
 
-// How many of the long part's first points disagree with the short part, scanning from the end: one point
-// outside the band right behind one inside is tolerated, a second ends the scan.
-std::size_t trailingCut(const PointArray& longPart, const PointArray& shortPart, BandTester& tester) {
+// How many of the long part's first points disagree with the short part, scanning from the end: one
+// point outside the band right behind one inside is tolerated, a second ends the scan.
+std::size_t trailingCut(const PointArray& longPart, const PointArray& shortPart,
+                        BandTester& tester) {
   bool previousInside = false;
   for (std::size_t i = longPart.size(); i-- > 0;) {
     const double x = longPart(i, 0);

@@ -25,11 +25,14 @@ constexpr std::array<RawPart, 4> rawParts{{{"raw1", "Sorting raw1 data in series
                                            {"raw4", "Sorting Raw4 data in series "}}};
 constexpr std::size_t lastPart = 3;
 
-// What one fit keeps in the shared state. Every event, pump and box runs host code, which may fit another
-// series or create an object; put() before the shared state is used next makes it this fit's again.
+// What one fit keeps in the shared state. Every event, pump and box runs host code, which may fit
+// another series or create an object; put() before the shared state is used next makes it this
+// fit's again.
 class SharedEntry {
  public:
-  SharedEntry(SharedState& shared, const MeterInfo& found) : shared_(shared), found_(found) { put(); }
+  SharedEntry(SharedState& shared, const MeterInfo& found) : shared_(shared), found_(found) {
+    put();
+  }
 
   void setRaw(std::size_t part, const PointArray& points) {
     raw_[part] = RawSlot{points};
@@ -52,7 +55,8 @@ class SharedEntry {
   std::array<std::optional<RawSlot>, 4> raw_;  // of the parts read so far
 };
 
-// Reads and sorts a raw part into its slot of the shared fit record. Fewer than two points count as none.
+// Reads and sorts a raw part into its slot of the shared fit record. Fewer than two points count as
+// none.
 std::optional<PointArray> readPart(const OperationContext& context, std::size_t part,
                                    const std::string& SeriesName, SharedEntry& entry,
                                    const ConnectionPtr& connection) {
@@ -107,8 +111,8 @@ bool settleRange(const OperationContext& context, const FitHost& host, const Poi
   const double rawMin = merged(0, 0);
   const double rawMax = merged(merged.size() - 1, 0);
   if (rawMin <= xMin && rawMax >= xMax) return true;
-  const int answer = host.settings().Unattended ? box_answer::abort
-                                                : askAboutRange(xMin, xMax, rawMin, rawMax);
+  const int answer =
+      host.settings().Unattended ? box_answer::abort : askAboutRange(xMin, xMax, rawMin, rawMax);
   if (answer == box_answer::ignore) return true;
   if (answer == box_answer::retry) {
     xMin = rawMin;

@@ -20,14 +20,14 @@ struct FitRequest {
   bool bInverted = false;
 };
 
-// Reads the raw parts, sorts and merges them, checks that Predicted_Xmin..Predicted_Xmax lies inside the
-// merged points, fits the catalogue and leaves merged points, curve and report in the shared fit record.
-// Nothing is stored in the database.
+// Reads the raw parts, sorts and merges them, checks that Predicted_Xmin..Predicted_Xmax lies
+// inside the merged points, fits the catalogue and leaves merged points, curve and report in the
+// shared fit record. Nothing is stored in the database.
 //
-// A range outside the points is a question to the operator (Abort, Retry, Ignore); unattended, it aborts.
-// Retry sets both ends to those of the points. An aborted fit leaves the last results in place.
-// ArrayIsEmpty is false exactly when an equation was chosen; where an error came before the merge or the
-// fit began, it stays as it was.
+// A range outside the points is a question to the operator (Abort, Retry, Ignore); unattended, it
+// aborts. Retry sets both ends to those of the points. An aborted fit leaves the last results in
+// place. ArrayIsEmpty is false exactly when an equation was chosen; where an error came before the
+// merge or the fit began, it stays as it was.
 PointArray determineFittedCurve(const OperationContext& context, FitHost& host,
                                 const FitRequest& request, bool& ArrayIsEmpty,
                                 double& Predicted_Xmin, double& Predicted_Xmax);

@@ -54,8 +54,8 @@ void readFitted(const OperationContext& context, const OperationConnection& conn
   }
   context.raiseStatusUpdate("Retrieving old merged data from database in series " +
                             query.SeriesName);
-  series.Merged = readPoints(connection, "Select roshko, strouhal from merge where seriesID = ",
-                             series.SeriesID);
+  series.Merged = readPoints(
+      connection, "Select roshko, strouhal from merge where seriesID = ", series.SeriesID);
   context.shared().fitRecord().Merged = series.Merged;
   context.raiseStatusUpdate("Retrieving old Fitted Details from database in series " +
                             query.SeriesName);
@@ -100,10 +100,10 @@ MeterInfo GetAllInfo(const OperationContext& context, const FittedQuery& query,
     for (std::size_t part = 0; part < series.Raw.size(); ++part) {
       context.raiseStatusUpdate("Retrieving old raw data from database in series " +
                                 query.SeriesName);
-      series.Raw[part].Points =
-          readPoints(connection,
-                     "Select roshko, strouhal from raw" + numberText(part + 1) + " where seriesID = ",
-                     series.SeriesID);
+      series.Raw[part].Points = readPoints(
+          connection,
+          "Select roshko, strouhal from raw" + numberText(part + 1) + " where seriesID = ",
+          series.SeriesID);
     }
     const bool byStrouhal = query.bDarvellFormat && lowerCase(query.SeriesName) == "ratio";
     readFitted(context, connection, query,

@@ -17,8 +17,8 @@ struct FittedResult {
   const std::string& Details;
 };
 
-// Replaces the curve, merged points and summary of a series. Points are stored from two on. With `cleardb`
-// no points are stored, and the summary only where there is one.
+// Replaces the curve, merged points and summary of a series. Points are stored from two on. With
+// `cleardb` no points are stored, and the summary only where there is one.
 //
 // True when everything asked for was stored; false where the series is unknown.
 // Errors: shown; what was deleted by then stays deleted.

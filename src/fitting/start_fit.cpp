@@ -38,8 +38,8 @@ PointArray startFit(const OperationContext& context, FitHost& host, const PointA
     fitting.MeterSerialNumber = shared.foundSeries.SerialNumber;
     fitting.SeriesName = shared.fitRecord().SeriesName;
     shared.fitRecord().Merged = merged;
-    shared.fitRecord().Fitted = fitting.fitCurve(merged, ArrayIsEmpty, Predicted_Xmin, Predicted_Xmax,
-                                                 Label_Xaxis, Label_Yaxis);
+    shared.fitRecord().Fitted = fitting.fitCurve(merged, ArrayIsEmpty, Predicted_Xmin,
+                                                 Predicted_Xmax, Label_Xaxis, Label_Yaxis);
     shared.fitRecord().Merged = merged;  // a handler may have fitted other points meanwhile
     const std::string details = fitting.ResultDetails();
     shared.fitRecord().Summary = details;

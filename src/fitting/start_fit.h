@@ -11,8 +11,8 @@
 
 namespace pelmora {
 
-// Fits `merged` on a fitting object of its own and leaves merged points, curve and report in the shared
-// fit record; the report and the outcome go to the host's object too. Returns the curve.
+// Fits `merged` on a fitting object of its own and leaves merged points, curve and report in the
+// shared fit record; the report and the outcome go to the host's object too. Returns the curve.
 //
 // Errors: shown; ArrayIsEmpty is then true, curve and report are empty.
 PointArray startFit(const OperationContext& context, FitHost& host, const PointArray& merged,

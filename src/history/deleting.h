@@ -21,7 +21,9 @@ struct DeleteOutcome {
   std::vector<DeletedRows> Rows;  // tables without rows are left out
 };
 
-// Removes all rows of the scope once `change` has kept them. Nothing is stored before change.commit().
-[[nodiscard]] DeleteOutcome removeKept(const ConnectionPtr& curves, KeptChange& change, const Scope& scope);
+// Removes all rows of the scope once `change` has kept them. Nothing is stored before
+// change.commit().
+[[nodiscard]] DeleteOutcome removeKept(const ConnectionPtr& curves, KeptChange& change,
+                                       const Scope& scope);
 
 }  // namespace pelmora::history

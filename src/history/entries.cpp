@@ -19,20 +19,22 @@ std::vector<std::string> split(const std::string& names) {
 Entry entryOf(const Recordset& rows) {
   Entry entry;
   entry.ID = wholeOf(rows.value("ID"));
-  entry.Note = {textOf(rows.value("Command")), textOf(rows.value("ChangedAt")), textOf(rows.value("UserName")),
-                textOf(rows.value("Version"))};
+  entry.Note = {textOf(rows.value("Command")), textOf(rows.value("ChangedAt")),
+                textOf(rows.value("UserName")), textOf(rows.value("Version"))};
   entry.SerialNumber = textOf(rows.value("SerialNumber"));
   entry.SeriesName = textOf(rows.value("SeriesName"));
   entry.ReCalID = static_cast<std::int32_t>(wholeOf(rows.value("ReCalID")));
   entry.Kept = {static_cast<std::int32_t>(wholeOf(rows.value("MeterID"))),
-                static_cast<std::int32_t>(wholeOf(rows.value("SeriesID"))), split(textOf(rows.value("KeptTables")))};
+                static_cast<std::int32_t>(wholeOf(rows.value("SeriesID"))),
+                split(textOf(rows.value("KeptTables")))};
   return entry;
 }
 
 std::vector<Entry> readEntries(const ConnectionPtr& curves, const std::string& where) {
   std::vector<Entry> list;
   if (!hasTable(curves, entryTable)) return list;
-  const auto rows = read(curves, "Select * from " + std::string(entryTable) + where + " ORDER BY ID DESC");
+  const auto rows =
+      read(curves, "Select * from " + std::string(entryTable) + where + " ORDER BY ID DESC");
   for (; !rows->atEnd(); rows->moveNext()) list.push_back(entryOf(*rows));
   return list;
 }
@@ -51,31 +53,36 @@ std::string conditionOf(const EntryFilter& filter) {
 }
 
 // The ids that series of that name have had.
-Ids seriesIds(const ConnectionPtr& curves, const std::vector<Entry>& list, const std::string& name) {
+Ids seriesIds(const ConnectionPtr& curves, const std::vector<Entry>& list,
+              const std::string& name) {
   Ids entryIds;
   for (const Entry& entry : list) entryIds.push_back(entry.ID);
   const std::string named = "=" + literal(name);
-  Ids ids = idsOf(curves, "Select DISTINCT SeriesID from " + std::string(entryTable) + whereIn("ID", entryIds) +
-                              " AND SeriesName" + named);
-  const Ids kept = idsOf(curves, "Select DISTINCT ID from pelmora_history_series" + whereIn("EntryID", entryIds) +
-                                     " AND name" + named);
+  Ids ids = idsOf(curves, "Select DISTINCT SeriesID from " + std::string(entryTable) +
+                              whereIn("ID", entryIds) + " AND SeriesName" + named);
+  const Ids kept = idsOf(curves, "Select DISTINCT ID from pelmora_history_series" +
+                                     whereIn("EntryID", entryIds) + " AND name" + named);
   ids.insert(ids.end(), kept.begin(), kept.end());
   return ids;
 }
 
-// Counts the kept rows of all entries, table by table. ofSeries: only rows of series with these ids.
-void countRows(const ConnectionPtr& curves, std::vector<Entry>& list, const std::optional<Ids>& ofSeries) {
+// Counts the kept rows of all entries, table by table. ofSeries: only rows of series with these
+// ids.
+void countRows(const ConnectionPtr& curves, std::vector<Entry>& list,
+               const std::optional<Ids>& ofSeries) {
   for (const KeptTable& table : keptTables()) {
-    if (!hasTable(curves, table.HistoryName) || (ofSeries && table.RowsBelongTo != Owner::series)) continue;
+    if (!hasTable(curves, table.HistoryName) || (ofSeries && table.RowsBelongTo != Owner::series))
+      continue;
     const std::string where = ofSeries ? whereIn(table.KeyColumn, *ofSeries) : "";
     std::map<std::int64_t, std::size_t> counts;
-    const auto rows = read(curves, "Select EntryID, COUNT(*) AS n from [" + table.HistoryName + "]" + where +
-                                       " GROUP BY EntryID");
+    const auto rows = read(curves, "Select EntryID, COUNT(*) AS n from [" + table.HistoryName +
+                                       "]" + where + " GROUP BY EntryID");
     for (; !rows->atEnd(); rows->moveNext()) {
       counts[wholeOf(rows->value("EntryID"))] = static_cast<std::size_t>(wholeOf(rows->value("n")));
     }
     for (Entry& entry : list) {
-      if (const auto found = counts.find(entry.ID); found != counts.end()) entry.Rows[table.Name] = found->second;
+      if (const auto found = counts.find(entry.ID); found != counts.end())
+        entry.Rows[table.Name] = found->second;
     }
   }
 }
@@ -112,7 +119,8 @@ std::optional<Entry> findEntry(const ConnectionPtr& curves, std::int64_t entryID
 
 std::vector<Entry> prunable(const ConnectionPtr& curves, const Pruning& pruning) {
   std::vector<Entry> old = entries(curves);
-  old.erase(old.begin(), old.begin() + static_cast<std::ptrdiff_t>(std::min(pruning.Keep, old.size())));
+  old.erase(old.begin(),
+            old.begin() + static_cast<std::ptrdiff_t>(std::min(pruning.Keep, old.size())));
   if (pruning.Before) {
     std::erase_if(old, [&](const Entry& entry) { return entry.Note.ChangedAt >= *pruning.Before; });
   }

@@ -28,9 +28,10 @@ struct EntryFilter {
   std::optional<std::int32_t> ReCalID;
 };
 
-// Entries from the newest to the oldest; none where the database has no history. With a series, entries of whole
-// calibrations count the rows of that series alone.
-[[nodiscard]] std::vector<Entry> entries(const ConnectionPtr& curves, const EntryFilter& filter = {});
+// Entries from the newest to the oldest; none where the database has no history. With a series,
+// entries of whole calibrations count the rows of that series alone.
+[[nodiscard]] std::vector<Entry> entries(const ConnectionPtr& curves,
+                                         const EntryFilter& filter = {});
 
 // Nothing where there is no such entry.
 [[nodiscard]] std::optional<Entry> findEntry(const ConnectionPtr& curves, std::int64_t entryID);

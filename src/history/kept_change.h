@@ -21,8 +21,8 @@ struct ChangeNote {
   bool operator==(const ChangeNote&) const = default;
 };
 
-// Begins a transaction of the connection. What keep() copies and what is changed afterwards is stored by commit()
-// together; without it, also where the program is killed, nothing of either is.
+// Begins a transaction of the connection. What keep() copies and what is changed afterwards is
+// stored by commit() together; without it, also where the program is killed, nothing of either is.
 //
 //     KeptChange change(curves, note);
 //     change.keep(fittedCurve(meterID, seriesID));
@@ -33,8 +33,9 @@ class KeptChange {
   // Errors: Error, 0x80004005 where another user writes.
   KeptChange(const ConnectionPtr& curves, ChangeNote note);
 
-  // Copies the rows of the scope as they are now into an entry of their own and returns its id; 0, and no entry,
-  // where there are none or this change has kept them before. Makes the history's tables where they are missing.
+  // Copies the rows of the scope as they are now into an entry of their own and returns its id; 0,
+  // and no entry, where there are none or this change has kept them before. Makes the history's
+  // tables where they are missing.
   std::int64_t keep(const Scope& scope);
   void commit() { transaction_.commit(); }
 

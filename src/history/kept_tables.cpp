@@ -12,7 +12,8 @@ using Type = OwnColumnType;
 
 constexpr std::int32_t invalidArgument = 5;
 
-KeptTable table(const std::string& name, Owner owner, const std::string& key, std::vector<OwnColumn> columns) {
+KeptTable table(const std::string& name, Owner owner, const std::string& key,
+                std::vector<OwnColumn> columns) {
   return {name, owner, key, std::move(columns), "pelmora_history_" + name};
 }
 
@@ -20,7 +21,8 @@ KeptTable dataPoints() {
   KeptTable points = table("CalDataPoint", Owner::setup, "CalSetupID",
                            {{"CalSetupID", Type::whole}, {"JobRecordID", Type::anything}});
   constexpr int measuredValues = 37;
-  for (int i = 1; i <= measuredValues; ++i) points.Columns.push_back({"V" + std::to_string(i), Type::real});
+  for (int i = 1; i <= measuredValues; ++i)
+    points.Columns.push_back({"V" + std::to_string(i), Type::real});
   return points;
 }
 
@@ -43,25 +45,27 @@ KeptTable fitSettings() {
 }
 
 std::vector<KeptTable> allTables() {
-  std::vector<KeptTable> tables{table("meter", Owner::meter, "ID",
-                                      {{"ID", Type::whole},
-                                       {"SerialNumber", Type::text},
-                                       {"SerialNumberAdjusted", Type::text},
-                                       {"ReCalID", Type::whole}}),
-                                table("series", Owner::meter, "meterid",
-                                      {{"ID", Type::whole}, {"name", Type::text}, {"meterid", Type::whole}}),
-                                table("CalSetup", Owner::meter, "MeterID",
-                                      {{"ID", Type::whole},
-                                       {"MeterID", Type::whole},
-                                       {"Stand", Type::whole},
-                                       {"MeterPosition", Type::whole},
-                                       {"OperatorID", Type::whole},
-                                       {"FluidID", Type::whole},
-                                       {"DateTaken", Type::text}}),
-                                dataPoints()};
+  std::vector<KeptTable> tables{
+      table("meter", Owner::meter, "ID",
+            {{"ID", Type::whole},
+             {"SerialNumber", Type::text},
+             {"SerialNumberAdjusted", Type::text},
+             {"ReCalID", Type::whole}}),
+      table("series", Owner::meter, "meterid",
+            {{"ID", Type::whole}, {"name", Type::text}, {"meterid", Type::whole}}),
+      table("CalSetup", Owner::meter, "MeterID",
+            {{"ID", Type::whole},
+             {"MeterID", Type::whole},
+             {"Stand", Type::whole},
+             {"MeterPosition", Type::whole},
+             {"OperatorID", Type::whole},
+             {"FluidID", Type::whole},
+             {"DateTaken", Type::text}}),
+      dataPoints()};
   for (const char* name : {"raw1", "raw2", "raw3", "raw4", "merge", "curve"}) {
-    tables.push_back(table(name, Owner::series, "seriesID",
-                           {{"seriesID", Type::whole}, {"Roshko", Type::real}, {"Strouhal", Type::real}}));
+    tables.push_back(
+        table(name, Owner::series, "seriesID",
+              {{"seriesID", Type::whole}, {"Roshko", Type::real}, {"Strouhal", Type::real}}));
   }
   tables.push_back(table("DataFitResults", Owner::series, "seriesID",
                          {{"seriesID", Type::whole}, {"summary", Type::text}}));
@@ -108,7 +112,8 @@ const KeptTable& keptTable(std::string_view name) {
   for (const KeptTable& table : keptTables()) {
     if (table.Name == name) return table;
   }
-  throw Error(invalidArgument, "pelmora:history", "No rows of table '" + std::string(name) + "' are kept");
+  throw Error(invalidArgument, "pelmora:history",
+              "No rows of table '" + std::string(name) + "' are kept");
 }
 
 void createHistoryTables(const ConnectionPtr& curves) {
@@ -128,7 +133,8 @@ bool hasHistoryTables(const ConnectionPtr& curves) {
 }
 
 bool isThere(const ConnectionPtr& curves, const KeptTable& table) {
-  return hasTable(curves, table.HistoryName) && (!table.MayBeMissing || hasTable(curves, table.Name));
+  return hasTable(curves, table.HistoryName) &&
+         (!table.MayBeMissing || hasTable(curves, table.Name));
 }
 
 }  // namespace pelmora::history

@@ -15,7 +15,7 @@ namespace pelmora::history {
 enum class Owner { meter, series, setup };
 
 struct KeptTable {
-  std::string Name;                // of the given table
+  std::string Name;  // of the given table
   Owner RowsBelongTo = Owner::series;
   std::string KeyColumn;           // that names the owner
   std::vector<OwnColumn> Columns;  // of the given table
@@ -28,7 +28,8 @@ struct KeptTable {
 
 inline constexpr const char* entryTable = "pelmora_history_entry";
 
-// In the order in which rows are brought back: meter, series and set-ups before what belongs to them.
+// In the order in which rows are brought back: meter, series and set-ups before what belongs to
+// them.
 [[nodiscard]] const std::vector<KeptTable>& keptTables();
 // Errors: Error 5 for a name that is none of them.
 [[nodiscard]] const KeptTable& keptTable(std::string_view name);

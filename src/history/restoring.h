@@ -21,15 +21,19 @@ struct RestoredTable {
 
 struct RestoreOutcome {
   Entry Restored;
-  std::int64_t KeptAs = 0;  // the entry of what the restored rows have replaced; 0 where that was nothing
+  std::int64_t KeptAs =
+      0;  // the entry of what the restored rows have replaced; 0 where that was nothing
   std::vector<RestoredTable> Tables;
 };
 
-// Puts the rows of the entry, with their ids and in their order, in place of those that its scope has now; what it
-// replaces is kept by `change` as an entry first. Nothing is stored before change.commit().
+// Puts the rows of the entry, with their ids and in their order, in place of those that its scope
+// has now; what it replaces is kept by `change` as an entry first. Nothing is stored before
+// change.commit().
 //
-// Errors: Error noSuchEntry; standsInTheWay where the calibration or series is gone that the rows belong to, or
+// Errors: Error noSuchEntry; standsInTheWay where the calibration or series is gone that the rows
+// belong to, or
 //         another one has its name or id by now.
-[[nodiscard]] RestoreOutcome restore(const ConnectionPtr& curves, KeptChange& change, std::int64_t entryID);
+[[nodiscard]] RestoreOutcome restore(const ConnectionPtr& curves, KeptChange& change,
+                                     std::int64_t entryID);
 
 }  // namespace pelmora::history

@@ -11,7 +11,8 @@ constexpr std::int32_t noObject = 91;
 }  // namespace
 
 std::unique_ptr<Recordset> read(const ConnectionPtr& curves, const std::string& statement) {
-  if (!curves) throw Error(noObject, "pelmora:history", "Object variable or With block variable not set");
+  if (!curves)
+    throw Error(noObject, "pelmora:history", "Object variable or With block variable not set");
   return curves->openRecordset(statement, CursorType::forwardOnly, LockType::optimistic);
 }
 
@@ -29,7 +30,8 @@ std::string textOf(const Value& value) {
 Ids idsOf(const ConnectionPtr& curves, const std::string& statement) {
   Ids ids;
   for (const auto rows = read(curves, statement); !rows->atEnd(); rows->moveNext()) {
-    if (!std::holds_alternative<std::monostate>(rows->value(0))) ids.push_back(wholeOf(rows->value(0)));
+    if (!std::holds_alternative<std::monostate>(rows->value(0)))
+      ids.push_back(wholeOf(rows->value(0)));
   }
   return ids;
 }

@@ -13,14 +13,16 @@ namespace pelmora::history {
 
 using Ids = std::vector<std::int64_t>;
 
-[[nodiscard]] std::unique_ptr<Recordset> read(const ConnectionPtr& curves, const std::string& statement);
+[[nodiscard]] std::unique_ptr<Recordset> read(const ConnectionPtr& curves,
+                                              const std::string& statement);
 // 0 and "" where the value is null or of another kind.
 [[nodiscard]] std::int64_t wholeOf(const Value& value);
 [[nodiscard]] std::string textOf(const Value& value);
 // The first column of all rows, without nulls.
 [[nodiscard]] Ids idsOf(const ConnectionPtr& curves, const std::string& statement);
 // The number that "Select COUNT(*) ..." delivers.
-[[nodiscard]] std::int64_t countOf(const ConnectionPtr& curves, const std::string& tableAndCondition);
+[[nodiscard]] std::int64_t countOf(const ConnectionPtr& curves,
+                                   const std::string& tableAndCondition);
 
 // " where [key] IN (1, 2)"; for no ids one that no row meets.
 [[nodiscard]] std::string whereIn(const std::string& key, const Ids& ids);

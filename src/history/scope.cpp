@@ -4,10 +4,12 @@
 namespace pelmora::history {
 namespace {
 
-const std::vector<std::string> curveTables{"merge", "curve", "DataFitResults", "pelmora_fit_settings"};
+const std::vector<std::string> curveTables{"merge", "curve", "DataFitResults",
+                                           "pelmora_fit_settings"};
 const std::vector<std::string> rawTables{"raw1", "raw2", "raw3", "raw4"};
 
-std::vector<std::string> joined(std::vector<std::string> names, const std::vector<std::string>& more) {
+std::vector<std::string> joined(std::vector<std::string> names,
+                                const std::vector<std::string>& more) {
   names.insert(names.end(), more.begin(), more.end());
   return names;
 }
@@ -27,14 +29,17 @@ Scope rawPart(std::int32_t MeterID, std::int32_t SeriesID, int part) {
   return {MeterID, SeriesID, {"raw" + std::to_string(part)}};
 }
 
-Scope fittedCurve(std::int32_t MeterID, std::int32_t SeriesID) { return {MeterID, SeriesID, curveTables}; }
+Scope fittedCurve(std::int32_t MeterID, std::int32_t SeriesID) {
+  return {MeterID, SeriesID, curveTables};
+}
 
 Scope wholeSeries(std::int32_t MeterID, std::int32_t SeriesID) {
   return {MeterID, SeriesID, joined(joined({"series"}, rawTables), curveTables)};
 }
 
 Scope importedRuns(std::int32_t MeterID) {
-  return {MeterID, 0, joined(joined({"series", "CalSetup", "CalDataPoint"}, rawTables), curveTables)};
+  return {MeterID, 0,
+          joined(joined({"series", "CalSetup", "CalDataPoint"}, rawTables), curveTables)};
 }
 
 Scope wholeCalibration(std::int32_t MeterID) {

@@ -25,14 +25,15 @@ struct Scope {
 // Curve, merged points, report and settings of the fit.
 [[nodiscard]] Scope fittedCurve(std::int32_t MeterID, std::int32_t SeriesID);
 [[nodiscard]] Scope wholeSeries(std::int32_t MeterID, std::int32_t SeriesID);
-// What an import replaces, and the curves, which belong to the raw points of before: set-ups, their data points,
-// series, raw points, results.
+// What an import replaces, and the curves, which belong to the raw points of before: set-ups, their
+// data points, series, raw points, results.
 [[nodiscard]] Scope importedRuns(std::int32_t MeterID);
 // The same and the calibration itself.
 [[nodiscard]] Scope wholeCalibration(std::int32_t MeterID);
 
 // " where ...": the rows of `table` that belong to the scope as the database is now.
-[[nodiscard]] std::string condition(const ConnectionPtr& curves, const Scope& scope, const KeptTable& table);
+[[nodiscard]] std::string condition(const ConnectionPtr& curves, const Scope& scope,
+                                    const KeptTable& table);
 
 // The rows of an entry in the history's own tables.
 [[nodiscard]] std::string conditionOfEntry(std::int64_t entryID);

@@ -23,7 +23,8 @@ class SharedConnection : public Connection {
   [[nodiscard]] bool isOpen() const override { return open_->isOpen(); }
   void close() override {}
   void execute(const std::string& statement) override { open_->execute(statement); }
-  [[nodiscard]] std::unique_ptr<Recordset> openRecordset(const std::string& statement, CursorType cursor,
+  [[nodiscard]] std::unique_ptr<Recordset> openRecordset(const std::string& statement,
+                                                         CursorType cursor,
                                                          LockType lock) override {
     return open_->openRecordset(statement, cursor, lock);
   }
@@ -40,13 +41,15 @@ struct InsertElsewhere {
 
 std::string trimmed(const std::string& text) {
   const auto first = text.find_first_not_of(' ');
-  return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(' ') - first + 1);
+  return first == std::string::npos ? ""
+                                    : text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
 std::optional<InsertElsewhere> insertInto(const std::string& file, const std::string& statement) {
   const std::string head = "INSERT INTO ", place = ") IN '" + file + "'";
   const std::size_t bracket = statement.find('('), end = statement.find(place);
-  if (!statement.starts_with(head) || bracket == std::string::npos || end == std::string::npos || end < bracket) {
+  if (!statement.starts_with(head) || bracket == std::string::npos || end == std::string::npos ||
+      end < bracket) {
     return std::nullopt;
   }
   InsertElsewhere insert;
@@ -66,12 +69,14 @@ std::string literal(const Value& value) {
   if (std::holds_alternative<std::monostate>(value)) return "NULL";
   std::array<char, 32> buffer{};
   const auto number = [&](auto n) {
-    return std::string(buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), n).ptr);
+    return std::string(buffer.data(),
+                       std::to_chars(buffer.data(), buffer.data() + buffer.size(), n).ptr);
   };
   if (const auto* whole = std::get_if<std::int64_t>(&value)) return number(*whole);
   if (const auto* real = std::get_if<double>(&value)) return number(*real);
   std::string quoted = "'";
-  for (const char c : std::get<std::string>(value)) quoted += c == '\'' ? std::string("''") : std::string(1, c);
+  for (const char c : std::get<std::string>(value))
+    quoted += c == '\'' ? std::string("''") : std::string(1, c);
   return quoted + "'";
 }
 
@@ -87,16 +92,19 @@ class StandConnection : public Connection {
     if (!insert) return stand_->execute(statement);
     copy(*insert);
   }
-  [[nodiscard]] std::unique_ptr<Recordset> openRecordset(const std::string& statement, CursorType cursor,
+  [[nodiscard]] std::unique_ptr<Recordset> openRecordset(const std::string& statement,
+                                                         CursorType cursor,
                                                          LockType lock) override {
     return stand_->openRecordset(statement, cursor, lock);
   }
 
  private:
   void copy(const InsertElsewhere& insert) const {
-    const auto from = stand_->openRecordset(insert.select, CursorType::forwardOnly, LockType::optimistic);
-    const auto to = curves_->openRecordset("SELECT " + insert.columnList + " FROM " + insert.table + " WHERE 1=0",
-                                           CursorType::dynamic, LockType::batchOptimistic);
+    const auto from =
+        stand_->openRecordset(insert.select, CursorType::forwardOnly, LockType::optimistic);
+    const auto to = curves_->openRecordset(
+        "SELECT " + insert.columnList + " FROM " + insert.table + " WHERE 1=0", CursorType::dynamic,
+        LockType::batchOptimistic);
     const std::vector<std::string_view> fields(insert.columns.begin(), insert.columns.end());
     std::vector<Value> values(fields.size());
     for (; !from->atEnd(); from->moveNext()) {
@@ -105,7 +113,8 @@ class StandConnection : public Connection {
         to->addRow(fields, values);
       } catch (const Error& error) {
         if (error.number() != typeMismatch) throw;
-        // A text in a column of numbers: a record set refuses it, a statement stores it as it stands.
+        // A text in a column of numbers: a record set refuses it, a statement stores it as it
+        // stands.
         to->updateBatch();
         insertRow(insert, values);
       }
@@ -116,7 +125,8 @@ class StandConnection : public Connection {
   void insertRow(const InsertElsewhere& insert, const std::vector<Value>& values) const {
     std::string list;
     for (const Value& value : values) list += (list.empty() ? "" : ", ") + literal(value);
-    curves_->execute("INSERT INTO " + insert.table + " (" + insert.columnList + ") VALUES (" + list + ")");
+    curves_->execute("INSERT INTO " + insert.table + " (" + insert.columnList + ") VALUES (" +
+                     list + ")");
   }
 
   ConnectionPtr stand_, curves_;
@@ -125,9 +135,12 @@ class StandConnection : public Connection {
 
 }  // namespace
 
-ConnectionPtr sharedConnection(const ConnectionPtr& open) { return std::make_shared<SharedConnection>(open); }
+ConnectionPtr sharedConnection(const ConnectionPtr& open) {
+  return std::make_shared<SharedConnection>(open);
+}
 
-ConnectionPtr standConnection(const ConnectionPtr& stand, const ConnectionPtr& curves, const std::string& curvesPath) {
+ConnectionPtr standConnection(const ConnectionPtr& stand, const ConnectionPtr& curves,
+                              const std::string& curvesPath) {
   return std::make_shared<StandConnection>(stand, curves, curvesPath);
 }
 

@@ -11,16 +11,17 @@ namespace pelmora {
 // Most points that 16-bit indices reach.
 inline constexpr std::int32_t mostPoints = 32767;
 
-// All rows' fields "roshko" and "strouhal" in the order of the rows; no bounds for no rows. Leaves the
-// record set behind its last row.
+// All rows' fields "roshko" and "strouhal" in the order of the rows; no bounds for no rows. Leaves
+// the record set behind its last row.
 //
 // Errors: Error 6 for more than mostPoints rows, 94 for a null, 13 for text that is no number.
 [[nodiscard]] PointArray pointsFromRows(Recordset& rows);
 
-// At most 40 rows from the current one on, in single precision: Roshko first, or Strouhal first. Rows
-// past the 40th are left unread.
+// At most 40 rows from the current one on, in single precision: Roshko first, or Strouhal first.
+// Rows past the 40th are left unread.
 //
-// Errors: Error 6 for a value beyond single precision, 94 for a null, 13 for text that is no number.
+// Errors: Error 6 for a value beyond single precision, 94 for a null, 13 for text that is no
+// number.
 [[nodiscard]] FixedCurve40 curve40FromRows(Recordset& rows);
 [[nodiscard]] FixedCurve40 curve40FromRowsSwapped(Recordset& rows);
 

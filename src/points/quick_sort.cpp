@@ -24,7 +24,8 @@ class PointSort {
   PointSort(PointArray& points, std::int16_t sortColumn, std::int16_t lastColumn, bool ascending)
       : points_(points), sortColumn_(sortColumn), lastColumn_(lastColumn), ascending_(ascending) {}
 
-  // Ranges are taken from a stack, the lower part first: the order of the recursion without its depth.
+  // Ranges are taken from a stack, the lower part first: the order of the recursion without its
+  // depth.
   void sort(Range whole) {
     std::vector<Range> open{whole};
     while (!open.empty()) {

@@ -21,8 +21,8 @@ std::int32_t findOrInsert(const OperationConnection& connection, const std::stri
 
 }  // namespace
 
-std::int32_t setCalSetup(const OperationContext& context, std::int32_t MeterID, std::int16_t StandID,
-                         std::int16_t PositionID, std::string& OperatorName,
+std::int32_t setCalSetup(const OperationContext& context, std::int32_t MeterID,
+                         std::int16_t StandID, std::int16_t PositionID, std::string& OperatorName,
                          const std::string& FluidName, const ConnectionPtr& conn) {
   std::int32_t setupId = 0;
   context.trap("Error in RawData:setCalSetup", [&] {
@@ -41,7 +41,8 @@ std::int32_t setCalSetup(const OperationContext& context, std::int32_t MeterID, 
           findOrInsert(connection, "Select * from Operator where name = '" + OperatorName + "'",
                        "Insert into Operator (Name) VALUES ('" + OperatorName + "')");
       connection->execute(
-          "Insert into Calsetup (meterID,Stand,MeterPosition,OperatorID,FluidID,DateTaken) VALUES(" +
+          "Insert into Calsetup (meterID,Stand,MeterPosition,OperatorID,FluidID,DateTaken) "
+          "VALUES(" +
           numberText(MeterID) + "," + numberText(StandID) + "," + numberText(PositionID) + "," +
           numberText(operatorId) + "," + numberText(fluidId) + ",#" + todayText() + "#)");
       setups->requery();

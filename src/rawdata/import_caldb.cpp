@@ -42,16 +42,18 @@ void copyRuns(const OperationContext& context, const CalibrationImport& wanted,
   if (wanted.JobID_RawA.size() > mostRuns) throw makeError(RunTimeError::overflow);
   for (std::size_t run = 0; run < wanted.JobID_RawA.size(); ++run) {
     std::string operatorName = wanted.OperatorName[run];
-    const std::int32_t setup = setCalSetup(context, meter.MeterID, wanted.StandID,
-                                           wanted.PositionID, operatorName, wanted.FluidName[run], curves);
+    const std::int32_t setup =
+        setCalSetup(context, meter.MeterID, wanted.StandID, wanted.PositionID, operatorName,
+                    wanted.FluidName[run], curves);
     copyCaldb(context, setup, wanted.JobID_RawA[run], wanted.JobID_RawB[run], stand, curves);
   }
 }
 
 void deriveSeries(const OperationContext& context, const CalibrationImport& wanted,
                   const OperationConnection& connection, MeterInfo& meter) {
-  auto setupRows = connection.read("Select ID from CalSetup where meterID=" +
-                                   numberText(meter.MeterID) + " ORDER BY stand, ID ASC");
+  auto setupRows =
+      connection.read("Select ID from CalSetup where meterID=" + numberText(meter.MeterID) +
+                      " ORDER BY stand, ID ASC");
   if (setupRows->recordCount() == 0) return;
   const std::vector<std::string> setups = rowsAsTexts(*setupRows);
   setupRows->close();
@@ -60,8 +62,9 @@ void deriveSeries(const OperationContext& context, const CalibrationImport& want
   for (std::size_t k = 0; k < setups.size() && k < mostSetups; ++k) {
     target.table = "Raw" + numberText(k + 1);
     target.calSetupId = setups[k];
-    auto jobRows = connection.read("Select DISTINCT JobRecordID from CalDataPoint where CalSetupID=" +
-                                   setups[k] + " ORDER BY JobRecordID ASC");
+    auto jobRows = connection.read(
+        "Select DISTINCT JobRecordID from CalDataPoint where CalSetupID=" + setups[k] +
+        " ORDER BY JobRecordID ASC");
     if (jobRows->recordCount() > 0) target.jobs = rowsAsTexts(*jobRows);
     if (wanted.Create_RotorA) SeriesViaCaldb_RotorA(context, target, meter);
     if (wanted.Create_RotorB) SeriesViaCaldb_RotorB(context, target, meter);

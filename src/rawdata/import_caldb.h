@@ -21,8 +21,9 @@ struct CalibrationImport {
   std::int16_t StandID = -1, PositionID = -1, ReCalID = -1;
 };
 
-// Registers an unknown meter, copies each run's points and derives the wanted series from the meter's
-// first four set-ups into Raw1 to Raw4. Nothing happens where the lists differ in length or are empty.
+// Registers an unknown meter, copies each run's points and derives the wanted series from the
+// meter's first four set-ups into Raw1 to Raw4. Nothing happens where the lists differ in length or
+// are empty.
 //
 // Result: the meter with four series entries; SeriesID of those that were derived.
 MeterInfo importCaldb(const OperationContext& context, const CalibrationImport& wanted,

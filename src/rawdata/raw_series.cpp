@@ -38,8 +38,8 @@ bool SetRaw(const OperationContext& context, const std::string& SeriesName,
     connection->execute("DELETE from " + table + " where seriesID = " + numberText(SeriesID));
     if (cleardb) return;
     context.raiseStatusUpdate("Inserting new raw data in series " + sharedName);
-    auto rows =
-        connection.openForBatch("Select * from " + table + " where seriesID=" + numberText(SeriesID));
+    auto rows = connection.openForBatch("Select * from " + table +
+                                        " where seriesID=" + numberText(SeriesID));
     writePoints(*rows, SeriesID, Table);
     written = true;
   });

@@ -12,8 +12,9 @@
 
 namespace pelmora {
 
-// Replaces the points of a series in the table "raw" + (dataSet + 1), making the series row where it is
-// missing. With `cleardb` the old points go and no new ones come. True only when points were written.
+// Replaces the points of a series in the table "raw" + (dataSet + 1), making the series row where
+// it is missing. With `cleardb` the old points go and no new ones come. True only when points were
+// written.
 bool SetRaw(const OperationContext& context, const std::string& SeriesName,
             const std::string& MeterSerialNumber, const PointArray& Table, std::int16_t dataSet,
             bool cleardb, std::int16_t ReCalID);

@@ -24,10 +24,10 @@ struct Derivation {
 
 Derivation singleRotor(const std::string& time, const std::string& pulses,
                        const std::string& filter) {
-  return {"[" + pulses + "]/[" + time + "]/[v5]" + correction(roshkoAlpha) + " AS Roshko, ",
-          "([" + pulses + "]/[" + time + "])/([v2]/[v1])" + correction(strouhalAlpha) +
-              " AS Strouhal ",
-          filter};
+  return {
+      "[" + pulses + "]/[" + time + "]/[v5]" + correction(roshkoAlpha) + " AS Roshko, ",
+      "([" + pulses + "]/[" + time + "])/([v2]/[v1])" + correction(strouhalAlpha) + " AS Strouhal ",
+      filter};
 }
 
 Derivation bothRotors(const std::string& strouhal, const std::string& setup) {
@@ -61,15 +61,16 @@ void beginSeries(const OperationConnection& connection, const DerivationTarget& 
 
 void insertDerived(const OperationConnection& connection, const DerivationTarget& target,
                    const SeriesInfo& series, const Derivation& derivation) {
-  connection->execute("INSERT INTO " + target.table + " ( seriesID,   Roshko,   Strouhal ) SELECT " +
-                      numberText(series.SeriesID) + " AS SeriesID, " + derivation.roshko +
-                      derivation.strouhal + "FROM CalDataPoint " + derivation.filter + "));");
+  connection->execute("INSERT INTO " + target.table +
+                      " ( seriesID,   Roshko,   Strouhal ) SELECT " + numberText(series.SeriesID) +
+                      " AS SeriesID, " + derivation.roshko + derivation.strouhal +
+                      "FROM CalDataPoint " + derivation.filter + "));");
 }
 
-// Sum and ratio where the rotors ran in jobs of their own: the first job is read twice, row by row. The
-// temperature correction comes from a text that is no number, so the first pair of rows with equal V2 ends
-// in a type mismatch, and two sets that end together in a read past the end. Hosts rely on the series
-// staying empty with that message.
+// Sum and ratio where the rotors ran in jobs of their own: the first job is read twice, row by row.
+// The temperature correction comes from a text that is no number, so the first pair of rows with
+// equal V2 ends in a type mismatch, and two sets that end together in a read past the end. Hosts
+// rely on the series staying empty with that message.
 void derivePerPoint(const OperationConnection& connection, const DerivationTarget& target) {
   const std::string statement =
       "Select v2,v3,v4,v5,v12 from CalDataPoint " + ofJob(target, 0) + "));";

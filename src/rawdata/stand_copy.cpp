@@ -11,7 +11,8 @@ namespace pelmora {
 namespace {
 
 constexpr const char* standColumns =
-    "JobRecordID, V1, V2, V3, V4, V5, V6, V7, V8, V9, V10, V11, V12, V13, V14, V15, V16, V17, V18, V19, "
+    "JobRecordID, V1, V2, V3, V4, V5, V6, V7, V8, V9, V10, V11, V12, V13, V14, V15, V16, V17, V18, "
+    "V19, "
     "V20, V21, V22, V23, V24, V25, V26, V27, V28, V29, V30, V31, V32, V33, V34, V35, V36, V37 ";
 
 std::string copyFirstJob(std::int32_t CalSetupID, const std::string& path, const std::string& job) {
@@ -21,7 +22,8 @@ std::string copyFirstJob(std::int32_t CalSetupID, const std::string& path, const
 }
 
 // Without a SELECT of its own in front of the set-up id: the engine refuses it. Hosts know that.
-std::string copySecondJob(std::int32_t CalSetupID, const std::string& path, const std::string& job) {
+std::string copySecondJob(std::int32_t CalSetupID, const std::string& path,
+                          const std::string& job) {
   return "INSERT INTO CalDataPoint IN '" + path + "' " + numberText(CalSetupID) +
          ", (Select * from DataPoint Where ((DataPoint.JobRecordID=" + job + ")));";
 }
@@ -30,7 +32,8 @@ std::string copySecondJob(std::int32_t CalSetupID, const std::string& path, cons
 template <class Step>
 void untilUnlocked(const OperationContext& context, Step&& step) {
   using namespace std::chrono_literals;
-  constexpr auto pause = 50ms;  // on top of the driver's own short wait: leaves the lock's owner the disk
+  constexpr auto pause =
+      50ms;  // on top of the driver's own short wait: leaves the lock's owner the disk
   for (;;) {
     try {
       step();

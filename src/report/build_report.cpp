@@ -17,11 +17,12 @@
 namespace pelmora::report {
 namespace {
 
-// Two fits of the same points on two machines differ in their last digits; a curve that differs by more than
-// a ten-thousandth of a per cent came from other points, settings or software.
+// Two fits of the same points on two machines differ in their last digits; a curve that differs by
+// more than a ten-thousandth of a per cent came from other points, settings or software.
 constexpr double sameCurvePercent = 1e-4;
 
-// The series that an import derives from set-ups: their raw part k holds the points of the k-th set-up.
+// The series that an import derives from set-ups: their raw part k holds the points of the k-th
+// set-up.
 constexpr std::array<const char*, 4> derivedSeries{"Rotor A", "Rotor B", "Rotor Sum", "Ratio"};
 
 bool isDerived(const SeriesInfo& series) {
@@ -70,8 +71,8 @@ std::vector<RawPart> rawParts(const ReportInput& input, const SeriesInfo& stored
   return parts;
 }
 
-// The largest distance of two tables with equal Roshko columns in per cent of the first; nothing where
-// their Roshko columns differ.
+// The largest distance of two tables with equal Roshko columns in per cent of the first; nothing
+// where their Roshko columns differ.
 std::optional<double> largestDistance(const PointArray& stored, const PointArray& refit) {
   if (stored.size() != refit.size() || stored.empty()) return std::nullopt;
   double largest = 0;
@@ -139,7 +140,8 @@ class SeriesBuilder {
     if (!series_.refit.trouble.empty()) remark("notFitted", sentence(series_.refit.trouble));
     if (!report_.curve.empty()) compareWithRefit();
     if (report_.curve.empty() && !series_.refit.curve.empty()) {
-      remark("notStored", "The ranking below is of a fit that was made for this report and is not stored.");
+      remark("notStored",
+             "The ranking below is of a fit that was made for this report and is not stored.");
     }
     for (const CurveWarning& warning : outcome.Warnings)
       remark(warningKey(warning.Kind), sentence(warning.Text));
@@ -148,15 +150,18 @@ class SeriesBuilder {
   void compareWithRefit() {
     const auto distance = largestDistance(stored_.Fitted, series_.refit.curve);
     if (distance && *distance <= sameCurvePercent) return addBands();
-    const std::string with = series_.settingsAreKept ? "the settings of the stored curve"
-                                                     : "the default settings (its own were not kept)";
+    const std::string with = series_.settingsAreKept
+                                 ? "the settings of the stored curve"
+                                 : "the default settings (its own were not kept)";
     const std::string other =
         !series_.refit.curve.empty()
-            ? "A fit of the stored points with " + with + " gives another curve than the stored one" +
+            ? "A fit of the stored points with " + with +
+                  " gives another curve than the stored one" +
                   (distance ? ", up to " + significantText(*distance, 3) + " % from it" : "")
             : "A fit of the stored points with " + with + " does not repeat the stored curve";
-    remark("notRepeated", other + ". The plot shows the stored curve; ranking, parameters and warnings "
-                                  "are of the new fit.");
+    remark("notRepeated", other +
+                              ". The plot shows the stored curve; ranking, parameters and warnings "
+                              "are of the new fit.");
   }
 
   void addBands() {
@@ -195,8 +200,8 @@ class SeriesBuilder {
 }  // namespace
 
 Report buildReport(const ReportInput& input) {
-  Report report{input.meter, input.setups, input.database, input.softwareVersion,
-                input.createdAt, {}, {}};
+  Report report{
+      input.meter, input.setups, input.database, input.softwareVersion, input.createdAt, {}, {}};
   std::vector<const SeriesInfo*> stored;
   for (const SeriesInput& series : input.series) {
     stored.push_back(&series.stored);

@@ -28,7 +28,8 @@ struct SeriesInput {
   CurveSettings settings;
   bool settingsAreKept = false;
   Refit refit;
-  std::optional<PreviousSeries> previous;  // of the latest earlier calibration with this series' curve
+  std::optional<PreviousSeries>
+      previous;  // of the latest earlier calibration with this series' curve
 };
 
 struct ReportInput {
@@ -38,8 +39,9 @@ struct ReportInput {
   std::vector<SeriesInput> series;
 };
 
-// What is stored is shown as it is stored. Ranking, statistics, warnings and 95 % bands are of the refit; a
-// remark says where the refit's curve is another one than the stored curve, which then gets no bands.
+// What is stored is shown as it is stored. Ranking, statistics, warnings and 95 % bands are of the
+// refit; a remark says where the refit's curve is another one than the stored curve, which then
+// gets no bands.
 [[nodiscard]] Report buildReport(const ReportInput& input);
 
 }  // namespace pelmora::report

@@ -9,8 +9,8 @@
 namespace pelmora::report {
 namespace {
 
-// On each piece between two nodes both readings are straight lines, so their quotient has its extremes at the
-// nodes.
+// On each piece between two nodes both readings are straight lines, so their quotient has its
+// extremes at the nodes.
 std::vector<double> commonNodes(const TableReading& a, const TableReading& b) {
   const double low = std::max(a.lowest(), b.lowest()), high = std::min(a.highest(), b.highest());
   std::vector<double> nodes = a.nodes();
@@ -26,10 +26,13 @@ std::vector<double> commonNodes(const TableReading& a, const TableReading& b) {
 double meanShift(const std::vector<Comparison::Shift>& shifts) {
   if (shifts.size() == 1) return shifts.front().percent;
   const bool isLog = shifts.front().roshko > 0;
-  const auto place = [&](const Comparison::Shift& s) { return isLog ? std::log(s.roshko) : s.roshko; };
+  const auto place = [&](const Comparison::Shift& s) {
+    return isLog ? std::log(s.roshko) : s.roshko;
+  };
   double sum = 0;
   for (std::size_t i = 1; i < shifts.size(); ++i) {
-    sum += (shifts[i].percent + shifts[i - 1].percent) / 2 * (place(shifts[i]) - place(shifts[i - 1]));
+    sum +=
+        (shifts[i].percent + shifts[i - 1].percent) / 2 * (place(shifts[i]) - place(shifts[i - 1]));
   }
   return sum / (place(shifts.back()) - place(shifts.front()));
 }
@@ -43,7 +46,8 @@ Comparison compareCurves(const PointArray& earlier, const PointArray& now) {
   for (const double x : commonNodes(before, after)) {
     const auto y = after.at(x);
     if (!y) continue;
-    if (const auto percent = before.deviationPercent(x, *y)) comparison.shifts.push_back({x, *percent});
+    if (const auto percent = before.deviationPercent(x, *y))
+      comparison.shifts.push_back({x, *percent});
   }
   if (comparison.shifts.empty()) return comparison;
   const auto [lowest, highest] =

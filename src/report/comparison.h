@@ -6,8 +6,8 @@
 
 namespace pelmora::report {
 
-// 100 (now - earlier) / |earlier| over the range that both tables cover; see Comparison. `reCalID` and `date`
-// are left to the caller.
+// 100 (now - earlier) / |earlier| over the range that both tables cover; see Comparison. `reCalID`
+// and `date` are left to the caller.
 [[nodiscard]] Comparison compareCurves(const PointArray& earlier, const PointArray& now);
 
 }  // namespace pelmora::report

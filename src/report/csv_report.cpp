@@ -24,7 +24,8 @@ std::string csvCell(const Value& value) {
   const auto* text = std::get_if<std::string>(&value);
   if (text == nullptr) return {};
   const std::size_t first = text->find_first_not_of(" \t\r\n");
-  const bool isFormula = first != std::string::npos && std::string_view("=+-@").find((*text)[first]) != std::string_view::npos;
+  const bool isFormula = first != std::string::npos &&
+                         std::string_view("=+-@").find((*text)[first]) != std::string_view::npos;
   return quoted((isFormula ? "'" : "") + *text);
 }
 
@@ -33,7 +34,8 @@ std::string csvReport(const Report& report) {
   std::vector<std::string> columns;
   for (const ReportTable& table : tables) {
     for (const std::string& column : table.columns) {
-      if (std::find(columns.begin(), columns.end(), column) == columns.end()) columns.push_back(column);
+      if (std::find(columns.begin(), columns.end(), column) == columns.end())
+        columns.push_back(column);
     }
   }
   std::string csv = "table";
@@ -45,7 +47,8 @@ std::string csvReport(const Report& report) {
       for (const std::string& column : columns) {
         const auto found = std::find(table.columns.begin(), table.columns.end(), column);
         csv += ",";
-        if (found != table.columns.end()) csv += csvCell(row[static_cast<std::size_t>(found - table.columns.begin())]);
+        if (found != table.columns.end())
+          csv += csvCell(row[static_cast<std::size_t>(found - table.columns.begin())]);
       }
       csv += "\n";
     }

@@ -26,9 +26,10 @@ struct CurveValue {
 
 // The other way round; the bands are those of Strouhal over the slope of the table.
 //
-// Errors: Error 5 for a curve as above, where Strouhal does not strictly rise or fall all along (it names the
-//         Roshko number at which it turns), and where the straight line beyond an end gets there at no Roshko
-//         number above 0.
+// Errors: Error 5 for a curve as above, where Strouhal does not strictly rise or fall all along (it
+// names the
+//         Roshko number at which it turns), and where the straight line beyond an end gets there at
+//         no Roshko number above 0.
 [[nodiscard]] CurveValue roshkoAt(std::span<const CurvePoint> curve, double strouhal);
 
 }  // namespace pelmora::report

@@ -31,15 +31,21 @@ std::string settings(const SeriesReport& series) {
   const auto end = [](const std::optional<double>& value, const char* otherwise) {
     return value ? significantText(*value, 6) : std::string(otherwise);
   };
-  text += used.Min || used.Max ? "Roshko " + end(used.Min, "lowest") + " to " + end(used.Max, "highest")
-                               : "over the merged points";
+  text += used.Min || used.Max
+              ? "Roshko " + end(used.Min, "lowest") + " to " + end(used.Max, "highest")
+              : "over the merged points";
   if (used.RatioCurve) text += ", rotor ratio";
   if (used.Inverted) text += ", merged from the other end";
   if (used.IgnoreResiduals) text += ", without the residual test";
   text += used.Equations ? ", equations of a file" : ", built-in equations";
-  if (series.settingsAreKept) text += ". Fitted " + used.FittedAt + " with version " + used.SoftwareVersion + ".";
-  else if (!series.curve.empty()) text += ". These settings were not kept with the curve; they are taken from its report or are the defaults.";
-  else text += ".";
+  if (series.settingsAreKept)
+    text += ". Fitted " + used.FittedAt + " with version " + used.SoftwareVersion + ".";
+  else if (!series.curve.empty())
+    text +=
+        ". These settings were not kept with the curve; they are taken from its report or are the "
+        "defaults.";
+  else
+    text += ".";
   return "<p class=\"fine\">" + escaped(text) + "</p>\n";
 }
 
@@ -51,27 +57,39 @@ std::string plot(const SeriesReport& series) {
               escaped(entry.label) + "</span>";
   }
   const std::string name = escaped(series.name);
-  return "<figure class=\"fig\"><ul class=\"legend\">" + legend +
-         "</ul>\n<div class=\"box\">" + seriesPlot(series) +
+  return "<figure class=\"fig\"><ul class=\"legend\">" + legend + "</ul>\n<div class=\"box\">" +
+         seriesPlot(series) +
          "<div class=\"live\" tabindex=\"0\" role=\"application\" aria-label=\"Plot of " + name +
-         ": left and right arrow step through the points, plus and minus zoom, Escape shows all\"></div></div>\n"
+         ": left and right arrow step through the points, plus and minus zoom, Escape shows "
+         "all\"></div></div>\n"
          "<p class=\"read\" role=\"status\"></p>\n"
          "<div class=\"tools\"><button type=\"button\" value=\".5\">Zoom in</button>"
-         "<button type=\"button\" value=\"2\">Zoom out</button><button type=\"button\" value=\"reset\">Show all</button>"
-         "<span class=\"fine\">Drag to zoom, double-click to show all; point at a mark or use the arrow keys to read it.</span></div>"
+         "<button type=\"button\" value=\"2\">Zoom out</button><button type=\"button\" "
+         "value=\"reset\">Show all</button>"
+         "<span class=\"fine\">Drag to zoom, double-click to show all; point at a mark or use the "
+         "arrow keys to read it.</span></div>"
          "<figcaption>" +
-         std::string(series.curve.empty()
-                         ? "Points by raw part."
-                         : "Points, curve and band; below, the residuals: distance of each point from the curve, which is "
-                           "read linearly between the points of its table, in per cent of the curve.") +
+         std::string(
+             series.curve.empty()
+                 ? "Points by raw part."
+                 : "Points, curve and band; below, the residuals: distance of each point from the "
+                   "curve, which is "
+                   "read linearly between the points of its table, in per cent of the curve.") +
          "</figcaption></figure>\n";
 }
 
 std::string equations(const SeriesReport& series) {
   if (series.equations.empty()) return {};
   HtmlTable table("Ranking of the equations",
-                  {{"Equation", false}, {"Verdict", false}, {"Adj. R\u00B2", true}, {"R\u00B2", true},
-                   {"s", true}, {"AICc", true}, {"Worst %", true}, {"at Roshko", true}}, "keep");
+                  {{"Equation", false},
+                   {"Verdict", false},
+                   {"Adj. R\u00B2", true},
+                   {"R\u00B2", true},
+                   {"s", true},
+                   {"AICc", true},
+                   {"Worst %", true},
+                   {"at Roshko", true}},
+                  "keep");
   for (const RankedEquation& ranked : series.equations) {
     const EquationOutcome& equation = ranked.outcome;
     const bool isSolved = hasSolution(equation);
@@ -84,35 +102,48 @@ std::string equations(const SeriesReport& series) {
                   number(percentText(equation.WorstResidualRatio * 100)),
                   number(significantText(equation.WorstResidualX, 6))},
                  equation.Verdict == EquationVerdict::chosen ? "best" : "");
-    if (const std::string why = rejection(equation); !why.empty()) table.addNote(withShortNumbers(why));
+    if (const std::string why = rejection(equation); !why.empty())
+      table.addNote(withShortNumbers(why));
   }
   return "<h3>Equations</h3>\n" + table.take();
 }
 
 std::string parameters(const SeriesReport& series) {
-  const auto chosen = std::find_if(series.equations.begin(), series.equations.end(), [](const RankedEquation& e) {
-    return e.outcome.Verdict == EquationVerdict::chosen;
-  });
+  const auto chosen = std::find_if(
+      series.equations.begin(), series.equations.end(),
+      [](const RankedEquation& e) { return e.outcome.Verdict == EquationVerdict::chosen; });
   if (chosen == series.equations.end()) return {};
   const EquationOutcome& equation = chosen->outcome;
-  HtmlTable table("Parameters of " + equation.Name,
-                  {{"Parameter", false}, {"Value", true}, {"Standard error", true}, {"of the value, %", true}}, "keep points");
+  HtmlTable table(
+      "Parameters of " + equation.Name,
+      {{"Parameter", false}, {"Value", true}, {"Standard error", true}, {"of the value, %", true}},
+      "keep points");
   for (const FitParameter& parameter : equation.Parameters) {
-    table.addRow({parameter.Name, exactNumber(parameter.Value), significantText(parameter.StandardError, 6),
-                  parameter.Value == 0 ? "-" : significantText(std::abs(parameter.StandardError / parameter.Value) * 100, errorDigits)});
+    table.addRow({parameter.Name, exactNumber(parameter.Value),
+                  significantText(parameter.StandardError, 6),
+                  parameter.Value == 0
+                      ? "-"
+                      : significantText(std::abs(parameter.StandardError / parameter.Value) * 100,
+                                        errorDigits)});
   }
   const FitStatistics& statistics = equation.Statistics;
-  return "<div class=keep><h3>Parameters of " + escaped(equation.Name) + "</h3>\n<p><code>y = " + escaped(equation.Expression) +
-         "</code></p>\n<p class=\"fine\">n = " + std::to_string(statistics.Observations) + ", s = " +
-         significantText(statistics.ResidualStandardError, 6) + ", residual sum of squares " +
-         significantText(statistics.ResidualSumOfSquares, 6) +
-         (equation.Bic ? ", BIC " + fixedText(*equation.Bic, 2) : "") + ".</p>\n" + table.take() + "</div>\n";
+  return "<div class=keep><h3>Parameters of " + escaped(equation.Name) +
+         "</h3>\n<p><code>y = " + escaped(equation.Expression) +
+         "</code></p>\n<p class=\"fine\">n = " + std::to_string(statistics.Observations) +
+         ", s = " + significantText(statistics.ResidualStandardError, 6) +
+         ", residual sum of squares " + significantText(statistics.ResidualSumOfSquares, 6) +
+         (equation.Bic ? ", BIC " + fixedText(*equation.Bic, 2) : "") + ".</p>\n" + table.take() +
+         "</div>\n";
 }
 
-std::string halfOfTable(const SeriesReport& series, std::size_t begin, std::size_t end, bool hasBands) {
-  std::vector<HtmlColumn> columns{{"No.", true}, {"Roshko", true}, {series.settings.RatioCurve ? "Ratio" : "Strouhal", true}};
+std::string halfOfTable(const SeriesReport& series, std::size_t begin, std::size_t end,
+                        bool hasBands) {
+  std::vector<HtmlColumn> columns{
+      {"No.", true}, {"Roshko", true}, {series.settings.RatioCurve ? "Ratio" : "Strouhal", true}};
   if (hasBands) columns.insert(columns.end(), {{"\u00B1 conf.", true}, {"\u00B1 pred.", true}});
-  HtmlTable table("Predicted table, points " + std::to_string(begin + 1) + " to " + std::to_string(end), columns, "points predicted");
+  HtmlTable table(
+      "Predicted table, points " + std::to_string(begin + 1) + " to " + std::to_string(end),
+      columns, "points predicted");
   for (std::size_t i = begin; i < end; ++i) {
     const CurvePoint& point = series.curve[i];
     std::vector<std::string> cells{std::to_string(i + 1), alignedText(point.roshko, valueDigits),
@@ -128,41 +159,53 @@ std::string halfOfTable(const SeriesReport& series, std::size_t begin, std::size
 
 std::string predictedTable(const SeriesReport& series) {
   if (series.curve.empty()) return {};
-  const bool hasBands = std::any_of(series.curve.begin(), series.curve.end(),
-                                    [](const CurvePoint& p) { return p.confidence || p.prediction; });
+  const bool hasBands =
+      std::any_of(series.curve.begin(), series.curve.end(),
+                  [](const CurvePoint& p) { return p.confidence || p.prediction; });
   const std::size_t half = (series.curve.size() + 1) / 2;
   return "<h3>Predicted table</h3>\n" +
-         std::string(hasBands ? "<p class=\"fine\">With the half widths of the 95 % confidence band of the curve and of the "
-                                "95 % prediction band of a further measurement.</p>\n" : "") +
-         "<div class=\"pair" + std::string(series.curve.size() <= onePage ? " keep" : "") + "\">" + halfOfTable(series, 0, half, hasBands) +
-         (half < series.curve.size() ? halfOfTable(series, half, series.curve.size(), hasBands) : "") + "</div>\n";
+         std::string(hasBands ? "<p class=\"fine\">With the half widths of the 95 % confidence "
+                                "band of the curve and of the "
+                                "95 % prediction band of a further measurement.</p>\n"
+                              : "") +
+         "<div class=\"pair" + std::string(series.curve.size() <= onePage ? " keep" : "") + "\">" +
+         halfOfTable(series, 0, half, hasBands) +
+         (half < series.curve.size() ? halfOfTable(series, half, series.curve.size(), hasBands)
+                                     : "") +
+         "</div>\n";
 }
 
 std::string comparison(const SeriesReport& series) {
   if (!series.previous) return {};
   const Comparison& previous = *series.previous;
   const std::string title = "<h3>Since calibration " + std::to_string(previous.reCalID) +
-                            (previous.date.empty() ? "" : " of " + escaped(previous.date)) + "</h3>\n";
+                            (previous.date.empty() ? "" : " of " + escaped(previous.date)) +
+                            "</h3>\n";
   if (previous.shifts.empty()) return title + "<p>The two curves have no range in common.</p>\n";
   const auto at = [](const Comparison::Shift& shift) {
     return percentText(shift.percent) + " % at Roshko " + significantText(shift.roshko, 6);
   };
-  return title + "<p>Over the common range, Roshko " + significantText(previous.shifts.front().roshko, 6) + " to " +
-         significantText(previous.shifts.back().roshko, 6) + ", the curve shifted by " + percentText(previous.meanPercent) +
-         " % on average (over ln Roshko), from " + at(previous.lowest) + " to " + at(previous.highest) +
-         ".</p>\n<figure>" + comparisonPlot(series) + "</figure>\n";
+  return title + "<p>Over the common range, Roshko " +
+         significantText(previous.shifts.front().roshko, 6) + " to " +
+         significantText(previous.shifts.back().roshko, 6) + ", the curve shifted by " +
+         percentText(previous.meanPercent) + " % on average (over ln Roshko), from " +
+         at(previous.lowest) + " to " + at(previous.highest) + ".</p>\n<figure>" +
+         comparisonPlot(series) + "</figure>\n";
 }
 
 }  // namespace
 
 std::string htmlSeries(const SeriesReport& series, const std::string& id) {
-  std::string html = "<section class=\"series\" id=\"" + id + "\">\n<h2>" + escaped(series.name) + "</h2>\n" +
-                     remarks(series) + settings(series) + plot(series) + equations(series) + parameters(series) +
-                     comparison(series) + predictedTable(series);
+  std::string html = "<section class=\"series\" id=\"" + id + "\">\n<h2>" + escaped(series.name) +
+                     "</h2>\n" + remarks(series) + settings(series) + plot(series) +
+                     equations(series) + parameters(series) + comparison(series) +
+                     predictedTable(series);
   if (!series.storedText.empty()) {
-    html += "<details><summary>Stored report</summary><pre>" + escaped(series.storedText) + "</pre></details>\n";
+    html += "<details><summary>Stored report</summary><pre>" + escaped(series.storedText) +
+            "</pre></details>\n";
   }
-  return html + "<p class=\"fine\">SHA-256 of the raw points: <code>" + series.rawDataHash + "</code></p>\n</section>\n";
+  return html + "<p class=\"fine\">SHA-256 of the raw points: <code>" + series.rawDataHash +
+         "</code></p>\n</section>\n";
 }
 
 }  // namespace pelmora::report

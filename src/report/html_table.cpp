@@ -10,7 +10,8 @@ namespace {
 
 std::string classAttribute(const std::string& cssClass) {
   if (cssClass.empty()) return {};
-  return cssClass.find(' ') == std::string::npos ? " class=" + cssClass : " class=\"" + cssClass + "\"";
+  return cssClass.find(' ') == std::string::npos ? " class=" + cssClass
+                                                 : " class=\"" + cssClass + "\"";
 }
 
 }  // namespace
@@ -18,14 +19,16 @@ std::string classAttribute(const std::string& cssClass) {
 // End tags that HTML lets one leave out are left out: they are a third of a table of numbers.
 HtmlTable::HtmlTable(std::string caption, std::vector<HtmlColumn> columns, std::string cssClass)
     : columns_(std::move(columns)),
-      isAllNumbers_(std::all_of(columns_.begin(), columns_.end(), [](const auto& c) { return c.isNumber; })) {
+      isAllNumbers_(
+          std::all_of(columns_.begin(), columns_.end(), [](const auto& c) { return c.isNumber; })) {
   if (isAllNumbers_) cssClass += cssClass.empty() ? "num" : " num";
   const std::string label = " aria-label=\"" + escaped(caption) + "\"";
   html_ = isAllNumbers_ ? "<div><table" + label
                         : "<div class=scroll tabindex=0 role=group" + label + "><table";
   html_ += classAttribute(cssClass) + ">\n<thead><tr>";
   for (const HtmlColumn& column : columns_)
-    html_ += "<th scope=col" + classAttribute(column.isNumber ? "n" : "") + ">" + escaped(column.title);
+    html_ +=
+        "<th scope=col" + classAttribute(column.isNumber ? "n" : "") + ">" + escaped(column.title);
   html_ += "\n<tbody>\n";
 }
 
@@ -39,14 +42,17 @@ void HtmlTable::addRow(const std::vector<std::string>& cells, const std::string&
 }
 
 void HtmlTable::addNote(const std::string& text) {
-  html_ += "<tr class=\"why\"><td><td colspan=\"" + std::to_string(columns_.size() - 1) + "\">" + escaped(text) + "\n";
+  html_ += "<tr class=\"why\"><td><td colspan=\"" + std::to_string(columns_.size() - 1) + "\">" +
+           escaped(text) + "\n";
 }
 
 std::string HtmlTable::take() { return html_ + "</table></div>\n"; }
 
-std::string htmlFact(const std::string& name, const std::string& value, const std::string& cssClass) {
+std::string htmlFact(const std::string& name, const std::string& value,
+                     const std::string& cssClass) {
   if (value.empty()) return {};
-  return "<div" + classAttribute(cssClass) + "><dt>" + escaped(name) + "</dt><dd>" + escaped(value) + "</dd></div>\n";
+  return "<div" + classAttribute(cssClass) + "><dt>" + escaped(name) + "</dt><dd>" +
+         escaped(value) + "</dd></div>\n";
 }
 
 }  // namespace pelmora::report

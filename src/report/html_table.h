@@ -12,8 +12,8 @@ struct HtmlColumn {
   bool isNumber = false;  // right-aligned
 };
 
-// Rows of texts; cells are escaped. The first column heads its row unless it is a number. A table that may be
-// wider than a narrow screen can be scrolled; one of numbers alone is not.
+// Rows of texts; cells are escaped. The first column heads its row unless it is a number. A table
+// that may be wider than a narrow screen can be scrolled; one of numbers alone is not.
 class HtmlTable {
  public:
   HtmlTable(std::string caption, std::vector<HtmlColumn> columns, std::string cssClass = {});

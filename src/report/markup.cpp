@@ -65,8 +65,8 @@ std::string escaped(std::string_view text) {
 std::string coordinate(double value) {
   std::array<char, 64> buffer{};
   const double rounded = std::round(value * 100) / 100;
-  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), rounded == 0 ? 0 : rounded,
-                                 std::chars_format::fixed);
+  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(),
+                                 rounded == 0 ? 0 : rounded, std::chars_format::fixed);
   if (end.ec != std::errc()) return "0";
   std::string text(buffer.data(), end.ptr);
   if (text.starts_with("0.")) text.erase(0, 1);

@@ -7,8 +7,8 @@
 
 namespace pelmora::report {
 
-// The text with & < > " ' as entities, for content and quoted attributes. Control characters, which XML
-// forbids, and bytes that are no UTF-8 become U+FFFD; line breaks and tabs stay.
+// The text with & < > " ' as entities, for content and quoted attributes. Control characters, which
+// XML forbids, and bytes that are no UTF-8 become U+FFFD; line breaks and tabs stay.
 [[nodiscard]] std::string escaped(std::string_view text);
 
 // A coordinate in px with at most two decimals, as short as it can be.

@@ -60,7 +60,8 @@ bool isWhatWasKept(const SeriesReport& series) {
       if (!point.isCut) kept.emplace_back(point.roshko, point.strouhal);
     }
   }
-  for (const MeasuredPoint& point : series.merged) merged.emplace_back(point.roshko, point.strouhal);
+  for (const MeasuredPoint& point : series.merged)
+    merged.emplace_back(point.roshko, point.strouhal);
   std::sort(kept.begin(), kept.end());
   std::sort(merged.begin(), merged.end());
   return kept == merged;
@@ -92,12 +93,15 @@ std::string sectionId(std::size_t series) { return "series-" + std::to_string(se
 
 std::string plotData(const Report& report) {
   json list = json::array();
-  for (std::size_t i = 0; i < report.series.size(); ++i) list.push_back(seriesJson(report.series[i], i));
+  for (std::size_t i = 0; i < report.series.size(); ++i)
+    list.push_back(seriesJson(report.series[i], i));
   std::string text;
   for (const char c : list.dump(-1, ' ', false, json::error_handler_t::replace)) {
     // "</script" and "<!--" would end or change the element.
-    if (c == '<') text += "\\u003c";
-    else text += c;
+    if (c == '<')
+      text += "\\u003c";
+    else
+      text += c;
   }
   return text;
 }

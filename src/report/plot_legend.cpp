@@ -17,12 +17,14 @@ std::vector<LegendEntry> legendOf(const SeriesReport& series) {
     if (cut < static_cast<std::ptrdiff_t>(part.points.size()))
       entries.push_back({"raw" + number, true, name});
     if (cut > 0)
-      entries.push_back({"cut" + number, true, name + ", cut by the merge (" + std::to_string(cut) + ")"});
+      entries.push_back(
+          {"cut" + number, true, name + ", cut by the merge (" + std::to_string(cut) + ")"});
   }
   if (!series.merged.empty()) entries.push_back({"merged", true, "Merged"});
   if (series.curve.empty()) return entries;
   entries.push_back({"curve", false, "Fitted curve"});
-  entries.push_back({"band", false, "Band \u00B1" + significantText(series.settings.BandPercent, 4) + " %"});
+  entries.push_back(
+      {"band", false, "Band \u00B1" + significantText(series.settings.BandPercent, 4) + " %"});
   const auto has = [&](auto member) {
     return std::any_of(series.curve.begin(), series.curve.end(),
                        [&](const CurvePoint& point) { return (point.*member).has_value(); });

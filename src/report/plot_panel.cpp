@@ -29,15 +29,16 @@ double pixel(double value) { return std::round(value * 10) / 10; }
 
 bool isFinite(const PlotPoint& point) { return std::isfinite(point[0]) && std::isfinite(point[1]); }
 
-// Path data: the first place absolute, the others relative. Differences of rounded places, so that roundings
-// do not add up.
+// Path data: the first place absolute, the others relative. Differences of rounded places, so that
+// roundings do not add up.
 std::string pathData(const std::vector<PlotPoint>& places) {
   std::string result;
   double lastX = 0, lastY = 0;
   for (const PlotPoint& place : places) {
     const double x = pixel(place[0]), y = pixel(place[1]);
     const std::string dx = coordinate(x - lastX), dy = coordinate(y - lastY);
-    const bool isFirst = result.empty(), isSecond = !isFirst && result.find('l') == std::string::npos;
+    const bool isFirst = result.empty(),
+               isSecond = !isFirst && result.find('l') == std::string::npos;
     result += isFirst ? "M" : isSecond ? "l" : dx.starts_with('-') ? "" : " ";
     result += dx + (dy.starts_with('-') ? "" : " ") + dy;
     lastX = x, lastY = y;
@@ -49,12 +50,15 @@ std::string pathData(const std::vector<PlotPoint>& places) {
 
 PlotPanel::PlotPanel(const std::string& name, const PanelPlace& place, PlotScale x, PlotScale y)
     : place_(place), x_(std::move(x)), y_(std::move(y)) {
-  svg_ = "<g class=\"panel\"" + attribute("data-name", name) + attribute("data-x0", exactNumber(x_.low())) +
-         attribute("data-x1", exactNumber(x_.high())) + attribute("data-y0", exactNumber(y_.low())) +
-         attribute("data-y1", exactNumber(y_.high())) + attribute("data-log", x_.isLog() ? "1" : "0") +
-         attribute("data-left", coordinate(place_.left)) + attribute("data-top", coordinate(place_.top)) +
-         attribute("data-width", coordinate(place_.width)) +
-         attribute("data-height", coordinate(place_.height)) + ">\n";
+  svg_ =
+      "<g class=\"panel\"" + attribute("data-name", name) +
+      attribute("data-x0", exactNumber(x_.low())) + attribute("data-x1", exactNumber(x_.high())) +
+      attribute("data-y0", exactNumber(y_.low())) + attribute("data-y1", exactNumber(y_.high())) +
+      attribute("data-log", x_.isLog() ? "1" : "0") +
+      attribute("data-left", coordinate(place_.left)) +
+      attribute("data-top", coordinate(place_.top)) +
+      attribute("data-width", coordinate(place_.width)) +
+      attribute("data-height", coordinate(place_.height)) + ">\n";
 }
 
 std::vector<PlotPoint> PlotPanel::places(const std::vector<PlotPoint>& points) const {
@@ -76,9 +80,9 @@ void PlotPanel::drawAxes(const std::string& xTitle, const std::string& yTitle, b
     const bool isLarge = !tick.label.empty();
     if (!isLarge && !hasXLabels) continue;
     if (isLarge) grid += "M" + x + " " + coordinate(place_.top) + "V" + coordinate(bottom);
-    ticks += "M" + x + " " + coordinate(bottom) + "v" + coordinate(isLarge ? tickLength : smallTickLength);
-    if (isLarge && hasXLabels)
-      labels += text("xl", place, bottom + 2 * labelGap + 2, tick.label);
+    ticks += "M" + x + " " + coordinate(bottom) + "v" +
+             coordinate(isLarge ? tickLength : smallTickLength);
+    if (isLarge && hasXLabels) labels += text("xl", place, bottom + 2 * labelGap + 2, tick.label);
   }
   for (const Tick& tick : y_.ticks(std::max(4, static_cast<int>(place_.height / pixelsOfYTick)))) {
     const double y = pixel(place_.top + (1 - y_.share(tick.value)) * place_.height);
@@ -104,8 +108,10 @@ void PlotPanel::drawMarkers(const std::string& cssClass, const std::vector<PlotP
   std::vector<PlotPoint> shown;
   for (const PlotPoint& point : points) {
     if (!isFinite(point)) continue;
-    if (isInside(point)) shown.push_back(point);
-    else ++hidden_;
+    if (isInside(point))
+      shown.push_back(point);
+    else
+      ++hidden_;
   }
   if (shown.empty()) return;
   svg_ += "<path class=\"dots " + cssClass + "\" d=\"" + pathData(places(shown)) + "\"/>\n";
@@ -113,7 +119,8 @@ void PlotPanel::drawMarkers(const std::string& cssClass, const std::vector<PlotP
 
 void PlotPanel::drawLine(const std::string& cssClass, const std::vector<PlotPoint>& points) {
   const auto line = simplified(places(points), invisible);
-  if (!line.empty()) svg_ += "<path class=\"line " + cssClass + "\" d=\"" + pathData(line) + "\"/>\n";
+  if (!line.empty())
+    svg_ += "<path class=\"line " + cssClass + "\" d=\"" + pathData(line) + "\"/>\n";
 }
 
 void PlotPanel::drawArea(const std::string& cssClass, const std::vector<PlotPoint>& upper,
@@ -125,7 +132,8 @@ void PlotPanel::drawArea(const std::string& cssClass, const std::vector<PlotPoin
   std::vector<PlotPoint> outline = edge(upper);
   const std::vector<PlotPoint> back = edge(lower);
   outline.insert(outline.end(), back.rbegin(), back.rend());
-  if (!outline.empty()) svg_ += "<path class=\"" + cssClass + "\" d=\"" + pathData(outline) + "\"/>\n";
+  if (!outline.empty())
+    svg_ += "<path class=\"" + cssClass + "\" d=\"" + pathData(outline) + "\"/>\n";
 }
 
 void PlotPanel::noteHidden() {

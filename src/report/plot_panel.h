@@ -24,7 +24,8 @@ class PlotPanel {
 
   // Grid, ticks and titles; without x labels where another panel below shares them.
   void drawAxes(const std::string& xTitle, const std::string& yTitle, bool hasXLabels);
-  // A path through the points whose corners carry the class's markers. Points outside the panel are left out.
+  // A path through the points whose corners carry the class's markers. Points outside the panel are
+  // left out.
   void drawMarkers(const std::string& cssClass, const std::vector<PlotPoint>& points);
   void drawLine(const std::string& cssClass, const std::vector<PlotPoint>& points);
   // Between two lines over the same x, cut off at the panel's edges.

@@ -24,8 +24,8 @@ class PlotScale {
   [[nodiscard]] bool isLog() const { return isLog_; }
   // 0 at low(), 1 at high(). Errors: none; NaN where a logarithm has none.
   [[nodiscard]] double share(double value) const;
-  // Rising. Logarithmic: a label at each decade, at 1, 2 and 5 of it where there are less than two decades,
-  // small ticks at the other digits; less than half a decade is ticked like a linear axis.
+  // Rising. Logarithmic: a label at each decade, at 1, 2 and 5 of it where there are less than two
+  // decades, small ticks at the other digits; less than half a decade is ticked like a linear axis.
   [[nodiscard]] std::vector<Tick> ticks(int wanted) const;
 
  private:

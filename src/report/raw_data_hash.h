@@ -9,9 +9,9 @@
 
 namespace pelmora::report {
 
-// SHA-256, in hexadecimal, of one line for each raw point in stored order: series name, raw part (1 to 4),
-// Roshko and Strouhal with 17 significant digits (as printf's %.17g), separated by tabs, each line ended by
-// LF; series as given, parts in order.
+// SHA-256, in hexadecimal, of one line for each raw point in stored order: series name, raw part (1
+// to 4), Roshko and Strouhal with 17 significant digits (as printf's %.17g), separated by tabs,
+// each line ended by LF; series as given, parts in order.
 [[nodiscard]] std::string rawDataHash(std::span<const SeriesInfo* const> series);
 
 }  // namespace pelmora::report

@@ -18,8 +18,8 @@ namespace pelmora::report {
 struct MeasuredPoint {
   double roshko = 0, strouhal = 0;
   bool isCut = false;  // a raw point that the merge left out
-  // From the stored curve read as a table, linearly between its points, as the band test reads it; absent
-  // beyond the curve's ends.
+  // From the stored curve read as a table, linearly between its points, as the band test reads it;
+  // absent beyond the curve's ends.
   std::optional<double> deviationPercent;
 };
 
@@ -53,8 +53,8 @@ struct Comparison {
   };
   std::int16_t reCalID = 0;
   std::string date;  // of the earlier calibration's set-ups; empty where they tell none
-  // At every point of either table within the common range, both read linearly: between them lies no
-  // larger or smaller shift. Empty where the curves have no range in common.
+  // At every point of either table within the common range, both read linearly: between them lies
+  // no larger or smaller shift. Empty where the curves have no range in common.
   std::vector<Shift> shifts;
   double meanPercent = 0;  // over ln Roshko
   Shift lowest, highest;

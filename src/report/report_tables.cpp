@@ -23,94 +23,113 @@ std::string joined(const std::vector<std::string>& texts) {
 ReportTable calibration(const Report& report) {
   const MeterInfo& meter = report.meter;
   return {"calibration",
-          {"serialNumber", "serialNumberAdjusted", "calibration", "database", "softwareVersion", "createdAt", "rawDataSha256"},
-          {{text(meter.SerialNumber), text(meter.SerialNumberAdjusted), whole(meter.ReCalID), text(report.database),
-            text(report.softwareVersion), text(report.createdAt), text(report.rawDataHash)}}};
+          {"serialNumber", "serialNumberAdjusted", "calibration", "database", "softwareVersion",
+           "createdAt", "rawDataSha256"},
+          {{text(meter.SerialNumber), text(meter.SerialNumberAdjusted), whole(meter.ReCalID),
+            text(report.database), text(report.softwareVersion), text(report.createdAt),
+            text(report.rawDataHash)}}};
 }
 
 ReportTable setups(const Report& report) {
-  ReportTable table{"setups", {"part", "fluid", "jobs", "operator", "date", "stand", "position", "count"}, {}};
+  ReportTable table{
+      "setups", {"part", "fluid", "jobs", "operator", "date", "stand", "position", "count"}, {}};
   for (std::size_t k = 0; k < report.setups.size(); ++k) {
     const CalSetupInfo& setup = report.setups[k];
-    table.rows.push_back({k < 4 ? whole(static_cast<std::int64_t>(k) + 1) : Value(), text(setup.Fluid),
-                          text(joined(setup.JobRecordIDs)), text(setup.Operator), text(setup.DateTaken),
-                          whole(setup.Stand), whole(setup.Position), whole(static_cast<std::int64_t>(setup.Points))});
+    table.rows.push_back({k < 4 ? whole(static_cast<std::int64_t>(k) + 1) : Value(),
+                          text(setup.Fluid), text(joined(setup.JobRecordIDs)), text(setup.Operator),
+                          text(setup.DateTaken), whole(setup.Stand), whole(setup.Position),
+                          whole(static_cast<std::int64_t>(setup.Points))});
   }
   return table;
 }
 
 ReportTable seriesTable(const Report& report) {
   ReportTable table{"series",
-                    {"series", "chosen", "bandPercent", "count", "min", "max", "ratio", "inverted", "ignoreResiduals",
-                     "settingsKept", "softwareVersion", "fittedAt", "rawDataSha256", "previousCalibration", "date",
-                     "meanShiftPercent", "lowestShiftPercent", "highestShiftPercent"},
+                    {"series", "chosen", "bandPercent", "count", "min", "max", "ratio", "inverted",
+                     "ignoreResiduals", "settingsKept", "softwareVersion", "fittedAt",
+                     "rawDataSha256", "previousCalibration", "date", "meanShiftPercent",
+                     "lowestShiftPercent", "highestShiftPercent"},
                     {}};
   for (const SeriesReport& series : report.series) {
     const CurveSettings& settings = series.settings;
     const bool hasShift = series.previous && !series.previous->shifts.empty();
     const auto shift = [&](double value) { return hasShift ? number(value) : Value(); };
     const Comparison previous = series.previous.value_or(Comparison());
-    table.rows.push_back({text(series.name), text(series.chosen), number(settings.BandPercent), whole(settings.Points),
-                          number(settings.Min), number(settings.Max), whole(settings.RatioCurve),
-                          whole(settings.Inverted), whole(settings.IgnoreResiduals), whole(series.settingsAreKept),
-                          text(settings.SoftwareVersion), text(settings.FittedAt), text(series.rawDataHash),
-                          series.previous ? whole(previous.reCalID) : Value(), text(previous.date),
-                          shift(previous.meanPercent), shift(previous.lowest.percent), shift(previous.highest.percent)});
+    table.rows.push_back(
+        {text(series.name), text(series.chosen), number(settings.BandPercent),
+         whole(settings.Points), number(settings.Min), number(settings.Max),
+         whole(settings.RatioCurve), whole(settings.Inverted), whole(settings.IgnoreResiduals),
+         whole(series.settingsAreKept), text(settings.SoftwareVersion), text(settings.FittedAt),
+         text(series.rawDataHash), series.previous ? whole(previous.reCalID) : Value(),
+         text(previous.date), shift(previous.meanPercent), shift(previous.lowest.percent),
+         shift(previous.highest.percent)});
   }
   return table;
 }
 
 ReportTable points(const Report& report) {
-  ReportTable table{"points", {"series", "kind", "part", "fluid", "cut", "roshko", "strouhal", "deviationPercent"}, {}};
+  ReportTable table{
+      "points",
+      {"series", "kind", "part", "fluid", "cut", "roshko", "strouhal", "deviationPercent"},
+      {}};
   for (const SeriesReport& series : report.series) {
     for (const RawPart& part : series.parts) {
       for (const MeasuredPoint& point : part.points) {
-        table.rows.push_back({text(series.name), Value("raw"), whole(part.number), text(part.fluid), whole(point.isCut),
-                              number(point.roshko), number(point.strouhal), number(point.deviationPercent)});
+        table.rows.push_back({text(series.name), Value("raw"), whole(part.number), text(part.fluid),
+                              whole(point.isCut), number(point.roshko), number(point.strouhal),
+                              number(point.deviationPercent)});
       }
     }
     for (const MeasuredPoint& point : series.merged) {
-      table.rows.push_back({text(series.name), Value("merged"), Value(), Value(), Value(), number(point.roshko),
-                            number(point.strouhal), number(point.deviationPercent)});
+      table.rows.push_back({text(series.name), Value("merged"), Value(), Value(), Value(),
+                            number(point.roshko), number(point.strouhal),
+                            number(point.deviationPercent)});
     }
   }
   return table;
 }
 
 ReportTable curve(const Report& report) {
-  ReportTable table{"curve", {"series", "number", "roshko", "strouhal", "confidenceHalfWidth", "predictionHalfWidth"}, {}};
+  ReportTable table{
+      "curve",
+      {"series", "number", "roshko", "strouhal", "confidenceHalfWidth", "predictionHalfWidth"},
+      {}};
   for (const SeriesReport& series : report.series) {
     for (std::size_t i = 0; i < series.curve.size(); ++i) {
       const CurvePoint& point = series.curve[i];
-      table.rows.push_back({text(series.name), whole(static_cast<std::int64_t>(i) + 1), number(point.roshko),
-                            number(point.strouhal), number(point.confidence), number(point.prediction)});
+      table.rows.push_back({text(series.name), whole(static_cast<std::int64_t>(i) + 1),
+                            number(point.roshko), number(point.strouhal), number(point.confidence),
+                            number(point.prediction)});
     }
   }
   return table;
 }
 
 ReportTable equations(const Report& report) {
-  ReportTable table{"equations",
-                    {"series", "rank", "equation", "expression", "verdict", "reason", "observations", "r2", "adjustedR2",
-                     "residualStandardError", "residualSumOfSquares", "aicc", "bic", "worstResidualPercent",
-                     "worstResidualRoshko"},
-                    {}};
+  ReportTable table{
+      "equations",
+      {"series", "rank", "equation", "expression", "verdict", "reason", "observations", "r2",
+       "adjustedR2", "residualStandardError", "residualSumOfSquares", "aicc", "bic",
+       "worstResidualPercent", "worstResidualRoshko"},
+      {}};
   for (const SeriesReport& series : report.series) {
     for (const RankedEquation& ranked : series.equations) {
       const EquationOutcome& equation = ranked.outcome;
       const FitStatistics& s = equation.Statistics;
-      table.rows.push_back({text(series.name), whole(ranked.rank), text(equation.Name), text(equation.Expression),
-                            Value(verdictKey(equation.Verdict)), text(equation.Reason), whole(s.Observations),
-                            number(s.RSquared), number(s.AdjustedRSquared), number(s.ResidualStandardError),
-                            number(s.ResidualSumOfSquares), number(equation.Aicc), number(equation.Bic),
-                            number(equation.WorstResidualRatio * 100), number(equation.WorstResidualX)});
+      table.rows.push_back(
+          {text(series.name), whole(ranked.rank), text(equation.Name), text(equation.Expression),
+           Value(verdictKey(equation.Verdict)), text(equation.Reason), whole(s.Observations),
+           number(s.RSquared), number(s.AdjustedRSquared), number(s.ResidualStandardError),
+           number(s.ResidualSumOfSquares), number(equation.Aicc), number(equation.Bic),
+           number(equation.WorstResidualRatio * 100), number(equation.WorstResidualX)});
     }
   }
   return table;
 }
 
 ReportTable parameters(const Report& report) {
-  ReportTable table{"parameters", {"series", "equation", "parameter", "value", "standardError"}, {}};
+  ReportTable table{
+      "parameters", {"series", "equation", "parameter", "value", "standardError"}, {}};
   for (const SeriesReport& series : report.series) {
     for (const RankedEquation& ranked : series.equations) {
       for (const FitParameter& parameter : ranked.outcome.Parameters) {
@@ -156,8 +175,9 @@ ReportTable reports(const Report& report) {
 }  // namespace
 
 std::vector<ReportTable> reportTables(const Report& report) {
-  return {calibration(report), setups(report),     seriesTable(report), points(report), curve(report),
-          equations(report),   parameters(report), warnings(report),    shifts(report), reports(report)};
+  return {calibration(report), setups(report),    seriesTable(report), points(report),
+          curve(report),       equations(report), parameters(report),  warnings(report),
+          shifts(report),      reports(report)};
 }
 
 }  // namespace pelmora::report

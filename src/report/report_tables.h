@@ -13,12 +13,12 @@ namespace pelmora::report {
 
 struct ReportTable {
   std::string name;
-  std::vector<std::string> columns;  // names as JSON has them
+  std::vector<std::string> columns;      // names as JSON has them
   std::vector<std::vector<Value>> rows;  // as many values as columns; null: not known
 };
 
-// calibration, setups, series, points, curve, equations, parameters, warnings, shifts and reports, each with its
-// columns even where it has no rows.
+// calibration, setups, series, points, curve, equations, parameters, warnings, shifts and reports,
+// each with its columns even where it has no rows.
 [[nodiscard]] std::vector<ReportTable> reportTables(const Report& report);
 
 }  // namespace pelmora::report

@@ -72,7 +72,8 @@ Drawing inPercent(const SeriesReport& series) {
     addHalfWidths(drawing, point, 0, 100 / std::fabs(point.strouhal));
   if (series.curve.empty()) return drawing;
   const auto level = [&](double percent) {
-    return std::vector<PlotPoint>{{series.curve.front().roshko, percent}, {series.curve.back().roshko, percent}};
+    return std::vector<PlotPoint>{{series.curve.front().roshko, percent},
+                                  {series.curve.back().roshko, percent}};
   };
   drawing.curve = level(0);
   drawing.bandAbove = level(series.settings.BandPercent);
@@ -113,8 +114,8 @@ void draw(PlotPanel& panel, const Drawing& drawing, const std::vector<RawPart>& 
 
 std::string opened(int height, const std::string& title) {
   const std::string width = std::to_string(plotWidth), tall = std::to_string(height);
-  return "<svg class=\"plot\" width=\"" + width + "\" height=\"" + tall + "\" viewBox=\"0 0 " + width + " " + tall +
-         "\" role=\"img\" aria-label=\"" + escaped(title) + "\">\n";
+  return "<svg class=\"plot\" width=\"" + width + "\" height=\"" + tall + "\" viewBox=\"0 0 " +
+         width + " " + tall + "\" role=\"img\" aria-label=\"" + escaped(title) + "\">\n";
 }
 
 }  // namespace
@@ -123,8 +124,9 @@ std::string seriesPlot(const SeriesReport& series) {
   const Drawing above = inStrouhal(series), below = inPercent(series);
   const PlotScale x = PlotScale::logarithmic(valuesOf(above, 0, true), xMargin);
   const bool hasCurve = !series.curve.empty();
-  std::string svg = opened(hasCurve ? seriesPlotHeight : seriesPlotHeight - static_cast<int>(panelGap + deviationHeight),
-                           series.name + ": points" + (hasCurve ? ", fitted curve and residuals" : ""));
+  std::string svg = opened(
+      hasCurve ? seriesPlotHeight : seriesPlotHeight - static_cast<int>(panelGap + deviationHeight),
+      series.name + ": points" + (hasCurve ? ", fitted curve and residuals" : ""));
   PlotPanel main("strouhal", placeAt(topMargin, mainHeight), x,
                  PlotScale::linear(valuesOf(above, 1, true), yMargin));
   main.drawAxes(xTitle, series.settings.RatioCurve ? "Ratio" : "Strouhal number", !hasCurve);
@@ -163,14 +165,16 @@ std::string comparisonPlot(const SeriesReport& series) {
 std::string plotDefinitions() {
   const auto marker = [](const std::string& id, const std::string& shape) {
     return "<marker id=\"" + id +
-           "\" viewBox=\"-6 -6 12 12\" markerWidth=\"12\" markerHeight=\"12\" markerUnits=\"userSpaceOnUse\">" +
+           "\" viewBox=\"-6 -6 12 12\" markerWidth=\"12\" markerHeight=\"12\" "
+           "markerUnits=\"userSpaceOnUse\">" +
            shape + "</marker>\n";
   };
   std::string svg = "<defs>\n";
-  const std::string shapes[]{"<circle class=\"k1\" r=\"4\"/>",
-                             "<rect class=\"k2\" x=\"-3.6\" y=\"-3.6\" width=\"7.2\" height=\"7.2\"/>",
-                             "<path class=\"k3\" d=\"M0-4.6L4.4 3.4H-4.4Z\"/>",
-                             "<path class=\"k4\" d=\"M0-4.9L4.9 0 0 4.9-4.9 0Z\"/>"};
+  const std::string shapes[]{
+      "<circle class=\"k1\" r=\"4\"/>",
+      "<rect class=\"k2\" x=\"-3.6\" y=\"-3.6\" width=\"7.2\" height=\"7.2\"/>",
+      "<path class=\"k3\" d=\"M0-4.6L4.4 3.4H-4.4Z\"/>",
+      "<path class=\"k4\" d=\"M0-4.9L4.9 0 0 4.9-4.9 0Z\"/>"};
   for (int k = 1; k <= 4; ++k) {
     svg += marker("m" + std::to_string(k), shapes[k - 1]);
     svg += marker("c" + std::to_string(k),

@@ -91,7 +91,8 @@ std::string sha256Base64(std::string_view text) {
   std::string result;
   for (std::size_t i = 0; i < bytes.size(); i += 3) {
     std::uint32_t group = 0;
-    for (std::size_t k = 0; k < 3; ++k) group = group << 8U | (i + k < bytes.size() ? bytes[i + k] : 0U);
+    for (std::size_t k = 0; k < 3; ++k)
+      group = group << 8U | (i + k < bytes.size() ? bytes[i + k] : 0U);
     for (int shift = 18; shift >= 0; shift -= 6) result += letters[group >> shift & 63U];
   }
   result.back() = '=';  // 32 bytes leave one byte of the last group unused

@@ -13,12 +13,13 @@ constexpr std::size_t legendColumns = 2;
 constexpr int legendColumnWidth = 350;
 
 std::string text(const std::string& cssClass, int x, int y, const std::string& content) {
-  return "<text class=\"" + cssClass + "\" x=\"" + std::to_string(x) + "\" y=\"" + std::to_string(y) +
-         "\">" + escaped(content) + "</text>\n";
+  return "<text class=\"" + cssClass + "\" x=\"" + std::to_string(x) + "\" y=\"" +
+         std::to_string(y) + "\">" + escaped(content) + "</text>\n";
 }
 
 std::string moved(int x, int y, const std::string& content) {
-  return "<g transform=\"translate(" + std::to_string(x) + "," + std::to_string(y) + ")\">" + content + "</g>\n";
+  return "<g transform=\"translate(" + std::to_string(x) + "," + std::to_string(y) + ")\">" +
+         content + "</g>\n";
 }
 
 // Adds a title, the legend and the plot of a series below `y`, which then stands below them.
@@ -35,8 +36,9 @@ std::string block(const SeriesReport& series, int& y) {
   svg += moved(0, y, seriesPlot(series));
   y += seriesPlotHeight;
   if (const std::string shift = comparisonPlot(series); !shift.empty()) {
-    svg += text("legend", 12, y + 12,
-                "Shift since calibration " + std::to_string(series.previous->reCalID) + ", per cent");
+    svg +=
+        text("legend", 12, y + 12,
+             "Shift since calibration " + std::to_string(series.previous->reCalID) + ", per cent");
     svg += moved(0, y + 16, shift);
     y += 16 + comparisonPlotHeight;
   }
@@ -47,27 +49,31 @@ std::string block(const SeriesReport& series, int& y) {
 }  // namespace
 
 std::string plotStyle() {
-  return "svg text{font:12px system-ui,-apple-system,'Segoe UI','DejaVu Sans',sans-serif;fill:var(--ink)}"
+  return "svg text{font:12px system-ui,-apple-system,'Segoe UI','DejaVu "
+         "Sans',sans-serif;fill:var(--ink)}"
          ".xl{text-anchor:middle}.yl{text-anchor:end}.at{text-anchor:middle;fill:var(--soft)}"
          ".grid{stroke:var(--grid);fill:none}.axis{stroke:var(--axis);fill:none}"
-         ".dots{fill:none;stroke:none}.raw1{marker:url(#m1)}.raw2{marker:url(#m2)}.raw3{marker:url(#m3)}"
+         ".dots{fill:none;stroke:none}.raw1{marker:url(#m1)}.raw2{marker:url(#m2)}.raw3{marker:url("
+         "#m3)}"
          ".raw4{marker:url(#m4)}.cut1{marker:url(#c1)}.cut2{marker:url(#c2)}.cut3{marker:url(#c3)}"
          ".cut4{marker:url(#c4)}.merged{marker:url(#mm)}"
          ".line{fill:none;stroke-width:1.5;stroke-linejoin:round}.curve,.shift{stroke:var(--ink)}"
          ".band{stroke:var(--band);stroke-dasharray:6 4;stroke-width:1.25}.zero{stroke:var(--axis)}"
          ".conf{fill:var(--ink);fill-opacity:.22}.pred{fill:var(--ink);fill-opacity:.09}"
          ".k1,.k2,.k3,.k4{fill:none;stroke-width:1.6}.k1{stroke:var(--p1)}.k2{stroke:var(--p2)}"
-         ".k3{stroke:var(--p3)}.k4{stroke:var(--p4)}.km{fill:var(--ink)}.note{text-anchor:end;fill:var(--soft)}";
+         ".k3{stroke:var(--p3)}.k4{stroke:var(--p4)}.km{fill:var(--ink)}.note{text-anchor:end;fill:"
+         "var(--soft)}";
 }
 
-// Series colours: four hues that stay apart for the common colour blindnesses, each at least 4.5 to 1 against
-// its background.
+// Series colours: four hues that stay apart for the common colour blindnesses, each at least 4.5 to
+// 1 against its background.
 std::string lightColours() {
   return "--paper:#fff;--ink:#16202c;--soft:#4a5666;--grid:#e3e7ec;--axis:#7a8694;--band:#b3261e;"
          "--p1:#0b62a8;--p2:#b04a00;--p3:#00736b;--p4:#8a3a8f;";
 }
 std::string darkColours() {
-  return "--paper:#12171e;--ink:#e8edf3;--soft:#aab5c2;--grid:#2a323d;--axis:#8a96a4;--band:#ff8f85;"
+  return "--paper:#12171e;--ink:#e8edf3;--soft:#aab5c2;--grid:#2a323d;--axis:#8a96a4;--band:#"
+         "ff8f85;"
          "--p1:#6db8ff;--p2:#ffab66;--p3:#4fd3c4;--p4:#dd9fe6;";
 }
 
@@ -77,13 +83,14 @@ std::string svgReport(const Report& report) {
   for (const SeriesReport& series : report.series) blocks += block(series, y);
   const std::string size = std::to_string(plotWidth) + "\" height=\"" + std::to_string(y);
   return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-         "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" + size + "\" viewBox=\"0 0 " +
-         std::to_string(plotWidth) + " " + std::to_string(y) + "\">\n<style>svg{" + lightColours() + "}" +
-         plotStyle() + "svg .title{font-size:15px;font-weight:600}</style>\n" + plotDefinitions() +
+         "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" +
+         size + "\" viewBox=\"0 0 " + std::to_string(plotWidth) + " " + std::to_string(y) +
+         "\">\n<style>svg{" + lightColours() + "}" + plotStyle() +
+         "svg .title{font-size:15px;font-weight:600}</style>\n" + plotDefinitions() +
          "<rect width=\"" + size + "\" fill=\"#fff\"/>\n" +
          text("legend", 12, 20,
-              "Meter " + report.meter.SerialNumber + ", calibration " + std::to_string(report.meter.ReCalID) +
-                  ", " + report.createdAt) +
+              "Meter " + report.meter.SerialNumber + ", calibration " +
+                  std::to_string(report.meter.ReCalID) + ", " + report.createdAt) +
          blocks + "</svg>\n";
 }
 

@@ -8,8 +8,8 @@
 
 namespace pelmora::report {
 
-// One SVG document on white with the series below one another, each under its name; without scripts and
-// references to the outside.
+// One SVG document on white with the series below one another, each under its name; without scripts
+// and references to the outside.
 [[nodiscard]] std::string svgReport(const Report& report);
 
 // The style of plots: colours are custom properties that the document around defines.

@@ -24,7 +24,8 @@ namespace {
 constexpr double narrowest = 8, widest = 48;  // characters
 
 void require(lxw_error error) {
-  if (error != LXW_NO_ERROR) throw std::runtime_error(std::string("the workbook cannot be made: ") + lxw_strerror(error));
+  if (error != LXW_NO_ERROR)
+    throw std::runtime_error(std::string("the workbook cannot be made: ") + lxw_strerror(error));
 }
 
 // The library writes files alone: one of our own, gone with its object.
@@ -32,7 +33,8 @@ class ScratchFile {
  public:
   ScratchFile() : path_((std::filesystem::temp_directory_path() / "pelmora-XXXXXX").string()) {
     const int descriptor = mkstemp(path_.data());
-    if (descriptor < 0) throw std::runtime_error("the workbook cannot be made: no temporary file; check TMPDIR");
+    if (descriptor < 0)
+      throw std::runtime_error("the workbook cannot be made: no temporary file; check TMPDIR");
     close(descriptor);
   }
   ~ScratchFile() { std::remove(path_.c_str()); }
@@ -91,13 +93,15 @@ double write(lxw_worksheet* sheet, lxw_row_t row, lxw_col_t column, const Value&
 
 void addSheet(lxw_workbook* book, lxw_format* bold, const ReportTable& table) {
   lxw_worksheet* sheet = workbook_add_worksheet(book, table.name.c_str());
-  if (sheet == nullptr) throw std::runtime_error("the workbook cannot be made: no sheet '" + table.name + "'");
+  if (sheet == nullptr)
+    throw std::runtime_error("the workbook cannot be made: no sheet '" + table.name + "'");
   for (std::size_t c = 0; c < table.columns.size(); ++c) {
     const auto column = static_cast<lxw_col_t>(c);
     require(worksheet_write_string(sheet, 0, column, table.columns[c].c_str(), bold));
     double width = std::max(narrowest, static_cast<double>(table.columns[c].size()) + 2);
     for (std::size_t r = 0; r < table.rows.size(); ++r)
-      width = std::max(width, write(sheet, static_cast<lxw_row_t>(r) + 1, column, table.rows[r][c]) + 2);
+      width = std::max(width,
+                       write(sheet, static_cast<lxw_row_t>(r) + 1, column, table.rows[r][c]) + 2);
     require(worksheet_set_column(sheet, column, column, std::min(width, widest), nullptr));
   }
   worksheet_freeze_panes(sheet, 1, 0);

@@ -63,7 +63,7 @@ std::optional<CurveSettings> keptCurveSettings(const ConnectionPtr& curves, std:
 }
 
 void keepCurveSettings(const ConnectionPtr& curves, std::int32_t SeriesID,
-                     const CurveSettings& settings) {
+                       const CurveSettings& settings) {
   createTable(curves, design());
   createIndex(curves, {"pelmora_fit_settings_series", tableName, {"SeriesID"}});
   curves->execute("Delete *" + rowsOf(SeriesID));

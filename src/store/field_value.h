@@ -11,7 +11,8 @@ namespace pelmora {
 
 [[nodiscard]] bool isNull(const Value& value);
 
-// Errors: Error 94 for null, 13 for text that is no number, 6 out of the type's range. Fractions are
+// Errors: Error 94 for null, 13 for text that is no number, 6 out of the type's range. Fractions
+// are
 //         rounded half to even.
 [[nodiscard]] double toDouble(const Value& value);
 [[nodiscard]] std::int32_t toInt32(const Value& value);

@@ -30,7 +30,8 @@ ValueTable listSeries(const OperationContext& context, const std::string& MeterS
     const MeterInfo meter = findMeterInfo(context, MeterSN, connection.pointer(), ReCalID, "");
     if (meter.Source != 1) return;
     std::string statement =
-        "Select distinct serialnumber, name from meter left join series on meter.id=series.meterid ";
+        "Select distinct serialnumber, name from meter left join series on "
+        "meter.id=series.meterid ";
     if (!MeterSN.empty()) {
       statement +=
           " where serialnumber = '" + MeterSN + "' and recalid =" + numberText(meter.ReCalID);
@@ -49,8 +50,9 @@ std::vector<std::string> MetersAdjusted(const OperationContext& context, const s
   context.trap("Error in RawData:meters", [&] {
     ArrayIsEmpty = true;
     const OperationConnection connection(context, nullptr);
-    auto rows = connection.read("Select SerialNumberAdjusted, recalid from meter where SerialNumber = '" +
-                                MeterSN + "' order by recalid desc");
+    auto rows =
+        connection.read("Select SerialNumberAdjusted, recalid from meter where SerialNumber = '" +
+                        MeterSN + "' order by recalid desc");
     const auto count = static_cast<std::size_t>(rows->recordCount());
     if (count == 0) return;
     ReCalID.assign(count, 0);
@@ -85,7 +87,8 @@ std::vector<std::string> getJobID(const OperationContext& context, const std::st
     const bool latest = ReCalID < 0;
     auto rows = connection.read(
         std::string("SELECT") + (latest ? " TOP 1" : "") +
-        " CalDatapoint.JobRecordID FROM (Meter LEFT JOIN CalSetup ON Meter.ID = CalSetup.MeterID) LEFT "
+        " CalDatapoint.JobRecordID FROM (Meter LEFT JOIN CalSetup ON Meter.ID = CalSetup.MeterID) "
+        "LEFT "
         "JOIN CalDatapoint ON CalSetup.ID = CalDatapoint.CalSetupID WHERE Meter.SerialNumber='" +
         MeterSN + "' " + (latest ? "" : " AND recalid=" + numberText(ReCalID)) +
         " ORDER BY ReCalID DESC");

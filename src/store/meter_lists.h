@@ -12,8 +12,8 @@
 
 namespace pelmora {
 
-// Serial number and name of every series of a meter calibration; of all meters where MeterSN is empty
-// and a meter without a serial number exists. Empty where there is none.
+// Serial number and name of every series of a meter calibration; of all meters where MeterSN is
+// empty and a meter without a serial number exists. Empty where there is none.
 ValueTable listSeries(const OperationContext& context, const std::string& MeterSN,
                       std::int16_t ReCalID);
 
@@ -25,8 +25,8 @@ std::vector<std::string> MetersAdjusted(const OperationContext& context, const s
 // All serial numbers.
 std::vector<std::string> Meters(const OperationContext& context, bool& ArrayIsEmpty);
 
-// The stand's job identities of a meter calibration; for the latest one (negative ReCalID) the first
-// job only.
+// The stand's job identities of a meter calibration; for the latest one (negative ReCalID) the
+// first job only.
 std::vector<std::string> getJobID(const OperationContext& context, const std::string& MeterSN,
                                   std::int16_t ReCalID);
 

@@ -49,9 +49,10 @@ MeterInfo findMeterInfo(const OperationContext& context, const std::string& Mete
     const std::string recal = latest ? "" : " AND recalid=" + numberText(ReCalID);
     const bool wantsSeries = !SeriesName.empty();
     const std::string columns =
-        wantsSeries ? " series.ID AS seriesID,meter.ID, meter.ReCalID, meter.SerialNumberAdjusted from "
-                      "series left join meter on series.meterid=meter.id"
-                    : " ID, ReCalID, SerialNumberAdjusted from meter";
+        wantsSeries
+            ? " series.ID AS seriesID,meter.ID, meter.ReCalID, meter.SerialNumberAdjusted from "
+              "series left join meter on series.meterid=meter.id"
+            : " ID, ReCalID, SerialNumberAdjusted from meter";
     const std::string series = wantsSeries ? " AND series.name = '" + SeriesName + "'" : "";
 
     auto rows = connection.read("SELECT" + top + columns + " where serialnumber='" + MeterSN + "'" +
@@ -62,8 +63,9 @@ MeterInfo findMeterInfo(const OperationContext& context, const std::string& Mete
       if (wantsSeries) setSeries(record, toInt32(rows->value("SeriesID")), SeriesName);
     } else {
       rows->close();
-      rows = connection.read("SELECT" + top + " ID, ReCalID from masterMeterList where serialnumber='" +
-                             MeterSN + "'" + recal + " ORDER BY ReCalID DESC");
+      rows = connection.read("SELECT" + top +
+                             " ID, ReCalID from masterMeterList where serialnumber='" + MeterSN +
+                             "'" + recal + " ORDER BY ReCalID DESC");
       record.Source = inMasterMeterList;
       if (rows->recordCount() == 0) {
         record.MeterID = -1;
@@ -82,9 +84,9 @@ MeterInfo FindLastCalID(const OperationContext& context, const std::string& Mete
   MeterInfo record;
   const bool found = context.trap("Error in RawData:LastCalID", [&] {
     const OperationConnection connection(context, conn);
-    auto rows =
-        connection.read("SELECT TOP 1 ID, ReCalID, SerialNumberAdjusted from meter where serialnumber='" +
-                        MeterSN + "' ORDER BY ReCalID DESC");
+    auto rows = connection.read(
+        "SELECT TOP 1 ID, ReCalID, SerialNumberAdjusted from meter where serialnumber='" + MeterSN +
+        "' ORDER BY ReCalID DESC");
     record.Source = inMeter;
     if (rows->recordCount() > 0) {
       readAdjustedSerialNumber(*rows, record);
@@ -105,8 +107,7 @@ MeterInfo FindLastCalID(const OperationContext& context, const std::string& Mete
 }
 
 MeterInfo getSeriesID(const OperationContext& context, const std::string& SeriesName,
-                      const std::string& MeterSN, const ConnectionPtr& conn,
-                      std::int16_t ReCalID) {
+                      const std::string& MeterSN, const ConnectionPtr& conn, std::int16_t ReCalID) {
   MeterInfo record;
   const bool found = context.trap("Error in Misc:getSeriesID", [&] {
     const OperationConnection connection(context, conn);
@@ -115,9 +116,9 @@ MeterInfo getSeriesID(const OperationContext& context, const std::string& Series
         " series.*, meter.recalid, meter.serialnumberadjusted from series left join meter on "
         "series.meterid=meter.id where series.name = '" +
         SeriesName + "' and meter.serialnumber='" + MeterSN + "'";
-    auto rows = connection.read(latest
-                                    ? "SELECT TOP 1" + from + " ORDER BY meter.recalid DESC"
-                                    : "SELECT" + from + " and meter.recalid=" + numberText(ReCalID));
+    auto rows =
+        connection.read(latest ? "SELECT TOP 1" + from + " ORDER BY meter.recalid DESC"
+                               : "SELECT" + from + " and meter.recalid=" + numberText(ReCalID));
     if (rows->recordCount() == 0) return;
     record.Series.resize(1);
     record.MeterID = toInt32(rows->value("meterid"));

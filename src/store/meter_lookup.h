@@ -15,8 +15,8 @@ namespace pelmora {
 // An empty record with Source -1: what an operation returns that fails before its look-up.
 [[nodiscard]] MeterInfo meterFoundNowhere();
 
-// The calibration `ReCalID` of a meter (negative: the latest), and its series of that name where one
-// is given. Looks in `meter`, then in `masterMeterList`.
+// The calibration `ReCalID` of a meter (negative: the latest), and its series of that name where
+// one is given. Looks in `meter`, then in `masterMeterList`.
 //
 // Result: Source 1, 2, or -1 with MeterID -1 where neither knows it. With a series name, a meter
 //         without that series is looked up in `masterMeterList` too.

@@ -34,7 +34,8 @@ std::int32_t setMeterSN(const OperationContext& context, const std::string& Mete
     auto rows = connection.read(
         "select id, serialnumber, serialNumberAdjusted, recalid from meter where serialnumber = '" +
         MeterSerialNumber + "'");
-    constexpr std::array<std::string_view, 3> fields{"serialnumber", "serialnumberadjusted", "ReCalID"};
+    constexpr std::array<std::string_view, 3> fields{"serialnumber", "serialnumberadjusted",
+                                                     "ReCalID"};
     const std::array<Value, 3> values{MeterSerialNumber, MeterSNAdjusted, std::int64_t{ReCalID}};
     rows->addRow(fields, values);
     meterId = toInt32(rows->value("id"));

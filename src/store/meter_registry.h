@@ -9,8 +9,8 @@
 
 namespace pelmora {
 
-// Adds the next calibration of a meter: the recal number after the latest one, 0 for a new meter. An
-// empty MeterSNAdjusted becomes the serial number. Returns the new meter.ID, 0 on failure.
+// Adds the next calibration of a meter: the recal number after the latest one, 0 for a new meter.
+// An empty MeterSNAdjusted becomes the serial number. Returns the new meter.ID, 0 on failure.
 std::int32_t setMeterSN(const OperationContext& context, const std::string& MeterSerialNumber,
                         std::string& MeterSNAdjusted);
 

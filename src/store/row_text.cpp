@@ -11,7 +11,8 @@ namespace pelmora {
 std::vector<std::string> rowsAsTexts(Recordset& rows) {
   std::string text;
   for (; !rows.atEnd(); rows.moveNext()) {
-    for (std::size_t field = 0; field < rows.fieldCount(); ++field) text += toText(rows.value(field));
+    for (std::size_t field = 0; field < rows.fieldCount(); ++field)
+      text += toText(rows.value(field));
     text += lineBreak;
   }
   if (text.size() <= lineBreak.size()) return {};

@@ -1,6 +1,5 @@
-// What a host's handler may do while an operation runs: destroy the object, or throw. Tried at every event of
-// every operation that has events.
-// SPDX-License-Identifier: MIT
+// What a host's handler may do while an operation runs: destroy the object, or throw. Tried at
+// every event of every operation that has events. SPDX-License-Identifier: MIT
 #include "tests/support/host_test.h"
 #include "tests/support/stand_export.h"
 
@@ -67,8 +66,10 @@ std::vector<Operation> operations() {
          return std::to_string(
              data.SetFitted("S", "M1", {{1, 2}, {3, 4}}, {{1, 2}, {3, 4}}, "details", false));
        }},
-      {"SetLastFitted", [](RawData& data, Stage&) { return std::to_string(data.SetLastFitted(false)); }},
-      {"getFittedCurve", [](RawData& data, Stage&) { return points(data.getFittedCurve("S", "M1")); }},
+      {"SetLastFitted",
+       [](RawData& data, Stage&) { return std::to_string(data.SetLastFitted(false)); }},
+      {"getFittedCurve",
+       [](RawData& data, Stage&) { return points(data.getFittedCurve("S", "M1")); }},
       {"GetAllInfo", [](RawData& data, Stage&) { return points(data.GetAllInfo("S", "M1")); }},
       {"readTCresults",
        [](RawData& data, Stage& stage) {
@@ -83,9 +84,9 @@ std::vector<Operation> operations() {
        }},
       {"importCaldb",
        [](RawData& data, Stage& stage) {
-         const MeterInfo meter =
-             data.importCaldb("Import " + std::to_string(++stage.meters), openDatabase(stage.standFile),
-                              {"1001"}, {"1001"}, {"Oil"}, {"Me"}, true, true, true, true);
+         const MeterInfo meter = data.importCaldb("Import " + std::to_string(++stage.meters),
+                                                  openDatabase(stage.standFile), {"1001"}, {"1001"},
+                                                  {"Oil"}, {"Me"}, true, true, true, true);
          return std::to_string(meter.Series.size());
        }},
   };
@@ -107,9 +108,10 @@ class host_handler : public HostTest, public testing::WithParamInterface<Operati
     EXPECT_THAT(boxes, testing::IsEmpty());
   }
 
-  // Runs the operation on `object` with `action` at its event number `event`, counted from 1. Empty where
-  // there was no such event.
-  std::string runWith(std::unique_ptr<RawData>& object, int event, const std::function<void()>& action) {
+  // Runs the operation on `object` with `action` at its event number `event`, counted from 1. Empty
+  // where there was no such event.
+  std::string runWith(std::unique_ptr<RawData>& object, int event,
+                      const std::function<void()>& action) {
     int seen = 0;
     const auto handler = [&] {
       if (++seen == event) action();

@@ -38,8 +38,10 @@ class re_entrance : public HostTest {
     return result;
   }
   // Runs `action` once, at the first status text that begins so.
-  static void once(RawData& data, const std::string& beginning, const std::function<void()>& action) {
-    data.StatusUpdate = [done = std::make_shared<bool>(false), beginning, action](const std::string& text) {
+  static void once(RawData& data, const std::string& beginning,
+                   const std::function<void()>& action) {
+    data.StatusUpdate = [done = std::make_shared<bool>(false), beginning,
+                         action](const std::string& text) {
       if (*done || !text.starts_with(beginning)) return;
       *done = true;
       action();
@@ -66,14 +68,15 @@ TEST_F(re_entrance, a_fit_in_a_fit_leaves_both_curves_right) {
   EXPECT_THAT(boxes, IsEmpty());
 }
 
-// Whatever another fit left in the shared record meanwhile: the fit that ends last fills it, all of it.
+// Whatever another fit left in the shared record meanwhile: the fit that ends last fills it, all of
+// it.
 TEST_F(re_entrance, the_fit_that_ends_last_is_the_last_fit) {
   const auto data = newObject();
   fit(*data, "S");
   const PointArray merged = data->LastMergedArray();
   const std::string details = data->DataFitResultDetails;
-  for (const std::string event : {"Determining fitted data", "Sorting raw1", "Sorting merged", "Started fitting",
-                                  "Determined bestfit"}) {
+  for (const std::string event : {"Determining fitted data", "Sorting raw1", "Sorting merged",
+                                  "Started fitting", "Determined bestfit"}) {
     const auto object = newObject();
     once(*object, event, [&] { fit(*object, "T"); });
     const Fit outer = fit(*object, "S");
@@ -98,7 +101,8 @@ TEST_F(re_entrance, an_object_made_in_a_fit_does_not_disturb_it) {
     EXPECT_EQ(fit(*data, "S").curve, alone) << event;
     EXPECT_EQ(data->LastFittedArray(), alone) << event;
     EXPECT_EQ(data->LastMergedArray(), merged) << event;
-    EXPECT_EQ(data->dbDir().FileName, "Pelmora.mdb") << event;  // creating an object resets the location
+    EXPECT_EQ(data->dbDir().FileName, "Pelmora.mdb")
+        << event;  // creating an object resets the location
     data->dbDirSetByString(path);
   }
   EXPECT_THAT(boxes, IsEmpty());
@@ -107,8 +111,9 @@ TEST_F(re_entrance, an_object_made_in_a_fit_does_not_disturb_it) {
 TEST_F(re_entrance, raw_points_stored_in_a_fit_are_there) {
   const auto data = newObject();
   bool written = false;
-  once(*data, "Started fitting",
-       [&] { written = data->SetRaw("U", "M1", {{1, 2}, {3, 4}}, 0, false); });
+  once(*data, "Started fitting", [&] {
+    written = data->SetRaw("U", "M1", {{1, 2}, {3, 4}}, 0, false);
+  });
   EXPECT_FALSE(fit(*data, "S").isEmpty);
   EXPECT_TRUE(written);
   const MeterInfo read = data->GetRaw("U", "M1", 1);
@@ -142,7 +147,8 @@ TEST_F(re_entrance, a_fit_in_the_pumps_of_an_import_disturbs_neither) {
     inner.emplace();
     *inner = fit(*data, "S");
   };
-  const MeterInfo imported = data->importCaldb("M1", stand(), {"1001"}, {""}, {"Oil"}, {"Me"}, true);
+  const MeterInfo imported =
+      data->importCaldb("M1", stand(), {"1001"}, {""}, {"Oil"}, {"Me"}, true);
   platform().pumpMessages = nullptr;
   ASSERT_TRUE(inner.has_value());
   EXPECT_EQ(inner->curve, alone);
@@ -157,7 +163,8 @@ TEST_F(re_entrance, a_pump_that_throws_ends_the_copy_in_its_box) {
   const auto data = newObject();
   platform().pumpMessages = [] { throw 1; };
   EXPECT_FALSE(data->copyCaldb(1, "1001", "", stand(), openDatabase(path)));
-  EXPECT_THAT(boxes, ElementsAre("Error in RawData:copyCaldb\r\nInvalid procedure call or argument"));
+  EXPECT_THAT(boxes,
+              ElementsAre("Error in RawData:copyCaldb\r\nInvalid procedure call or argument"));
 }
 
 TEST_F(re_entrance, a_message_box_that_throws_answers_without_change) {

@@ -77,7 +77,8 @@ std::vector<Row> rowsOf(const std::string& page, const std::string& text) {
 
 std::vector<fs::path> pages() {
   std::vector<fs::path> found{root / "docs/behaviour.md"};
-  for (const auto& entry : fs::directory_iterator(root / "docs/behaviour")) found.push_back(entry.path());
+  for (const auto& entry : fs::directory_iterator(root / "docs/behaviour"))
+    found.push_back(entry.path());
   std::sort(found.begin(), found.end());
   return found;
 }
@@ -85,7 +86,8 @@ std::vector<fs::path> pages() {
 std::vector<Row> allRows() {
   std::vector<Row> rows;
   for (const fs::path& page : pages()) {
-    for (Row& row : rowsOf(fs::relative(page, root).generic_string(), textOf(page))) rows.push_back(std::move(row));
+    for (Row& row : rowsOf(fs::relative(page, root).generic_string(), textOf(page)))
+      rows.push_back(std::move(row));
   }
   return rows;
 }
@@ -104,17 +106,21 @@ TEST(behaviour_list, says_each_thing_once) {
   std::set<std::string> said;
   for (const Row& row : allRows()) {
     const std::string tests = row.tests.empty() ? "" : row.tests.front();
-    EXPECT_TRUE(said.insert(row.behaviour + tests).second) << row.place << " is there already: " << row.behaviour;
+    EXPECT_TRUE(said.insert(row.behaviour + tests).second)
+        << row.place << " is there already: " << row.behaviour;
   }
 }
 
-TEST(behaviour_list, is_as_long_as_what_can_be_observed) { EXPECT_GE(allRows().size(), fewestRows); }
+TEST(behaviour_list, is_as_long_as_what_can_be_observed) {
+  EXPECT_GE(allRows().size(), fewestRows);
+}
 
 TEST(behaviour_list, has_pages_that_can_be_read) {
   const std::string index = textOf(root / "docs/behaviour.md");
   for (const fs::path& page : pages()) {
     const std::string text = textOf(page);
-    EXPECT_LE(static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')), longestPage) << page;
+    EXPECT_LE(static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')), longestPage)
+        << page;
     if (page.filename() == "behaviour.md") continue;
     EXPECT_NE(index.find("(behaviour/" + page.filename().string() + ")"), std::string::npos)
         << page << " is not in the index";
@@ -122,7 +128,9 @@ TEST(behaviour_list, has_pages_that_can_be_read) {
 }
 
 TEST(behaviour_list_check, finds_rows_without_a_test) {
-  const auto rows = rowsOf("page", "| behaviour | test |\n|---|---|\n| It `does` | |\n| It has | `a/b.c`, `a/b.d` |\n\n| x | `y` |\n");
+  const auto rows = rowsOf("page",
+                           "| behaviour | test |\n|---|---|\n| It `does` | |\n| It has | `a/b.c`, "
+                           "`a/b.d` |\n\n| x | `y` |\n");
   ASSERT_EQ(rows.size(), 2U);
   EXPECT_EQ(rows[0].place, "page:3");
   EXPECT_TRUE(rows[0].tests.empty());

@@ -43,7 +43,8 @@ const std::map<std::string, FolderRule>& rules() {
       {"adapters/dialog", {{"base", "ui", "adapters/os"}, {"FL", "posix", "windows"}}},
       {"adapters/os", {{"base", "ui"}, {"posix", "windows"}}},
       {"adapters/ado", {{"base", "store", "adapters/os"}, {"windows"}}},
-      {"bindings/com", {{"base", "ui", "adapters/os", "adapters/ado"}, {"windows", "cxxabi.h", "xmmintrin.h"}}},
+      {"bindings/com",
+       {{"base", "ui", "adapters/os", "adapters/ado"}, {"windows", "cxxabi.h", "xmmintrin.h"}}},
       {"wiring",
        {{"base", "ui", "store", "adapters/os", "adapters/sqlite", "adapters/stand_csv", "solver",
          "band", "adapters/dialog", "adapters/ado"},
@@ -58,14 +59,15 @@ const std::map<std::string, FolderRule>& rules() {
 }
 
 const Names& posixHeaders() {
-  static const Names headers{"dlfcn.h", "fcntl.h",  "poll.h",   "signal.h", "spawn.h",
-                             "unistd.h", "sys",     "errno.h",  "netinet",  "netdb.h",
+  static const Names headers{"dlfcn.h",  "fcntl.h",   "poll.h",  "signal.h", "spawn.h",
+                             "unistd.h", "sys",       "errno.h", "netinet",  "netdb.h",
                              "arpa",     "pthread.h", "time.h"};
   return headers;
 }
 
 const Names& windowsHeaders() {
-  static const Names headers{"windows.h", "unknwn.h", "oaidl.h", "ocidl.h", "oleauto.h", "olectl.h", "initguid.h"};
+  static const Names headers{"windows.h", "unknwn.h", "oaidl.h",   "ocidl.h",
+                             "oleauto.h", "olectl.h", "initguid.h"};
   return headers;
 }
 
@@ -177,7 +179,8 @@ TEST(folders, have_a_rule_and_a_readme) {
   for (const char* parent : {"src", "src/adapters", "bindings"}) {
     for (const auto& entry : fs::directory_iterator(sourceRoot() / parent)) {
       if (!entry.is_directory() || !fs::exists(entry.path() / "CMakeLists.txt")) continue;
-      const fs::path under = parent == std::string("bindings") ? sourceRoot() : sourceRoot() / "src";
+      const fs::path under =
+          parent == std::string("bindings") ? sourceRoot() : sourceRoot() / "src";
       const std::string name = fs::relative(entry.path(), under).string();
       EXPECT_TRUE(rules().contains(name)) << name << " has no rule";
       EXPECT_TRUE(fs::exists(entry.path() / "README.md")) << name << " has no README.md";

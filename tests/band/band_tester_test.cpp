@@ -63,8 +63,10 @@ TEST_F(BandTest, a_point_at_an_end_that_rounding_moved_is_tested) {
 
 TEST_F(BandTest, the_order_of_the_table_does_not_matter) {
   float percent = 1;
-  EXPECT_TRUE(tester->TestBand(Numbers{5}, Numbers{90}, Numbers{20, 0, 10}, Numbers{90, 100, 80}, percent));
-  EXPECT_FALSE(tester->TestBand(Numbers{5}, Numbers{92}, Numbers{20, 10, 0}, Numbers{90, 80, 100}, percent));
+  EXPECT_TRUE(
+      tester->TestBand(Numbers{5}, Numbers{90}, Numbers{20, 0, 10}, Numbers{90, 100, 80}, percent));
+  EXPECT_FALSE(
+      tester->TestBand(Numbers{5}, Numbers{92}, Numbers{20, 10, 0}, Numbers{90, 80, 100}, percent));
 }
 
 TEST_F(BandTest, a_jump_of_the_table_allows_what_lies_between) {
@@ -83,8 +85,10 @@ TEST_F(BandTest, a_table_of_one_point_is_tested_there) {
 
 TEST_F(BandTest, negative_curves_have_a_band_as_well) {
   float percent = 1;
-  EXPECT_TRUE(tester->TestBand(Numbers{0}, Numbers{-100.9}, Numbers{0, 1}, Numbers{-100, -100}, percent));
-  EXPECT_FALSE(tester->TestBand(Numbers{0}, Numbers{-98.9}, Numbers{0, 1}, Numbers{-100, -100}, percent));
+  EXPECT_TRUE(
+      tester->TestBand(Numbers{0}, Numbers{-100.9}, Numbers{0, 1}, Numbers{-100, -100}, percent));
+  EXPECT_FALSE(
+      tester->TestBand(Numbers{0}, Numbers{-98.9}, Numbers{0, 1}, Numbers{-100, -100}, percent));
 }
 
 TEST_F(BandTest, a_curve_of_zero_accepts_zero_only) {
@@ -96,9 +100,10 @@ TEST_F(BandTest, a_curve_of_zero_accepts_zero_only) {
 TEST_F(BandTest, the_failure_names_the_count_the_worst_point_and_its_distance) {
   // 100 at 0, 90 at 5, 80 at 10: +2 %, -3 %, +1.25 % against a band of 1.5 %.
   EXPECT_FALSE(inBand({0, 5, 10}, {102, 87.3, 81}, 1.5F));
-  EXPECT_EQ(tester->FailureText(),
-            "Band test failed: 2 of 3 points outside the band of 1.5%; the worst is x = 5, y = 87.3, 3% "
-            "below the curve.");
+  EXPECT_EQ(
+      tester->FailureText(),
+      "Band test failed: 2 of 3 points outside the band of 1.5%; the worst is x = 5, y = 87.3, 3% "
+      "below the curve.");
   EXPECT_TRUE(inBand({0}, {100}, 1.5F));
   EXPECT_EQ(tester->FailureText(), "");
 }
@@ -109,7 +114,8 @@ TEST_F(BandTest, values_that_are_not_finite_fail) {
   EXPECT_FALSE(inBand({0}, {infinite}, 1));
   float percent = 1;
   EXPECT_FALSE(tester->TestBand(Numbers{0}, Numbers{1}, Numbers{0, 1}, Numbers{1, nan}, percent));
-  EXPECT_EQ(tester->FailureText(), "Band test failed: the predicted curve has a point that is not finite.");
+  EXPECT_EQ(tester->FailureText(),
+            "Band test failed: the predicted curve has a point that is not finite.");
 }
 
 TEST_F(BandTest, what_is_no_table_or_no_band_fails) {
@@ -132,7 +138,8 @@ TEST_F(RatioTest, a_curve_that_falls_or_stays_level_passes) {
 TEST_F(RatioTest, a_rise_fails_and_is_named) {
   EXPECT_FALSE(tester->TestRatioCurve(Numbers{1, 2, 3, 4}, Numbers{5, 4, 4.5, 4.25}));
   EXPECT_EQ(tester->FailureText(),
-            "Ratio curve test failed: the curve rises at 2 of 4 points; most from x = 2, y = 4 to x = 3, y "
+            "Ratio curve test failed: the curve rises at 2 of 4 points; most from x = 2, y = 4 to "
+            "x = 3, y "
             "= 4.5.");
 }
 
@@ -148,9 +155,10 @@ TEST_F(PointTest, a_point_is_tested_against_the_segment) {
   tester->SetSegment(0, 100, 10, 80);
   EXPECT_TRUE(tester->TestPoint(5, 90.09));
   EXPECT_FALSE(tester->TestPoint(5, 90.1));
-  EXPECT_EQ(tester->FailureText(),
-            "Point test failed: 1 of 1 points outside the band of 0.1%; the worst is x = 5, y = 90.1, "
-            "0.1111111% above the curve.");
+  EXPECT_EQ(
+      tester->FailureText(),
+      "Point test failed: 1 of 1 points outside the band of 0.1%; the worst is x = 5, y = 90.1, "
+      "0.1111111% above the curve.");
   tester->BandWidth = 0.2F;
   EXPECT_TRUE(tester->TestPoint(5, 90.1));
 }
@@ -168,7 +176,8 @@ TEST_F(PointTest, points_beside_the_segment_and_points_without_one_are_outside) 
   tester->SetSegment(0, 100, 10, 80);
   EXPECT_FALSE(tester->TestPoint(11, 80));
   EXPECT_FALSE(tester->TestPoint(nan, 80));
-  EXPECT_EQ(tester->FailureText(), "Point test failed: x = NaN, y = 80 cannot be tested against the segment.");
+  EXPECT_EQ(tester->FailureText(),
+            "Point test failed: x = NaN, y = 80 cannot be tested against the segment.");
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
-// Whole fits of real and simulated series, from a curve database, against figures computed elsewhere: QR on
-// Chebyshev polynomials of scaled log10 x, in a program that shares nothing with this one. Each figure has
-// the digits with which it was recorded.
-// SPDX-License-Identifier: MIT
+// Whole fits of real and simulated series, from a curve database, against figures computed
+// elsewhere: QR on Chebyshev polynomials of scaled log10 x, in a program that shares nothing with
+// this one. Each figure has the digits with which it was recorded. SPDX-License-Identifier: MIT
 #include "tests/support/csv_table.h"
 #include "tests/support/scratch_folder.h"
 
@@ -35,9 +34,8 @@ PointArray pick(const std::string& file, const std::string& x, const std::string
 
 Points vortexSets(const std::string& sets) {
   return [sets] {
-    return pick("real-vortex-shedding-strouhal.csv", "roshko", "strouhal", [&](const CsvRow& row) {
-      return sets.find(row.at("set")) != std::string::npos;
-    });
+    return pick("real-vortex-shedding-strouhal.csv", "roshko", "strouhal",
+                [&](const CsvRow& row) { return sets.find(row.at("set")) != std::string::npos; });
   };
 }
 
@@ -83,7 +81,8 @@ std::string logPolynomial(int order) {
   return expression;
 }
 
-// The largest residual in per cent of the fitted value, from the parameters of a polynomial in log10 x.
+// The largest residual in per cent of the fitted value, from the parameters of a polynomial in
+// log10 x.
 double largestResidualPercent(const EquationOutcome& equation, const PointArray& points) {
   double largest = 0;
   for (std::size_t i = 0; i < points.size(); ++i) {
@@ -115,7 +114,8 @@ class reference_fits : public testing::TestWithParam<ReferenceFit> {};
 TEST_P(reference_fits, have_the_recorded_statistics) {
   const ReferenceFit& reference = GetParam();
   const ScratchFolder folder;
-  std::ofstream(folder.file("equations.txt")) << "one\t" << logPolynomial(reference.order) << "\r\n";
+  std::ofstream(folder.file("equations.txt"))
+      << "one\t" << logPolynomial(reference.order) << "\r\n";
   createCurveDatabase(folder.file("curves.db"));
   RawData data;
   platform().componentFolder = folder.path().string();
@@ -172,8 +172,8 @@ INSTANTIATE_TEST_SUITE_P(
                      0.043, 0.001},
         ReferenceFit{"job_1001_A_order_10", job("1001", "roshko_a", "strouhal_a"), 24, 10, 0.999936,
                      0.044, 0.001},
-        ReferenceFit{"job_1001_ratio_order_8", job("1001", "roshko_sum", "quotient_b_over_a"), 24, 8,
-                     0.999492, 0.028, 0.001},
+        ReferenceFit{"job_1001_ratio_order_8", job("1001", "roshko_sum", "quotient_b_over_a"), 24,
+                     8, 0.999492, 0.028, 0.001},
         ReferenceFit{"job_1002_A_order_6", job("1002", "roshko_a", "strouhal_a"), 24, 6, 0.999958,
                      0.122, 0.001},
         ReferenceFit{"job_1002_A_order_10", job("1002", "roshko_a", "strouhal_a"), 24, 10, 0.999963,

@@ -34,9 +34,10 @@ class apartments : public ComponentFixture {
           std::make_shared<test::ScriptedConnection>(own.script), own.log);
     };
     own.engine.otherwise.curve = [height](double) { return height; };
-    own.script->answer(fitStatement(), {{"id", "name", "meterid", "recalid", "serialnumberadjusted"},
-                                        {{std::int64_t{7}, std::string("Rotor A"), std::int64_t{3},
-                                          std::int64_t{2}, Value()}}});
+    own.script->answer(
+        fitStatement(),
+        {{"id", "name", "meterid", "recalid", "serialnumberadjusted"},
+         {{std::int64_t{7}, std::string("Rotor A"), std::int64_t{3}, std::int64_t{2}, Value()}}});
     own.script->answer(partStatement(1), test::pointRows({{1, height}, {10, height}}));
 
     RawData data;

@@ -16,7 +16,9 @@ class ComponentFixture : public test::ScriptedApartment {
  protected:
   ComponentFixture() {
     data_->NumberOfFittedPoints = 3;
-    data_->StatusUpdate = [this](const std::string& text) { journal_.push_back("status: " + text); };
+    data_->StatusUpdate = [this](const std::string& text) {
+      journal_.push_back("status: " + text);
+    };
     data_->FittingProgress = [this](std::int16_t step, std::int16_t steps) {
       journal_.push_back("progress: " + std::to_string(step) + "/" + std::to_string(steps));
     };
@@ -34,13 +36,14 @@ class ComponentFixture : public test::ScriptedApartment {
   }
   // Makes the raw table of the series writable by SetRaw.
   void haveRawTarget() {
-    script_->answer("SELECT TOP 1 ID, ReCalID, SerialNumberAdjusted from meter where serialnumber='4711' "
-                    "ORDER BY ReCalID DESC",
-                    {{"ID", "ReCalID", "SerialNumberAdjusted"},
-                     {{std::int64_t{3}, std::int64_t{2}, std::string("4711-A")}}});
-    script_->answer("select * from series where name = 'Rotor A' and meterid=3",
-                    {{"ID", "name", "meterid"},
-                     {{std::int64_t{7}, std::string("Rotor A"), std::int64_t{3}}}});
+    script_->answer(
+        "SELECT TOP 1 ID, ReCalID, SerialNumberAdjusted from meter where serialnumber='4711' "
+        "ORDER BY ReCalID DESC",
+        {{"ID", "ReCalID", "SerialNumberAdjusted"},
+         {{std::int64_t{3}, std::int64_t{2}, std::string("4711-A")}}});
+    script_->answer(
+        "select * from series where name = 'Rotor A' and meterid=3",
+        {{"ID", "name", "meterid"}, {{std::int64_t{7}, std::string("Rotor A"), std::int64_t{3}}}});
   }
 
   std::unique_ptr<RawData> data_ = std::make_unique<RawData>();

@@ -30,8 +30,8 @@ TEST_F(fit_events, of_the_fitting_object_come_unchanged_and_in_order) {
                      "status: Testing the band", "status: Determined bestfit equation: B"}));
 }
 
-// Four raw parts and one pass of the sort pump, and each of three texts of the fitting object does; the sort of one
-// score and the progress do not wait for the host.
+// Four raw parts and one pass of the sort pump, and each of three texts of the fitting object does;
+// the sort of one score and the progress do not wait for the host.
 TEST_F(fit_events, status_texts_of_the_fitting_object_pump_once_after_the_handler) {
   Journal order;
   data_->StatusUpdate = [&](const std::string& text) { order.push_back(text); };

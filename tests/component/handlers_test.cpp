@@ -43,8 +43,7 @@ TEST_F(handlers, throwing_handler_during_the_fit_is_reported_by_the_fit) {
   data_->FittingProgress = [](std::int16_t, std::int16_t) { throw Error(18, "host", "interrupt"); };
   EXPECT_EQ(fit(), PointArray());
   EXPECT_TRUE(isEmpty_);
-  EXPECT_EQ(boxes(),
-            Journal{"Error in clsDataFit:fitCurve 18: interrupt|16|Error in Equation A"});
+  EXPECT_EQ(boxes(), Journal{"Error in clsDataFit:fitCurve 18: interrupt|16|Error in Equation A"});
 }
 
 TEST_F(handlers, throwing_pump_during_the_fit_is_reported_by_the_fit) {

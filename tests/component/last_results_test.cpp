@@ -65,8 +65,10 @@ TEST_F(last_results, are_stored_for_the_series_that_was_fitted) {
   haveFit();
   fit();
   const std::string recalStatement =
-      "SELECT series.ID AS seriesID,meter.ID, meter.ReCalID, meter.SerialNumberAdjusted from series left join "
-      "meter on series.meterid=meter.id where serialnumber='4711' AND recalid=2 AND series.name = 'Rotor A' "
+      "SELECT series.ID AS seriesID,meter.ID, meter.ReCalID, meter.SerialNumberAdjusted from "
+      "series left join "
+      "meter on series.meterid=meter.id where serialnumber='4711' AND recalid=2 AND series.name = "
+      "'Rotor A' "
       "ORDER BY ReCalID DESC";
   script_->answer(recalStatement, {{"seriesID", "ID", "ReCalID", "SerialNumberAdjusted"},
                                    {{std::int64_t{7}, std::int64_t{3}, std::int64_t{2}, Value()}}});

@@ -14,9 +14,7 @@ class no_database : public ComponentFixture {
       throw Error(53, "driver", "no such file");
     };
   }
-  static Journal box(const std::string& operation) {
-    return {operation + "\r\nno such file|16|"};
-  }
+  static Journal box(const std::string& operation) { return {operation + "\r\nno such file|16|"}; }
 };
 
 TEST_F(no_database, findMeterInfo) {
@@ -81,8 +79,9 @@ TEST_F(no_database, GetRaw) {
 
 TEST_F(no_database, copyCaldb) {
   EXPECT_FALSE(data_->copyCaldb(1, "10", "", nullptr, nullptr));
-  EXPECT_EQ(boxes(), Journal{"Error in RawData:copyCaldb\r\nObject variable or With block variable not "
-                             "set|16|"});
+  EXPECT_EQ(boxes(),
+            Journal{"Error in RawData:copyCaldb\r\nObject variable or With block variable not "
+                    "set|16|"});
 }
 
 TEST_F(no_database, importCaldb) {

@@ -20,12 +20,15 @@ namespace {
 using test::Log;
 
 const std::string latestMeter =
-    "SELECT TOP 1 ID, ReCalID, SerialNumberAdjusted from meter where serialnumber='4711' ORDER BY ReCalID DESC";
+    "SELECT TOP 1 ID, ReCalID, SerialNumberAdjusted from meter where serialnumber='4711' ORDER BY "
+    "ReCalID DESC";
 const std::string latestMaster =
     "SELECT TOP 1 ID, ReCalID from masterMeterList where serialnumber='4711' ORDER BY ReCalID DESC";
 const std::string latestSeries =
-    "SELECT TOP 1 series.ID AS seriesID,meter.ID, meter.ReCalID, meter.SerialNumberAdjusted from series left join "
-    "meter on series.meterid=meter.id where serialnumber='4711' AND series.name = 'Ratio' ORDER BY ReCalID DESC";
+    "SELECT TOP 1 series.ID AS seriesID,meter.ID, meter.ReCalID, meter.SerialNumberAdjusted from "
+    "series left join "
+    "meter on series.meterid=meter.id where serialnumber='4711' AND series.name = 'Ratio' ORDER BY "
+    "ReCalID DESC";
 
 class statement_texts : public testing::Test {
  protected:
@@ -41,15 +44,17 @@ class statement_texts : public testing::Test {
   ~statement_texts() override { platform() = Platform(); }
 
   ConnectionPtr connection() {
-    return std::make_shared<test::RecordingConnection>(std::make_shared<test::ScriptedConnection>(script_), log_);
+    return std::make_shared<test::RecordingConnection>(
+        std::make_shared<test::ScriptedConnection>(script_), log_);
   }
   void haveMeter() {
     script_->answer(latestMeter, {{"ID", "ReCalID", "SerialNumberAdjusted"},
                                   {{std::int64_t{3}, std::int64_t{2}, std::string("4711-A")}}});
   }
   void haveSeries() {
-    script_->answer(latestSeries, {{"seriesID", "ID", "ReCalID", "SerialNumberAdjusted"},
-                                   {{std::int64_t{7}, std::int64_t{3}, std::int64_t{2}, std::string("4711-A")}}});
+    script_->answer(latestSeries,
+                    {{"seriesID", "ID", "ReCalID", "SerialNumberAdjusted"},
+                     {{std::int64_t{7}, std::int64_t{3}, std::int64_t{2}, std::string("4711-A")}}});
   }
   void haveId(const std::string& statement, std::int64_t id) {
     script_->answer(statement, {{"ID"}, {{id}}});
@@ -77,11 +82,14 @@ TEST_F(statement_texts, of_findMeterInfo) {
   data_.findMeterInfo("4711");
   expectOwn({"read " + latestMeter});
   data_.findMeterInfo("4711", {}, 0, "Ratio");
-  expectOwn({"read SELECT series.ID AS seriesID,meter.ID, meter.ReCalID, meter.SerialNumberAdjusted from series left "
-             "join meter on series.meterid=meter.id where serialnumber='4711' AND recalid=0 AND series.name = 'Ratio' "
-             "ORDER BY ReCalID DESC",
-             "read SELECT ID, ReCalID from masterMeterList where serialnumber='4711' AND recalid=0 "
-             "ORDER BY ReCalID DESC"});
+  expectOwn(
+      {"read SELECT series.ID AS seriesID,meter.ID, meter.ReCalID, meter.SerialNumberAdjusted from "
+       "series left "
+       "join meter on series.meterid=meter.id where serialnumber='4711' AND recalid=0 AND "
+       "series.name = 'Ratio' "
+       "ORDER BY ReCalID DESC",
+       "read SELECT ID, ReCalID from masterMeterList where serialnumber='4711' AND recalid=0 "
+       "ORDER BY ReCalID DESC"});
 }
 
 TEST_F(statement_texts, of_FindLastCalID) {
@@ -93,7 +101,8 @@ TEST_F(statement_texts, of_Series) {
   haveMeter();
   data_.Series("4711");
   expectOwn({"read " + latestMeter,
-             "read Select distinct serialnumber, name from meter left join series on meter.id=series.meterid  where "
+             "read Select distinct serialnumber, name from meter left join series on "
+             "meter.id=series.meterid  where "
              "serialnumber = '4711' and recalid =2"});
 }
 
@@ -103,7 +112,9 @@ TEST_F(statement_texts, of_Meters_and_MetersAdjusted) {
   data_.Meters(isEmpty);
   expectOwn({"read Select distinct serialnumber from meter"});
   data_.MetersAdjusted("4711", isEmpty, recals);
-  expectOwn({"read Select SerialNumberAdjusted, recalid from meter where SerialNumber = '4711' order by recalid desc"});
+  expectOwn(
+      {"read Select SerialNumberAdjusted, recalid from meter where SerialNumber = '4711' order by "
+       "recalid desc"});
 }
 
 TEST_F(statement_texts, of_DeleteSeries) {
@@ -116,13 +127,15 @@ TEST_F(statement_texts, of_setMeterSN) {
   haveMeter();
   data_.setMeterSN("4711");
   expectOwn({"read " + latestMeter,
-             "read select id, serialnumber, serialNumberAdjusted, recalid from meter where serialnumber = '4711'",
+             "read select id, serialnumber, serialNumberAdjusted, recalid from meter where "
+             "serialnumber = '4711'",
              "add serialnumber=4711 serialnumberadjusted=4711 ReCalID=3"});
 }
 
 TEST_F(statement_texts, of_getJobID) {
   const std::string jobs =
-      " CalDatapoint.JobRecordID FROM (Meter LEFT JOIN CalSetup ON Meter.ID = CalSetup.MeterID) LEFT JOIN CalDatapoint "
+      " CalDatapoint.JobRecordID FROM (Meter LEFT JOIN CalSetup ON Meter.ID = CalSetup.MeterID) "
+      "LEFT JOIN CalDatapoint "
       "ON CalSetup.ID = CalDatapoint.CalSetupID WHERE Meter.SerialNumber='4711' ";
   data_.getJobID("4711");
   expectOwn({"read SELECT TOP 1" + jobs + " ORDER BY ReCalID DESC"});
@@ -135,7 +148,8 @@ TEST_F(statement_texts, of_SetRaw) {
   data_.SetRaw("Ratio", "4711", {{1.5, 2}}, 0, false);
   expectOwn({"read " + latestMeter, "read select * from series where name = 'Ratio' and meterid=3",
              "add name=Ratio meterid=3", "execute DELETE from raw1 where seriesID = 1",
-             "batch Select * from raw1 where seriesID=1", "add seriesID=1 Roshko=1.5 Strouhal=2", "update batch"});
+             "batch Select * from raw1 where seriesID=1", "add seriesID=1 Roshko=1.5 Strouhal=2",
+             "update batch"});
 }
 
 TEST_F(statement_texts, of_GetRaw) {
@@ -146,11 +160,14 @@ TEST_F(statement_texts, of_GetRaw) {
 
 TEST_F(statement_texts, of_determineFittedCurve) {
   const std::string lookUp =
-      "SELECT TOP 1 series.*, meter.recalid, meter.serialnumberadjusted from series left join meter on "
-      "series.meterid=meter.id where series.name = 'Ratio' and meter.serialnumber='4711' ORDER BY meter.recalid DESC";
+      "SELECT TOP 1 series.*, meter.recalid, meter.serialnumberadjusted from series left join "
+      "meter on "
+      "series.meterid=meter.id where series.name = 'Ratio' and meter.serialnumber='4711' ORDER BY "
+      "meter.recalid DESC";
   script_->answer(lookUp, {{"id", "meterid", "recalid", "serialnumberadjusted"},
                            {{std::int64_t{7}, std::int64_t{3}, std::int64_t{2}, Value()}}});
-  script_->answer("Select roshko, strouhal from raw1 where seriesID = 7", test::pointRows({{1, 2}, {3, 4}}));
+  script_->answer("Select roshko, strouhal from raw1 where seriesID = 7",
+                  test::pointRows({{1, 2}, {3, 4}}));
   data_.Unattended = true;
   bool isEmpty = false;
   double from = 0;
@@ -161,32 +178,38 @@ TEST_F(statement_texts, of_determineFittedCurve) {
              "read Select roshko, strouhal from raw3 where seriesID = 7",
              "read Select roshko, strouhal from raw4 where seriesID = 7"});
   data_.determineFittedCurve("Ratio", "4711", isEmpty, from, to, "X", "Y", false, -2);
-  expectOwn({"read SELECT series.*, meter.recalid, meter.serialnumberadjusted from series left join meter on "
-             "series.meterid=meter.id where series.name = 'Ratio' and meter.serialnumber='4711' and "
-             "meter.recalid=-2"});
+  expectOwn(
+      {"read SELECT series.*, meter.recalid, meter.serialnumberadjusted from series left join "
+       "meter on "
+       "series.meterid=meter.id where series.name = 'Ratio' and meter.serialnumber='4711' and "
+       "meter.recalid=-2"});
 }
 
 TEST_F(statement_texts, of_SetFitted) {
   haveSeries();
   data_.SetFitted("Ratio", "4711", {{5, 6}, {7, 8}}, {{1, 2}, {3, 4}}, "report", false);
   expectOwn({"read " + latestSeries, "execute DELETE from curve where seriesID = 7",
-             "execute DELETE from DataFitResults where seriesID = 7", "execute DELETE from merge where seriesid = 7",
+             "execute DELETE from DataFitResults where seriesID = 7",
+             "execute DELETE from merge where seriesid = 7",
              "batch Select * from curve where seriesID = 7", "add seriesID=7 Roshko=1 Strouhal=2",
              "add seriesID=7 Roshko=3 Strouhal=4", "update batch",
-             "cursor 2 lock 3 Select * from DataFitResults where seriesID = 7", "add seriesID=7 summary=report",
-             "batch Select * from merge where seriesid = 7", "add seriesID=7 Roshko=5 Strouhal=6",
-             "add seriesID=7 Roshko=7 Strouhal=8", "update batch"});
+             "cursor 2 lock 3 Select * from DataFitResults where seriesID = 7",
+             "add seriesID=7 summary=report", "batch Select * from merge where seriesid = 7",
+             "add seriesID=7 Roshko=5 Strouhal=6", "add seriesID=7 Roshko=7 Strouhal=8",
+             "update batch"});
 }
 
 TEST_F(statement_texts, of_getFittedCurve) {
   haveSeries();
-  const std::vector<std::string> others{"read Select roshko, strouhal from merge where seriesID = 7",
-                                        "read Select summary from datafitresults where seriesID = 7"};
+  const std::vector<std::string> others{
+      "read Select roshko, strouhal from merge where seriesID = 7",
+      "read Select summary from datafitresults where seriesID = 7"};
   data_.getFittedCurve("Ratio", "4711");
-  expectOwn({"read " + latestSeries, "read Select roshko, strouhal from curve where seriesID = 7", others[0],
-             others[1]});
+  expectOwn({"read " + latestSeries, "read Select roshko, strouhal from curve where seriesID = 7",
+             others[0], others[1]});
   data_.getFittedCurve("Ratio", "4711", {}, -1, true);
-  expectOwn({"read " + latestSeries, "read Select roshko, strouhal from curve where seriesID = 7 ORDER BY Strouhal ASC",
+  expectOwn({"read " + latestSeries,
+             "read Select roshko, strouhal from curve where seriesID = 7 ORDER BY Strouhal ASC",
              others[0], others[1]});
 }
 
@@ -224,9 +247,11 @@ TEST_F(statement_texts, of_importCaldb) {
   script_->answer("Select * from Operator where name = 'Unknown'", {});
   haveId("Select * from Operator where name = 'Unknown'", 5);
   haveId("Select ID from CalSetup where meterID=3 ORDER BY stand, ID ASC", 9);
-  script_->answer("Select DISTINCT JobRecordID from CalDataPoint where CalSetupID=9 ORDER BY JobRecordID ASC",
-                  {{"JobRecordID"}, {{std::int64_t{1001}}}});
-  for (const auto& [name, id] : std::map<std::string, int>{{"Rotor A", 7}, {"Rotor B", 8}, {"Rotor Sum", 10}, {"Ratio", 11}}) {
+  script_->answer(
+      "Select DISTINCT JobRecordID from CalDataPoint where CalSetupID=9 ORDER BY JobRecordID ASC",
+      {{"JobRecordID"}, {{std::int64_t{1001}}}});
+  for (const auto& [name, id] : std::map<std::string, int>{
+           {"Rotor A", 7}, {"Rotor B", 8}, {"Rotor Sum", 10}, {"Ratio", 11}}) {
     haveId("select * from series where name = '" + name + "' and meterid=3", id);
   }
   const auto standLog = std::make_shared<Log>();
@@ -243,19 +268,29 @@ TEST_F(statement_texts, of_importCaldb) {
                             "close"}));
   const std::string a = "[v4]/[v3]/[v5]*(1+((1.92E-05)*([v12]-70)))";
   const std::string b = "[v21]/[v20]/[v5]*(1+((1.92E-05)*([v12]-70)))";
-  const auto derived = [](int id, const std::string& roshko, const std::string& strouhal, const std::string& column) {
-    return "execute INSERT INTO Raw1 ( seriesID,   Roshko,   Strouhal ) SELECT " + std::to_string(id) +
-           " AS SeriesID, " + roshko + " AS Roshko, " + strouhal + " AS Strouhal FROM CalDataPoint WHERE "
-           "(((CalDataPoint." + column + ")=9));";
+  const auto derived = [](int id, const std::string& roshko, const std::string& strouhal,
+                          const std::string& column) {
+    return "execute INSERT INTO Raw1 ( seriesID,   Roshko,   Strouhal ) SELECT " +
+           std::to_string(id) + " AS SeriesID, " + roshko + " AS Roshko, " + strouhal +
+           " AS Strouhal FROM CalDataPoint WHERE "
+           "(((CalDataPoint." +
+           column + ")=9));";
   };
-  expectOwn({"read " + latestMeter, "read " + setup, "read Select * from fluids where name = 'Oil'",
+  expectOwn({"read " + latestMeter,
+             "read " + setup,
+             "read Select * from fluids where name = 'Oil'",
              "read Select * from Operator where name = 'Unknown'",
-             "execute Insert into Operator (Name) VALUES ('Unknown')", "requery",
-             "execute Insert into Calsetup (meterID,Stand,MeterPosition,OperatorID,FluidID,DateTaken) VALUES"
-             "(3,1,2,5,4,#" + todayText() + "#)",
-             "requery", "execute Delete * from CalDataPoint where CalDataPoint.calsetupid=9",
+             "execute Insert into Operator (Name) VALUES ('Unknown')",
+             "requery",
+             "execute Insert into Calsetup "
+             "(meterID,Stand,MeterPosition,OperatorID,FluidID,DateTaken) VALUES"
+             "(3,1,2,5,4,#" +
+                 todayText() + "#)",
+             "requery",
+             "execute Delete * from CalDataPoint where CalDataPoint.calsetupid=9",
              "read Select ID from CalSetup where meterID=3 ORDER BY stand, ID ASC",
-             "read Select DISTINCT JobRecordID from CalDataPoint where CalSetupID=9 ORDER BY JobRecordID ASC",
+             "read Select DISTINCT JobRecordID from CalDataPoint where CalSetupID=9 ORDER BY "
+             "JobRecordID ASC",
              "read select * from series where name = 'Rotor A' and meterid=3",
              "execute Delete From Raw1 where seriesID=7",
              derived(7, a, "([v4]/[v3])/([v2]/[v1])*(1+((2.88E-05)*([v12]-70)))", "calSetupID"),

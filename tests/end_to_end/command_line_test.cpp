@@ -14,11 +14,13 @@ class command_line : public CommandTest {};
 
 TEST_F(command_line, helps_and_tells_the_exit_codes) {
   const std::string help = done({"--help"}).output;
-  for (const char* command : {"init", "import", "raw", "fit", "show", "calibrate", "delete", "history", "restore", "doctor"}) {
+  for (const char* command : {"init", "import", "raw", "fit", "show", "calibrate", "delete",
+                              "history", "restore", "doctor"}) {
     EXPECT_THAT(help, HasSubstr(command));
     EXPECT_THAT(done({command, "--help"}).output, HasSubstr("CURVES")) << command;
   }
-  EXPECT_THAT(help, AllOf(HasSubstr("0 done"), HasSubstr("7 range outside"), HasSubstr("8 not confirmed")));
+  EXPECT_THAT(
+      help, AllOf(HasSubstr("0 done"), HasSubstr("7 range outside"), HasSubstr("8 not confirmed")));
 }
 
 TEST_F(command_line, has_help_of_80_columns) {
@@ -61,14 +63,18 @@ TEST_F(command_line, names_what_it_does_not_know_rather_than_what_is_missing_for
               HasSubstr("'pelmora show' has no option '--metr'; did you mean '--meter'?"));
   EXPECT_THAT(trouble(2, {"fit", curves, "--meter", "P", "--seris=X"}),
               HasSubstr("'pelmora fit' has no option '--seris'; did you mean '--series'?"));
-  EXPECT_THAT(trouble(2, {"--vresion"}), HasSubstr("'pelmora' has no option '--vresion'; did you mean '--version'?"));
-  EXPECT_THAT(trouble(2, {"show", curves, "P"}), HasSubstr("'P' is one argument too many for 'pelmora show'; see"));
+  EXPECT_THAT(trouble(2, {"--vresion"}),
+              HasSubstr("'pelmora' has no option '--vresion'; did you mean '--version'?"));
+  EXPECT_THAT(trouble(2, {"show", curves, "P"}),
+              HasSubstr("'P' is one argument too many for 'pelmora show'; see"));
 }
 
 TEST_F(command_line, has_colour_on_a_terminal_unless_the_user_wants_none) {
   const auto onTerminal = [&](const std::string& environment) {
-    const std::string program = "env " + environment + " " + PELMORA_PROGRAM + " show " + scratch.file("none.db");
-    const std::string line = "script -qec '" + program + "' " + scratch.file("terminal") + " >/dev/null 2>&1";
+    const std::string program =
+        "env " + environment + " " + PELMORA_PROGRAM + " show " + scratch.file("none.db");
+    const std::string line =
+        "script -qec '" + program + "' " + scratch.file("terminal") + " >/dev/null 2>&1";
     EXPECT_NE(std::system(line.c_str()), 0);
     return contentsOf(scratch.file("terminal"));
   };

@@ -15,12 +15,14 @@ class doctor : public CommandTest {
   doctor() {
     init();
     done(twoFluids());
-    done({"raw", curves, write("p.csv", "1,2\n3,4\n5,6\n"), "--meter", "P", "--register", "--series", "S"});
+    done({"raw", curves, write("p.csv", "1,2\n3,4\n5,6\n"), "--meter", "P", "--register",
+          "--series", "S"});
   }
   void execute(const std::string& sql) const {
     sqlite3* database = nullptr;
     ASSERT_EQ(sqlite3_open(curves.c_str(), &database), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(database);
+    EXPECT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+        << sqlite3_errmsg(database);
     sqlite3_close(database);
   }
   [[nodiscard]] int count(const std::string& from) const {
@@ -55,16 +57,18 @@ class doctor : public CommandTest {
 
 TEST_F(doctor, finds_nothing_wrong_after_the_commands_of_a_calibration) {
   EXPECT_THAT(done({"doctor", curves}).output, HasSubstr("Nothing is wrong"));
-  done({"fit", curves, "--meter", "M1", "--series", "Rotor A", "--min", "2", "--max", "1000", "--band", "0.5"});
+  done({"fit", curves, "--meter", "M1", "--series", "Rotor A", "--min", "2", "--max", "1000",
+        "--band", "0.5"});
   done({"delete", curves, "--meter", "M1", "--series", "Ratio", "--yes"});
   done({"restore", curves, "2"});
   EXPECT_EQ(examined(0)["findings"].size(), 0U);
 }
 
 TEST_F(doctor, finds_points_that_are_no_finite_numbers) {
-  execute("UPDATE raw1 SET Strouhal = NULL WHERE seriesID = 5 AND Roshko = 3;"
-          "UPDATE raw1 SET Roshko = 9e999 WHERE seriesID = 5 AND Roshko = 5;"
-          "UPDATE curve SET Strouhal = 'thick' WHERE seriesID = 1 AND rowid = 1");
+  execute(
+      "UPDATE raw1 SET Strouhal = NULL WHERE seriesID = 5 AND Roshko = 3;"
+      "UPDATE raw1 SET Roshko = 9e999 WHERE seriesID = 5 AND Roshko = 5;"
+      "UPDATE curve SET Strouhal = 'thick' WHERE seriesID = 1 AND rowid = 1");
   const auto found = finding("unusable-numbers", "error");
   EXPECT_EQ(found["count"], 3);
   EXPECT_EQ(found["repairable"], false);
@@ -74,20 +78,26 @@ TEST_F(doctor, finds_points_that_are_no_finite_numbers) {
 }
 
 TEST_F(doctor, finds_series_and_calibrations_of_the_same_name) {
-  execute("INSERT INTO series (name, meterid) VALUES ('rotor a', 1); INSERT INTO raw1 VALUES (6, 1, 2)");
-  EXPECT_EQ(finding("duplicate-series", "error")["example"], "series 'Rotor A' of meter 'M1', calibration 0");
-  execute("DELETE FROM series WHERE ID = 6; DELETE FROM raw1 WHERE seriesID = 6;"
-          "INSERT INTO meter (SerialNumber, ReCalID) VALUES ('m1', 0)");
+  execute(
+      "INSERT INTO series (name, meterid) VALUES ('rotor a', 1); INSERT INTO raw1 VALUES (6, 1, "
+      "2)");
+  EXPECT_EQ(finding("duplicate-series", "error")["example"],
+            "series 'Rotor A' of meter 'M1', calibration 0");
+  execute(
+      "DELETE FROM series WHERE ID = 6; DELETE FROM raw1 WHERE seriesID = 6;"
+      "INSERT INTO meter (SerialNumber, ReCalID) VALUES ('m1', 0)");
   EXPECT_EQ(finding("duplicate-calibrations", "error")["count"], 1);
 }
 
 TEST_F(doctor, finds_series_without_points) {
   execute("INSERT INTO series (name, meterid) VALUES ('Empty', 2)");
-  EXPECT_EQ(finding("series-without-points", "warning")["example"], "series 'Empty' of meter 'P', calibration 0");
+  EXPECT_EQ(finding("series-without-points", "warning")["example"],
+            "series 'Empty' of meter 'P', calibration 0");
 }
 
 TEST_F(doctor, finds_curves_whose_raw_points_have_changed) {
-  done({"raw", curves, write("q.csv", "1,3\n2,5\n"), "--meter", "M1", "--series", "Rotor A", "--part", "2"});
+  done({"raw", curves, write("q.csv", "1,3\n2,5\n"), "--meter", "M1", "--series", "Rotor A",
+        "--part", "2"});
   const auto found = finding("outdated-curves", "warning");
   EXPECT_EQ(found["count"], 1);
   EXPECT_EQ(found["example"], "series 'Rotor A' of meter 'M1', calibration 0");
@@ -96,8 +106,10 @@ TEST_F(doctor, finds_curves_whose_raw_points_have_changed) {
 }
 
 TEST_F(doctor, finds_curves_that_do_not_know_a_raw_part) {
-  done({"raw", curves, write("q.csv", "1,3\n2,5\n"), "--meter", "M1", "--series", "Rotor B", "--part", "3"});
-  EXPECT_EQ(finding("outdated-curves", "warning")["example"], "series 'Rotor B' of meter 'M1', calibration 0");
+  done({"raw", curves, write("q.csv", "1,3\n2,5\n"), "--meter", "M1", "--series", "Rotor B",
+        "--part", "3"});
+  EXPECT_EQ(finding("outdated-curves", "warning")["example"],
+            "series 'Rotor B' of meter 'M1', calibration 0");
 }
 
 TEST_F(doctor, removes_orphaned_rows_and_keeps_them) {
@@ -129,7 +141,8 @@ TEST_F(doctor, removes_everything_of_a_missing_calibration) {
 }
 
 TEST_F(doctor, tells_rows_that_belong_to_nothing) {
-  execute("INSERT INTO raw3 VALUES (NULL, 1, 2); INSERT INTO CalDataPoint (CalSetupID) VALUES (77)");
+  execute(
+      "INSERT INTO raw3 VALUES (NULL, 1, 2); INSERT INTO CalDataPoint (CalSetupID) VALUES (77)");
   EXPECT_EQ(finding("stray-rows", "warning")["count"], 2);
 }
 
@@ -150,7 +163,8 @@ TEST_F(doctor, shows_a_table_of_80_columns_and_one_line_of_trouble) {
   const CommandResult result = run({"doctor", curves});
   EXPECT_EQ(result.exitCode, 5);
   EXPECT_THAT(result.error, HasSubstr("has problems"));
-  EXPECT_THAT(result.output, AllOf(HasSubstr("unusable-numbers"), HasSubstr("--repair"), HasSubstr("Remedy:")));
+  EXPECT_THAT(result.output,
+              AllOf(HasSubstr("unusable-numbers"), HasSubstr("--repair"), HasSubstr("Remedy:")));
   std::istringstream lines(result.output);
   for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 80U) << line;
   EXPECT_THAT(trouble(2, {"doctor", curves, "--dry-run"}), HasSubstr("--repair"));

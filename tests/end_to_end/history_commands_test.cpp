@@ -16,7 +16,8 @@ class history_commands : public CommandTest {
     for (const char* points : {"1,2\n3,4\n", "5,6\n7,8\n9,10\n", "11,12\n"}) store(points);
   }
   CommandResult store(const std::string& points, const std::string& series = "S") const {
-    return done({"raw", curves, write("p.csv", points), "--meter", "P", "--register", "--series", series});
+    return done(
+        {"raw", curves, write("p.csv", points), "--meter", "P", "--register", "--series", series});
   }
   [[nodiscard]] nlohmann::json show(const std::string& series = "S") const {
     return done({"show", curves, "--meter", "P", "--series", series, "--json"}).json();
@@ -32,7 +33,8 @@ class history_commands : public CommandTest {
   }
   void expect80Columns(const std::string& text) const {
     std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 80U + scratch.path().string().size()) << line;
+    for (std::string line; std::getline(lines, line);)
+      EXPECT_LE(line.size(), 80U + scratch.path().string().size()) << line;
   }
 };
 
@@ -44,7 +46,8 @@ TEST_F(history_commands, list_what_was_replaced_newest_first) {
   EXPECT_EQ(list[1]["command"], "raw");
   EXPECT_EQ(list[1]["meter"], "P");
   EXPECT_EQ(list[1]["series"], "S");
-  EXPECT_THAT(list[1]["changedAt"].get<std::string>(), testing::MatchesRegex("....-..-..T..:..:..Z"));
+  EXPECT_THAT(list[1]["changedAt"].get<std::string>(),
+              testing::MatchesRegex("....-..-..T..:..:..Z"));
   const std::string text = done({"history", curves}).output;
   EXPECT_THAT(text, AllOf(HasSubstr("Raw"), HasSubstr("pelmora restore")));
   expect80Columns(text);
@@ -89,7 +92,8 @@ TEST_F(history_commands, restore_names_what_it_cannot_do) {
 TEST_F(history_commands, restore_several_entries_or_none) {
   done({"delete", curves, "--meter", "P", "--series", "S", "--yes"});
   trouble(4, {"restore", curves, "3", "99"});
-  EXPECT_THAT(trouble(4, {"show", curves, "--meter", "P", "--series", "S"}), HasSubstr("no series"));
+  EXPECT_THAT(trouble(4, {"show", curves, "--meter", "P", "--series", "S"}),
+              HasSubstr("no series"));
   done({"restore", curves, "3", "1"});
   EXPECT_EQ(raw().size(), 2U);
 }
@@ -97,8 +101,10 @@ TEST_F(history_commands, restore_several_entries_or_none) {
 TEST_F(history_commands, delete_a_series_and_bring_it_back) {
   store("1,1\n2,2\n", "T");
   const auto before = show();
-  EXPECT_THAT(done({"delete", curves, "--meter", "P", "--series", "S", "--yes"}).output, HasSubstr("Deleted."));
-  EXPECT_THAT(trouble(4, {"show", curves, "--meter", "P", "--series", "S"}), HasSubstr("no series 'S'"));
+  EXPECT_THAT(done({"delete", curves, "--meter", "P", "--series", "S", "--yes"}).output,
+              HasSubstr("Deleted."));
+  EXPECT_THAT(trouble(4, {"show", curves, "--meter", "P", "--series", "S"}),
+              HasSubstr("no series 'S'"));
   EXPECT_EQ(show("T")["raw"][0].size(), 2U);
   done({"restore", curves, "3"});
   EXPECT_EQ(show(), before);
@@ -109,8 +115,10 @@ TEST_F(history_commands, delete_a_calibration_or_a_whole_meter) {
   done(twoFluids({"--new-calibration"}));
   const auto all = done({"show", curves, "--json"}).json();
   done({"delete", curves, "--meter", "M1", "--calibration", "0", "--yes"});
-  EXPECT_THAT(trouble(4, {"show", curves, "--meter", "M1", "--calibration", "0"}), HasSubstr("no calibration 0"));
-  const auto gone = done({"delete", curves, "--meter", "M1", "--whole-meter", "--yes", "--json"}).json();
+  EXPECT_THAT(trouble(4, {"show", curves, "--meter", "M1", "--calibration", "0"}),
+              HasSubstr("no calibration 0"));
+  const auto gone =
+      done({"delete", curves, "--meter", "M1", "--whole-meter", "--yes", "--json"}).json();
   EXPECT_EQ(gone["deleted"].size(), 1U);
   EXPECT_EQ(gone["deleted"][0]["rows"]["standPoints"], 48);
   EXPECT_THAT(trouble(4, {"show", curves, "--meter", "M1"}), HasSubstr("no meter"));
@@ -120,7 +128,8 @@ TEST_F(history_commands, delete_a_calibration_or_a_whole_meter) {
 
 TEST_F(history_commands, delete_says_what_would_go) {
   const std::string before = contentsOf(curves);
-  const auto value = done({"delete", curves, "--meter", "P", "--series", "S", "--dry-run", "--json"}).json();
+  const auto value =
+      done({"delete", curves, "--meter", "P", "--series", "S", "--dry-run", "--json"}).json();
   EXPECT_EQ(value["deleted"][0]["rows"]["raw1"], 1);
   EXPECT_EQ(value["dryRun"], true);
   EXPECT_EQ(contentsOf(curves), before);
@@ -130,16 +139,18 @@ TEST_F(history_commands, delete_needs_to_be_told_what) {
   EXPECT_THAT(trouble(2, {"delete", curves, "--meter", "P"}), HasSubstr("--whole-meter"));
   EXPECT_THAT(trouble(2, {"delete", curves, "--meter", "P", "--whole-meter", "--series", "S"}),
               HasSubstr("--whole-meter deletes all"));
-  EXPECT_THAT(trouble(4, {"delete", curves, "--meter", "P", "--series", "Sx", "--yes"}), HasSubstr("no series 'Sx'"));
+  EXPECT_THAT(trouble(4, {"delete", curves, "--meter", "P", "--series", "Sx", "--yes"}),
+              HasSubstr("no series 'Sx'"));
 }
 
 // A terminal for the program; what is typed comes from `answer`.
 class asked_on_a_terminal : public history_commands {
  protected:
   [[nodiscard]] int answerWith(const std::string& answer) const {
-    const std::string command = std::string(PELMORA_PROGRAM) + " delete " + curves + " --meter P --series S";
-    const std::string line = "printf '" + answer + "\\n' | script -qec '" + command + "' " + scratch.file("terminal") +
-                             " >/dev/null 2>&1";
+    const std::string command =
+        std::string(PELMORA_PROGRAM) + " delete " + curves + " --meter P --series S";
+    const std::string line = "printf '" + answer + "\\n' | script -qec '" + command + "' " +
+                             scratch.file("terminal") + " >/dev/null 2>&1";
     const int status = std::system(line.c_str());
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }
@@ -148,11 +159,13 @@ class asked_on_a_terminal : public history_commands {
 TEST_F(asked_on_a_terminal, delete_goes_on_with_yes_alone) {
   const auto before = raw();
   EXPECT_EQ(answerWith("n"), 8);
-  EXPECT_THAT(contentsOf(scratch.file("terminal")), AllOf(HasSubstr("Delete this? [y/N]"), HasSubstr("not confirmed")));
+  EXPECT_THAT(contentsOf(scratch.file("terminal")),
+              AllOf(HasSubstr("Delete this? [y/N]"), HasSubstr("not confirmed")));
   EXPECT_EQ(answerWith(""), 8);
   EXPECT_EQ(raw(), before);
   EXPECT_EQ(answerWith("y"), 0);
-  EXPECT_THAT(trouble(4, {"show", curves, "--meter", "P", "--series", "S"}), HasSubstr("no series"));
+  EXPECT_THAT(trouble(4, {"show", curves, "--meter", "P", "--series", "S"}),
+              HasSubstr("no series"));
 }
 
 TEST_F(history_commands, delete_asks_nobody_who_is_not_there) {
@@ -162,7 +175,8 @@ TEST_F(history_commands, delete_asks_nobody_who_is_not_there) {
     arguments.insert(arguments.end(), more.begin(), more.end());
     EXPECT_EQ(run(arguments).exitCode, 2);
   }
-  EXPECT_THAT(trouble(2, {"delete", curves, "--meter", "P", "--series", "S", "--json"}), HasSubstr("--yes"));
+  EXPECT_THAT(trouble(2, {"delete", curves, "--meter", "P", "--series", "S", "--json"}),
+              HasSubstr("--yes"));
   EXPECT_EQ(contentsOf(curves), before);
 }
 
@@ -173,9 +187,13 @@ TEST_F(history_commands, prune_old_entries) {
   EXPECT_THAT(entries(), ElementsAre(2, 1));
   done({"history", curves, "--prune", "--older-than", "1", "--yes"});
   EXPECT_THAT(entries(), ElementsAre(2, 1));
-  EXPECT_THAT(done({"history", curves, "--prune", "--keep", "1", "--dry-run"}).output, HasSubstr("Dry run"));
+  EXPECT_THAT(done({"history", curves, "--prune", "--keep", "1", "--dry-run"}).output,
+              HasSubstr("Dry run"));
   EXPECT_THAT(entries(), ElementsAre(2, 1));
-  EXPECT_EQ(done({"history", curves, "--prune", "--keep", "1", "--yes", "--json"}).json()["removed"].size(), 1U);
+  EXPECT_EQ(done({"history", curves, "--prune", "--keep", "1", "--yes", "--json"})
+                .json()["removed"]
+                .size(),
+            1U);
   EXPECT_THAT(entries(), ElementsAre(2));
   EXPECT_EQ(trouble(4, {"restore", curves, "1"}).empty(), false);
 }

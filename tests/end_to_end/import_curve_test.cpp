@@ -12,7 +12,8 @@ class import_curve : public CommandTest {
  protected:
   import_curve() {
     init();
-    done({"raw", curves, write("points.csv", "1,2\n3,4\n"), "--meter", "M1", "--register", "--series", "S"});
+    done({"raw", curves, write("points.csv", "1,2\n3,4\n"), "--meter", "M1", "--register",
+          "--series", "S"});
   }
   std::string results(const std::string& points) const {
     return write("results.txt", "one\r\ntwo\r\nthree\r\n" + points);
@@ -37,7 +38,8 @@ class import_curve : public CommandTest {
 
 TEST_F(import_curve, stores_the_points_and_keeps_the_file_under_another_name) {
   const std::string file = results("20.5 6\r\n10.25   5\r\n");
-  EXPECT_THAT(done(command(file)).output, AllOf(HasSubstr("Read 2 points"), HasSubstr("results.txt.sav")));
+  EXPECT_THAT(done(command(file)).output,
+              AllOf(HasSubstr("Read 2 points"), HasSubstr("results.txt.sav")));
   EXPECT_FALSE(std::filesystem::exists(file));
   EXPECT_THAT(contentsOf(file + ".sav"), HasSubstr("20.5 6"));
   EXPECT_THAT(stored().dump(), AllOf(HasSubstr("10.25"), HasSubstr("20.5")));
@@ -56,11 +58,15 @@ TEST_F(import_curve, refuses_a_file_with_a_text_for_a_number) {
   expectRefused(5, results("10 five\r\n20 6\r\n"), "Type mismatch");
 }
 
-TEST_F(import_curve, refuses_a_file_of_headers_alone) { expectRefused(5, results(""), "results.txt"); }
+TEST_F(import_curve, refuses_a_file_of_headers_alone) {
+  expectRefused(5, results(""), "results.txt");
+}
 
 TEST_F(import_curve, refuses_a_single_point) { expectRefused(5, results("10 5\r\n"), "1 point"); }
 
-TEST_F(import_curve, refuses_a_decimal_comma) { expectRefused(5, results("10,5 5\r\n20 6\r\n"), "Type mismatch"); }
+TEST_F(import_curve, refuses_a_decimal_comma) {
+  expectRefused(5, results("10,5 5\r\n20 6\r\n"), "Type mismatch");
+}
 
 TEST_F(import_curve, refuses_a_missing_file) {
   EXPECT_THAT(trouble(5, command(scratch.file("nothing.txt"))), HasSubstr("nothing.txt"));
@@ -68,7 +74,8 @@ TEST_F(import_curve, refuses_a_missing_file) {
 
 TEST_F(import_curve, refuses_an_unknown_series_and_leaves_the_file) {
   const std::string file = results("10 5\r\n20 6\r\n");
-  EXPECT_THAT(trouble(4, {"import-curve", curves, file, "--meter", "M1", "--series", "T"}), HasSubstr("'T'"));
+  EXPECT_THAT(trouble(4, {"import-curve", curves, file, "--meter", "M1", "--series", "T"}),
+              HasSubstr("'T'"));
   EXPECT_TRUE(std::filesystem::exists(file));
 }
 

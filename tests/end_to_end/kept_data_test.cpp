@@ -19,8 +19,8 @@ std::string dump(const std::string& path) {
   std::string text;
   sqlite3* database = nullptr;
   EXPECT_EQ(sqlite3_open(path.c_str(), &database), SQLITE_OK);
-  for (const char* table : {"meter", "series", "raw1", "raw2", "raw3", "raw4", "merge", "curve", "DataFitResults",
-                            "CalSetup", "CalDataPoint", "Fluids", "Operator"}) {
+  for (const char* table : {"meter", "series", "raw1", "raw2", "raw3", "raw4", "merge", "curve",
+                            "DataFitResults", "CalSetup", "CalDataPoint", "Fluids", "Operator"}) {
     text += std::string(table) + "\n";
     sqlite3_stmt* statement = nullptr;
     const std::string sql = "SELECT * FROM \"" + std::string(table) + "\"";
@@ -43,17 +43,18 @@ class kept_data : public CommandTest {
   kept_data() {
     init();
     done(twoFluids());
-    done({"raw", curves, write("p.csv", "1,2\n3,4\n5,6\n"), "--meter", "P", "--register", "--series", "S"});
+    done({"raw", curves, write("p.csv", "1,2\n3,4\n5,6\n"), "--meter", "P", "--register",
+          "--series", "S"});
   }
   // Every command that replaces stored data here.
   [[nodiscard]] std::vector<Arguments> changes() const {
     return {{"raw", curves, write("q.csv", "1,3\n2,5\n"), "--meter", "P", "--series", "S"},
             {"fit", curves, "--meter", "M1", "--series", "Rotor A", "--band", "0.5"},
             twoFluids(),
-            {"import", curves, "--meter", "M1", "--stand", data("stand-dual-rotor.csv"), "--job", "1002", "--fluid",
-             "spirit"},
-            {"import-curve", curves, write("r.txt", "a\r\nb\r\nc\r\n1 2\r\n2 3\r\n"), "--meter", "M1", "--series",
-             "Rotor A"}};
+            {"import", curves, "--meter", "M1", "--stand", data("stand-dual-rotor.csv"), "--job",
+             "1002", "--fluid", "spirit"},
+            {"import-curve", curves, write("r.txt", "a\r\nb\r\nc\r\n1 2\r\n2 3\r\n"), "--meter",
+             "M1", "--series", "Rotor A"}};
   }
   static Arguments with(Arguments arguments, const std::string& option) {
     arguments.push_back(option);
@@ -78,7 +79,8 @@ TEST_F(kept_data, comes_back_bit_by_bit_after_every_command) {
     const auto ofCommand = sorted(dump(curves));
     auto expected = sorted(before);
     // A set-up's fluid and operator are names that stay known.
-    EXPECT_TRUE(std::includes(ofCommand.begin(), ofCommand.end(), expected.begin(), expected.end())) << change[0];
+    EXPECT_TRUE(std::includes(ofCommand.begin(), ofCommand.end(), expected.begin(), expected.end()))
+        << change[0];
     EXPECT_LE(ofCommand.size(), expected.size() + 2) << change[0];
   }
 }
@@ -90,7 +92,9 @@ TEST_F(kept_data, is_told_where_a_command_ends) {
 }
 
 TEST_F(kept_data, is_none_where_nothing_was_replaced) {
-  const auto value = done({"raw", curves, scratch.file("p.csv"), "--meter", "P", "--series", "New", "--json"}).json();
+  const auto value =
+      done({"raw", curves, scratch.file("p.csv"), "--meter", "P", "--series", "New", "--json"})
+          .json();
   EXPECT_EQ(value["historyEntries"].size(), 0U);
 }
 
@@ -100,7 +104,8 @@ TEST_F(kept_data, dry_runs_say_the_same_and_change_nothing) {
     const auto dry = done(with(with(change, "--dry-run"), "--json")).json();
     EXPECT_EQ(dry["dryRun"], true) << change[0];
     EXPECT_EQ(dry["historyEntries"].size(), 0U) << change[0];
-    EXPECT_THAT(done(with(change, "--dry-run")).output, AllOf(HasSubstr("nothing was changed"), Not(HasSubstr("Stored"))))
+    EXPECT_THAT(done(with(change, "--dry-run")).output,
+                AllOf(HasSubstr("nothing was changed"), Not(HasSubstr("Stored"))))
         << change[0];
     EXPECT_EQ(contentsOf(curves), before) << change[0];
     auto wet = done(with(change, "--json")).json();
@@ -124,8 +129,9 @@ TEST_F(kept_data, is_kept_in_a_database_that_has_no_history_yet) {
     *static_cast<std::string*>(text) += "DROP TABLE " + std::string(values[0]) + ";";
     return 0;
   };
-  sqlite3_exec(database, "SELECT name FROM sqlite_master WHERE name LIKE 'pelmora_history%' AND type='table'", collect,
-               &drops, nullptr);
+  sqlite3_exec(database,
+               "SELECT name FROM sqlite_master WHERE name LIKE 'pelmora_history%' AND type='table'",
+               collect, &drops, nullptr);
   ASSERT_EQ(sqlite3_exec(database, drops.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
   sqlite3_close(database);
   const std::string before = dump(curves);
@@ -161,7 +167,8 @@ TEST_F(kept_data, stays_whole_where_the_program_is_killed) {
   int killed = 0;
   for (int wait_us = 2000; wait_us < 400000; wait_us = wait_us * 4 / 3) {
     std::vector<char*> arguments{const_cast<char*>(PELMORA_PROGRAM)};
-    for (const std::string& argument : change) arguments.push_back(const_cast<char*>(argument.c_str()));
+    for (const std::string& argument : change)
+      arguments.push_back(const_cast<char*>(argument.c_str()));
     arguments.push_back(nullptr);
     const pid_t process = fork();
     if (process == 0) {

@@ -90,9 +90,10 @@ TEST_F(locked_database, can_be_read_while_another_process_is_about_to_write) {
   EXPECT_EQ(show()["raw"][0].size(), 2U);
   EXPECT_THAT(trouble(3, {"raw", curves, scratch.file("p.csv"), "--meter", "P", "--series", "S"}),
               AllOf(HasSubstr("cannot be written now"), HasSubstr("nothing was changed")));
-  for (const Arguments& command : std::vector<Arguments>{{"restore", curves, "1"},
-                                                         {"delete", curves, "--meter", "P", "--series", "S", "--yes"},
-                                                         {"doctor", curves, "--repair"}}) {
+  for (const Arguments& command :
+       std::vector<Arguments>{{"restore", curves, "1"},
+                              {"delete", curves, "--meter", "P", "--series", "S", "--yes"},
+                              {"doctor", curves, "--repair"}}) {
     EXPECT_THAT(trouble(3, command), HasSubstr("nothing was changed")) << command[0];
   }
   done({"doctor", curves});

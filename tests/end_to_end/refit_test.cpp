@@ -120,12 +120,14 @@ TEST_F(refit, uses_the_equations_of_a_curve_for_no_other_series) {
     bring(meter, kept, -1);  // falling, as ratios must
     bring(meter, other, -1);
     const std::string serialNumber = "G" + std::to_string(meter);
-    done({"fit", curves, "--meter", serialNumber, "--series", kept, "--equations", own, "--band", "2"});
-    return done({"refit", curves, "--meter", serialNumber, "--series", kept, "--series", other, "--series", kept,
-                 "--jobs", "1", "--json"})
+    done({"fit", curves, "--meter", serialNumber, "--series", kept, "--equations", own, "--band",
+          "2"});
+    return done({"refit", curves, "--meter", serialNumber, "--series", kept, "--series", other,
+                 "--series", kept, "--jobs", "1", "--json"})
         .json()["series"];
   };
-  for (const json& series : {refitted(0, "A", "Ratio"), refitted(1, "Ratio", "A"), refitted(2, "A", "B")}) {
+  for (const json& series :
+       {refitted(0, "A", "Ratio"), refitted(1, "Ratio", "A"), refitted(2, "A", "B")}) {
     EXPECT_EQ(series[0]["equation"], "Own line");
     EXPECT_EQ(series[1]["outcome"], "added") << series;
     EXPECT_NE(series[1]["equation"], "Own line");

@@ -31,7 +31,8 @@ class report_command : public CommandTest {
   void change(const std::string& sql) const {
     sqlite3* database = nullptr;
     ASSERT_EQ(sqlite3_open(curves.c_str(), &database), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(database);
+    EXPECT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+        << sqlite3_errmsg(database);
     sqlite3_close(database);
   }
   static std::vector<std::string> kinds(const nlohmann::json& series) {
@@ -45,7 +46,8 @@ TEST_F(report_command, writes_the_format_of_the_extension) {
   EXPECT_THAT(done(report(scratch.file("r.HTML"))).output, HasSubstr("4 series"));
   EXPECT_TRUE(contentsOf(scratch.file("r.HTML")).starts_with("<!DOCTYPE html>"));
   done(report(scratch.file("r.json")));
-  EXPECT_EQ(nlohmann::json::parse(contentsOf(scratch.file("r.json")))["schema"], "pelmora-report/1");
+  EXPECT_EQ(nlohmann::json::parse(contentsOf(scratch.file("r.json")))["schema"],
+            "pelmora-report/1");
   done(report(scratch.file("r.csv")));
   EXPECT_TRUE(contentsOf(scratch.file("r.csv")).starts_with("table,"));
   done(report(scratch.file("r.xlsx")));
@@ -68,10 +70,12 @@ TEST_F(report_command, takes_the_series_that_are_named) {
 
 TEST_F(report_command, refuses_what_is_no_file_to_write) {
   EXPECT_THAT(trouble(2, report(scratch.file(""), {"--json"})), HasSubstr("is a folder"));
-  EXPECT_THAT(trouble(2, report(scratch.file("none/r.html"))), HasSubstr("folder that is not there"));
+  EXPECT_THAT(trouble(2, report(scratch.file("none/r.html"))),
+              HasSubstr("folder that is not there"));
   EXPECT_THAT(trouble(2, report("/dev/null", {"--json"})), HasSubstr("no ordinary file"));
   EXPECT_THAT(trouble(2, report(scratch.file("r.doc"))), HasSubstr("does not tell a format"));
-  EXPECT_THAT(trouble(2, report(scratch.file("r"), {"--json", "--csv"})), HasSubstr("exclude each other"));
+  EXPECT_THAT(trouble(2, report(scratch.file("r"), {"--json", "--csv"})),
+              HasSubstr("exclude each other"));
 }
 
 TEST_F(report_command, never_writes_over_its_database) {
@@ -93,7 +97,8 @@ TEST_F(report_command, replaces_a_file_as_a_whole_and_keeps_its_rights) {
   struct stat state {};
   ASSERT_EQ(stat(file.c_str(), &state), 0);
   EXPECT_EQ(state.st_mode & 0777U, 0640U);
-  for (const auto& entry : std::filesystem::directory_iterator(std::filesystem::path(file).parent_path()))
+  for (const auto& entry :
+       std::filesystem::directory_iterator(std::filesystem::path(file).parent_path()))
     EXPECT_EQ(entry.path().string().find(".new-"), std::string::npos) << entry.path();
 }
 
@@ -105,8 +110,8 @@ TEST_F(report_command, leaves_the_old_file_where_the_report_fails) {
 
 TEST_F(report_command, repeats_a_fit_by_the_settings_that_were_kept) {
   const std::string equations = write("own.txt", "Third order\ta+b*ln(x)+c*ln(x)^2+d*ln(x)^3\n");
-  done({"fit", curves, "--meter", "M1", "--series", "Rotor A", "--min", "60", "--max", "900", "--band", "1",
-        "--points", "17", "--equations", equations});
+  done({"fit", curves, "--meter", "M1", "--series", "Rotor A", "--min", "60", "--max", "900",
+        "--band", "1", "--points", "17", "--equations", equations});
   std::filesystem::remove(equations);
   const auto series = model({"--series", "Rotor A"})["series"][0];
   EXPECT_EQ(series["chosen"], "Third order");
@@ -117,7 +122,8 @@ TEST_F(report_command, repeats_a_fit_by_the_settings_that_were_kept) {
 }
 
 TEST_F(report_command, reads_settings_that_were_not_kept_from_report_and_curve) {
-  done({"fit", curves, "--meter", "M1", "--series", "Rotor A", "--min", "60", "--max", "900", "--band", "1", "--points", "30"});
+  done({"fit", curves, "--meter", "M1", "--series", "Rotor A", "--min", "60", "--max", "900",
+        "--band", "1", "--points", "30"});
   change("DROP TABLE pelmora_fit_settings");
   const auto series = model({"--series", "Rotor A"})["series"][0];
   EXPECT_EQ(series["settings"]["kept"], false);
@@ -128,14 +134,17 @@ TEST_F(report_command, reads_settings_that_were_not_kept_from_report_and_curve) 
 }
 
 TEST_F(report_command, says_that_the_stored_curve_is_not_repeated) {
-  change("update curve set Strouhal = Strouhal * 1.001 where seriesID = (select ID from series where name = 'Rotor A')");
+  change(
+      "update curve set Strouhal = Strouhal * 1.001 where seriesID = (select ID from series where "
+      "name = 'Rotor A')");
   const auto series = model({"--series", "Rotor A"})["series"][0];
   EXPECT_THAT(kinds(series), testing::Contains("notRepeated"));
   EXPECT_TRUE(series["curve"][0]["confidenceHalfWidth"].is_null());
 }
 
 TEST_F(report_command, shows_a_series_without_points_or_curve) {
-  done({"raw", curves, data("real-vortex-shedding-strouhal.csv"), "--meter", "M1", "--series", "Shedding", "--where", "set=2"});
+  done({"raw", curves, data("real-vortex-shedding-strouhal.csv"), "--meter", "M1", "--series",
+        "Shedding", "--where", "set=2"});
   change("delete from raw1 where seriesID = (select ID from series where name = 'Shedding')");
   const auto series = model({"--series", "Shedding"})["series"][0];
   EXPECT_THAT(kinds(series), ElementsAre("noCurve", "notFitted"));

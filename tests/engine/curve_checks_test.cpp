@@ -131,7 +131,8 @@ TEST(curve_checks, prediction_beyond_the_points_is_extrapolation) {
 }
 
 TEST(curve_checks, a_coarse_table_misses_its_own_curve) {
-  // Over a gap from x to 10 x, (log x) read linearly in x is off by log(5.5) - 0.5 of a decade's rise.
+  // Over a gap from x to 10 x, (log x) read linearly in x is off by log(5.5) - 0.5 of a decade's
+  // rise.
   Setting setting{[](double x) { return 1 + std::log10(x); }};
   setting.rawX = logSpaced(1, 100, 24);
   setting.predictedFrom = 1;

@@ -17,16 +17,21 @@ using Equations = std::vector<Equation>;
 Equation polynomial(int order) {
   std::string expression = "a+b*log(x)";
   for (int power = 2; power <= order; ++power) {
-    expression += "+" + std::string(1, static_cast<char>('a' + power)) + "*log(x)^" +
-                  std::to_string(power);
+    expression +=
+        "+" + std::string(1, static_cast<char>('a' + power)) + "*log(x)^" + std::to_string(power);
   }
   return {"Polynomial " + std::to_string(order) + "th Order", expression};
 }
 
 Equations sixBuiltIn() {
-  return {polynomial(6),  polynomial(7), polynomial(8), polynomial(9), polynomial(10),
-          {"TC eq6405", "a+b*ln(x)+c/ln(x)+d*(ln(x))^2+e/(ln(x))^2+f*(ln(x))^3+g/(ln(x))^3"
-                        "+h*(ln(x))^4+i/(ln(x))^4"}};
+  return {polynomial(6),
+          polynomial(7),
+          polynomial(8),
+          polynomial(9),
+          polynomial(10),
+          {"TC eq6405",
+           "a+b*ln(x)+c/ln(x)+d*(ln(x))^2+e/(ln(x))^2+f*(ln(x))^3+g/(ln(x))^3"
+           "+h*(ln(x))^4+i/(ln(x))^4"}};
 }
 
 TEST(built_in_equations, are_five_polynomials_and_one_with_reciprocals) {

@@ -43,7 +43,9 @@ class FitFixture : public testing::Test {
     fitting->Progress = [this](std::int16_t step, std::int16_t steps) {
       journal_.push_back("progress: " + std::to_string(step) + "/" + std::to_string(steps));
     };
-    fitting->StatusUpdate = [this](const std::string& text) { journal_.push_back("status: " + text); };
+    fitting->StatusUpdate = [this](const std::string& text) {
+      journal_.push_back("status: " + text);
+    };
     return fitting;
   }
   PointArray fit(clsDataFit& fitting, double from = 1, double to = 100) {

@@ -77,7 +77,9 @@ TEST_F(fit_outcome, model_with_samples_is_looked_at_between_its_points) {
 // Looking closer at the curve must not cost the host the curve.
 TEST_F(fit_outcome, model_that_cannot_be_sampled_is_no_error) {
   useEquations({"A"});
-  engine_.otherwise.onSample = [](std::vector<double>&) { throw std::runtime_error("sampled enough"); };
+  engine_.otherwise.onSample = [](std::vector<double>&) {
+    throw std::runtime_error("sampled enough");
+  };
   const auto fitting = makeFitting();
   EXPECT_EQ(fit(*fitting).size(), 3U);
   EXPECT_EQ(fitting->outcome().Chosen, std::optional<std::size_t>(0));

@@ -31,8 +31,12 @@ class fit_report : public FitFixture {
     return "\t\tMeter Serial Number: T-4711\r\n"
            "\t\tSeries Name: Rotor A\r\n"
            "Results for model: \r\n"
-           "Y = f(" + name + ")\r\n"
-           "Description: " + name + "\r\n"
+           "Y = f(" +
+           name +
+           ")\r\n"
+           "Description: " +
+           name +
+           "\r\n"
            "\r\n";
   }
   std::string accepted(const std::string& name) const {
@@ -106,7 +110,8 @@ TEST_F(fit_report, of_a_rejected_equation_lists_the_residuals) {
                                           "1:\t-0.25\r\n"
                                           "2:\t13.3333333333333\r\n"
                                           "\r\n"
-                                          "\r\n" + rule + "\r\n");
+                                          "\r\n" +
+                                          rule + "\r\n");
 }
 
 TEST_F(fit_report, of_an_equation_without_a_solution_names_the_log) {
@@ -114,9 +119,13 @@ TEST_F(fit_report, of_an_equation_without_a_solution_names_the_log) {
   engine_.otherwise.found = false;
   const auto fitting = makeNamedFitting();
   fit(*fitting);
-  EXPECT_EQ(fitting->ResultDetails(), "Solution failed.\r\n"
-                                      "See " + folder_.path().string() + "\\log.txt\r\n"
-                                      "\r\n" + rule + "\r\n");
+  EXPECT_EQ(fitting->ResultDetails(),
+            "Solution failed.\r\n"
+            "See " +
+                folder_.path().string() +
+                "\\log.txt\r\n"
+                "\r\n" +
+                rule + "\r\n");
 }
 
 TEST_F(fit_report, of_all_equations_goes_by_their_index) {
@@ -127,10 +136,11 @@ TEST_F(fit_report, of_all_equations_goes_by_their_index) {
   const auto fitting = makeNamedFitting();
   fit(*fitting);
   EXPECT_EQ(fitting->ResultDetails(),
-            head("B") + "Solution failed.\r\nResiduals beyond 10%\r\nResiduals \r\n===========\r\n"
-                        "0:\t-10\r\n\r\n\r\n" + rule + "\r\n" +
-                "Solution failed.\r\nSee " + folder_.path().string() + "\\log.txt\r\n\r\n" + rule +
-                "\r\n");
+            head("B") +
+                "Solution failed.\r\nResiduals beyond 10%\r\nResiduals \r\n===========\r\n"
+                "0:\t-10\r\n\r\n\r\n" +
+                rule + "\r\n" + "Solution failed.\r\nSee " + folder_.path().string() +
+                "\\log.txt\r\n\r\n" + rule + "\r\n");
 }
 
 TEST_F(fit_report, numbers_follow_the_locale) {
@@ -163,8 +173,8 @@ TEST_F(fit_report, equation_without_parameters_has_no_parameter_lines) {
             std::string::npos);
 }
 
-// The place in the sorted order is not the equation that failed: A ranks first and stands at index 1, so its
-// failure is written at index 0, where B is.
+// The place in the sorted order is not the equation that failed: A ranks first and stands at index
+// 1, so its failure is written at index 0, where B is.
 TEST_F(fit_report, band_failure_stands_at_the_place_in_the_sorted_order) {
   useEquations({"A", "B"});
   engine_.solutions["A"] = engine_.otherwise;

@@ -9,7 +9,8 @@ namespace {
 using test::Journal;
 
 const std::string missingEngineBox =
-    "Error 429: ActiveX component can't create object. The DataFitX component must be installed and "
+    "Error 429: ActiveX component can't create object. The DataFitX component must be installed "
+    "and "
     "registered to run this sample.|16|Error";
 
 class fit_run_errors : public FitFixture {
@@ -57,7 +58,9 @@ TEST_F(fit_run_errors, error_429_from_anywhere_is_a_missing_engine) {
 }
 
 TEST_F(fit_run_errors, error_before_the_first_equation_names_none) {
-  platform().createFitEngine = []() -> std::unique_ptr<FitEngine> { throw Error(70, "os", "denied"); };
+  platform().createFitEngine = []() -> std::unique_ptr<FitEngine> {
+    throw Error(70, "os", "denied");
+  };
   expectBox("Error in clsDataFit:fitCurve 70: denied|16|Error in Equation ");
 }
 
@@ -153,8 +156,7 @@ TEST_F(fit_run_errors, progress_handler_that_throws_ends_the_run) {
   const auto fitting = makeFitting();
   fitting->Progress = [](std::int16_t, std::int16_t) { throw Error(18, "host", "interrupt"); };
   fit(*fitting);
-  EXPECT_EQ(boxes(),
-            Journal{"Error in clsDataFit:fitCurve 18: interrupt|16|Error in Equation A"});
+  EXPECT_EQ(boxes(), Journal{"Error in clsDataFit:fitCurve 18: interrupt|16|Error in Equation A"});
 }
 
 TEST_F(fit_run_errors, handler_that_throws_at_the_end_leaves_nothing) {
@@ -164,8 +166,7 @@ TEST_F(fit_run_errors, handler_that_throws_at_the_end_leaves_nothing) {
   };
   EXPECT_EQ(fit(*fitting), PointArray());
   EXPECT_TRUE(isEmpty_);
-  EXPECT_EQ(boxes(),
-            Journal{"Error in clsDataFit:fitCurve 18: interrupt|16|Error in Equation B"});
+  EXPECT_EQ(boxes(), Journal{"Error in clsDataFit:fitCurve 18: interrupt|16|Error in Equation B"});
 }
 
 TEST_F(fit_run_errors, run_after_an_error_is_a_run_like_any_other) {

@@ -15,27 +15,20 @@ TEST_F(fit_run, raises_its_events_in_order) {
   band_.statusTexts = {"Testing the band"};
   const auto fitting = makeFitting();
   fit(*fitting);
-  EXPECT_EQ(journal_, (Journal{"progress: 1/2",
-                               "status: Started fitting with equation: A",
-                               "fit: A",
-                               "status: Finished fitting with equation: A",
-                               "progress: 2/2",
-                               "status: Started fitting with equation: B",
-                               "fit: B",
-                               "status: Finished fitting with equation: B",
-                               "band test",
-                               "status: Testing the band",
-                               "band test",
-                               "status: Testing the band",
+  EXPECT_EQ(journal_, (Journal{"progress: 1/2", "status: Started fitting with equation: A",
+                               "fit: A", "status: Finished fitting with equation: A",
+                               "progress: 2/2", "status: Started fitting with equation: B",
+                               "fit: B", "status: Finished fitting with equation: B", "band test",
+                               "status: Testing the band", "band test", "status: Testing the band",
                                "status: Determined bestfit equation: B"}));
 }
 
 TEST_F(fit_run, takes_the_built_in_equations_from_the_last_to_the_first) {
   const auto fitting = makeFitting();
   fit(*fitting);
-  EXPECT_EQ(fitted(), (Journal{"TC eq6405", "Polynomial 10th Order", "Polynomial 9th Order",
-                               "Polynomial 8th Order", "Polynomial 7th Order",
-                               "Polynomial 6th Order"}));
+  EXPECT_EQ(fitted(),
+            (Journal{"TC eq6405", "Polynomial 10th Order", "Polynomial 9th Order",
+                     "Polynomial 8th Order", "Polynomial 7th Order", "Polynomial 6th Order"}));
   EXPECT_EQ(test::linesOf(journal_, "progress: "),
             (Journal{"1/6", "2/6", "3/6", "4/6", "5/6", "6/6"}));
 }

@@ -63,7 +63,9 @@ TEST(log_spaced_grid, is_even_in_the_logarithm) {
   expectNear(logSpacedGrid(1, 10000, 4), {1, 10, 100, 1000, 10000});
 }
 
-TEST(log_spaced_grid, one_interval_gives_both_ends) { expectNear(logSpacedGrid(3, 70, 1), {3, 70}); }
+TEST(log_spaced_grid, one_interval_gives_both_ends) {
+  expectNear(logSpacedGrid(3, 70, 1), {3, 70});
+}
 
 TEST(log_spaced_grid, may_fall) { expectNear(logSpacedGrid(100, 1, 2), {100, 10, 1}); }
 

@@ -141,8 +141,7 @@ TEST_F(consolidate_raw, tells_its_steps) {
 
 // S is level at 1 from x = 1 to x = 9; L reaches further.
 TEST_F(consolidate_raw, points_up_to_the_last_one_outside_are_cut) {
-  EXPECT_EQ(merge({{1, 1}, {9, 1}}, {{2, 5}, {3, 5}, {12, 7}}),
-            (Points{{1, 1}, {9, 1}, {12, 7}}));
+  EXPECT_EQ(merge({{1, 1}, {9, 1}}, {{2, 5}, {3, 5}, {12, 7}}), (Points{{1, 1}, {9, 1}, {12, 7}}));
 }
 
 TEST_F(consolidate_raw, point_outside_right_behind_one_inside_is_tolerated) {

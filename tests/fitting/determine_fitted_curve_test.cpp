@@ -15,21 +15,15 @@ class determine_fitted_curve : public StoredFitFixture {};
 TEST_F(determine_fitted_curve, reads_sorts_and_fits_in_order) {
   havePart(1, {{10, 5}, {1, 4}});
   fit();
-  EXPECT_EQ(journal_, (Journal{"open",
-                               "read " + fitStatement(),
-                               "status: Determining fitted data from saved raw data in series Rotor A",
-                               "read " + partStatement(1),
-                               "status: Sorting raw1 data in series Rotor A",
-                               "read " + partStatement(2),
-                               "read " + partStatement(3),
-                               "read " + partStatement(4),
-                               "progress: 1/1",
-                               "status: Started fitting with equation: A",
-                               "fit: A",
-                               "status: Finished fitting with equation: A",
-                               "band test",
-                               "status: Determined bestfit equation: A",
-                               "close"}));
+  EXPECT_EQ(
+      journal_,
+      (Journal{"open", "read " + fitStatement(),
+               "status: Determining fitted data from saved raw data in series Rotor A",
+               "read " + partStatement(1), "status: Sorting raw1 data in series Rotor A",
+               "read " + partStatement(2), "read " + partStatement(3), "read " + partStatement(4),
+               "progress: 1/1", "status: Started fitting with equation: A", "fit: A",
+               "status: Finished fitting with equation: A", "band test",
+               "status: Determined bestfit equation: A", "close"}));
 }
 
 TEST_F(determine_fitted_curve, returns_the_curve_and_keeps_it_with_what_it_was_fitted_to) {
@@ -61,10 +55,12 @@ TEST_F(determine_fitted_curve, found_series_becomes_the_last_fitted_one) {
 TEST_F(determine_fitted_curve, asks_for_the_calibration_it_is_given) {
   request_.ReCalID = 4;
   fit();
-  EXPECT_EQ(journal_.at(1),
-            "read SELECT series.*, meter.recalid, meter.serialnumberadjusted from series left join meter on "
-            "series.meterid=meter.id where series.name = 'Rotor A' and meter.serialnumber='4711' and "
-            "meter.recalid=4");
+  EXPECT_EQ(
+      journal_.at(1),
+      "read SELECT series.*, meter.recalid, meter.serialnumberadjusted from series left join meter "
+      "on "
+      "series.meterid=meter.id where series.name = 'Rotor A' and meter.serialnumber='4711' and "
+      "meter.recalid=4");
 }
 
 TEST_F(determine_fitted_curve, unknown_series_is_silent_and_empty) {
@@ -93,7 +89,8 @@ TEST_F(determine_fitted_curve, database_that_does_not_open_leaves_the_emptiness_
 
 TEST_F(determine_fitted_curve, no_points_at_all_are_out_of_range) {
   EXPECT_EQ(fit(), PointArray());
-  EXPECT_EQ(boxes(), Journal{"Error in RawData:determineFittedCurve\r\nSubscript out of range|16|"});
+  EXPECT_EQ(boxes(),
+            Journal{"Error in RawData:determineFittedCurve\r\nSubscript out of range|16|"});
   EXPECT_TRUE(isClosed());
   EXPECT_EQ(test::linesOf(journal_, "fit: "), Journal());
 }

@@ -22,7 +22,9 @@ class FakeHost : public FitHost {
     fitting->Progress = [this](std::int16_t step, std::int16_t steps) {
       journal_.push_back("progress: " + std::to_string(step) + "/" + std::to_string(steps));
     };
-    fitting->StatusUpdate = [this](const std::string& text) { journal_.push_back("status: " + text); };
+    fitting->StatusUpdate = [this](const std::string& text) {
+      journal_.push_back("status: " + text);
+    };
   }
   void takeResult(const std::string& text, FitOutcome) override { details = text; }
 

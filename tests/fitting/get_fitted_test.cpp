@@ -165,8 +165,9 @@ class get_all_info : public stored_curve {};
 TEST_F(get_all_info, reads_the_raw_parts_first_and_the_curve_by_roshko) {
   have("Rotor A", {{1, 2}, {3, 4}}, " ORDER BY Roshko ASC");
   for (int part = 1; part <= 3; ++part) {
-    script_->answer("Select roshko, strouhal from raw" + std::to_string(part) + " where seriesID = 7",
-                    test::pointRows({{1.0 * part, 5}}));
+    script_->answer(
+        "Select roshko, strouhal from raw" + std::to_string(part) + " where seriesID = 7",
+        test::pointRows({{1.0 * part, 5}}));
   }
   const SeriesInfo series = getAll().Series.at(0);
   EXPECT_EQ(series.Raw[0].Points, (PointArray{{1, 5}}));
@@ -220,7 +221,8 @@ TEST_F(get_all_info, series_becomes_the_last_fitted_one) {
 
 TEST_F(get_all_info, failure_is_told_under_the_name_of_another_operation) {
   have("Rotor A", {{1, 2}, {3, 4}}, " ORDER BY Roshko ASC");
-  script_->fail("Select roshko, strouhal from raw2 where seriesID = 7", Error(-1, "driver", "lost"));
+  script_->fail("Select roshko, strouhal from raw2 where seriesID = 7",
+                Error(-1, "driver", "lost"));
   getAll();
   EXPECT_EQ(boxes(), Journal{"Error in RawData:GetRaw\r\nlost|16|"});
   EXPECT_TRUE(isClosed());

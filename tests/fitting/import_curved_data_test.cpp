@@ -13,9 +13,7 @@ const std::string header = "1\r\n2\r\n3\r\n";
 
 class import_curved_data : public FittingFixture {
  protected:
-  PointArray import() {
-    return ImportCurvedData(context_, path_, "Rotor A", "4711", isEmpty_, -1);
-  }
+  PointArray import() { return ImportCurvedData(context_, path_, "Rotor A", "4711", isEmpty_, -1); }
   const std::string path_ = folder_.file("fit.txt");
   bool isEmpty_ = false;
 };
@@ -25,15 +23,15 @@ TEST_F(import_curved_data, removes_the_curve_and_adds_the_points_to_the_merged_o
   writeFile("fit.txt", header + "2 5\r\n1 4\r\n");
   EXPECT_EQ(import(), (PointArray{{1, 4}, {2, 5}}));
   EXPECT_FALSE(isEmpty_);
-  EXPECT_EQ(journal_,
-            (Journal{"open", "read " + findStatement(), "status: Reading file: " + path_,
-                     "status: Cleaning data from Tablecurve format", "status: Sorting fitted data",
-                     "status: Removing old fitted data from databasse for series Rotor A",
-                     "execute DELETE from curve where seriesID = 7",
-                     "status: Inserting new fitted data into database for series Rotor A",
-                     "batch Select * from merge where seriesID = 7",
-                     "add seriesID=7 Roshko=1 Strouhal=4", "add seriesID=7 Roshko=2 Strouhal=5",
-                     "update batch", "close"}));
+  EXPECT_EQ(
+      journal_,
+      (Journal{"open", "read " + findStatement(), "status: Reading file: " + path_,
+               "status: Cleaning data from Tablecurve format", "status: Sorting fitted data",
+               "status: Removing old fitted data from databasse for series Rotor A",
+               "execute DELETE from curve where seriesID = 7",
+               "status: Inserting new fitted data into database for series Rotor A",
+               "batch Select * from merge where seriesID = 7", "add seriesID=7 Roshko=1 Strouhal=4",
+               "add seriesID=7 Roshko=2 Strouhal=5", "update batch", "close"}));
   EXPECT_EQ(shared_.fitRecord().Fitted, (PointArray{{1, 4}, {2, 5}}));
 }
 

@@ -35,10 +35,12 @@ TEST_F(range_question, shows_both_ranges_with_two_tabs_and_one) {
   xMin_ = 0.1 + 0.2;
   xMax_ = 1500000;
   fit();
-  EXPECT_EQ(boxes(),
-            Journal{"Min/Max values are out of range of raw data\r\nMin X : 0.3\t\tMin Raw : 1.25\r\nMax X "
-                    ": 1500000\tMax Raw : 10.3333333333333\r\n\r\nPress 'Abort' to cancel, 'Retry' to set "
-                    "Min/Max to Raw min/max or 'Ignore' to continue.|2|"});
+  EXPECT_EQ(
+      boxes(),
+      Journal{
+          "Min/Max values are out of range of raw data\r\nMin X : 0.3\t\tMin Raw : 1.25\r\nMax X "
+          ": 1500000\tMax Raw : 10.3333333333333\r\n\r\nPress 'Abort' to cancel, 'Retry' to set "
+          "Min/Max to Raw min/max or 'Ignore' to continue.|2|"});
 }
 
 TEST_F(range_question, numbers_follow_the_locale) {

@@ -47,11 +47,11 @@ TEST_F(raw_parts, two_parts_are_consolidated) {
   havePart(2, high);
   EXPECT_EQ(fit().size(), 3U);
   EXPECT_EQ(record().Merged, (PointArray{{1, 8}, {4, 7}, {6, 6}, {12, 5}}));
-  EXPECT_EQ(mergeTexts(), (Journal{"Sorting raw1 data in series Rotor A",
-                                   "Sorting Raw2 data in series Rotor A",
-                                   "Removing trailing curve points in series Rotor A",
-                                   "Consolidating raw1 and raw2 data in series Rotor A",
-                                   "Sorting merged data in series Rotor A"}));
+  EXPECT_EQ(mergeTexts(),
+            (Journal{"Sorting raw1 data in series Rotor A", "Sorting Raw2 data in series Rotor A",
+                     "Removing trailing curve points in series Rotor A",
+                     "Consolidating raw1 and raw2 data in series Rotor A",
+                     "Sorting merged data in series Rotor A"}));
 }
 
 TEST_F(raw_parts, every_further_part_is_consolidated_with_what_stands_so_far) {
@@ -122,8 +122,9 @@ TEST_F(raw_parts, merge_that_fails_ends_the_operation) {
   havePart(3, high);
   EXPECT_EQ(fit(), PointArray());
   EXPECT_TRUE(isEmpty_);
-  EXPECT_EQ(boxes(),
-            Journal{"Error in rawData:consolidateRaw\r\nActiveX component can't create object|16|"});
+  EXPECT_EQ(
+      boxes(),
+      Journal{"Error in rawData:consolidateRaw\r\nActiveX component can't create object|16|"});
   EXPECT_EQ(statusTexts().back(), "Removing trailing curve points in series Rotor A");
   EXPECT_EQ(record().Merged, (PointArray{{8, 8}}));
   EXPECT_TRUE(isClosed());

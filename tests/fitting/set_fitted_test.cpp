@@ -100,9 +100,10 @@ TEST_F(set_fitted, unknown_series_changes_nothing) {
 }
 
 TEST_F(set_fitted, meter_known_only_to_the_master_list_changes_nothing) {
-  script_->answer("SELECT TOP 1 ID, ReCalID from masterMeterList where serialnumber='4711' ORDER BY ReCalID "
-                  "DESC",
-                  {{"ID", "ReCalID"}, {{std::int64_t{9}, std::int64_t{1}}}});
+  script_->answer(
+      "SELECT TOP 1 ID, ReCalID from masterMeterList where serialnumber='4711' ORDER BY ReCalID "
+      "DESC",
+      {{"ID", "ReCalID"}, {{std::int64_t{9}, std::int64_t{1}}}});
   EXPECT_FALSE(set());
   EXPECT_EQ(executed(), Journal());
 }
@@ -150,13 +151,16 @@ class set_last_fitted : public set_fitted {
     shared_.fitRecord().Merged = {{1, 4}, {2, 5}};
     shared_.fitRecord().Fitted = {{1, 4}, {2, 5}};
     shared_.fitRecord().Summary = "last report";
-    script_->answer(recalStatement, {{"seriesID", "ID", "ReCalID", "SerialNumberAdjusted"},
-                                     {{std::int64_t{7}, std::int64_t{3}, std::int64_t{2}, Value()}}});
+    script_->answer(recalStatement,
+                    {{"seriesID", "ID", "ReCalID", "SerialNumberAdjusted"},
+                     {{std::int64_t{7}, std::int64_t{3}, std::int64_t{2}, Value()}}});
   }
   // The calibration that was fitted, though a newer one may exist by now.
   const std::string recalStatement =
-      "SELECT series.ID AS seriesID,meter.ID, meter.ReCalID, meter.SerialNumberAdjusted from series left join "
-      "meter on series.meterid=meter.id where serialnumber='4711' AND recalid=2 AND series.name = 'Rotor A' "
+      "SELECT series.ID AS seriesID,meter.ID, meter.ReCalID, meter.SerialNumberAdjusted from "
+      "series left join "
+      "meter on series.meterid=meter.id where serialnumber='4711' AND recalid=2 AND series.name = "
+      "'Rotor A' "
       "ORDER BY ReCalID DESC";
 };
 

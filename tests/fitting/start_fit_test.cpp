@@ -23,7 +23,8 @@ TEST_F(start_fit, settings_reach_the_fit) {
   shared_.fitRecord().SeriesName = "Rotor Sum";
   EXPECT_EQ(run().size(), 5U);
   EXPECT_EQ(band_.bandCalls.at(0).percent, 0.75F);
-  EXPECT_TRUE(details().starts_with("\t\tMeter Serial Number: 4711\r\n\t\tSeries Name: Rotor Sum\r\n"));
+  EXPECT_TRUE(
+      details().starts_with("\t\tMeter Serial Number: 4711\r\n\t\tSeries Name: Rotor Sum\r\n"));
   EXPECT_NE(details().find("\r\nBand Percentage = 0.75%\r\n"), std::string::npos);
   EXPECT_NE(details().find("\r\nPredictedRe Min value = 1\r\n"), std::string::npos);
   EXPECT_NE(details().find("\r\nPredictedK Max value = 10\r\n"), std::string::npos);

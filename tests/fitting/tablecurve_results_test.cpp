@@ -31,7 +31,8 @@ class tablecurve_results : public FittingFixture {
 };
 
 TEST_F(tablecurve_results, points_come_sorted_by_roshko) {
-  EXPECT_EQ(read(header + "20 2.5\r\n10.5 1E-3\r\n-3 +7"), (PointArray{{-3, 7}, {10.5, 0.001}, {20, 2.5}}));
+  EXPECT_EQ(read(header + "20 2.5\r\n10.5 1E-3\r\n-3 +7"),
+            (PointArray{{-3, 7}, {10.5, 0.001}, {20, 2.5}}));
   EXPECT_FALSE(isEmpty_);
   EXPECT_EQ(journal_, (Journal{"status: Reading file: " + path_,
                                "status: Cleaning data from Tablecurve format",
@@ -153,8 +154,8 @@ TEST_F(tablecurve_results, empty_file_is_empty_before_it_is_cleaned) {
 }
 
 TEST_F(tablecurve_results, file_that_is_empty_when_cleaned_has_no_points) {
-  for (const std::string& content : {std::string("   "), std::string("\r\n"), std::string("  \r\n "),
-                                     std::string(3, '\0')}) {
+  for (const std::string& content :
+       {std::string("   "), std::string("\r\n"), std::string("  \r\n "), std::string(3, '\0')}) {
     EXPECT_EQ(read(content), PointArray());
     EXPECT_TRUE(isEmpty_);
     EXPECT_EQ(statusTexts().back(), "Cleaning data from Tablecurve format");

@@ -1,5 +1,5 @@
-// A curve database with one meter, two calibrations and their series, for the tests of what is kept.
-// SPDX-License-Identifier: MIT
+// A curve database with one meter, two calibrations and their series, for the tests of what is
+// kept. SPDX-License-Identifier: MIT
 #pragma once
 
 #include "history/deleting.h"
@@ -40,9 +40,10 @@ class HistoryTest : public testing::Test {
       sqlite.run(statement);
     }
     for (const char* table : {"raw1", "raw2", "merge", "curve"}) {
-      for (const char* values : {"(1, 3.0000000000000004, 1e300)", "(1, 2, -5e-324)", "(1, 2, 7)", "(2, 9, 9)",
-                                 "(3, 8, 8)"}) {
-        sqlite.run("Insert into " + std::string(table) + " (seriesID, Roshko, Strouhal) VALUES " + values);
+      for (const char* values : {"(1, 3.0000000000000004, 1e300)", "(1, 2, -5e-324)", "(1, 2, 7)",
+                                 "(2, 9, 9)", "(3, 8, 8)"}) {
+        sqlite.run("Insert into " + std::string(table) + " (seriesID, Roshko, Strouhal) VALUES " +
+                   values);
       }
     }
     sqlite.run("COMMIT");
@@ -68,12 +69,14 @@ class HistoryTest : public testing::Test {
     return all;
   }
 
-  static history::ChangeNote note(const std::string& command, const std::string& at = "2026-01-02T03:04:05Z") {
+  static history::ChangeNote note(const std::string& command,
+                                  const std::string& at = "2026-01-02T03:04:05Z") {
     return {command, at, "ada", "1.2.3"};
   }
   // Keeps the scope, runs statements and stores both.
   std::int64_t change(const std::string& command, const history::Scope& scope,
-                      const std::vector<std::string>& statements, const std::string& at = "2026-01-02T03:04:05Z") const {
+                      const std::vector<std::string>& statements,
+                      const std::string& at = "2026-01-02T03:04:05Z") const {
     history::KeptChange kept(curves.connection, note(command, at));
     const std::int64_t id = kept.keep(scope);
     for (const std::string& statement : statements) curves.execute(statement);

@@ -1,5 +1,5 @@
-// Changes that end before they are finished: by a killed process, a full disk, a rule of the database.
-// SPDX-License-Identifier: MIT
+// Changes that end before they are finished: by a killed process, a full disk, a rule of the
+// database. SPDX-License-Identifier: MIT
 #include "tests/history/history_fixture.h"
 #include "tests/support/plain_sqlite.h"
 
@@ -23,7 +23,8 @@ class interrupted_change : public HistoryTest {
     before = everything();
     curves.connection->close();
   }
-  // Runs `body` on a connection of its own in another process, which kills itself when the body ends.
+  // Runs `body` on a connection of its own in another process, which kills itself when the body
+  // ends.
   template <class Body>
   void inKilledProcess(Body&& body) const {
     const pid_t process = fork();
@@ -90,7 +91,9 @@ TEST_F(interrupted_change, by_a_full_disk_is_undone) {
 
 TEST_F(interrupted_change, by_a_failing_copy_changes_nothing) {
   PlainSqlite(curves.path)
-      .run("CREATE TRIGGER fails BEFORE INSERT ON pelmora_history_raw3 BEGIN SELECT RAISE(FAIL, 'no'); END");
+      .run(
+          "CREATE TRIGGER fails BEFORE INSERT ON pelmora_history_raw3 BEGIN SELECT RAISE(FAIL, "
+          "'no'); END");
   curves.connection->open();
   EXPECT_NE(failureOf([&] { (void)removed(wholeSeries(1, 1)); }).number, 0);
   curves.connection->close();
@@ -101,7 +104,8 @@ TEST_F(interrupted_change, by_a_failing_restore_leaves_all_as_it_was) {
   curves.connection->open();
   const auto id = removed(wholeSeries(1, 1));
   const auto after = everything();
-  PlainSqlite(curves.path).run("CREATE TRIGGER fails BEFORE INSERT ON curve BEGIN SELECT RAISE(ROLLBACK, 'no'); END");
+  PlainSqlite(curves.path)
+      .run("CREATE TRIGGER fails BEFORE INSERT ON curve BEGIN SELECT RAISE(ROLLBACK, 'no'); END");
   EXPECT_NE(failureOf([&] { (void)restored(id); }).number, 0);
   EXPECT_EQ(everything(), after);
   EXPECT_EQ(entries(curves.connection).size(), 1U);

@@ -27,7 +27,8 @@ TEST_F(kept_change, tells_who_changed_what_and_how_many_rows_it_replaced) {
   EXPECT_EQ(list[0].ReCalID, 0);
   EXPECT_EQ(list[0].SeriesName, "Rotor A");
   EXPECT_EQ(list[0].Kept, fittedCurve(1, 1));
-  EXPECT_THAT(list[0].Rows, UnorderedElementsAre(Pair("curve", 3U), Pair("merge", 3U), Pair("DataFitResults", 1U)));
+  EXPECT_THAT(list[0].Rows, UnorderedElementsAre(Pair("curve", 3U), Pair("merge", 3U),
+                                                 Pair("DataFitResults", 1U)));
 }
 
 TEST_F(kept_change, makes_no_entry_and_no_tables_where_nothing_is_replaced) {
@@ -80,7 +81,8 @@ TEST_F(kept_change, of_a_fit_with_settings_keeps_them_too) {
                                    {"FittedAt", OwnColumnType::text}}});
   curves.execute("Insert into pelmora_fit_settings (SeriesID, BandPercent) VALUES (1, 0.3)");
   const auto before = everything();
-  const auto id = change("fit", fittedCurve(1, 1), {"Update pelmora_fit_settings set BandPercent=0.5"});
+  const auto id =
+      change("fit", fittedCurve(1, 1), {"Update pelmora_fit_settings set BandPercent=0.5"});
   (void)restored(id);
   EXPECT_EQ(everything(), before);
 }

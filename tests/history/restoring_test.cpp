@@ -21,8 +21,9 @@ class restoring : public HistoryTest {
 
 TEST_F(restoring, brings_every_bit_back_in_its_order) {
   const auto before = everything();
-  const auto id = change("raw", rawPart(1, 1, 1),
-                         {"Delete * from raw1 where seriesID=1", "Insert into raw1 (seriesID, Roshko) VALUES (1, 5)"});
+  const auto id = change(
+      "raw", rawPart(1, 1, 1),
+      {"Delete * from raw1 where seriesID=1", "Insert into raw1 (seriesID, Roshko) VALUES (1, 5)"});
   ASSERT_NE(everything(), before);
   const auto outcome = restored(id);
   ASSERT_EQ(outcome.Tables.size(), 1U);
@@ -30,13 +31,15 @@ TEST_F(restoring, brings_every_bit_back_in_its_order) {
   EXPECT_EQ(outcome.Tables[0].RowsBefore, 1U);
   EXPECT_EQ(outcome.Tables[0].RowsNow, 3U);
   EXPECT_EQ(everything(), before);
-  EXPECT_EQ(rows("raw1 where seriesID=1"), (Rows{"i1|r0x1.8000000000001p+1|r0x1.7e43c8800759cp+996|",
-                                                 "i1|r0x1p+1|r-0x0.0000000000001p-1022|", "i1|r0x1p+1|r0x1.cp+2|"}));
+  EXPECT_EQ(rows("raw1 where seriesID=1"),
+            (Rows{"i1|r0x1.8000000000001p+1|r0x1.7e43c8800759cp+996|",
+                  "i1|r0x1p+1|r-0x0.0000000000001p-1022|", "i1|r0x1p+1|r0x1.cp+2|"}));
 }
 
 TEST_F(restoring, can_be_undone) {
   const auto id = change("fit", fittedCurve(1, 1),
-                         {"Delete * from curve where seriesID=1", "Insert into curve (seriesID, Roshko) VALUES (1, 5)"});
+                         {"Delete * from curve where seriesID=1",
+                          "Insert into curve (seriesID, Roshko) VALUES (1, 5)"});
   const auto after = rows("curve where seriesID=1");
   const auto outcome = restored(id);
   EXPECT_GT(outcome.KeptAs, id);
@@ -62,7 +65,8 @@ TEST_F(restoring, brings_a_deleted_series_back_with_its_id) {
 TEST_F(restoring, brings_a_deleted_calibration_back) {
   const auto before = everything();
   const auto id = removed(wholeCalibration(1));
-  for (const char* table : {"CalSetup", "CalDataPoint", "DataFitResults"}) EXPECT_TRUE(rows(table).empty()) << table;
+  for (const char* table : {"CalSetup", "CalDataPoint", "DataFitResults"})
+    EXPECT_TRUE(rows(table).empty()) << table;
   EXPECT_EQ(rows("meter").size(), 1U);
   EXPECT_EQ(rows("series").size(), 1U);
   EXPECT_EQ(rows("raw1").size(), 1U);

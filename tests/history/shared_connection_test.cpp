@@ -15,14 +15,16 @@ class shared_connection : public HistoryTest {
     const std::string path = curves.folder.file("stand.db");
     PlainSqlite(path).run(
         "CREATE TABLE DataPoint (JobRecordID, V1, V2, V3);"
-        "INSERT INTO DataPoint VALUES (7, 0.1, 1e-300, 2), (7, 3, NULL, 'thick'), ('7', 4, 5, 6), (8, 1, 1, 1)");
+        "INSERT INTO DataPoint VALUES (7, 0.1, 1e-300, 2), (7, 3, NULL, 'thick'), ('7', 4, 5, 6), "
+        "(8, 1, 1, 1)");
     ConnectionPtr connection = sqliteConnection(path);
     connection->open();
     return connection;
   }
   [[nodiscard]] std::string copy(const std::string& path) const {
     return "INSERT INTO CalDataPoint ( CalSetupID, JobRecordID, V1, V2, V3 ) IN '" + path +
-           "'SELECT 5 as CalSetupID, JobRecordID, V1, V2, V3 FROM DataPoint WHERE (((JobRecordID)=7));";
+           "'SELECT 5 as CalSetupID, JobRecordID, V1, V2, V3 FROM DataPoint WHERE "
+           "(((JobRecordID)=7));";
   }
 };
 

@@ -16,11 +16,12 @@ namespace {
 
 // What a command says, on both outputs, with its exit code.
 std::string outputOf(const std::string& command) {
-  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen((command + " 2>&1; echo \"exit $?\"").c_str(), "r"),
-                                                   pclose);
+  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(
+      popen((command + " 2>&1; echo \"exit $?\"").c_str(), "r"), pclose);
   std::string output;
   std::array<char, 4096> buffer;
-  while (pipe && std::fgets(buffer.data(), static_cast<int>(buffer.size()), pipe.get()) != nullptr) {
+  while (pipe &&
+         std::fgets(buffer.data(), static_cast<int>(buffer.size()), pipe.get()) != nullptr) {
     output += buffer.data();
   }
   return output;
@@ -56,8 +57,9 @@ TEST(command_line_locale, does_not_matter) {
 // Otherwise the comparison above would say nothing.
 TEST(command_line_locale, is_one_that_programs_find) {
   if (!CommaLocale().isSet()) GTEST_SKIP() << CommaLocale::missing;
-  EXPECT_EQ(outputOf("LOCPATH='" + CommaLocale::folder() + "' LC_ALL=de_DE.UTF-8 locale decimal_point"),
-            ",\nexit 0\n");
+  EXPECT_EQ(
+      outputOf("LOCPATH='" + CommaLocale::folder() + "' LC_ALL=de_DE.UTF-8 locale decimal_point"),
+      ",\nexit 0\n");
 }
 
 }  // namespace

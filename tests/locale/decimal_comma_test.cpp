@@ -1,5 +1,5 @@
-// Where the process's locale has a decimal comma, numbers in texts, statements and result files have it too.
-// SPDX-License-Identifier: MIT
+// Where the process's locale has a decimal comma, numbers in texts, statements and result files
+// have it too. SPDX-License-Identifier: MIT
 #include "tests/support/comma_locale.h"
 #include "tests/support/host_test.h"
 #include "tests/support/recording_connection.h"
@@ -81,17 +81,21 @@ TEST_F(decimal_comma, breaks_the_statements_that_derive_series) {
   const auto data = newObject();
   const MeterInfo meter =
       data->importCaldb("M1", stand(), {"1001"}, {""}, {"Oil"}, {"Me"}, true, true, true, true);
-  EXPECT_THAT(*log, Contains("execute INSERT INTO Raw1 ( seriesID,   Roshko,   Strouhal ) SELECT 1 AS SeriesID, "
-                             "[v4]/[v3]/[v5]*(1+((1,92E-05)*([v12]-70))) AS Roshko, "
-                             "([v4]/[v3])/([v2]/[v1])*(1+((2,88E-05)*([v12]-70))) AS Strouhal "
-                             "FROM CalDataPoint WHERE (((CalDataPoint.calSetupID)=1));"));
-  EXPECT_THAT(boxes, ElementsAre(StartsWith("Error in RawData:SeriesViaCaldb_RotorA\r\nSyntax error"),
-                                 StartsWith("Error in RawData:SeriesViaCaldb_RotorB\r\nSyntax error"),
-                                 StartsWith("Error in RawData:SeriesViaCaldb_SumAB\r\nSyntax error"),
-                                 StartsWith("Error in RawData:SeriesViaCaldb_Ratio\r\nSyntax error")));
+  EXPECT_THAT(
+      *log,
+      Contains("execute INSERT INTO Raw1 ( seriesID,   Roshko,   Strouhal ) SELECT 1 AS SeriesID, "
+               "[v4]/[v3]/[v5]*(1+((1,92E-05)*([v12]-70))) AS Roshko, "
+               "([v4]/[v3])/([v2]/[v1])*(1+((2,88E-05)*([v12]-70))) AS Strouhal "
+               "FROM CalDataPoint WHERE (((CalDataPoint.calSetupID)=1));"));
+  EXPECT_THAT(boxes,
+              ElementsAre(StartsWith("Error in RawData:SeriesViaCaldb_RotorA\r\nSyntax error"),
+                          StartsWith("Error in RawData:SeriesViaCaldb_RotorB\r\nSyntax error"),
+                          StartsWith("Error in RawData:SeriesViaCaldb_SumAB\r\nSyntax error"),
+                          StartsWith("Error in RawData:SeriesViaCaldb_Ratio\r\nSyntax error")));
   ASSERT_THAT(meter.Series, SizeIs(4));
   for (const SeriesInfo& series : meter.Series) {
-    EXPECT_NE(series.SeriesID, 0) << series.SeriesName;  // the series rows are there, without points
+    EXPECT_NE(series.SeriesID, 0)
+        << series.SeriesName;  // the series rows are there, without points
     const MeterInfo stored = data->GetRaw(series.SeriesName, "M1", 1);
     ASSERT_THAT(stored.Series, SizeIs(1));
     EXPECT_TRUE(stored.Series.front().Raw[0].Points.empty()) << series.SeriesName;

@@ -6,7 +6,6 @@
 
 #include <pelmora/stand.h>
 
-
 namespace pelmora::test {
 namespace {
 
@@ -60,7 +59,8 @@ TEST_F(locale_independence, of_numbers_in_equation_files) {
 
 TEST_F(locale_independence, of_a_stands_export) {
   const std::string file = scratch.file("stand.csv");
-  std::ofstream(file) << standHeader() << '\n' << exportLine("1001", {{1, "1.5"}, {2, "2e-3"}}) << '\n';
+  std::ofstream(file) << standHeader() << '\n'
+                      << exportLine("1001", {{1, "1.5"}, {2, "2e-3"}}) << '\n';
   expectSame([&] {
     const ValueTable points = standPoints(openDatabase(file), "1001");
     return std::vector<Value>{points(0, 0), points(1, 0)};

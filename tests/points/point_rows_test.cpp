@@ -36,7 +36,8 @@ int errorNumberOf(const std::function<void()>& body) {
 }
 
 TEST(points_from_rows, takes_the_fields_by_name_in_the_order_of_the_rows) {
-  auto rows = recordsetOf({{"seriesID", "Strouhal", "ROSHKO"}, {{1.0, 7.5, 100.0}, {1.0, 6.5, 50.0}}});
+  auto rows =
+      recordsetOf({{"seriesID", "Strouhal", "ROSHKO"}, {{1.0, 7.5, 100.0}, {1.0, 6.5, 50.0}}});
   EXPECT_EQ(pointsFromRows(*rows), (PointArray{{100, 7.5}, {50, 6.5}}));
 }
 

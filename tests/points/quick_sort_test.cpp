@@ -22,7 +22,10 @@ using Row = std::vector<double>;
 class SortModel {
  public:
   SortModel(std::vector<Row> unsorted, std::size_t column, std::size_t lastColumn, bool ascending)
-      : rows(std::move(unsorted)), column_(column), lastColumn_(lastColumn), ascending_(ascending) {}
+      : rows(std::move(unsorted)),
+        column_(column),
+        lastColumn_(lastColumn),
+        ascending_(ascending) {}
 
   void sort(int low, int high) {
     int i = low;

@@ -239,7 +239,8 @@ TEST_F(calibration_import, of_more_runs_than_16_bits_count_copies_none) {
   for (int run = 0; run < 32768; ++run) addRun("Oil", "1001");
   wanted.Create_RotorA = true;
   const MeterInfo meter = importFrom(nullptr);
-  EXPECT_THAT(boxes, ElementsAre(Box{"Error in modFlow:copyCalData \r\nOverflow", 16, "Error Pelmora"}));
+  EXPECT_THAT(boxes,
+              ElementsAre(Box{"Error in modFlow:copyCalData \r\nOverflow", 16, "Error Pelmora"}));
   EXPECT_THAT(meter.Series, SizeIs(4));
   EXPECT_THAT(lines("select * from CalSetup"), IsEmpty());
 }

@@ -15,7 +15,9 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-SeriesReport seriesOf(const SeriesInput& input) { return buildReport(reportOf(input)).series.front(); }
+SeriesReport seriesOf(const SeriesInput& input) {
+  return buildReport(reportOf(input)).series.front();
+}
 
 std::vector<std::string> kinds(const SeriesReport& series) {
   std::vector<std::string> list;
@@ -118,7 +120,8 @@ TEST(build_report, finds_raw_points_that_have_changed_since_the_merge) {
 
 TEST(build_report, puts_the_warnings_of_the_fit_into_the_remarks) {
   SeriesInput input = straightSeries();
-  input.refit.outcome.Warnings.push_back({CurveWarningKind::fewLevels, 1, 100, 0, "2 parameters for 2 levels"});
+  input.refit.outcome.Warnings.push_back(
+      {CurveWarningKind::fewLevels, 1, 100, 0, "2 parameters for 2 levels"});
   const SeriesReport series = seriesOf(input);
   ASSERT_THAT(kinds(series), ElementsAre("fewLevels"));
   EXPECT_EQ(series.remarks[0].text, "2 parameters for 2 levels.");
@@ -140,7 +143,8 @@ TEST(build_report, keeps_the_stored_report_with_plain_line_ends) {
   EXPECT_EQ(seriesOf(straightSeries()).storedText, "Results for model: \nDescription: Line\n");
 }
 
-// printf 'Rotor A\t1\t1\t10\nRotor A\t1\t50\t505\nRotor A\t2\t20\t100\nRotor A\t2\t100\t1000\n' | sha256sum
+// printf 'Rotor A\t1\t1\t10\nRotor A\t1\t50\t505\nRotor A\t2\t20\t100\nRotor A\t2\t100\t1000\n' |
+// sha256sum
 TEST(build_report, hashes_the_raw_points_as_the_documentation_says) {
   const Report report = buildReport(reportOf(straightSeries()));
   EXPECT_EQ(report.rawDataHash, "ebbb745bb9dd047168972ecbc76bbd60158c8db3e98082a209825487ddd0e468");

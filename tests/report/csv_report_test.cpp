@@ -12,7 +12,9 @@ namespace {
 
 using testing::HasSubstr;
 
-std::string csvOf(const std::string& series) { return csvReport(buildReport(reportOf(straightSeries(series)))); }
+std::string csvOf(const std::string& series) {
+  return csvReport(buildReport(reportOf(straightSeries(series))));
+}
 
 TEST(csv_report, has_one_header_and_as_many_fields_in_every_line) {
   std::istringstream lines(csvOf("Rotor A"));
@@ -41,7 +43,9 @@ TEST(csv_report, disarms_formulas) {
   }
 }
 
-TEST(csv_report, leaves_negative_numbers_numbers) { EXPECT_THAT(csvOf("Rotor A"), HasSubstr(",20,100,-50,")); }
+TEST(csv_report, leaves_negative_numbers_numbers) {
+  EXPECT_THAT(csvOf("Rotor A"), HasSubstr(",20,100,-50,"));
+}
 
 }  // namespace
 }  // namespace pelmora::report::test

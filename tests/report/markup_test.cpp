@@ -9,7 +9,8 @@ namespace pelmora::report {
 namespace {
 
 TEST(markup, escapes_what_markup_gives_a_meaning) {
-  EXPECT_EQ(escaped("<a href=\"x\">'&amp;'</a>"), "&lt;a href=&quot;x&quot;&gt;&#39;&amp;amp;&#39;&lt;/a&gt;");
+  EXPECT_EQ(escaped("<a href=\"x\">'&amp;'</a>"),
+            "&lt;a href=&quot;x&quot;&gt;&#39;&amp;amp;&#39;&lt;/a&gt;");
 }
 
 TEST(markup, keeps_characters_of_all_lengths) {

@@ -26,11 +26,13 @@ TEST(plot_scale, labels_the_decades_of_a_wide_range) {
 }
 
 TEST(plot_scale, labels_one_two_and_five_of_a_narrow_range) {
-  EXPECT_THAT(labels(PlotScale::logarithmic({1.5, 60}, 0)), ElementsAre("2", "5", "10", "20", "50"));
+  EXPECT_THAT(labels(PlotScale::logarithmic({1.5, 60}, 0)),
+              ElementsAre("2", "5", "10", "20", "50"));
 }
 
 TEST(plot_scale, ticks_less_than_half_a_decade_like_a_linear_axis) {
-  EXPECT_THAT(labels(PlotScale::logarithmic({10, 15}, 0)), ElementsAre("10", "11", "12", "13", "14", "15"));
+  EXPECT_THAT(labels(PlotScale::logarithmic({10, 15}, 0)),
+              ElementsAre("10", "11", "12", "13", "14", "15"));
 }
 
 TEST(plot_scale, is_linear_where_a_value_has_no_logarithm) {

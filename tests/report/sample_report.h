@@ -9,8 +9,8 @@
 
 namespace pelmora::report::test {
 
-// A straight curve from (1, 10) to (100, 1000); two raw parts, of which the second loses its first point to the merge;
-// a refit that repeats the curve.
+// A straight curve from (1, 10) to (100, 1000); two raw parts, of which the second loses its first
+// point to the merge; a refit that repeats the curve.
 inline SeriesInput straightSeries(const std::string& name = "Rotor A") {
   SeriesInput input;
   input.stored.SeriesName = name;

@@ -32,7 +32,9 @@ TEST(table_reading, tells_no_per_cent_of_zero) {
   EXPECT_EQ(table.deviationPercent(3, -9), 10);
 }
 
-TEST(table_reading, without_points_reads_nothing) { EXPECT_EQ(TableReading(PointArray()).at(1), std::nullopt); }
+TEST(table_reading, without_points_reads_nothing) {
+  EXPECT_EQ(TableReading(PointArray()).at(1), std::nullopt);
+}
 
 }  // namespace
 }  // namespace pelmora::report

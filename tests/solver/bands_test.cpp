@@ -29,8 +29,10 @@ TEST(bands, quantiles_agree_with_another_program) {
   const json all = reference();
   ASSERT_EQ(all.at("quantiles").size(), 45U);
   for (const json& entry : all.at("quantiles")) {
-    const double probability = entry.at("probability"), freedom = entry.at("freedom"), t = entry.at("t");
-    EXPECT_NEAR(twoSidedStudentT(probability, freedom) / t, 1, ofQuantile) << probability << " " << freedom;
+    const double probability = entry.at("probability"), freedom = entry.at("freedom"),
+                 t = entry.at("t");
+    EXPECT_NEAR(twoSidedStudentT(probability, freedom) / t, 1, ofQuantile)
+        << probability << " " << freedom;
   }
 }
 
@@ -38,7 +40,8 @@ TEST(bands, half_widths_agree_with_another_program) {
   const json all = reference();
   ASSERT_EQ(all.at("fits").size(), 3U);
   for (const json& entry : all.at("fits")) {
-    const auto model = fitOf(entry.at("expression"), entry.at("x").get<Numbers>(), entry.at("y").get<Numbers>());
+    const auto model =
+        fitOf(entry.at("expression"), entry.at("x").get<Numbers>(), entry.at("y").get<Numbers>());
     ASSERT_TRUE(model->solutionFound()) << entry.at("name");
     FitOutcome outcome;
     outcome.Equations.resize(1);
@@ -50,10 +53,15 @@ TEST(bands, half_widths_agree_with_another_program) {
     ASSERT_EQ(outcome.ConfidenceHalfWidth.size(), at.size());
     ASSERT_EQ(outcome.PredictionHalfWidth.size(), at.size());
     for (std::size_t k = 0; k < at.size(); ++k) {
-      const std::string place = entry.at("name").get<std::string>() + " at " + std::to_string(at[k]);
+      const std::string place =
+          entry.at("name").get<std::string>() + " at " + std::to_string(at[k]);
       EXPECT_NEAR(curve[k] / entry.at("curve")[k].get<double>(), 1, 1e-14) << place;
-      EXPECT_NEAR(outcome.ConfidenceHalfWidth[k] / entry.at("confidence")[k].get<double>(), 1, ofQuantile) << place;
-      EXPECT_NEAR(outcome.PredictionHalfWidth[k] / entry.at("prediction")[k].get<double>(), 1, ofQuantile) << place;
+      EXPECT_NEAR(outcome.ConfidenceHalfWidth[k] / entry.at("confidence")[k].get<double>(), 1,
+                  ofQuantile)
+          << place;
+      EXPECT_NEAR(outcome.PredictionHalfWidth[k] / entry.at("prediction")[k].get<double>(), 1,
+                  ofQuantile)
+          << place;
     }
   }
 }

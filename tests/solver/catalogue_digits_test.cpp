@@ -19,13 +19,16 @@ struct WorstDigits {
   double parameters = 99, errors = 99, statistics = 99, curve = 99;
 };
 
-WorstDigits digitsOf(const FitModel& model, const QuadReference& reference, std::size_t p, double low) {
+WorstDigits digitsOf(const FitModel& model, const QuadReference& reference, std::size_t p,
+                     double low) {
   const QuadFit exact = reference.fit(p);
   WorstDigits worst;
   const auto parameters = model.parameters();
   for (std::size_t k = 0; k < p; ++k) {
-    worst.parameters = std::min(worst.parameters, agreeingDigits(parameters[k].Value, exact.parameters[k]));
-    worst.errors = std::min(worst.errors, agreeingDigits(parameters[k].StandardError, exact.standardErrors[k]));
+    worst.parameters =
+        std::min(worst.parameters, agreeingDigits(parameters[k].Value, exact.parameters[k]));
+    worst.errors = std::min(worst.errors,
+                            agreeingDigits(parameters[k].StandardError, exact.standardErrors[k]));
   }
   const FitStatistics s = model.statistics();
   worst.statistics = std::min({agreeingDigits(s.ResidualStandardError, exact.residualError),
@@ -36,7 +39,8 @@ WorstDigits digitsOf(const FitModel& model, const QuadReference& reference, std:
   const auto grid = bench::workload(40, low).x;
   const auto curve = model.evaluate(grid);
   for (std::size_t k = 0; k < grid.size(); ++k) {
-    worst.curve = std::min(worst.curve, agreeingDigits(curve[k], reference.valueAt(exact, grid[k])));
+    worst.curve =
+        std::min(worst.curve, agreeingDigits(curve[k], reference.valueAt(exact, grid[k])));
   }
   return worst;
 }
@@ -70,8 +74,8 @@ TEST_P(CatalogueDigits, agree_with_quadruple_precision) {
 }
 
 INSTANTIATE_TEST_SUITE_P(of, CatalogueDigits,
-                         testing::Combine(testing::Values(std::size_t{50}, std::size_t{500}, std::size_t{5000},
-                                                          std::size_t{32000}),
+                         testing::Combine(testing::Values(std::size_t{50}, std::size_t{500},
+                                                          std::size_t{5000}, std::size_t{32000}),
                                           testing::Values(40.0, 0.4, 2.0, 1.4)));
 
 }  // namespace

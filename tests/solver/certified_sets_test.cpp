@@ -16,9 +16,12 @@ constexpr double linearDigits = 13, nonlinearDigits = 11.5, nonlinearErrorDigits
 // `attainable...` is itself given to a tenth of a digit.
 constexpr double printedTenth = 0.1;
 
-double promised(double digits, double attainable) { return std::min(digits, attainable - printedTenth); }
+double promised(double digits, double attainable) {
+  return std::min(digits, attainable - printedTenth);
+}
 
-void expectParameters(const FitModel& model, const StrdSet& set, double digits, double errorDigits) {
+void expectParameters(const FitModel& model, const StrdSet& set, double digits,
+                      double errorDigits) {
   const auto parameters = model.parameters();
   ASSERT_EQ(parameters.size(), set.parameters.size());
   for (std::size_t k = 0; k < parameters.size(); ++k) {
@@ -42,11 +45,15 @@ TEST(certified_sets, linear_sets_have_13_digits) {
     const FitStatistics statistics = model->statistics();
     EXPECT_EQ(statistics.Iterations, 0);
     EXPECT_EQ(statistics.Observations, static_cast<int>(set.y.size()));
-    EXPECT_GE(agreeingDigits(statistics.ResidualStandardError, set.residualError), linearDigits) << set.name;
-    EXPECT_GE(agreeingDigits(statistics.ResidualSumOfSquares, set.residualSquares), linearDigits) << set.name;
+    EXPECT_GE(agreeingDigits(statistics.ResidualStandardError, set.residualError), linearDigits)
+        << set.name;
+    EXPECT_GE(agreeingDigits(statistics.ResidualSumOfSquares, set.residualSquares), linearDigits)
+        << set.name;
     EXPECT_GE(agreeingDigits(statistics.RSquared, set.rSquared), linearDigits) << set.name;
-    EXPECT_GE(agreeingDigits(statistics.AdjustedRSquared, set.adjustedRSquared), linearDigits) << set.name;
-    EXPECT_GE(agreeingDigits(statistics.RegressionSumOfSquares, set.regressionSquares), linearDigits)
+    EXPECT_GE(agreeingDigits(statistics.AdjustedRSquared, set.adjustedRSquared), linearDigits)
+        << set.name;
+    EXPECT_GE(agreeingDigits(statistics.RegressionSumOfSquares, set.regressionSquares),
+              linearDigits)
         << set.name;
     ++fitted;
   }
@@ -89,7 +96,8 @@ TEST(certified_sets, nonlinear_sets_are_solved_from_own_starts) {
   }
 }
 
-// The printed 11 digits are worth 10.3 where the first of them is a 1 or the last is rounded by half.
+// The printed 11 digits are worth 10.3 where the first of them is a 1 or the last is rounded by
+// half.
 constexpr double printedDigits = 10.1;
 
 void expectPrinted(const StrdSet& set, const std::vector<double>& start) {
@@ -98,12 +106,15 @@ void expectPrinted(const StrdSet& set, const std::vector<double>& start) {
   const auto parameters = model->parameters();
   ASSERT_EQ(parameters.size(), set.parameters.size());
   for (std::size_t k = 0; k < parameters.size(); ++k) {
-    EXPECT_GE(agreeingDigits(parameters[k].Value, set.parameters[k]), printedDigits) << set.name << " " << k;
+    EXPECT_GE(agreeingDigits(parameters[k].Value, set.parameters[k]), printedDigits)
+        << set.name << " " << k;
     if (set.standardErrors.empty()) continue;
     EXPECT_GE(agreeingDigits(parameters[k].StandardError, set.standardErrors[k]), printedDigits)
         << set.name << " " << k;
   }
-  EXPECT_GE(agreeingDigits(model->statistics().ResidualSumOfSquares, set.residualSquares), printedDigits) << set.name;
+  EXPECT_GE(agreeingDigits(model->statistics().ResidualSumOfSquares, set.residualSquares),
+            printedDigits)
+      << set.name;
 }
 
 TEST(certified_sets, further_sets_are_solved_from_start_1) {
@@ -118,7 +129,8 @@ TEST(certified_sets, further_sets_are_solved_from_own_starts) {
   for (const StrdSet& set : moreStrdSets()) {
     const auto model = fitOf(set.model, set.x[0], set.y);
     ASSERT_TRUE(model->solutionFound()) << set.name << ": " << model->failureReason();
-    EXPECT_GE(agreeingDigits(model->statistics().ResidualSumOfSquares, set.residualSquares), printedDigits)
+    EXPECT_GE(agreeingDigits(model->statistics().ResidualSumOfSquares, set.residualSquares),
+              printedDigits)
         << set.name;
   }
 }
@@ -136,7 +148,8 @@ TEST(certified_sets, far_starts_do_not_lead_to_a_wrong_solution) {
     for (const StrdSet& set : sets) {
       if (!set.singleX || set.y.size() > mostPoints) continue;
       std::vector<double> start = set.start1;
-      for (double& value : start) value *= std::pow(10.0, 1.5 * uniform()) * (uniform() < -0.7 ? -1 : 1);
+      for (double& value : start)
+        value *= std::pow(10.0, 1.5 * uniform()) * (uniform() < -0.7 ? -1 : 1);
       const auto model = fitOf(set.model, set.x[0], set.y, start);
       ASSERT_TRUE(model->solutionFound()) << set.name << ": " << model->failureReason();
       EXPECT_GE(agreeingDigits(model->statistics().ResidualSumOfSquares, set.residualSquares),

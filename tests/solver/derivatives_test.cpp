@@ -12,11 +12,20 @@ namespace {
 
 using Exact = BlockEvaluator<DoubleDouble>;
 
-const std::vector<std::string> equations{
-    "a*(1-exp(-b*x))", "exp(-a*x)/(b+c*x)", "a*x^b", "a*(b+x)^(-1/c)", "(a+b*x+c*x^2)/(1+d*x)",
-    "a-b*x-atan(c/(x-d))/pi", "a+b*cos(c*x)+d*sin(c*x)", "sinh(a*x)+cosh(b*x)+tanh(c*x)",
-    "asin(a*x/9)+acos(b*x/9)+tan(c*x/9)", "ln(a*x)+log(b*x)+sqrt(c*x)", "abs(a-b*x)*abs(c)", "x^a^b",
-    "(a/b)*exp(-0.5*((x-c)/b)^2)", "-a^3+(b*x)^-2"};
+const std::vector<std::string> equations{"a*(1-exp(-b*x))",
+                                         "exp(-a*x)/(b+c*x)",
+                                         "a*x^b",
+                                         "a*(b+x)^(-1/c)",
+                                         "(a+b*x+c*x^2)/(1+d*x)",
+                                         "a-b*x-atan(c/(x-d))/pi",
+                                         "a+b*cos(c*x)+d*sin(c*x)",
+                                         "sinh(a*x)+cosh(b*x)+tanh(c*x)",
+                                         "asin(a*x/9)+acos(b*x/9)+tan(c*x/9)",
+                                         "ln(a*x)+log(b*x)+sqrt(c*x)",
+                                         "abs(a-b*x)*abs(c)",
+                                         "x^a^b",
+                                         "(a/b)*exp(-0.5*((x-c)/b)^2)",
+                                         "-a^3+(b*x)^-2"};
 
 Exact::Letters letters() {
   Exact::Letters result{};
@@ -31,8 +40,8 @@ DoubleDouble valueAt(const Expression& expression, const Exact::Letters& at, dou
   return evaluator.value(expression.root)[0];
 }
 
-// Central differences of step h are off by h^2 times the third derivative, and double-double rounding
-// by 1e-30 / h: 1e-18 at h = 1e-10.
+// Central differences of step h are off by h^2 times the third derivative, and double-double
+// rounding by 1e-30 / h: 1e-18 at h = 1e-10.
 TEST(derivatives, gradients_agree_with_central_differences) {
   const double h = 1e-10;
   for (const auto& text : equations) {
@@ -48,7 +57,8 @@ TEST(derivatives, gradients_agree_with_central_differences) {
         const DoubleDouble difference =
             (valueAt(expression, above, x) - valueAt(expression, below, x)) / DoubleDouble(2 * h);
         const DoubleDouble slope = evaluator.gradient(letter)[0];
-        EXPECT_NEAR((slope - difference).hi, 0, 1e-16 * (1 + std::fabs(slope.hi))) << text << " " << letter;
+        EXPECT_NEAR((slope - difference).hi, 0, 1e-16 * (1 + std::fabs(slope.hi)))
+            << text << " " << letter;
       }
     }
   }

@@ -33,8 +33,8 @@ TEST(design, longley_has_13_digits) {
   ASSERT_EQ(factor.rank, p);
   const DoubleDouble mean = sum(set.y) / DoubleDouble(static_cast<double>(set.y.size()));
   const Solution solution =
-      solutionOfTerms(std::make_shared<const NestedFit>(makeTermsFit(std::move(factor))), set.y.size(),
-                      squaresAbout(set.y, mean), 1);
+      solutionOfTerms(std::make_shared<const NestedFit>(makeTermsFit(std::move(factor))),
+                      set.y.size(), squaresAbout(set.y, mean), 1);
   for (std::size_t k = 0; k < p; ++k) {
     EXPECT_GE(agreeingDigits(solution.parameters[k].hi, set.parameters[k]), 13) << k;
     EXPECT_GE(agreeingDigits(solution.standardErrors[k], set.standardErrors[k]), 13) << k;
@@ -97,7 +97,9 @@ TEST(design, nelson_is_solved_from_both_starts) {
     EXPECT_GE(agreeingDigits(end.fit->factor.residualSquares[3].hi, set.residualSquares), 13);
     for (std::size_t k = 0; k < 3; ++k) {
       EXPECT_GE(agreeingDigits(end.parameters[k].hi, set.parameters[k]), 11.5) << k;
-      EXPECT_GE(agreeingDigits(sqrt(variance * end.fit->unitCovariance(3, k, k)).hi, set.standardErrors[k]), 10)
+      EXPECT_GE(agreeingDigits(sqrt(variance * end.fit->unitCovariance(3, k, k)).hi,
+                               set.standardErrors[k]),
+                10)
           << k;
     }
   }

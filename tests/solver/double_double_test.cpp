@@ -31,8 +31,14 @@ struct Function {
 
 TEST(double_double, functions_have_28_digits) {
   const std::vector<Function> functions{
-      {"exp", [](DoubleDouble a) { return exp(a); }, expq, {-2000, -30, -1, 1e-9, 0.7, 5, 100, 2100}},
-      {"log", [](DoubleDouble a) { return log(a); }, logq, {1e-300, 0.3, 2.9999, 3.0001, 3.4, 20, 1e300}},
+      {"exp",
+       [](DoubleDouble a) { return exp(a); },
+       expq,
+       {-2000, -30, -1, 1e-9, 0.7, 5, 100, 2100}},
+      {"log",
+       [](DoubleDouble a) { return log(a); },
+       logq,
+       {1e-300, 0.3, 2.9999, 3.0001, 3.4, 20, 1e300}},
       {"sqrt", [](DoubleDouble a) { return sqrt(a); }, sqrtq, {1e-200, 0.5, 2, 1e200}},
       {"sin", [](DoubleDouble a) { return sin(a); }, sinq, {1e-9, 1, 2, 5, -7, 100, 12345}},
       {"cos", [](DoubleDouble a) { return cos(a); }, cosq, {1e-9, 1, 2, 5, -7, 100, 12345}},
@@ -77,8 +83,9 @@ TEST(double_double, values_outside_the_domain_are_no_numbers) {
 }
 
 TEST(double_double, decimals_are_read_beyond_double_precision) {
-  for (const std::string text : {"0.1", "3.14159265358979323846264338327950288", "123456789012345678901234567890",
-                                 "1e-20", "2.5E+30", ".3333333333333333333333333333"}) {
+  for (const std::string text :
+       {"0.1", "3.14159265358979323846264338327950288", "123456789012345678901234567890", "1e-20",
+        "2.5E+30", ".3333333333333333333333333333"}) {
     const DecimalNumber number = readDecimalNumber(text);
     EXPECT_EQ(number.length, text.size());
     EXPECT_EQ(number.value.hi, std::stod(text)) << text;

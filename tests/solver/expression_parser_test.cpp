@@ -106,8 +106,10 @@ TEST(expression_parser, hostile_texts_are_refused_without_harm) {
   std::string powers = "x";
   for (int k = 0; k < 500; ++k) powers += "^x";
   EXPECT_NE(failureOf(powers).find("more than 100 levels"), std::string::npos);
-  EXPECT_EQ(failureOf(std::string(1'000'000, 'a')), "the expression is longer than 4000 characters");
-  EXPECT_EQ(failureOf(std::string("a+\0b", 4)), "expected a number, a name or '(' before a strange character at position 3");
+  EXPECT_EQ(failureOf(std::string(1'000'000, 'a')),
+            "the expression is longer than 4000 characters");
+  EXPECT_EQ(failureOf(std::string("a+\0b", 4)),
+            "expected a number, a name or '(' before a strange character at position 3");
   EXPECT_NE(failureOf("a+\xC3\xA4*x"), "none");
 }
 

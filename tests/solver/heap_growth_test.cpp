@@ -44,7 +44,8 @@ struct Heap {
   bool operator==(const Heap&) const = default;
 };
 
-void fitAndAsk(FitEngine& engine, const std::string& expression, const std::shared_ptr<const FitData>& data) {
+void fitAndAsk(FitEngine& engine, const std::string& expression,
+               const std::shared_ptr<const FitData>& data) {
   const auto model = engine.createModel();
   model->Definition = {"any", expression};
   model->Settings.First = 20;  // enough to take and give back; the answer does not matter here
@@ -98,7 +99,8 @@ TEST(heap_growth, an_engine_that_lives_on_keeps_the_last_points_only) {
 
 TEST(heap_growth, failures_and_searches_leave_nothing_behind) {
   const auto data = pointsFrom(40);
-  const std::vector<std::string> expressions{"a+b*log(x", "a+b*x+c*x", "ln(a-x)*b", "a+b/(x+c)", "a*x+b*sqrt(x)"};
+  const std::vector<std::string> expressions{"a+b*log(x", "a+b*x+c*x", "ln(a-x)*b", "a+b/(x+c)",
+                                             "a*x+b*sqrt(x)"};
   const auto engine = createSolver();
   for (const auto& expression : expressions) fitAndAsk(*engine, expression, data);
   const Heap before;

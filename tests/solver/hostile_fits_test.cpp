@@ -29,26 +29,29 @@ TEST(hostile_fits, a_minimum_at_infinity_is_no_solution) {
   EXPECT_FALSE(model->solutionFound()) << model->parameters()[1].Value;
 }
 
-// For a, c and d without bounds, in fixed proportions, MGH09 tends to the curve of fewer parameters; the
-// standard errors there are so vast that any step looks negligible beside them.
+// For a, c and d without bounds, in fixed proportions, MGH09 tends to the curve of fewer
+// parameters; the standard errors there are so vast that any step looks negligible beside them.
 TEST(hostile_fits, the_way_to_infinity_is_not_taken_for_its_end) {
   const StrdSet set = strdSet("MGH09");
   const auto expression = solver::parseExpression(set.model);
   const auto model = solver::makeExpressionModel(expression, set.x[0], set.y);
-  EXPECT_THROW((void)solver::lowestMinimum(*model, {{-9.839e12, -0.04778, -1.443e14, 9.836e12}}, {}),
-               solver::NoSolution);
+  EXPECT_THROW(
+      (void)solver::lowestMinimum(*model, {{-9.839e12, -0.04778, -1.443e14, 9.836e12}}, {}),
+      solver::NoSolution);
 }
 
 TEST(hostile_fits, equations_that_are_finite_nowhere_are_no_solution) {
   for (const char* text : {"a*ln(-abs(b)-x)", "sqrt(-1-a^2)*x", "a^b*ln(0)", "asin(2+abs(a))*b"}) {
     const auto model = fitOf(text, someX, someY);
     EXPECT_FALSE(model->solutionFound()) << text;
-    EXPECT_NE(model->failureReason().find("not finite"), std::string::npos) << model->failureReason();
+    EXPECT_NE(model->failureReason().find("not finite"), std::string::npos)
+        << model->failureReason();
   }
 }
 
 TEST(hostile_fits, a_wrong_number_of_start_values_is_no_solution) {
-  EXPECT_EQ(fitOf("a*exp(b*x)", someX, someY, {1})->failureReason(), "1 start values for 2 parameters");
+  EXPECT_EQ(fitOf("a*exp(b*x)", someX, someY, {1})->failureReason(),
+            "1 start values for 2 parameters");
 }
 
 TEST(hostile_fits, start_values_that_are_not_finite_are_no_solution) {
@@ -67,12 +70,14 @@ TEST(hostile_fits, the_longest_nonlinear_equation_over_many_points_ends_in_time)
   GTEST_SKIP() << "the clock is that of an optimised build";
 #endif
   std::string text = "a*exp(b*x)";
-  while (text.size() + 16 < solver::longestExpression) text += "+sin(c*x+" + std::to_string(text.size()) + ")";
+  while (text.size() + 16 < solver::longestExpression)
+    text += "+sin(c*x+" + std::to_string(text.size()) + ")";
   std::vector<double> x, y;
   for (int k = 0; k < 2000; ++k) x.push_back(k * 1e-4), y.push_back(std::cos(k * 0.01));
   const auto start = std::chrono::steady_clock::now();
   const auto model = fitOf(text, x, y);
-  EXPECT_EQ(model->failureReason().find("cannot be read"), std::string::npos) << model->failureReason();
+  EXPECT_EQ(model->failureReason().find("cannot be read"), std::string::npos)
+      << model->failureReason();
   const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
   EXPECT_LT(took.count(), 60);  // far less on a quiet machine
 }

@@ -15,10 +15,13 @@ namespace pelmora::solver {
 namespace {
 
 // Bits of all that one instruction set makes of n points.
-std::vector<double> everythingOf(const PointKernels& kernels, std::size_t n, const LogTable& table) {
+std::vector<double> everythingOf(const PointKernels& kernels, std::size_t n,
+                                 const LogTable& table) {
   const auto points = bench::workload(n + 2, 2);  // two at least for its spacing
   std::vector<double> found;
-  const auto keep = [&found](DoubleDouble value) { found.insert(found.end(), {value.hi, value.lo}); };
+  const auto keep = [&found](DoubleDouble value) {
+    found.insert(found.end(), {value.hi, value.lo});
+  };
   Column u(n);
   kernels.logarithms(points.x.data(), {u.hi.data(), u.lo.data()}, n, table);
   const ConstPair pair{u.hi.data(), u.lo.data()};
@@ -40,7 +43,8 @@ std::vector<double> everythingOf(const PointKernels& kernels, std::size_t n, con
     for (const DoubleDouble value : squares) keep(value);
     for (const DoubleDouble value : products) keep(value);
     std::vector<double> values(n);
-    kernels.curve({pair, products.data(), products.size(), n, lowest, task.middle, task.stretch, values.data()});
+    kernels.curve({pair, products.data(), products.size(), n, lowest, task.middle, task.stretch,
+                   values.data()});
     found.insert(found.end(), values.begin(), values.end());
   }
   Column a = u;
@@ -55,7 +59,14 @@ std::vector<double> everythingOf(const PointKernels& kernels, std::size_t n, con
 struct Triangles {
   std::vector<DoubleDouble> squares, products, r, z, inverse, m, n, sums;
   explicit Triangles(std::size_t p)
-      : squares(2 * p - 1), products(p), r(p * p), z(p), inverse(p), m(p * p), n(p * p), sums(p * p) {}
+      : squares(2 * p - 1),
+        products(p),
+        r(p * p),
+        z(p),
+        inverse(p),
+        m(p * p),
+        n(p * p),
+        sums(p * p) {}
   bool operator==(const Triangles&) const = default;
 };
 
@@ -66,12 +77,14 @@ Triangles trianglesOf(const PointKernels& kernels, std::size_t p) {
     const auto order = static_cast<double>(m);
     t.squares[m] = DoubleDouble(2) / DoubleDouble(1 - order * order);
   }
-  for (std::size_t k = 0; k < p; ++k) t.products[k] = DoubleDouble(1) / DoubleDouble(static_cast<double>(k + 3));
+  for (std::size_t k = 0; k < p; ++k)
+    t.products[k] = DoubleDouble(1) / DoubleDouble(static_cast<double>(k + 3));
   const std::size_t rank = kernels.eliminate(
       {t.squares.data(), t.products.data(), p, 1e-6, t.r.data(), t.z.data(), t.inverse.data()});
   EXPECT_EQ(rank, p);
   kernels.chebyshevPowers(DoubleDouble(-1) / DoubleDouble(3), 0.3, p, p, t.m.data());
-  kernels.nest({t.r.data(), t.z.data(), t.inverse.data(), t.m.data(), rank, p, p, t.n.data(), t.sums.data()});
+  kernels.nest({t.r.data(), t.z.data(), t.inverse.data(), t.m.data(), rank, p, p, t.n.data(),
+                t.sums.data()});
   return t;
 }
 
@@ -79,7 +92,8 @@ TEST(point_kernels, every_instruction_set_does_the_same_algebra) {
   const auto runnable = runnablePointKernels();
   for (const std::size_t p : {1U, 2U, 7U, 8U, 9U, 16U, 25U}) {
     const auto plain = trianglesOf(*runnable.front(), p);
-    for (const PointKernels* kernels : runnable) EXPECT_TRUE(trianglesOf(*kernels, p) == plain) << p;
+    for (const PointKernels* kernels : runnable)
+      EXPECT_TRUE(trianglesOf(*kernels, p) == plain) << p;
   }
 }
 
@@ -89,13 +103,15 @@ TEST(point_kernels, triangles_solve_what_they_are_made_of) {
   constexpr std::size_t p = 25;
   const Triangles t = trianglesOf(pointKernels(), p);
   for (std::size_t k = 0; k < p; ++k) {
-    EXPECT_LE(static_cast<double>(fabsq(exactly(t.r[k * p + k]) * exactly(t.inverse[k]) - 1)), 1e-30);
+    EXPECT_LE(static_cast<double>(fabsq(exactly(t.r[k * p + k]) * exactly(t.inverse[k]) - 1)),
+              1e-30);
     __float128 product = 0;
     for (std::size_t i = 0; i <= k; ++i) product += exactly(t.r[i * p + k]) * exactly(t.z[i]);
     EXPECT_LE(static_cast<double>(fabsq(product - exactly(t.products[k]))), 1e-29) << k;
     for (std::size_t j = k; j < p; ++j) {
       __float128 square = 0, expansion = 0, sum = 0, size = 0;
-      for (std::size_t i = 0; i <= k; ++i) square += exactly(t.r[i * p + k]) * exactly(t.r[i * p + j]);
+      for (std::size_t i = 0; i <= k; ++i)
+        square += exactly(t.r[i * p + k]) * exactly(t.r[i * p + j]);
       const __float128 wanted = (exactly(t.squares[j + k]) + exactly(t.squares[j - k])) / 2;
       EXPECT_LE(static_cast<double>(fabsq(square - wanted)), 1e-29) << k << " " << j;
       for (std::size_t i = k; i <= j; ++i) {  // n R = m, and the sums of n z
@@ -103,14 +119,19 @@ TEST(point_kernels, triangles_solve_what_they_are_made_of) {
         sum += exactly(t.n[k * p + i]) * exactly(t.z[i]);
         size += fabsq(exactly(t.n[k * p + i]));
       }
-      EXPECT_LE(static_cast<double>(fabsq(expansion - exactly(t.m[k * p + j])) / size), 1e-28) << k << " " << j;
-      EXPECT_LE(static_cast<double>(fabsq(sum - exactly(t.sums[k * p + j])) / size), 1e-28) << k << " " << j;
+      EXPECT_LE(static_cast<double>(fabsq(expansion - exactly(t.m[k * p + j])) / size), 1e-28)
+          << k << " " << j;
+      EXPECT_LE(static_cast<double>(fabsq(sum - exactly(t.sums[k * p + j])) / size), 1e-28)
+          << k << " " << j;
     }
   }
   // T(3) of t = -1/3 + 0.3 u is 4 t^3 - 3 t.
-  const __float128 shift = exactly(DoubleDouble(-1) / DoubleDouble(3)), slope = static_cast<__float128>(0.3);
-  EXPECT_LE(static_cast<double>(fabsq(exactly(t.m[3]) - (4 * shift * shift * shift - 3 * shift))), 1e-30);
-  EXPECT_LE(static_cast<double>(fabsq(exactly(t.m[2 * p + 3]) - 12 * shift * slope * slope)), 1e-30);
+  const __float128 shift = exactly(DoubleDouble(-1) / DoubleDouble(3)),
+                   slope = static_cast<__float128>(0.3);
+  EXPECT_LE(static_cast<double>(fabsq(exactly(t.m[3]) - (4 * shift * shift * shift - 3 * shift))),
+            1e-30);
+  EXPECT_LE(static_cast<double>(fabsq(exactly(t.m[2 * p + 3]) - 12 * shift * slope * slope)),
+            1e-30);
 }
 
 TEST(point_kernels, every_instruction_set_finds_finds_the_same_digits) {
@@ -127,7 +148,8 @@ TEST(point_kernels, every_instruction_set_finds_finds_the_same_digits) {
 }
 
 TEST(point_kernels, logarithms_have_30_digits_of_their_size_or_of_1) {
-  std::vector<double> x{1, 2, 0.5, 10, 1.0078125, 0.999999999, 1.000000001, 1e-300, 1e300, 5e-324, 1e-310};
+  std::vector<double> x{1,           2,      0.5,   10,     1.0078125, 0.999999999,
+                        1.000000001, 1e-300, 1e300, 5e-324, 1e-310};
   for (int k = 1; k < 2000; ++k) x.push_back(0.0031 * k);
   const Column found = logarithms(x);
   for (std::size_t k = 0; k < x.size(); ++k) {
@@ -158,7 +180,8 @@ TEST(point_kernels, moments_are_those_of_quadruple_precision) {
     std::vector<__float128> squares(11), products(6);
     __float128 squareSize = 0, productSize = 0;
     for (std::size_t k = 0; k < points.x.size(); ++k) {
-      const __float128 exactU = static_cast<__float128>(u.hi[k]) + u.lo[k], t = (exactU - 4.75) * static_cast<__float128>(0.24);
+      const __float128 exactU = static_cast<__float128>(u.hi[k]) + u.lo[k],
+                       t = (exactU - 4.75) * static_cast<__float128>(0.24);
       const __float128 w = powq(exactU, lowest);
       squareSize += largest;
       productSize += largest * fabsq(points.y[k] / w);
@@ -171,7 +194,8 @@ TEST(point_kernels, moments_are_those_of_quadruple_precision) {
       }
     }
     const auto error = [](DoubleDouble value, __float128 exact, __float128 size) {
-      return static_cast<double>(fabsq(static_cast<__float128>(value.hi) + value.lo - exact) / size);
+      return static_cast<double>(fabsq(static_cast<__float128>(value.hi) + value.lo - exact) /
+                                 size);
     };
     for (std::size_t m = 0; m < 11; ++m) {
       EXPECT_LE(error(found.squares[m], squares[m], squareSize), 1e-28) << lowest << " " << m;

@@ -34,8 +34,8 @@ std::vector<Quad> QuadReference::termsAt(double x) const {
   return terms;
 }
 
-QuadReference::QuadReference(const std::vector<double>& x, const std::vector<double>& y, bool decimal,
-                             std::vector<int> exponents)
+QuadReference::QuadReference(const std::vector<double>& x, const std::vector<double>& y,
+                             bool decimal, std::vector<int> exponents)
     : decimal_(decimal), exponents_(std::move(exponents)), n_(x.size()) {
   const std::size_t p = exponents_.size();
   std::vector<std::vector<Quad>> columns(p, std::vector<Quad>(n_));

@@ -13,7 +13,8 @@ __extension__ using Quad = __float128;
 // A fit of the first p terms for some p. Shape: p parameters; the rest as FitStatistics has them.
 struct QuadFit {
   std::vector<Quad> parameters, standardErrors;
-  Quad residualSquares = 0, residualError = 0, rSquared = 0, adjustedRSquared = 0, regressionSquares = 0;
+  Quad residualSquares = 0, residualError = 0, rSquared = 0, adjustedRSquared = 0,
+       regressionSquares = 0;
 };
 
 class QuadReference {

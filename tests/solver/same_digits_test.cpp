@@ -21,7 +21,8 @@ namespace {
 // Bits by what they belong to.
 using Digits = std::vector<std::pair<std::string, std::uint64_t>>;
 
-void addFit(Digits& digits, const std::string& name, const FitModel& model, const std::vector<double>& grid) {
+void addFit(Digits& digits, const std::string& name, const FitModel& model,
+            const std::vector<double>& grid) {
   const auto add = [&](const std::string& what, double value) {
     digits.emplace_back(name + ": " + what, std::bit_cast<std::uint64_t>(value));
   };
@@ -31,8 +32,9 @@ void addFit(Digits& digits, const std::string& name, const FitModel& model, cons
     add("standard error of " + parameter.Name, parameter.StandardError);
   }
   const FitStatistics s = model.statistics();
-  for (const double value : {s.ResidualStandardError, s.ResidualSumOfSquares, s.RSquared, s.AdjustedRSquared,
-                             s.RegressionSumOfSquares, static_cast<double>(s.Iterations)}) {
+  for (const double value :
+       {s.ResidualStandardError, s.ResidualSumOfSquares, s.RSquared, s.AdjustedRSquared,
+        s.RegressionSumOfSquares, static_cast<double>(s.Iterations)}) {
     add("statistics", value);
   }
   for (const double value : model.covariance()) add("covariance", value);
@@ -79,7 +81,8 @@ Digits digitsOfAll() {
 void expectSame(const Digits& found, const Digits& wanted) {
   ASSERT_EQ(found.size(), wanted.size());
   for (std::size_t k = 0; k < found.size(); ++k) {
-    EXPECT_EQ(std::bit_cast<double>(found[k].second), std::bit_cast<double>(wanted[k].second)) << found[k].first;
+    EXPECT_EQ(std::bit_cast<double>(found[k].second), std::bit_cast<double>(wanted[k].second))
+        << found[k].first;
   }
 }
 
@@ -94,11 +97,12 @@ TEST(same_digits, whole_fits_agree_on_every_set_of_instructions) {
   solver::forcePointKernels(nullptr);
 }
 
-// The C library chooses its own exp, log and sin by the processor; a child process is told to take the
-// plainest ones.
+// The C library chooses its own exp, log and sin by the processor; a child process is told to take
+// the plainest ones.
 constexpr const char* fileForDigits = "PELMORA_FILE_FOR_DIGITS";
 constexpr const char* plainLibrary =
-    "GLIBC_TUNABLES=glibc.cpu.hwcaps=-AVX512F,-AVX2,-AVX,-FMA,-FMA4,-AVX2_Usable,-FMA_Usable,-FMA4_Usable";
+    "GLIBC_TUNABLES=glibc.cpu.hwcaps=-AVX512F,-AVX2,-AVX,-FMA,-FMA4,-AVX2_Usable,-FMA_Usable,-FMA4_"
+    "Usable";
 
 TEST(same_digits, whole_fits_agree_whatever_the_c_library_chooses) {
   const Digits here = digitsOfAll();
@@ -108,14 +112,16 @@ TEST(same_digits, whole_fits_agree_whatever_the_c_library_chooses) {
     return;
   }
   const std::string path = testing::TempDir() + "pelmora_digits_" + std::to_string(getpid());
-  const std::string command = std::string("env ") + plainLibrary + " " + fileForDigits + "=" + path +
-                              " /proc/" + std::to_string(getpid()) +
-                              "/exe --gtest_filter=same_digits.whole_fits_agree_whatever_the_c_library_chooses > /dev/null";
+  const std::string command =
+      std::string("env ") + plainLibrary + " " + fileForDigits + "=" + path + " /proc/" +
+      std::to_string(getpid()) +
+      "/exe --gtest_filter=same_digits.whole_fits_agree_whatever_the_c_library_chooses > /dev/null";
   ASSERT_EQ(std::system(command.c_str()), 0);
   Digits plain;
   std::ifstream file(path);
   std::uint64_t bits = 0;
-  for (std::string name; file >> bits && file.ignore() && std::getline(file, name);) plain.emplace_back(name, bits);
+  for (std::string name; file >> bits && file.ignore() && std::getline(file, name);)
+    plain.emplace_back(name, bits);
   std::remove(path.c_str());
   expectSame(plain, here);
 }

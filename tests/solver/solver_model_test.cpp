@@ -70,7 +70,8 @@ TEST(solver_model, results_are_x_observed_and_residual) {
 
 TEST(solver_model, the_curve_and_its_standard_error_are_told_at_any_x) {
   // s^2 (1/n + (x - mean)^2 / Sxx): 6 / 3 at the mean, 6 (1/3 + 4/2) at 4. Once as a polynomial and
-  // once as an equation of other terms, whose residual variance is made the same by the same points.
+  // once as an equation of other terms, whose residual variance is made the same by the same
+  // points.
   const auto model = fitOf("a+b*x", lineX, lineY);
   const std::vector<double> x{2, 4};
   EXPECT_DOUBLE_EQ(model->evaluate(x)[1], 9);
@@ -114,10 +115,12 @@ TEST(solver_model, too_few_points_are_no_solution) {
 }
 
 TEST(solver_model, parameters_that_the_data_cannot_tell_apart_are_named) {
-  EXPECT_EQ(reasonOf("a+b*x+c*x^2", {1, 2, 1, 2, 1}, {1, 2, 3, 4, 5}),
-            "the data determine only 2 of 3 parameters: the term of c depends on the others; there are "
-            "2 different values of x");
-  EXPECT_EQ(reasonOf("a+b+c*x", lineX, {4, 3, 8}), "too few points: 3 for 3 parameters, at least 4 are needed");
+  EXPECT_EQ(
+      reasonOf("a+b*x+c*x^2", {1, 2, 1, 2, 1}, {1, 2, 3, 4, 5}),
+      "the data determine only 2 of 3 parameters: the term of c depends on the others; there are "
+      "2 different values of x");
+  EXPECT_EQ(reasonOf("a+b+c*x", lineX, {4, 3, 8}),
+            "too few points: 3 for 3 parameters, at least 4 are needed");
   EXPECT_EQ(reasonOf("a+b+c*x", {1, 2, 3, 4}, {4, 3, 8, 9}),
             "the data determine only 2 of 3 parameters: the term of b depends on the others");
   EXPECT_EQ(reasonOf("a*sin(x)^2+b*cos(x)^2+c", {1, 2, 3, 4}, {4, 3, 8, 9}),
@@ -177,7 +180,8 @@ TEST(solver_model, the_log_tells_why_there_is_no_solution) {
   std::ifstream file(folder.file("log.txt"), std::ios::binary);
   const std::string text{std::istreambuf_iterator<char>(file), {}};
   EXPECT_EQ(text,
-            "Equation: Test\r\nY = a+b*x\r\nNo solution: too few points: 2 for 2 parameters, at least 3 are "
+            "Equation: Test\r\nY = a+b*x\r\nNo solution: too few points: 2 for 2 parameters, at "
+            "least 3 are "
             "needed\r\n");
 }
 

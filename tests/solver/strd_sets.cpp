@@ -24,7 +24,8 @@ long double longNumber(const json& text) {
 
 std::vector<double> doubles(const json& texts) {
   std::vector<double> result;
-  for (const auto& text : texts) result.push_back(std::strtod(text.get<std::string>().c_str(), nullptr));
+  for (const auto& text : texts)
+    result.push_back(std::strtod(text.get<std::string>().c_str(), nullptr));
   return result;
 }
 

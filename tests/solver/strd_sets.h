@@ -24,7 +24,8 @@ struct StrdSet {
 [[nodiscard]] std::vector<StrdSet> strdSets(bool linear);
 [[nodiscard]] StrdSet strdSet(const std::string& name);
 
-// The nonlinear sets of tests/data/strd_more, whose references are the certified values of 11 digits.
+// The nonlinear sets of tests/data/strd_more, whose references are the certified values of 11
+// digits.
 [[nodiscard]] std::vector<StrdSet> moreStrdSets();
 
 // -log10 of the relative error, of the absolute error where the reference is zero; at most 15.9.

@@ -14,12 +14,13 @@
 
 namespace pelmora::test {
 
-// Machines seldom have one ready: it is made once for each build folder, from the sources of Debian's package
-// locales. isSet() is false where they are missing.
+// Machines seldom have one ready: it is made once for each build folder, from the sources of
+// Debian's package locales. isSet() is false where they are missing.
 class CommaLocale {
  public:
   static constexpr const char* name = "de_DE.UTF-8";
-  static constexpr const char* missing = "no locale with a decimal comma: install the package locales";
+  static constexpr const char* missing =
+      "no locale with a decimal comma: install the package locales";
 
   // Follows the locale in these texts alone, or with LC_ALL in all.
   explicit CommaLocale(int category = LC_NUMERIC) : category_(category) {

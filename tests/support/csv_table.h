@@ -32,7 +32,8 @@ inline std::vector<CsvRow> readCsv(const std::string& path) {
   while (std::getline(stream, line)) {
     const std::vector<std::string> fields = fieldsOf(line);
     CsvRow row;
-    for (std::size_t i = 0; i < names.size(); ++i) row[names[i]] = i < fields.size() ? fields[i] : "";
+    for (std::size_t i = 0; i < names.size(); ++i)
+      row[names[i]] = i < fields.size() ? fields[i] : "";
     rows.push_back(std::move(row));
   }
   return rows;

@@ -23,8 +23,8 @@ struct FakeBandCall {
   bool ratioMode = false;
 };
 
-// A point lies inside the band when its y differs from the straight line between the segment's ends by at
-// most `percent` per cent of the line's y.
+// A point lies inside the band when its y differs from the straight line between the segment's ends
+// by at most `percent` per cent of the line's y.
 struct Segment {
   double x0 = 0, y0 = 0, x1 = 0, y1 = 0;
   [[nodiscard]] bool holds(double x, double y, double percent) const {
@@ -68,7 +68,9 @@ class FakeBandTester : public BandTester {
     for (const std::string& text : script_.statusTexts) StatusUpdate(text);
     return script_.band ? script_.band(call, bandPercent) : true;
   }
-  void SetSegment(double x0, double y0, double x1, double y1) override { segment_ = {x0, y0, x1, y1}; }
+  void SetSegment(double x0, double y0, double x1, double y1) override {
+    segment_ = {x0, y0, x1, y1};
+  }
   bool TestPoint(double x, double y) override {
     script_.bandWidths.push_back(BandWidth);
     return segment_.holds(x, y, static_cast<double>(BandWidth));

@@ -21,9 +21,10 @@ struct FakeSolution {
   std::vector<FitParameter> parameters;
   FitStatistics statistics;
   std::function<double(double)> curve = [](double x) { return x; };
-  std::function<void()> onAttach;  // may throw
+  std::function<void()> onAttach;                          // may throw
   std::function<void(std::vector<double>& y)> onEvaluate;  // may change the values or throw
-  std::function<void(std::vector<double>& y)> onSample;    // so may this; without it there are no samples
+  std::function<void(std::vector<double>& y)>
+      onSample;  // so may this; without it there are no samples
 };
 
 // One table row whose residual ratio is `ratio`.
@@ -85,7 +86,9 @@ class FakeFitModel : public FitModel {
   }
   std::vector<FitParameter> parameters() const override { return solution().parameters; }
   FitStatistics statistics() const override { return solution().statistics; }
-  void writeLog(const std::string& path) const override { script_.journal.push_back("log: " + path); }
+  void writeLog(const std::string& path) const override {
+    script_.journal.push_back("log: " + path);
+  }
 
  private:
   const FakeSolution& solution() const { return script_.solution(Definition.Name); }

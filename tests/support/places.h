@@ -6,8 +6,8 @@
 
 namespace pelmora::test {
 
-// Paths without a slash at the end. Functions instead of macros: what a test compiles to does not depend on the
-// folder that it is compiled in, so that a compiler cache serves every clone.
+// Paths without a slash at the end. Functions instead of macros: what a test compiles to does not
+// depend on the folder that it is compiled in, so that a compiler cache serves every clone.
 const std::string& sourceFolder();
 const std::string& buildFolder();
 

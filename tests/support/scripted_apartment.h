@@ -1,5 +1,5 @@
-// An apartment with a scripted database, engine and band tester, and one journal for everything that happens.
-// SPDX-License-Identifier: MIT
+// An apartment with a scripted database, engine and band tester, and one journal for everything
+// that happens. SPDX-License-Identifier: MIT
 #pragma once
 
 #include "tests/support/fake_band_tester.h"
@@ -19,9 +19,9 @@
 
 namespace pelmora::test {
 
-// Journal lines: those of RecordingConnection, "fit: ", "band test", "box: "; status texts, where the fixture on
-// top writes them, are "status: ". The equation file holds the one equation A. Meter 4711 has the id 3 and its
-// series the id 7, where the test makes them known.
+// Journal lines: those of RecordingConnection, "fit: ", "band test", "box: "; status texts, where
+// the fixture on top writes them, are "status: ". The equation file holds the one equation A. Meter
+// 4711 has the id 3 and its series the id 7, where the test makes them known.
 class ScriptedApartment : public testing::Test {
  protected:
   ScriptedApartment() {
@@ -40,27 +40,33 @@ class ScriptedApartment : public testing::Test {
     std::ofstream(folder_.file(name), std::ios::binary) << text;
   }
   ConnectionPtr connection() {
-    return std::make_shared<RecordingConnection>(std::make_shared<ScriptedConnection>(script_), log_);
+    return std::make_shared<RecordingConnection>(std::make_shared<ScriptedConnection>(script_),
+                                                 log_);
   }
 
   // The look-ups of a series: by findMeterInfo and by the fit.
   static std::string findStatement(const std::string& name = "Rotor A") {
-    return "SELECT TOP 1 series.ID AS seriesID,meter.ID, meter.ReCalID, meter.SerialNumberAdjusted from "
-           "series left join meter on series.meterid=meter.id where serialnumber='4711' AND series.name "
-           "= '" + name + "' ORDER BY ReCalID DESC";
+    return "SELECT TOP 1 series.ID AS seriesID,meter.ID, meter.ReCalID, meter.SerialNumberAdjusted "
+           "from "
+           "series left join meter on series.meterid=meter.id where serialnumber='4711' AND "
+           "series.name "
+           "= '" +
+           name + "' ORDER BY ReCalID DESC";
   }
   static std::string fitStatement() {
-    return "SELECT TOP 1 series.*, meter.recalid, meter.serialnumberadjusted from series left join meter "
-           "on series.meterid=meter.id where series.name = 'Rotor A' and meter.serialnumber='4711' ORDER "
+    return "SELECT TOP 1 series.*, meter.recalid, meter.serialnumberadjusted from series left join "
+           "meter "
+           "on series.meterid=meter.id where series.name = 'Rotor A' and meter.serialnumber='4711' "
+           "ORDER "
            "BY meter.recalid DESC";
   }
   static std::string partStatement(int part) {
     return "Select roshko, strouhal from raw" + std::to_string(part) + " where seriesID = 7";
   }
   void haveSeries(const std::string& name = "Rotor A") {
-    script_->answer(findStatement(name), {{"seriesID", "ID", "ReCalID", "SerialNumberAdjusted"},
-                                          {{std::int64_t{7}, std::int64_t{3}, std::int64_t{2},
-                                            std::string("4711-A")}}});
+    script_->answer(findStatement(name),
+                    {{"seriesID", "ID", "ReCalID", "SerialNumberAdjusted"},
+                     {{std::int64_t{7}, std::int64_t{3}, std::int64_t{2}, std::string("4711-A")}}});
   }
   void haveSeriesToFit() {
     script_->answer(fitStatement(), {{"id", "name", "meterid", "recalid", "serialnumberadjusted"},

@@ -15,7 +15,7 @@ inline std::string standHeader() {
 
 // A line with `job` and the texts of some columns; Vn is n in all others.
 inline std::string exportLine(const std::string& job,
-                             const std::map<int, std::string>& values = {}) {
+                              const std::map<int, std::string>& values = {}) {
   std::string line = job;
   for (int i = 1; i <= 37; ++i) {
     const auto found = values.find(i);

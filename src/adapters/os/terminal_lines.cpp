@@ -5,9 +5,7 @@
 
 namespace pelmora {
 
-bool isTerminal(std::FILE* stream) noexcept {
-  return isatty(fileno(stream)) == 1;
-}
+bool isTerminal(std::FILE* stream) noexcept { return isatty(fileno(stream)) == 1; }
 
 std::optional<std::string> terminalLine() {
   std::string line;

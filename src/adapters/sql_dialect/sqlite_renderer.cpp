@@ -286,7 +286,8 @@ std::string renderRowForSqlite(const SelectStatement& select, const Catalogue& c
   const TableName& table = std::get<TableName>(select.from->first);
   const SqliteExpression expression(scope, nullptr);
   return "SELECT " + columnList(outputColumns(select, scope), Rows::delivered, expression) +
-         " FROM " + tableSource(table, scope) + " WHERE " + quotedName(table.visibleName()) + "._rowid_ = ?1";
+         " FROM " + tableSource(table, scope) + " WHERE " + quotedName(table.visibleName()) +
+         "._rowid_ = ?1";
 }
 
 }  // namespace pelmora::sql

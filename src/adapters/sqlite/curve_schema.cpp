@@ -131,8 +131,7 @@ void createSqliteCurveDatabase(const std::string& path) {
   }
   const UnfinishedFile unfinished(finished);
   try {
-    const sqlite::DatabaseHandle database(utf8Text(unfinished.path()),
-                                          sqlite::OpenMode::create);
+    const sqlite::DatabaseHandle database(utf8Text(unfinished.path()), sqlite::OpenMode::create);
     database.run(("BEGIN;" + std::string(identity) + schema() + "COMMIT;").c_str());
   } catch (const Error& error) {
     throw cannotCreate(path, std::string(error.what()));

@@ -71,8 +71,8 @@ void SqliteConnection::insertElsewhere(const sql::Statement& statement, const st
   SqliteSession& open = session();
   const AttachedFile attached(open, checkedSqliteFile(file));
   // Not kept: it holds for this file alone.
-  PreparedStatement prepared(
-      open.database(), sql::renderForSqlite(statement, open.catalogue(), AttachedFile::name));
+  PreparedStatement prepared(open.database(),
+                             sql::renderForSqlite(statement, open.catalogue(), AttachedFile::name));
   while (open.step(prepared)) continue;
 }
 

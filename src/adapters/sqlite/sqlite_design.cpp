@@ -60,8 +60,8 @@ bool beginsWith(const std::vector<std::string>& index, std::span<const std::stri
 std::string createTableStatement(const OwnTable& table) {
   std::string columns;
   for (const OwnColumn& column : table.Columns) {
-    columns += (columns.empty() ? "" : ", ") + sql::quotedName(column.Name) +
-               declaration(column.Type);
+    columns +=
+        (columns.empty() ? "" : ", ") + sql::quotedName(column.Name) + declaration(column.Type);
   }
   return "CREATE TABLE IF NOT EXISTS \"main\"." + sql::quotedName(table.Name) + " (" + columns +
          ")";

@@ -38,7 +38,8 @@ class SqliteSession {
 
   // From now on the database's own tables may only be read.
   void freeze() { isFrozen_ = true; }
-  // Errors: Error updateRefused where the tables may only be read, or where the engine has undone the
+  // Errors: Error updateRefused where the tables may only be read, or where the engine has undone
+  // the
   //         transaction that is open: what follows must not be stored alone.
   void requireWritable() const;
 

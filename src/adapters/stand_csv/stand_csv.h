@@ -15,7 +15,8 @@ namespace pelmora {
 // A connection to the export, not yet opened. open() reads the whole file into memory; the file
 // itself is never changed, and statements that would change DataPoint are errors.
 //
-// Errors: of open(): 53 where the file is missing, 70 where it cannot be read, 321 where it is empty
+// Errors: of open(): 53 where the file is missing, 70 where it cannot be read, 321 where it is
+// empty
 //         or its header is wrong, 13 where a row is; the description names file, line, column and
 //         what to do.
 [[nodiscard]] ConnectionPtr standCsvConnection(const std::string& path);

@@ -74,12 +74,14 @@ DecimalNumber readDecimalNumber(std::string_view text) {
   if (error == std::errc::result_out_of_range) {
     // Too large or too small: the sign of the exponent tells which, a plain long number is large.
     const auto mark = text.find_first_of("eE");
-    const bool isTiny = mark != std::string_view::npos ? text[mark + 1] == '-' : text.front() == '.';
+    const bool isTiny =
+        mark != std::string_view::npos ? text[mark + 1] == '-' : text.front() == '.';
     nearest = isTiny ? 0 : std::numeric_limits<double>::infinity();
   }
   result.value = nearest;
   constexpr double allWholeNumbers = 0x1p53;  // below it they are doubles
-  const bool isWhole = nearest < allWholeNumbers && nearest == std::floor(nearest) && text.find_first_of(".eE") == std::string_view::npos;
+  const bool isWhole = nearest < allWholeNumbers && nearest == std::floor(nearest) &&
+                       text.find_first_of(".eE") == std::string_view::npos;
   if (nearest != 0 && std::isfinite(nearest) && !isWhole) {
     result.value = quickTwoSum(nearest, restBehind(nearest, text));
   }

@@ -73,7 +73,8 @@ DoubleDouble exp(DoubleDouble a) {
   sum = sum + DoubleDouble(1);
   const int exponent = static_cast<int>(twos);
   // Two steps keep the scale factor itself within the range of doubles.
-  const double half = std::ldexp(1.0, exponent / 2), other = std::ldexp(1.0, exponent - exponent / 2);
+  const double half = std::ldexp(1.0, exponent / 2),
+               other = std::ldexp(1.0, exponent - exponent / 2);
   return {sum.hi * half * other, sum.lo * half * other};
 }
 

@@ -1,10 +1,10 @@
-// Eight doubles side by side, and double-double arithmetic on them. Included once for each instruction
-// set, inside a namespace of its own, after PELMORA_LANE_WIDTH (doubles in one register) is defined.
-// SPDX-License-Identifier: MIT
+// Eight doubles side by side, and double-double arithmetic on them. Included once for each
+// instruction set, inside a namespace of its own, after PELMORA_LANE_WIDTH (doubles in one
+// register) is defined. SPDX-License-Identifier: MIT
 //
-// Eight lanes whatever the width of a register, and a fused multiply-add only where it yields the exact
-// rest of a product: so every instruction set does the same roundings in the same order and finds the
-// same digits.
+// Eight lanes whatever the width of a register, and a fused multiply-add only where it yields the
+// exact rest of a product: so every instruction set does the same roundings in the same order and
+// finds the same digits.
 
 using Register = double __attribute__((vector_size(8 * PELMORA_LANE_WIDTH)));
 using Bits = unsigned long long __attribute__((vector_size(8 * PELMORA_LANE_WIDTH)));
@@ -59,12 +59,14 @@ PELMORA_INLINE Lanes operator/(const Lanes& a, const Lanes& b) {
 }
 PELMORA_INLINE Lanes smaller(const Lanes& a, const Lanes& b) {
   Lanes result;
-  for (std::size_t k = 0; k < registers; ++k) result.part[k] = a.part[k] < b.part[k] ? a.part[k] : b.part[k];
+  for (std::size_t k = 0; k < registers; ++k)
+    result.part[k] = a.part[k] < b.part[k] ? a.part[k] : b.part[k];
   return result;
 }
 PELMORA_INLINE Lanes larger(const Lanes& a, const Lanes& b) {
   Lanes result;
-  for (std::size_t k = 0; k < registers; ++k) result.part[k] = a.part[k] > b.part[k] ? a.part[k] : b.part[k];
+  for (std::size_t k = 0; k < registers; ++k)
+    result.part[k] = a.part[k] > b.part[k] ? a.part[k] : b.part[k];
   return result;
 }
 

@@ -1,12 +1,14 @@
-// The sums of a polynomial fit over all points and its curve, for one instruction set; see lanes.inc.h.
-// SPDX-License-Identifier: MIT
+// The sums of a polynomial fit over all points and its curve, for one instruction set; see
+// lanes.inc.h. SPDX-License-Identifier: MIT
 //
-// The Chebyshev polynomials of a point are kept as h + l, h a multiple of 2^-48 and at most 1 in size.
-// That makes the steps of the recurrence and the sums over h within a block exact in plain operations,
-// where numbers without a common grid would need the rest of each sum worked out. l carries 2^-101.
+// The Chebyshev polynomials of a point are kept as h + l, h a multiple of 2^-48 and at most 1 in
+// size. That makes the steps of the recurrence and the sums over h within a block exact in plain
+// operations, where numbers without a common grid would need the rest of each sum worked out. l
+// carries 2^-101.
 
-// The points of one turn: enough independent recurrences to hide the time that each step of one of them
-// takes, few enough to stay in the nearest cache and to keep the sums over h below 2^53 grid steps.
+// The points of one turn: enough independent recurrences to hide the time that each step of one of
+// them takes, few enough to stay in the nearest cache and to keep the sums over h below 2^53 grid
+// steps.
 struct MomentBlock {
   static constexpr std::size_t most = 16;
   std::size_t packs = 0;
@@ -48,7 +50,8 @@ PELMORA_INLINE void loadBlock(const MomentTask& task, std::size_t from, MomentBl
     const PairLanes u = loadPair(task.u, at, left, task.u.hi[0]);
     const PairLanes t = (u + shift) * stretch;
     block.twice[k] = settledOnGrid(t + t);
-    PairLanes squares = {scale, all(0.0)}, factors = {whole ? load(task.y + at) : loadUpTo(task.y + at, left, 0), all(0.0)};
+    PairLanes squares = {scale, all(0.0)},
+              factors = {whole ? load(task.y + at) : loadUpTo(task.y + at, left, 0), all(0.0)};
     if (task.lowest != 0) {
       const PairLanes p = power(u, size);
       const PairLanes inverse = one / p;
@@ -68,13 +71,15 @@ PELMORA_INLINE void loadBlock(const MomentTask& task, std::size_t from, MomentBl
 }
 
 // T(m+1) = 2 t T(m) - T(m-1).
-PELMORA_INLINE PairLanes advanced(const PairLanes& twice, const PairLanes& now, const PairLanes& before) {
+PELMORA_INLINE PairLanes advanced(const PairLanes& twice, const PairLanes& now,
+                                  const PairLanes& before) {
   const Lanes step = onGrid(twice.hi * now.hi);
   const Lanes rest = restOfProduct(twice.hi, now.hi, step);  // exact: at most 48 bits
   return {step - before.hi, (rest - before.lo) + (twice.hi * now.lo + twice.lo * now.hi)};
 }
 
-// Adds up the values of one m, with the products where wanted, and takes the recurrence one step on.
+// Adds up the values of one m, with the products where wanted, and takes the recurrence one step
+// on.
 template <bool weighted, bool products>
 PELMORA_INLINE void addTurn(const MomentBlock& block, const PairLanes* now, PairLanes* before,
                             PairLanes& squareSum, PairLanes& productSum) {
@@ -97,7 +102,8 @@ PELMORA_INLINE void addTurn(const MomentBlock& block, const PairLanes* now, Pair
 }
 
 template <bool weighted>
-PELMORA_INLINE void addMoments(const MomentTask& task, DoubleDouble* squares, DoubleDouble* products) {
+PELMORA_INLINE void addMoments(const MomentTask& task, DoubleDouble* squares,
+                               DoubleDouble* products) {
   constexpr std::size_t most = 2 * MomentTask::highestDegree + 1;
   PairLanes squareSums[most], productSums[MomentTask::highestDegree + 1];
   const std::size_t degree = task.degree, count = 2 * degree + 1;
@@ -120,7 +126,8 @@ PELMORA_INLINE void addMoments(const MomentTask& task, DoubleDouble* squares, Do
   }
   const double unit = 1 / task.scale;
   for (std::size_t m = 0; m < count; ++m) squares[m] = total(squareSums[m]) * DoubleDouble(unit);
-  for (std::size_t j = 0; j <= degree; ++j) products[j] = total(productSums[j]) * DoubleDouble(unit);
+  for (std::size_t j = 0; j <= degree; ++j)
+    products[j] = total(productSums[j]) * DoubleDouble(unit);
 }
 
 // Running sums over w^2 T(m) and w y T(j) = (y / w) w^2 T(j); see MomentTask.
@@ -132,8 +139,9 @@ static void moments(const MomentTask& task, DoubleDouble* squares, DoubleDouble*
   }
 }
 
-// Clenshaw's sum of parameters[j] T(j), highest first, times u^lowest. With a factor that varies over the
-// points the sum cancels where the factor is large, so that it takes double-double numbers.
+// Clenshaw's sum of parameters[j] T(j), highest first, times u^lowest. With a factor that varies
+// over the points the sum cancels where the factor is large, so that it takes double-double
+// numbers.
 template <class T>
 PELMORA_INLINE T chebyshevSum(const CurveTask& task, const T& t) {
   const T twice = t + t;

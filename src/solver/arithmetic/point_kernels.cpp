@@ -31,6 +31,8 @@ const PointKernels& pointKernels() {
   return wanted != nullptr ? *wanted : best;
 }
 
-void forcePointKernels(const PointKernels* kernels) { forced.store(kernels, std::memory_order_release); }
+void forcePointKernels(const PointKernels* kernels) {
+  forced.store(kernels, std::memory_order_release);
+}
 
 }  // namespace pelmora::solver

@@ -1,5 +1,5 @@
-// The loops over all points, and those of the triangles that they lead to, in one form for each instruction set of the processor.
-// SPDX-License-Identifier: MIT
+// The loops over all points, and those of the triangles that they lead to, in one form for each
+// instruction set of the processor. SPDX-License-Identifier: MIT
 #pragma once
 
 #include "solver/arithmetic/double_double.h"
@@ -51,17 +51,18 @@ struct CurveTask {
   double* values = nullptr;
 };
 
-// The normal equations of Chebyshev columns: squares and products as of MomentTask with degree p - 1.
-// Out: rows 0 .. rank - 1 of R (p x p, row-major), of z = R'^-1 products and of the inverse diagonal.
+// The normal equations of Chebyshev columns: squares and products as of MomentTask with degree p
+// - 1. Out: rows 0 .. rank - 1 of R (p x p, row-major), of z = R'^-1 products and of the inverse
+// diagonal.
 struct EliminationTask {
   const DoubleDouble *squares = nullptr, *products = nullptr;
-  std::size_t p = 0;       // at most highestDegree + 1
-  double leastPivot = 0;   // share of a diagonal cell that must be left
+  std::size_t p = 0;      // at most highestDegree + 1
+  double leastPivot = 0;  // share of a diagonal cell that must be left
   DoubleDouble *r = nullptr, *z = nullptr, *inverse = nullptr;
 };
 
-// n = m R^-1 of p columns, and sums(k, i) = sum over j = k .. i of n(k, j) z(j). Row-major, upper halves;
-// r and m have rows of rSize and mSize, n and sums of p.
+// n = m R^-1 of p columns, and sums(k, i) = sum over j = k .. i of n(k, j) z(j). Row-major, upper
+// halves; r and m have rows of rSize and mSize, n and sums of p.
 struct NestTask {
   const DoubleDouble *r = nullptr, *z = nullptr, *inverse = nullptr, *m = nullptr;
   std::size_t p = 0, rSize = 0, mSize = 0;  // p at most highestDegree + 1
@@ -81,7 +82,8 @@ struct PointKernels {
   std::size_t (*eliminate)(const EliminationTask& task);  // the rank
   void (*nest)(const NestTask& task);
   // Column j of m: T(j) of shift + slope u in powers of u, j below count; rows of `size`.
-  void (*chebyshevPowers)(DoubleDouble shift, double slope, std::size_t count, std::size_t size, DoubleDouble* m);
+  void (*chebyshevPowers)(DoubleDouble shift, double slope, std::size_t count, std::size_t size,
+                          DoubleDouble* m);
 };
 
 // The best for this processor, or the one that was forced.

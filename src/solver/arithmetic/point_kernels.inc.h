@@ -13,7 +13,8 @@ PELMORA_INLINE void storeUpTo(double* to, const Lanes& a, std::size_t count) {
   store(buffer, a);
   for (std::size_t k = 0; k < count; ++k) to[k] = buffer[k];
 }
-PELMORA_INLINE PairLanes loadPair(ConstPair from, std::size_t at, std::size_t count, double filler = 0) {
+PELMORA_INLINE PairLanes loadPair(ConstPair from, std::size_t at, std::size_t count,
+                                  double filler = 0) {
   if (count >= laneCount) return {load(from.hi + at), load(from.lo + at)};
   return {loadUpTo(from.hi + at, count, filler), loadUpTo(from.lo + at, count, 0)};
 }
@@ -96,10 +97,10 @@ static Range range(ConstPair a, std::size_t n) {
 }
 
 // Natural logarithms. x = 2^k m, c near 1 / m from a table: ln x = k ln 2 - ln c + ln(m c), and the
-// last one, of an argument near 1, by the series of atanh. Several at a time and step by step, because
-// each step waits for the one before.
-// Source: Tang, ACM TOMS 16 (1990), with the series in double-double arithmetic.
-// Needs: normal positive numbers; others get what the caller puts in their place.
+// last one, of an argument near 1, by the series of atanh. Several at a time and step by step,
+// because each step waits for the one before. Source: Tang, ACM TOMS 16 (1990), with the series in
+// double-double arithmetic. Needs: normal positive numbers; others get what the caller puts in
+// their place.
 struct LogGroup {
   static constexpr std::size_t packs = 4, points = packs * laneCount;
 };
@@ -116,7 +117,8 @@ PELMORA_INLINE void logarithms(const double* x, double* hi, double* lo, const Lo
       const Bits place = (bits >> 45) & 127U;
       m.part[k] = reinterpret_cast<Register>((bits & 0xFFFFFFFFFFFFFULL) | 0x3FF0000000000000ULL);
       // 2^52 + the biased exponent, as a number; then without the 2^52 and the bias.
-      exponent.part[k] = reinterpret_cast<Register>((bits >> 52) | 0x4330000000000000ULL) - (0x1p52 + 1023);
+      exponent.part[k] =
+          reinterpret_cast<Register>((bits >> 52) | 0x4330000000000000ULL) - (0x1p52 + 1023);
       c.part[k] = gather(table.inverse, place);
       logarithm.hi.part[k] = gather(table.high, place);
       logarithm.lo.part[k] = gather(table.low, place);
@@ -135,7 +137,8 @@ PELMORA_INLINE void logarithms(const double* x, double* hi, double* lo, const Lo
     series[i] = {far, all(0.0)};
   }
   for (const DoubleDouble& coefficient : table.series) {
-    for (std::size_t i = 0; i < LogGroup::packs; ++i) series[i] = all(coefficient) + v[i] * series[i];
+    for (std::size_t i = 0; i < LogGroup::packs; ++i)
+      series[i] = all(coefficient) + v[i] * series[i];
   }
   for (std::size_t i = 0; i < LogGroup::packs; ++i) {
     const PairLanes result = known[i] + (s[i] + s[i]) * series[i];

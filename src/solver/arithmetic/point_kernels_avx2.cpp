@@ -16,8 +16,8 @@ namespace {
 #include "solver/arithmetic/moment_kernels.inc.h"
 #include "solver/arithmetic/triangle_kernels.inc.h"
 
-const PointKernels table{dot,         scale,   subtractMultiple, sum,       squaresAbout, range,
-                         logarithms,  moments, curve,            eliminate, nest,         chebyshevPowers};
+const PointKernels table{dot,     scale, subtractMultiple, sum,  squaresAbout,   range, logarithms,
+                         moments, curve, eliminate,        nest, chebyshevPowers};
 }  // namespace
 
 const PointKernels& avx2PointKernels() { return table; }

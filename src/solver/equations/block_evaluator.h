@@ -24,7 +24,8 @@ class BlockEvaluator {
 
   // Keeps a reference to `expression`, which must stay and must not grow.
   BlockEvaluator(const Expression& expression, std::span<const NodeId> roots)
-      : expression_(expression), needed_(expression.nodes().size(), false),
+      : expression_(expression),
+        needed_(expression.nodes().size(), false),
         depends_(expression.nodes().size(), false) {
     for (const NodeId root : roots) needed_[index(root)] = true;
     for (std::size_t id = needed_.size(); id-- > 0;) {
@@ -55,7 +56,9 @@ class BlockEvaluator {
     }
   }
 
-  [[nodiscard]] std::span<const T> value(NodeId id) const { return {values_[index(id)].data(), count_}; }
+  [[nodiscard]] std::span<const T> value(NodeId id) const {
+    return {values_[index(id)].data(), count_};
+  }
 
   // Derivatives of the node `root` with respect to the letters, at the points of the last load.
   void differentiate(NodeId root) {
@@ -75,7 +78,8 @@ class BlockEvaluator {
  private:
   static std::size_t index(int id) { return static_cast<std::size_t>(id); }
 
-  T valueAt(const Node& node, std::span<const double> x, const Letters& letters, std::size_t k) const {
+  T valueAt(const Node& node, std::span<const double> x, const Letters& letters,
+            std::size_t k) const {
     switch (node.op) {
       case Op::constant: return T(node.value);
       case Op::variable: return T(x[k]);

@@ -17,9 +17,13 @@ void append(std::string& text, const void* value, std::size_t size) {
 
 std::size_t hashOf(const Node& node) {
   std::uint64_t hash = 0;
-  const auto mix = [&hash](std::uint64_t part) { hash = (hash ^ part) * 0x9E3779B97F4A7C15U; hash ^= hash >> 29U; };
+  const auto mix = [&hash](std::uint64_t part) {
+    hash = (hash ^ part) * 0x9E3779B97F4A7C15U;
+    hash ^= hash >> 29U;
+  };
   mix(static_cast<std::uint64_t>(node.op) << 32U | static_cast<std::uint32_t>(node.letter));
-  mix(static_cast<std::uint64_t>(static_cast<std::uint32_t>(node.left)) << 32U | static_cast<std::uint32_t>(node.right));
+  mix(static_cast<std::uint64_t>(static_cast<std::uint32_t>(node.left)) << 32U |
+      static_cast<std::uint32_t>(node.right));
   mix(std::bit_cast<std::uint64_t>(node.value.hi));
   return static_cast<std::size_t>(hash);
 }
@@ -56,7 +60,9 @@ void Expression::growTable() {
   }
 }
 
-NodeId Expression::constant(DoubleDouble value) { return keep({.op = Op::constant, .value = value}); }
+NodeId Expression::constant(DoubleDouble value) {
+  return keep({.op = Op::constant, .value = value});
+}
 NodeId Expression::variable() { return keep({.op = Op::variable}); }
 NodeId Expression::parameter(int letter) { return keep({.op = Op::parameter, .letter = letter}); }
 

@@ -10,9 +10,29 @@
 namespace pelmora::solver {
 
 enum class Op {
-  constant, variable, parameter,
-  add, subtract, multiply, divide, power, negate,
-  ln, log10, exp, sqrt, abs, sin, cos, tan, asin, acos, atan, sinh, cosh, tanh
+  constant,
+  variable,
+  parameter,
+  add,
+  subtract,
+  multiply,
+  divide,
+  power,
+  negate,
+  ln,
+  log10,
+  exp,
+  sqrt,
+  abs,
+  sin,
+  cos,
+  tan,
+  asin,
+  acos,
+  atan,
+  sinh,
+  cosh,
+  tanh
 };
 
 [[nodiscard]] constexpr bool isBinary(Op op) { return op >= Op::add && op <= Op::power; }
@@ -24,7 +44,7 @@ inline constexpr NodeId noNode = -1;
 struct Node {
   Op op = Op::constant;
   NodeId left = noNode, right = noNode;
-  int letter = -1;     // of a parameter: 0 for a ... 25 for z
+  int letter = -1;       // of a parameter: 0 for a ... 25 for z
   DoubleDouble value{};  // of a constant
 };
 

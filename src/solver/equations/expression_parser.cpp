@@ -13,9 +13,20 @@ namespace pelmora::solver {
 namespace {
 
 constexpr std::array<std::pair<std::string_view, Op>, 14> functions{{
-    {"ln", Op::ln}, {"log", Op::log10}, {"exp", Op::exp}, {"sqrt", Op::sqrt}, {"abs", Op::abs},
-    {"sin", Op::sin}, {"cos", Op::cos}, {"tan", Op::tan}, {"asin", Op::asin}, {"acos", Op::acos},
-    {"atan", Op::atan}, {"sinh", Op::sinh}, {"cosh", Op::cosh}, {"tanh", Op::tanh},
+    {"ln", Op::ln},
+    {"log", Op::log10},
+    {"exp", Op::exp},
+    {"sqrt", Op::sqrt},
+    {"abs", Op::abs},
+    {"sin", Op::sin},
+    {"cos", Op::cos},
+    {"tan", Op::tan},
+    {"asin", Op::asin},
+    {"acos", Op::acos},
+    {"atan", Op::atan},
+    {"sinh", Op::sinh},
+    {"cosh", Op::cosh},
+    {"tanh", Op::tanh},
 }};
 
 bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
@@ -79,18 +90,24 @@ class Parser {
   NodeId sum() {
     NodeId left = product();
     for (;;) {
-      if (take('+')) left = result_.binary(Op::add, left, product());
-      else if (take('-')) left = result_.binary(Op::subtract, left, product());
-      else return left;
+      if (take('+'))
+        left = result_.binary(Op::add, left, product());
+      else if (take('-'))
+        left = result_.binary(Op::subtract, left, product());
+      else
+        return left;
     }
   }
 
   NodeId product() {
     NodeId left = signedPower();
     for (;;) {
-      if (take('*')) left = result_.binary(Op::multiply, left, signedPower());
-      else if (take('/')) left = result_.binary(Op::divide, left, signedPower());
-      else return left;
+      if (take('*'))
+        left = result_.binary(Op::multiply, left, signedPower());
+      else if (take('/'))
+        left = result_.binary(Op::divide, left, signedPower());
+      else
+        return left;
     }
   }
 
@@ -133,7 +150,8 @@ class Parser {
     while (at_ < text_.size() && (isLetter(text_[at_]) || isDigit(text_[at_]))) {
       name += smallLetter(text_[at_++]);
     }
-    if (name.size() == 1) return name[0] == 'x' ? result_.variable() : result_.parameter(name[0] - 'a');
+    if (name.size() == 1)
+      return name[0] == 'x' ? result_.variable() : result_.parameter(name[0] - 'a');
     if (name == "pi") return result_.constant(dd_pi);
     for (const auto& [known, op] : functions) {
       if (known == name) {

@@ -38,8 +38,11 @@ class Analysis {
     if (left == Kind::free && right == Kind::free) return Kind::free;
     if (left == Kind::other || right == Kind::other) return Kind::other;
     switch (node.op) {
-      case Op::add: case Op::subtract: case Op::negate: return Kind::linear;
-      case Op::multiply: return left == Kind::free || right == Kind::free ? Kind::linear : Kind::other;
+      case Op::add:
+      case Op::subtract:
+      case Op::negate: return Kind::linear;
+      case Op::multiply:
+        return left == Kind::free || right == Kind::free ? Kind::linear : Kind::other;
       case Op::divide: return right == Kind::free ? Kind::linear : Kind::other;
       default: return Kind::other;  // f^1 never comes into being
     }
@@ -51,7 +54,9 @@ class Analysis {
     return expression_.binary(Op::multiply, factor, id);
   }
   NodeId negative(NodeId factor) { return expression_.unary(Op::negate, factor); }
-  void add(NodeId& sum, NodeId part) { sum = sum == noNode ? part : expression_.binary(Op::add, sum, part); }
+  void add(NodeId& sum, NodeId part) {
+    sum = sum == noNode ? part : expression_.binary(Op::add, sum, part);
+  }
 
   // Nodes are copied: new ones come into being below.
   void visit(NodeId id, NodeId factor) {

@@ -47,7 +47,8 @@ class TermReader {
       case Op::divide: {
         const Term& below = of(node.right);
         if (below.factor.hi == 0) return itself;
-        return product(of(node.left), {DoubleDouble(1) / below.factor, below.base, -below.exponent}, itself);
+        return product(of(node.left), {DoubleDouble(1) / below.factor, below.base, -below.exponent},
+                       itself);
       }
       case Op::power: return power(of(node.left), node.right, itself);
       default: return itself;

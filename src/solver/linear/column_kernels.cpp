@@ -59,7 +59,8 @@ Column logarithms(std::span<const double> x) {
   return result;
 }
 
-Moments moments(const Column& u, std::span<const double> y, const PowerScale& by, std::size_t degree) {
+Moments moments(const Column& u, std::span<const double> y, const PowerScale& by,
+                std::size_t degree) {
   static constexpr std::array<double, 8> ones{1, 1, 1, 1, 1, 1, 1, 1};
   Moments sums;
   sums.squares.resize(2 * degree + 1);

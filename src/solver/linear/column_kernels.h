@@ -30,8 +30,8 @@ struct PowerScale {
   double middle = 0, stretch = 1;
   double largestSquare = 1;  // of w over the points, but for rounding; a normal number
 };
-// With T(m) the Chebyshev polynomials: squares[m] = sum of w^2 T(m), products[j] = sum of w y T(j), to 28
-// digits of n largestSquare and of largestSquare times the sum of |y / w|.
+// With T(m) the Chebyshev polynomials: squares[m] = sum of w^2 T(m), products[j] = sum of w y T(j),
+// to 28 digits of n largestSquare and of largestSquare times the sum of |y / w|.
 struct Moments {
   std::vector<DoubleDouble> squares, products;
 };

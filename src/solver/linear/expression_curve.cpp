@@ -12,7 +12,8 @@ namespace {
 
 using Evaluator = BlockEvaluator<DoubleDouble>;
 
-Evaluator::Letters byLetter(const Expression& expression, const std::vector<DoubleDouble>& parameters) {
+Evaluator::Letters byLetter(const Expression& expression,
+                            const std::vector<DoubleDouble>& parameters) {
   Evaluator::Letters letters{};
   const std::vector<int> used = expression.letters();
   for (std::size_t k = 0; k < used.size(); ++k) {
@@ -25,7 +26,9 @@ Evaluator::Letters byLetter(const Expression& expression, const std::vector<Doub
 
 ExpressionCurve::ExpressionCurve(Expression expression, std::vector<DoubleDouble> parameters,
                                  std::shared_ptr<const NestedFit> fit)
-    : expression_(std::move(expression)), parameters_(std::move(parameters)), fit_(std::move(fit)) {}
+    : expression_(std::move(expression)),
+      parameters_(std::move(parameters)),
+      fit_(std::move(fit)) {}
 
 std::vector<double> ExpressionCurve::values(std::span<const double> x) const {
   Evaluator evaluator(expression_, {{expression_.root}});
@@ -53,7 +56,8 @@ std::vector<double> ExpressionCurve::unitErrors(std::span<const double> x) const
       double sum = 0;
       for (std::size_t i = 0; i < used.size(); ++i) {
         DoubleDouble part;  // n' times the gradient
-        for (std::size_t j = 0; j <= i; ++j) part += fit_->n.at(j, i) * evaluator.gradient(used[j])[k];
+        for (std::size_t j = 0; j <= i; ++j)
+          part += fit_->n.at(j, i) * evaluator.gradient(used[j])[k];
         sum += part.hi * part.hi;
       }
       result.push_back(std::sqrt(sum));

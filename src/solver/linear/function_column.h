@@ -11,9 +11,10 @@
 namespace pelmora::solver {
 
 // Values of nodes without parameters at every x, one column for each node.
-[[nodiscard]] std::vector<Column> columnsOf(const Expression& expression, std::span<const NodeId> ids,
-                                            std::span<const double> x);
+[[nodiscard]] std::vector<Column> columnsOf(const Expression& expression,
+                                            std::span<const NodeId> ids, std::span<const double> x);
 // The same of one node; ln(x) at the speed of its own loop.
-[[nodiscard]] Column columnOfFunction(const Expression& expression, NodeId id, std::span<const double> x);
+[[nodiscard]] Column columnOfFunction(const Expression& expression, NodeId id,
+                                      std::span<const double> x);
 
 }  // namespace pelmora::solver

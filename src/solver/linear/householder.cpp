@@ -8,7 +8,8 @@ namespace pelmora::solver {
 namespace {
 
 // Takes 2 v v'/(v'v) off `target`, from row `row` on.
-void reflect(const std::vector<double>& v, double vv, std::vector<double>& target, std::size_t row) {
+void reflect(const std::vector<double>& v, double vv, std::vector<double>& target,
+             std::size_t row) {
   double sum = 0;
   for (std::size_t i = row; i < v.size(); ++i) sum += v[i] * target[i];
   const double factor = 2 * sum / vv;
@@ -19,7 +20,8 @@ void reflect(const std::vector<double>& v, double vv, std::vector<double>& targe
 
 double lengthOf(const std::vector<double>& values, std::size_t first) {
   double largest = 0;
-  for (std::size_t i = first; i < values.size(); ++i) largest = std::max(largest, std::fabs(values[i]));
+  for (std::size_t i = first; i < values.size(); ++i)
+    largest = std::max(largest, std::fabs(values[i]));
   if (largest == 0 || !std::isfinite(largest)) return largest;
   double sum = 0;
   for (std::size_t i = first; i < values.size(); ++i) {
@@ -44,8 +46,8 @@ void triangularise(std::vector<std::vector<double>>& columns, std::vector<double
 }
 
 std::vector<double> backSubstitute(const std::vector<std::vector<double>>& columns,
-                                   const std::vector<double>& y, std::size_t first, std::size_t last,
-                                   double tolerance) {
+                                   const std::vector<double>& y, std::size_t first,
+                                   std::size_t last, double tolerance) {
   std::vector<double> solution(last - first, 0.0);
   for (std::size_t k = last; k-- > first;) {
     double whole = 0;

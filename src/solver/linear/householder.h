@@ -6,8 +6,8 @@
 
 namespace pelmora::solver {
 
-// Reduces the columns and `y` to the upper triangle in place: afterwards columns[j][i], i <= j, is R
-// and y is Q'y. Shape: p columns of n >= p values each, y of n values.
+// Reduces the columns and `y` to the upper triangle in place: afterwards columns[j][i], i <= j, is
+// R and y is Q'y. Shape: p columns of n >= p values each, y of n values.
 void triangularise(std::vector<std::vector<double>>& columns, std::vector<double>& y);
 
 // Solves R s = y for the columns first .. last-1 of a triangle, where directions whose diagonal is

@@ -45,9 +45,11 @@ void requireFinite(const Column& column, const Series& series, const std::string
   throw NoSolution{reason};
 }
 
-std::shared_ptr<const Column> functionOf(const Expression& expression, NodeId base, Series& series) {
+std::shared_ptr<const Column> functionOf(const Expression& expression, NodeId base,
+                                         Series& series) {
   const std::string key = expression.key(base);
-  if (const auto known = series.functions.find(key); known != series.functions.end() && !key.empty()) {
+  if (const auto known = series.functions.find(key);
+      known != series.functions.end() && !key.empty()) {
     return known->second;
   }
   auto column = std::make_shared<const Column>(columnOfFunction(expression, base, series.x));
@@ -71,8 +73,9 @@ std::shared_ptr<const PowerFit> powerFitOf(const Expression& expression, const P
     const auto at = static_cast<std::size_t>(zero - u->hi.begin());
     if (zero != u->hi.end()) failAtPoint("a term divides by zero", series.x[at], series.y[at]);
   }
-  const std::size_t columns =
-      p <= smallFit || basis.lowest != 0 ? p : std::max(p, std::min(sharedColumns, series.x.size() - 1));
+  const std::size_t columns = p <= smallFit || basis.lowest != 0
+                                  ? p
+                                  : std::max(p, std::min(sharedColumns, series.x.size() - 1));
   auto fit = std::make_shared<const PowerFit>(*u, series.y, series.squares, basis.lowest, columns);
   if (!key.empty()) series.powerFits[place] = fit;
   return fit;
@@ -83,7 +86,8 @@ Solution fitPowers(Expression expression, const PowerBasis& basis, const Series&
   const std::size_t p = basis.parameterOf.size();
   if (fit->fit.factor.rank < p) {
     const std::size_t parameter = basis.parameterOf[fit->fit.factor.rank];
-    failForRank(std::min(fit->fit.factor.independent, p), p, letterText(expression.letters()[parameter]), series);
+    failForRank(std::min(fit->fit.factor.independent, p), p,
+                letterText(expression.letters()[parameter]), series);
   }
   Solution solution;
   solution.fit = std::shared_ptr<const NestedFit>(fit, &fit->fit);
@@ -119,10 +123,11 @@ Solution fitTerms(Expression expression, const LinearForm& form, const Series& s
   }
   Factor factor = orthogonalFactor(std::move(columns), std::move(y), dependenceOfExactColumns);
   if (factor.rank < p) failForRank(factor.independent, p, letterText(letters[factor.rank]), series);
-  Solution solution =
-      solutionOfTerms(std::make_shared<const NestedFit>(makeTermsFit(std::move(factor))), series.x.size(),
-                      hasConstant ? series.squaresAboutMean : series.squares, hasConstant ? 1 : 0);
-  solution.curve = std::make_shared<ExpressionCurve>(std::move(expression), solution.parameters, solution.fit);
+  Solution solution = solutionOfTerms(
+      std::make_shared<const NestedFit>(makeTermsFit(std::move(factor))), series.x.size(),
+      hasConstant ? series.squaresAboutMean : series.squares, hasConstant ? 1 : 0);
+  solution.curve =
+      std::make_shared<ExpressionCurve>(std::move(expression), solution.parameters, solution.fit);
   return solution;
 }
 

@@ -30,8 +30,12 @@ struct UpperTriangle {
     for (std::size_t k = 0; k < n; ++k) result.at(k, k) = DoubleDouble(1);
     return result;
   }
-  [[nodiscard]] DoubleDouble& at(std::size_t row, std::size_t column) { return cells[row * size + column]; }
-  [[nodiscard]] DoubleDouble at(std::size_t row, std::size_t column) const { return cells[row * size + column]; }
+  [[nodiscard]] DoubleDouble& at(std::size_t row, std::size_t column) {
+    return cells[row * size + column];
+  }
+  [[nodiscard]] DoubleDouble at(std::size_t row, std::size_t column) const {
+    return cells[row * size + column];
+  }
 };
 
 // B = Q R and z = Q'y for the columns B, without Q.
@@ -48,7 +52,8 @@ struct Factor {
 // Parameters and their covariance for every leading set of columns.
 //
 // With p columns: parameter k = sum over i in k .. p-1 of n(k, i) z(i), and covariance(k, l) =
-// s2 * sum over i of n(k, i) n(l, i), where n = m R^-1 and the columns B = (terms of the equation) m.
+// s2 * sum over i of n(k, i) n(l, i), where n = m R^-1 and the columns B = (terms of the equation)
+// m.
 struct NestedFit {
   UpperTriangle n;
   UpperTriangle parameterSums;  // cell (k, i): sum over j in k .. i of n(k, j) z(j)
@@ -61,8 +66,8 @@ struct NestedFit {
   [[nodiscard]] DoubleDouble unitCovariance(std::size_t p, std::size_t k, std::size_t l) const;
 };
 
-// `m`: expansion of column j in the terms of the equation stands in column j. At most highestDegree + 1
-// columns.
+// `m`: expansion of column j in the terms of the equation stands in column j. At most highestDegree
+// + 1 columns.
 [[nodiscard]] NestedFit makeNestedFit(Factor factor, const UpperTriangle& m);
 // Where the columns are the terms themselves.
 [[nodiscard]] NestedFit makeTermsFit(Factor factor);

@@ -11,7 +11,9 @@ namespace pelmora::solver {
 
 PowerCurve::PowerCurve(Expression expression, NodeId base, std::shared_ptr<const PowerFit> fit,
                        std::size_t p)
-    : expression_(std::move(expression)), base_(base), fit_(std::move(fit)),
+    : expression_(std::move(expression)),
+      base_(base),
+      fit_(std::move(fit)),
       columnParameters_(fit_->columnParameters(p)) {}
 
 Column PowerCurve::functionAt(std::span<const double> x) const {
@@ -27,7 +29,8 @@ std::vector<double> PowerCurve::values(std::span<const double> x) const {
     for (std::size_t k = 0; k < x.size(); ++k) {
       fit_->columnsAt(u.hi[k], columns);
       // From the highest power down: the small parts first.
-      for (std::size_t j = columns.size(); j-- > 0;) result[k] += columnParameters_[j].hi * columns[j];
+      for (std::size_t j = columns.size(); j-- > 0;)
+        result[k] += columnParameters_[j].hi * columns[j];
     }
     return result;
   }

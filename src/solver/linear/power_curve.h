@@ -12,7 +12,8 @@ namespace pelmora::solver {
 class PowerCurve : public Curve {
  public:
   // The first p columns of `fit` over the function at node `base`.
-  PowerCurve(Expression expression, NodeId base, std::shared_ptr<const PowerFit> fit, std::size_t p);
+  PowerCurve(Expression expression, NodeId base, std::shared_ptr<const PowerFit> fit,
+             std::size_t p);
   [[nodiscard]] std::vector<double> values(std::span<const double> x) const override;
   [[nodiscard]] std::vector<double> unitErrors(std::span<const double> x) const override;
 

@@ -20,8 +20,8 @@ constexpr double leastResidualShare = 1e-12;
 // Distinct x that differ by rounding only do not tell columns over -1 .. 1 apart.
 constexpr double dependenceOfPolynomials = 1e-13;
 
-// The sums carry 28 digits of the largest weight. Where the weights differ by more than this, what that
-// leaves of the smallest is no longer plenty.
+// The sums carry 28 digits of the largest weight. Where the weights differ by more than this, what
+// that leaves of the smallest is no longer plenty.
 constexpr double mostSpreadOfSquares = 0x1p32;
 
 // The largest u^(2 lowest) over the points; infinite where the sums would not do.
@@ -55,13 +55,15 @@ Factor choleskyFactor(const Moments& sums, DoubleDouble ySquares) {
   return factor;
 }
 
-// The columns in powers of u, counted from the lowest: column j of the answer is column j of the fit.
+// The columns in powers of u, counted from the lowest: column j of the answer is column j of the
+// fit.
 UpperTriangle powersOfColumns(std::size_t p, std::size_t poles, double middle, double stretch) {
   UpperTriangle m(p);
   const std::size_t first = std::min(p, poles);
   for (std::size_t j = 0; j < first; ++j) m.at(j, j) = DoubleDouble(1);
   if (first == p) return m;
-  pointKernels().chebyshevPowers(twoProduct(-middle, stretch), stretch, p - first, p, &m.at(first, first));
+  pointKernels().chebyshevPowers(twoProduct(-middle, stretch), stretch, p - first, p,
+                                 &m.at(first, first));
   return m;
 }
 
@@ -113,8 +115,8 @@ void fillResidualSquares(Factor& factor, DoubleDouble last) {
 
 }  // namespace
 
-PowerFit::PowerFit(const Column& u, std::span<const double> y, DoubleDouble ySquares, int lowestPower,
-                   std::size_t columns)
+PowerFit::PowerFit(const Column& u, std::span<const double> y, DoubleDouble ySquares,
+                   int lowestPower, std::size_t columns)
     : lowest(lowestPower), columns_(columns) {
   const Range extent = range(u);
   middle = extent.low + (extent.high - extent.low) / 2;
@@ -122,9 +124,10 @@ PowerFit::PowerFit(const Column& u, std::span<const double> y, DoubleDouble ySqu
   if (!std::isfinite(stretch)) stretch = 1;
   const PowerScale by{lowest, middle, stretch, largestSquare(extent, lowest)};
   Factor factor;  // of rank 0: to be found otherwise
-  if (std::isnormal(by.largestSquare)) factor = choleskyFactor(moments(u, y, by, columns - 1), ySquares);
-  const bool isExactFit = factor.rank == columns &&
-                          !(factor.residualSquares[0].hi > leastResidualShare * ySquares.hi);
+  if (std::isnormal(by.largestSquare))
+    factor = choleskyFactor(moments(u, y, by, columns - 1), ySquares);
+  const bool isExactFit =
+      factor.rank == columns && !(factor.residualSquares[0].hi > leastResidualShare * ySquares.hi);
   if (factor.rank < columns || isExactFit) {
     hasPole = lowest < 0 && factor.rank < columns;
     factor = orthogonalFactor(exactColumns(*this, u, columns), exactColumn(y),
@@ -143,6 +146,8 @@ std::vector<DoubleDouble> PowerFit::columnParameters(std::size_t p) const {
   return result;
 }
 
-void PowerFit::columnsAt(double u, std::span<double> columns) const { fillColumns(*this, u, columns); }
+void PowerFit::columnsAt(double u, std::span<double> columns) const {
+  fillColumns(*this, u, columns);
+}
 
 }  // namespace pelmora::solver

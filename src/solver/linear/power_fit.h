@@ -9,10 +9,10 @@
 
 namespace pelmora::solver {
 
-// f(u) = u^lowest * (polynomial in u). The fit itself is done over the Chebyshev polynomials T(j) of
-// t = (u - middle) * stretch, which runs from -1 to 1 over the data: they are almost orthogonal
-// there, where powers of u are almost parallel. Where negative powers have their pole among the data,
-// these powers themselves come first and the T(j) follow them without the factor u^lowest.
+// f(u) = u^lowest * (polynomial in u). The fit itself is done over the Chebyshev polynomials T(j)
+// of t = (u - middle) * stretch, which runs from -1 to 1 over the data: they are almost orthogonal
+// there, where powers of u are almost parallel. Where negative powers have their pole among the
+// data, these powers themselves come first and the T(j) follow them without the factor u^lowest.
 class PowerFit {
  public:
   // Shape:  u and y of n values, all finite, n >= columns >= 1; u^lowest finite.

@@ -26,7 +26,8 @@ bool Series::holds(std::span<const double> xs, std::span<const double> ys) const
   return sameBits(x, xs) && sameBits(y, ys);
 }
 
-std::shared_ptr<Series> SeriesCache::known(std::span<const double> x, std::span<const double> y) const {
+std::shared_ptr<Series> SeriesCache::known(std::span<const double> x,
+                                           std::span<const double> y) const {
   return last_ && last_->holds(x, y) ? last_ : nullptr;
 }
 

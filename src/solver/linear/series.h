@@ -31,7 +31,8 @@ struct Series {
 class SeriesCache {
  public:
   // The kept series where it has these points, or nothing.
-  [[nodiscard]] std::shared_ptr<Series> known(std::span<const double> x, std::span<const double> y) const;
+  [[nodiscard]] std::shared_ptr<Series> known(std::span<const double> x,
+                                              std::span<const double> y) const;
   // Keeps a new series in place of the last.
   [[nodiscard]] std::shared_ptr<Series> add(std::span<const double> x, std::span<const double> y);
 

@@ -15,8 +15,8 @@ std::vector<double> Solution::covariance() const {
   const DoubleDouble variance = fit->factor.residualSquares[p] / degrees;
   for (std::size_t k = 0; k < p; ++k) {
     for (std::size_t l = 0; l < p; ++l) {
-      const DoubleDouble cell = variance * fit->unitCovariance(p, k, l) /
-                                (factorOfTerm[k] * factorOfTerm[l]);
+      const DoubleDouble cell =
+          variance * fit->unitCovariance(p, k, l) / (factorOfTerm[k] * factorOfTerm[l]);
       result[parameterOfTerm[k] * p + parameterOfTerm[l]] = static_cast<double>(cell);
     }
   }
@@ -51,12 +51,13 @@ void fillFromFit(Solution& solution, std::size_t n, DoubleDouble totalSquares, i
     const DoubleDouble one(1), unexplained = nearQuotient(residualSquares, totalSquares);
     const DoubleDouble base(static_cast<double>(n) - baseParameters);
     statistics.RSquared = static_cast<double>(one - unexplained);
-    statistics.AdjustedRSquared = static_cast<double>(one - nearQuotient(unexplained * base, degrees));
+    statistics.AdjustedRSquared =
+        static_cast<double>(one - nearQuotient(unexplained * base, degrees));
   }
 }
 
-Solution solutionOfTerms(std::shared_ptr<const NestedFit> fit, std::size_t n, DoubleDouble totalSquares,
-                         int baseParameters) {
+Solution solutionOfTerms(std::shared_ptr<const NestedFit> fit, std::size_t n,
+                         DoubleDouble totalSquares, int baseParameters) {
   const std::size_t p = fit->factor.rank;
   Solution solution;
   solution.fit = std::move(fit);

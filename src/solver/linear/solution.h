@@ -47,7 +47,8 @@ struct NoSolution {
 // zero, with `baseParameters` = 0, for others.
 // Errors: NoSolution where a parameter or its standard error is not finite.
 void fillFromFit(Solution& solution, std::size_t n, DoubleDouble totalSquares, int baseParameters);
-// The solution of a fit whose term k is parameter k; without a curve. Arguments and errors as above.
+// The solution of a fit whose term k is parameter k; without a curve. Arguments and errors as
+// above.
 [[nodiscard]] Solution solutionOfTerms(std::shared_ptr<const NestedFit> fit, std::size_t n,
                                        DoubleDouble totalSquares, int baseParameters);
 

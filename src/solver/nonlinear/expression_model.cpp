@@ -25,9 +25,14 @@ std::array<T, 26> byLetter(const std::vector<int>& letters, const std::vector<T>
 
 class ExpressionModel : public RegressionModel {
  public:
-  ExpressionModel(const Expression& expression, std::span<const double> x, std::span<const double> y)
-      : expression_(expression), x_(x), y_(y), letters_(expression.letters()),
-        responseLength_(lengthOf(std::vector<double>(y.begin(), y.end()))), plain_(expression, {{expression.root}}) {}
+  ExpressionModel(const Expression& expression, std::span<const double> x,
+                  std::span<const double> y)
+      : expression_(expression),
+        x_(x),
+        y_(y),
+        letters_(expression.letters()),
+        responseLength_(lengthOf(std::vector<double>(y.begin(), y.end()))),
+        plain_(expression, {{expression.root}}) {}
 
   [[nodiscard]] std::size_t points() const override { return x_.size(); }
   [[nodiscard]] std::size_t parameters() const override { return letters_.size(); }
@@ -59,7 +64,8 @@ class ExpressionModel : public RegressionModel {
       plain_.differentiate(expression_.root);
       for (std::size_t j = 0; j < letters_.size(); ++j) {
         const auto gradient = plain_.gradient(letters_[j]);
-        std::copy(gradient.begin(), gradient.end(), (*slopes)[j].begin() + static_cast<std::ptrdiff_t>(start));
+        std::copy(gradient.begin(), gradient.end(),
+                  (*slopes)[j].begin() + static_cast<std::ptrdiff_t>(start));
       }
     });
   }
@@ -105,7 +111,8 @@ class ExpressionModel : public RegressionModel {
 
  private:
   template <class T, class Work>
-  void forBlocks(BlockEvaluator<T>& evaluator, const std::array<T, 26>& letters, const Work& work) const {
+  void forBlocks(BlockEvaluator<T>& evaluator, const std::array<T, 26>& letters,
+                 const Work& work) const {
     for (std::size_t start = 0; start < points(); start += BlockEvaluator<T>::block) {
       const std::size_t count = std::min(BlockEvaluator<T>::block, points() - start);
       evaluator.load(x_.subspan(start, count), letters);

@@ -26,7 +26,8 @@ constexpr double exactFit = 1e-28, sameMinimum = 1e-6;
 
 }  // namespace
 
-NonlinearEnd lowestMinimum(const RegressionModel& model, const std::vector<std::vector<double>>& starts,
+NonlinearEnd lowestMinimum(const RegressionModel& model,
+                           const std::vector<std::vector<double>>& starts,
                            const SolverSettings& settings) {
   SearchSettings search;
   search.iterations = settings.First > 0 ? settings.First : usualIterations;
@@ -46,7 +47,8 @@ NonlinearEnd lowestMinimum(const RegressionModel& model, const std::vector<std::
     ends.push_back(searchFrom(model, start, search));
   }
   std::erase_if(ends, [](const SearchEnd& end) { return !std::isfinite(end.residualSquares); });
-  if (ends.empty()) throw NoSolution{"the equation is not finite at some points for all starts tried"};
+  if (ends.empty())
+    throw NoSolution{"the equation is not finite at some points for all starts tried"};
   std::stable_sort(ends.begin(), ends.end(), [](const SearchEnd& a, const SearchEnd& b) {
     return a.residualSquares < b.residualSquares;
   });
@@ -70,12 +72,13 @@ DoubleDouble squaresOf(const NonlinearEnd& end) {
 }
 
 // The minimum that the host's start leads to, or none with its reason.
-std::optional<NonlinearEnd> minimumFrom(const RegressionModel& model, const SolverSettings& settings,
-                                        std::string& reason) {
+std::optional<NonlinearEnd> minimumFrom(const RegressionModel& model,
+                                        const SolverSettings& settings, std::string& reason) {
   const std::vector<double>& start = settings.StartValues;
   if (start.empty()) return std::nullopt;
   if (start.size() != model.parameters()) {
-    throw NoSolution{numberText(start.size()) + " start values for " + numberText(model.parameters()) + " parameters"};
+    throw NoSolution{numberText(start.size()) + " start values for " +
+                     numberText(model.parameters()) + " parameters"};
   }
   for (const double value : start) {
     if (!std::isfinite(value)) throw NoSolution{"a start value is not finite"};
@@ -88,10 +91,10 @@ std::optional<NonlinearEnd> minimumFrom(const RegressionModel& model, const Solv
   }
 }
 
-// A start may lie in the wrong valley: own starts are tried beside it, and only a minimum that is lower by
-// more than rounding displaces its own.
-NonlinearEnd bestMinimum(const RegressionModel& model, const Expression& expression, const Series& series,
-                         const SolverSettings& settings) {
+// A start may lie in the wrong valley: own starts are tried beside it, and only a minimum that is
+// lower by more than rounding displaces its own.
+NonlinearEnd bestMinimum(const RegressionModel& model, const Expression& expression,
+                         const Series& series, const SolverSettings& settings) {
   std::string reason;
   auto nearby = minimumFrom(model, settings, reason);
   if (nearby && squaresOf(*nearby).hi <= exactFit * series.squares.hi) return *std::move(nearby);
@@ -99,7 +102,8 @@ NonlinearEnd bestMinimum(const RegressionModel& model, const Expression& express
   try {
     const auto starts = ownStarts(expression, series.x, series.y, static_cast<std::size_t>(count));
     NonlinearEnd elsewhere = lowestMinimum(model, starts, settings);
-    if (!nearby || squaresOf(elsewhere).hi < (1 - sameMinimum) * squaresOf(*nearby).hi) return elsewhere;
+    if (!nearby || squaresOf(elsewhere).hi < (1 - sameMinimum) * squaresOf(*nearby).hi)
+      return elsewhere;
   } catch (const NoSolution& failure) {
     if (!nearby) throw NoSolution{reason.empty() ? failure.reason : reason};
   }
@@ -114,7 +118,8 @@ Solution fitNonlinear(Expression expression, const Series& series, const SolverS
   Solution solution = solutionOfTerms(end.fit, series.x.size(), series.squaresAboutMean, 1);
   solution.parameters = std::move(end.parameters);  // the fit's own are the last step
   solution.statistics.Iterations = end.iterations;
-  solution.curve = std::make_shared<ExpressionCurve>(std::move(expression), solution.parameters, solution.fit);
+  solution.curve =
+      std::make_shared<ExpressionCurve>(std::move(expression), solution.parameters, solution.fit);
   return solution;
 }
 

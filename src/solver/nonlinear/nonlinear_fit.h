@@ -11,10 +11,10 @@
 
 namespace pelmora::solver {
 
-// settings: First = limit of iterations of one search (250 where it is not positive), Second = number
-// of starts (10), ResidualTolerance = relative fall of the residual sum of squares that ends a search,
-// StartValues = a start to begin with, in order of the letters; the engine's own starts are tried beside it,
-// and the lowest minimum of all is the solution.
+// settings: First = limit of iterations of one search (250 where it is not positive), Second =
+// number of starts (10), ResidualTolerance = relative fall of the residual sum of squares that ends
+// a search, StartValues = a start to begin with, in order of the letters; the engine's own starts
+// are tried beside it, and the lowest minimum of all is the solution.
 //
 // Shape:  series of n points, equation of p parameters, n > p.
 // Errors: NoSolution with the reason in words.

@@ -53,7 +53,8 @@ double guess(Sequence& sequence, const Ranges& r) {
   const double kind = sequence.next() * 8, sign = sequence.next() < 0.7 ? 1 : -1;
   const double spread = std::pow(10.0, 3 * sequence.next() - 1.5);
   switch (static_cast<int>(kind)) {
-    case 0: case 1: return r.lowX + (r.highX - r.lowX) * sequence.next();
+    case 0:
+    case 1: return r.lowX + (r.highX - r.lowX) * sequence.next();
     case 5: return (r.highX - r.lowX) * std::pow(10.0, -2 * sequence.next());
     case 6: return sign * spread * r.sizeX;
     case 2: return sign * spread / r.sizeX * 3;
@@ -114,7 +115,8 @@ std::vector<std::vector<double>> ownStarts(const Expression& expression, std::sp
       if (screening.projected[j]) {
         start[j] = 1;
       } else {
-        start[j] = byForm && powers[j] ? guess(sequence, ranges, *powers[j]) : guess(sequence, ranges);
+        start[j] =
+            byForm && powers[j] ? guess(sequence, ranges, *powers[j]) : guess(sequence, ranges);
       }
     }
     ends.push_back(searchFrom(*model, std::move(start), screening));

@@ -19,9 +19,8 @@ class Rules {
     for (const auto& [id, factor] : terms) row[static_cast<std::size_t>(id)] += factor;
     row[unknowns_] = value;
     for (const Rule& rule : rules_) subtract(row, row[rule.pivot], rule.row);
-    const auto largest = std::max_element(row.begin(), row.end() - 1, [](double a, double b) {
-      return std::fabs(a) < std::fabs(b);
-    });
+    const auto largest = std::max_element(
+        row.begin(), row.end() - 1, [](double a, double b) { return std::fabs(a) < std::fabs(b); });
     if (std::fabs(*largest) < nothing) return;  // known already, or a contradiction
     const auto pivot = static_cast<std::size_t>(largest - row.begin());
     const double whole = *largest;
@@ -64,10 +63,12 @@ void addForm(Rules& rules, const Expression& expression, NodeId id) {
     case Op::constant: return rules.add({{id, 1}}, 0);
     case Op::variable: return rules.add({{id, 1}}, 1);
     case Op::parameter: return;
-    case Op::add: case Op::subtract:
+    case Op::add:
+    case Op::subtract:
       rules.add({{id, 1}, {node.left, -1}}, 0);
       return rules.add({{id, 1}, {node.right, -1}}, 0);
-    case Op::negate: case Op::abs: return rules.add({{id, 1}, {node.left, -1}}, 0);
+    case Op::negate:
+    case Op::abs: return rules.add({{id, 1}, {node.left, -1}}, 0);
     case Op::multiply: return rules.add({{id, 1}, {node.left, -1}, {node.right, -1}}, 0);
     case Op::divide: return rules.add({{id, 1}, {node.left, -1}, {node.right, 1}}, 0);
     case Op::sqrt: return rules.add({{id, 1}, {node.left, -0.5}}, 0);
@@ -86,7 +87,8 @@ void addArguments(Rules& rules, const Expression& expression, NodeId id) {
     rules.add({{node.right, 1}}, 0);
     rules.add({{node.left, 1}}, 0);
     rules.add({{id, 1}}, 0);
-  } else if (isUnary(node.op) && node.op != Op::negate && node.op != Op::abs && node.op != Op::sqrt) {
+  } else if (isUnary(node.op) && node.op != Op::negate && node.op != Op::abs &&
+             node.op != Op::sqrt) {
     rules.add({{node.left, 1}}, 0);
   }
 }

@@ -25,7 +25,8 @@ bool allFinite(const Column& column) {
 
 // Solves (1 - n' S n) w = z by Cholesky; empty where the matrix is not positive definite.
 // S = sum of residual times second derivatives, p x p.
-std::optional<std::vector<DoubleDouble>> bentStep(const NestedFit& fit, const std::vector<DoubleDouble>& s) {
+std::optional<std::vector<DoubleDouble>> bentStep(const NestedFit& fit,
+                                                  const std::vector<DoubleDouble>& s) {
   const std::size_t p = fit.factor.rank;
   UpperTriangle half(p), upper(p);
   std::vector<DoubleDouble> sn(p * p);
@@ -66,15 +67,17 @@ std::vector<DoubleDouble> parameterStep(const NestedFit& fit, const std::vector<
 
 // `last`: the step before, if it was negligible; empty otherwise.
 bool isNegligible(const std::vector<DoubleDouble>& step, const std::vector<DoubleDouble>& last,
-                  const std::vector<DoubleDouble>& parameters, const NestedFit& fit, std::size_t n) {
+                  const std::vector<DoubleDouble>& parameters, const NestedFit& fit,
+                  std::size_t n) {
   const std::size_t p = step.size();
   const double variance = fit.factor.residualSquares[p].hi / static_cast<double>(n - p);
   for (std::size_t k = 0; k < p; ++k) {
     const double error = std::sqrt(variance) * fit.unitError(p, k);
     const double size = std::fabs(step[k].hi);
     if (size <= negligibleOfParameter * std::fabs(parameters[k].hi)) continue;
-    const bool isSmall = last.empty() ? size <= negligibleOfError * error
-                                      : size <= shrinking * std::fabs(last[k].hi) || size <= nothingOfError * error;
+    const bool isSmall =
+        last.empty() ? size <= negligibleOfError * error
+                     : size <= shrinking * std::fabs(last[k].hi) || size <= nothingOfError * error;
     if (!isSmall) return false;
   }
   return true;
@@ -114,7 +117,8 @@ std::optional<Minimum> polish(const RegressionModel& model, const std::vector<do
       if (bent) w = *bent;
     }
     std::vector<DoubleDouble> step = parameterStep(*result.fit, w);
-    if (!last.empty() && curvesUp && isNegligible(step, last, result.parameters, *result.fit, model.points())) {
+    if (!last.empty() && curvesUp &&
+        isNegligible(step, last, result.parameters, *result.fit, model.points())) {
       return result;
     }
     ++result.iterations;
@@ -123,9 +127,10 @@ std::optional<Minimum> polish(const RegressionModel& model, const std::vector<do
       reason = "the search ended at a saddle of the residual sum of squares";
       return std::nullopt;
     }
-    // It is taken all the same, and the next one looked at. Newton's steps square what is missing, so that
-    // the digits no longer tell where the search came from. On the way to a minimum at infinity, where
-    // standard errors are vast, steps that look negligible beside them grow instead.
+    // It is taken all the same, and the next one looked at. Newton's steps square what is missing,
+    // so that the digits no longer tell where the search came from. On the way to a minimum at
+    // infinity, where standard errors are vast, steps that look negligible beside them grow
+    // instead.
     for (std::size_t k = 0; k < p; ++k) result.parameters[k] += step[k];
     last = negligible ? std::move(step) : std::vector<DoubleDouble>{};
   }

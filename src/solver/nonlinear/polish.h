@@ -13,7 +13,8 @@ namespace pelmora::solver {
 struct Minimum {
   std::vector<DoubleDouble> parameters;
   int iterations = 0;
-  std::shared_ptr<const NestedFit> fit;  // of the slopes at the minimum; its terms are the parameters
+  std::shared_ptr<const NestedFit>
+      fit;  // of the slopes at the minimum; its terms are the parameters
 };
 
 // Newton's method in double-double arithmetic. A minimum counts only where the steps become

@@ -13,8 +13,8 @@ namespace {
 constexpr double infinite = std::numeric_limits<double>::infinity();
 // A projected direction is left alone where its column is this near to the others.
 constexpr double nearDependence = 1e-13;
-// Rounding of model values, as a share of y, with room to spare. A fall of the squares below what that makes of them
-// cannot be seen; `polish` goes on from there in higher precision.
+// Rounding of model values, as a share of y, with room to spare. A fall of the squares below what
+// that makes of them cannot be seen; `polish` goes on from there in higher precision.
 constexpr double roundingOfValues = 1e-14;
 
 bool allFinite(const std::vector<double>& values) {
@@ -89,7 +89,8 @@ class Search {
     const std::size_t first = projected_.size(), last = columns.size();
     for (std::size_t k = 0; k < free_.size(); ++k) {
       double sum = 0;
-      for (std::size_t i = first; i <= first + k; ++i) sum += columns[first + k][i] * columns[first + k][i];
+      for (std::size_t i = first; i <= first + k; ++i)
+        sum += columns[first + k][i] * columns[first + k][i];
       scales_[k] = std::max(scales_[k], std::sqrt(sum));
     }
     for (int attempt = 0; attempt < 40 && !isExhausted(); ++attempt) {
@@ -100,7 +101,8 @@ class Search {
         for (std::size_t j = i; j < last; ++j) moved += columns[j][i] * change[j - first];
         predicted += moved * (2 * right[i] - moved);
       }
-      if (predicted <= roundingOfValues * model_.responseLength() * std::sqrt(squares_)) return false;
+      if (predicted <= roundingOfValues * model_.responseLength() * std::sqrt(squares_))
+        return false;
       std::vector<double> trial = now_;
       for (std::size_t k = 0; k < free_.size(); ++k) trial[free_[k]] += change[k];
       if (!projected_.empty()) {  // the projected ones follow to first order
@@ -132,7 +134,8 @@ class Search {
 
   // Minimises |R22 s - q2|^2 + damping |scale s|^2.
   std::vector<double> damped(const std::vector<std::vector<double>>& columns,
-                             const std::vector<double>& right, std::size_t first, std::size_t last) {
+                             const std::vector<double>& right, std::size_t first,
+                             std::size_t last) {
     const std::size_t m = last - first;
     std::vector<std::vector<double>> stacked(m, std::vector<double>(2 * m, 0.0));
     std::vector<double> target(2 * m, 0.0);

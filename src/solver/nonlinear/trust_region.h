@@ -10,7 +10,7 @@ namespace pelmora::solver {
 
 struct SearchSettings {
   int iterations = 250;
-  double tolerance = 1e-15;  // of the relative fall of the residual sum of squares
+  double tolerance = 1e-15;     // of the relative fall of the residual sum of squares
   std::vector<bool> projected;  // parameters that are solved for directly at each step; empty: none
   // Evaluations that all searches together may still make; none: no limit.
   double* evaluationsLeft = nullptr;

@@ -31,7 +31,8 @@ class own_tables : public testing::Test {
 TEST_F(own_tables, are_made_once_and_take_statements) {
   EXPECT_FALSE(hasTable(curves.connection, "own_notes"));
   createTable(curves.connection, notes);
-  curves.execute("Insert into own_notes (SeriesID, Weight, Words, Job) VALUES (3, 1.5, 'Ab', '07')");
+  curves.execute(
+      "Insert into own_notes (SeriesID, Weight, Words, Job) VALUES (3, 1.5, 'Ab', '07')");
   createTable(curves.connection, notes);
   EXPECT_TRUE(hasTable(curves.connection, "OWN_NOTES"));
   const auto rows = curves.select("Select * from own_notes where words='aB'");
@@ -116,8 +117,10 @@ TEST_F(changes_made_together, keep_others_from_writing_but_not_from_reading) {
   const Transaction transaction(curves.connection);
   curves.execute("Delete * from raw1");
   EXPECT_EQ(failureOf([&] { Transaction second(other); }).number, genericFailure);
-  EXPECT_EQ(other->openRecordset("Select * from raw1", CursorType::forwardOnly,
-                                 LockType::optimistic)->recordCount(), 1);
+  EXPECT_EQ(
+      other->openRecordset("Select * from raw1", CursorType::forwardOnly, LockType::optimistic)
+          ->recordCount(),
+      1);
 }
 
 TEST_F(changes_made_together, let_others_read_however_many_they_are) {
@@ -129,9 +132,10 @@ TEST_F(changes_made_together, let_others_read_however_many_they_are) {
   for (int i = 0; i < 10; ++i) {
     curves.execute("INSERT INTO DataFitResults (seriesID, summary) VALUES (1, '" + text + "')");
   }
-  EXPECT_EQ(other->openRecordset("Select * from raw1", CursorType::forwardOnly, LockType::optimistic)
-                ->recordCount(),
-            1);
+  EXPECT_EQ(
+      other->openRecordset("Select * from raw1", CursorType::forwardOnly, LockType::optimistic)
+          ->recordCount(),
+      1);
 }
 
 TEST_F(changes_made_together, are_not_seen_in_a_view_that_began_before) {
@@ -160,13 +164,17 @@ TEST_F(changes_made_together, are_not_nested) {
 
 TEST_F(changes_made_together, store_nothing_more_once_the_engine_has_undone_them) {
   // A rule of the database that ends the whole transaction, as a full disk does.
-  test::PlainSqlite(curves.path).run(
-      "CREATE TRIGGER fails BEFORE INSERT ON curve BEGIN SELECT RAISE(ROLLBACK, 'no room'); END");
+  test::PlainSqlite(curves.path)
+      .run(
+          "CREATE TRIGGER fails BEFORE INSERT ON curve BEGIN SELECT RAISE(ROLLBACK, 'no room'); "
+          "END");
   {
     Transaction transaction(curves.connection);
     curves.execute("Delete * from raw1");
-    EXPECT_NE(failureOf([&] { curves.execute("Insert into curve (seriesID) VALUES (1)"); }).number, 0);
-    EXPECT_NE(failureOf([&] { curves.execute("Insert into merge (seriesID) VALUES (1)"); }).number, 0);
+    EXPECT_NE(failureOf([&] { curves.execute("Insert into curve (seriesID) VALUES (1)"); }).number,
+              0);
+    EXPECT_NE(failureOf([&] { curves.execute("Insert into merge (seriesID) VALUES (1)"); }).number,
+              0);
     EXPECT_NE(failureOf([&] { addBatch(9); }).number, 0);
     EXPECT_NE(failureOf([&] { transaction.commit(); }).number, 0);
   }

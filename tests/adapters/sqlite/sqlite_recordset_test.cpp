@@ -81,7 +81,8 @@ TEST(sqlite_recordset, batches_of_any_length_keep_their_rows_in_order) {
     const auto rows = batch(file, "Select * from notes");
     for (std::int64_t i = 0; i < length; ++i) {
       const std::int64_t n = stored + i;
-      const std::string words = "row " + std::to_string(n) + std::string(static_cast<std::size_t>(n), '.');
+      const std::string words =
+          "row " + std::to_string(n) + std::string(static_cast<std::size_t>(n), '.');
       const Value loose = n % 3 == 0 ? Value() : n % 3 == 1 ? Value(n) : Value(words);
       rows->addRow(fields, std::array<Value, 3>{n, n % 5 == 0 ? Value() : Value(words), loose});
     }
@@ -91,7 +92,8 @@ TEST(sqlite_recordset, batches_of_any_length_keep_their_rows_in_order) {
   }
   const auto rows = file.select("Select * from notes ORDER BY ID");
   for (std::int64_t n = 0; n < stored; ++n, rows->moveNext()) {
-    const std::string words = "row " + std::to_string(n) + std::string(static_cast<std::size_t>(n), '.');
+    const std::string words =
+        "row " + std::to_string(n) + std::string(static_cast<std::size_t>(n), '.');
     ASSERT_EQ(rows->value("ID"), Value(n + 1));
     ASSERT_EQ(rows->value("n"), Value(static_cast<double>(n)));
     ASSERT_EQ(rows->value("words"), n % 5 == 0 ? Value() : Value(words));

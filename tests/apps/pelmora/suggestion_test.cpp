@@ -21,7 +21,8 @@ TEST(typing_distance, counts_each_kind_of_error_once) {
 }
 
 TEST(suggestions, are_the_nearest_names) {
-  EXPECT_THAT(nearest("Rotr A", {"Ratio", "Rotor A", "Rotor B", "Rotor Sum"}), ElementsAre("Rotor A"));
+  EXPECT_THAT(nearest("Rotr A", {"Ratio", "Rotor A", "Rotor B", "Rotor Sum"}),
+              ElementsAre("Rotor A"));
   EXPECT_THAT(nearest("Rotor", {"Rotor A", "Motor"}), ElementsAre("Motor"));
   EXPECT_THAT(nearest("Rotor C", {"Rotor A", "Rotor B"}), ElementsAre("Rotor A", "Rotor B"));
 }
