@@ -46,14 +46,30 @@ void readPoint(std::string_view line, PointArray& points, std::size_t row) {
   points(row, 1) = numberFromText(fields[1]);
 }
 
-PointArray parseResults(std::string_view text) {
+PointArray firstPoints(const PointArray& points, std::size_t count) {
+  if (count == 0) return {};
+  PointArray first(count);
+  for (std::size_t column = 0; column < first.columns(); ++column)
+    std::ranges::copy(points.column(column).first(count), first.column(column).begin());
+  return first;
+}
+
+// Errors: outOfRange, typeMismatch for a line that is not a point; `points` then holds those before
+//         it.
+void readPoints(std::string_view text, PointArray& points) {
   const std::vector<std::string_view> lines = split(text, lineBreak);
   if (lines.size() <= headerLines) throw makeError(RunTimeError::outOfRange);
   const std::size_t count = lines.size() - headerLines;
   if (count > static_cast<std::size_t>(mostPoints)) throw makeError(RunTimeError::overflow);
-  PointArray points(count);
-  for (std::size_t row = 0; row < count; ++row) readPoint(lines[row + headerLines], points, row);
-  return points;
+  PointArray read(count);
+  std::size_t row = 0;
+  try {
+    for (; row < count; ++row) readPoint(lines[row + headerLines], read, row);
+  } catch (const Error&) {
+    points = firstPoints(read, row);
+    throw;
+  }
+  points = std::move(read);
 }
 
 }  // namespace
@@ -61,8 +77,8 @@ PointArray parseResults(std::string_view text) {
 PointArray readTCresults(const OperationContext& context, const std::string& sResultPath,
                          bool& ArrayIsEmpty) {
   PointArray points;
+  ArrayIsEmpty = true;
   context.trap("Error in RawData:readTCresults", [&] {
-    ArrayIsEmpty = true;
     const fs::path path = filePath(sResultPath);
     if (!fileExists(path)) {
       context.raiseStatusUpdate("Missing file to read fitted data: " + sResultPath);
@@ -78,12 +94,11 @@ PointArray readTCresults(const OperationContext& context, const std::string& sRe
     std::string_view cleaned = trimmed(text);
     if (cleaned.ends_with(lineBreak)) cleaned.remove_suffix(lineBreak.size());
     if (cleaned.empty()) return;
-    PointArray parsed = parseResults(cleaned);
+    readPoints(cleaned, points);
     context.raiseStatusUpdate("Sorting fitted data");
-    quickSortPoints(parsed, 0, 1, 0, pointUpperBound(parsed), true);
-    points = std::move(parsed);
-    ArrayIsEmpty = false;
+    quickSortPoints(points, 0, 1, 0, pointUpperBound(points), true);
   });
+  ArrayIsEmpty = points.empty();
   return points;
 }
 

@@ -67,6 +67,18 @@ TEST_F(import_curved_data, missing_file_removes_the_curve) {
   EXPECT_EQ(shared_.fitRecord().Fitted, PointArray());
 }
 
+TEST_F(import_curved_data, points_before_a_bad_line_are_stored) {
+  haveSeries();
+  writeFile("fit.txt", header + "2 5\r\n1 4\r\nx 3\r\n");
+  EXPECT_EQ(import(), (PointArray{{2, 5}, {1, 4}}));
+  EXPECT_FALSE(isEmpty_);
+  EXPECT_EQ(boxes(), Journal{"Error in RawData:readTCresults\r\nType mismatch|16|"});
+  EXPECT_EQ(executed(), Journal{"DELETE from curve where seriesID = 7"});
+  EXPECT_EQ(test::linesOf(journal_, "add "),
+            (Journal{"seriesID=7 Roshko=2 Strouhal=5", "seriesID=7 Roshko=1 Strouhal=4"}));
+  EXPECT_EQ(shared_.fitRecord().Fitted, (PointArray{{2, 5}, {1, 4}}));
+}
+
 TEST_F(import_curved_data, failure_is_told_under_its_own_name) {
   haveSeries();
   writeFile("fit.txt", header + "2 5\r\n1 4\r\n");

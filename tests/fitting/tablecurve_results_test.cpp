@@ -20,10 +20,12 @@ class tablecurve_results : public FittingFixture {
     journal_.clear();
     return readTCresults(context_, path_, isEmpty_);
   }
-  void expectError(const std::string& content, const std::string& description) {
-    isEmpty_ = false;
-    EXPECT_EQ(read(content), PointArray());
-    EXPECT_TRUE(isEmpty_);
+  // A failure: its box, and the points that were read before it.
+  void expectError(const std::string& content, const std::string& description,
+                   const PointArray& readBefore = {}) {
+    isEmpty_ = readBefore.size() > 0;
+    EXPECT_EQ(read(content), readBefore);
+    EXPECT_EQ(isEmpty_, readBefore.empty());
     EXPECT_EQ(boxes(), Journal{"Error in RawData:readTCresults\r\n" + description + "|16|"});
   }
   const std::string path_ = folder_.file("fit.txt");
@@ -49,7 +51,7 @@ TEST_F(tablecurve_results, closing_line_break_is_no_point) {
 }
 
 TEST_F(tablecurve_results, only_one_closing_line_break_is_dropped) {
-  expectError(header + "1 2\r\n\r\n", "Subscript out of range");
+  expectError(header + "1 2\r\n\r\n", "Subscript out of range", {{1, 2}});
 }
 
 TEST_F(tablecurve_results, blanks_around_the_text_are_trimmed_before_the_closing_line_break) {
@@ -91,12 +93,22 @@ TEST_F(tablecurve_results, zero_characters_are_ignored_everywhere) {
 }
 
 TEST_F(tablecurve_results, line_with_one_field_is_an_error) {
-  expectError(header + "1 2\r\n3", "Subscript out of range");
+  expectError(header + "1 2\r\n3", "Subscript out of range", {{1, 2}});
 }
 
 TEST_F(tablecurve_results, field_that_is_no_number_is_a_type_mismatch) {
-  expectError(header + "1 2\r\nx 4", "Type mismatch");
-  expectError(header + "1 2\r\n3 y", "Type mismatch");
+  expectError(header + "1 2\r\nx 4", "Type mismatch", {{1, 2}});
+  expectError(header + "1 2\r\n3 y", "Type mismatch", {{1, 2}});
+}
+
+TEST_F(tablecurve_results, points_before_a_bad_line_come_back_in_the_order_of_the_file) {
+  expectError(header + "30 3\r\n10 1\r\n20 2\r\n5 ?\r\n1 1\r\n", "Type mismatch",
+              {{30, 3}, {10, 1}, {20, 2}});
+  EXPECT_EQ(statusTexts().back(), "Cleaning data from Tablecurve format");
+}
+
+TEST_F(tablecurve_results, bad_first_line_leaves_no_points) {
+  expectError(header + "? 3\r\n10 1\r\n", "Type mismatch");
 }
 
 TEST_F(tablecurve_results, lines_end_in_both_characters) {
