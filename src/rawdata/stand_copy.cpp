@@ -28,12 +28,13 @@ std::string copySecondJob(std::int32_t CalSetupID, const std::string& path,
          ", (Select * from DataPoint Where ((DataPoint.JobRecordID=" + job + ")));";
 }
 
+// Between two tries: too short for a window of the host to stand still, long enough to leave the
+// processor to others where a driver answers at once.
+constexpr std::chrono::milliseconds breath(5);
+
 // Runs a step again and again while the database is locked by another user.
 template <class Step>
 void untilUnlocked(const OperationContext& context, Step&& step) {
-  using namespace std::chrono_literals;
-  constexpr auto pause =
-      50ms;  // on top of the driver's own short wait: leaves the lock's owner the disk
   for (;;) {
     try {
       step();
@@ -45,7 +46,7 @@ void untilUnlocked(const OperationContext& context, Step&& step) {
     context.raiseStatusUpdate("Waiting for database to unlock for copy of caldata (" +
                               context.shared().location.FileName + ")");
     context.pumpMessages();
-    std::this_thread::sleep_for(pause);
+    std::this_thread::sleep_for(breath);
   }
 }
 

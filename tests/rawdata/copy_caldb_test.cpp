@@ -3,6 +3,9 @@
 #include "rawdata/stand_copy.h"
 #include "tests/support/operation_test.h"
 
+#include <algorithm>
+#include <chrono>
+
 namespace pelmora::test {
 namespace {
 
@@ -139,6 +142,18 @@ TEST_F(copyCaldbOf, a_locked_database_goes_to_the_location_set_meanwhile) {
   });
   EXPECT_TRUE(copyCaldb(moving, 5, "1001", "", stand, curves));
   EXPECT_THAT(log(), testing::Contains(testing::HasSubstr(" ) IN 'd:\\other.db'SELECT 5 as ")));
+}
+
+// A hundred tries: pauses of 50 ms would add up to the limit, pauses of 5 ms to a tenth of it.
+TEST_F(copyCaldbOf, a_locked_database_is_tried_again_without_a_pause_that_a_window_would_show) {
+  constexpr int tries = 100;
+  constexpr auto limit = std::chrono::milliseconds(50 * tries);
+  for (int i = 0; i < tries; ++i) script->fail(removeOld, locked);
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_TRUE(copy());
+  EXPECT_LT(std::chrono::steady_clock::now() - start, limit);
+  EXPECT_THAT(statusTexts(), testing::SizeIs(tries));
+  EXPECT_EQ(std::ranges::count(events, "pump"), 4 + 2 * tries);
 }
 
 TEST_F(copyCaldbOf, another_error_than_a_lock_is_not_waited_for) {
