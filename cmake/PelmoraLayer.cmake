@@ -6,7 +6,7 @@
 add_library(pelmora_options INTERFACE)
 target_compile_features(pelmora_options INTERFACE cxx_std_20)
 target_include_directories(pelmora_options INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/src
-  ${PROJECT_SOURCE_DIR}/include)
+  ${PROJECT_SOURCE_DIR}/include ${PROJECT_BINARY_DIR}/generated)
 if(MSVC)
   target_compile_options(pelmora_options INTERFACE /W4 $<$<BOOL:${PELMORA_WARNINGS_AS_ERRORS}>:/WX>)
 else()

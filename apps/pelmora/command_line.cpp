@@ -6,7 +6,7 @@
 #include "apps/pelmora/terminal_colour.h"
 #include "apps/pelmora/trouble.h"
 #include "apps/pelmora/usage_trouble.h"
-#include "apps/pelmora/version.h"
+#include "base/version.h"
 
 #include <CLI/CLI.hpp>
 

@@ -6,7 +6,7 @@
 #include "apps/pelmora/strict_number.h"
 #include "apps/pelmora/text_table.h"
 #include "apps/pelmora/trouble.h"
-#include "report/comparison.h"
+#include <pelmora/calibration/curve.h>
 #include "report/json_values.h"
 
 #include <CLI/App.hpp>
@@ -60,7 +60,7 @@ MeterInfo earlierOf(CurveSession& session, const CompareOptions& options, const 
 
 struct Compared {
   StoredCurve earlier, now;
-  report::Comparison shift;
+  calibration::Comparison shift;
 };
 
 Compared compared(const CompareOptions& options) {
@@ -74,14 +74,14 @@ Compared compared(const CompareOptions& options) {
     CurveSession other(options.otherPath, Access::read);
     result.earlier = curveOf(other, earlierOf(other, options, now), options.series);
   }
-  result.shift = report::compareCurves(result.earlier.points, result.now.points);
+  result.shift = calibration::compareCurves(result.earlier.points, result.now.points);
   if (!result.shift.shifts.empty()) return result;
   throw Trouble(ExitCode::badInput,
                 "the two curves of series '" + options.series + "' have no range in common",
                 "fit them over ranges that overlap");
 }
 
-double largestPercent(const report::Comparison& shift) {
+double largestPercent(const calibration::Comparison& shift) {
   return std::max(std::abs(shift.lowest.percent), std::abs(shift.highest.percent));
 }
 
@@ -112,7 +112,7 @@ std::string comparisonText(const CompareOptions& options, const Compared& result
 }
 
 std::string comparisonJson(const CompareOptions& options, const Compared& result) {
-  const auto shiftJson = [](const report::Comparison::Shift& shift) {
+  const auto shiftJson = [](const calibration::Shift& shift) {
     return nlohmann::json{{"roshko", shift.roshko}, {"percent", shift.percent}};
   };
   nlohmann::json value{{"database", options.path},

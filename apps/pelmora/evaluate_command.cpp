@@ -7,7 +7,7 @@
 #include "apps/pelmora/text_table.h"
 #include "apps/pelmora/trouble.h"
 #include "report/build_report.h"
-#include "report/curve_evaluation.h"
+#include "curves/curve_evaluation.h"
 #include "report/json_values.h"
 
 #include <CLI/App.hpp>
@@ -35,14 +35,14 @@ report::SeriesReport curveOf(CurveSession& session, const MeterInfo& meter,
                 "fit it with 'pelmora fit'");
 }
 
-std::vector<report::CurveValue> valuesOf(const EvaluateOptions& options,
-                                         const report::SeriesReport& series) {
-  std::vector<report::CurveValue> values;
+std::vector<calibration::CurveValue> valuesOf(const EvaluateOptions& options,
+                                              const report::SeriesReport& series) {
+  std::vector<calibration::CurveValue> values;
   for (const std::string& text : options.numbers) {
     const double number = numberOption(options.isInverse ? "STROUHAL" : "ROSHKO", text);
     try {
-      values.push_back(options.isInverse ? report::roshkoAt(series.curve, number)
-                                         : report::strouhalAt(series.curve, number));
+      values.push_back(options.isInverse ? calibration::roshkoAt(series.curve, number)
+                                         : calibration::strouhalAt(series.curve, number));
     } catch (const Error& error) {
       throw Trouble(
           ExitCode::badInput,
@@ -58,7 +58,7 @@ std::string halfWidth(const std::optional<double>& width) {
 }
 
 std::string valuesText(const EvaluateOptions& options, const report::SeriesReport& series,
-                       const std::vector<report::CurveValue>& values) {
+                       const std::vector<calibration::CurveValue>& values) {
   const auto right = TextTable::Align::right;
   const std::string of = options.isInverse ? "Roshko" : "Strouhal";
   TextTable table({{options.isInverse ? "Strouhal" : "Roshko", right},
@@ -67,7 +67,7 @@ std::string valuesText(const EvaluateOptions& options, const report::SeriesRepor
                    {"95 % prediction +-", right},
                    {""}});
   bool isAnyExtrapolated = false;
-  for (const report::CurveValue& value : values) {
+  for (const calibration::CurveValue& value : values) {
     isAnyExtrapolated |= value.isExtrapolated;
     const std::string roshko = significantText(value.roshko, 8),
                       strouhal = significantText(value.strouhal, 8);
@@ -89,9 +89,9 @@ nlohmann::json numberOrNull(const std::optional<double>& number) {
   return number ? nlohmann::json(*number) : nlohmann::json();
 }
 
-nlohmann::json valuesJson(const std::vector<report::CurveValue>& values) {
+nlohmann::json valuesJson(const std::vector<calibration::CurveValue>& values) {
   nlohmann::json list = nlohmann::json::array();
-  for (const report::CurveValue& value : values) {
+  for (const calibration::CurveValue& value : values) {
     list.push_back({{"roshko", value.roshko},
                     {"strouhal", value.strouhal},
                     {"confidenceHalfWidth", numberOrNull(value.confidence)},
@@ -105,7 +105,7 @@ void evaluate(const EvaluateOptions& options) {
   CurveSession session(options.path, Access::read);
   const MeterInfo meter = session.requireMeter(options.meter, options.reCalID);
   const report::SeriesReport series = curveOf(session, meter, options.series);
-  const std::vector<report::CurveValue> values = valuesOf(options, series);
+  const std::vector<calibration::CurveValue> values = valuesOf(options, series);
   session.progress().clear();
   if (!options.asJson) return printData(valuesText(options, series, values));
   printData(report::jsonText({{"database", session.path()},

@@ -4,7 +4,7 @@
 #include "apps/pelmora/description/man_page.h"
 #include "apps/pelmora/suggestion.h"
 #include "apps/pelmora/trouble.h"
-#include "apps/pelmora/version.h"
+#include "base/version.h"
 
 #include <CLI/App.hpp>
 

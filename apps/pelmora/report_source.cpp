@@ -2,7 +2,7 @@
 #include "apps/pelmora/report_source.h"
 
 #include "apps/pelmora/time_text.h"
-#include "apps/pelmora/version.h"
+#include "base/version.h"
 
 #include <pelmora/curve_database.h>
 

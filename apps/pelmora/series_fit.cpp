@@ -6,7 +6,7 @@
 #include "apps/pelmora/fit_advice.h"
 #include "apps/pelmora/text_table.h"
 #include "apps/pelmora/time_text.h"
-#include "apps/pelmora/version.h"
+#include "base/version.h"
 
 #include <pelmora/curve_settings.h>
 

@@ -4,7 +4,7 @@
 #include "apps/pelmora/text_table.h"
 #include "apps/pelmora/time_text.h"
 #include "apps/pelmora/trouble.h"
-#include "apps/pelmora/version.h"
+#include "base/version.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,28 +1,5 @@
-// "Did you mean ...?": the known name that a mistyped one stands for.
+// Suggestions for mistyped names, under the command line's own name.
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstddef>
-#include <string>
-#include <string_view>
-#include <vector>
-
-namespace pelmora::cli {
-
-// Characters to insert, leave out, replace or swap with their neighbour to make one text the other
-// (optimal string alignment), without regard to the case of ASCII letters.
-[[nodiscard]] std::size_t typingDistance(std::string_view a, std::string_view b);
-
-// Those of `known` that are nearest to `name`, at most three; empty where none is as near as one
-// typing error in each three characters.
-[[nodiscard]] std::vector<std::string> nearest(const std::string& name,
-                                               const std::vector<std::string>& known);
-
-// "did you mean 'Rotor A'?", "did you mean 'Rotor A' or 'Rotor B'?"; else "choose among 'a', 'b'
-// and 3 more".
-//
-// known: not empty.
-[[nodiscard]] std::string suggestion(const std::string& name,
-                                     const std::vector<std::string>& known);
-
-}  // namespace pelmora::cli
+#include "base/suggestion.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "report/readable_number.h"
+#include "base/readable_number.h"
 
 #include <cstddef>
 #include <string>
@@ -43,10 +43,10 @@ class TextTable {
 [[nodiscard]] std::string wrapped(std::string_view text, std::size_t indent);
 
 // Numbers in tables and sentences are those of a report.
-using report::alignedText;
-using report::fixedText;
-using report::percentText;
-using report::significantText;
-using report::withShortNumbers;
+using pelmora::alignedText;
+using pelmora::fixedText;
+using pelmora::percentText;
+using pelmora::significantText;
+using pelmora::withShortNumbers;
 
 }  // namespace pelmora::cli

@@ -1,15 +1,13 @@
-// The time as files and tables keep it.
+// Points in time as texts, under the command line's own name.
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstdint>
-#include <string>
+#include "base/time_text.h"
 
 namespace pelmora::cli {
 
-// Now, or so many seconds ago, in UTC, ISO 8601 without fractions: 2026-11-21T13:40:00Z. The
-// environment variable SOURCE_DATE_EPOCH, in seconds since 1970, takes the clock's place, so that
-// what is written can be repeated.
-[[nodiscard]] std::string timeText(std::int64_t secondsAgo = 0);
+[[nodiscard]] inline std::string timeText(std::int64_t secondsAgo = 0) {
+  return utcText(secondsAgo);
+}
 
 }  // namespace pelmora::cli

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pelmora/export.h>
+
 #include "history/kept_change.h"
 
 #include <cstddef>
@@ -23,7 +25,7 @@ struct DeleteOutcome {
 
 // Removes all rows of the scope once `change` has kept them. Nothing is stored before
 // change.commit().
-[[nodiscard]] DeleteOutcome removeKept(const ConnectionPtr& curves, KeptChange& change,
-                                       const Scope& scope);
+[[nodiscard]] PELMORA_API DeleteOutcome removeKept(const ConnectionPtr& curves, KeptChange& change,
+                                                   const Scope& scope);
 
 }  // namespace pelmora::history

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pelmora/export.h>
+
 #include "history/kept_change.h"
 
 #include <cstddef>
@@ -30,11 +32,12 @@ struct EntryFilter {
 
 // Entries from the newest to the oldest; none where the database has no history. With a series,
 // entries of whole calibrations count the rows of that series alone.
-[[nodiscard]] std::vector<Entry> entries(const ConnectionPtr& curves,
-                                         const EntryFilter& filter = {});
+[[nodiscard]] PELMORA_API std::vector<Entry> entries(const ConnectionPtr& curves,
+                                                     const EntryFilter& filter = {});
 
 // Nothing where there is no such entry.
-[[nodiscard]] std::optional<Entry> findEntry(const ConnectionPtr& curves, std::int64_t entryID);
+[[nodiscard]] PELMORA_API std::optional<Entry> findEntry(const ConnectionPtr& curves,
+                                                         std::int64_t entryID);
 
 struct Pruning {
   std::optional<std::string> Before;  // ISO 8601, UTC: only entries that are older
@@ -42,8 +45,9 @@ struct Pruning {
 };
 
 // The entries that `pruning` takes out, from the newest to the oldest.
-[[nodiscard]] std::vector<Entry> prunable(const ConnectionPtr& curves, const Pruning& pruning);
+[[nodiscard]] PELMORA_API std::vector<Entry> prunable(const ConnectionPtr& curves,
+                                                      const Pruning& pruning);
 // Removes entries with their rows, in one transaction. This is not kept anywhere.
-void removeEntries(const ConnectionPtr& curves, const std::vector<Entry>& old);
+PELMORA_API void removeEntries(const ConnectionPtr& curves, const std::vector<Entry>& old);
 
 }  // namespace pelmora::history

@@ -4,6 +4,7 @@
 
 #include "history/scope.h"
 
+#include <pelmora/export.h>
 #include <pelmora/own_tables.h>
 
 #include <cstdint>
@@ -28,7 +29,7 @@ struct ChangeNote {
 //     change.keep(fittedCurve(meterID, seriesID));
 //     ...                                     // changes through the same connection
 //     change.commit();
-class KeptChange {
+class PELMORA_API KeptChange {
  public:
   // Errors: Error, 0x80004005 where another user writes.
   KeptChange(const ConnectionPtr& curves, ChangeNote note);

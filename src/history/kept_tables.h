@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pelmora/export.h>
 #include <pelmora/own_tables.h>
 
 #include <cstdint>
@@ -30,15 +31,15 @@ inline constexpr const char* entryTable = "pelmora_history_entry";
 
 // In the order in which rows are brought back: meter, series and set-ups before what belongs to
 // them.
-[[nodiscard]] const std::vector<KeptTable>& keptTables();
+[[nodiscard]] PELMORA_API const std::vector<KeptTable>& keptTables();
 // Errors: Error 5 for a name that is none of them.
-[[nodiscard]] const KeptTable& keptTable(std::string_view name);
+[[nodiscard]] PELMORA_API const KeptTable& keptTable(std::string_view name);
 
 // Makes the tables and indexes of the history where they are missing.
-void createHistoryTables(const ConnectionPtr& curves);
-[[nodiscard]] bool hasHistoryTables(const ConnectionPtr& curves);
+PELMORA_API void createHistoryTables(const ConnectionPtr& curves);
+[[nodiscard]] PELMORA_API bool hasHistoryTables(const ConnectionPtr& curves);
 
 // Whether both the given table and its history are there.
-[[nodiscard]] bool isThere(const ConnectionPtr& curves, const KeptTable& table);
+[[nodiscard]] PELMORA_API bool isThere(const ConnectionPtr& curves, const KeptTable& table);
 
 }  // namespace pelmora::history

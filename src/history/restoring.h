@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pelmora/export.h>
+
 #include "history/entries.h"
 
 #include <cstdint>
@@ -33,7 +35,7 @@ struct RestoreOutcome {
 // Errors: Error noSuchEntry; standsInTheWay where the calibration or series is gone that the rows
 // belong to, or
 //         another one has its name or id by now.
-[[nodiscard]] RestoreOutcome restore(const ConnectionPtr& curves, KeptChange& change,
-                                     std::int64_t entryID);
+[[nodiscard]] PELMORA_API RestoreOutcome restore(const ConnectionPtr& curves, KeptChange& change,
+                                                 std::int64_t entryID);
 
 }  // namespace pelmora::history

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pelmora/export.h>
+
 #include "store/connection.h"
 
 #include <cstdint>
@@ -13,18 +15,18 @@ namespace pelmora::history {
 
 using Ids = std::vector<std::int64_t>;
 
-[[nodiscard]] std::unique_ptr<Recordset> read(const ConnectionPtr& curves,
-                                              const std::string& statement);
+[[nodiscard]] PELMORA_API std::unique_ptr<Recordset> read(const ConnectionPtr& curves,
+                                                          const std::string& statement);
 // 0 and "" where the value is null or of another kind.
-[[nodiscard]] std::int64_t wholeOf(const Value& value);
-[[nodiscard]] std::string textOf(const Value& value);
+[[nodiscard]] PELMORA_API std::int64_t wholeOf(const Value& value);
+[[nodiscard]] PELMORA_API std::string textOf(const Value& value);
 // The first column of all rows, without nulls.
-[[nodiscard]] Ids idsOf(const ConnectionPtr& curves, const std::string& statement);
+[[nodiscard]] PELMORA_API Ids idsOf(const ConnectionPtr& curves, const std::string& statement);
 // The number that "Select COUNT(*) ..." delivers.
-[[nodiscard]] std::int64_t countOf(const ConnectionPtr& curves,
-                                   const std::string& tableAndCondition);
+[[nodiscard]] PELMORA_API std::int64_t countOf(const ConnectionPtr& curves,
+                                               const std::string& tableAndCondition);
 
 // " where [key] IN (1, 2)"; for no ids one that no row meets.
-[[nodiscard]] std::string whereIn(const std::string& key, const Ids& ids);
+[[nodiscard]] PELMORA_API std::string whereIn(const std::string& key, const Ids& ids);
 
 }  // namespace pelmora::history

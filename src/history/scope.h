@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pelmora/export.h>
+
 #include "history/kept_tables.h"
 #include "history/row_access.h"
 
@@ -21,21 +23,21 @@ struct Scope {
 };
 
 // part: 1 to 4.
-[[nodiscard]] Scope rawPart(std::int32_t MeterID, std::int32_t SeriesID, int part);
+[[nodiscard]] PELMORA_API Scope rawPart(std::int32_t MeterID, std::int32_t SeriesID, int part);
 // Curve, merged points, report and settings of the fit.
-[[nodiscard]] Scope fittedCurve(std::int32_t MeterID, std::int32_t SeriesID);
-[[nodiscard]] Scope wholeSeries(std::int32_t MeterID, std::int32_t SeriesID);
+[[nodiscard]] PELMORA_API Scope fittedCurve(std::int32_t MeterID, std::int32_t SeriesID);
+[[nodiscard]] PELMORA_API Scope wholeSeries(std::int32_t MeterID, std::int32_t SeriesID);
 // What an import replaces, and the curves, which belong to the raw points of before: set-ups, their
 // data points, series, raw points, results.
-[[nodiscard]] Scope importedRuns(std::int32_t MeterID);
+[[nodiscard]] PELMORA_API Scope importedRuns(std::int32_t MeterID);
 // The same and the calibration itself.
-[[nodiscard]] Scope wholeCalibration(std::int32_t MeterID);
+[[nodiscard]] PELMORA_API Scope wholeCalibration(std::int32_t MeterID);
 
 // " where ...": the rows of `table` that belong to the scope as the database is now.
-[[nodiscard]] std::string condition(const ConnectionPtr& curves, const Scope& scope,
-                                    const KeptTable& table);
+[[nodiscard]] PELMORA_API std::string condition(const ConnectionPtr& curves, const Scope& scope,
+                                                const KeptTable& table);
 
 // The rows of an entry in the history's own tables.
-[[nodiscard]] std::string conditionOfEntry(std::int64_t entryID);
+[[nodiscard]] PELMORA_API std::string conditionOfEntry(std::int64_t entryID);
 
 }  // namespace pelmora::history

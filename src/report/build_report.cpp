@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "report/build_report.h"
 
-#include "report/comparison.h"
-#include "report/ranking.h"
+#include <pelmora/calibration/curve.h>
+#include <pelmora/calibration/ranking.h>
 #include "report/raw_data_hash.h"
-#include "report/readable_number.h"
-#include "report/table_reading.h"
+#include "base/readable_number.h"
+#include "curves/table_reading.h"
 #include "report/verdict_words.h"
 
 #include <algorithm>
@@ -54,7 +54,7 @@ class MergedPoints {
 };
 
 std::vector<RawPart> rawParts(const ReportInput& input, const SeriesInfo& stored,
-                              const TableReading& curve, MergedPoints& merged) {
+                              const calibration::TableReading& curve, MergedPoints& merged) {
   std::vector<RawPart> parts;
   for (std::size_t k = 0; k < stored.Raw.size(); ++k) {
     const PointArray& points = stored.Raw[k].Points;
@@ -113,7 +113,7 @@ class SeriesBuilder {
   }
 
   void addPoints() {
-    const TableReading curve(stored_.Fitted);
+    const calibration::TableReading curve(stored_.Fitted);
     MergedPoints merged(stored_.Merged);
     report_.parts = rawParts(input_, stored_, curve, merged);
     for (std::size_t i = 0; i < stored_.Merged.size(); ++i) {
@@ -135,7 +135,7 @@ class SeriesBuilder {
 
   void addFit() {
     const FitOutcome& outcome = series_.refit.outcome;
-    report_.equations = ranking(outcome);
+    report_.equations = calibration::ranking(outcome);
     if (outcome.Chosen) report_.chosen = outcome.Equations[*outcome.Chosen].Name;
     if (!series_.refit.trouble.empty()) remark("notFitted", sentence(series_.refit.trouble));
     if (!report_.curve.empty()) compareWithRefit();
@@ -176,10 +176,9 @@ class SeriesBuilder {
 
   void addComparison() {
     if (!series_.previous || report_.curve.empty()) return;
-    Comparison comparison = compareCurves(series_.previous->stored.Fitted, stored_.Fitted);
-    comparison.reCalID = series_.previous->reCalID;
-    comparison.date = series_.previous->date;
-    report_.previous = std::move(comparison);
+    report_.previous =
+        PreviousCurve{calibration::compareCurves(series_.previous->stored.Fitted, stored_.Fitted),
+                      series_.previous->reCalID, series_.previous->date};
   }
 
   // From a capital letter to a full stop, long numbers rounded.

@@ -6,7 +6,7 @@
 #include "report/markup.h"
 #include "report/page_files.h"
 #include "report/plot_data.h"
-#include "report/readable_number.h"
+#include "base/readable_number.h"
 #include "report/series_plot.h"
 #include "report/sha256.h"
 #include "report/svg_report.h"

@@ -4,7 +4,7 @@
 #include "report/html_table.h"
 #include "report/markup.h"
 #include "report/plot_legend.h"
-#include "report/readable_number.h"
+#include "base/readable_number.h"
 #include "report/series_plot.h"
 #include "report/verdict_words.h"
 
@@ -177,12 +177,12 @@ std::string predictedTable(const SeriesReport& series) {
 
 std::string comparison(const SeriesReport& series) {
   if (!series.previous) return {};
-  const Comparison& previous = *series.previous;
+  const PreviousCurve& previous = *series.previous;
   const std::string title = "<h3>Since calibration " + std::to_string(previous.reCalID) +
                             (previous.date.empty() ? "" : " of " + escaped(previous.date)) +
                             "</h3>\n";
   if (previous.shifts.empty()) return title + "<p>The two curves have no range in common.</p>\n";
-  const auto at = [](const Comparison::Shift& shift) {
+  const auto at = [](const Shift& shift) {
     return percentText(shift.percent) + " % at Roshko " + significantText(shift.roshko, 6);
   };
   return title + "<p>Over the common range, Roshko " +

@@ -63,13 +63,13 @@ json settingsJson(const SeriesReport& series) {
           {"fittedAt", orNull(settings.FittedAt)}};
 }
 
-json shiftJson(const Comparison::Shift& shift) {
+json shiftJson(const Shift& shift) {
   return {{"roshko", shift.roshko}, {"percent", shift.percent}};
 }
 
-json comparisonJson(const Comparison& comparison) {
+json comparisonJson(const PreviousCurve& comparison) {
   json shifts = json::array();
-  for (const Comparison::Shift& shift : comparison.shifts) shifts.push_back(shiftJson(shift));
+  for (const Shift& shift : comparison.shifts) shifts.push_back(shiftJson(shift));
   const bool isEmpty = comparison.shifts.empty();
   return {{"calibration", comparison.reCalID},
           {"date", orNull(comparison.date)},

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "report/plot_legend.h"
 
-#include "report/readable_number.h"
+#include "base/readable_number.h"
 
 #include <algorithm>
 

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pelmora/calibration/curve.h>
+#include <pelmora/calibration/ranking.h>
 #include <pelmora/curve_database.h>
 #include <pelmora/fit_outcome.h>
 #include <pelmora/curve_settings.h>
@@ -13,6 +15,10 @@
 #include <vector>
 
 namespace pelmora::report {
+
+using calibration::CurvePoint;
+using calibration::RankedEquation;
+using calibration::Shift;
 
 // A measured point. Per cent figures are of the curve, positive above it.
 struct MeasuredPoint {
@@ -29,35 +35,16 @@ struct RawPart {
   std::vector<MeasuredPoint> points;
 };
 
-struct CurvePoint {
-  double roshko = 0, strouhal = 0;
-  // Half widths of the 95 % bands in units of Strouhal; absent where the engine does not know.
-  std::optional<double> confidence, prediction;
-};
-
 // What the reader must see before anything else of a series.
 struct Remark {
   std::string kind;  // a CurveWarning's, or one of ours: noCurve, notRepeated ...
   std::string text;
 };
 
-struct RankedEquation {
-  int rank = 0;  // from 1
-  EquationOutcome outcome;
-};
-
 // From the same series' curve of an earlier calibration to this one.
-struct Comparison {
-  struct Shift {
-    double roshko = 0, percent = 0;  // of the earlier curve
-  };
+struct PreviousCurve : calibration::Comparison {
   std::int16_t reCalID = 0;
   std::string date;  // of the earlier calibration's set-ups; empty where they tell none
-  // At every point of either table within the common range, both read linearly: between them lies
-  // no larger or smaller shift. Empty where the curves have no range in common.
-  std::vector<Shift> shifts;
-  double meanPercent = 0;  // over ln Roshko
-  Shift lowest, highest;
 };
 
 struct SeriesReport {
@@ -73,7 +60,7 @@ struct SeriesReport {
   std::string chosen;  // name of the chosen equation; empty where there is none
   std::vector<Remark> remarks;
   std::string storedText;  // the stored report, line breaks LF
-  std::optional<Comparison> previous;
+  std::optional<PreviousCurve> previous;
 };
 
 struct Report {

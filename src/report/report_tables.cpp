@@ -54,7 +54,7 @@ ReportTable seriesTable(const Report& report) {
     const CurveSettings& settings = series.settings;
     const bool hasShift = series.previous && !series.previous->shifts.empty();
     const auto shift = [&](double value) { return hasShift ? number(value) : Value(); };
-    const Comparison previous = series.previous.value_or(Comparison());
+    const PreviousCurve previous = series.previous.value_or(PreviousCurve());
     table.rows.push_back(
         {text(series.name), text(series.chosen), number(settings.BandPercent),
          whole(settings.Points), number(settings.Min), number(settings.Max),
@@ -154,7 +154,7 @@ ReportTable shifts(const Report& report) {
   ReportTable table{"shifts", {"series", "roshko", "percent"}, {}};
   for (const SeriesReport& series : report.series) {
     if (!series.previous) continue;
-    for (const Comparison::Shift& shift : series.previous->shifts)
+    for (const Shift& shift : series.previous->shifts)
       table.rows.push_back({text(series.name), number(shift.roshko), number(shift.percent)});
   }
   return table;

@@ -3,7 +3,7 @@
 
 #include "report/markup.h"
 #include "report/plot_panel.h"
-#include "report/readable_number.h"
+#include "base/readable_number.h"
 
 #include <cmath>
 
@@ -147,7 +147,7 @@ std::string comparisonPlot(const SeriesReport& series) {
   if (!series.previous || series.previous->shifts.empty()) return {};
   std::vector<PlotPoint> shifts;
   std::vector<double> x, y{0};
-  for (const Comparison::Shift& shift : series.previous->shifts) {
+  for (const Shift& shift : series.previous->shifts) {
     shifts.push_back({shift.roshko, shift.percent});
     x.push_back(shift.roshko);
     y.push_back(shift.percent);

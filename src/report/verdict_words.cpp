@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "report/verdict_words.h"
 
-#include "report/readable_number.h"
+#include "base/readable_number.h"
 
 namespace pelmora::report {
 

@@ -31,6 +31,7 @@ const std::map<std::string, FolderRule>& rules() {
       {"ui", {{"base"}, {}}},
       {"store", {{"base", "ui"}, {}}},
       {"points", {{"base", "ui", "store"}, {}}},
+      {"curves", {{"base"}, {}}},
       {"rawdata", {{"base", "store", "points"}, {}}},
       {"engine", {{"base", "ui"}, {}}},
       {"fitting", {{"base", "ui", "store", "points", "rawdata", "engine"}, {}}},
@@ -51,8 +52,9 @@ const std::map<std::string, FolderRule>& rules() {
         {}}},
       {"history", {{"store"}, {}}},
       {"doctor", {{"history", "store"}, {}}},
-      {"report", {{}, {"nlohmann", "xlsxwriter.h", "posix"}}},
-      {"apps/pelmora", {{"doctor", "history", "report"}, {"CLI", "nlohmann", "posix"}}},
+      {"report", {{"base", "curves"}, {"nlohmann", "xlsxwriter.h", "posix"}}},
+      {"apps/pelmora",
+       {{"base", "curves", "doctor", "history", "report"}, {"CLI", "nlohmann", "posix"}}},
       {"include/pelmora", {}},
   };
   return table;

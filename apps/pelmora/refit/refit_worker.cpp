@@ -2,7 +2,7 @@
 #include "apps/pelmora/refit/refit_worker.h"
 
 #include "apps/pelmora/fit_settings.h"
-#include "report/comparison.h"
+#include <pelmora/calibration/curve.h>
 
 #include <cmath>
 
@@ -16,7 +16,7 @@ void compare(const PointArray& before, const PointArray& now, double changedPerc
     result.kind = RefitResult::Kind::added;
     return;
   }
-  const report::Comparison comparison = report::compareCurves(before, now);
+  const calibration::Comparison comparison = calibration::compareCurves(before, now);
   result.kind = RefitResult::Kind::changed;
   if (comparison.shifts.empty()) {
     result.reason = "the new curve has no range in common with the one before";

@@ -1,10 +1,10 @@
 // Names that were mistyped.
 // SPDX-License-Identifier: MIT
-#include "apps/pelmora/suggestion.h"
+#include "base/suggestion.h"
 
 #include <gmock/gmock.h>
 
-namespace pelmora::cli {
+namespace pelmora {
 namespace {
 
 using testing::ElementsAre;
@@ -42,4 +42,4 @@ TEST(suggestions, are_a_question_or_a_list) {
 }
 
 }  // namespace
-}  // namespace pelmora::cli
+}  // namespace pelmora

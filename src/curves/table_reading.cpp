@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "report/table_reading.h"
+#include "curves/table_reading.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace pelmora::report {
+namespace pelmora::calibration {
 namespace {
 
 // A predicted table ends where it was asked to up to the rounding of its logarithms.
@@ -47,4 +47,4 @@ std::optional<double> TableReading::deviationPercent(double x, double y) const {
   return (y - *reading) / std::fabs(*reading) * 100;
 }
 
-}  // namespace pelmora::report
+}  // namespace pelmora::calibration

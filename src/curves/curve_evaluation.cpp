@@ -1,29 +1,18 @@
 // SPDX-License-Identifier: MIT
-#include "report/curve_evaluation.h"
+#include "curves/curve_evaluation.h"
 
-#include "report/readable_number.h"
+#include "base/readable_number.h"
 
-#include <pelmora/error.h>
+#include <pelmora/calibration/failure.h>
 
 #include <algorithm>
 #include <cmath>
 #include <string>
 
-namespace pelmora::report {
+namespace pelmora::calibration {
 namespace {
 
-constexpr std::int32_t invalidArgument = 5;
-
-Error refused(const std::string& why) { return {invalidArgument, "Pelmora", why}; }
-
-void requireTable(std::span<const CurvePoint> curve) {
-  if (curve.size() < 2) throw refused("The curve has less than two points.");
-  for (std::size_t i = 1; i < curve.size(); ++i) {
-    if (curve[i].roshko > curve[i - 1].roshko) continue;
-    throw refused("The curve's Roshko numbers do not rise at " +
-                  significantText(curve[i].roshko, 6) + ".");
-  }
-}
+BadData refused(const std::string& why) { return BadData({why, "", ""}); }
 
 void requireMonotone(std::span<const CurvePoint> curve) {
   const bool rises = curve[1].strouhal > curve[0].strouhal;
@@ -68,6 +57,15 @@ CurveValue valueAt(const CurvePoint& a, const CurvePoint& b, double share) {
 
 }  // namespace
 
+void requireTable(std::span<const CurvePoint> curve) {
+  if (curve.size() < 2) throw refused("The curve has less than two points.");
+  for (std::size_t i = 1; i < curve.size(); ++i) {
+    if (curve[i].roshko > curve[i - 1].roshko) continue;
+    throw refused("The curve's Roshko numbers do not rise at " +
+                  significantText(curve[i].roshko, 6) + ".");
+  }
+}
+
 CurveValue strouhalAt(std::span<const CurvePoint> curve, double roshko) {
   requireTable(curve);
   const std::size_t i =
@@ -88,8 +86,9 @@ CurveValue roshkoAt(std::span<const CurvePoint> curve, double strouhal) {
   CurveValue value = valueAt(a, b, (strouhal - a.strouhal) / (b.strouhal - a.strouhal));
   value.strouhal = strouhal;
   if (value.isExtrapolated && value.roshko <= 0) {
-    throw refused("Drawn on straight beyond its ends, the curve has Strouhal " +
-                  significantText(strouhal, 6) + " at no Roshko number above 0.");
+    throw OutOfRange({"Drawn on straight beyond its ends, the curve has Strouhal " +
+                          significantText(strouhal, 6) + " at no Roshko number above 0.",
+                      "", ""});
   }
   const double slope = std::abs((b.strouhal - a.strouhal) / (b.roshko - a.roshko));
   if (value.confidence) *value.confidence /= slope;
@@ -97,4 +96,4 @@ CurveValue roshkoAt(std::span<const CurvePoint> curve, double strouhal) {
   return value;
 }
 
-}  // namespace pelmora::report
+}  // namespace pelmora::calibration

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "report/table_reading.h"
+#include "curves/table_reading.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 
-namespace pelmora::report {
+namespace pelmora::calibration {
 namespace {
 
 TEST(table_reading, is_exact_at_its_points_and_straight_between_them) {
@@ -37,4 +37,4 @@ TEST(table_reading, without_points_reads_nothing) {
 }
 
 }  // namespace
-}  // namespace pelmora::report
+}  // namespace pelmora::calibration

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "report/ranking.h"
+#include <pelmora/calibration/ranking.h>
 
 #include <gmock/gmock.h>
 
-namespace pelmora::report {
+namespace pelmora::calibration {
 namespace {
 
 EquationOutcome outcome(const std::string& name, EquationVerdict verdict, double adjusted = 0) {
@@ -40,4 +40,4 @@ TEST(ranking, keeps_equals_in_the_order_in_which_they_are_tried) {
 }
 
 }  // namespace
-}  // namespace pelmora::report
+}  // namespace pelmora::calibration

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "apps/pelmora/suggestion.h"
+#include "base/suggestion.h"
 
 #include <algorithm>
 
-namespace pelmora::cli {
+namespace pelmora {
 namespace {
 
 // Names worth listing in one line.
@@ -67,4 +67,4 @@ std::string suggestion(const std::string& name, const std::vector<std::string>& 
   return text + "?";
 }
 
-}  // namespace pelmora::cli
+}  // namespace pelmora

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "report/ranking.h"
+#include <pelmora/calibration/ranking.h>
 
 #include <algorithm>
 
-namespace pelmora::report {
+namespace pelmora::calibration {
 namespace {
 
 int groupOf(EquationVerdict verdict) {
@@ -34,4 +34,4 @@ std::vector<RankedEquation> ranking(const FitOutcome& outcome) {
   return list;
 }
 
-}  // namespace pelmora::report
+}  // namespace pelmora::calibration

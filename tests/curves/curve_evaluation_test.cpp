@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "report/curve_evaluation.h"
+#include "curves/curve_evaluation.h"
 
 #include <pelmora/error.h>
 
 #include <gtest/gtest.h>
 
-namespace pelmora::report {
+namespace pelmora::calibration {
 namespace {
 
 // Strouhal falls from 10 to 4 along straight lines of slope -2 and -0.5.
@@ -85,4 +85,4 @@ TEST(curve_evaluation, refuses_what_is_no_table) {
 }
 
 }  // namespace
-}  // namespace pelmora::report
+}  // namespace pelmora::calibration

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "report/readable_number.h"
+#include "base/readable_number.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 
-namespace pelmora::report {
+namespace pelmora {
 namespace {
 
 template <class... Format>
@@ -63,4 +63,4 @@ std::string percentText(double percent) {
   return sign + significantText(percent, 3);
 }
 
-}  // namespace pelmora::report
+}  // namespace pelmora

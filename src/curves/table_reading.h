@@ -2,15 +2,16 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pelmora/export.h>
 #include <pelmora/types.h>
 
 #include <array>
 #include <optional>
 #include <vector>
 
-namespace pelmora::report {
+namespace pelmora::calibration {
 
-class TableReading {
+class PELMORA_API TableReading {
  public:
   // Rows with a value that is not finite are left out.
   explicit TableReading(const PointArray& table);
@@ -31,4 +32,4 @@ class TableReading {
   std::vector<std::array<double, 2>> points_;  // by Roshko
 };
 
-}  // namespace pelmora::report
+}  // namespace pelmora::calibration

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "report/comparison.h"
+#include <pelmora/calibration/curve.h>
 
-#include "report/table_reading.h"
+#include "curves/table_reading.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace pelmora::report {
+namespace pelmora::calibration {
 namespace {
 
 // On each piece between two nodes both readings are straight lines, so their quotient has its
@@ -23,12 +23,10 @@ std::vector<double> commonNodes(const TableReading& a, const TableReading& b) {
 }
 
 // By the trapezoidal rule; over Roshko itself where one is not positive.
-double meanShift(const std::vector<Comparison::Shift>& shifts) {
+double meanShift(const std::vector<Shift>& shifts) {
   if (shifts.size() == 1) return shifts.front().percent;
   const bool isLog = shifts.front().roshko > 0;
-  const auto place = [&](const Comparison::Shift& s) {
-    return isLog ? std::log(s.roshko) : s.roshko;
-  };
+  const auto place = [&](const Shift& s) { return isLog ? std::log(s.roshko) : s.roshko; };
   double sum = 0;
   for (std::size_t i = 1; i < shifts.size(); ++i) {
     sum +=
@@ -59,4 +57,4 @@ Comparison compareCurves(const PointArray& earlier, const PointArray& now) {
   return comparison;
 }
 
-}  // namespace pelmora::report
+}  // namespace pelmora::calibration

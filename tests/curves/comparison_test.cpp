@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "report/comparison.h"
+#include <pelmora/calibration/curve.h>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 
-namespace pelmora::report {
+namespace pelmora::calibration {
 namespace {
 
 constexpr double rounding = 1e-12;
@@ -50,4 +50,4 @@ TEST(comparison, of_curves_that_touch_in_one_point_is_that_point) {
 }
 
 }  // namespace
-}  // namespace pelmora::report
+}  // namespace pelmora::calibration
