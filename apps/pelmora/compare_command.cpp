@@ -6,8 +6,9 @@
 #include "apps/pelmora/strict_number.h"
 #include "apps/pelmora/text_table.h"
 #include "apps/pelmora/trouble.h"
-#include <pelmora/calibration/curve.h>
 #include "report/json_values.h"
+
+#include <pelmora/calibration/curve.h>
 
 #include <CLI/App.hpp>
 #include <nlohmann/json.hpp>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "report/build_report.h"
 
-#include <pelmora/calibration/curve.h>
 #include <pelmora/calibration/ranking.h>
+#include <pelmora/calibration/curve.h>
 #include "report/raw_data_hash.h"
 #include "base/readable_number.h"
 #include "curves/table_reading.h"

@@ -2,6 +2,7 @@
 #include "apps/pelmora/refit/refit_worker.h"
 
 #include "apps/pelmora/fit_settings.h"
+
 #include <pelmora/calibration/curve.h>
 
 #include <cmath>

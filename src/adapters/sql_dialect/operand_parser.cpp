@@ -4,7 +4,7 @@
 #include "adapters/sql_dialect/dialect_error.h"
 #include "adapters/sql_dialect/expression_node.h"
 #include "adapters/sql_dialect/expression_parser.h"
-#include "adapters/sql_dialect/text_case.h"
+#include "base/text_case.h"
 #include "base/run_time_error.h"
 
 #include <array>

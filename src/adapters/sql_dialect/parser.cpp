@@ -3,7 +3,7 @@
 
 #include "adapters/sql_dialect/dialect_error.h"
 #include "adapters/sql_dialect/select_parser.h"
-#include "adapters/sql_dialect/text_case.h"
+#include "base/text_case.h"
 
 #include <utility>
 

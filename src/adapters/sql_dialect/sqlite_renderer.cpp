@@ -4,7 +4,7 @@
 #include "adapters/sql_dialect/dialect_error.h"
 #include "adapters/sql_dialect/name_scope.h"
 #include "adapters/sql_dialect/sqlite_expression.h"
-#include "adapters/sql_dialect/text_case.h"
+#include "base/text_case.h"
 
 #include <algorithm>
 #include <utility>

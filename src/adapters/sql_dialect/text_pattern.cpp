@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sql_dialect/text_pattern.h"
 
-#include "adapters/sql_dialect/text_case.h"
+#include "base/text_case.h"
 
 namespace pelmora::sql {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sqlite/dialect_functions.h"
 
-#include "adapters/sql_dialect/text_case.h"
+#include "base/text_case.h"
 #include "adapters/sql_dialect/text_pattern.h"
 #include "adapters/sqlite/arithmetic_program.h"
 #include "adapters/sqlite/sqlite_error.h"
@@ -51,8 +51,8 @@ void like(sqlite3_context* context, int /*count*/, sqlite3_value** values) noexc
 
 int compare(void* /*unused*/, int leftSize, const void* left, int rightSize,
             const void* right) noexcept {
-  return sql::compareTexts({static_cast<const char*>(left), static_cast<std::size_t>(leftSize)},
-                           {static_cast<const char*>(right), static_cast<std::size_t>(rightSize)});
+  return compareTexts({static_cast<const char*>(left), static_cast<std::size_t>(leftSize)},
+                      {static_cast<const char*>(right), static_cast<std::size_t>(rightSize)});
 }
 
 void check(int code, sqlite3* database) {

@@ -2,7 +2,7 @@
 #include "adapters/sqlite/sqlite_design.h"
 
 #include "adapters/sql_dialect/sqlite_expression.h"
-#include "adapters/sql_dialect/text_case.h"
+#include "base/text_case.h"
 #include "adapters/sqlite/prepared_statement.h"
 
 #include <sqlite3.h>
@@ -50,7 +50,7 @@ std::map<std::string, std::vector<std::string>> indexesOf(sqlite3* database,
 bool beginsWith(const std::vector<std::string>& index, std::span<const std::string> columns) {
   if (index.size() < columns.size()) return false;
   for (std::size_t i = 0; i < columns.size(); ++i) {
-    if (!sql::equalNames(index[i], columns[i])) return false;
+    if (!equalNames(index[i], columns[i])) return false;
   }
   return true;
 }

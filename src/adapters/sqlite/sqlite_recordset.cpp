@@ -5,7 +5,7 @@
 #include "adapters/sql_dialect/name_scope.h"
 #include "adapters/sql_dialect/sqlite_expression.h"
 #include "adapters/sql_dialect/sqlite_renderer.h"
-#include "adapters/sql_dialect/text_case.h"
+#include "base/text_case.h"
 #include "adapters/sqlite/prepared_statement.h"
 #include "adapters/sqlite/sqlite_error.h"
 #include "adapters/sqlite/sqlite_session.h"
@@ -99,7 +99,7 @@ std::int32_t SqliteRecordset::recordCount() const {
 
 std::size_t SqliteRecordset::fieldIndex(std::string_view name) const {
   for (std::size_t i = 0; i < fields_.size(); ++i) {
-    if (sql::equalNames(fields_[i], name)) return i;
+    if (equalNames(fields_[i], name)) return i;
   }
   throw makeError(RunTimeError::noSuchField);
 }

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "adapters/sql_dialect/catalogue.h"
-#include "adapters/sql_dialect/text_case.h"
+#include "base/text_case.h"
 
 #include <string>
 
@@ -36,7 +36,7 @@ class FixedCatalogue : public sql::Catalogue {
   [[nodiscard]] std::optional<sql::TableShape> findTable(std::string_view /*database*/,
                                                          std::string_view name) const override {
     for (const sql::TableShape& table : tables_) {
-      if (sql::equalNames(table.name, name)) return table;
+      if (equalNames(table.name, name)) return table;
     }
     return std::nullopt;
   }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "adapters/sql_dialect/text_case.h"
+#include "base/text_case.h"
 
 #include <gtest/gtest.h>
 
-namespace pelmora::sql {
+namespace pelmora {
 namespace {
 
 TEST(text_case, letters_of_four_alphabets_compare_without_regard_to_case) {
@@ -42,4 +42,4 @@ TEST(text_case, bytes_that_are_no_text_still_compare) {
 }
 
 }  // namespace
-}  // namespace pelmora::sql
+}  // namespace pelmora

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace pelmora::sql {
+namespace pelmora {
 
 // Takes the next character off the front of `text`. A byte that begins no UTF-8 character is
 // delivered as 0xDC80 + byte - 0x80, so that different bytes stay different. Needs text not empty.
@@ -24,4 +24,4 @@ namespace pelmora::sql {
 
 [[nodiscard]] bool isAscii(std::string_view text);
 
-}  // namespace pelmora::sql
+}  // namespace pelmora

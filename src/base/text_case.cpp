@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "adapters/sql_dialect/text_case.h"
+#include "base/text_case.h"
 
 #include <algorithm>
 #include <cstdint>
 
-namespace pelmora::sql {
+namespace pelmora {
 
 namespace {
 
@@ -95,4 +95,4 @@ bool isAscii(std::string_view text) {
   return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80U; });
 }
 
-}  // namespace pelmora::sql
+}  // namespace pelmora
