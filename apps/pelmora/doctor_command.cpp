@@ -3,11 +3,13 @@
 #include "apps/pelmora/commands.h"
 #include "apps/pelmora/common_options.h"
 #include "apps/pelmora/fit_output.h"
+#include "apps/pelmora/salvage_output.h"
 #include "apps/pelmora/stored_change.h"
 #include "apps/pelmora/terminal_colour.h"
 #include "apps/pelmora/text_table.h"
 #include "apps/pelmora/trouble.h"
 #include "doctor/examination.h"
+#include "doctor/integrity.h"
 #include "doctor/repair.h"
 
 #include <CLI/App.hpp>
@@ -24,7 +26,7 @@ using doctor::Finding;
 using doctor::Severity;
 
 struct DoctorOptions {
-  std::string path;
+  std::string path, salvage;
   bool repairs = false, isDryRun = false, asJson = false;
 };
 
@@ -111,11 +113,70 @@ nlohmann::json examinationJson(const Examination& examination) {
   return findings;
 }
 
+// Says what a damaged file still holds; nothing else can be checked then.
+void describeDamage(const DoctorOptions& options, const std::vector<IntegrityProblem>& problems) {
+  const SalvageReport held = asDatabaseTrouble("reading '" + options.path + "'",
+                                               [&] { return salvageDatabase(options.path); });
+  const char* remedy = "restore it from a copy, or bring over what can be read with --salvage NEW";
+  if (options.asJson) {
+    const Finding finding{
+        "damaged-file",      Severity::error, problems.size(), "The file is damaged",
+        problems[0].Example, false,           remedy};
+    printData(jsonText({{"database", options.path},
+                        {"integrity", integrityJson(problems)},
+                        {"findings", examinationJson({{finding}, {finding}})},
+                        {"held", salvageJson(held)},
+                        {"problemsRemain", true},
+                        {"dryRun", options.isDryRun},
+                        {"historyEntries", nlohmann::json::array()}}));
+  } else {
+    printData(integrityText(problems) + "\n" +
+              wrapped(held.isWhole() ? "All rows can be read:" : "What can be read:", 0) + "\n" +
+              salvageText(held));
+  }
+  throw Trouble(ExitCode::badInput, "'" + options.path + "' is damaged", remedy);
+}
+
+void salvage(const DoctorOptions& options) {
+  if (options.repairs || options.isDryRun) {
+    throw Trouble(ExitCode::usage, "--salvage goes without --repair and --dry-run",
+                  "salvage first and repair the new database then");
+  }
+  const SalvageReport report = asDatabaseTrouble("salvaging '" + options.path + "'", [&] {
+    return salvageDatabase(options.path, options.salvage);
+  });
+  if (options.asJson) {
+    nlohmann::json value = salvageJson(report);
+    value["database"] = options.path;
+    value["newDatabase"] = options.salvage;
+    printData(jsonText(value));
+  } else {
+    printData(wrapped("Brought over from " + options.path + " into " + options.salvage + ":", 0) +
+              "\n" + salvageText(report) +
+              (report.isWhole() ? "\n" + wrapped("Nothing is missing.", 0) : ""));
+  }
+  if (report.isWhole()) return;
+  throw Trouble(ExitCode::badInput, "not everything in '" + options.path + "' could be read",
+                "'" + options.salvage + "' holds what is listed above");
+}
+
+// The file itself comes first: other checks may stumble over damage.
+std::vector<IntegrityProblem> integrityOf(const std::string& path) {
+  try {
+    return doctor::damageOf(path);
+  } catch (const Error& error) {
+    throw databaseTrouble("the curve database cannot be opened", error);
+  }
+}
+
 void examine(const DoctorOptions& options) {
+  if (!options.salvage.empty()) return salvage(options);
   if (options.isDryRun && !options.repairs) {
     throw Trouble(ExitCode::usage, "--dry-run belongs to --repair",
                   "without --repair nothing is changed anyway");
   }
+  const auto problems = integrityOf(options.path);
+  if (!problems.empty()) return describeDamage(options, problems);
   CurveSession session(options.path, options.repairs ? Access::write : Access::read);
   StoredChange change(session, "doctor", options.isDryRun);
   const Examination examination = examined(change, options.repairs);
@@ -123,6 +184,7 @@ void examine(const DoctorOptions& options) {
   const bool hasProblems = doctor::hasProblems(examination.after);
   if (options.asJson) {
     nlohmann::json value{{"database", session.path()},
+                         {"integrity", nlohmann::json::array()},
                          {"findings", examinationJson(examination)},
                          {"problemsRemain", hasProblems}};
     change.addTo(value);
@@ -143,15 +205,20 @@ void examine(const DoctorOptions& options) {
 }  // namespace
 
 void addDoctorCommand(CLI::App& app) {
-  CLI::App& command =
-      *app.add_subcommand("doctor",
-                          "Check a curve database: numbers that are none, doubles, orphaned rows, "
-                          "series without points, curves older than "
-                          "their points, missing indexes. Ends with 5 where problems remain.");
+  CLI::App& command = *app.add_subcommand(
+      "doctor",
+      "Check a curve database: damage of the file, invalid numbers, duplicates, "
+      "orphaned rows, series without points, curves older than their points, "
+      "missing indexes. Ends with 5 where problems remain.");
   const auto options = std::make_shared<DoctorOptions>();
   addDatabase(command, options->path);
   command.add_flag("--repair", options->repairs,
                    "Mend what is safe; rows that go are kept in the history");
+  command
+      .add_option(
+          "--salvage", options->salvage,
+          "Make the curve database NEW and bring over whatever can be read of a damaged one")
+      ->type_name("NEW");
   addDryRun(command, options->isDryRun);
   addJson(command, options->asJson);
   command.callback([options] { examine(*options); });

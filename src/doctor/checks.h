@@ -22,7 +22,8 @@ void checkOrphans(const ConnectionPtr& curves, Findings& findings);  // orphaned
 void checkNumbers(const ConnectionPtr& curves, Findings& findings);  // unusable-numbers
 void checkNames(const ConnectionPtr& curves,
                 Findings& findings);  // duplicate-series, duplicate-calibrations
-void checkPoints(const ConnectionPtr& curves, Findings& findings);     // series-without-points
-void checkCurveAges(const ConnectionPtr& curves, Findings& findings);  // outdated-curves
+void checkPoints(const ConnectionPtr& curves, Findings& findings);         // series-without-points
+void checkSalvagedParts(const ConnectionPtr& curves, Findings& findings);  // incomplete-series
+void checkCurveAges(const ConnectionPtr& curves, Findings& findings);      // outdated-curves
 
 }  // namespace pelmora::doctor

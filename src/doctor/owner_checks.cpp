@@ -3,6 +3,7 @@
 #include "doctor/checks.h"
 #include "doctor/orphans.h"
 #include "doctor/places.h"
+#include "doctor/series_blocks.h"
 #include "history/row_access.h"
 
 #include <set>
@@ -67,16 +68,19 @@ void checkNames(const ConnectionPtr& curves, Findings& findings) {
 }
 
 void checkPoints(const ConnectionPtr& curves, Findings& findings) {
-  std::set<std::int64_t> withPoints;
-  for (const char* table : pointTables) {
-    const auto ids = idsOf(curves, "Select DISTINCT seriesID from [" + std::string(table) + "]");
-    withPoints.insert(ids.begin(), ids.end());
-  }
   std::size_t count = 0;
   std::int64_t first = 0;
-  for (const std::int64_t id : idsOf(curves, "Select ID from series ORDER BY ID")) {
-    if (withPoints.contains(id)) continue;
-    if (count++ == 0) first = id;
+  for (SeriesBlocks block(curves); block.next();) {
+    std::set<std::int64_t> withPoints;
+    for (const char* table : pointTables) {
+      const auto ids = idsOf(curves, "Select DISTINCT seriesID from [" + std::string(table) +
+                                         "] where " + block.condition());
+      withPoints.insert(ids.begin(), ids.end());
+    }
+    for (const std::int64_t id : block.ids()) {
+      if (withPoints.contains(id)) continue;
+      if (count++ == 0) first = id;
+    }
   }
   if (count == 0) return;
   findings.push_back({"series-without-points", Severity::warning, count,

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "doctor/checks.h"
 #include "doctor/places.h"
+#include "doctor/series_blocks.h"
 #include "history/row_access.h"
 
 #include <bit>
@@ -44,19 +45,21 @@ std::optional<PointKey> keyOf(const Recordset& rows, std::int64_t series) {
 
 using PointKeys = std::unordered_set<PointKey>;
 
-// What the raw parts of all series hold against what their merged points hold.
+// What the raw parts of some series hold against what their merged points hold.
 class CurveAges {
  public:
-  explicit CurveAges(const ConnectionPtr& curves) : curves_(curves) {
-    for (const std::int64_t id : idsOf(curves, "Select DISTINCT seriesID from curve"))
+  CurveAges(const ConnectionPtr& curves, std::string series)
+      : curves_(curves), series_(std::move(series)) {
+    for (const std::int64_t id :
+         idsOf(curves, "Select DISTINCT seriesID from curve where " + series_))
       withCurve_.insert(id);
+    if (withCurve_.empty()) return;
     std::vector<std::pair<std::int64_t, PointKey>> merged;
-    forEachPoint("merge",
-                 [&](std::int64_t series, PointKey key) { merged.emplace_back(series, key); });
-    for (const auto& [series, key] : merged) merged_.insert(key);
+    forEachPoint("merge", [&](std::int64_t id, PointKey key) { merged.emplace_back(id, key); });
+    for (const auto& [id, key] : merged) merged_.insert(key);
     for (const char* table : rawTables) addRawPart(table);
-    for (const auto& [series, key] : merged) {
-      if (!raw_.contains(key)) outdated_.insert(series);
+    for (const auto& [id, key] : merged) {
+      if (!raw_.contains(key)) outdated_.insert(id);
     }
   }
   [[nodiscard]] const std::set<std::int64_t>& outdated() const { return outdated_; }
@@ -64,11 +67,12 @@ class CurveAges {
  private:
   template <class Use>
   void forEachPoint(const std::string& table, Use&& use) const {
-    for (const auto rows = read(curves_, "Select seriesID, Roshko, Strouhal from [" + table + "]");
+    for (const auto rows = read(
+             curves_, "Select seriesID, Roshko, Strouhal from [" + table + "] where " + series_);
          !rows->atEnd(); rows->moveNext()) {
-      const std::int64_t series = wholeOf(rows->value(0));
-      if (!withCurve_.contains(series)) continue;
-      if (const auto key = keyOf(*rows, series)) use(series, *key);
+      const std::int64_t id = wholeOf(rows->value(0));
+      if (!withCurve_.contains(id)) continue;
+      if (const auto key = keyOf(*rows, id)) use(id, *key);
     }
   }
 
@@ -78,17 +82,18 @@ class CurveAges {
       std::size_t points = 0, merged = 0;
     };
     std::unordered_map<std::int64_t, Part> parts;
-    forEachPoint(table, [&](std::int64_t series, PointKey key) {
+    forEachPoint(table, [&](std::int64_t id, PointKey key) {
       raw_.insert(key);
-      ++parts[series].points;
-      if (merged_.contains(key)) ++parts[series].merged;
+      ++parts[id].points;
+      if (merged_.contains(key)) ++parts[id].merged;
     });
-    for (const auto& [series, part] : parts) {
-      if (part.points > 1 && part.merged == 0) outdated_.insert(series);
+    for (const auto& [id, part] : parts) {
+      if (part.points > 1 && part.merged == 0) outdated_.insert(id);
     }
   }
 
   ConnectionPtr curves_;
+  std::string series_;  // a condition
   std::unordered_set<std::int64_t> withCurve_;
   std::set<std::int64_t> outdated_;
   PointKeys merged_, raw_;
@@ -100,12 +105,14 @@ void checkNumbers(const ConnectionPtr& curves, Findings& findings) {
   std::size_t count = 0;
   std::string example;
   for (const char* table : pointTables) {
-    const auto rows = read(curves, "Select seriesID from [" + std::string(table) + "] where " +
-                                       unusable("Roshko") + " OR " + unusable("Strouhal"));
-    if (rows->recordCount() > 0 && example.empty()) {
-      example = "table " + std::string(table) + ", " + seriesPlace(curves, wholeOf(rows->value(0)));
+    const auto rows =
+        read(curves, "Select COUNT(*) AS n, MIN(seriesID) AS first from [" + std::string(table) +
+                         "] where " + unusable("Roshko") + " OR " + unusable("Strouhal"));
+    const std::int64_t found = wholeOf(rows->value(0));
+    if (found > 0 && example.empty()) {
+      example = "table " + std::string(table) + ", " + seriesPlace(curves, wholeOf(rows->value(1)));
     }
-    count += static_cast<std::size_t>(rows->recordCount());
+    count += static_cast<std::size_t>(found);
   }
   if (count == 0) return;
   findings.push_back({"unusable-numbers", Severity::error, count,
@@ -114,12 +121,17 @@ void checkNumbers(const ConnectionPtr& curves, Findings& findings) {
 }
 
 void checkCurveAges(const ConnectionPtr& curves, Findings& findings) {
-  const CurveAges ages(curves);
-  if (ages.outdated().empty()) return;
-  findings.push_back({"outdated-curves", Severity::warning, ages.outdated().size(),
+  std::size_t count = 0;
+  std::int64_t first = 0;
+  for (SeriesBlocks block(curves); block.next();) {
+    const CurveAges ages(curves, block.condition());
+    if (count == 0 && !ages.outdated().empty()) first = *ages.outdated().begin();
+    count += ages.outdated().size();
+  }
+  if (count == 0) return;
+  findings.push_back({"outdated-curves", Severity::warning, count,
                       "Curves whose raw points have changed since they were fitted",
-                      seriesPlace(curves, *ages.outdated().begin()), false,
-                      "fit them again with 'pelmora fit'"});
+                      seriesPlace(curves, first), false, "fit them again with 'pelmora fit'"});
 }
 
 }  // namespace pelmora::doctor

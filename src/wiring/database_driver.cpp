@@ -3,6 +3,7 @@
 
 #include "base/run_time_error.h"
 #include "store/connection.h"
+#include "store/salvage.h"
 
 #if defined(PELMORA_HAS_SQLITE)
 #include "adapters/sqlite/sqlite_database.h"
@@ -45,6 +46,15 @@ ConnectionPtr openDatabase(const std::string& location) {
 void createCurveDatabase(const std::string& path) {
 #if defined(PELMORA_HAS_SQLITE)
   createSqliteCurveDatabase(path);
+#else
+  throw noDriver(path);
+#endif
+}
+
+SalvageReport salvageDatabase(const std::string& path,
+                              [[maybe_unused]] const std::string& newPath) {
+#if defined(PELMORA_HAS_SQLITE)
+  return salvageSqliteFile(path, newPath);
 #else
   throw noDriver(path);
 #endif

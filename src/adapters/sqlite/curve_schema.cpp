@@ -1,22 +1,18 @@
 // The tables of a curve database, and how a new one comes to be.
 // SPDX-License-Identifier: MIT
+#include "adapters/sqlite/curve_schema.h"
+
 #include "adapters/sqlite/database_handle.h"
 #include "adapters/sqlite/sqlite_database.h"
-#include "adapters/sqlite/sqlite_file.h"
-#include "base/file_text.h"
-#include "base/run_time_error.h"
+#include "adapters/sqlite/unfinished_file.h"
 
-#include <chrono>
-#include <filesystem>
-#include <random>
+#include <pelmora/error.h>
+
 #include <string>
-#include <system_error>
 
 namespace pelmora {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 // Marks the file as a curve database: "PELM", and the version of the tables below.
 constexpr const char* identity = "PRAGMA application_id = 0x50454C4D; PRAGMA user_version = 1;";
@@ -73,72 +69,23 @@ CREATE INDEX cal_setup_meter ON CalSetup (MeterID, Stand);
   return sql;
 }
 
-// A file that goes away unless it has been moved to its place.
-class UnfinishedFile {
- public:
-  explicit UnfinishedFile(const fs::path& finished) : finished_(finished), path_(finished) {
-    const auto ticks = std::chrono::steady_clock::now().time_since_epoch().count();
-    path_ += ".new-" + std::to_string(std::random_device()() ^ static_cast<unsigned>(ticks));
-  }
-  ~UnfinishedFile() {
-    std::error_code ignored;
-    fs::remove(path_, ignored);
-    fs::remove(path_.native() + fs::path("-journal").native(), ignored);
-  }
-  UnfinishedFile(const UnfinishedFile&) = delete;
-  UnfinishedFile& operator=(const UnfinishedFile&) = delete;
-
-  [[nodiscard]] const fs::path& path() const { return path_; }
-
-  // Never overwrites: a hard link fails where the name is taken. A file system without links is
-  // asked first instead.
-  [[nodiscard]] std::error_code moveToItsPlace() const {
-    std::error_code code;
-    fs::create_hard_link(path_, finished_, code);
-    if (!code || code == std::errc::file_exists) return code;
-    if (fs::exists(fs::symlink_status(finished_, code)))
-      return std::make_error_code(std::errc::file_exists);
-    fs::rename(path_, finished_, code);
-    return code;
-  }
-
- private:
-  fs::path finished_;
-  fs::path path_;
-};
-
-Error existsAlready(const std::string& path) {
-  return {static_cast<std::int32_t>(RunTimeError::fileExists), "Pelmora",
-          "'" + path + "' exists already; name a file that does not exist yet."};
-}
-
-Error cannotCreate(const std::string& path, const std::string& why) {
-  return {static_cast<std::int32_t>(RunTimeError::pathAccess), "Pelmora",
-          "Could not create '" + path + "': " + why};
-}
-
 }  // namespace
 
+void sqlite::createCurveTables(const DatabaseHandle& database) {
+  database.run((std::string(identity) + schema()).c_str());
+}
+
 void createSqliteCurveDatabase(const std::string& path) {
-  if (path.empty() || path.find('\0') != std::string::npos) {
-    throw cannotCreate(path, "it is no file name. Name the file to create.");
-  }
-  std::error_code code;
-  const fs::path finished = fs::absolute(filePath(path), code);
-  if (fs::exists(fs::symlink_status(finished, code))) throw existsAlready(path);
-  if (!finished.has_filename() || !fs::is_directory(finished.parent_path(), code)) {
-    throw cannotCreate(path, "its folder does not exist. Create the folder first.");
-  }
-  const UnfinishedFile unfinished(finished);
+  const sqlite::UnfinishedFile unfinished(path);
   try {
-    const sqlite::DatabaseHandle database(utf8Text(unfinished.path()), sqlite::OpenMode::create);
-    database.run(("BEGIN;" + std::string(identity) + schema() + "COMMIT;").c_str());
+    const sqlite::DatabaseHandle database(unfinished.path(), sqlite::OpenMode::create);
+    database.run("BEGIN");
+    sqlite::createCurveTables(database);
+    database.run("COMMIT");
   } catch (const Error& error) {
-    throw cannotCreate(path, std::string(error.what()));
+    throw unfinished.cannotCreate(error.what());
   }
-  code = unfinished.moveToItsPlace();
-  if (code == std::errc::file_exists) throw existsAlready(path);
-  if (code) throw cannotCreate(path, code.message() + ". Check the folder's permissions.");
+  unfinished.moveToItsPlace();
 }
 
 }  // namespace pelmora

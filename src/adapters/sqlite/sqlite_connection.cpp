@@ -8,6 +8,7 @@
 #include "adapters/sqlite/sqlite_design.h"
 #include "adapters/sqlite/sqlite_error.h"
 #include "adapters/sqlite/sqlite_file.h"
+#include "adapters/sqlite/sqlite_integrity.h"
 #include "adapters/sqlite/sqlite_recordset.h"
 #include "adapters/sqlite/sqlite_session.h"
 #include "base/file_text.h"
@@ -107,6 +108,10 @@ void SqliteConnection::commit() { session().commit(); }
 
 void SqliteConnection::rollback() noexcept {
   if (session_) session_->rollback();
+}
+
+std::vector<IntegrityProblem> SqliteConnection::integrityProblems(std::size_t most) {
+  return pelmora::sqlite::integrityProblems(session().database(), most);
 }
 
 }  // namespace sqlite

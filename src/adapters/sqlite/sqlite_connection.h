@@ -4,6 +4,7 @@
 
 #include "adapters/sql_dialect/syntax_tree.h"
 #include "store/connection.h"
+#include "store/integrity.h"
 #include "store/table_design.h"
 #include "store/transactions.h"
 
@@ -18,7 +19,10 @@ class SqliteSession;
 using OpenSession = std::function<std::shared_ptr<SqliteSession>()>;
 
 // Record sets keep working on their rows after close(); storing rows is then Error 3709.
-class SqliteConnection : public Connection, public TableDesign, public Transactions {
+class SqliteConnection : public Connection,
+                         public TableDesign,
+                         public Transactions,
+                         public IntegrityCheck {
  public:
   explicit SqliteConnection(OpenSession openSession) : openSession_(std::move(openSession)) {}
   ~SqliteConnection() override;
@@ -44,6 +48,8 @@ class SqliteConnection : public Connection, public TableDesign, public Transacti
   void beginReading() override;
   void commit() override;
   void rollback() noexcept override;
+
+  [[nodiscard]] std::vector<IntegrityProblem> integrityProblems(std::size_t most) override;
 
  private:
   [[nodiscard]] SqliteSession& session() const;

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "store/salvage.h"
+
 #include <pelmora/database.h>
 
 #include <string>
@@ -22,5 +24,8 @@ namespace pelmora {
 // Errors: Error 58 where the file exists already, 75 where its folder is missing or it cannot be
 //         written; then nothing is left behind.
 void createSqliteCurveDatabase(const std::string& path);
+
+// As salvageDatabase.
+[[nodiscard]] SalvageReport salvageSqliteFile(const std::string& path, const std::string& newPath);
 
 }  // namespace pelmora

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: MIT
+#include "adapters/sqlite/salvage/salvaged_series.h"
+
+#include "adapters/sqlite/database_handle.h"
+#include "adapters/sqlite/prepared_statement.h"
+
+#include <sqlite3.h>
+
+#include <array>
+#include <string>
+#include <string_view>
+
+namespace pelmora::sqlite::salvage {
+namespace {
+
+// Tables whose rows belong to a series.
+constexpr std::array<std::string_view, 8> parts{
+    "raw1", "raw2", "raw3", "raw4", "merge", "curve", "DataFitResults", "pelmora_fit_settings"};
+
+std::string textAt(const PreparedStatement& statement, int column) {
+  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement.get(), column));
+  return text == nullptr ? std::string() : std::string(text);
+}
+
+std::uint64_t countAt(const PreparedStatement& statement, int column) {
+  return static_cast<std::uint64_t>(sqlite3_column_int64(statement.get(), column));
+}
+
+std::uint64_t countOf(const DatabaseHandle& output, const std::string& from) {
+  PreparedStatement count(output.get(), "SELECT COUNT(*) FROM " + from);
+  count.step();
+  return countAt(count, 0);
+}
+
+const SalvagedTable* tableOf(const SalvageReport& report, std::string_view name) {
+  for (const SalvagedTable& table : report.Tables) {
+    if (table.Name == name) return &table;
+  }
+  return nullptr;
+}
+
+// Temporary table salvage_parts: a row for each series and part that is not known to be whole.
+void listParts(const DatabaseHandle& output, const SalvageReport& report) {
+  output.run("CREATE TEMP TABLE salvage_parts (seriesID, part TEXT, rowsRead, rowsLost)");
+  for (const std::string_view part : parts) {
+    const SalvagedTable* table = tableOf(report, part);
+    if (table == nullptr || table->isWhole()) continue;
+    const std::string name = "main.\"" + std::string(part) + "\"";
+    const std::string known =
+        "SELECT l.seriesID, l.part, (SELECT COUNT(*) FROM " + name +
+        " WHERE seriesID = l.seriesID), l.rows FROM temp.salvage_lost AS l WHERE l.part = '" +
+        std::string(part) + "' AND l.seriesID IS NOT NULL";
+    output.run(("INSERT INTO temp.salvage_parts " + known).c_str());
+    if (table->Lost) continue;
+    const std::string others =
+        "SELECT s.ID, '" + std::string(part) + "', (SELECT COUNT(*) FROM " + name +
+        " WHERE seriesID = s.ID), NULL FROM main.series AS s WHERE s.ID NOT IN (SELECT seriesID "
+        "FROM temp.salvage_lost WHERE part = '" +
+        std::string(part) + "' AND seriesID IS NOT NULL)";
+    output.run(("INSERT INTO temp.salvage_parts " + others).c_str());
+  }
+  output.run("CREATE INDEX temp.salvage_parts_series ON salvage_parts (seriesID)");
+}
+
+void addSeries(const DatabaseHandle& output, SalvageReport& report) {
+  PreparedStatement rows(output.get(),
+                         "SELECT p.seriesID, s.name, m.SerialNumber, m.ReCalID, p.part, "
+                         "p.rowsRead, p.rowsLost FROM temp.salvage_parts AS p "
+                         "LEFT JOIN main.series AS s ON s.ID = p.seriesID "
+                         "LEFT JOIN main.meter AS m ON m.ID = s.meterid "
+                         "ORDER BY p.seriesID, p.rowid");
+  while (rows.step()) {
+    const std::int64_t id = sqlite3_column_int64(rows.get(), 0);
+    if (report.Series.empty() || report.Series.back().SeriesID != id) {
+      SalvagedSeries series{id, textAt(rows, 1), textAt(rows, 2), {}, {}};
+      if (sqlite3_column_type(rows.get(), 3) != SQLITE_NULL)
+        series.ReCalID = sqlite3_column_int64(rows.get(), 3);
+      report.Series.push_back(std::move(series));
+    }
+    SalvagedPart part{textAt(rows, 4), countAt(rows, 5), {}};
+    if (sqlite3_column_type(rows.get(), 6) != SQLITE_NULL) part.Lost = countAt(rows, 6);
+    report.Series.back().Parts.push_back(std::move(part));
+  }
+}
+
+void addMeters(const DatabaseHandle& output, SalvageReport& report) {
+  PreparedStatement meters(
+      output.get(),
+      "SELECT m.SerialNumber, m.ReCalID, "
+      "SUM(s.ID IS NOT NULL AND p.seriesID IS NULL), SUM(COALESCE(p.isKnown, 0)), "
+      "SUM(p.seriesID IS NOT NULL AND NOT p.isKnown) "
+      "FROM main.meter AS m LEFT JOIN main.series AS s ON s.meterid = m.ID "
+      "LEFT JOIN (SELECT seriesID, MAX(rowsLost IS NOT NULL) AS isKnown FROM temp.salvage_parts "
+      "GROUP BY seriesID) AS p ON p.seriesID = s.ID GROUP BY m.ID ORDER BY m.ID");
+  while (meters.step()) {
+    report.Meters.push_back({textAt(meters, 0), sqlite3_column_int64(meters.get(), 1),
+                             countAt(meters, 2), countAt(meters, 3), countAt(meters, 4)});
+  }
+}
+
+void addOrphans(const DatabaseHandle& output, SalvageReport& report) {
+  report.OrphanedRows =
+      countOf(output, "main.series WHERE meterid NOT IN (SELECT ID FROM main.meter)") +
+      countOf(output, "main.CalSetup WHERE MeterID NOT IN (SELECT ID FROM main.meter)") +
+      countOf(output, "main.CalDataPoint WHERE CalSetupID NOT IN (SELECT ID FROM main.CalSetup)");
+  for (const std::string_view part : parts) {
+    if (tableOf(report, part) == nullptr) continue;
+    report.OrphanedRows +=
+        countOf(output, "main.\"" + std::string(part) +
+                            "\" WHERE seriesID NOT IN (SELECT ID FROM main.series)");
+  }
+}
+
+}  // namespace
+
+void describeSeries(const DatabaseHandle& output, SalvageReport& report) {
+  listParts(output, report);
+  addSeries(output, report);
+  addMeters(output, report);
+  addOrphans(output, report);
+  if (report.Series.empty()) return;
+  output.run(
+      "CREATE TABLE IF NOT EXISTS main.pelmora_salvaged_part (SeriesID INTEGER, Part TEXT COLLATE "
+      "NOCASE, RowsRead INTEGER, RowsLost INTEGER);"
+      "DELETE FROM main.pelmora_salvaged_part WHERE (SeriesID, Part) IN (SELECT seriesID, part "
+      "FROM temp.salvage_parts);"
+      "INSERT INTO main.pelmora_salvaged_part SELECT * FROM temp.salvage_parts");
+}
+
+}  // namespace pelmora::sqlite::salvage

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#include "doctor/integrity.h"
+
+#include "store/connection.h"
+
+#include <pelmora/database.h>
+#include <pelmora/error.h>
+
+namespace pelmora::doctor {
+namespace {
+
+constexpr std::size_t mostPlaces = 200;
+constexpr std::int32_t unknownFormat = 321;
+
+}  // namespace
+
+std::vector<IntegrityProblem> damageOf(const std::string& path) {
+  ConnectionPtr curves;
+  try {
+    curves = openDatabase(path);
+  } catch (const Error& error) {
+    if (error.number() != unknownFormat) throw;
+    const SalvageReport held = salvageDatabase(path);  // throws where it never was a database
+    if (held.Tables.empty()) throw;
+    return {{"The file cannot be opened as a database any more", 1, error.what()}};
+  }
+  auto* check = dynamic_cast<IntegrityCheck*>(curves.get());
+  return check == nullptr ? std::vector<IntegrityProblem>() : check->integrityProblems(mostPlaces);
+}
+
+}  // namespace pelmora::doctor

@@ -1,0 +1,19 @@
+// Damage of the file itself, and what it still holds.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "store/integrity.h"
+#include "store/salvage.h"
+
+#include <string>
+#include <vector>
+
+namespace pelmora::doctor {
+
+// What the engine finds damaged in the database at `path`, at most some hundred places, grouped. It
+// comes before all other checks: those may stumble over damage.
+//
+// Errors: Error where the file is missing, locked or no database at all.
+[[nodiscard]] std::vector<IntegrityProblem> damageOf(const std::string& path);
+
+}  // namespace pelmora::doctor
