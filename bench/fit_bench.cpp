@@ -3,7 +3,7 @@
 // SPDX-License-Identifier: MIT
 #include "band/band.h"
 #include "solver/solver.h"
-#include "engine/clsDataFit.h"
+#include "component/clsDataFit.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "component/host_link.h"
 
-#include "engine/clsDataFit.h"
+#include "component/clsDataFit.h"
 
 #include <pelmora/platform.h>
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "fitting/fit_host.h"
+#include "component/fit_host.h"
 
 #include <pelmora/raw_data.h>
 

@@ -3,18 +3,16 @@
 
 #include "base/run_time_error.h"
 #include "component/host_link.h"
-#include "fitting/fit_orchestration.h"
-#include "fitting/get_fitted.h"
-#include "fitting/set_fitted.h"
-#include "fitting/tablecurve_results.h"
-#include "rawdata/import_caldb.h"
-#include "rawdata/raw_series.h"
-#include "rawdata/stand_copy.h"
-#include "store/location.h"
-#include "store/meter_lists.h"
-#include "store/meter_lookup.h"
-#include "store/meter_registry.h"
-#include "store/operation_context.h"
+#include "component/fit_orchestration.h"
+#include "component/get_fitted.h"
+#include "component/set_fitted.h"
+#include "component/tablecurve_results.h"
+#include "component/import_caldb.h"
+#include "component/raw_series.h"
+#include "component/stand_copy.h"
+#include "component/location.h"
+#include "component/lookups.h"
+#include "component/operation_context.h"
 
 #include <pelmora/platform.h>
 

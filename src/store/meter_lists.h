@@ -1,8 +1,9 @@
-// Lists for the host: meters, their calibrations, series and jobs.
+// Lists of meters, their calibrations, series and jobs.
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "store/operation_context.h"
+#include "store/connection.h"
+#include "store/name_text.h"
 
 #include <pelmora/types.h>
 
@@ -12,22 +13,23 @@
 
 namespace pelmora {
 
-// Serial number and name of every series of a meter calibration; of all meters where MeterSN is
-// empty and a meter without a serial number exists. Empty where there is none.
-ValueTable listSeries(const OperationContext& context, const std::string& MeterSN,
-                      std::int16_t ReCalID);
+// Serial number and name of every series of that very calibration; of all meters where MeterSN is
+// empty. Empty where there is none.
+[[nodiscard]] ValueTable listSeries(Connection& connection, const NameText& MeterSN,
+                                    std::int16_t ReCalID);
 
-// The adjusted serial numbers of all calibrations of a meter, the latest first, with their recal
-// numbers. Without any, both lists stay as they are and ArrayIsEmpty is true.
-std::vector<std::string> MetersAdjusted(const OperationContext& context, const std::string& MeterSN,
-                                        bool& ArrayIsEmpty, std::vector<std::int16_t>& ReCalID);
+// The recal numbers of all calibrations of a meter, the latest first, with the adjusted serial
+// numbers. False without any: both lists stay as they are then. Where it throws, they hold what was
+// read.
+bool listCalibrations(Connection& connection, const NameText& MeterSN,
+                      std::vector<std::int16_t>& ReCalID, std::vector<std::string>& adjusted);
 
-// All serial numbers.
-std::vector<std::string> Meters(const OperationContext& context, bool& ArrayIsEmpty);
+// All serial numbers. False where the table has no row; `meters` stays as it is then.
+bool listMeters(Connection& connection, std::vector<std::string>& meters);
 
 // The stand's job identities of a meter calibration; for the latest one (negative ReCalID) the
-// first job only.
-std::vector<std::string> getJobID(const OperationContext& context, const std::string& MeterSN,
-                                  std::int16_t ReCalID);
+// first job only. Where it throws, `jobs` holds what was read.
+void listJobs(Connection& connection, const NameText& MeterSN, std::int16_t ReCalID,
+              std::vector<std::string>& jobs);
 
 }  // namespace pelmora

@@ -1,21 +1,30 @@
-// Registering a meter calibration and deleting a series.
+// Adding calibrations and series of a meter, and deleting a series.
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "store/operation_context.h"
+#include "store/connection.h"
+#include "store/name_text.h"
+
+#include <pelmora/types.h>
 
 #include <cstdint>
 #include <string>
 
 namespace pelmora {
 
-// Adds the next calibration of a meter: the recal number after the latest one, 0 for a new meter.
-// An empty MeterSNAdjusted becomes the serial number. Returns the new meter.ID, 0 on failure.
-std::int32_t setMeterSN(const OperationContext& context, const std::string& MeterSerialNumber,
-                        std::string& MeterSNAdjusted);
+// The recal number after the latest one that findLastCalID found, 0 for a new meter.
+// Errors: Error 6 past 32767.
+[[nodiscard]] std::int16_t nextReCalID(const MeterInfo& latest);
 
-// Deletes the series row; its points and summary stay. False where there is no such series.
-bool DeleteSeries(const OperationContext& context, const std::string& MeterSN,
-                  const std::string& Series, std::int16_t ReCalID);
+// Adds a calibration of a meter; returns its meter.ID.
+[[nodiscard]] std::int32_t addCalibration(Connection& connection, const NameText& MeterSN,
+                                          const std::string& MeterSNAdjusted, std::int16_t ReCalID);
+
+// Finds the series of a meter by name, or adds it; returns its id.
+[[nodiscard]] std::int32_t findOrAddSeriesRow(Connection& connection, const NameText& SeriesName,
+                                              std::int32_t MeterID);
+
+// Deletes the series row; its points and summary stay.
+void deleteSeriesRow(Connection& connection, std::int32_t SeriesID);
 
 }  // namespace pelmora

@@ -29,13 +29,11 @@ const std::map<std::string, FolderRule>& rules() {
   static const std::map<std::string, FolderRule> table{
       {"base", {}},
       {"ui", {{"base"}, {}}},
-      {"store", {{"base", "ui"}, {}}},
-      {"points", {{"base", "ui", "store"}, {}}},
-      {"curves", {{"base"}, {}}},
-      {"rawdata", {{"base", "store", "points"}, {}}},
-      {"engine", {{"base", "ui"}, {}}},
-      {"fitting", {{"base", "ui", "store", "points", "rawdata", "engine"}, {}}},
-      {"component", {{"base", "ui", "store", "points", "rawdata", "engine", "fitting"}, {}}},
+      {"points", {{"base"}, {}}},
+      {"store", {{"base", "points"}, {}}},
+      {"curves", {{"base", "points"}, {}}},
+      {"calibration/steps", {{"base", "points", "store", "curves"}, {}}},
+      {"component", {{"base", "ui", "points", "store", "curves", "calibration/steps"}, {}}},
       {"adapters/sql_dialect", {{"base", "store"}, {}}},
       {"adapters/sqlite", {{"base", "store", "adapters/sql_dialect"}, {"sqlite3.h", "posix"}}},
       {"adapters/stand_csv", {{"base", "store", "adapters/sqlite"}, {}}},
@@ -165,7 +163,7 @@ INSTANTIATE_TEST_SUITE_P(of, includes, testing::ValuesIn(folders()), testName);
 
 TEST(includes_check, finds_an_include_that_points_up) {
   const FolderRule& rule = rules().at("store");
-  EXPECT_NE(why("store", rule, {"store/x.cpp", "fitting/start_fit.h", true}), "");
+  EXPECT_NE(why("store", rule, {"store/x.cpp", "component/start_fit.h", true}), "");
   EXPECT_NE(why("store", rule, {"store/x.cpp", "sqlite3.h", false}), "");
   EXPECT_NE(why("store", rule, {"store/x.cpp", "unistd.h", false}), "");
   EXPECT_NE(why("store", rule, {"store/x.cpp", "windows.h", false}), "");

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "store/location.h"
-#include "store/operation_context.h"
+#include "component/location.h"
+#include "component/operation_context.h"
 #include "tests/support/recording_connection.h"
 #include "tests/support/scripted_connection.h"
 

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+#include "calibration/steps/fit_report.h"
+
+#include "base/number_text.h"
+#include "base/text_lines.h"
+
+namespace pelmora::calibration {
+namespace {
+
+// A text built line by line.
+class Lines {
+ public:
+  template <class... Parts>
+  Lines& line(const Parts&... parts) {
+    (text_.append(parts), ...);
+    text_.append(lineBreak);
+    return *this;
+  }
+  [[nodiscard]] std::string take() { return std::move(text_); }
+
+ private:
+  std::string text_;
+};
+
+void appendPoints(Lines& lines, const PointArray& points) {
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    lines.line(numberText(i), ":\t", numberText(points(i, 0)), "\t", numberText(points(i, 1)));
+  }
+}
+
+}  // namespace
+
+std::string rawListing(const FitLabels& labels, const PointArray& points) {
+  Lines lines;
+  lines.line("Raw ", labels.x, "/", labels.y);
+  appendPoints(lines, points);
+  return lines.take();
+}
+
+std::string residualListing(std::span<const double> ratios) {
+  Lines lines;
+  lines.line("Residuals ").line("===========");
+  for (std::size_t k = 0; k < ratios.size(); ++k) {
+    lines.line(numberText(k), ":\t", numberText(ratios[k]));
+  }
+  return lines.take();
+}
+
+std::string reportHead(const std::string& meterSerialNumber, const std::string& seriesName,
+                       const ModelDefinition& definition) {
+  return Lines()
+      .line("\t\tMeter Serial Number: ", meterSerialNumber)
+      .line("\t\tSeries Name: ", seriesName)
+      .line("Results for model: ")
+      .line("Y = ", definition.Expression)
+      .line("Description: ", definition.Name)
+      .line()
+      .take();
+}
+
+std::string reportBody(const ReportBody& body) {
+  Lines lines;
+  const FitStatistics& statistics = body.statistics;
+  lines.line("Independent Variable (X): ", body.labels.x)
+      .line("Dependent Variable (Y): ", body.labels.y)
+      .line("Number of Observations = ", numberText(statistics.Observations))
+      .line("Min X value = ", numberText(body.minX))
+      .line("Max X value = ", numberText(body.maxX))
+      .line()
+      .line("Parameter Results:");
+  for (const FitParameter& parameter : body.parameters) {
+    lines.line(parameter.Name, " = ", numberText(parameter.Value),
+               ", Standard Error = ", numberText(parameter.StandardError));
+  }
+  lines.line("Number of Nonlinear Iterations = ", numberText(statistics.Iterations))
+      .line("Residual Tolerance = ", numberText(body.residualTolerance))
+      .line("Residual Standard Error = ", numberText(statistics.ResidualStandardError))
+      .line("R2 Value = ", numberText(statistics.RSquared))
+      .line("R2adjusted Value = ", numberText(statistics.AdjustedRSquared))
+      .line("Regression Sum of Squares = ", numberText(statistics.RegressionSumOfSquares))
+      .line("Residual Sum of Squares = ", numberText(statistics.ResidualSumOfSquares))
+      .line("Band Percentage = ", numberText(body.bandPercent), "%")
+      .line("Specified Number of Fitted Points = ", numberText(body.numberOfFittedPoints))
+      .line("Predicted", body.labels.x, " Min value = ", numberText(body.predictedXmin))
+      // The y label beside the largest x: readers of stored reports expect it there.
+      .line("Predicted", body.labels.y, " Max value = ", numberText(body.predictedXmax))
+      .line();
+  return lines.take();
+}
+
+std::string predictedListing(const FitLabels& labels, const PointArray& predicted) {
+  Lines lines;
+  lines.line().line("Predicted ", labels.x, "/", labels.y);
+  appendPoints(lines, predicted);
+  return lines.take();
+}
+
+std::string noSolutionText(const std::string& componentFolder) {
+  return Lines().line("Solution failed.").line("See ", componentFolder, "\\log.txt").take();
+}
+
+std::string residualFailureText(std::span<const double> ratios) {
+  return Lines()
+      .line("Solution failed.")
+      .line("Residuals beyond 10%")
+      .line(residualListing(ratios))
+      .take();
+}
+
+}  // namespace pelmora::calibration
