@@ -1,7 +1,7 @@
 // Everything that a damaged file holds, brought into a new curve database.
 // SPDX-License-Identifier: MIT
 #include "adapters/sql_dialect/sqlite_expression.h"
-#include "adapters/sql_dialect/text_case.h"
+#include "base/text_case.h"
 #include "adapters/sqlite/curve_schema.h"
 #include "adapters/sqlite/database_handle.h"
 #include "adapters/sqlite/prepared_statement.h"
@@ -36,7 +36,7 @@ std::vector<std::string> columnsOf(const DatabaseHandle& output, const std::stri
 
 bool isAmong(const std::string& name, const std::vector<std::string>& names) {
   return std::any_of(names.begin(), names.end(),
-                     [&](const std::string& other) { return sql::equalNames(name, other); });
+                     [&](const std::string& other) { return equalNames(name, other); });
 }
 
 // The table as the damaged file had it, where a new curve database does not have it so.
@@ -139,9 +139,9 @@ class FileSalvage {
                             "LIKE 'sqlite%' ORDER BY rowid");
     while (names.step()) {
       const std::string name = reinterpret_cast<const char*>(sqlite3_column_text(names.get(), 0));
-      const bool isThere = std::any_of(
-          report.Tables.begin(), report.Tables.end(),
-          [&](const SalvagedTable& table) { return sql::equalNames(table.Name, name); });
+      const bool isThere =
+          std::any_of(report.Tables.begin(), report.Tables.end(),
+                      [&](const SalvagedTable& table) { return equalNames(table.Name, name); });
       if (!isThere) report.Tables.push_back({name, 0, 0, std::nullopt, 0});
     }
   }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sqlite/salvage/stored_schema.h"
 
-#include "adapters/sql_dialect/text_case.h"
+#include "base/text_case.h"
 #include "adapters/sqlite/curve_schema.h"
 #include "adapters/sqlite/database_handle.h"
 #include "adapters/sqlite/prepared_statement.h"
@@ -71,7 +71,7 @@ class StatementReader {
       if (sqlite3_column_int(columns.get(), 3) != 0) return std::nullopt;  // computed columns
       if (sqlite3_column_int(columns.get(), 2) > 0) {
         ++keys;
-        if (sql::equalNames(textAt(columns, 1), "INTEGER"))
+        if (equalNames(textAt(columns, 1), "INTEGER"))
           table.key = static_cast<int>(table.columns.size());
       }
       table.columns.push_back(textAt(columns, 0));
@@ -144,7 +144,7 @@ StoredSchema schemaOf(const SchemaRows& found) {
   for (const auto& [name, row] : found.rows()) {
     if (row.type != "index") continue;
     for (StoredTable& table : schema.tables) {
-      if (!sql::equalNames(table.name, row.table)) continue;
+      if (!equalNames(table.name, row.table)) continue;
       if (auto index = statements.index(row)) table.indexes.push_back(std::move(*index));
     }
   }

@@ -2,7 +2,7 @@
 #include "adapters/sqlite/salvage/table_salvage.h"
 
 #include "adapters/sql_dialect/sqlite_expression.h"
-#include "adapters/sql_dialect/text_case.h"
+#include "base/text_case.h"
 #include "adapters/sqlite/prepared_statement.h"
 #include "adapters/sqlite/salvage/field_binding.h"
 
@@ -290,7 +290,7 @@ void TableSalvage::noteLost(SalvagedTable& counts) {
   count.step();
   counts.KnownLost = static_cast<std::uint64_t>(sqlite3_column_int64(count.get(), 0));
   for (std::size_t i = 0; i < index_->columns.size(); ++i) {
-    if (!sql::equalNames(table_.columns[index_->columns[i]], "seriesID")) continue;
+    if (!equalNames(table_.columns[index_->columns[i]], "seriesID")) continue;
     const std::string series = "c" + std::to_string(i);
     PreparedStatement note(output_.get(), "INSERT INTO temp.salvage_lost SELECT ?1, " + series +
                                               ", COUNT(*) FROM " + entries_ + " GROUP BY " +
