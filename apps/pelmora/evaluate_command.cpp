@@ -26,8 +26,8 @@ struct EvaluateOptions {
   bool isInverse = false, asJson = false;
 };
 
-report::SeriesReport curveOf(CurveSession& session, const MeterInfo& meter,
-                             const std::string& series) {
+report::SeriesReport seriesWithCurve(CurveSession& session, const MeterInfo& meter,
+                                     const std::string& series) {
   auto report = report::buildReport(reportInput(session, meter, {series}, {}));
   if (report.series.front().curve.size() > 1) return std::move(report.series.front());
   throw Trouble(ExitCode::badInput,
@@ -104,7 +104,7 @@ nlohmann::json valuesJson(const std::vector<calibration::CurveValue>& values) {
 void evaluate(const EvaluateOptions& options) {
   CurveSession session(options.path, Access::read);
   const MeterInfo meter = session.requireMeter(options.meter, options.reCalID);
-  const report::SeriesReport series = curveOf(session, meter, options.series);
+  const report::SeriesReport series = seriesWithCurve(session, meter, options.series);
   const std::vector<calibration::CurveValue> values = valuesOf(options, series);
   session.progress().clear();
   if (!options.asJson) return printData(valuesText(options, series, values));

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t measuredValues = 37;
 
-std::unique_ptr<Recordset> read(const ConnectionPtr& stand, const std::string& statement) {
+std::unique_ptr<Recordset> readStand(const ConnectionPtr& stand, const std::string& statement) {
   if (!stand) throw makeError(RunTimeError::noObject);
   return stand->openRecordset(statement, CursorType::forwardOnly, LockType::optimistic);
 }
@@ -27,7 +27,7 @@ bool isWholeNumber(const std::string& text) {
 
 std::vector<std::string> standJobs(const ConnectionPtr& stand) {
   const auto rows =
-      read(stand, "Select DISTINCT JobRecordID from DataPoint ORDER BY JobRecordID ASC");
+      readStand(stand, "Select DISTINCT JobRecordID from DataPoint ORDER BY JobRecordID ASC");
   if (rows->recordCount() == 0) return {};
   return rowsAsTexts(*rows);
 }
@@ -39,7 +39,7 @@ ValueTable standPoints(const ConnectionPtr& stand, const std::string& JobRecordI
     columns += (i == 1 ? "V" : ", V") + std::to_string(i);
   }
   const auto rows =
-      read(stand, "Select " + columns + " from DataPoint where JobRecordID=" + JobRecordID);
+      readStand(stand, "Select " + columns + " from DataPoint where JobRecordID=" + JobRecordID);
   ValueTable points(measuredValues, static_cast<std::size_t>(rows->recordCount()));
   for (std::size_t row = 0; row < points.rows(); ++row, rows->moveNext()) {
     for (std::size_t i = 0; i < measuredValues; ++i) points(i, row) = rows->value(i);

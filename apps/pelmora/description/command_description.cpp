@@ -42,7 +42,7 @@ OptionDescription optionOf(const CLI::Option& option) {
   return result;
 }
 
-CommandDescription commandOf(const CLI::App& app) {
+CommandDescription describeCommand(const CLI::App& app) {
   CommandDescription result{app.get_name(), app.get_description(), {}, {}};
   for (const CLI::Option* option : app.get_options()) {
     if (option->get_group().empty()) continue;
@@ -54,10 +54,10 @@ CommandDescription commandOf(const CLI::App& app) {
 }  // namespace
 
 ProgramDescription describe(const CLI::App& app) {
-  CommandDescription own = commandOf(app);
+  CommandDescription own = describeCommand(app);
   ProgramDescription result{own.name, own.help, app.get_footer(), std::move(own.options), {}};
   for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
-    if (!command->get_group().empty()) result.commands.push_back(commandOf(*command));
+    if (!command->get_group().empty()) result.commands.push_back(describeCommand(*command));
   }
   return result;
 }

@@ -20,15 +20,15 @@ extern char** environ;
 
 namespace pelmora::dialog {
 
+Error windowFailure(const std::string& what) { return {genericFailure, "Pelmora:dialog", what}; }
+
 namespace {
 
 constexpr std::size_t longestLine = 256;
 
-Error failure(const std::string& what) { return {genericFailure, "Pelmora:dialog", what}; }
-
 Error socketFailure() {
   const bool isLost = errno == EPIPE || errno == ECONNRESET;
-  return failure(isLost ? "The window was lost" : std::strerror(errno));
+  return windowFailure(isLost ? "The window was lost" : std::strerror(errno));
 }
 
 // The two tables that posix_spawn wants, released together.
@@ -77,13 +77,13 @@ class SpawnPlan {
 HelperProcess::HelperProcess(const std::string& program) {
   std::array<int, 2> ends{};
   if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
-    throw failure(std::strerror(errno));
+    throw windowFailure(std::strerror(errno));
   }
   const int problem = SpawnPlan(ends[1]).start(program, process_);
   close(ends[1]);
   if (problem != 0) {
     close(ends[0]);
-    throw failure(program + ": " + std::strerror(problem));
+    throw windowFailure(program + ": " + std::strerror(problem));
   }
   socket_ = ends[0];
 }
@@ -104,7 +104,7 @@ bool HelperProcess::waitFor(short events, Clock::time_point deadline) const {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
     const int ready = poll(&watched, 1, static_cast<int>(std::clamp<long>(left, 0, 60'000)));
     if (ready > 0) return true;
-    if (ready < 0 && errno != EINTR) throw failure(std::strerror(errno));
+    if (ready < 0 && errno != EINTR) throw windowFailure(std::strerror(errno));
     if (Clock::now() >= deadline) return false;
   }
 }
@@ -116,7 +116,7 @@ void HelperProcess::send(std::string_view bytes, Clock::time_point deadline) {
     if (sent > 0) {
       bytes.remove_prefix(static_cast<std::size_t>(sent));
     } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
-      if (!waitFor(POLLOUT, deadline)) throw failure("The window does not read its message");
+      if (!waitFor(POLLOUT, deadline)) throw windowFailure("The window does not read its message");
     } else if (errno != EINTR) {
       throw socketFailure();
     }
@@ -131,14 +131,14 @@ std::optional<std::string> HelperProcess::receiveLine(Clock::time_point deadline
       received_.erase(0, end + 1);
       return line;
     }
-    if (received_.size() > longestLine) throw failure("The window answers nonsense");
+    if (received_.size() > longestLine) throw windowFailure("The window answers nonsense");
     if (!waitFor(POLLIN, deadline)) return std::nullopt;
     std::array<char, longestLine> buffer{};
     const ssize_t size = recv(socket_, buffer.data(), buffer.size(), MSG_DONTWAIT);
     if (size > 0) {
       received_.append(buffer.data(), static_cast<std::size_t>(size));
     } else if (size == 0) {
-      throw failure("The window was lost");
+      throw windowFailure("The window was lost");
     } else if (errno != EINTR && errno != EAGAIN && errno != EWOULDBLOCK) {
       throw socketFailure();
     }

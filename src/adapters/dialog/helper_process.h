@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pelmora/error.h>
+
 #include <sys/types.h>
 
 #include <chrono>
@@ -10,6 +12,9 @@
 #include <string_view>
 
 namespace pelmora::dialog {
+
+// What goes wrong with a window: 0x80004005 with this text.
+[[nodiscard]] Error windowFailure(const std::string& what);
 
 // Starts a program whose standard input and output are one socket to here. It inherits nothing
 // else: no open files, no blocked or ignored signals; its standard error is discarded. Nothing it

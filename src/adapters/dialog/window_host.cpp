@@ -18,14 +18,12 @@ using Clock = HelperProcess::Clock;
 constexpr std::chrono::milliseconds pumpInterval{50};
 constexpr std::string_view answerStart = "answer ";
 
-Error failure(const std::string& what) { return {genericFailure, "Pelmora:dialog", what}; }
-
 // The answer must be one of the buttons that were asked for.
 int codeIn(std::string_view digits, const WindowRequest& request) {
   for (const WindowButton& button : request.buttons) {
     if (std::to_string(button.code) == digits) return button.code;
   }
-  throw failure("The window answers nonsense");
+  throw windowFailure("The window answers nonsense");
 }
 
 std::optional<int> awaitAnswer(HelperProcess& helper, const WindowRequest& request,
@@ -37,7 +35,7 @@ std::optional<int> awaitAnswer(HelperProcess& helper, const WindowRequest& reque
     const auto line = helper.receiveLine(Clock::now() + pumpInterval);
     if (!line) {
       silence += pumpInterval;
-      if (silence >= settings.silenceLimit) throw failure("The display no longer answers");
+      if (silence >= settings.silenceLimit) throw windowFailure("The display no longer answers");
     } else if (*line == "closed") {
       return std::nullopt;
     } else if (line->starts_with(answerStart)) {
@@ -45,7 +43,7 @@ std::optional<int> awaitAnswer(HelperProcess& helper, const WindowRequest& reque
     } else if (*line == "alive") {
       silence = {};
     } else {
-      throw failure("The window answers nonsense");
+      throw windowFailure("The window answers nonsense");
     }
     if (settings.pump) settings.pump();
   }
@@ -57,13 +55,14 @@ WindowHost::WindowHost(WindowSettings settings) : settings_(std::move(settings))
 
 std::optional<int> WindowHost::show(const WindowRequest& request) {
   const char* display = std::getenv("DISPLAY");
-  if (display == nullptr || *display == '\0') throw failure("There is no display");
-  if (Clock::now() < refusedUntil_) throw failure("The display did not answer a moment ago");
+  if (display == nullptr || *display == '\0') throw windowFailure("There is no display");
+  if (Clock::now() < refusedUntil_) throw windowFailure("The display did not answer a moment ago");
   const std::string program =
       settings_.helperProgram.empty() ? helperBesideLibrary() : settings_.helperProgram;
-  if (program.empty()) throw failure("The program that shows windows is not installed");
+  if (program.empty()) throw windowFailure("The program that shows windows is not installed");
   const std::string wire = toWire(request);
-  if (wire.size() > wireHeaderSize + wireBodyLimit) throw failure("The text is too long to show");
+  if (wire.size() > wireHeaderSize + wireBodyLimit)
+    throw windowFailure("The text is too long to show");
 
   const auto readyBy = Clock::now() + settings_.readyWithin;
   HelperProcess helper(program);
@@ -71,9 +70,9 @@ std::optional<int> WindowHost::show(const WindowRequest& request) {
   const auto ready = helper.receiveLine(readyBy);
   if (!ready) {
     refusedUntil_ = Clock::now() + settings_.refusal;
-    throw failure("The display does not answer");
+    throw windowFailure("The display does not answer");
   }
-  if (*ready != "ready") throw failure("The window answers nonsense");
+  if (*ready != "ready") throw windowFailure("The window answers nonsense");
   return awaitAnswer(helper, request, settings_);
 }
 
