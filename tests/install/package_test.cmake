@@ -69,11 +69,8 @@ if(commands LESS 10 OR NOT commands EQUAL written)
   message(FATAL_ERROR "${written} man pages for ${commands} commands")
 endif()
 
-set(ENV{LD_LIBRARY_PATH} ${folder}/root/usr/${LIBDIR})
-run(${folder}/root/usr/bin/pelmora --version)
-if(NOT output MATCHES "${VERSION}")
-  message(FATAL_ERROR "the packaged program says ${output}")
-endif()
+include(${CMAKE_CURRENT_LIST_DIR}/program_starts.cmake)
+program_starts_in(${folder}/root/usr ${LIBDIR} ${VERSION})
 
 open_package(libpelmora-dev)
 expect_files(include/pelmora/pelmora.h include/pelmora/raw_data.h ${LIBDIR}/libpelmora.so
