@@ -83,9 +83,33 @@ TEST_F(command_line, has_colour_on_a_terminal_unless_the_user_wants_none) {
   EXPECT_THAT(onTerminal("-u NO_COLOR TERM=dumb"), testing::Not(HasSubstr("\033[")));
 }
 
-TEST_F(command_line, takes_no_input_for_any_command) {
-  done({"init", curves, "--no-input"});
-  done({"show", curves, "--no-input"});
+TEST_F(command_line, offers_every_command_to_ask_nothing) {
+  // The program lists its commands on the man page, one reference each: \fBpelmora\-show\fR(1)
+  const std::string page = done({"man"}).output;
+  const std::string start = "\\fBpelmora\\-", end = "\\fR(1)";
+  int commands = 0;
+  for (auto at = page.find(start); at != std::string::npos; at = page.find(start, at)) {
+    at += start.size();
+    std::string command = page.substr(at, page.find(end, at) - at);
+    std::erase(command, '\\');
+    EXPECT_THAT(done({command, "--help"}).output, HasSubstr("--no-input")) << command;
+    ++commands;
+  }
+  EXPECT_GT(commands, 10);
+}
+
+TEST_F(command_line, asks_nothing_at_a_terminal_that_wants_no_input) {
+  init();
+  done(
+      {"raw", curves, write("p.csv", "1,2\n3,4\n"), "--meter", "P", "--register", "--series", "S"});
+  const PseudoTerminal terminal;
+  terminal.type("yes\n");
+  const CommandResult result =
+      runAt(terminal, {"delete", curves, "--meter", "P", "--series", "S", "--no-input"});
+  EXPECT_EQ(result.exitCode, 8) << result.error;
+  EXPECT_EQ(
+      done({"show", curves, "--meter", "P", "--series", "S", "--json"}).json()["raw"][0].size(),
+      2U);
 }
 
 TEST_F(command_line, names_an_option_with_a_wrong_value) {

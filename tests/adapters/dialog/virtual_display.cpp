@@ -80,7 +80,7 @@ void VirtualDisplay::kill() {
 }
 
 unsigned long VirtualDisplay::window(const std::string& title) const {
-  for (int tries = 0; tries < 200; ++tries) {
+  for (int tries = 0; tries < 1200; ++tries) {
     const std::string found = outputOf("xdotool search --onlyvisible --name '^" + title + "$'");
     if (!found.empty()) return std::stoul(found);
     pause(100);

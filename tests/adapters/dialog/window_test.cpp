@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <cstdlib>
 #include <functional>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -31,7 +32,7 @@ class window : public testing::Test {
       return -1;
     };
     useDialogs(platform(),
-               {.helperProgram = PELMORA_HELPER, .readyWithin = std::chrono::seconds(30)});
+               {.helperProgram = PELMORA_HELPER, .readyWithin = std::chrono::minutes(10)});
   }
   void TearDown() override {
     platform() = {};
@@ -66,10 +67,20 @@ class window : public testing::Test {
     return answerOf(style, [&](unsigned long id) { display.type(id, keys); });
   }
 
-  static std::string picture(const std::string& name) {
+  // Keeps a picture of the window in the build folder. It is as large as the window, and more than
+  // one colour.
+  void takePicture(unsigned long id, const std::string& name) const {
     const std::filesystem::path folder = std::filesystem::path(test::buildFolder()) / "screenshots";
     std::filesystem::create_directories(folder);
-    return (folder / (name + ".png")).string();
+    const std::string file = (folder / (name + ".png")).string();
+    std::filesystem::remove(file);
+    display.screenshot(id, file);
+    std::istringstream facts(test::outputOf("identify -format '%wx%h %k' '" + file + "'"));
+    std::string size;
+    int colours = 0;
+    facts >> size >> colours;
+    EXPECT_EQ(size, display.sizeOf(id)) << name;
+    EXPECT_GT(colours, 8) << name;
   }
 
   test::VirtualDisplay display;
@@ -194,8 +205,8 @@ TEST_F(window, host_of_the_shared_library_finds_the_helper_beside_it) {
             5);
 }
 
-// Pictures for people to look at; the test says only that there are windows to take them of.
-TEST_F(window, pictures_of_every_style) {
+// The pictures are for people to look at, too.
+TEST_F(window, form_of_every_style_is_drawn_whole_and_with_content) {
   for (std::int32_t style = 0; style <= 5; ++style) {
     const std::string title = "Style " + std::to_string(style);
     operate(
@@ -205,17 +216,17 @@ TEST_F(window, pictures_of_every_style) {
         },
         title,
         [&](unsigned long id) {
-          display.screenshot(id, picture("style" + std::to_string(style)));
+          takePicture(id, "style" + std::to_string(style));
           display.type(id, "Escape");
         });
   }
 }
 
-TEST_F(window, pictures_of_message_boxes) {
+TEST_F(window, message_box_of_every_kind_is_drawn_whole_and_with_content) {
   const auto shoot = [this](const std::string& text, int style, const std::string& name) {
     operate([&] { return platform().messageBox(text, style, name); }, name,
             [&](unsigned long id) {
-              display.screenshot(id, picture(name));
+              takePicture(id, name);
               display.type(id, "Escape");
             });
   };
@@ -238,9 +249,9 @@ TEST_F(window, pictures_of_message_boxes) {
   std::int32_t style = 0;
   operate([&] { return showMessageForm(statement, style, "longform"); }, "longform",
           [&](unsigned long id) {
-            display.screenshot(id, picture("longform"));
+            takePicture(id, "longform");
             display.type(id, "Next Next");
-            display.screenshot(id, picture("longform-scrolled"));
+            takePicture(id, "longform-scrolled");
             display.type(id, "Escape");
           });
 }

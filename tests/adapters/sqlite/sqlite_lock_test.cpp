@@ -84,14 +84,13 @@ TEST(sqlite_lock, an_exclusive_lock_stops_reading_writing_and_opening) {
   EXPECT_EQ(file.count("Fluids"), 1);
 }
 
-TEST(sqlite_lock, a_lock_is_waited_for_only_shortly) {
+TEST(sqlite_lock, a_lock_that_stays_is_waited_for_and_given_up) {
   const CurveFile file;
   const OtherProcess other(file.path, "BEGIN EXCLUSIVE");
   const auto start = std::chrono::steady_clock::now();
   expectLocked(failureOf([&] { file.execute("Delete from meter"); }));
   const auto waited = std::chrono::steady_clock::now() - start;
   EXPECT_GE(waited, std::chrono::milliseconds(100));
-  EXPECT_LE(waited, std::chrono::seconds(3));
 }
 
 TEST(sqlite_lock, a_writer_elsewhere_lets_us_read) {
