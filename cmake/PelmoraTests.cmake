@@ -1,0 +1,84 @@
+# How tests are built and run: pelmora_test(store SOURCES a_test.cpp ...) makes one program of a folder.
+#
+# In the preset for daily work each test is a CTest test of its own, found when CTest runs. The presets that pass
+# everything run a program as a whole, in SHARDS processes where it takes long: thousands of processes cost more than
+# the tests. A program then lists its tests in test_results/, where scripts/test counts them.
+include(GoogleTest)
+option(PELMORA_WHOLE_TEST_PROGRAMS "Run each test program as a whole, not each test by itself" OFF)
+set(pelmora_test_results ${PROJECT_BINARY_DIR}/test_results)
+file(MAKE_DIRECTORY ${pelmora_test_results})
+
+# What some parts of scripts/test build alone: the programs labelled `threads`, for the thread sanitizer, and `memory`,
+# which a change breaks most.
+add_custom_target(threads_tests)
+add_custom_target(memory_tests)
+
+# pelmora_counted(NAME): the CTest test NAME is a GoogleTest program; its results become a file of its name.
+function(pelmora_counted name)
+  string(REPLACE "/" "." file ${name})
+  set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT "GTEST_OUTPUT=xml:${pelmora_test_results}/${file}.xml")
+endfunction()
+
+# pelmora_run_tests(store_test store/ SHARDS 2 LABELS threads)
+function(pelmora_run_tests program prefix)
+  cmake_parse_arguments(arg "" "SHARDS" "LABELS" ${ARGN})
+  if(NOT PELMORA_WHOLE_TEST_PROGRAMS)
+    gtest_discover_tests(${program} TEST_PREFIX ${prefix} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+      PROPERTIES LABELS "${arg_LABELS}")
+    return()
+  endif()
+  if(NOT arg_SHARDS)
+    set(arg_SHARDS 1)
+  endif()
+  foreach(shard RANGE 1 ${arg_SHARDS})
+    set(name ${prefix}${program})
+    if(arg_SHARDS GREATER 1)
+      string(APPEND name ".${shard}_of_${arg_SHARDS}")
+    endif()
+    add_test(NAME ${name} COMMAND ${program})
+    math(EXPR index "${shard} - 1")
+    set_tests_properties(${name} PROPERTIES LABELS "${arg_LABELS}" TIMEOUT 1200
+      ENVIRONMENT "GTEST_TOTAL_SHARDS=${arg_SHARDS};GTEST_SHARD_INDEX=${index}")
+    pelmora_counted(${name})
+  endforeach()
+endfunction()
+
+# pelmora_test_program(store_test a_test.cpp ...): the files named *_test.cpp in batches where the preset builds so
+# (CMAKE_UNITY_BUILD), what supports them by itself.
+function(pelmora_test_program program)
+  set(sources ${ARGN})
+  if(CMAKE_UNITY_BUILD)
+    set(left ${ARGN})
+    list(FILTER left INCLUDE REGEX "_test\\.cpp$")
+    list(FILTER sources EXCLUDE REGEX "_test\\.cpp$")
+    set(number 0)
+    while(left)
+      list(SUBLIST left 0 ${CMAKE_UNITY_BUILD_BATCH_SIZE} batch)
+      list(REMOVE_ITEM left ${batch})
+      list(TRANSFORM batch PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+      list(JOIN batch "," joined)
+      math(EXPR number "${number} + 1")
+      set(file ${CMAKE_CURRENT_BINARY_DIR}/${program}_batch_${number}.cpp)
+      set(writer ${PROJECT_SOURCE_DIR}/cmake/write_test_batch.cmake)
+      add_custom_command(OUTPUT ${file} DEPENDS ${batch} ${writer}
+        COMMAND ${CMAKE_COMMAND} -DBATCH=${file} -DSOURCES=${joined} -P ${writer}
+        COMMENT "" VERBATIM)
+      list(APPEND sources ${file})
+    endwhile()
+  endif()
+  add_executable(${program} ${sources})
+  set_target_properties(${program} PROPERTIES UNITY_BUILD OFF)
+endfunction()
+
+function(pelmora_test folder)
+  cmake_parse_arguments(arg "" "SHARDS" "SOURCES;LIBRARIES;LABELS" ${ARGN})
+  string(REPLACE "/" "_" name ${folder})
+  pelmora_test_program(${name}_test ${arg_SOURCES})
+  target_link_libraries(${name}_test PRIVATE pelmora_internal pelmora_test_places GTest::gmock GTest::gtest_main ${arg_LIBRARIES})
+  foreach(label threads memory)
+    if(label IN_LIST arg_LABELS)
+      add_dependencies(${label}_tests ${name}_test)
+    endif()
+  endforeach()
+  pelmora_run_tests(${name}_test ${folder}/ SHARDS ${arg_SHARDS} LABELS ${arg_LABELS})
+endfunction()
