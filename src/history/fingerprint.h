@@ -1,0 +1,25 @@
+// Telling whether somebody has changed rows since they were read.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "history/scope.h"
+
+#include <cstdint>
+
+namespace pelmora::history {
+
+// A number made from all rows of the scope: every column, exact bits, kinds of values, and the
+// order in which they are read. Two equal numbers mean the same rows, but for one chance in 2^64. A
+// table that may be missing counts as one without rows. It is meant to be compared soon, and is not
+// kept.
+//
+// Errors: Error where a table cannot be read.
+[[nodiscard]] std::uint64_t fingerprint(const ConnectionPtr& curves, const Scope& scope);
+
+// What a fit of the series depends on: the calibration and the series by name and id, and its raw
+// parts.
+[[nodiscard]] Scope fittedPoints(std::int32_t MeterID, std::int32_t SeriesID);
+// The same and the curve, merged points, report and settings of the last fit.
+[[nodiscard]] Scope fittedPointsAndCurve(std::int32_t MeterID, std::int32_t SeriesID);
+
+}  // namespace pelmora::history
