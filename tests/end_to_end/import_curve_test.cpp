@@ -1,6 +1,7 @@
 // Result files of the outside program, brought in at the command line.
 // SPDX-License-Identifier: MIT
 #include "tests/end_to_end/command.h"
+#include "tests/support/plain_sqlite.h"
 
 namespace pelmora::test {
 namespace {
@@ -21,6 +22,11 @@ class import_curve : public CommandTest {
   Arguments command(const std::string& file) const {
     return {"import-curve", curves, file, "--meter", "M1", "--series", "S"};
   }
+  static Arguments json(Arguments arguments) {
+    arguments.emplace_back("--json");
+    return arguments;
+  }
+  void sql(const std::string& statements) const { PlainSqlite(curves).run(statements); }
   // The points merged for the series, as the program shows them.
   nlohmann::json stored() const {
     return done({"show", curves, "--meter", "M1", "--series", "S", "--json"}).json();
@@ -77,6 +83,32 @@ TEST_F(import_curve, refuses_an_unknown_series_and_leaves_the_file) {
   EXPECT_THAT(trouble(4, {"import-curve", curves, file, "--meter", "M1", "--series", "T"}),
               HasSubstr("'T'"));
   EXPECT_TRUE(std::filesystem::exists(file));
+}
+
+TEST_F(import_curve, never_renames_over_an_older_file) {
+  const std::string file = results("20 6\r\n10 5\r\n");
+  write("results.txt.sav", "the first");
+  std::filesystem::create_symlink("nowhere", file + ".sav.1");
+  EXPECT_EQ(done(json(command(file))).json()["keptFile"], file + ".sav.2");
+  EXPECT_EQ(contentsOf(file + ".sav"), "the first");
+  EXPECT_THAT(contentsOf(file + ".sav.2"), HasSubstr("20 6"));
+  EXPECT_FALSE(std::filesystem::exists(file));
+}
+
+TEST_F(import_curve, leaves_the_file_where_nothing_can_be_stored) {
+  sql("CREATE TRIGGER full BEFORE INSERT ON merge BEGIN SELECT RAISE(ABORT, 'no room'); END");
+  expectRefused(3, results("20 6\r\n10 5\r\n"), "no room");
+}
+
+TEST_F(import_curve, of_a_dry_run_names_the_file_and_leaves_it) {
+  const std::string file = results("20 6\r\n10 5\r\n");
+  const auto before = stored();
+  Arguments arguments = command(file);
+  arguments.emplace_back("--dry-run");
+  EXPECT_THAT(done(arguments).output, HasSubstr("would be kept as"));
+  EXPECT_TRUE(std::filesystem::exists(file));
+  EXPECT_FALSE(std::filesystem::exists(file + ".sav"));
+  EXPECT_EQ(stored(), before);
 }
 
 }  // namespace
