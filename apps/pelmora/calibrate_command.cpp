@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/command_line.h"
+#include "apps/pelmora/checked_fit.h"
 #include "apps/pelmora/commands.h"
 #include "apps/pelmora/common_options.h"
 #include "apps/pelmora/fit_output.h"
@@ -71,7 +72,7 @@ std::string calibrationText(const CurveSession& session, const ImportOutcome& im
 
 // One line for all series without a curve.
 void requireAll(const ImportOutcome& import, const std::vector<SeriesFit>& fits) {
-  if (import.trouble) throw Trouble(*import.trouble);
+  if (const auto trouble = import.anyTrouble()) throw Trouble(*trouble);
   std::string names;
   const Trouble* first = nullptr;
   for (const SeriesFit& fit : fits) {
@@ -95,7 +96,7 @@ void calibrate(CalibrateOptions& options) {
   for (const DerivedSeries& derived : import.series) {
     // After an import that went wrong, series may have lost their points: nothing to fit, nothing
     // to say.
-    if (import.trouble && !hasPoints(derived)) continue;
+    if (import.trouble && !derived.trouble && !hasPoints(derived)) continue;
     fits.push_back(fitted(change, import.meter, derived.name, options.fit));
   }
   change.finish();

@@ -2,12 +2,13 @@
 #include "apps/pelmora/curve_session.h"
 
 #include "apps/pelmora/suggestion.h"
-#include "apps/pelmora/trouble.h"
+#include "apps/pelmora/unreadable_series.h"
 #include "history/shared_connection.h"
 
 #include <unistd.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace pelmora::cli {
 namespace {
@@ -67,7 +68,7 @@ MeterInfo CurveSession::findMeter(const std::string& serialNumber, std::int16_t 
   requireName("--meter", serialNumber);
   messages_.forget();
   MeterInfo meter = data_.findMeterInfo(serialNumber, connection_, reCalID);
-  messages_.throwIfAny(ExitCode::unexpected, "looking up meter '" + serialNumber + "'", "");
+  messages_.throwIfAny(ExitCode::badInput, "looking up meter '" + serialNumber + "'", lookForCause);
   return meter;
 }
 
@@ -91,18 +92,30 @@ std::vector<std::string> CurveSession::serialNumbers() {
   bool isEmpty = true;
   messages_.forget();
   auto names = data_.Meters(isEmpty);
-  messages_.throwIfAny(ExitCode::unexpected, "listing the meters", "");
+  messages_.throwIfAny(ExitCode::badInput, "listing the meters", lookForCause);
   return isEmpty ? std::vector<std::string>() : names;
 }
 
-std::vector<std::int16_t> CurveSession::calibrations(const std::string& serialNumber) {
+std::vector<MeterInfo> CurveSession::calibrationsOf(const std::string& serialNumber) {
   bool isEmpty = true;
   std::vector<std::int16_t> numbers;
   messages_.forget();
-  (void)data_.MetersAdjusted(serialNumber, isEmpty, numbers);
-  messages_.throwIfAny(ExitCode::unexpected,
-                       "listing the calibrations of meter '" + serialNumber + "'", "");
-  if (isEmpty) numbers.clear();
+  const auto adjusted = data_.MetersAdjusted(serialNumber, isEmpty, numbers);
+  messages_.throwIfAny(ExitCode::badInput,
+                       "listing the calibrations of meter '" + serialNumber + "'", lookForCause);
+  std::vector<MeterInfo> list;
+  for (std::size_t i = 0; !isEmpty && i < adjusted.size(); ++i) {
+    MeterInfo& meter = list.emplace_back();
+    meter.SerialNumber = serialNumber;
+    meter.SerialNumberAdjusted = adjusted[i];
+    meter.ReCalID = numbers[i];
+  }
+  return list;
+}
+
+std::vector<std::int16_t> CurveSession::calibrations(const std::string& serialNumber) {
+  std::vector<std::int16_t> numbers;
+  for (const MeterInfo& meter : calibrationsOf(serialNumber)) numbers.push_back(meter.ReCalID);
   std::ranges::sort(numbers);
   return numbers;
 }
@@ -110,11 +123,18 @@ std::vector<std::int16_t> CurveSession::calibrations(const std::string& serialNu
 std::vector<std::string> CurveSession::seriesNames(const MeterInfo& meter) {
   messages_.forget();
   const ValueTable table = data_.Series(meter.SerialNumber, meter.ReCalID);
-  messages_.throwIfAny(ExitCode::unexpected,
-                       "listing the series of meter '" + meter.SerialNumber + "'", "");
+  messages_.throwIfAny(ExitCode::badInput,
+                       "listing the series of meter '" + meter.SerialNumber + "'", lookForCause);
   std::vector<std::string> names;
   for (std::size_t row = 0; row < table.rows(); ++row) {
-    if (const auto* name = std::get_if<std::string>(&table(1, row))) names.push_back(*name);
+    const auto* name = std::get_if<std::string>(&table(1, row));
+    if (name == nullptr) {
+      throw Trouble(ExitCode::badInput,
+                    "a series of meter '" + meter.SerialNumber + "', calibration " +
+                        std::to_string(meter.ReCalID) + ", has no name that is a text",
+                    lookForCause);
+    }
+    names.push_back(*name);
   }
   return names;
 }
@@ -124,7 +144,7 @@ std::int32_t CurveSession::requireSeriesID(const MeterInfo& meter, const std::st
   messages_.forget();
   const MeterInfo found =
       data_.findMeterInfo(meter.SerialNumber, connection_, meter.ReCalID, seriesName);
-  messages_.throwIfAny(ExitCode::unexpected, "looking up series '" + seriesName + "'", "");
+  messages_.throwIfAny(ExitCode::badInput, "looking up series '" + seriesName + "'", lookForCause);
   if (found.Source != 1 || found.Series.empty()) {
     const auto known = seriesNames(meter);
     throw Trouble(
@@ -144,9 +164,37 @@ MeterInfo CurveSession::requireSeries(const MeterInfo& meter, const std::string&
   messages_.throwIfAny(
       ExitCode::badInput,
       "series '" + seriesName + "' of meter '" + meter.SerialNumber + "' cannot be read",
-      "import or bring its points again, at most 32767 in each raw part and none empty");
+      std::string(lookForCause) +
+          "; a raw part holds at most 32767 points, none of them empty or a text");
   if (everything.Series.empty()) (void)requireSeriesID(meter, seriesName);  // tells what there is
   return everything;
+}
+
+std::vector<SeriesInfo> CurveSession::requireAllSeries(
+    const MeterInfo& meter, const std::vector<std::string>& seriesNames) {
+  std::vector<SeriesInfo> list;
+  UnreadableSeries unreadable;
+  for (const std::string& name : seriesNames.empty() ? this->seriesNames(meter) : seriesNames) {
+    try {
+      list.push_back(std::move(requireSeries(meter, name).Series.front()));
+    } catch (const Trouble& trouble) {
+      if (trouble.code() != ExitCode::badInput) throw;
+      unreadable.add("'" + name + "'", trouble);
+    }
+  }
+  unreadable.throwIfAny();
+  return list;
+}
+
+std::vector<CalSetupInfo> CurveSession::setups(const MeterInfo& meter) {
+  try {
+    return calSetups(connection_, meter.MeterID);
+  } catch (const Error& error) {
+    throw Trouble(ExitCode::badInput,
+                  "the runs of meter '" + meter.SerialNumber + "', calibration " +
+                      std::to_string(meter.ReCalID) + ", cannot be read: " + error.what(),
+                  lookForCause);
+  }
 }
 
 void requireName(const std::string& what, const std::string& name) {

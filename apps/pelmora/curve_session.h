@@ -5,6 +5,7 @@
 #include "apps/pelmora/equation_folder.h"
 #include "apps/pelmora/message_recorder.h"
 #include "apps/pelmora/progress.h"
+#include "apps/pelmora/trouble.h"
 
 #include <pelmora/pelmora.h>
 
@@ -49,13 +50,23 @@ class CurveSession {
   // Errors: Trouble unknownName with what there is.
   MeterInfo requireMeter(const std::string& serialNumber, std::int16_t reCalID);
   // Names of a meter calibration's series, in alphabetical order.
+  // Errors: Trouble badInput where they cannot be read or one has none.
   std::vector<std::string> seriesNames(const MeterInfo& meter);
   // Everything stored about a series. Errors: Trouble unknownName with the series that there are.
   MeterInfo requireSeries(const MeterInfo& meter, const std::string& seriesName);
+  // The same of several series, of all where none is named, without their calibration.
+  // Errors: Trouble unknownName; badInput with every series that cannot be read.
+  std::vector<SeriesInfo> requireAllSeries(const MeterInfo& meter,
+                                           const std::vector<std::string>& seriesNames);
+  // Errors: Trouble badInput.
+  std::vector<CalSetupInfo> setups(const MeterInfo& meter);
   // The id alone, without a look at the points. Errors: the same.
   std::int32_t requireSeriesID(const MeterInfo& meter, const std::string& seriesName);
   std::vector<std::string> serialNumbers();
-  // The calibrations of a meter, from the first to the latest.
+  // The calibrations of a meter by serial number and number alone, from the latest to the first.
+  // Errors: Trouble badInput.
+  std::vector<MeterInfo> calibrationsOf(const std::string& serialNumber);
+  // Their numbers, from the first to the latest. Errors: the same.
   std::vector<std::int16_t> calibrations(const std::string& serialNumber);
 
  private:

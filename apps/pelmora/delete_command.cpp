@@ -8,10 +8,14 @@
 #include "apps/pelmora/stored_change.h"
 #include "apps/pelmora/text_table.h"
 #include "apps/pelmora/trouble.h"
+#include "history/deleting.h"
+#include "history/fingerprint.h"
 
 #include <CLI/App.hpp>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <cstdint>
 #include <memory>
 
 namespace pelmora::cli {
@@ -31,6 +35,7 @@ struct Target {
   MeterInfo meter;
   std::string series;  // empty: the whole calibration
   history::Scope scope;
+  std::uint64_t fingerprint = 0;  // of its rows
   history::DeleteOutcome outcome;
 };
 
@@ -49,7 +54,7 @@ void requireOneTarget(const DeleteOptions& options) {
 std::vector<Target> targets(CurveSession& session, const DeleteOptions& options) {
   std::vector<Target> list;
   if (!options.wholeMeter) {
-    Target target{session.requireMeter(options.meter, options.reCalID), options.series, {}, {}};
+    Target target{session.requireMeter(options.meter, options.reCalID), options.series, {}, 0, {}};
     const std::int32_t id = target.meter.MeterID;
     target.scope =
         options.series.empty()
@@ -57,28 +62,43 @@ std::vector<Target> targets(CurveSession& session, const DeleteOptions& options)
             : history::wholeSeries(id, session.requireSeriesID(target.meter, options.series));
     return {target};
   }
-  bool isEmpty = true;
-  std::vector<std::int16_t> numbers;
   (void)session.requireMeter(options.meter, -1);
-  (void)session.data().MetersAdjusted(options.meter, isEmpty, numbers);
-  for (const std::int16_t number : numbers) {
-    Target target{session.requireMeter(options.meter, number), "", {}, {}};
+  for (const MeterInfo& calibration : session.calibrationsOf(options.meter)) {
+    Target target{session.requireMeter(options.meter, calibration.ReCalID), "", {}, 0, {}};
     target.scope = history::wholeCalibration(target.meter.MeterID);
     list.push_back(std::move(target));
   }
   return list;
 }
 
-void remove(StoredChange& change, std::vector<Target>& list) {
+// Reads and removes what is asked for; nobody else can write from here to change.finish().
+std::vector<Target> remove(StoredChange& change, const DeleteOptions& options) {
   CurveSession& session = change.session();
   change.begin();
+  std::vector<Target> list = targets(session, options);
   for (Target& target : list) {
-    target.outcome = asDatabaseTrouble("deleting from '" + session.path() + "'", [&] {
-      return history::removeKept(session.connection(), change.kept(), target.scope);
+    asDatabaseTrouble("deleting from '" + session.path() + "'", [&] {
+      target.fingerprint = history::fingerprint(session.connection(), target.scope);
+      target.outcome = history::removeKept(session.connection(), change.kept(), target.scope);
     });
     change.noteEntry(target.outcome.KeptAs);
   }
-  change.finish();
+  return list;
+}
+
+// What was confirmed is what was shown, and nothing else.
+void requireSame(const std::vector<Target>& shown, const std::vector<Target>& now) {
+  const auto isSame = [](const Target& a, const Target& b) {
+    return a.scope == b.scope && a.fingerprint == b.fingerprint;
+  };
+  const auto [was, is] = std::ranges::mismatch(shown, now, isSame);
+  if (was == shown.end() && is == now.end()) return;
+  const Target& changed = was == shown.end() ? *is : *was;
+  throw Trouble(ExitCode::declined,
+                "another program has changed " +
+                    placeText(changed.meter.SerialNumber, changed.meter.ReCalID, changed.series) +
+                    " since it was shown",
+                "nothing was deleted; run the command again to see what is there now");
 }
 
 std::string targetsTable(const std::vector<Target>& list) {
@@ -110,15 +130,25 @@ nlohmann::json targetsJson(const std::vector<Target>& list) {
 void deleteStored(const DeleteOptions& options) {
   requireOneTarget(options);
   CurveSession session(options.path, Access::write);
-  std::vector<Target> list = targets(session, options);
-  // Nobody shall wait for the database while somebody thinks about the question.
-  StoredChange look(session, "delete", true);
-  remove(look, list);
-  if (!options.asJson) printData(targetsTable(list) + "\n");
+  const auto show = [&](const std::vector<Target>& list) {
+    if (!options.asJson) printData(targetsTable(list) + "\n");
+  };
   StoredChange change(session, "delete", options.isDryRun);
-  if (!options.isDryRun) {
+  std::vector<Target> list;
+  if (options.isDryRun || options.consent.isGiven) {
+    list = remove(change, options);
+    change.finish();
+    show(list);
+  } else {
+    // Nobody shall wait for the database while somebody thinks about the question.
+    StoredChange look(session, "delete", true);
+    const std::vector<Target> shown = remove(look, options);
+    look.finish();
+    show(shown);
     requireConsent("Delete this?", options.consent);
-    remove(change, list);
+    list = remove(change, options);
+    requireSame(shown, list);
+    change.finish();
   }
   if (!options.asJson)
     return printData((options.isDryRun ? "" : "Deleted.\n") + change.closingText());

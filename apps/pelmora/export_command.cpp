@@ -40,9 +40,8 @@ std::vector<PointTable> tablesOf(CurveSession& session, const ExportOptions& opt
                        const PointArray& points) {
     if (isWanted(options.what, kind) && !points.empty()) tables.push_back({series, kind, points});
   };
-  for (const std::string& name :
-       options.series.empty() ? session.seriesNames(meter) : options.series) {
-    const SeriesInfo stored = session.requireSeries(meter, name).Series.front();
+  for (const SeriesInfo& stored : session.requireAllSeries(meter, options.series)) {
+    const std::string& name = stored.SeriesName;
     for (std::size_t part = 0; part < stored.Raw.size(); ++part) {
       add(name, "raw" + std::to_string(part + 1), stored.Raw[part].Points);
     }

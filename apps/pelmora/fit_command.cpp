@@ -3,7 +3,7 @@
 #include "apps/pelmora/commands.h"
 #include "apps/pelmora/common_options.h"
 #include "apps/pelmora/fit_output.h"
-#include "apps/pelmora/series_fit.h"
+#include "apps/pelmora/checked_fit.h"
 #include "apps/pelmora/strict_number.h"
 #include "apps/pelmora/text_table.h"
 #include "apps/pelmora/trouble.h"
@@ -33,6 +33,12 @@ std::string fitText(const CurveSession& session, const MeterInfo& meter, const S
           ", Roshko " + significantText(fit.min, 6) + " to " + significantText(fit.max, 6) +
           ", band " + significantText(fit.options.band, 4) + " %",
       0);
+  if (fit.changedMeanwhile) {
+    text += wrapped(
+        "note: another program changed the series during the fit; this is the fit of "
+        "the series as it is now.",
+        0);
+  }
   text += "\n" + equationTable(fit);
   if (!fit.isStored) return text;
   return text + "\n" +

@@ -23,6 +23,7 @@ json fitJson(const SeriesFit& fit) {
   return {{"series", fit.series},
           {"seriesId", fit.seriesID},
           {"stored", fit.isStored},
+          {"changedMeanwhile", fit.changedMeanwhile},
           {"error", fit.trouble ? json(errorLine(*fit.trouble)) : json()},
           {"chosen", chosen ? json(fit.outcome.Equations[*chosen].Name) : json()},
           {"band", fit.options.band},
@@ -40,15 +41,17 @@ json fitJson(const SeriesFit& fit) {
 json importJson(const ImportOutcome& import) {
   json series = json::array();
   for (const DerivedSeries& derived : import.series) {
-    series.push_back(
-        {{"name", derived.name}, {"seriesId", derived.seriesID}, {"rawPoints", derived.points}});
+    series.push_back({{"name", derived.name},
+                      {"seriesId", derived.seriesID},
+                      {"rawPoints", derived.trouble ? json() : json(derived.points)}});
   }
+  const auto trouble = import.anyTrouble();
   return {{"meter", meterJson(import.meter)},
           {"newCalibration", import.meterIsNew},
           {"setups", setupsJson(import.setups)},
           {"series", series},
           {"notes", import.notes},
-          {"error", import.trouble ? json(errorLine(*import.trouble)) : json()}};
+          {"error", trouble ? json(errorLine(*trouble)) : json()}};
 }
 
 }  // namespace pelmora::cli

@@ -69,7 +69,15 @@ FitOptions optionsOf(const CurveSettings& settings) {
 
 StoredSettings settingsOfStored(CurveSession& session, const SeriesInfo& stored,
                                 const UnkeptSettings& unkept) {
-  const auto kept = keptCurveSettings(session.connection(), stored.SeriesID);
+  std::optional<CurveSettings> kept;
+  try {
+    kept = keptCurveSettings(session.connection(), stored.SeriesID);
+  } catch (const Error& error) {
+    throw Trouble(ExitCode::badInput,
+                  "the fit settings of series '" + stored.SeriesName + "' in '" + session.path() +
+                      "' cannot be read: " + error.what(),
+                  lookForCause);
+  }
   if (kept && !stored.Fitted.empty()) return {*kept, true};
   return {assumedSettings(stored, unkept), false};
 }

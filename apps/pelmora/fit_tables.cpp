@@ -117,7 +117,7 @@ std::string importTable(const ImportOutcome& import) {
     for (const DerivedSeries& derived : import.series) {
       std::vector<std::string> row{derived.name};
       for (const std::size_t points : derived.points)
-        row.push_back(points == 0 ? "-" : std::to_string(points));
+        row.push_back(derived.trouble ? "?" : points == 0 ? "-" : std::to_string(points));
       series.addRow(row);
     }
     text += "\n" + series.text();

@@ -34,7 +34,7 @@ void import(ImportOptions& options) {
   } else {
     printData(importHead(session, outcome) + importTable(outcome) + change.closingText());
   }
-  if (outcome.trouble) throw Trouble(*outcome.trouble);
+  if (const auto trouble = outcome.anyTrouble()) throw Trouble(*trouble);
 }
 
 }  // namespace

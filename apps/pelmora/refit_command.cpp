@@ -6,6 +6,7 @@
 #include "apps/pelmora/refit/refit_output.h"
 #include "apps/pelmora/strict_number.h"
 #include "apps/pelmora/trouble.h"
+#include "apps/pelmora/unreadable_series.h"
 
 #include <CLI/App.hpp>
 #include <nlohmann/json.hpp>
@@ -40,6 +41,20 @@ void requireSelection(const RefitOptions& options) {
   }
 }
 
+std::string placeOf(const RefitTask& task) {
+  return "'" + task.series + "' of meter '" + task.meter.SerialNumber + "', calibration " +
+         std::to_string(task.meter.ReCalID);
+}
+
+void requireRead(const std::vector<RefitResult>& results) {
+  UnreadableSeries unreadable;
+  for (const RefitResult& result : results) {
+    if (result.kind != RefitResult::Kind::unreadable) continue;
+    unreadable.add(placeOf(result.task), {ExitCode::badInput, result.reason, lookForCause});
+  }
+  unreadable.throwIfAny();
+}
+
 void requireFitted(const std::vector<RefitResult>& results) {
   const auto isMissing = [](const RefitResult& result) {
     return result.kind == RefitResult::Kind::notFitted;
@@ -68,6 +83,7 @@ void refit(RefitOptions& options) {
   summary.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
   session.progress().clear();
   printData(options.asJson ? refitJson(summary) : refitText(summary));
+  requireRead(summary.results);
   requireFitted(summary.results);
 }
 

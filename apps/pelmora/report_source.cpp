@@ -50,8 +50,7 @@ std::optional<report::PreviousSeries> previousOf(CurveSession& session,
     if (std::find(names.begin(), names.end(), series) == names.end()) continue;
     const SeriesInfo stored = session.requireSeries(meter, series).Series.front();
     if (stored.Fitted.size() < 2) continue;
-    return report::PreviousSeries{meter.ReCalID,
-                                  datesOf(calSetups(session.connection(), meter.MeterID)), stored};
+    return report::PreviousSeries{meter.ReCalID, datesOf(session.setups(meter)), stored};
   }
   return std::nullopt;
 }
@@ -64,18 +63,18 @@ report::ReportInput reportInput(CurveSession& session, const MeterInfo& meter,
   report::ReportInput input;
   input.meter = meter;
   input.meter.Series.clear();
-  input.setups = calSetups(session.connection(), meter.MeterID);
+  input.setups = session.setups(meter);
   input.database = std::filesystem::path(session.path()).filename().string();
   input.softwareVersion = version;
   input.createdAt = timeText();
   const auto earlier = earlierCalibrations(session, meter);
-  for (const std::string& name : series.empty() ? session.seriesNames(meter) : series) {
+  for (SeriesInfo& stored : session.requireAllSeries(meter, series)) {
     report::SeriesInput entry;
-    entry.stored = session.requireSeries(meter, name).Series.front();
+    entry.stored = std::move(stored);
     StoredSettings settings = settingsOfStored(session, entry.stored, unkept);
     entry.settingsAreKept = settings.areKept;
     entry.settings = std::move(settings.settings);
-    entry.previous = previousOf(session, earlier, name);
+    entry.previous = previousOf(session, earlier, entry.stored.SeriesName);
     entry.refit = refitted(session, meter, entry.stored, entry.settings);
     input.series.push_back(std::move(entry));
   }

@@ -10,6 +10,7 @@
 
 #include <pelmora/curve_settings.h>
 
+#include <algorithm>
 #include <limits>
 
 namespace pelmora::cli {
@@ -102,10 +103,15 @@ CurveSettings settingsOf(const SeriesFit& fit) {
 
 }  // namespace
 
+bool hasPointsToFit(const SeriesInfo& stored) {
+  return std::ranges::any_of(stored.Raw,
+                             [](const RawSlot& part) { return part.Points.size() > 1; });
+}
+
 void storeCurve(StoredChange& change, const MeterInfo& meter, SeriesFit& fit) {
   CurveSession& session = change.session();
   const std::string place = placeOf(meter, fit.series);
-  change.keep(history::fittedCurve(meter.MeterID, fit.seriesID));
+  change.keep(history::fittedCurve(fit.meterID, fit.seriesID));
   session.messages().forget();
   fit.isStored = session.data().SetFitted(fit.series, meter.SerialNumber, fit.merged, fit.curve,
                                           fit.report, false, meter.ReCalID);
@@ -121,7 +127,8 @@ void storeCurve(StoredChange& change, const MeterInfo& meter, SeriesFit& fit) {
 
 SeriesFit trySeries(CurveSession& session, const MeterInfo& meter, const std::string& series,
                     const FitOptions& options) {
-  return tryStored(session, meter, session.requireSeries(meter, series).Series.front(), options);
+  const MeterInfo stored = session.requireSeries(meter, series);
+  return tryStored(session, stored, stored.Series.front(), options);
 }
 
 SeriesFit tryStored(CurveSession& session, const MeterInfo& meter, const SeriesInfo& stored,
@@ -130,6 +137,7 @@ SeriesFit tryStored(CurveSession& session, const MeterInfo& meter, const SeriesI
   fit.series = stored.SeriesName;
   fit.options = options;
   fit.seriesID = stored.SeriesID;
+  fit.meterID = meter.MeterID;
   requirePoints(meter, fit, stored);
 
   fit.equations =
@@ -161,13 +169,6 @@ SeriesFit tryStored(CurveSession& session, const MeterInfo& meter, const SeriesI
                           shortAdvice(fit) + "; no curve was stored");
     return fit;
   }
-  return fit;
-}
-
-SeriesFit fitSeries(StoredChange& change, const MeterInfo& meter, const std::string& series,
-                    const FitOptions& options) {
-  SeriesFit fit = trySeries(change.session(), meter, series, options);
-  if (!fit.trouble) storeCurve(change, meter, fit);
   return fit;
 }
 

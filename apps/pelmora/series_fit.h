@@ -30,7 +30,7 @@ struct FitOptions {
 
 struct SeriesFit {
   std::string series;
-  std::int32_t seriesID = 0;
+  std::int32_t seriesID = 0, meterID = 0;
   std::array<std::size_t, 4> rawPoints{};
   FitOptions options;
   double min = 0, max = 0;  // of the predicted curve
@@ -40,8 +40,12 @@ struct SeriesFit {
   std::optional<std::string> equations;  // the text of the equation file; absent: the built-in ones
   bool isWholeRange = false;             // the curve reaches over the merged points
   bool isStored = false;
+  bool changedMeanwhile = false;   // by another program during a first fit; this is the second
   std::optional<Trouble> trouble;  // no curve: why, and what would help
 };
+
+// Whether a raw part has two points or more: the merge leaves out a part of a single point.
+[[nodiscard]] bool hasPointsToFit(const SeriesInfo& stored);
 
 // Fits the series and stores nothing. Where no equation passes, `trouble` tells why.
 //
@@ -49,18 +53,14 @@ struct SeriesFit {
 [[nodiscard]] SeriesFit trySeries(CurveSession& session, const MeterInfo& meter,
                                   const std::string& series, const FitOptions& options);
 
-// The same for a series whose raw points have been read.
+// The same for a series whose raw points have been read; `meter` as it was read with them.
 [[nodiscard]] SeriesFit tryStored(CurveSession& session, const MeterInfo& meter,
                                   const SeriesInfo& stored, const FitOptions& options);
 
-// Stores the curve of a fit and its settings in place of the old ones, which `change` keeps.
+// Stores the curve of a fit and its settings in place of the old ones, which `change` keeps. The
+// caller sees to it that the series is still as it was fitted: fitSeries of checked_fit.h does.
 //
 // Errors: Trouble database. Nothing is final before change.finish().
 void storeCurve(StoredChange& change, const MeterInfo& meter, SeriesFit& fit);
-
-// As trySeries, and stores the curve with its settings in place of the old ones, which `change`
-// keeps. Where no equation passes, these stay. Nothing is final before change.finish().
-[[nodiscard]] SeriesFit fitSeries(StoredChange& change, const MeterInfo& meter,
-                                  const std::string& series, const FitOptions& options);
 
 }  // namespace pelmora::cli

@@ -2,6 +2,7 @@
 #include "apps/pelmora/stand_import.h"
 
 #include "apps/pelmora/csv_points.h"
+#include "apps/pelmora/unreadable_series.h"
 #include "history/shared_connection.h"
 
 #include <algorithm>
@@ -115,14 +116,16 @@ std::vector<DerivedSeries> derivedSeries(CurveSession& session, const MeterInfo&
   std::vector<DerivedSeries> derived;
   for (const SeriesInfo& entry : meter.Series) {
     if (entry.SeriesID == 0) continue;
-    const MeterInfo stored = session.data().GetAllInfo(entry.SeriesName, meter.SerialNumber,
-                                                       session.connection(), meter.ReCalID);
-    if (stored.Series.empty()) continue;
-    DerivedSeries series{entry.SeriesName, entry.SeriesID, {}};
-    for (std::size_t part = 0; part < series.points.size(); ++part) {
-      series.points[part] = stored.Series.front().Raw[part].Points.size();
+    DerivedSeries series{entry.SeriesName, entry.SeriesID, {}, {}};
+    try {
+      const MeterInfo stored = session.requireSeries(meter, entry.SeriesName);
+      for (std::size_t part = 0; part < series.points.size(); ++part) {
+        series.points[part] = stored.Series.front().Raw[part].Points.size();
+      }
+    } catch (const Trouble& trouble) {
+      series.trouble = trouble;
     }
-    derived.push_back(series);
+    derived.push_back(std::move(series));
   }
   return derived;
 }
@@ -133,14 +136,21 @@ MeterInfo targetMeter(CurveSession& session, const ImportRequest& request) {
   MeterInfo meter = request.reCalID < 0 ? session.findMeter(request.meter, -1)
                                         : session.requireMeter(request.meter, request.reCalID);
   if (meter.Source == 1)
-    requireRoom(request.newCalibration ? std::vector<CalSetupInfo>()
-                                       : calSetups(session.connection(), meter.MeterID),
+    requireRoom(request.newCalibration ? std::vector<CalSetupInfo>() : session.setups(meter),
                 request);
   if (meter.Source != 1) requireRoom({}, request);
   return meter;
 }
 
 }  // namespace
+
+std::optional<Trouble> ImportOutcome::anyTrouble() const {
+  UnreadableSeries unreadable;
+  for (const DerivedSeries& derived : series) {
+    if (derived.trouble) unreadable.add("'" + derived.name + "'", *derived.trouble);
+  }
+  return trouble ? trouble : unreadable.trouble();
+}
 
 ImportOutcome importRuns(StoredChange& change, const ImportRequest& request) {
   CurveSession& session = change.session();
@@ -181,7 +191,7 @@ ImportOutcome importRuns(StoredChange& change, const ImportRequest& request) {
   }
   outcome.trouble = importTrouble(messages.errors(), request);
   messages.forget();
-  outcome.setups = calSetups(session.connection(), outcome.meter.MeterID);
+  outcome.setups = session.setups(outcome.meter);
   outcome.series = derivedSeries(session, outcome.meter);
   return outcome;
 }

@@ -26,6 +26,7 @@ struct DerivedSeries {
   std::string name;
   std::int32_t seriesID = 0;
   std::array<std::size_t, 4> points{};  // of raw parts 1 to 4
+  std::optional<Trouble> trouble;       // the series cannot be read; `points` says nothing then
 };
 
 struct ImportOutcome {
@@ -35,6 +36,9 @@ struct ImportOutcome {
   std::vector<DerivedSeries> series;
   std::vector<std::string> notes;  // what was left out, and why
   std::optional<Trouble> trouble;  // an import that did not end well; what there is stands above
+
+  // Badly imported or with series that cannot be read; nothing where all is well.
+  [[nodiscard]] std::optional<Trouble> anyTrouble() const;
 };
 
 // An unknown meter is registered; runs of a fluid that the meter has already replace that run.

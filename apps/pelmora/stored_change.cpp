@@ -35,6 +35,7 @@ StoredChange::StoredChange(CurveSession& session, std::string command, bool isDr
 
 void StoredChange::begin() {
   if (kept_) return;
+  if (beforeLock) beforeLock();
   asDatabaseTrouble("'" + session_.path() + "' cannot be written now", [&] {
     kept_ = std::make_unique<history::KeptChange>(session_.connection(), note_);
   });

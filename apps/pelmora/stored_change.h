@@ -9,6 +9,7 @@
 #include <nlohmann/json_fwd.hpp>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -19,6 +20,10 @@ class StoredChange {
  public:
   // A dry run does everything and undoes it in the end.
   StoredChange(CurveSession& session, std::string command, bool isDryRun);
+
+  // Called by begin() just before it takes the lock: lets a test change the database behind the
+  // command's back.
+  std::function<void()> beforeLock;
 
   // From here on changes belong together, also those of the component's operations. Does nothing
   // the second time.
@@ -35,6 +40,8 @@ class StoredChange {
   // Errors: Trouble database; nothing is changed then.
   void finish();
 
+  // Whether nobody else can write: from begin() to finish().
+  [[nodiscard]] bool hasBegun() const { return kept_ != nullptr; }
   [[nodiscard]] bool isDryRun() const { return isDryRun_; }
   [[nodiscard]] CurveSession& session() { return session_; }
   // Between begin() and finish().

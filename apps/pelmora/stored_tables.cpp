@@ -23,14 +23,9 @@ struct Calibration {
 std::vector<Calibration> calibrations(CurveSession& session) {
   std::vector<Calibration> list;
   for (const std::string& serialNumber : session.serialNumbers()) {
-    bool isEmpty = true;
-    std::vector<std::int16_t> numbers;
-    const auto adjusted = session.data().MetersAdjusted(serialNumber, isEmpty, numbers);
-    for (std::size_t i = 0; !isEmpty && i < adjusted.size(); ++i) {
-      MeterInfo meter;
-      meter.SerialNumber = serialNumber;
-      meter.ReCalID = numbers[i];
-      list.push_back({serialNumber, adjusted[i], numbers[i], session.seriesNames(meter)});
+    for (const MeterInfo& meter : session.calibrationsOf(serialNumber)) {
+      list.push_back(
+          {serialNumber, meter.SerialNumberAdjusted, meter.ReCalID, session.seriesNames(meter)});
     }
   }
   return list;
@@ -43,14 +38,6 @@ std::string equationOf(const std::string& report) {
   if (at == std::string::npos || report.find(label, at + 1) != std::string::npos) return {};
   const std::size_t begin = at + label.size();
   return report.substr(begin, report.find_first_of("\r\n", begin) - begin);
-}
-
-std::vector<SeriesInfo> storedSeries(CurveSession& session, const MeterInfo& meter) {
-  std::vector<SeriesInfo> list;
-  for (const std::string& name : session.seriesNames(meter)) {
-    list.push_back(session.requireSeries(meter, name).Series.front());
-  }
-  return list;
 }
 
 std::string countText(std::size_t count) { return count == 0 ? "-" : std::to_string(count); }
@@ -108,9 +95,9 @@ std::string metersJson(CurveSession& session) {
 std::string meterContentsText(CurveSession& session, const MeterInfo& meter) {
   std::string text = wrapped(headText(meter) + ", in " + session.path(), 0);
   ImportOutcome runs;
-  runs.setups = calSetups(session.connection(), meter.MeterID);
+  runs.setups = session.setups(meter);
   if (!runs.setups.empty()) text += "\n" + importTable(runs);
-  const auto list = storedSeries(session, meter);
+  const auto list = session.requireAllSeries(meter, {});
   if (list.empty()) return text + "\nNo series is stored for it yet.\n";
   TextTable table({{"Series", Align::left},
                    {"Raw 1", Align::right},
@@ -134,7 +121,7 @@ std::string meterContentsText(CurveSession& session, const MeterInfo& meter) {
 
 std::string meterContentsJson(CurveSession& session, const MeterInfo& meter) {
   json series = json::array();
-  for (const SeriesInfo& stored : storedSeries(session, meter)) {
+  for (const SeriesInfo& stored : session.requireAllSeries(meter, {})) {
     const std::string equation = equationOf(stored.Summary);
     series.push_back({{"name", stored.SeriesName},
                       {"seriesId", stored.SeriesID},
@@ -145,7 +132,7 @@ std::string meterContentsJson(CurveSession& session, const MeterInfo& meter) {
   }
   return jsonText({{"database", session.path()},
                    {"meter", meterJson(meter)},
-                   {"setups", setupsJson(calSetups(session.connection(), meter.MeterID))},
+                   {"setups", setupsJson(session.setups(meter))},
                    {"series", series}});
 }
 

@@ -33,6 +33,9 @@ class Trouble : public std::runtime_error {
 // "pelmora: error: what; remedy", without a line end.
 [[nodiscard]] std::string errorLine(const Trouble& trouble);
 
+// The remedy where stored data cannot be read.
+inline constexpr const char* lookForCause = "look for the cause with 'pelmora doctor'";
+
 // An error of a database that was opened or asked.
 [[nodiscard]] Trouble databaseTrouble(const std::string& doing, const Error& error);
 

@@ -22,7 +22,7 @@ struct Entry {
   Scope Kept;
   std::map<std::string, std::size_t> Rows;  // kept, by table; no tables without rows
 
-  [[nodiscard]] std::size_t rowsOf(const std::string& table) const;
+  [[nodiscard]] PELMORA_API std::size_t rowsOf(const std::string& table) const;
 };
 
 struct EntryFilter {

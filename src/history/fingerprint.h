@@ -4,6 +4,8 @@
 
 #include "history/scope.h"
 
+#include <pelmora/export.h>
+
 #include <cstdint>
 
 namespace pelmora::history {
@@ -14,12 +16,13 @@ namespace pelmora::history {
 // kept.
 //
 // Errors: Error where a table cannot be read.
-[[nodiscard]] std::uint64_t fingerprint(const ConnectionPtr& curves, const Scope& scope);
+[[nodiscard]] PELMORA_API std::uint64_t fingerprint(const ConnectionPtr& curves,
+                                                    const Scope& scope);
 
 // What a fit of the series depends on: the calibration and the series by name and id, and its raw
 // parts.
-[[nodiscard]] Scope fittedPoints(std::int32_t MeterID, std::int32_t SeriesID);
+[[nodiscard]] PELMORA_API Scope fittedPoints(std::int32_t MeterID, std::int32_t SeriesID);
 // The same and the curve, merged points, report and settings of the last fit.
-[[nodiscard]] Scope fittedPointsAndCurve(std::int32_t MeterID, std::int32_t SeriesID);
+[[nodiscard]] PELMORA_API Scope fittedPointsAndCurve(std::int32_t MeterID, std::int32_t SeriesID);
 
 }  // namespace pelmora::history

@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <sys/wait.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -95,11 +96,14 @@ class CommandTest : public testing::Test {
   [[nodiscard]] CommandResult run(const Arguments& arguments, const std::string& redirects) const {
     std::string line = quoted(PELMORA_PROGRAM);
     for (const std::string& argument : arguments) line += " " + quoted(argument);
-    const std::string output = scratch.file("stdout.txt");
+    // A file of its own: a test may run a command while another one waits.
+    const std::string output = scratch.file("stdout" + std::to_string(++calls_) + ".txt");
     line += " >" + quoted(output) + redirects;
     const int status = std::system(line.c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentsOf(output), {}};
   }
+  mutable std::atomic<int> calls_ = 0;
+
   static std::string quoted(const std::string& text) {
     std::string result = "'";
     for (const char c : text) result += c == '\'' ? std::string("'\\''") : std::string(1, c);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
@@ -42,6 +43,11 @@ class BoundedQueue {
     values_.pop_front();
     hasRoom_.notify_one();
     return value;
+  }
+  // Whether receive() would not wait; waits for that until `end`.
+  bool isReadyBefore(std::chrono::steady_clock::time_point end) {
+    std::unique_lock lock(mutex_);
+    return hasValue_.wait_until(lock, end, [&] { return senders_ == 0 || !values_.empty(); });
   }
   // The receiver will read no more.
   void stop() {

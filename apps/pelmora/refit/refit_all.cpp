@@ -2,9 +2,11 @@
 #include "apps/pelmora/refit/refit_all.h"
 
 #include "apps/pelmora/refit/bounded_queue.h"
+#include "apps/pelmora/refit/refit_task.h"
 #include "apps/pelmora/refit/refit_worker.h"
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
 #include <mutex>
 #include <thread>
@@ -14,12 +16,38 @@ namespace {
 
 // Curves in one transaction: enough that its end, which waits for the disk, costs little each; few
 // enough that what it changes stays in memory until then.
-constexpr std::size_t portion = 100;
+constexpr std::size_t mostCurves = 100;
+// For as long others wait who want to write; then they get their turn.
+constexpr std::chrono::seconds longestPortion{1};
 // Curves that wait to be stored, for each thread.
 constexpr std::size_t waitingCurves = 8;
 
 void addTasks(CurveSession& session, const MeterInfo& meter, std::vector<RefitTask>& tasks) {
-  for (const std::string& name : session.seriesNames(meter)) tasks.push_back({meter, name});
+  try {
+    for (const std::string& name : session.seriesNames(meter)) tasks.push_back({meter, name, {}});
+  } catch (const Trouble& trouble) {
+    if (trouble.code() != ExitCode::badInput) throw;
+    tasks.push_back({meter, "", trouble});
+  }
+}
+
+// The calibrations of all meters. One that cannot be looked up becomes a task with the reason; one
+// that has just been deleted none.
+void addAllTasks(CurveSession& session, std::vector<RefitTask>& tasks) {
+  for (const std::string& serialNumber : session.serialNumbers()) {
+    MeterInfo meter;
+    meter.SerialNumber = serialNumber;
+    try {
+      for (const std::int16_t number : session.calibrations(serialNumber)) {
+        meter.ReCalID = number;
+        addTasks(session, session.requireMeter(serialNumber, number), tasks);
+      }
+    } catch (const Trouble& trouble) {
+      if (trouble.code() == ExitCode::unknownName) continue;
+      if (trouble.code() != ExitCode::badInput) throw;
+      tasks.push_back({meter, "", trouble});
+    }
+  }
 }
 
 // The threads that fit. They end before the object does, also where storing fails.
@@ -56,10 +84,35 @@ class Workers {
   std::vector<std::jthread> threads_;
 };
 
-void finish(StoredChange& change, RefitWork& work) {
-  const std::lock_guard alone(work.file);
-  change.finish();
-}
+// What is stored in one transaction.
+class Portion {
+ public:
+  Portion(StoredChange& change, RefitWork& work) : change_(change), work_(work) {}
+
+  void store(RefitCurve& curve) {
+    if (curves_++ == 0) end_ = Clock::now() + longestPortion;
+    storeTask(change_, work_.request, curve);
+  }
+  // Finishes it where it is large, lasts long, or would last long for want of a next curve.
+  void finishInTime() {
+    if (curves_ == 0) return;
+    if (curves_ < mostCurves && Clock::now() < end_ && work_.queue.isReadyBefore(end_)) return;
+    finish();
+  }
+  void finish() {
+    const std::lock_guard alone(work_.file);
+    change_.finish();
+    curves_ = 0;
+  }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  StoredChange& change_;
+  RefitWork& work_;
+  std::size_t curves_ = 0;
+  Clock::time_point end_;
+};
 
 }  // namespace
 
@@ -71,15 +124,11 @@ std::vector<RefitTask> refitTasks(CurveSession& session, const std::string& mete
     if (series.empty()) addTasks(session, one, tasks);
     for (const std::string& name : series) {
       (void)session.requireSeriesID(one, name);
-      tasks.push_back({one, name});
+      tasks.push_back({one, name, {}});
     }
     return tasks;
   }
-  for (const std::string& serialNumber : session.serialNumbers()) {
-    for (const std::int16_t number : session.calibrations(serialNumber)) {
-      addTasks(session, session.requireMeter(serialNumber, number), tasks);
-    }
-  }
+  addAllTasks(session, tasks);
   return tasks;
 }
 
@@ -90,21 +139,15 @@ std::vector<RefitResult> refitAll(StoredChange& change, const RefitRequest& requ
                  .queue{waitingCurves * request.threads, request.threads},
                  .file{}};
   Workers workers(work);
-  std::size_t done = 0, inPortion = 0;
+  Portion portion(change, work);
+  std::size_t done = 0;
   while (auto curve = workers.next()) {
-    if (!curve->fit.curve.empty() && !curve->isSame) {
-      storeCurve(change, curve->result.task.meter, curve->fit);
-      curve->result.isStored = curve->fit.isStored;
-      ++inPortion;
-    }
-    if (inPortion == portion) {
-      finish(change, work);
-      inPortion = 0;
-    }
+    if (curve->isToBeStored()) portion.store(*curve);
     results[curve->index] = std::move(curve->result);
     change.session().progress().count("Refitting", ++done, results.size());
+    portion.finishInTime();
   }
-  finish(change, work);
+  portion.finish();
   return results;
 }
 

@@ -20,12 +20,19 @@ std::size_t countOf(const RefitSummary& summary, Kind kind) {
   return static_cast<std::size_t>(std::ranges::count(summary.results, kind, &RefitResult::kind));
 }
 
+std::size_t changedMeanwhile(const RefitSummary& summary) {
+  return static_cast<std::size_t>(
+      std::ranges::count_if(summary.results, &RefitResult::changedMeanwhile));
+}
+
 std::string wordOf(Kind kind) {
   switch (kind) {
     case Kind::changed: return "changed";
     case Kind::kept: return "kept";
     case Kind::added: return "added";
     case Kind::notFitted: return "notFitted";
+    case Kind::unreadable: return "unreadable";
+    case Kind::gone: return "gone";
     default: return "unusable";
   }
 }
@@ -69,7 +76,8 @@ std::string changedTable(const RefitSummary& summary) {
 }
 
 std::string missingTable(const RefitSummary& summary) {
-  const auto missing = resultsOf(summary, {Kind::notFitted, Kind::unusable});
+  const auto missing =
+      resultsOf(summary, {Kind::notFitted, Kind::unusable, Kind::unreadable, Kind::gone});
   if (missing.empty()) return "";
   TextTable table(
       {{"Meter"}, {"Cal.", TextTable::Align::right}, {"Series"}, {"Why there is no new curve"}});
@@ -99,6 +107,13 @@ std::string refitText(const RefitSummary& summary) {
   text += countLine(countOf(summary, Kind::added), "without a curve before");
   text += countLine(countOf(summary, Kind::notFitted), "not fitted: the curve of before stays");
   text += countLine(countOf(summary, Kind::unusable), "without raw points to fit");
+  text += countLine(countOf(summary, Kind::unreadable), "that cannot be read");
+  text += countLine(countOf(summary, Kind::gone), "deleted meanwhile");
+  if (const std::size_t again = changedMeanwhile(summary); again > 0) {
+    text += wrapped("Another program changed " + std::to_string(again) +
+                        " of these meanwhile; they were fitted again as they are now.",
+                    0);
+  }
   text += changedTable(summary) + missingTable(summary);
   const bool isStored = std::ranges::any_of(summary.results, &RefitResult::isStored);
   if (summary.isDryRun) return text + "\nDry run: nothing was changed.\n";
@@ -111,13 +126,15 @@ std::string refitJson(const RefitSummary& summary) {
   nlohmann::json value{
       {"database", summary.database},       {"seconds", summary.seconds},
       {"threads", summary.request.threads}, {"changedPercent", summary.request.changedPercent},
-      {"dryRun", summary.isDryRun},         {"series", nlohmann::json::array()}};
+      {"dryRun", summary.isDryRun},         {"changedMeanwhile", changedMeanwhile(summary)},
+      {"series", nlohmann::json::array()}};
   for (const RefitResult& result : summary.results) {
     nlohmann::json entry = {{"meter", result.task.meter.SerialNumber},
                             {"calibration", result.task.meter.ReCalID},
                             {"series", result.task.series},
                             {"outcome", wordOf(result.kind)},
-                            {"stored", result.isStored && !summary.isDryRun}};
+                            {"stored", result.isStored && !summary.isDryRun},
+                            {"changedMeanwhile", result.changedMeanwhile}};
     if (!result.equation.empty()) entry["equation"] = result.equation;
     if (!result.reason.empty()) entry["reason"] = result.reason;
     const bool isCompared = result.kind == Kind::changed || result.kind == Kind::kept;

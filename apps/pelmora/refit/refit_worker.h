@@ -3,7 +3,7 @@
 #pragma once
 
 #include "apps/pelmora/refit/bounded_queue.h"
-#include "apps/pelmora/refit/refit_all.h"
+#include "apps/pelmora/refit/refit_task.h"
 
 #include <atomic>
 #include <cstddef>
@@ -11,14 +11,6 @@
 #include <string>
 
 namespace pelmora::cli {
-
-// A result with what is to be stored.
-struct RefitCurve {
-  std::size_t index = 0;  // of the task
-  RefitResult result;
-  SeriesFit fit;        // without a curve where none came out
-  bool isSame = false;  // curve, merged points and report are those that are stored
-};
 
 // What the threads of a refit have in common.
 struct RefitWork {
@@ -32,9 +24,8 @@ struct RefitWork {
 };
 
 // Takes tasks one by one and sends what became of each; ends when all are taken or nobody receives.
-// What is wrong with one series is its result's reason.
 //
-// Errors: Trouble where the database cannot be opened or read.
+// Errors: Trouble where the database cannot be opened or used.
 void fitTasks(RefitWork& work);
 
 }  // namespace pelmora::cli
