@@ -10,6 +10,7 @@
 #include "report/series_plot.h"
 #include "report/sha256.h"
 #include "report/svg_report.h"
+#include "report/text_list.h"
 #include "report/verdict_words.h"
 
 #include <algorithm>
@@ -18,12 +19,6 @@ namespace pelmora::report {
 namespace {
 
 bool hasScripts() { return !packedScript().empty(); }
-
-std::string joined(const std::vector<std::string>& texts) {
-  std::string result;
-  for (const std::string& text : texts) result += (result.empty() ? "" : ", ") + text;
-  return result;
-}
 
 // Each text once.
 template <class Member>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "report/report_tables.h"
 
+#include "report/text_list.h"
 #include "report/verdict_words.h"
 
 #include <cmath>
@@ -14,13 +15,7 @@ Value number(const std::optional<double>& value) { return value ? number(*value)
 Value whole(std::int64_t value) { return value; }
 Value text(const std::string& value) { return value.empty() ? Value() : Value(value); }
 
-std::string joined(const std::vector<std::string>& texts) {
-  std::string result;
-  for (const std::string& entry : texts) result += (result.empty() ? "" : ", ") + entry;
-  return result;
-}
-
-ReportTable calibration(const Report& report) {
+ReportTable calibrationTable(const Report& report) {
   const MeterInfo& meter = report.meter;
   return {"calibration",
           {"serialNumber", "serialNumberAdjusted", "calibration", "database", "softwareVersion",
@@ -30,7 +25,7 @@ ReportTable calibration(const Report& report) {
             text(report.rawDataHash)}}};
 }
 
-ReportTable setups(const Report& report) {
+ReportTable setupsTable(const Report& report) {
   ReportTable table{
       "setups", {"part", "fluid", "jobs", "operator", "date", "stand", "position", "count"}, {}};
   for (std::size_t k = 0; k < report.setups.size(); ++k) {
@@ -175,9 +170,10 @@ ReportTable reports(const Report& report) {
 }  // namespace
 
 std::vector<ReportTable> reportTables(const Report& report) {
-  return {calibration(report), setups(report),    seriesTable(report), points(report),
-          curve(report),       equations(report), parameters(report),  warnings(report),
-          shifts(report),      reports(report)};
+  return {calibrationTable(report), setupsTable(report), seriesTable(report),
+          points(report),           curve(report),       equations(report),
+          parameters(report),       warnings(report),    shifts(report),
+          reports(report)};
 }
 
 }  // namespace pelmora::report

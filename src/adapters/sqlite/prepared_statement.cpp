@@ -64,4 +64,9 @@ void PreparedStatement::reset() { sqlite3_reset(get()); }
 
 void PreparedStatement::forgetValues() { sqlite3_clear_bindings(get()); }
 
+std::string textAt(const PreparedStatement& statement, int column) {
+  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement.get(), column));
+  return text == nullptr ? std::string() : std::string(text);
+}
+
 }  // namespace pelmora::sqlite

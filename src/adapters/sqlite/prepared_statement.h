@@ -43,4 +43,7 @@ class PreparedStatement {
   std::unique_ptr<sqlite3_stmt, Finalize> statement_;
 };
 
+// A column of the row that was stepped to, as text; an empty one for null.
+[[nodiscard]] std::string textAt(const PreparedStatement& statement, int column);
+
 }  // namespace pelmora::sqlite

@@ -16,11 +16,6 @@
 namespace pelmora::sqlite {
 namespace {
 
-std::string textAt(const PreparedStatement& statement, int column) {
-  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement.get(), column));
-  return text == nullptr ? std::string() : std::string(text);
-}
-
 // "table raw1", "index raw1_series" by the page at which they begin.
 std::map<std::string, std::string> treesOf(sqlite3* database) {
   std::map<std::string, std::string> trees;

@@ -17,11 +17,6 @@ namespace {
 constexpr std::array<std::string_view, 8> parts{
     "raw1", "raw2", "raw3", "raw4", "merge", "curve", "DataFitResults", "pelmora_fit_settings"};
 
-std::string textAt(const PreparedStatement& statement, int column) {
-  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement.get(), column));
-  return text == nullptr ? std::string() : std::string(text);
-}
-
 std::uint64_t countAt(const PreparedStatement& statement, int column) {
   return static_cast<std::uint64_t>(sqlite3_column_int64(statement.get(), column));
 }

@@ -38,11 +38,6 @@ std::optional<SchemaRow> schemaRow(const Record& record, PageNumber pages) {
   return SchemaRow{*type, *name, *table, *sql, static_cast<PageNumber>(*root)};
 }
 
-std::string textAt(const PreparedStatement& statement, int column) {
-  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement.get(), column));
-  return text == nullptr ? std::string() : std::string(text);
-}
-
 // Rows of the schema, by name. A name with two different rows stands for nothing.
 class SchemaRows {
  public:

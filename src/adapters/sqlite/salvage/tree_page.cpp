@@ -97,9 +97,9 @@ class PageReader {
   }
 
   bool isFilledExactly() {
-    constexpr std::size_t largestPage = 65536;
+    constexpr std::size_t wholePage = 65536;
     std::size_t end = twoBytes(page_, header_ + 5);
-    if (end == 0) end = largestPage;
+    if (end == 0) end = wholePage;
     if (end < begin_ || end > page_.size()) return false;
     std::sort(extents_.begin(), extents_.end(),
               [](const Extent& a, const Extent& b) { return a.begin < b.begin; });
