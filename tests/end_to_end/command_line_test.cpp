@@ -106,7 +106,7 @@ TEST_F(command_line, asks_nothing_at_a_terminal_that_wants_no_input) {
   terminal.type("yes\n");
   const CommandResult result =
       runAt(terminal, {"delete", curves, "--meter", "P", "--series", "S", "--no-input"});
-  EXPECT_EQ(result.exitCode, 8) << result.error;
+  EXPECT_EQ(result.exitCode, 2) << result.error;
   EXPECT_EQ(
       done({"show", curves, "--meter", "P", "--series", "S", "--json"}).json()["raw"][0].size(),
       2U);
