@@ -2,50 +2,85 @@
 #include "component/clsDataFit.h"
 
 #include "base/file_text.h"
+#include "base/number_text.h"
 #include "base/run_time_error.h"
 #include "base/utf8_text.h"
-#include "curves/curve_checks.h"
-#include "curves/outcome_details.h"
+#include "component/sort_watch.h"
+#include "ui/message_box.h"
 
-#include <filesystem>
+#include <memory>
+#include <utility>
 
 namespace pelmora {
+namespace {
 
-using namespace calibration;
+void showRunError(const Error& error, const std::string& equation) {
+  const bool noEngine = error.number() == static_cast<std::int32_t>(RunTimeError::noEngine);
+  const std::string text =
+      noEngine ? "Error 429: ActiveX component can't create object. The DataFitX component must be "
+                 "installed and registered to run this sample."
+               : "Error in clsDataFit:fitCurve " + numberText(error.number()) + ": " + error.what();
+  standardMessageBox(text, box_style::critical,
+                     noEngine ? "Error" : "Error in Equation " + equation);
+}
+
+}  // namespace
 
 clsDataFit::clsDataFit(Platform& platform) : platform_(platform) {
-  if (LoadEquations().empty()) {
-    equations_ = builtInEquations();
-    resetSlots();
-  }
-  labels_ = {"Roshko", "Strouhal"};
+  if (LoadEquations().empty()) fit_.useEquations(steps::builtInEquations());
 }
 
 std::string clsDataFit::LoadEquations() {
-  const auto path = filePath(platform_.componentFolder) / equationFileName(RatioCurve);
+  const auto path = filePath(platform_.componentFolder) / steps::equationFileName(RatioCurve);
   if (!fileExists(path)) return {};
-  EquationFile file = parseEquationFile(utf8FromAnsi(readWholeFile(path)));
+  steps::EquationFile file = steps::parseEquationFile(utf8FromAnsi(readWholeFile(path)));
   if (file.text.empty()) return {};  // as good as missing
-  equations_ = std::move(file.equations);
-  resetSlots();
+  fit_.useEquations(std::move(file.equations));
   return file.text;
 }
 
-void clsDataFit::resetSlots() {
-  slots_ = std::vector<Slot>(equations_.size());
-  for (std::size_t i = 0; i < slots_.size(); ++i) {
-    slots_[i].outcome.Name = equations_[i].name;
-    slots_[i].outcome.Expression = equations_[i].expression;
+PointArray clsDataFit::fitCurve(const PointArray& points, bool& ArrayIsEmpty, double Predicted_Xmin,
+                                double Predicted_Xmax, const std::string& Label_Xaxis,
+                                const std::string& Label_Yaxis) {
+  PointArray curve;
+  ArrayIsEmpty = true;
+  bool running = false;
+  try {
+    const steps::Observer watching = observer();
+    std::shared_ptr<FitEngine> engine =
+        platform_.createFitEngine ? platform_.createFitEngine() : nullptr;
+    running = true;
+    fit_.run({points,
+              Predicted_Xmin,
+              Predicted_Xmax,
+              {Label_Xaxis, Label_Yaxis},
+              std::move(engine),
+              &platform_.componentFolder},
+             *this, watching);
+    findBestFit(watching);
+    if (const FitModel* chosen = fit_.model()) {
+      curve = fit_.curve();
+      ArrayIsEmpty = false;
+      raise("Determined bestfit equation: " + chosen->Definition.Name);
+    } else {
+      raise("All equations failed to fit the data");
+    }
+  } catch (...) {
+    fit_.discard();
+    ArrayIsEmpty = true;
+    curve = PointArray();
+    showRunError(currentError(), running ? fit_.currentEquation() : std::string());
   }
-  ranking_.assign(equations_.size(), 0);
+  return curve;
 }
 
-const clsDataFit::Slot* clsDataFit::chosenSlot() const {
-  if (failed_ || !hasChosen()) return nullptr;
-  const auto index = static_cast<std::size_t>(ranking_.back());
-  // A ranking that no selection went through names equations that were never accepted.
-  const bool accepted = index < slots_.size() && slots_[index].dataResult;
-  return accepted ? &slots_[index] : nullptr;
+void clsDataFit::findBestFit(const steps::Observer& observer) {
+  try {
+    fit_.select(platform_.createBandTester, *this, observer);
+  } catch (...) {
+    standardMessageBox(std::string("Error in clsDataFit:findBestFit") + currentError().what(),
+                       box_style::critical, "");
+  }
 }
 
 const ModelDefinition* clsDataFit::dfxModelDefinition() const {
@@ -53,51 +88,24 @@ const ModelDefinition* clsDataFit::dfxModelDefinition() const {
   return model != nullptr ? &model->Definition : nullptr;
 }
 
-const FitModel* clsDataFit::dfxModel() const {
-  const Slot* slot = chosenSlot();
-  return slot != nullptr ? slot->model.get() : nullptr;
-}
-
-const FitData* clsDataFit::DataResult() const {
-  const Slot* slot = chosenSlot();
-  return slot != nullptr ? slot->dataResult.get() : nullptr;
-}
-
 double clsDataFit::ResultArray() const {
-  if (chosenSlot() != nullptr) throw makeError(RunTimeError::typeMismatch);
+  if (fit_.predicted() != nullptr) throw makeError(RunTimeError::typeMismatch);
   return 0;
 }
 
-std::string clsDataFit::ResultDetails() const {
-  if (failed_) return {};
-  if (const Slot* slot = chosenSlot()) return slot->details;
-  std::string all;
-  for (const Slot& slot : slots_) {
-    all += slot.details + "\r\n================================\r\n";
-  }
-  return all;
-}
-
-FitOutcome clsDataFit::outcome() const {
-  FitOutcome outcome;
-  for (const Slot& slot : slots_) outcome.Equations.push_back(slot.outcome);
-  const Slot* chosen = chosenSlot();
-  if (chosen == nullptr) return outcome;
-  outcome.Chosen = static_cast<std::size_t>(ranking_.back());
-  const std::vector<double>& x = chosen->dataResult->Columns[0];
-  const std::vector<double>& y = chosen->dataResult->Columns[1];
-  try {
-    describeBands(*chosen->model, x, outcome);
-    outcome.Warnings =
-        checkCurve({*chosen->model, chosen->outcome.Statistics, chosen->outcome.Parameters.size(),
-                    data_->Columns[0], x, y, BandPercent});
-  } catch (...) {  // an engine that cannot look closer at its curve has fitted it all the same
-  }
-  return outcome;
-}
+// Handlers are copied before they are called: a handler may replace itself.
 
 void clsDataFit::raise(const std::string& message) const {
   if (auto handler = StatusUpdate) handler(message);
+}
+
+steps::Observer clsDataFit::observer() const {
+  SortWatch sorting = hostsSortWatch();
+  return {[this](const std::string& text) { raise(text); },
+          [this](std::int16_t finished, std::int16_t of) {
+            if (auto handler = Progress) handler(finished, of);
+          },
+          std::move(sorting.breathe), std::move(sorting.failed)};
 }
 
 }  // namespace pelmora

@@ -2,8 +2,7 @@
 // fit. SPDX-License-Identifier: MIT
 #pragma once
 
-#include "calibration/steps/equation_catalogue.h"
-#include "calibration/steps/fit_report.h"
+#include "calibration/steps/catalogue_fit.h"
 
 #include <pelmora/error.h>
 #include <pelmora/fit_outcome.h>
@@ -12,25 +11,20 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
 namespace pelmora {
 
-using calibration::Equation;
+using steps::Equation;
 
-class clsDataFit {
+// A CatalogueFit with its boxes, its events and the equation files of a platform's folder. The
+// settings are those of the next run and reach one that is running.
+class clsDataFit : public steps::CatalogueSettings {
  public:
   // Loads the equation file of the platform's component folder, or the built-in list where there is
   // none. Errors: Error 75 where a file exists and cannot be read.
   explicit clsDataFit(Platform& platform);
-
-  // Settings of the next run.
-  float BandPercent = 0;
-  std::int16_t NumberOfFittedPoints = 0;
-  std::string MeterSerialNumber, SeriesName;
-  bool RatioCurve = false, IgnoreResiduals = false;
 
   // Events.
   std::function<void(std::int16_t finishedStep, std::int16_t maxSteps)> Progress;
@@ -39,7 +33,7 @@ class clsDataFit {
   // Loads the equation file that fits RatioCurve; returns its cleaned text. Without a file the text
   // is empty and the catalogue stays as it is.
   std::string LoadEquations();
-  [[nodiscard]] const std::vector<Equation>& equations() const { return equations_; }
+  [[nodiscard]] const std::vector<Equation>& equations() const { return fit_.equations(); }
 
   // Fits every equation to the points, from the last of the catalogue to the first, up to one with
   // R2 >= 0.9999, and selects the best. Returns its curve at NumberOfFittedPoints x values spaced
@@ -53,56 +47,24 @@ class clsDataFit {
 
   // Of the chosen equation; null where none is.
   [[nodiscard]] const ModelDefinition* dfxModelDefinition() const;
-  [[nodiscard]] const FitModel* dfxModel() const;
-  [[nodiscard]] const FitData* DataResult() const;
+  [[nodiscard]] const FitModel* dfxModel() const { return fit_.model(); }
+  [[nodiscard]] const FitData* DataResult() const { return fit_.predicted(); }
   // Report of the chosen equation, or the reports of all. Empty after a run that ended in its error
   // box.
-  [[nodiscard]] std::string ResultDetails() const;
+  [[nodiscard]] std::string ResultDetails() const { return fit_.details(); }
   // 0 where no equation is chosen. Errors: Error 13 otherwise: a curve is no number.
   [[nodiscard]] double ResultArray() const;
   // Equation indices that passed, the chosen one last; a single -1 where none did.
-  [[nodiscard]] const std::vector<std::int16_t>& ranking() const { return ranking_; }
-  [[nodiscard]] FitOutcome outcome() const;
+  [[nodiscard]] const std::vector<std::int16_t>& ranking() const { return fit_.ranking(); }
+  [[nodiscard]] FitOutcome outcome() const { return fit_.outcome(BandPercent); }
 
  private:
-  // What a run leaves for one equation.
-  struct Slot {
-    std::shared_ptr<FitEngine> engine;  // outlives its model
-    std::unique_ptr<FitModel> model;
-    std::string details;
-    PointArray result;
-    std::unique_ptr<FitData> dataResult;
-    EquationOutcome outcome;
-  };
-  struct Run;  // the arguments of one run
-
-  void resetSlots();
-  [[nodiscard]] bool hasChosen() const { return !ranking_.empty() && ranking_.front() != -1; }
-  [[nodiscard]] const Slot* chosenSlot() const;
   void raise(const std::string& message) const;
-
-  // The run, in fit_run.cpp.
-  void runEquations(const Run& run);
-  bool fitEquation(const Run& run, std::size_t index);
-  std::vector<double> scanResiduals(Slot& slot) const;
-  void acceptSolution(const Run& run, std::size_t index);
-  [[nodiscard]] bool endsRun(const Slot& slot) const;
-  void showRunError(const Error& error) const;
-
-  // The selection, in best_fit.cpp.
-  void findBestFit();
-  void rankEquations();
-  bool passesTests(BandTester& tester, Slot& slot);
+  [[nodiscard]] steps::Observer observer() const;
+  void findBestFit(const steps::Observer& observer);
 
   Platform& platform_;
-  std::vector<Equation> equations_;
-  std::vector<Slot> slots_;
-  std::vector<std::int16_t> ranking_;
-  calibration::FitLabels labels_;
-  std::string rawListing_;
-  std::shared_ptr<const FitData> data_;
-  std::string currentEquation_;
-  bool failed_ = false;
+  steps::CatalogueFit fit_;
 };
 
 }  // namespace pelmora

@@ -2,28 +2,20 @@
 #include "component/fit_orchestration.h"
 
 #include "base/number_text.h"
-#include "component/consolidate_raw.h"
+#include "calibration/steps/raw_points.h"
+#include "component/merging.h"
 #include "component/start_fit.h"
-#include "component/raw_series.h"
+#include "component/raw_points.h"
 #include "component/lookups.h"
 #include "component/operation_connection.h"
 #include "ui/message_box.h"
 
 #include <array>
 #include <optional>
+#include <utility>
 
 namespace pelmora {
 namespace {
-
-struct RawPart {
-  const char* table;
-  const char* sortingText;  // hosts know the small r of the first
-};
-constexpr std::array<RawPart, 4> rawParts{{{"raw1", "Sorting raw1 data in series "},
-                                           {"raw2", "Sorting Raw2 data in series "},
-                                           {"raw3", "Sorting Raw3 data in series "},
-                                           {"raw4", "Sorting Raw4 data in series "}}};
-constexpr std::size_t lastPart = 3;
 
 // What one fit keeps in the shared state. Every event, pump and box runs host code, which may fit
 // another series or create an object; put() before the shared state is used next makes it this
@@ -55,18 +47,15 @@ class SharedEntry {
   std::array<std::optional<RawSlot>, 4> raw_;  // of the parts read so far
 };
 
-// Reads and sorts a raw part into its slot of the shared fit record. Fewer than two points count as
-// none.
-std::optional<PointArray> readPart(const OperationContext& context, std::size_t part,
-                                   const std::string& SeriesName, SharedEntry& entry,
-                                   const ConnectionPtr& connection) {
-  PointArray points = getRSvalues(context, rawParts[part].table, entry.SeriesID(), connection);
-  const bool usable = pointUpperBound(points) > 0;
-  if (usable) {
-    context.raiseStatusUpdate(rawParts[part].sortingText + SeriesName);
-    quickSortPoints(points, 0, 1, 0, pointUpperBound(points), true);
-  }
-  entry.setRaw(part, points);
+// Reads and sorts a raw part (1 to 4) into its slot of the shared fit record; nothing where it is
+// not usable.
+std::optional<steps::MergedPoints> readPart(const OperationContext& context, std::int16_t part,
+                                            const std::string& SeriesName, SharedEntry& entry,
+                                            const ConnectionPtr& connection) {
+  steps::MergedPoints points = steps::asPart(
+      part, getRSvalues(context, "raw" + numberText(part), entry.SeriesID(), connection));
+  const bool usable = sortPart(points, SeriesName, context.observer());
+  entry.setRaw(static_cast<std::size_t>(part - 1), points.Points);
   if (!usable) return std::nullopt;
   return points;
 }
@@ -75,23 +64,21 @@ std::optional<PointArray> readPart(const OperationContext& context, std::size_t 
 std::optional<PointArray> mergedParts(const OperationContext& context, const FitHost& host,
                                       const FitRequest& request, SharedEntry& entry,
                                       const ConnectionPtr& connection, bool& ArrayIsEmpty) {
-  PointArray merged;
-  for (std::size_t part = 0; part <= lastPart; ++part) {
+  steps::MergedPoints merged;
+  for (std::int16_t part = 1; part <= steps::rawPartCount; ++part) {
     auto points = readPart(context, part, request.SeriesName, entry, connection);
     if (!points) continue;
-    if (merged.empty()) {
-      merged = std::move(*points);
-    } else if (pointUpperBound(merged) != 0) {
-      merged = consolidateRaw(context, std::move(merged), std::move(*points), ArrayIsEmpty,
-                              request.bInverted, host.settings().RatioCurve);
-      if (ArrayIsEmpty) return std::nullopt;
-    } else if (part == lastPart) {
-      return std::nullopt;  // one merged point and a fourth part: not fitted
-    } else {
-      merged = std::move(*points);
+    switch (steps::howToJoin(merged.Points, part)) {
+      case steps::Joining::take: merged = std::move(*points); break;
+      case steps::Joining::merge:
+        merged = consolidateParts(context, std::move(merged), std::move(*points), ArrayIsEmpty,
+                                  request.bInverted, host.settings().RatioCurve);
+        if (ArrayIsEmpty) return std::nullopt;
+        break;
+      case steps::Joining::refuse: return std::nullopt;
     }
   }
-  return merged;
+  return std::move(merged.Points);
 }
 
 int askAboutRange(double xMin, double xMax, double rawMin, double rawMax) {

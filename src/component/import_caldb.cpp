@@ -2,22 +2,21 @@
 #include "component/import_caldb.h"
 
 #include "base/number_text.h"
-#include "component/series_derivation.h"
-#include "component/stand_copy.h"
+#include "calibration/steps/raw_points.h"
+#include "calibration/steps/set_up.h"
 #include "component/lookups.h"
 #include "component/operation_connection.h"
+#include "component/series_derivation.h"
+#include "component/stand_copy.h"
 #include "store/meter_lookup.h"
-#include "store/reading.h"
-#include "store/row_text.h"
-
-#include <array>
 
 namespace pelmora {
 namespace {
 
-constexpr std::array<const char*, 4> seriesNames{"Rotor A", "Rotor B", "Rotor Sum", "Ratio"};
-constexpr std::size_t mostSetups = 4;    // one raw table each
-constexpr std::size_t mostRuns = 32767;  // that a 16-bit counter passes
+using steps::derivedSeriesNames;
+
+constexpr std::size_t mostSetups = steps::rawPartCount;  // one raw table each
+constexpr std::size_t mostRuns = 32767;                  // that a 16-bit counter passes
 
 bool hasRuns(const CalibrationImport& wanted) {
   const std::size_t runs = wanted.JobID_RawA.size();
@@ -29,7 +28,7 @@ MeterInfo findOrRegisterMeter(const OperationContext& context, const Calibration
                               OperationConnection& connection) {
   MeterInfo meter =
       findMeterInfo(context, wanted.MeterSN, connection.pointer(), wanted.ReCalID, "");
-  if (meter.Source != -1) return meter;
+  if (meter.Source != meter_source::nowhere) return meter;
   std::string adjusted;
   setMeterSN(context, wanted.MeterSN, adjusted);
   connection.close();
@@ -52,21 +51,12 @@ void copyRuns(const OperationContext& context, const CalibrationImport& wanted,
 
 void deriveSeries(const OperationContext& context, const CalibrationImport& wanted,
                   OperationConnection& connection, MeterInfo& meter) {
-  auto setupRows =
-      readRows(connection, "Select ID from CalSetup where meterID=" + numberText(meter.MeterID) +
-                               " ORDER BY stand, ID ASC");
-  if (setupRows->recordCount() == 0) return;
-  const std::vector<std::string> setups = rowsAsTexts(*setupRows);
-  setupRows->close();
-
+  const std::vector<std::string> setups = steps::setUpsOf(connection, meter.MeterID);
   DerivationTarget target{connection.pointer(), {}, {}, {}};
   for (std::size_t k = 0; k < setups.size() && k < mostSetups; ++k) {
     target.table = "Raw" + numberText(k + 1);
     target.calSetupId = setups[k];
-    auto jobRows = readRows(
-        connection, "Select DISTINCT JobRecordID from CalDataPoint where CalSetupID=" + setups[k] +
-                        " ORDER BY JobRecordID ASC");
-    if (jobRows->recordCount() > 0) target.jobs = rowsAsTexts(*jobRows);
+    steps::jobsOf(connection, setups[k], target.jobs);
     if (wanted.Create_RotorA) SeriesViaCaldb_RotorA(context, target, meter);
     if (wanted.Create_RotorB) SeriesViaCaldb_RotorB(context, target, meter);
     if (wanted.Create_RotorAB) SeriesViaCaldb_SumAB(context, target, meter);
@@ -86,10 +76,10 @@ MeterInfo importCaldb(const OperationContext& context, const CalibrationImport& 
       [&] {
         OperationConnection connection(context, Conn_curveDB);
         meter = findOrRegisterMeter(context, wanted, connection);
-        if (meter.Source == -1) return;
-        meter.Series.resize(seriesNames.size());
-        for (std::size_t i = 0; i < seriesNames.size(); ++i) {
-          meter.Series[i].SeriesName = seriesNames[i];
+        if (meter.Source == meter_source::nowhere) return;
+        meter.Series.resize(derivedSeriesNames.size());
+        for (std::size_t i = 0; i < derivedSeriesNames.size(); ++i) {
+          meter.Series[i].SeriesName = derivedSeriesNames[i];
         }
         copyRuns(context, wanted, meter, conn_calDB, connection.pointer());
         if (wanted.Create_RotorA || wanted.Create_RotorB || wanted.Create_RotorAB ||

@@ -1,12 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "component/operation_context.h"
 
+#include "component/sort_watch.h"
 #include "ui/message_box.h"
 
 namespace pelmora {
 
 void OperationContext::pumpMessages() const {
   if (auto pump = platform_.pumpMessages) pump();
+}
+
+steps::Observer OperationContext::observer() const {
+  return {[this](const std::string& text) { raiseStatusUpdate(text); },
+          {},
+          [this] { pumpMessages(); },
+          hostsSortWatch().failed};
 }
 
 void OperationContext::closeLeftovers() const {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "base/run_time_error.h"
+#include "calibration/steps/observer.h"
 #include "component/shared_state.h"
 
 #include <pelmora/platform.h>
@@ -32,6 +33,8 @@ class OperationContext {
   void raiseStatusUpdate(const std::string& message) const { raiseStatusUpdate_(message); }
   // Lets pending host messages be processed once.
   void pumpMessages() const;
+  // The host as a building block sees it. Lives as long as this context.
+  [[nodiscard]] steps::Observer observer() const;
 
   // Keeps what a failing operation had opened until its error has been shown: hosts see the box
   // first, then the closing.

@@ -29,13 +29,14 @@ std::vector<double> logSpacedGrid(double low, double high, std::int32_t interval
   return grid;
 }
 
-bool ratioCurveIsMonotonic(std::span<const double> x, std::span<const double> y) {
+bool ratioCurveIsMonotonic(std::span<const double> x, std::span<const double> y,
+                           const SortWatch& watch) {
   PointArray points(x.size());
   for (std::size_t k = 0; k < x.size(); ++k) {
     points(k, 0) = x[k];
     points(k, 1) = y[k];
   }
-  quickSortPoints(points, 1, 1, 0, pointUpperBound(points), true);
+  sortAllPoints(points, 1, watch);
   for (std::size_t k = 1; k < points.size(); ++k) {
     if (points(k, 0) > points(k - 1, 0)) return false;
   }

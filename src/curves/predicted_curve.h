@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "points/point_sort.h"
+
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -18,6 +20,7 @@ namespace pelmora {
 [[nodiscard]] std::vector<double> logSpacedGrid(double low, double high, std::int32_t intervals);
 
 // True when x never increases as y increases. x, y: n values of the same points.
-[[nodiscard]] bool ratioCurveIsMonotonic(std::span<const double> x, std::span<const double> y);
+[[nodiscard]] bool ratioCurveIsMonotonic(std::span<const double> x, std::span<const double> y,
+                                         const SortWatch& watch = {});
 
 }  // namespace pelmora

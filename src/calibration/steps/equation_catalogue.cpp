@@ -5,7 +5,7 @@
 
 #include <string_view>
 
-namespace pelmora::calibration {
+namespace pelmora::calibration::steps {
 namespace {
 
 std::string replaceAll(std::string_view text, std::string_view part, std::string_view with) {
@@ -58,4 +58,4 @@ const char* equationFileName(bool ratioCurve) {
   return ratioCurve ? "ratio equations.txt" : "equations.txt";
 }
 
-}  // namespace pelmora::calibration
+}  // namespace pelmora::calibration::steps

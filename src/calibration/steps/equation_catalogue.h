@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace pelmora::calibration {
+namespace pelmora::calibration::steps {
 
 // `expression` is in the variable x with parameters a, b, c, ...
 struct Equation {
@@ -29,4 +29,4 @@ struct EquationFile {
 // "equations.txt", or "ratio equations.txt" for ratio curves.
 [[nodiscard]] const char* equationFileName(bool ratioCurve);
 
-}  // namespace pelmora::calibration
+}  // namespace pelmora::calibration::steps

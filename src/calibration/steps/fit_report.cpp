@@ -4,7 +4,7 @@
 #include "base/number_text.h"
 #include "base/text_lines.h"
 
-namespace pelmora::calibration {
+namespace pelmora::calibration::steps {
 namespace {
 
 // A text built line by line.
@@ -95,8 +95,11 @@ std::string predictedListing(const FitLabels& labels, const PointArray& predicte
   return lines.take();
 }
 
-std::string noSolutionText(const std::string& componentFolder) {
-  return Lines().line("Solution failed.").line("See ", componentFolder, "\\log.txt").take();
+std::string noSolutionText(const std::string* logFolder) {
+  Lines lines;
+  lines.line("Solution failed.");
+  if (logFolder != nullptr) lines.line("See ", *logFolder, "\\log.txt");
+  return lines.take();
 }
 
 std::string residualFailureText(std::span<const double> ratios) {
@@ -107,4 +110,4 @@ std::string residualFailureText(std::span<const double> ratios) {
       .take();
 }
 
-}  // namespace pelmora::calibration
+}  // namespace pelmora::calibration::steps

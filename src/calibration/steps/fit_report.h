@@ -9,7 +9,7 @@
 #include <span>
 #include <string>
 
-namespace pelmora::calibration {
+namespace pelmora::calibration::steps {
 
 struct FitLabels {
   std::string x, y;
@@ -42,7 +42,8 @@ struct ReportBody {
 // "Predicted x/y" and one line per predicted point, an empty line before them.
 [[nodiscard]] std::string predictedListing(const FitLabels& labels, const PointArray& predicted);
 
-[[nodiscard]] std::string noSolutionText(const std::string& componentFolder);
+// Names the folder of log.txt, unless it is null.
+[[nodiscard]] std::string noSolutionText(const std::string* logFolder);
 [[nodiscard]] std::string residualFailureText(std::span<const double> ratios);
 
-}  // namespace pelmora::calibration
+}  // namespace pelmora::calibration::steps

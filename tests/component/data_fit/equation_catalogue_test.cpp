@@ -11,8 +11,8 @@
 namespace pelmora {
 namespace {
 
-using calibration::builtInEquations;
-using calibration::parseEquationFile;
+using steps::builtInEquations;
+using steps::parseEquationFile;
 using Equations = std::vector<Equation>;
 
 // A logarithmic polynomial, written out from its order.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "component/consolidate_raw.h"
+#include "component/merging.h"
 #include "tests/component/fitting/fitting_fixture.h"
 
 #include <cmath>

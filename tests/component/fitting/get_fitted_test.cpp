@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "component/get_fitted.h"
+#include "component/stored_results.h"
 #include "tests/component/fitting/fitting_fixture.h"
 
 namespace pelmora {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "component/tablecurve_results.h"
+#include "component/result_files.h"
 #include "tests/component/fitting/fitting_fixture.h"
 
 #include <filesystem>

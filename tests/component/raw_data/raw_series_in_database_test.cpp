@@ -1,6 +1,6 @@
 // SetRaw and GetRaw on a real curve database.
 // SPDX-License-Identifier: MIT
-#include "component/raw_series.h"
+#include "component/raw_points.h"
 #include "tests/support/curve_database.h"
 
 #include <limits>

@@ -1,6 +1,6 @@
 // Statements, events and failures of SetRaw.
 // SPDX-License-Identifier: MIT
-#include "component/raw_series.h"
+#include "component/raw_points.h"
 #include "tests/support/operation_test.h"
 
 namespace pelmora::test {

@@ -1,7 +1,7 @@
 // Series derived from the example stand data against values computed elsewhere.
 // SPDX-License-Identifier: MIT
 #include "component/import_caldb.h"
-#include "component/raw_series.h"
+#include "component/raw_points.h"
 #include "tests/support/curve_database.h"
 #include "tests/support/places.h"
 

@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
-#include "component/raw_series.h"
+#include "component/raw_points.h"
 
 #include "base/number_text.h"
-#include "store/point_rows.h"
-#include "store/meter_registry.h"
-#include "store/field_value.h"
+#include "calibration/steps/raw_points.h"
 #include "component/lookups.h"
 #include "component/operation_connection.h"
 #include "store/meter_lookup.h"
-#include "store/reading.h"
+#include "store/point_rows.h"
 
 #include <limits>
+#include <utility>
 
 namespace pelmora {
 namespace {
@@ -31,18 +30,14 @@ bool SetRaw(const OperationContext& context, const std::string& SeriesName,
     OperationConnection connection(context, nullptr);
     const MeterInfo meter =
         findMeterInfo(context, MeterSerialNumber, connection.pointer(), ReCalID, "");
-    context.raiseStatusUpdate("Querying series name in series " + SeriesName);
+    const steps::Observer observer = context.observer();
     const std::int32_t SeriesID =
-        findOrAddSeriesRow(connection, NameText::spliced(SeriesName), meter.MeterID);
+        seriesRow(connection, NameText::spliced(SeriesName), meter.MeterID, observer);
     // The name of the last fitted series, not of this one: the shared fit record speaks here.
-    const std::string sharedName = context.shared().fitRecord().SeriesName;
-    context.raiseStatusUpdate("Removing old raw data in series " + sharedName);
-    connection.execute("DELETE from " + table + " where seriesID = " + numberText(SeriesID));
+    const steps::RawTarget target{table, SeriesID, context.shared().fitRecord().SeriesName};
+    removeRawPoints(connection, target, observer);
     if (cleardb) return;
-    context.raiseStatusUpdate("Inserting new raw data in series " + sharedName);
-    auto rows = openForBatch(connection,
-                             "Select * from " + table + " where seriesID=" + numberText(SeriesID));
-    writePoints(*rows, SeriesID, Table);
+    insertRawPoints(connection, target, Table, observer);
     written = true;
   });
   return written;
@@ -55,14 +50,12 @@ MeterInfo GetRaw(const OperationContext& context, const std::string& SeriesName,
   context.trap("Error in RawData:GetRaw", [&] {
     OperationConnection connection(context, conn);
     record = findMeterInfo(context, MeterSN, connection.pointer(), ReCalID, SeriesName);
-    const std::string table = "raw" + numberText(dataSet);
-    if (record.Source == -1) return;
+    if (record.Source == meter_source::nowhere) return;
     context.raiseStatusUpdate("Retrieving old raw data from database in series " +
                               context.shared().fitRecord().SeriesName);
     if (record.Series.empty()) throw makeError(RunTimeError::outOfRange);
     SeriesInfo& series = record.Series.front();
-    auto rows = readRows(connection, "Select roshko, strouhal from " + table +
-                                         " where seriesID = " + numberText(series.SeriesID));
+    const auto rows = steps::openPoints(connection, "raw" + numberText(dataSet), series.SeriesID);
     PointArray points = pointsFromRows(*rows);
     const std::size_t slot = static_cast<std::size_t>(dataSet - 1);
     if (slot >= series.Raw.size()) throw makeError(RunTimeError::outOfRange);
@@ -76,11 +69,8 @@ PointArray getRSvalues(const OperationContext& context, const std::string& table
   PointArray points;
   context.trap("Error in misc:getRSvalues", [&] {
     OperationConnection connection(context, conn);
-    const std::string statement =
-        "Select roshko, strouhal from " + table + " where seriesID = " + numberText(SeriesID);
     context.pumpMessages();
-    auto rows = readRows(connection, statement);
-    points = pointsFromRows(*rows);
+    points = steps::readPoints(connection, table, SeriesID);
   });
   return points;
 }

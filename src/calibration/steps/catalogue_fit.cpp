@@ -1,24 +1,24 @@
 // The run over the catalogue: fit, test the residuals, predict, report.
 // SPDX-License-Identifier: MIT
+#include "calibration/steps/catalogue_fit.h"
+
 #include "base/file_text.h"
 #include "base/number_text.h"
 #include "base/run_time_error.h"
-#include "component/clsDataFit.h"
 #include "curves/outcome_details.h"
 #include "curves/predicted_curve.h"
-#include "ui/message_box.h"
 
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <utility>
 
-namespace pelmora {
+namespace pelmora::calibration::steps {
 
-using namespace calibration;
-
-struct clsDataFit::Run {
-  std::shared_ptr<FitEngine> engine;
-  double predictedXmin, predictedXmax;
+struct CatalogueFit::Running {
+  const CatalogueRun& run;
+  CatalogueSettings& settings;
+  const Observer& observer;
 };
 
 namespace {
@@ -61,61 +61,59 @@ double ratioOf(double residual, double observed) {
 
 }  // namespace
 
-PointArray clsDataFit::fitCurve(const PointArray& points, bool& ArrayIsEmpty, double Predicted_Xmin,
-                                double Predicted_Xmax, const std::string& Label_Xaxis,
-                                const std::string& Label_Yaxis) {
-  PointArray curve;
-  ArrayIsEmpty = true;
+void CatalogueFit::useEquations(std::vector<Equation> equations) {
+  equations_ = std::move(equations);
+  resetSlots();
+}
+
+void CatalogueFit::resetSlots() {
+  slots_ = std::vector<Slot>(equations_.size());
+  for (std::size_t i = 0; i < slots_.size(); ++i) {
+    slots_[i].outcome.Name = equations_[i].name;
+    slots_[i].outcome.Expression = equations_[i].expression;
+  }
+  ranking_.assign(equations_.size(), 0);
+}
+
+RunEnd CatalogueFit::run(const CatalogueRun& run, CatalogueSettings& settings,
+                         const Observer& observer) {
   failed_ = false;
   currentEquation_.clear();
   try {
-    labels_ = {Label_Xaxis, Label_Yaxis};
-    rawListing_ = rawListing(labels_, points);
-    std::shared_ptr<FitEngine> engine =
-        platform_.createFitEngine ? platform_.createFitEngine() : nullptr;
-    if (!engine) throw makeError(RunTimeError::noEngine);
+    labels_ = run.labels;
+    rawListing_ = rawListing(labels_, run.points);
+    if (!run.engine) throw makeError(RunTimeError::noEngine);
     if (equations_.size() > mostEquations) throw makeError(RunTimeError::overflow);
-    data_ = makeFitData(labels_, points);
+    data_ = makeFitData(labels_, run.points);
     ranking_.assign(equations_.size(), 0);
-    runEquations({std::move(engine), Predicted_Xmin, Predicted_Xmax});
-    findBestFit();
-    const Slot* chosen = chosenSlot();
-    if (chosen != nullptr) {
-      curve = chosen->result;
-      ArrayIsEmpty = false;
-      raise("Determined bestfit equation: " + chosen->model->Definition.Name);
-    } else {
-      raise("All equations failed to fit the data");
-    }
+    return runEquations({run, settings, observer});
   } catch (...) {
     failed_ = true;
-    ArrayIsEmpty = true;
-    curve = PointArray();
-    showRunError(currentError());
+    throw;
   }
-  return curve;
 }
 
-void clsDataFit::runEquations(const Run& run) {
+RunEnd CatalogueFit::runEquations(const Running& running) {
   const auto last = static_cast<std::int16_t>(equations_.size()) - 1;
   for (int i = last; i >= 0; --i) {
+    if (running.run.stopRequested && running.run.stopRequested()) return RunEnd::stopped;
     const auto index = static_cast<std::size_t>(i);
     currentEquation_ = equations_[index].name;
-    if (auto handler = Progress) {
-      handler(static_cast<std::int16_t>(last - i + 1), static_cast<std::int16_t>(last + 1));
-    }
-    if (fitEquation(run, index) && endsRun(slots_[index])) break;
+    running.observer.progress(static_cast<std::int16_t>(last - i + 1),
+                              static_cast<std::int16_t>(last + 1));
+    if (fitEquation(running, index) && endsRun(running, slots_[index])) break;
   }
+  return RunEnd::complete;
 }
 
 // Whether the equation was accepted.
-bool clsDataFit::fitEquation(const Run& run, std::size_t index) {
+bool CatalogueFit::fitEquation(const Running& running, std::size_t index) {
   Slot& slot = slots_[index];
   slot = Slot();
   slot.outcome.Name = equations_[index].name;
   slot.outcome.Expression = equations_[index].expression;
-  slot.engine = run.engine;
-  slot.model = run.engine->createModel();
+  slot.engine = running.run.engine;
+  slot.model = slot.engine->createModel();
   if (!slot.model) throw makeError(RunTimeError::noEngine);
   FitModel& model = *slot.model;
   model.Definition = {equations_[index].name, equations_[index].expression};
@@ -123,20 +121,24 @@ bool clsDataFit::fitEquation(const Run& run, std::size_t index) {
   model.Settings.Second = numberOfStarts;
   model.Settings.ResidualTolerance = residualTolerance;
 
-  raise("Started fitting with equation: " + model.Definition.Name);
+  running.observer.status("Started fitting with equation: " + model.Definition.Name);
   model.attach(data_);
-  raise("Finished fitting with equation: " + model.Definition.Name);
+  running.observer.status("Finished fitting with equation: " + model.Definition.Name);
   if (!model.solutionFound()) {
-    model.writeLog(utf8Text(filePath(platform_.componentFolder) / "log.txt"));
-    slot.details += noSolutionText(platform_.componentFolder);
+    if (const std::string* folder = running.run.logFolder) {
+      model.writeLog(utf8Text(filePath(*folder) / "log.txt"));
+    }
+    slot.details += noSolutionText(running.run.logFolder);
     slot.outcome.Verdict = EquationVerdict::noSolution;
     slot.outcome.Reason = model.failureReason();
     return false;
   }
   describeSolution(model, slot.outcome);
   const std::vector<double> ratios = scanResiduals(slot);
-  slot.details += reportHead(MeterSerialNumber, SeriesName, model.Definition);
-  if (std::abs(slot.outcome.WorstResidualRatio) >= largestResidualRatio && !IgnoreResiduals) {
+  slot.details +=
+      reportHead(running.settings.MeterSerialNumber, running.settings.SeriesName, model.Definition);
+  if (std::abs(slot.outcome.WorstResidualRatio) >= largestResidualRatio &&
+      !running.settings.IgnoreResiduals) {
     slot.details += residualFailureText(ratios);
     slot.outcome.Verdict = EquationVerdict::residualTestFailed;
     slot.outcome.Reason = "the residual at x = " + numberText(slot.outcome.WorstResidualX) +
@@ -145,12 +147,12 @@ bool clsDataFit::fitEquation(const Run& run, std::size_t index) {
                           numberText(largestResidualRatio);
     return false;
   }
-  acceptSolution(run, index);
+  acceptSolution(running, index);
   return true;
 }
 
 // The ratios residual / observed y of all rows; leaves the largest with its x in the outcome.
-std::vector<double> clsDataFit::scanResiduals(Slot& slot) const {
+std::vector<double> CatalogueFit::scanResiduals(Slot& slot) {
   const FitData table = slot.model->results();
   if (table.Columns.size() < 3 || table.Columns[1].empty() ||
       table.Columns[2].size() != table.Columns[1].size()) {
@@ -167,14 +169,16 @@ std::vector<double> clsDataFit::scanResiduals(Slot& slot) const {
   return ratios;
 }
 
-void clsDataFit::acceptSolution(const Run& run, std::size_t index) {
+void CatalogueFit::acceptSolution(const Running& running, std::size_t index) {
+  const CatalogueRun& run = running.run;
+  const CatalogueSettings& settings = running.settings;
   Slot& slot = slots_[index];
   if (data_->Columns[0].empty()) throw makeError(RunTimeError::outOfRange);
   auto predicted = std::make_unique<FitData>();
   predicted->Names = {labels_.x, labels_.y};
   predicted->Symbols = {"", ""};
   predicted->Columns.push_back(
-      logSpacedGrid(run.predictedXmin, run.predictedXmax, NumberOfFittedPoints - 1));
+      logSpacedGrid(run.Predicted_Xmin, run.Predicted_Xmax, settings.NumberOfFittedPoints - 1));
   predicted->Columns.push_back(slot.model->evaluate(predicted->Columns[0]));
   const std::vector<double>& x = predicted->Columns[0];
   const std::vector<double>& y = predicted->Columns[1];
@@ -183,8 +187,8 @@ void clsDataFit::acceptSolution(const Run& run, std::size_t index) {
   const auto [minX, maxX] = std::minmax_element(data_->Columns[0].begin(), data_->Columns[0].end());
   slot.details +=
       reportBody({labels_, *minX, *maxX, slot.outcome.Parameters, slot.outcome.Statistics,
-                  slot.model->Settings.ResidualTolerance, BandPercent, NumberOfFittedPoints,
-                  run.predictedXmin, run.predictedXmax});
+                  slot.model->Settings.ResidualTolerance, settings.BandPercent,
+                  settings.NumberOfFittedPoints, run.Predicted_Xmin, run.Predicted_Xmax});
   PointArray curve(x.size());
   for (std::size_t j = 0; j < x.size(); ++j) {
     curve(j, 0) = x[j];
@@ -198,20 +202,11 @@ void clsDataFit::acceptSolution(const Run& run, std::size_t index) {
   slot.dataResult = std::move(predicted);
 }
 
-bool clsDataFit::endsRun(const Slot& slot) const {
+bool CatalogueFit::endsRun(const Running& running, const Slot& slot) {
   if (!(slot.outcome.Statistics.RSquared >= nearPerfectRSquared)) return false;
-  return !RatioCurve ||
-         ratioCurveIsMonotonic(slot.dataResult->Columns[0], slot.dataResult->Columns[1]);
+  return !running.settings.RatioCurve ||
+         ratioCurveIsMonotonic(slot.dataResult->Columns[0], slot.dataResult->Columns[1],
+                               running.observer.sortWatch());
 }
 
-void clsDataFit::showRunError(const Error& error) const {
-  const bool noEngine = error.number() == static_cast<std::int32_t>(RunTimeError::noEngine);
-  const std::string text =
-      noEngine ? "Error 429: ActiveX component can't create object. The DataFitX component must be "
-                 "installed and registered to run this sample."
-               : "Error in clsDataFit:fitCurve " + numberText(error.number()) + ": " + error.what();
-  standardMessageBox(text, box_style::critical,
-                     noEngine ? "Error" : "Error in Equation " + currentEquation_);
-}
-
-}  // namespace pelmora
+}  // namespace pelmora::calibration::steps

@@ -1,0 +1,128 @@
+// The selection of the best equation: by adjusted R2, among those that pass the band test.
+// SPDX-License-Identifier: MIT
+#include "base/run_time_error.h"
+#include "calibration/steps/catalogue_fit.h"
+#include "curves/curve_checks.h"
+#include "curves/outcome_details.h"
+
+#include <utility>
+
+namespace pelmora::calibration::steps {
+namespace {
+
+void dropOne(std::vector<std::int16_t>& ranking) {
+  if (ranking.size() < 2) {
+    ranking.assign(1, -1);
+  } else {
+    ranking.pop_back();
+  }
+}
+
+}  // namespace
+
+void CatalogueFit::select(const BandTesterFactory& createBandTester, CatalogueSettings& settings,
+                          const Observer& observer) {
+  if (slots_.empty()) {
+    ranking_.assign(1, -1);
+    return;
+  }
+  PointArray scores(slots_.size());
+  for (std::size_t i = 0; i < slots_.size(); ++i) {
+    if (slots_[i].model) scores(i, 0) = slots_[i].model->statistics().AdjustedRSquared;
+    scores(i, 1) = static_cast<double>(i);
+  }
+  sortAllPoints(scores, 0, observer.sortWatch());
+
+  std::vector<std::int16_t> ranking = ranking_;
+  const auto tester = createBandTester ? createBandTester() : nullptr;
+  if (!tester) throw makeError(RunTimeError::noEngine);
+  tester->StatusUpdate = [&observer](const std::string& message) { observer.status(message); };
+  tester->RatioMode = settings.RatioCurve;
+  std::size_t passed = 0;
+  for (std::size_t k = 0; k < slots_.size(); ++k) {
+    const auto index = static_cast<std::size_t>(scores(k, 1));
+    Slot& slot = slots_[index];
+    if (!slot.dataResult) {
+      dropOne(ranking);
+    } else if (passesTests(*tester, settings, slot)) {
+      ranking[passed++] = static_cast<std::int16_t>(index);
+    } else {
+      const std::string failure = tester->FailureText();
+      // At the place in the sorted order, not at the equation that failed: stored reports read so.
+      slots_[k].details += "\r\n\r\n" + failure;
+      slot.outcome.Reason = failure;
+      dropOne(ranking);
+    }
+  }
+  ranking_ = std::move(ranking);
+  if (hasChosen()) {
+    slots_[static_cast<std::size_t>(ranking_.back())].outcome.Verdict = EquationVerdict::chosen;
+  }
+}
+
+bool CatalogueFit::passesTests(BandTester& tester, CatalogueSettings& settings, Slot& slot) {
+  const std::vector<double>& x = slot.dataResult->Columns[0];
+  const std::vector<double>& y = slot.dataResult->Columns[1];
+  if (settings.RatioCurve && !tester.TestRatioCurve(x, y)) {
+    slot.outcome.Verdict = EquationVerdict::ratioTestFailed;
+    return false;
+  }
+  if (!tester.TestBand(data_->Columns[0], data_->Columns[1], x, y, settings.BandPercent)) {
+    slot.outcome.Verdict = EquationVerdict::bandTestFailed;
+    return false;
+  }
+  return true;
+}
+
+const CatalogueFit::Slot* CatalogueFit::chosenSlot() const {
+  if (failed_ || !hasChosen()) return nullptr;
+  const auto index = static_cast<std::size_t>(ranking_.back());
+  // A ranking that no selection went through names equations that were never accepted.
+  const bool accepted = index < slots_.size() && slots_[index].dataResult;
+  return accepted ? &slots_[index] : nullptr;
+}
+
+const FitModel* CatalogueFit::model() const {
+  const Slot* slot = chosenSlot();
+  return slot != nullptr ? slot->model.get() : nullptr;
+}
+
+const FitData* CatalogueFit::predicted() const {
+  const Slot* slot = chosenSlot();
+  return slot != nullptr ? slot->dataResult.get() : nullptr;
+}
+
+PointArray CatalogueFit::curve() const {
+  const Slot* slot = chosenSlot();
+  return slot != nullptr ? slot->result : PointArray();
+}
+
+std::string CatalogueFit::details() const {
+  if (failed_) return {};
+  if (const Slot* slot = chosenSlot()) return slot->details;
+  std::string all;
+  for (const Slot& slot : slots_) {
+    all += slot.details + "\r\n================================\r\n";
+  }
+  return all;
+}
+
+FitOutcome CatalogueFit::outcome(float BandPercent) const {
+  FitOutcome outcome;
+  for (const Slot& slot : slots_) outcome.Equations.push_back(slot.outcome);
+  const Slot* chosen = chosenSlot();
+  if (chosen == nullptr) return outcome;
+  outcome.Chosen = static_cast<std::size_t>(ranking_.back());
+  const std::vector<double>& x = chosen->dataResult->Columns[0];
+  const std::vector<double>& y = chosen->dataResult->Columns[1];
+  try {
+    describeBands(*chosen->model, x, outcome);
+    outcome.Warnings =
+        checkCurve({*chosen->model, chosen->outcome.Statistics, chosen->outcome.Parameters.size(),
+                    data_->Columns[0], x, y, BandPercent});
+  } catch (...) {  // an engine that cannot look closer at its curve has fitted it all the same
+  }
+  return outcome;
+}
+
+}  // namespace pelmora::calibration::steps

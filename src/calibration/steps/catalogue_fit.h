@@ -1,0 +1,120 @@
+// One fit of a catalogue of equations to the points of a series, and the best equation of it.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "calibration/steps/equation_catalogue.h"
+#include "calibration/steps/fit_report.h"
+#include "calibration/steps/observer.h"
+
+#include <pelmora/band_tester.h>
+#include <pelmora/fit_engine.h>
+#include <pelmora/fit_outcome.h>
+#include <pelmora/types.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace pelmora::calibration::steps {
+
+// Read whenever they are needed: an observer may change them while a fit runs.
+struct CatalogueSettings {
+  float BandPercent = 0;
+  std::int16_t NumberOfFittedPoints = 0;
+  std::string MeterSerialNumber, SeriesName;
+  bool RatioCurve = false, IgnoreResiduals = false;
+};
+
+// What a run works with. References last as long as the run.
+struct CatalogueRun {
+  const PointArray& points;  // sorted by x
+  double Predicted_Xmin, Predicted_Xmax;
+  FitLabels labels;
+  std::shared_ptr<FitEngine> engine;
+  // Where the engine writes log.txt about an equation without a solution; null: nowhere.
+  const std::string* logFolder = nullptr;
+  // Asked before each equation; true ends the run. Empty: never.
+  std::function<bool()> stopRequested = {};
+};
+
+enum class RunEnd { complete, stopped };
+
+// run(), then select(). After an error of run() nothing is chosen and there is no report; after one
+// of select() the ranking stands as it stood.
+class CatalogueFit {
+ public:
+  using BandTesterFactory = std::function<std::unique_ptr<BandTester>()>;
+
+  // Replaces the catalogue and forgets the last run.
+  void useEquations(std::vector<Equation> equations);
+  [[nodiscard]] const std::vector<Equation>& equations() const { return equations_; }
+
+  // Fits every equation to the points, from the last of the catalogue to the first, up to one with
+  // R2 >= 0.9999. An accepted equation is predicted at NumberOfFittedPoints x values spaced evenly
+  // in log10 over Predicted_Xmin..Predicted_Xmax.
+  //
+  // Errors: Error 429 without an engine or a model, 6 for more than 32767 equations, 9 without
+  //         points, 11 for an observed value of zero, and what engine and observer throw.
+  RunEnd run(const CatalogueRun& run, CatalogueSettings& settings, const Observer& observer = {});
+
+  // Ranks the accepted equations by adjusted R2 and chooses the best one that passes the ratio and
+  // the band test. The tester may change BandPercent.
+  //
+  // Errors: Error 429 without a tester; what the tester and the observer throw.
+  void select(const BandTesterFactory& createBandTester, CatalogueSettings& settings,
+              const Observer& observer = {});
+
+  // Nothing counts as chosen or reported until the next run.
+  void discard() { failed_ = true; }
+
+  // Of the chosen equation; null or no bounds where none is.
+  [[nodiscard]] const FitModel* model() const;
+  [[nodiscard]] const FitData* predicted() const;
+  [[nodiscard]] PointArray curve() const;
+  // Report of the chosen equation, or the reports of all.
+  [[nodiscard]] std::string details() const;
+  // Equation indices that passed, the chosen one last; a single -1 where none did.
+  [[nodiscard]] const std::vector<std::int16_t>& ranking() const { return ranking_; }
+  [[nodiscard]] FitOutcome outcome(float BandPercent) const;
+  // The equation that the run has reached.
+  [[nodiscard]] const std::string& currentEquation() const { return currentEquation_; }
+
+ private:
+  // What a run leaves for one equation.
+  struct Slot {
+    std::shared_ptr<FitEngine> engine;  // outlives its model
+    std::unique_ptr<FitModel> model;
+    std::string details;
+    PointArray result;
+    std::unique_ptr<FitData> dataResult;
+    EquationOutcome outcome;
+  };
+  struct Running;  // a run with its settings and its observer
+
+  void resetSlots();
+  [[nodiscard]] bool hasChosen() const { return !ranking_.empty() && ranking_.front() != -1; }
+  [[nodiscard]] const Slot* chosenSlot() const;
+
+  // The run, in catalogue_fit.cpp.
+  RunEnd runEquations(const Running& running);
+  bool fitEquation(const Running& running, std::size_t index);
+  static std::vector<double> scanResiduals(Slot& slot);
+  void acceptSolution(const Running& running, std::size_t index);
+  [[nodiscard]] static bool endsRun(const Running& running, const Slot& slot);
+
+  // The selection, in best_fit.cpp.
+  bool passesTests(BandTester& tester, CatalogueSettings& settings, Slot& slot);
+
+  std::vector<Equation> equations_;
+  std::vector<Slot> slots_;
+  std::vector<std::int16_t> ranking_;
+  FitLabels labels_;
+  std::string rawListing_;
+  std::shared_ptr<const FitData> data_;
+  std::string currentEquation_;
+  bool failed_ = false;
+};
+
+}  // namespace pelmora::calibration::steps
