@@ -12,4 +12,4 @@ run(${CMAKE_COMMAND} -S ${SOURCE} -B ${BUILD} -G ${GENERATOR} -DCMAKE_CXX_COMPIL
   -DPELMORA_BUILD_CLI=OFF -DPELMORA_BUILD_TESTS=ON -DPELMORA_COMPONENT_ALONE=ON
   -DCMAKE_UNITY_BUILD=${UNITY} -DPELMORA_WHOLE_TEST_PROGRAMS=ON)
 run(${CMAKE_COMMAND} --build ${BUILD} --target pelmora component_test)
-run(${CMAKE_CTEST_COMMAND} --test-dir ${BUILD} --output-on-failure --tests-regex ^component/ --no-tests=error)
+run(${CMAKE_CTEST_COMMAND} --test-dir ${BUILD} --output-on-failure --tests-regex ^component/component_test --no-tests=error)
