@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "bindings/com/argument_slot.h"
 
+#include "bindings/com/arrays.h"
 #include "bindings/com/variant_arrays.h"
 
 #include <cstring>
@@ -74,6 +75,7 @@ HRESULT describe(ITypeInfo& owner, const TYPEDESC& type, ArgumentType& described
 }
 
 ArgumentSlot::~ArgumentSlot() {
+  if (isLocked_) SafeArrayUnlock(value_.parray);
   VariantClear(&value_);
   VariantClear(&original_);
   if (record_ != nullptr) type_.record->RecordDestroy(record_);
@@ -115,11 +117,19 @@ HRESULT ArgumentSlot::take(const ArgumentType& type, VARIANT& given, LCID locale
   }
   if (isArray(type_.type)) {
     original_.byref = value_.byref;  // only to see whether there is another one afterwards
+    if (holder_ != nullptr || typedReference_ != nullptr) lockAs(*source);
   } else {
     result = VariantCopy(&original_, &value_);
   }
   pointCall(&value_.byref);
   return result;
+}
+
+// The member meets a copy; it must not replace it where the host's array cannot be replaced.
+void ArgumentSlot::lockAs(const VARIANT& theirs) {
+  if (!isArray(theirs.vt) || value_.parray == nullptr) return;
+  const SAFEARRAY* array = (theirs.vt & VT_BYREF) != 0 ? *theirs.pparray : theirs.parray;
+  isLocked_ = isFixed(array) && SUCCEEDED(SafeArrayLock(value_.parray));
 }
 
 HRESULT ArgumentSlot::takeRecord(VARIANT& from) {

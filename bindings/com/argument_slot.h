@@ -49,6 +49,7 @@ class ArgumentSlot {
   [[nodiscard]] HRESULT takeRecord(VARIANT& from);
   [[nodiscard]] bool isChanged() const;
   void pointCall(void* place);
+  void lockAs(const VARIANT& theirs);
 
   ArgumentType type_;
   VARIANT value_{};            // converted value or room for the result; a record is not kept here
@@ -57,6 +58,7 @@ class ArgumentSlot {
   void* record_ = nullptr;     // room for a record result
   VARIANT* holder_ = nullptr;  // the host's variant that gets changes
   VARIANT* typedReference_ = nullptr;  // the host's reference to another type
+  bool isLocked_ = false;              // value_ is an array that the host keeps where it is
 };
 
 }  // namespace pelmora::com

@@ -33,10 +33,10 @@ std::size_t lengthOf(SAFEARRAY* array, UINT dimension) {
   return static_cast<std::size_t>(static_cast<long long>(high) - low + 1);
 }
 
-void require(SAFEARRAY* array, VARTYPE type, UINT dimensions, const char* what) {
+void require(SAFEARRAY* array, VARTYPE type, const char* what) {
   VARTYPE found = VT_EMPTY;
   SafeArrayGetVartype(array, &found);
-  if (found == type && SafeArrayGetDim(array) == dimensions) return;
+  if (found == type) return;
   throw Error(static_cast<std::int32_t>(RunTimeError::typeMismatch), "Pelmora",
               std::string("Type mismatch: ") + what + " is needed");
 }
@@ -81,6 +81,11 @@ void store(const Value& value, VARIANT& variant) {
 
 }  // namespace
 
+bool isFixed(const SAFEARRAY* array) {
+  constexpr USHORT kept = FADF_AUTO | FADF_STATIC | FADF_EMBEDDED | FADF_FIXEDSIZE;
+  return array != nullptr && (array->cLocks != 0 || (array->fFeatures & kept) != 0);
+}
+
 Array arrayFrom(const PointArray& points) {
   if (points.empty()) return {};
   Array array = newArray(VT_R8, {points.size(), points.columns()});
@@ -93,8 +98,9 @@ Array arrayFrom(const PointArray& points) {
 
 PointArray pointsFrom(SAFEARRAY* array) {
   if (array == nullptr) return {};
-  require(array, VT_R8, 2, "a two-dimensional array of doubles (point, column)");
+  require(array, VT_R8, "a two-dimensional array of doubles (point, column)");
   const std::size_t size = lengthOf(array, 1);
+  if (SafeArrayGetDim(array) != 2) return PointArray(size, 1);
   if (size == 0) return {};
   PointArray points(size, lengthOf(array, 2));
   const Elements<double> from(array, size * points.columns());
@@ -114,7 +120,8 @@ Array arrayFrom(const std::vector<std::string>& texts) {
 
 std::vector<std::string> textsFrom(SAFEARRAY* array) {
   if (array == nullptr) return {};
-  require(array, VT_BSTR, 1, "a one-dimensional array of texts");
+  require(array, VT_BSTR, "a one-dimensional array of texts");
+  if (SafeArrayGetDim(array) != 1) throw makeError(RunTimeError::outOfRange);
   const Elements<BSTR> from(array, lengthOf(array, 1));
   std::vector<std::string> texts;
   for (const BSTR text : from.values()) texts.push_back(utf8From(text));

@@ -25,7 +25,12 @@ using Array = std::unique_ptr<SAFEARRAY, FreeArray>;
 //
 // Errors: Error 13 (type mismatch) where type or number of dimensions is another; std::bad_alloc.
 
-// (point, column)
+// Whether the host keeps the array where it is: fixed, static, on its stack, or locked. Such an
+// array can be read, but another one cannot take its place.
+[[nodiscard]] bool isFixed(const SAFEARRAY* array);
+
+// (point, column). Doubles of another number of dimensions become an array of one column, which
+// operations refuse where they reach its points, and not before.
 [[nodiscard]] Array arrayFrom(const PointArray& points);
 [[nodiscard]] PointArray pointsFrom(SAFEARRAY* array);
 [[nodiscard]] Array arrayFrom(const std::vector<std::string>& texts);

@@ -1,10 +1,15 @@
-// The members of _RawData, in their order. The operation's own names stay the host's.
+// The methods of _RawData, in their order. The operation's own names stay the host's.
 // SPDX-License-Identifier: MIT
+#include "base/run_time_error.h"
 #include "bindings/com/arguments.h"
 #include "bindings/com/arrays.h"
 #include "bindings/com/operation.h"
 #include "bindings/com/raw_data_object.h"
 #include "bindings/com/records.h"
+#include "ui/message_box.h"
+
+#include <algorithm>
+#include <initializer_list>
 
 namespace pelmora::com {
 namespace {
@@ -15,63 +20,29 @@ PointArray pointsOf(SAFEARRAY** argument) {
 std::vector<std::string> textsOf(SAFEARRAY** argument) {
   return argument == nullptr ? std::vector<std::string>() : textsFrom(*argument);
 }
+bool haveOneDimension(std::initializer_list<SAFEARRAY**> lists) {
+  return std::ranges::all_of(lists, [](SAFEARRAY** list) {
+    return list == nullptr || *list == nullptr || SafeArrayGetDim(*list) == 1;
+  });
+}
 constexpr short latest = -1;
+
+// The box of an operation's error trap, for an error that shows when a result is handed over.
+void showError(const char* operation, RunTimeError number, const std::string& title = {}) {
+  standardMessageBox(std::string(operation) + "\r\n" + makeError(number).what(),
+                     box_style::critical, title);
+}
+
+// How importCaldb ends where a list cannot be read: before anything is registered or copied.
+MeterInfo listsOfAnotherShape() {
+  showError("Error in modFlow:copyCalData ", RunTimeError::outOfRange, "Error Pelmora");
+  MeterInfo nowhere;
+  nowhere.Source = -1;
+  return nowhere;
+}
 
 }  // namespace
 
-STDMETHODIMP RawDataObject::get_DataFitResultDetails(BSTR* value) {
-  return operation(*static_cast<_RawData*>(this),
-                   [&] { required(value) = textFrom(data_.DataFitResultDetails).release(); });
-}
-STDMETHODIMP RawDataObject::put_DataFitResultDetails(BSTR value) {
-  return operation(*static_cast<_RawData*>(this),
-                   [&] { data_.DataFitResultDetails = utf8From(value); });
-}
-STDMETHODIMP RawDataObject::get_NumberOfFittedPoints(short* value) {
-  return operation(*static_cast<_RawData*>(this),
-                   [&] { required(value) = data_.NumberOfFittedPoints; });
-}
-STDMETHODIMP RawDataObject::put_NumberOfFittedPoints(short value) {
-  return operation(*static_cast<_RawData*>(this), [&] { data_.NumberOfFittedPoints = value; });
-}
-STDMETHODIMP RawDataObject::get_ExternalID(BSTR* value) {
-  return operation(*static_cast<_RawData*>(this),
-                   [&] { required(value) = textFrom(data_.ExternalID).release(); });
-}
-STDMETHODIMP RawDataObject::put_ExternalID(BSTR value) {
-  return operation(*static_cast<_RawData*>(this), [&] { data_.ExternalID = utf8From(value); });
-}
-STDMETHODIMP RawDataObject::get_Unattended(VARIANT_BOOL* value) {
-  return operation(*static_cast<_RawData*>(this),
-                   [&] { required(value) = flagFrom(data_.Unattended); });
-}
-STDMETHODIMP RawDataObject::put_Unattended(VARIANT_BOOL value) {
-  return operation(*static_cast<_RawData*>(this),
-                   [&] { data_.Unattended = value != VARIANT_FALSE; });
-}
-STDMETHODIMP RawDataObject::get_RatioCurve(VARIANT_BOOL* value) {
-  return operation(*static_cast<_RawData*>(this),
-                   [&] { required(value) = flagFrom(data_.RatioCurve); });
-}
-STDMETHODIMP RawDataObject::put_RatioCurve(VARIANT_BOOL value) {
-  return operation(*static_cast<_RawData*>(this),
-                   [&] { data_.RatioCurve = value != VARIANT_FALSE; });
-}
-STDMETHODIMP RawDataObject::get_IgnoreResiduals(VARIANT_BOOL* value) {
-  return operation(*static_cast<_RawData*>(this),
-                   [&] { required(value) = flagFrom(data_.IgnoreResiduals); });
-}
-STDMETHODIMP RawDataObject::put_IgnoreResiduals(VARIANT_BOOL value) {
-  return operation(*static_cast<_RawData*>(this),
-                   [&] { data_.IgnoreResiduals = value != VARIANT_FALSE; });
-}
-STDMETHODIMP RawDataObject::get_dbDir(::DatabaseLocation* value) {
-  return operation(*static_cast<_RawData*>(this), [&] { store(data_.dbDir(), required(value)); });
-}
-STDMETHODIMP RawDataObject::put_dbDir(::DatabaseLocation* value) {
-  return operation(*static_cast<_RawData*>(this),
-                   [&] { data_.dbDir(locationFrom(required(value))); });
-}
 STDMETHODIMP RawDataObject::dbDirSetByString(BSTR* sPath, ::DatabaseLocation* result) {
   return operation(*static_cast<_RawData*>(this),
                    [&] { store(data_.dbDirSetByString(textOf(sPath)), required(result)); });
@@ -91,14 +62,6 @@ STDMETHODIMP RawDataObject::FindLastCalID(BSTR* MeterSN, IDispatch** conn, ::Met
     store(meter, required(result), *types_.library);
   });
 }
-STDMETHODIMP RawDataObject::get_LastMergedArray(SAFEARRAY** value) {
-  return operation(*static_cast<_RawData*>(this),
-                   [&] { required(value) = arrayFrom(data_.LastMergedArray()).release(); });
-}
-STDMETHODIMP RawDataObject::get_LastFittedArray(SAFEARRAY** value) {
-  return operation(*static_cast<_RawData*>(this),
-                   [&] { required(value) = arrayFrom(data_.LastFittedArray()).release(); });
-}
 STDMETHODIMP RawDataObject::LastFittedRatioSort(VARIANT_BOOL* result) {
   return operation(*static_cast<_RawData*>(this),
                    [&] { required(result) = flagFrom(data_.LastFittedRatioSort()); });
@@ -116,14 +79,23 @@ STDMETHODIMP RawDataObject::Series(BSTR* MeterSN, short* ReCalID, SAFEARRAY** re
 STDMETHODIMP RawDataObject::MetersAdjusted(BSTR* MeterSN, VARIANT_BOOL* ArrayIsEmpty,
                                            SAFEARRAY** ReCalID, SAFEARRAY** result) {
   return operation(*static_cast<_RawData*>(this), [&] {
-    required(result) = nullptr;
+    SAFEARRAY*& list = required(result);
     bool isEmpty = flagOf(ArrayIsEmpty);
     std::vector<std::int16_t> numbers;
-    *result = arrayFrom(data_.MetersAdjusted(textOf(MeterSN), isEmpty, numbers)).release();
+    const std::vector<std::string> adjusted =
+        data_.MetersAdjusted(textOf(MeterSN), isEmpty, numbers);
+    if (!isEmpty && ReCalID != nullptr && isFixed(*ReCalID)) {
+      showError("Error in RawData:meters", RunTimeError::arrayFixed);
+      isEmpty = true;
+    }
     writeBack(ArrayIsEmpty, isEmpty);
+    if (isEmpty) return;  // both arrays stay as they were
+    Array newList = arrayFrom(adjusted);
+    Array newNumbers = arrayFrom(numbers);
+    list = newList.release();
     if (ReCalID == nullptr) return;
-    Array previous(*ReCalID);
-    *ReCalID = arrayFrom(numbers).release();
+    const Array previous(*ReCalID);
+    *ReCalID = newNumbers.release();
   });
 }
 STDMETHODIMP RawDataObject::Meters(VARIANT_BOOL* ArrayIsEmpty, SAFEARRAY** result) {
@@ -141,12 +113,6 @@ STDMETHODIMP RawDataObject::DeleteSeries(BSTR* MeterSN, BSTR* Series, short* ReC
     *result =
         flagFrom(data_.DeleteSeries(textOf(MeterSN), textOf(Series), valueOr(ReCalID, latest)));
   });
-}
-STDMETHODIMP RawDataObject::get_BandPercent(float* value) {
-  return operation(*static_cast<_RawData*>(this), [&] { required(value) = data_.BandPercent(); });
-}
-STDMETHODIMP RawDataObject::put_BandPercent(float value) {
-  return operation(*static_cast<_RawData*>(this), [&] { data_.BandPercent(value); });
 }
 
 STDMETHODIMP RawDataObject::determineFittedCurve(BSTR* SeriesName, BSTR* MeterSN,
@@ -274,12 +240,16 @@ STDMETHODIMP RawDataObject::importCaldb(
     VARIANT_BOOL* Create_Ratio_Series, short* StandID, short* PositionID, IDispatch** Conn_curveDB,
     short* ReCalID, ::MeterInfo* result) {
   return operation(*static_cast<_RawData*>(this), [&] {
-    const MeterInfo meter = data_.importCaldb(
-        textOf(MeterSN), connectionOf(conn_calDB), textsOf(JobID_RawA), textsOf(JobID_RawB),
-        textsOf(FluidName), textsOf(OperatorName), flagOf(Create_RotorA_SumSeries),
-        flagOf(Create_RotorB_SumSeries), flagOf(Create_RotorAB_SumSeries),
-        flagOf(Create_Ratio_Series), valueOr(StandID, latest), valueOr(PositionID, latest),
-        connectionOf(Conn_curveDB), valueOr(ReCalID, latest));
+    const bool canBeRead = haveOneDimension({JobID_RawA, JobID_RawB, FluidName, OperatorName});
+    const MeterInfo meter =
+        !canBeRead
+            ? listsOfAnotherShape()
+            : data_.importCaldb(textOf(MeterSN), connectionOf(conn_calDB), textsOf(JobID_RawA),
+                                textsOf(JobID_RawB), textsOf(FluidName), textsOf(OperatorName),
+                                flagOf(Create_RotorA_SumSeries), flagOf(Create_RotorB_SumSeries),
+                                flagOf(Create_RotorAB_SumSeries), flagOf(Create_Ratio_Series),
+                                valueOr(StandID, latest), valueOr(PositionID, latest),
+                                connectionOf(Conn_curveDB), valueOr(ReCalID, latest));
     store(meter, required(result), *types_.library);
   });
 }

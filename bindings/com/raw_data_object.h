@@ -73,7 +73,7 @@ class RawDataObject final : public _RawData,
   STDMETHODIMP DeleteSeries(BSTR* MeterSN, BSTR* Series, short* ReCalID,
                             VARIANT_BOOL* result) override;
   STDMETHODIMP get_BandPercent(float* value) override;
-  STDMETHODIMP put_BandPercent(float value) override;
+  STDMETHODIMP put_BandPercent(float* value) override;
   STDMETHODIMP determineFittedCurve(BSTR* SeriesName, BSTR* MeterSN, VARIANT_BOOL* ArrayIsEmpty,
                                     double* Predicted_Xmin, double* Predicted_Xmax,
                                     BSTR* Label_Xaxis, BSTR* Label_Yaxis, VARIANT_BOOL* bInverted,

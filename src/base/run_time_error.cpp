@@ -20,6 +20,7 @@ const char* description(RunTimeError number) {
     case RunTimeError::overflow: return "Overflow";
     case RunTimeError::outOfMemory: return "Out of memory";
     case RunTimeError::outOfRange: return "Subscript out of range";
+    case RunTimeError::arrayFixed: return "This array is fixed or temporarily locked";
     case RunTimeError::divisionByZero: return "Division by zero";
     case RunTimeError::typeMismatch: return "Type mismatch";
     case RunTimeError::fileNotFound: return "File not found";

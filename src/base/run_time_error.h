@@ -13,6 +13,7 @@ enum class RunTimeError : std::int32_t {
   overflow = 6,
   outOfMemory = 7,
   outOfRange = 9,
+  arrayFixed = 10,
   divisionByZero = 11,
   typeMismatch = 13,
   fileNotFound = 53,

@@ -34,7 +34,10 @@ TEST_F(early_members, keep_what_properties_are_set_to) {
   float band = -1;
   EXPECT_EQ(data->get_BandPercent(&band), S_OK);
   EXPECT_EQ(band, 0.0F);
-  EXPECT_EQ(data->put_BandPercent(0.25F), S_OK);
+  band = 0.25F;
+  EXPECT_EQ(data->put_BandPercent(&band), S_OK);
+  EXPECT_EQ(data->put_BandPercent(nullptr), E_POINTER);
+  band = 0;
   EXPECT_EQ(data->get_BandPercent(&band), S_OK);
   EXPECT_EQ(band, 0.25F);
 }

@@ -84,7 +84,8 @@ TEST_F(early_points, import_result_files_into_the_database) {
 TEST_F(early_points, fit_store_and_sort) {
   storeSeries();
   EXPECT_EQ(data->put_Unattended(VARIANT_TRUE), S_OK);
-  EXPECT_EQ(data->put_BandPercent(1.0F), S_OK);
+  float band = 1.0F;
+  EXPECT_EQ(data->put_BandPercent(&band), S_OK);
   EXPECT_EQ(data->put_NumberOfFittedPoints(11), S_OK);
   double low = 12, high = 1000;
   SAFEARRAY* fitted = nullptr;
@@ -115,10 +116,68 @@ TEST_F(early_points, fit_store_and_sort) {
   SafeArrayDestroy(sorted);
 }
 
-TEST_F(early_points, refuse_arrays_of_another_shape) {
-  useNewDatabase();
+TEST_F(early_points, of_another_shape_are_refused_after_the_old_ones_are_deleted) {
+  storeSeries();
+  SAFEARRAYBOUND bounds[3] = {{3, 0}, {2, 0}, {2, 0}};
+  for (const UINT dimensions : {1U, 3U}) {
+    SAFEARRAY* array = SafeArrayCreate(VT_R8, dimensions, bounds);
+    short dataSet = 0, first = 1;
+    BoxAnswerer boxes;
+    answer = VARIANT_TRUE;
+    EXPECT_EQ(data->SetRaw(series, meter, &array, &dataSet, &no, nullptr, &answer), S_OK);
+    EXPECT_EQ(answer, VARIANT_FALSE);
+    EXPECT_EQ(boxes.lastText(), "Error in RawData:SetRaw\r\nSubscript out of range");
+    ::MeterInfo info{};
+    EXPECT_EQ(data->GetRaw(series, meter, &first, nullptr, nullptr, &info), S_OK);
+    ASSERT_NE(entryOf(info), nullptr);
+    EXPECT_EQ(entryOf(info)->Raw[0].Points, nullptr);
+    SafeArrayDestroy(array);
+  }
+}
+
+TEST_F(early_points, of_another_shape_are_refused_where_a_curve_is_stored) {
+  storeSeries();
   SAFEARRAYBOUND bound{3, 0};
   SAFEARRAY* line = SafeArrayCreate(VT_R8, 1, &bound);
+  SAFEARRAY* curve = arrayOf({{1, 11}, {2, 21}});
+  BoxAnswerer boxes;
+  EXPECT_EQ(data->SetFitted(series, meter, &curve, &curve, Text("old"), &no, nullptr, &answer),
+            S_OK);
+  answer = VARIANT_TRUE;
+  EXPECT_EQ(data->SetFitted(series, meter, &curve, &line, Text("new"), &no, nullptr, &answer),
+            S_OK);
+  EXPECT_EQ(answer, VARIANT_FALSE);
+  EXPECT_EQ(boxes.lastText(), "Error in RawData:SetRaw\r\nSubscript out of range");
+  ::MeterInfo info{};
+  EXPECT_EQ(data->getFittedCurve(series, meter, nullptr, nullptr, nullptr, &info), S_OK);
+  ASSERT_NE(entryOf(info), nullptr);
+  EXPECT_EQ(entryOf(info)->Fitted, nullptr);
+  SafeArrayDestroy(line);
+  SafeArrayDestroy(curve);
+}
+
+TEST_F(early_points, lists_of_another_shape_end_an_import_in_its_box) {
+  useNewDatabase();
+  SAFEARRAYBOUND bounds[2] = {{1, 0}, {1, 0}};
+  SAFEARRAY* table = SafeArrayCreate(VT_BSTR, 2, bounds);
+  SAFEARRAY* list = SafeArrayCreate(VT_BSTR, 1, bounds);
+  BoxAnswerer boxes;
+  ::MeterInfo info{};
+  EXPECT_EQ(data->importCaldb(meter, nullptr, &table, &list, &list, &list, nullptr, nullptr,
+                              nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &info),
+            S_OK);
+  EXPECT_EQ(info.Source, -1);
+  ASSERT_EQ(boxes.boxes().size(), 1U);
+  EXPECT_EQ(boxes.lastText(), "Error in modFlow:copyCalData \r\nSubscript out of range");
+  EXPECT_EQ(boxes.boxes().front().title, "Error Pelmora");
+  SafeArrayDestroy(table);
+  SafeArrayDestroy(list);
+}
+
+TEST_F(early_points, of_another_type_fail_the_call) {
+  useNewDatabase();
+  SAFEARRAYBOUND bounds[2] = {{3, 0}, {2, 0}};
+  SAFEARRAY* line = SafeArrayCreate(VT_R4, 2, bounds);
   short dataSet = 0;
   EXPECT_EQ(data->SetRaw(series, meter, &line, &dataSet, &no, nullptr, &answer),
             static_cast<HRESULT>(0x800A000D));

@@ -37,6 +37,9 @@ TEST_F(late_members, convert_what_properties_are_set_to) {
   EXPECT_EQ(late().get(L"NumberOfFittedPoints").result.iVal, 25);
   EXPECT_EQ(late().put(L"BandPercent", variantOf(0.5)).code, S_OK);
   EXPECT_EQ(late().get(L"BandPercent").result.fltVal, 0.5F);
+  float band = 0.25F;
+  EXPECT_EQ(late().put(L"BandPercent", referenceTo(VT_R4, &band)).code, S_OK);
+  EXPECT_EQ(late().get(L"BandPercent").result.fltVal, 0.25F);
   for (const wchar_t* flag : {L"Unattended", L"RatioCurve", L"IgnoreResiduals"}) {
     EXPECT_EQ(late().put(flag, variantOf(1)).code, S_OK);
     EXPECT_EQ(late().get(flag).result.boolVal, VARIANT_TRUE);

@@ -112,7 +112,8 @@ void setX87Mode(unsigned short mode) { __asm__ volatile("fldcw %0" : : "m"(mode)
 TEST_F(lifetime, computes_alike_whatever_the_hosts_floating_point_mode) {
   storeSeries();
   data->put_Unattended(VARIANT_TRUE);
-  data->put_BandPercent(1.0F);
+  float band = 1.0F;
+  data->put_BandPercent(&band);
   const auto fit = [&] {
     double low = 12, high = 1000;
     VARIANT_BOOL isEmpty = VARIANT_TRUE;

@@ -15,7 +15,7 @@ struct Member {
   const char* result;
 };
 
-// The interface as it was published first. It never changes.
+// The interface as it is published. A change of it takes a new identity of _RawData.
 const Member members[] = {
     {"DataFitResultDetails", "property", 0x40030000, "value: text", "text"},
     {"NumberOfFittedPoints", "property", 0x40030001, "value: int16", "int16"},
@@ -38,7 +38,7 @@ const Member members[] = {
     {"Meters", "method", 0x6003000B, "ArrayIsEmpty: boolean&", "text()"},
     {"DeleteSeries", "method", 0x6003000C, "MeterSN: text&, Series: text&, ReCalID: int16&?=-1",
      "boolean"},
-    {"BandPercent", "property", 0x68030000, "value: single", "single"},
+    {"BandPercent", "property", 0x68030000, "value: single&", "single"},
     {"determineFittedCurve", "method", 0x6003000D,
      "SeriesName: text&, MeterSN: text&, ArrayIsEmpty: boolean&, Predicted_Xmin: double&, "
      "Predicted_Xmax: double&, "

@@ -22,7 +22,8 @@ MainJobResult doMainJob(const std::string& database) {
     ::DatabaseLocation location{};
     check(data->dbDirSetByString(path, &location), "dbDirSetByString");
     check(data->put_Unattended(VARIANT_TRUE), "Unattended");
-    check(data->put_BandPercent(1.0F), "BandPercent");
+    float band = 1.0F;
+    check(data->put_BandPercent(&band), "BandPercent");
     LONG id = 0;
     check(data->setMeterSN(meter, nullptr, &id), "setMeterSN");
     result.id = id;
