@@ -45,9 +45,9 @@ OneMoment::OneMoment(CurveSession& session)
     throw databaseTrouble("'" + session.path() + "' cannot be read now", error);
   }
   if (!askBefore_) return;
-  messages_.askOperator = [this](const std::string& text, int style) {
+  messages_.askOperator = [this](const std::string& text) {
     view_.reset();
-    return askBefore_(text, style);
+    return askBefore_(text);
   };
 }
 

@@ -24,7 +24,7 @@ class OneMoment {
 
  private:
   MessageRecorder& messages_;
-  std::function<int(const std::string&, int)> askBefore_;
+  std::function<RangeAnswer(const std::string&)> askBefore_;
   std::unique_ptr<ReadView> view_;
 };
 
@@ -38,7 +38,7 @@ class NoQuestions {
 
  private:
   MessageRecorder& messages_;
-  std::function<int(const std::string&, int)> askBefore_;
+  std::function<RangeAnswer(const std::string&)> askBefore_;
 };
 
 // As trySeries, and stores the curve with its settings in place of the old ones, which `change`

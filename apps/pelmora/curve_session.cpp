@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/curve_session.h"
 
+#include "apps/pelmora/range_question.h"
 #include "apps/pelmora/suggestion.h"
 #include "apps/pelmora/unreadable_series.h"
 #include "history/shared_connection.h"
@@ -56,9 +57,9 @@ EquationFolder& CurveSession::equationFolder() {
 
 void CurveSession::askAtTerminal() {
   if (isatty(STDIN_FILENO) == 0 || isatty(STDERR_FILENO) == 0) return;
-  messages_.askOperator = [this](const std::string& text, int style) {
+  messages_.askOperator = [this](const std::string& text) {
     progress_.clear();
-    return messages_.show(text, style);
+    return askAboutRange(text);
   };
 }
 

@@ -43,24 +43,16 @@ int MessageRecorder::answer(const std::string& text, int style) {
   if ((style & buttonSetMask) == abortRetryIgnore) {
     rawRange_ =
         "from " + valueBehind(text, "Min Raw : ") + " to " + valueBehind(text, "Max Raw : ");
-    rangeAnswered_ = answerToRange(text, style);
+    rangeAnswered_ = answerToRange(text);
     return static_cast<int>(*rangeAnswered_);
   }
   errors_.push_back(errorText(text));
   return okPressed;
 }
 
-RangeAnswer MessageRecorder::answerToRange(const std::string& text, int style) const {
+RangeAnswer MessageRecorder::answerToRange(const std::string& text) const {
   if (rangeAnswer) return *rangeAnswer;
-  if (!askOperator) return RangeAnswer::abort;
-  const int pressed = askOperator(text, style);
-  const bool isKnown = pressed == static_cast<int>(RangeAnswer::retry) ||
-                       pressed == static_cast<int>(RangeAnswer::ignore);
-  return isKnown ? static_cast<RangeAnswer>(pressed) : RangeAnswer::abort;
-}
-
-int MessageRecorder::show(const std::string& text, int style) const {
-  return before_ ? before_(text, style, "") : static_cast<int>(RangeAnswer::abort);
+  return askOperator ? askOperator(text) : RangeAnswer::abort;
 }
 
 void MessageRecorder::forget() {

@@ -24,11 +24,9 @@ class MessageRecorder {
 
   // The answer to the range question; absent: the operator's, or abort where nobody is asked.
   std::optional<RangeAnswer> rangeAnswer = RangeAnswer::abort;
-  // Shows a question and returns the button that was pressed; empty: nobody is asked.
-  std::function<int(const std::string& text, int style)> askOperator;
+  // Shows the range question and returns its answer; empty: nobody is asked.
+  std::function<RangeAnswer(const std::string& text)> askOperator;
 
-  // Shows a box as it was shown before this object took over.
-  int show(const std::string& text, int style) const;
   // Error boxes since the last forget(), in order, each as one text without its "Error in".
   [[nodiscard]] const std::vector<std::string>& errors() const { return errors_; }
   // The raw range as the range question told it, "from 1.5 to 700"; nothing where it was not asked.
@@ -42,7 +40,7 @@ class MessageRecorder {
 
  private:
   int answer(const std::string& text, int style);
-  [[nodiscard]] RangeAnswer answerToRange(const std::string& text, int style) const;
+  [[nodiscard]] RangeAnswer answerToRange(const std::string& text) const;
 
   std::function<int(const std::string&, int, const std::string&)> before_;
   std::vector<std::string> errors_;

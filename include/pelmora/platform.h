@@ -17,7 +17,8 @@ class FormPresenter;
 
 struct Platform {
   // The standard modal message box: style and result codes are the standard ones (OK 1, Cancel 2,
-  // Abort 3, Retry 4, Ignore 5, Yes 6, No 7).
+  // Abort 3, Retry 4, Ignore 5, Yes 6, No 7). By default the text goes to standard error and the
+  // answer is the one that changes nothing: OK for a lone OK button, Abort, No, or else Cancel.
   std::function<int(const std::string& text, int style, const std::string& title)> messageBox;
   std::function<std::unique_ptr<BandTester>()> createBandTester;
   std::function<std::unique_ptr<FitEngine>()> createFitEngine;

@@ -21,12 +21,6 @@ std::string printable(const std::string& text) {
   return result;
 }
 
-// One call, so that texts of several threads do not mix.
-void write(const std::string& text) {
-  std::fwrite(text.data(), 1, text.size(), stderr);
-  std::fflush(stderr);
-}
-
 }  // namespace
 
 int harmlessAnswer(int style) noexcept {
@@ -38,19 +32,13 @@ int harmlessAnswer(int style) noexcept {
   }
 }
 
-int terminalMessageBox(const std::string& text, int style, const std::string& title,
-                       const LineReader& readLine) {
+int messageBoxOnStandardError(const std::string& text, int style, const std::string& title) {
   std::string lines;
   if (!title.empty()) lines += printable(title) + ": ";
   lines += printable(text) + "\n";
-  const std::string question = readLine ? questionText(style) : std::string();
-  write(lines + question);
-  if (question.empty()) return harmlessAnswer(style);
-  while (const std::optional<std::string> line = readLine()) {
-    if (const std::optional<int> answer = answerOf(style, *line)) return *answer;
-    write(question);
-  }
-  write("\n");
+  // One call, so that texts of several threads do not mix.
+  std::fwrite(lines.data(), 1, lines.size(), stderr);
+  std::fflush(stderr);
   return harmlessAnswer(style);
 }
 

@@ -1,8 +1,7 @@
-// The standard message box: its codes, the answer that changes nothing, and its text-mode form.
+// The standard message box: its codes, the answer that changes nothing, and its form without a
+// window.
 // SPDX-License-Identifier: MIT
 #pragma once
-
-#include "ui/terminal_question.h"
 
 #include <string>
 
@@ -48,12 +47,11 @@ inline constexpr int no = 7;
 // ignored.
 [[nodiscard]] int harmlessAnswer(int style) noexcept;
 
-// A message box without a window: writes title and text to standard error. Where the style has more
-// than one button and `readLine` can read, it asks there until a line names a button; otherwise,
-// and at the end of input, it returns the harmless answer. Control characters other than line ends
-// and TAB are written as '?', so that a text from a database cannot steer the terminal.
-int terminalMessageBox(const std::string& text, int style, const std::string& title,
-                       const LineReader& readLine = {});
+// A message box without a window: writes title and text to standard error and returns the harmless
+// answer. It never asks: whatever waits on standard input is the host's. Control characters other
+// than line ends and TAB are written as '?', so that a text from a database cannot steer a
+// terminal.
+int messageBoxOnStandardError(const std::string& text, int style, const std::string& title);
 
 // Shows the calling thread's message box, platform().messageBox. Never throws: where there is none,
 // or it throws, the harmless answer is the result.

@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/os/library_folder.h"
-#include "adapters/os/terminal_lines.h"
 #include "ui/message_box.h"
 #include "wiring/database_driver.h"
 
 #include <pelmora/platform.h>
-
-#include <cstdio>
 
 #if defined(PELMORA_HAS_SOLVER)
 #include "solver/solver.h"
@@ -20,10 +17,7 @@ namespace {
 
 Platform defaultPlatform() {
   Platform platform;
-  platform.messageBox = [](const std::string& text, int style, const std::string& title) {
-    return terminalMessageBox(text, style, title,
-                              isTerminal(stdin) ? LineReader(terminalLine) : LineReader());
-  };
+  platform.messageBox = messageBoxOnStandardError;
 #if defined(PELMORA_HAS_BAND)
   platform.createBandTester = createBandTester;
 #endif

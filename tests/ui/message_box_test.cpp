@@ -38,23 +38,23 @@ TEST_F(message_box, harmless_answer_to_an_unknown_set_is_cancel) {
   EXPECT_EQ(harmlessAnswer(-1), 2);
 }
 
-TEST_F(message_box, terminal_box_writes_title_and_text_to_standard_error) {
+TEST_F(message_box, box_without_a_window_writes_title_and_text_to_standard_error) {
   testing::internal::CaptureStderr();
-  const int answer = terminalMessageBox("Error in RawData:SetRaw\r\nOverflow", 16, "Error");
+  const int answer = messageBoxOnStandardError("Error in RawData:SetRaw\r\nOverflow", 16, "Error");
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "Error: Error in RawData:SetRaw\nOverflow\n");
   EXPECT_EQ(answer, 1);
 }
 
-TEST_F(message_box, terminal_box_without_a_title_writes_the_text_alone) {
+TEST_F(message_box, box_without_a_window_and_title_writes_the_text_alone) {
   testing::internal::CaptureStderr();
-  const int answer = terminalMessageBox("Min X : 1\t\tMin Raw : 2", 2, "");
+  const int answer = messageBoxOnStandardError("Min X : 1\t\tMin Raw : 2", 2, "");
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "Min X : 1\t\tMin Raw : 2\n");
   EXPECT_EQ(answer, 3);
 }
 
-TEST_F(message_box, terminal_box_does_not_pass_control_characters_on) {
+TEST_F(message_box, box_without_a_window_does_not_pass_control_characters_on) {
   testing::internal::CaptureStderr();
-  terminalMessageBox(std::string("a\x1b[2Jb\0c\rd\x7f", 11), 0, "t\x07");
+  messageBoxOnStandardError(std::string("a\x1b[2Jb\0c\rd\x7f", 11), 0, "t\x07");
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "t?: a?[2Jb?c?d?\n");
 }
 

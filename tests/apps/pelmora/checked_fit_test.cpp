@@ -144,10 +144,10 @@ TEST_F(fit_beside_another_program, asks_nobody_while_others_wait) {
     isLocked = true;
   };
   int questions = 0;
-  session.messages().askOperator = [&](const std::string&, int) {
+  session.messages().askOperator = [&](const std::string&) {
     EXPECT_FALSE(isLocked);
     ++questions;
-    return static_cast<int>(RangeAnswer::ignore);
+    return RangeAnswer::ignore;
   };
   FitOptions options;
   options.min = 9;
@@ -165,9 +165,9 @@ TEST_F(fit_beside_another_program, asks_nobody_while_others_wait) {
 TEST_F(fit_beside_another_program, lets_it_write_while_the_operator_thinks) {
   CurveSession session(path, Access::write);
   StoredChange change(session, "fit", false);
-  session.messages().askOperator = [&](const std::string&, int) {
+  session.messages().askOperator = [&](const std::string&) {
     sql(twice);  // would find the database locked
-    return static_cast<int>(RangeAnswer::retry);
+    return RangeAnswer::retry;
   };
   FitOptions options;
   options.min = 9;

@@ -5,6 +5,9 @@
 #include <gtest/gtest.h>
 #include <pelmora/platform.h>
 
+#include <array>
+#include <utility>
+
 namespace pelmora::test {
 namespace {
 
@@ -25,38 +28,27 @@ class StandardInput {
   int before_;
 };
 
-int boxed(int style) {
-  testing::internal::CaptureStderr();
-  const int answer = platform().messageBox("Out of range", style, "");
-  EXPECT_EQ(testing::internal::GetCapturedStderr().substr(0, 13), "Out of range\n");
-  return answer;
-}
-
-TEST(terminal_question, is_answered_by_the_operator) {
+TEST(message_box_by_default, never_asks_at_a_terminal) {
   const PseudoTerminal terminal;
   const StandardInput input(terminal.device());
   terminal.type("i\n");
-  EXPECT_EQ(boxed(2), 5);
-  terminal.type("Yes\n");
-  EXPECT_EQ(boxed(4), 6);
+  for (const auto& [style, harmless] : {std::pair{0, 1}, {1, 2}, {2, 3}, {3, 2}, {4, 7}, {5, 2}}) {
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(platform().messageBox("Out of range", style, "Fit"), harmless);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Fit: Out of range\n");
+  }
 }
 
-TEST(terminal_question, end_of_input_is_harmless_and_not_for_ever) {
+TEST(message_box_by_default, leaves_what_was_typed_to_the_host) {
   const PseudoTerminal terminal;
   const StandardInput input(terminal.device());
-  terminal.type("\x04");
-  EXPECT_EQ(boxed(2), 3);
-  terminal.type("r\n");
-  EXPECT_EQ(boxed(2), 4);
-}
-
-TEST(terminal_question, is_not_asked_where_input_is_a_file) {
-  const int nothing = open("/dev/null", O_RDONLY);
-  {
-    const StandardInput input(nothing);
-    EXPECT_EQ(boxed(2), 3);
-  }
-  close(nothing);
+  terminal.type("i\n");
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(platform().messageBox("Out of range", 2, ""), 3);
+  testing::internal::GetCapturedStderr();
+  std::array<char, 8> line{};
+  ASSERT_EQ(read(STDIN_FILENO, line.data(), line.size()), 2);
+  EXPECT_EQ(line[0], 'i');
 }
 
 }  // namespace
