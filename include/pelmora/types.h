@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pelmora/error.h>
 #include <pelmora/export.h>
 
 #include <array>
@@ -22,8 +23,9 @@ namespace pelmora {
 class PointArray {
  public:
   PointArray() = default;
+  // Filled with zeros. Errors: Error 6 (overflow) for more values than memory can be addressed for.
   explicit PointArray(std::size_t points, std::size_t columns = 2)
-      : points_(points), columns_(columns), values_(points * columns) {}
+      : points_(points), columns_(columns), values_(valueCount(points, columns)) {}
   // PointArray{{x, y}, {x, y}}
   PointArray(std::initializer_list<std::array<double, 2>> points) : PointArray(points.size()) {
     std::size_t i = 0;
@@ -46,16 +48,34 @@ class PointArray {
     return values_[column * points_ + point];
   }
 
+  // One column; no values where the array has no bounds. Errors: Error 9 where there is no column
+  // c.
   [[nodiscard]] std::span<double> column(std::size_t c) {
-    return std::span<double>(values_).subspan(c * points_, points_);
+    return std::span<double>(values_).subspan(startOf(c), points_);
   }
   [[nodiscard]] std::span<const double> column(std::size_t c) const {
-    return std::span<const double>(values_).subspan(c * points_, points_);
+    return std::span<const double>(values_).subspan(startOf(c), points_);
   }
 
   bool operator==(const PointArray&) const = default;
 
  private:
+  static std::size_t valueCount(std::size_t points, std::size_t columns) {
+    if (columns != 0 && points > std::vector<double>().max_size() / columns) {
+      throw Error(6, "Pelmora",
+                  "Overflow: an array of " + std::to_string(points) + " points and " +
+                      std::to_string(columns) + " columns is larger than any memory");
+    }
+    return points * columns;
+  }
+  [[nodiscard]] std::size_t startOf(std::size_t c) const {
+    if (points_ == 0 && columns_ == 0) return 0;
+    if (c < columns_) return c * points_;
+    throw Error(9, "Pelmora",
+                "Subscript out of range: column " + std::to_string(c) + " of an array of " +
+                    std::to_string(columns_) + " columns");
+  }
+
   std::size_t points_ = 0;
   std::size_t columns_ = 0;
   std::vector<double> values_;
