@@ -22,6 +22,9 @@ namespace pelmora {
 //           returns its result as far as it was filled. Only LastFittedRatioSort throws.
 // Databases: an operation with a connection argument uses the one given and leaves it open; without
 //           one it opens the database at dbDir() and closes it.
+// Names:    serial numbers, series names, fluids, operators and job identities become part of
+//           statements without being escaped: an apostrophe breaks the statement, and a name made
+//           for it changes what is found or deleted. Check what a user typed before passing it on.
 // ReCalID:  -1 means the latest calibration of the meter.
 //
 //     pelmora::RawData data;

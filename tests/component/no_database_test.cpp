@@ -87,6 +87,7 @@ TEST_F(no_database, copyCaldb_without_a_stand_shows_its_box_and_returns_false) {
 TEST_F(no_database, importCaldb_shows_its_box_and_brings_nothing) {
   const MeterInfo meter = data_->importCaldb("4711", nullptr, {"1"}, {""}, {"oil"}, {"me"});
   EXPECT_TRUE(meter.Series.empty());
+  EXPECT_EQ(meter.Source, -1);
   EXPECT_EQ(boxes(), Journal{"Error in modFlow:copyCalData \r\nno such file|16|Error driver"});
 }
 

@@ -70,7 +70,9 @@ TEST(expression_parser, an_e_belongs_to_a_number_only_where_digits_follow) {
   EXPECT_EQ(valueOf("2.5e+2"), 250);
   EXPECT_EQ(valueOf(".5"), 0.5);
   EXPECT_EQ(valueOf("5."), 5);
+  EXPECT_EQ(valueOf("2e3"), 2000);
   EXPECT_EQ(valueOf("e*2"), 14);
+  EXPECT_EQ(valueOf("2*e"), 14);
   EXPECT_EQ(failureOf("2e"), "expected an operator before 'e' at position 2");
   EXPECT_EQ(failureOf("2e*x"), "expected an operator before 'e' at position 2");
 }

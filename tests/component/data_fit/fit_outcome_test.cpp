@@ -33,6 +33,32 @@ TEST_F(fit_outcome, says_how_each_equation_ended) {
   EXPECT_EQ(outcome.Chosen, std::optional<std::size_t>(1));
 }
 
+TEST_F(fit_outcome, equation_that_passes_and_ranks_lower_is_accepted) {
+  useEquations({"A", "B"});  // B has index 0
+  engine_.solutions["A"] = test::solutionOf(0.5, 0.7);
+  engine_.solutions["B"] = test::solutionOf(0.5, 0.6);
+  const auto fitting = makeFitting();
+  fit(*fitting);
+  const FitOutcome outcome = fitting->outcome();
+  ASSERT_EQ(outcome.Equations.size(), 2U);
+  EXPECT_EQ(outcome.Equations[0].Verdict, EquationVerdict::accepted);
+  EXPECT_EQ(outcome.Equations[0].Reason, "");
+  EXPECT_EQ(outcome.Equations[1].Verdict, EquationVerdict::chosen);
+}
+
+TEST_F(fit_outcome, ratio_curve_that_fails_its_test_says_so) {
+  useEquations({"A"});
+  band_.ratioCurve = [](std::span<const double>, std::span<const double>) { return false; };
+  const auto fitting = makeFitting();
+  fitting->RatioCurve = true;
+  fit(*fitting);
+  const FitOutcome outcome = fitting->outcome();
+  ASSERT_EQ(outcome.Equations.size(), 1U);
+  EXPECT_EQ(outcome.Equations[0].Verdict, EquationVerdict::ratioTestFailed);
+  EXPECT_NE(outcome.Equations[0].Reason, "");
+  EXPECT_EQ(outcome.Chosen, std::nullopt);
+}
+
 TEST_F(fit_outcome, chosen_is_absent_where_none_was) {
   useEquations({"A"});
   engine_.otherwise.found = false;

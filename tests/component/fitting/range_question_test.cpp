@@ -105,6 +105,7 @@ TEST_F(range_question, retry_replaces_an_end_that_fitted_too) {
   xMax_ = 8;
   answer(box_answer::retry);
   fit();
+  EXPECT_EQ(xMin_, 1.25);
   EXPECT_EQ(xMax_, 1.0 / 3 + 10);
 }
 

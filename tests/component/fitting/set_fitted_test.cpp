@@ -175,6 +175,9 @@ TEST_F(set_last_fitted, stores_the_shared_record_for_the_last_fitted_series) {
 
 TEST_F(set_last_fitted, clearing_keeps_the_last_summary) {
   EXPECT_TRUE(SetLastFitted(context_, true));
+  EXPECT_EQ(executed(), (Journal{"DELETE from curve where seriesID = 7",
+                                 "DELETE from DataFitResults where seriesID = 7",
+                                 "DELETE from merge where seriesid = 7"}));
   EXPECT_EQ(test::linesOf(journal_, "add "), Journal{"seriesID=7 summary=last report"});
 }
 

@@ -87,6 +87,12 @@ TEST_F(lookups, break_on_a_quote_in_the_serial_number) {
                                           errorBoxOf("Error in Misc:getSeriesID")));
 }
 
+TEST_F(lookups, find_what_a_made_up_name_asks_for) {
+  const MeterInfo record = find("M1", -1, "x' OR 'a'='a");
+  ASSERT_THAT(record.Series, SizeIs(1));
+  EXPECT_EQ(record.Series[0].SeriesID, 12);  // of the series "Rotor A"
+}
+
 TEST_F(lookups, let_no_second_statement_in) {
   EXPECT_EQ(find("M1'; DELETE from meter; select '").Source, -1);
   EXPECT_THAT(lines("select * from meter"), SizeIs(3));

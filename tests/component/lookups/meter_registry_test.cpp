@@ -64,6 +64,14 @@ TEST_F(setMeterSNOf, any_meter_tells_the_host) {
   EXPECT_THAT(events, ElementsAre("Saving meter serial number M1"));
 }
 
+TEST_F(setMeterSNOf, any_meter_tells_the_host_before_anything_is_opened) {
+  std::size_t stepsBefore = 99;
+  const OperationContext telling(shared, platform(),
+                                 [&](const std::string&) { stepsBefore = log().size(); });
+  (void)setMeterSN(telling, "M1", adjusted);
+  EXPECT_EQ(stepsBefore, 0U);
+}
+
 TEST_F(setMeterSNOf, a_meter_with_the_last_recal_number_is_an_overflow) {
   script->answer(lastMeter, meterRow(32767));
   EXPECT_EQ(add(), 0);

@@ -84,6 +84,19 @@ TEST_F(copyCaldbOf, a_refused_second_job_is_false_and_shown) {
   EXPECT_TRUE(curves->isOpen());
 }
 
+TEST_F(copyCaldbOf, a_refused_second_job_leaves_an_open_stand_open) {
+  stand = openConnection();
+  script->fail(copySecond, refused);
+  EXPECT_FALSE(copy("1002"));
+  EXPECT_TRUE(stand->isOpen());
+}
+
+TEST_F(copyCaldbOf, a_refused_second_job_closes_a_stand_that_was_closed_before) {
+  script->fail(copySecond, refused);
+  EXPECT_FALSE(copy("1002"));
+  EXPECT_FALSE(stand->isOpen());
+}
+
 TEST_F(copyCaldbOf, a_failing_insert_comes_after_the_delete) {
   script->fail(copyFirst, refused);
   EXPECT_FALSE(copy());

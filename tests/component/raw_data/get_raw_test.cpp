@@ -143,8 +143,10 @@ TEST_F(getRSvaluesOf, a_table_are_its_points_of_that_series) {
 }
 
 TEST_F(getRSvaluesOf, a_table_pump_the_hosts_messages_once) {
+  platform().pumpMessages = [this] { events.push_back("pump after " + log().back()); };
   (void)getRSvalues(context, "curve", 11, nullptr);
-  EXPECT_THAT(events, ElementsAre("pump"));
+  EXPECT_THAT(events, ElementsAre("pump after open"));
+  EXPECT_EQ(log().at(1), "read " + statement);
 }
 
 TEST_F(getRSvaluesOf, a_passed_connection_leave_it_open) {

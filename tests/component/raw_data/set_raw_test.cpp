@@ -3,6 +3,8 @@
 #include "component/raw_points.h"
 #include "tests/support/operation_test.h"
 
+#include <algorithm>
+
 namespace pelmora::test {
 namespace {
 
@@ -131,9 +133,15 @@ TEST_F(SetRawOf, one_point_too_many_is_an_overflow_and_sends_nothing) {
 }
 
 TEST_F(SetRawOf, a_batch_that_fails_is_false_and_closes_the_connection) {
+  knowSeries();
   script->fail("update batch", refused);
   EXPECT_FALSE(set());
   EXPECT_THAT(boxes, ElementsAre(errorBox("Error in RawData:SetRaw", "Syntax error")));
+  // What was deleted stays deleted: nothing takes it back.
+  EXPECT_EQ(log().at(3), "execute DELETE from raw1 where seriesID = 11");
+  EXPECT_EQ(std::ranges::count_if(
+                log(), [](const std::string& step) { return step.starts_with("execute "); }),
+            1);
   EXPECT_EQ(log().back(), "close");
 }
 
