@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Runs the examples of a document, in order, in a folder of their own.
+"""Runs the examples of one or more documents, in order, in one folder of their own.
 
-    run_examples.py DOCUMENT --program FOLDER_OF_PELMORA --source REPOSITORY --work FOLDER [--write]
+    run_examples.py DOCUMENT... --program FOLDER_OF_PELMORA --source REPOSITORY --work FOLDER [--write]
 
-Every command of a ```sh block must end with 0, or with N where its line says "# exits with N". A ```text block right
-below holds what the commands of the block print together; a line "..." stands for any lines. Dates, times and file
-sizes are not compared. Blocks of other kinds and indented ones are not run. --write puts what was printed into the
-text blocks that differ.
+Every command of a ```sh block must exit with 0, or with N if its line says "# exits with N". A ```text block directly
+below holds the combined output of the block's commands; a line "..." stands for any lines. Dates, times and file sizes
+are not compared. Other blocks and indented ones are not run. --write replaces the text blocks that differ with the
+actual output.
 """
 # SPDX-License-Identifier: MIT
 import argparse
@@ -66,22 +66,9 @@ def run(command, folder, environment):
     return ended.stdout, None
 
 
-def main():
-    arguments = argparse.ArgumentParser()
-    arguments.add_argument("document", type=pathlib.Path)
-    arguments.add_argument("--program", required=True)
-    arguments.add_argument("--source", required=True, type=pathlib.Path)
-    arguments.add_argument("--work", required=True, type=pathlib.Path)
-    arguments.add_argument("--write", action="store_true")
-    options = arguments.parse_args()
-
-    shutil.rmtree(options.work, ignore_errors=True)
-    options.work.mkdir(parents=True)
-    (options.work / "examples").symlink_to(options.source / "examples")
-    environment = {**os.environ, "PATH": options.program + os.pathsep + os.environ["PATH"], "LC_ALL": "C.UTF-8",
-                   "HOME": str(options.work), "XDG_CONFIG_HOME": str(options.work / "config")}
-
-    document = options.document.read_text()
+def check(path, options, environment):
+    """Runs the examples of one document and returns whether all of them pass."""
+    document = path.read_text()
     blocks = list(FENCE.finditer(document))
     failures, ran, compared, replacements = [], 0, 0, []
     for number, block in enumerate(blocks):
@@ -94,23 +81,40 @@ def main():
             printed += output
             ran += 1
             if failure:
-                failures.append(f"{options.document.name}:{line}: {command}\n{failure}")
+                failures.append(f"{path.name}:{line}: {command}\n{failure}")
         following = blocks[number + 1] if number + 1 < len(blocks) else None
         if following is None or following.group(1) != "text" or document[block.end():following.start()].strip():
             continue
         compared += 1
         if not agrees(comparable(following.group(2)), comparable(printed)):
-            failures.append(f"{options.document.name}:{line}: the block below tells\n{following.group(2)}"
-                            f"but printed is\n{printed}")
+            failures.append(f"{path.name}:{line}: expected\n{following.group(2)}but the output is\n{printed}")
             replacements.append((following.span(2), printed.rstrip("\n") + "\n"))
 
     if options.write:
         for (begin, end), text in reversed(replacements):
             document = document[:begin] + text + document[end:]
-        options.document.write_text(document)
+        path.write_text(document)
     print("\n\n".join(failures))
-    print(f"{options.document.name}: {ran} commands run, {compared} outputs compared, {len(failures)} failures")
-    return 1 if failures or not ran else 0
+    print(f"{path.name}: {ran} commands run, {compared} outputs compared, {len(failures)} failures")
+    return ran > 0 and not failures
+
+
+def main():
+    arguments = argparse.ArgumentParser()
+    arguments.add_argument("documents", type=pathlib.Path, nargs="+")
+    arguments.add_argument("--program", required=True)
+    arguments.add_argument("--source", required=True, type=pathlib.Path)
+    arguments.add_argument("--work", required=True, type=pathlib.Path)
+    arguments.add_argument("--write", action="store_true")
+    options = arguments.parse_args()
+
+    shutil.rmtree(options.work, ignore_errors=True)
+    options.work.mkdir(parents=True)
+    (options.work / "examples").symlink_to(options.source / "examples")
+    environment = {**os.environ, "PATH": options.program + os.pathsep + os.environ["PATH"], "LC_ALL": "C.UTF-8",
+                   "HOME": str(options.work), "XDG_CONFIG_HOME": str(options.work / "config")}
+    results = [check(document, options, environment) for document in options.documents]
+    return 0 if all(results) else 1
 
 
 if __name__ == "__main__":
