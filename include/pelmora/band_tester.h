@@ -1,4 +1,4 @@
-// The band test that decides whether a fitted curve may be used.
+// The band test, which decides whether a fitted curve may be used.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -10,7 +10,7 @@
 
 namespace pelmora {
 
-// The role of Kestrand: tests points against a predicted curve that is read as a table.
+// The role of Kestrand: tests points against a predicted curve, read as a table.
 class PELMORA_API BandTester {
  public:
   virtual ~BandTester() = default;

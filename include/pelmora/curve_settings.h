@@ -1,4 +1,4 @@
-// With which settings a stored curve was fitted, kept beside it.
+// The settings with which a stored curve was fitted, kept beside it.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -11,11 +11,11 @@
 
 namespace pelmora {
 
-// What a fit was asked for. The given tables of a curve database keep the result alone.
+// The settings of a fit. The given tables of a curve database keep only its result.
 struct CurveSettings {
   double BandPercent = 0;
   std::int32_t Points = 40;        // of the predicted table
-  std::optional<double> Min, Max;  // Roshko; absent: that end of the merged points
+  std::optional<double> Min, Max;  // Roshko; absent: the respective end of the merged points
   bool RatioCurve = false, Inverted = false, IgnoreResiduals = false;
   std::optional<std::string>
       Equations;  // text of the equation file; absent: the built-in equations
@@ -25,16 +25,16 @@ struct CurveSettings {
   bool operator==(const CurveSettings&) const = default;
 };
 
-// The settings with which the series was fitted last; nothing where they were not kept.
+// The settings of the last fit of the series; nothing if they were not kept.
 //
-// Errors: Error where the connection cannot be used.
+// Errors: Error if the connection cannot be used.
 [[nodiscard]] PELMORA_API std::optional<CurveSettings> keptCurveSettings(
     const ConnectionPtr& curves, std::int32_t SeriesID);
 
-// Keeps them in table pelmora_fit_settings, in place of older ones of the series. The component
-// never calls this: a host does where it stores a curve. The table is made where it is missing.
+// Stores the settings in the table pelmora_fit_settings in place of earlier ones of the series, and
+// creates the table if needed. The component never calls this; call it when you store a curve.
 //
-// Errors: Error where the database cannot be written.
+// Errors: Error if the database cannot be written.
 PELMORA_API void keepCurveSettings(const ConnectionPtr& curves, std::int32_t SeriesID,
                                    const CurveSettings& settings);
 

@@ -13,8 +13,8 @@ namespace pelmora {
 // A failure with its 32-bit code, the routine that raised it and a description.
 //
 // Codes: the classic run-time numbers (5 invalid argument, 6 overflow, 9 out of range, 11 division
-// by zero, 13 type mismatch, ...), those on the error base 0x80040000, and 0x80004005 for a
-// database that another user has locked, and for nothing else.
+// by zero, 13 type mismatch, ...), those on the error base 0x80040000, and 0x80004005, which
+// always means a database that another user has locked.
 class PELMORA_API Error : public std::runtime_error {
  public:
   Error(std::int32_t number, std::string source, const std::string& description);

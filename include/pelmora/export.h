@@ -1,4 +1,4 @@
-// Marks what the shared library shows to its hosts; everything else stays hidden.
+// Marks what the shared library exports to its hosts; everything else stays hidden.
 // SPDX-License-Identifier: MIT
 #pragma once
 

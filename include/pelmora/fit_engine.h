@@ -29,8 +29,8 @@ struct FitParameter {
 
 // With n observations, p parameters: ResidualStandardError = sqrt(RSS / (n - p)),
 // RSquared = 1 - RSS / TSS, AdjustedRSquared = 1 - (1 - RSquared) (n - 1) / (n - p),
-// RegressionSumOfSquares = TSS - RSS, with TSS about the mean of y; an engine may take TSS about
-// zero, with n in place of n - 1, for an equation without a constant term. All zero where no
+// RegressionSumOfSquares = TSS - RSS, with TSS about the mean of y. For an equation without a
+// constant term, an engine may take TSS about zero, with n in place of n - 1. All are zero if no
 // solution was found.
 struct FitStatistics {
   std::int32_t Observations = 0, Iterations = 0;
@@ -39,10 +39,10 @@ struct FitStatistics {
 };
 
 struct SolverSettings {
-  std::int32_t First = 0, Second = 0;  // limit of iterations, number of starts
+  std::int32_t First = 0, Second = 0;  // maximum number of iterations, number of starts
   double ResidualTolerance = 0;
   std::vector<double>
-      StartValues;  // one per parameter, in order of the letters; empty: the engine's own
+      StartValues;  // one per parameter, in alphabetical order; empty: the engine's own
 };
 
 // One equation, one fit. Shapes: n points, p parameters.
@@ -52,8 +52,8 @@ class PELMORA_API FitModel {
   ModelDefinition Definition;
   SolverSettings Settings;
 
-  // Fits the definition's expression to the columns with the symbols "X" and "Y". One data object
-  // serves all equations of a run.
+  // Fits the definition's expression to the columns with the symbols "X" and "Y". All equations
+  // of a run share one data object.
   virtual void attach(const std::shared_ptr<const FitData>& data) = 0;
   [[nodiscard]] virtual bool solutionFound() const = 0;
   // The fitted table, n rows: columns 1 x, 2 observed y, 3 residual.
@@ -62,10 +62,10 @@ class PELMORA_API FitModel {
   [[nodiscard]] virtual std::vector<FitParameter> parameters() const = 0;
   [[nodiscard]] virtual FitStatistics statistics() const = 0;
   virtual void writeLog(const std::string& path) const = 0;
-  // Why there is no solution, in words; empty where there is one or the engine does not say.
+  // Why there is no solution, in words; empty if there is one or the engine does not say.
   [[nodiscard]] virtual std::string failureReason() const { return {}; }
 
-  // The following are empty or false where there is no solution or the engine cannot tell.
+  // The following are empty or false if there is no solution or the engine does not know.
   // Whether the equation is linear in its parameters.
   [[nodiscard]] virtual bool linear() const { return false; }
   // Covariance of the parameters, p x p, row-major.
@@ -74,8 +74,8 @@ class PELMORA_API FitModel {
   [[nodiscard]] virtual std::vector<double> standardErrorsOfCurve(std::span<const double>) const {
     return {};
   }
-  // The curve at many more x than a run asks for, to look closer at the equation that was chosen;
-  // empty where `evaluate` is meant for the run alone.
+  // The curve at many more x than a run needs, for a closer look at the chosen equation; empty if
+  // `evaluate` serves only the run.
   [[nodiscard]] virtual std::vector<double> sampleCurve(std::span<const double>) const {
     return {};
   }

@@ -1,4 +1,4 @@
-// What the last fit did with each equation of the catalogue.
+// How each equation of the catalogue did in the last fit.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -16,9 +16,9 @@ enum class EquationVerdict {
   notTried = 0,            // an earlier equation ended the run
   noSolution = 1,          // the engine found none
   residualTestFailed = 2,  // the largest residual ratio is beyond the limit
-  ratioTestFailed = 3,     // the curve is no rotor ratio curve
+  ratioTestFailed = 3,     // the curve is not a valid rotor ratio curve
   bandTestFailed = 4,      // a raw point lies outside the band
-  accepted = 5,            // passed every test, another equation ranks higher
+  accepted = 5,            // passed every test, but another equation ranks higher
   chosen = 6
 };
 
@@ -31,38 +31,38 @@ struct EquationOutcome {
   std::vector<FitParameter> Parameters;
   bool Linear = false;  // in its parameters
   std::vector<double>
-      Covariance;  // of the parameters, p x p row by row; empty where the engine has none
-  // Akaike's criterion corrected for small samples, and the Bayesian one; the variance counts as a
-  // parameter. Smaller is better, among fits of the same points. Absent where they are not defined.
+      Covariance;  // of the parameters, p x p, row-major; empty if the engine has none
+  // Akaike's information criterion corrected for small samples, and the Bayesian one; the variance
+  // counts as a parameter. Smaller is better among fits of the same points. Absent if undefined.
   std::optional<double> Aicc, Bic;
   double WorstResidualRatio = 0;  // residual / observed y of largest magnitude, signed
-  double WorstResidualX = 0;      // where
-  PointArray Predicted;           // the predicted table; no bounds where there is none
+  double WorstResidualX = 0;      // where it occurs
+  PointArray Predicted;           // the predicted table; no bounds if there is none
 };
 
-// What the tests at the raw points cannot see in a chosen curve.
+// Defects of a chosen curve that the tests at the raw points cannot see.
 enum class CurveWarningKind {
   pole = 0,           // leaves the finite numbers, or swings wildly, between neighbouring points
   oscillation = 1,    // turns between neighbouring points by more than the noise explains
-  fewLevels = 2,      // as many parameters as distinct x levels, or more
+  fewLevels = 2,      // at least as many parameters as distinct x levels
   extrapolation = 3,  // predicted beyond the raw points
-  tableReading = 4    // the table read linearly misses its own curve
+  tableReading = 4    // linear interpolation in the table misses its own curve
 };
 
 struct CurveWarning {
   CurveWarningKind Kind = CurveWarningKind::pole;
   double FromX = 0, ToX = 0;  // where
-  double Percent = 0;         // how far, in per cent of the curve; 0 where that says nothing
+  double Percent = 0;         // by how much, in per cent of the curve; 0 if not applicable
   std::string Text;           // in words
 };
 
-// Equations stand in catalogue order; the fit run tries them from the last to the first.
+// Equations are in catalogue order; the fit run tries them from the last to the first.
 struct FitOutcome {
   std::vector<EquationOutcome> Equations;
   std::optional<std::size_t> Chosen;
-  // Of the chosen curve, one per predicted point: half widths of the 95 % confidence band of the
-  // curve and of the 95 % prediction band of a further measurement, in units of y. Empty where the
-  // engine does not know.
+  // For the chosen curve, one per predicted point: half-widths of the 95 % confidence band of the
+  // curve and of the 95 % prediction band of one more measurement, in units of y. Empty if the
+  // engine does not know them.
   std::vector<double> ConfidenceHalfWidth, PredictionHalfWidth;
   std::vector<CurveWarning> Warnings;
 };

@@ -1,4 +1,4 @@
-// Tables of a host's own beside those of a curve database, and changes that belong together.
+// A host's own tables in a curve database, and changes that belong together.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -11,11 +11,11 @@
 namespace pelmora {
 
 enum class OwnColumnType {
-  key,      // whole number that the database makes; none is used twice
+  key,      // whole number assigned by the database; none is used twice
   whole,    // whole number
   real,     // number
   text,     // compares without regard to case
-  anything  // keeps the form, number or text, that a value has
+  anything  // keeps each value as it is, number or text
 };
 
 struct OwnColumn {
@@ -35,34 +35,34 @@ struct TableIndex {
 
 // Names compare without regard to case.
 //
-// Errors, of all of them: Error 91 for a null connection, 3251 where the database cannot be
-// designed
-//         (a stand's export), 0x80004005 where it is locked; another one where it cannot be used.
+// Errors of all these functions: Error 91 for a null connection, 3251 if the database cannot have
+//         tables added (a stand's export), 0x80004005 if it is locked; another Error if it cannot
+//         be used.
 [[nodiscard]] PELMORA_API bool hasTable(const ConnectionPtr& curves, const std::string& name);
-// Does nothing where there is a table of that name.
+// Does nothing if a table of that name exists.
 PELMORA_API void createTable(const ConnectionPtr& curves, const OwnTable& table);
-// Whether an index of the table, or its key, begins with these columns in this order.
+// Whether an index of the table, or its key, starts with these columns in this order.
 [[nodiscard]] PELMORA_API bool hasIndex(const ConnectionPtr& curves, const std::string& table,
                                         const std::vector<std::string>& columns);
-// Does nothing where there is an index of that name.
+// Does nothing if an index of that name exists.
 PELMORA_API void createIndex(const ConnectionPtr& curves, const TableIndex& index);
 
-// What is changed through this connection while the object lives: all of it from commit() on, and
-// none of it otherwise, even where the program is killed. Others cannot write meanwhile, but read
-// what there was before.
+// Makes all changes through this connection during the object's lifetime take effect together at
+// commit(), or not at all, even if the program is killed. Meanwhile others cannot write; they read
+// the previous state.
 //
 //     pelmora::Transaction transaction(curves);
 //     ...
 //     transaction.commit();
 class PELMORA_API Transaction {
  public:
-  // Errors: as above; Error where the connection is in a transaction already.
+  // Errors: as above; Error if the connection is already in a transaction.
   explicit Transaction(ConnectionPtr curves);
   ~Transaction();
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
 
-  // Errors: Error; the changes are then undone with this object.
+  // Errors: Error; the destructor then undoes the changes.
   void commit();
 
  private:
@@ -70,10 +70,10 @@ class PELMORA_API Transaction {
   bool isOpen_ = true;
 };
 
-// What is read through this connection while the object lives is of one moment, and many small
-// reads cost less. Keep it short: others cannot store changes meanwhile.
+// Everything read through this connection during the object's lifetime is from one moment, and many
+// small reads cost less. Keep it short: meanwhile others cannot store changes.
 //
-// Errors: as of Transaction.
+// Errors: as for Transaction.
 class PELMORA_API ReadView {
  public:
   explicit ReadView(ConnectionPtr curves);

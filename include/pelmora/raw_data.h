@@ -1,4 +1,4 @@
-// The component's one class: keeps, derives, fits and reports calibration curves.
+// The component's one class, which keeps, derives, fits and reports calibration curves.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -15,13 +15,13 @@
 
 namespace pelmora {
 
-// Threads:  an object belongs to the thread that created it. Objects of one thread share the
-// database
-//           location and the last results; creating an object resets both.
+// Threads:  an object belongs to the thread that created it.
+//           All objects of one thread share the database location and the last results.
+//           Creating an object resets both.
 // Errors:   trapped. An operation that fails shows "Error in ..." through platform().messageBox and
-//           returns its result as far as it was filled. Only LastFittedRatioSort throws.
-// Databases: an operation with a connection argument uses the one given and leaves it open; without
-//           one it opens the database at dbDir() and closes it.
+//           returns whatever part of its result is filled. Only LastFittedRatioSort throws.
+// Databases: given a connection, an operation uses it and leaves it open; without one, it opens
+//           the database at dbDir() and closes it again.
 // Names:    serial numbers, series names, fluids, operators and job identities become part of
 //           statements without being escaped: an apostrophe breaks the statement, and a name made
 //           for it changes what is found or deleted. Check what a user typed before passing it on.
@@ -48,7 +48,7 @@ class PELMORA_API RawData {
   // The fit run has finished step finishedStep of maxSteps.
   std::function<void(std::int16_t finishedStep, std::int16_t maxSteps)> FittingProgress;
 
-  // The database location, its split from a path, and the component's own folder.
+  // The database location, set whole or from a path, and the component's own folder.
   [[nodiscard]] DatabaseLocation dbDir() const;
   void dbDir(const DatabaseLocation& location);
   DatabaseLocation dbDirSetByString(const std::string& sPath);
@@ -58,13 +58,13 @@ class PELMORA_API RawData {
   [[nodiscard]] float BandPercent() const;
   void BandPercent(float percent);
 
-  // Copies of the points of the last fit; no bounds where there was none.
+  // Copies of the points of the last fit; no bounds if there was none.
   [[nodiscard]] PointArray LastMergedArray() const;
   [[nodiscard]] PointArray LastFittedArray() const;
   // Sorts the last fitted points by falling Strouhal. Always returns false.
-  // Errors: Error 9 where the array has no bounds.
+  // Errors: Error 9 if the array has no bounds.
   bool LastFittedRatioSort();
-  // What this object's last fit did with each equation; no equations where it did not fit.
+  // How each equation did in this object's last fit; no equations if it has not fitted.
   [[nodiscard]] FitOutcome LastFit() const;
 
   // Look-ups.
@@ -123,8 +123,8 @@ class PELMORA_API RawData {
                        const ConnectionPtr& conn = {}, std::int16_t ReCalID = -1,
                        bool bDarvellFormat = false);
 
-  // Points fitted by the outside program TableCurve; a result file is renamed with ".sav" once
-  // read.
+  // Points fitted by the outside program TableCurve. Once read, a result file is renamed: ".sav" is
+  // appended.
   PointArray readTCresults(const std::string& sResultPath, bool& ArrayIsEmpty);
   PointArray ImportCurvedData(const std::string& sFilepath, const std::string& SeriesName,
                               const std::string& MeterSN, bool& ArrayIsEmpty,

@@ -1,4 +1,4 @@
-// Values that cross the public interface: points, curves, series, meters, database values.
+// The values of the public interface: points, curves, series, meters, database values.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -18,12 +18,12 @@ namespace pelmora {
 
 // n points x c columns of double, stored column-major: column 0 is Roshko, column 1 Strouhal.
 //
-// A default-constructed array has no bounds: no points, no columns. It is what every producer
-// returns for "no points".
+// A default-constructed array has no bounds: no points and no columns. Functions that have no
+// points to return give back such an array.
 class PointArray {
  public:
   PointArray() = default;
-  // Filled with zeros. Errors: Error 6 (overflow) for more values than memory can be addressed for.
+  // Filled with zeros. Errors: Error 6 (overflow) for more values than memory can ever hold.
   explicit PointArray(std::size_t points, std::size_t columns = 2)
       : points_(points), columns_(columns), values_(valueCount(points, columns)) {}
   // PointArray{{x, y}, {x, y}}
@@ -48,8 +48,8 @@ class PointArray {
     return values_[column * points_ + point];
   }
 
-  // One column; no values where the array has no bounds. Errors: Error 9 where there is no column
-  // c.
+  // One column; no values if the array has no bounds.
+  // Errors: Error 9 if there is no column c.
   [[nodiscard]] std::span<double> column(std::size_t c) {
     return std::span<double>(values_).subspan(startOf(c), points_);
   }
@@ -81,7 +81,7 @@ class PointArray {
   std::vector<double> values_;
 };
 
-// The compact form of a curve: at most 40 points in single precision, unused slots 0.
+// The compact form of a curve: at most 40 points in single precision; unused slots are 0.
 struct FixedCurve40 {
   std::array<float, 40> first{}, second{};
   bool operator==(const FixedCurve40&) const = default;
@@ -93,7 +93,7 @@ struct RawSlot {
   bool operator==(const RawSlot&) const = default;
 };
 
-// One named data series of a meter calibration with what was read or fitted for it.
+// One named series of a meter calibration, with whatever was read or fitted for it.
 struct SeriesInfo {
   std::string SeriesName;
   std::int32_t SeriesID = 0;
@@ -104,7 +104,7 @@ struct SeriesInfo {
   bool operator==(const SeriesInfo&) const = default;
 };
 
-// What a look-up found. Source: 1 table meter, 2 table masterMeterList, -1 nowhere, 0 not said.
+// What a look-up found. Source: 1 table meter, 2 table masterMeterList, -1 nowhere, 0 not stated.
 struct MeterInfo {
   std::int32_t Source = 0, MeterID = 0;
   std::int16_t ReCalID = 0;
@@ -113,8 +113,8 @@ struct MeterInfo {
   bool operator==(const MeterInfo&) const = default;
 };
 
-// A database location, split. Folder ends in its last backslash, Drive in its colon, Extension
-// begins with its dot.
+// A database location, split into parts. Folder ends with its last backslash, Drive with its colon;
+// Extension starts with its dot.
 struct DatabaseLocation {
   std::string FullPath, Folder, FileName, Drive, Extension;
   bool operator==(const DatabaseLocation&) const = default;
@@ -123,7 +123,7 @@ struct DatabaseLocation {
 // One database value; monostate is null.
 using Value = std::variant<std::monostate, std::int64_t, double, std::string>;
 
-// A two-dimensional table of database values, column first.
+// A two-dimensional table of database values, addressed by (column, row).
 class ValueTable {
  public:
   ValueTable() = default;
@@ -146,13 +146,13 @@ class ValueTable {
   std::vector<Value> values_;
 };
 
-// Upper bound of the point index, size - 1; -1 for no points. Never fails.
+// The upper bound of the point index, size - 1; -1 if there are no points. Never fails.
 [[nodiscard]] PELMORA_API std::int16_t pointUpperBound(const PointArray& points);
 
 // Sorts rows low..high in place by one column; columns 0..lastColumn of a row move together.
 //
-// Recursive Hoare partition around the middle row, rounded half to even; not stable: ties land
-// where its steps put them. Host messages are pumped once per pass (platform().pumpMessages).
+// Recursive Hoare partition around the middle row, rounded half to even. It is not stable: the
+// steps decide where ties land. Host messages are pumped once per pass (platform().pumpMessages).
 // Errors: shown to the operator, never thrown; the rows are then partly sorted. Indices are 16-bit.
 PELMORA_API void quickSortPoints(PointArray& points, std::int16_t sortColumn,
                                  std::int16_t lastColumn, std::int16_t low, std::int16_t high,

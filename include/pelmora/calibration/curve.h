@@ -1,4 +1,4 @@
-// A curve read at any Roshko number, and how far it has moved since an earlier calibration.
+// A curve evaluated at any Roshko number, and its shift since an earlier calibration.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -15,28 +15,28 @@ namespace pelmora::calibration {
 // A point of a curve's table.
 struct CurvePoint {
   double roshko = 0, strouhal = 0;
-  // Half widths of the 95 % bands in units of Strouhal; absent where they are not known.
+  // Half-widths of the 95 % bands in units of Strouhal; absent if they are not known.
   std::optional<double> confidence, prediction;
 };
 
 // A curve's value between its points.
 struct CurveValue {
   double roshko = 0, strouhal = 0;
-  // Half widths of the 95 % bands in units of the value that was asked for; absent where they are
+  // Half-widths of the 95 % bands in units of the requested value; absent if they are
   // not known.
   std::optional<double> confidence, prediction;
-  // Beyond the ends: on the straight line through the last two points, without a band.
+  // Beyond the ends: on the straight line through the two outermost points, without a band.
   bool isExtrapolated = false;
 };
 
-// A curve as its table holds it, read as a flow computer reads it: linearly between neighbouring
-// points, the bands likewise. A value: it knows nothing of the database that it came from.
+// A curve given by its table and evaluated as a flow computer does: by linear interpolation between
+// neighbouring points, the bands too. A value, independent of the database that it came from.
 //
 //   const Curve curve = lab.curve(meter, "Rotor A");
 //   const CurveValue at = curve(120.0);
 class PELMORA_API Curve {
  public:
-  // Errors: BadData for less than two points, and where Roshko does not strictly rise.
+  // Errors: BadData for fewer than two points, or if Roshko does not strictly increase.
   explicit Curve(std::vector<CurvePoint> points);
   explicit Curve(const PointArray& table);
 
@@ -49,11 +49,11 @@ class PELMORA_API Curve {
   // Strouhal at a Roshko number.
   [[nodiscard]] CurveValue operator()(double roshko) const;
 
-  // Roshko at a Strouhal number. The bands are those of Strouhal over the slope of the table.
+  // Roshko at a Strouhal number. The bands are those of Strouhal divided by the slope of the table.
   //
-  // Errors: BadData where Strouhal does not strictly rise or fall all along (it names the Roshko
-  //         number at which the curve turns); OutOfRange where the straight line beyond an end
-  //         reaches that Strouhal number at no Roshko number above 0.
+  // Errors: BadData if Strouhal neither strictly rises nor strictly falls throughout (it names the
+  //         Roshko number at which the curve turns); OutOfRange if the straight line beyond an end
+  //         does not reach that Strouhal number at any Roshko number above 0.
   [[nodiscard]] CurveValue inverse(double strouhal) const;
 
  private:
@@ -64,22 +64,22 @@ struct Shift {
   double roshko = 0, percent = 0;  // of the earlier curve
 };
 
-// From an earlier curve to the one of now.
+// The change from an earlier curve to the current one.
 struct Comparison {
-  // At every point of either table within the range that both cover, both read linearly: no larger
-  // or smaller shift lies between two of them. Empty where the curves have no range in common.
+  // At every point of either table within their common range, with linear interpolation: no larger
+  // or smaller shift lies between two of them. Empty if the curves have no range in common.
   std::vector<Shift> shifts;
   double meanPercent = 0;  // over ln Roshko
   Shift lowest, highest;
 
-  // The one of lowest and highest that is farther from 0.
+  // Whichever of lowest and highest is farther from 0.
   [[nodiscard]] const Shift& largest() const {
     const auto size = [](double percent) { return percent < 0 ? -percent : percent; };
     return size(lowest.percent) > size(highest.percent) ? lowest : highest;
   }
 };
 
-// 100 (now - earlier) / |earlier|. Rows of a table that are not finite are left out.
+// 100 (now - earlier) / |earlier|. Table rows that are not finite are left out.
 [[nodiscard]] PELMORA_API Comparison compareCurves(const PointArray& earlier,
                                                    const PointArray& now);
 

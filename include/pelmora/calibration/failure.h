@@ -1,4 +1,4 @@
-// What an operation of the service throws: one hierarchy, each with what, where and remedy.
+// The exceptions of the service: one hierarchy, each with what, where and remedy.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -8,16 +8,16 @@
 
 namespace pelmora::calibration {
 
-// The parts of a message, each a clause that a sentence can be made of.
+// The parts of a message, each a clause that can become part of a sentence.
 struct FailureText {
   std::string what;    // "there is no meter 'M1'"
-  std::string where;   // "curves.db"; empty where the failure has no place
-  std::string remedy;  // "register it first"; empty where there is none to give
+  std::string where;   // "curves.db"; empty if the failure has no place
+  std::string remedy;  // "register it first"; empty if there is none
 };
 
-// what() is the text of FailureText::what. number() is the code that hosts of the component would
-// meet, or 5 (invalid argument) where there is none. Nothing is stored where an operation throws,
-// unless its contract says so.
+// what() returns FailureText::what. number() is the code that hosts of the component would get, or
+// 5 (invalid argument) if there is none. If an operation throws, nothing is stored, unless its
+// contract says otherwise.
 class PELMORA_API Failure : public pelmora::Error {
  public:
   explicit Failure(FailureText text, std::int32_t number = 5);
@@ -30,29 +30,29 @@ class PELMORA_API Failure : public pelmora::Error {
   std::string where_, remedy_;
 };
 
-// A database, meter, calibration, series, job, curve or history entry that is not there.
+// A database, meter, calibration, series, job, curve or history entry that does not exist.
 class PELMORA_API NotFound : public Failure {
  public:
   using Failure::Failure;
   ~NotFound() override;
 };
 
-// What was to be made is there already.
+// Something that was to be created already exists.
 class PELMORA_API Exists : public Failure {
  public:
   using Failure::Failure;
   ~Exists() override;
 };
 
-// Others held the database for longer than one's patience.
+// Others kept the database locked for longer than the caller was willing to wait.
 class PELMORA_API Locked : public Failure {
  public:
   using Failure::Failure;
   ~Locked() override;
 };
 
-// The database cannot be opened, read or written: it is no curve database, may not be written, or
-// the disk is full. The remedy tells which.
+// The database cannot be opened, read or written: it is not a curve database, it is not writable,
+// or the disk is full. The remedy fits the cause.
 class PELMORA_API Unusable : public Failure {
  public:
   using Failure::Failure;
@@ -66,14 +66,14 @@ class PELMORA_API Damaged : public Unusable {
   ~Damaged() override;
 };
 
-// Data that no operation can use: of a stand, a file, an argument or the database's own rows.
+// Unusable data in a stand's database, a file, an argument or the rows of the database.
 class PELMORA_API BadData : public Failure {
  public:
   using Failure::Failure;
   ~BadData() override;
 };
 
-// A range or number beyond what the points or the curve cover.
+// A range or number beyond the points or the curve.
 class PELMORA_API OutOfRange : public Failure {
  public:
   using Failure::Failure;
@@ -87,14 +87,14 @@ class PELMORA_API NoFit : public Failure {
   ~NoFit() override;
 };
 
-// Somebody else has changed what a result was made from.
+// Somebody else has changed the data on which a result is based.
 class PELMORA_API Changed : public Failure {
  public:
   using Failure::Failure;
   ~Changed() override;
 };
 
-// The caller asked for the operation to end.
+// The caller cancelled the operation.
 class PELMORA_API Cancelled : public Failure {
  public:
   using Failure::Failure;

@@ -1,4 +1,4 @@
-// The equations of a fit from the best to the worst.
+// The equations of a fit, from best to worst.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -14,9 +14,9 @@ struct RankedEquation {
   EquationOutcome outcome;
 };
 
-// The chosen one; what passed, by falling adjusted R2; what a test rejected, likewise; what has no
-// solution; what was not tried. Equals stay in the order in which the fit tries them, from the
-// catalogue's last.
+// In this order: the chosen equation; those that passed, by descending adjusted R2; those that a
+// test rejected, likewise; those without a solution; those not tried. Ties stay in the order in
+// which the fit tries them, starting from the end of the catalogue.
 [[nodiscard]] PELMORA_API std::vector<RankedEquation> ranking(const FitOutcome& outcome);
 
 }  // namespace pelmora::calibration
