@@ -1,22 +1,15 @@
-// Verdicts and warnings of a fit in words and as the names that JSON uses.
+// The words of a fit, under the names that reports use.
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <pelmora/fit_outcome.h>
-
-#include <string>
+#include <pelmora/calibration/words.h>
 
 namespace pelmora::report {
 
-// Names in JSON and CSV are never changed; the words for people may be.
-[[nodiscard]] const char* verdictKey(EquationVerdict verdict);
-[[nodiscard]] const char* warningKey(CurveWarningKind kind);
-
-// "chosen", "outside band" ...
-[[nodiscard]] std::string verdictText(EquationVerdict verdict);
-// Which test rejected an equation, at which point, in words; empty for an accepted one.
-[[nodiscard]] std::string rejection(const EquationOutcome& equation);
-// Whether the engine found parameters, so that statistics mean something.
-[[nodiscard]] bool hasSolution(const EquationOutcome& equation);
+using calibration::hasSolution;
+using calibration::rejection;
+using calibration::verdictKey;
+using calibration::verdictText;
+using calibration::warningKey;
 
 }  // namespace pelmora::report

@@ -4,8 +4,25 @@
 #include "base/number_text.h"
 #include "base/text_lines.h"
 
+#include <algorithm>
+#include <charconv>
+#include <string_view>
+
 namespace pelmora::calibration::steps {
 namespace {
+
+// Written and read.
+constexpr std::string_view equationLabel = "Description: ";
+constexpr std::string_view bandLabel = "Band Percentage = ";
+
+// What stands behind the label in its first line, up to `end` or the line's end.
+std::optional<std::string> behind(std::string_view label, const std::string& report,
+                                  std::string_view end) {
+  const std::size_t at = report.find("\n" + std::string(label));
+  if (at == std::string::npos) return std::nullopt;
+  const std::size_t begin = at + 1 + label.size();
+  return report.substr(begin, report.find_first_of(end, begin) - begin);
+}
 
 // A text built line by line.
 class Lines {
@@ -53,7 +70,7 @@ std::string reportHead(const std::string& meterSerialNumber, const std::string& 
       .line("\t\tSeries Name: ", seriesName)
       .line("Results for model: ")
       .line("Y = ", definition.Expression)
-      .line("Description: ", definition.Name)
+      .line(equationLabel, definition.Name)
       .line()
       .take();
 }
@@ -79,7 +96,7 @@ std::string reportBody(const ReportBody& body) {
       .line("R2adjusted Value = ", numberText(statistics.AdjustedRSquared))
       .line("Regression Sum of Squares = ", numberText(statistics.RegressionSumOfSquares))
       .line("Residual Sum of Squares = ", numberText(statistics.ResidualSumOfSquares))
-      .line("Band Percentage = ", numberText(body.bandPercent), "%")
+      .line(bandLabel, numberText(body.bandPercent), "%")
       .line("Specified Number of Fitted Points = ", numberText(body.numberOfFittedPoints))
       .line("Predicted", body.labels.x, " Min value = ", numberText(body.predictedXmin))
       // The y label beside the largest x: readers of stored reports expect it there.
@@ -108,6 +125,23 @@ std::string residualFailureText(std::span<const double> ratios) {
       .line("Residuals beyond 10%")
       .line(residualListing(ratios))
       .take();
+}
+
+std::string equationOfReport(const std::string& report) {
+  const std::string label = "\n" + std::string(equationLabel);
+  const std::size_t first = report.find(label);
+  if (first == std::string::npos || report.find(label, first + 1) != std::string::npos) return {};
+  return behind(equationLabel, report, "\r\n").value_or("");
+}
+
+std::optional<double> bandOfReport(const std::string& report) {
+  auto text = behind(bandLabel, report, "%\r\n");
+  if (!text) return std::nullopt;
+  std::replace(text->begin(), text->end(), ',', '.');  // a locale's decimal separator
+  double band = 0;
+  const auto [end, code] = std::from_chars(text->data(), text->data() + text->size(), band);
+  const bool isNumber = code == std::errc() && end == text->data() + text->size();
+  return isNumber && band >= 0 ? std::optional(band) : std::nullopt;
 }
 
 }  // namespace pelmora::calibration::steps

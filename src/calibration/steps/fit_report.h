@@ -6,6 +6,7 @@
 #include <pelmora/types.h>
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -45,5 +46,12 @@ struct ReportBody {
 // Names the folder of log.txt, unless it is null.
 [[nodiscard]] std::string noSolutionText(const std::string* logFolder);
 [[nodiscard]] std::string residualFailureText(std::span<const double> ratios);
+
+// What a stored report says of its curve. Curves that a host has stored have nothing else.
+//
+// The description of the chosen equation; empty where the report names none or several.
+[[nodiscard]] std::string equationOfReport(const std::string& report);
+// The band in per cent; nothing where the report does not say.
+[[nodiscard]] std::optional<double> bandOfReport(const std::string& report);
 
 }  // namespace pelmora::calibration::steps

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "report/verdict_words.h"
-
 #include "base/readable_number.h"
 
-namespace pelmora::report {
+#include <pelmora/calibration/words.h>
+
+namespace pelmora::calibration {
 
 const char* verdictKey(EquationVerdict verdict) {
   switch (verdict) {
@@ -59,4 +59,4 @@ bool hasSolution(const EquationOutcome& equation) {
          equation.Verdict != EquationVerdict::noSolution;
 }
 
-}  // namespace pelmora::report
+}  // namespace pelmora::calibration

@@ -1,0 +1,17 @@
+// The calibration service, whole: open a curve database, import, fit, store, read, restore.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <pelmora/calibration/curve.h>
+#include <pelmora/calibration/database.h>
+#include <pelmora/calibration/equations.h>
+#include <pelmora/calibration/failure.h>
+#include <pelmora/calibration/fit.h>
+#include <pelmora/calibration/history.h>
+#include <pelmora/calibration/import.h>
+#include <pelmora/calibration/observer.h>
+#include <pelmora/calibration/ranking.h>
+#include <pelmora/calibration/refit.h>
+#include <pelmora/calibration/repeat.h>
+#include <pelmora/calibration/stand.h>
+#include <pelmora/calibration/values.h>

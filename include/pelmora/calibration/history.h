@@ -1,0 +1,48 @@
+// What changes have replaced or deleted, and bringing it back.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <pelmora/calibration/values.h>
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace pelmora::calibration {
+
+// Rows as they were before a change, kept in tables of our own beside the curve database's.
+struct HistoryEntry {
+  HistoryEntryId id = 0;
+  std::string command;    // "fit", "delete" ...
+  std::string changedAt;  // UTC, ISO 8601: 2026-11-21T14:05:09Z
+  std::string userName, version;
+  std::string serial, series;  // series is empty for a whole calibration
+  int calibration = 0;
+  std::map<std::string, std::size_t> rows;  // kept, by table; no tables without rows
+};
+
+// Empty: any.
+struct HistoryFilter {
+  std::string serial{}, series{};
+  std::optional<int> calibration{};
+};
+
+struct HistoryPruning {
+  std::optional<std::string> before{};  // ISO 8601, UTC: only entries that are older
+  std::size_t keep = 0;                 // the newest so many stay in any case
+};
+
+struct RestoredTable {
+  std::string name;
+  std::size_t rowsBefore = 0, rowsNow = 0;
+};
+
+struct Restored {
+  HistoryEntry entry;
+  HistoryEntryId keptAs = 0;  // of what the restored rows have replaced
+  std::vector<RestoredTable> tables;
+};
+
+}  // namespace pelmora::calibration

@@ -1,0 +1,39 @@
+// A calibration stand's measured data.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <pelmora/database.h>
+#include <pelmora/export.h>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace pelmora::calibration {
+
+// Opened for reading when it is made, closed when it goes.
+class PELMORA_API Stand {
+ public:
+  // A stand's database, or its export as CSV with the header JobRecordID,V1..V37.
+  //
+  // Errors: NotFound, Unusable; BadData for what a CSV export holds.
+  explicit Stand(const std::string& location);
+
+  [[nodiscard]] const std::string& location() const { return location_; }
+  // Rising.
+  [[nodiscard]] const std::vector<std::string>& jobs() const { return jobs_; }
+  [[nodiscard]] const ConnectionPtr& connection() const { return connection_; }
+
+ private:
+  std::string location_;
+  ConnectionPtr connection_;
+  std::vector<std::string> jobs_;
+};
+
+// One run of a stand: its job, its fluid and who ran it.
+struct StandRun {
+  std::string job{}, fluid{};
+  std::string operatorName{};  // empty: "Unknown"
+};
+
+}  // namespace pelmora::calibration

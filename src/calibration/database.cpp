@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#include "calibration/session.h"
+
+namespace pelmora::calibration {
+
+Database::Database(const std::string& location, OpenOptions options)
+    : session_(std::make_shared<Session>(location, std::move(options))) {}
+
+Database::Database(std::shared_ptr<Session> session) : session_(std::move(session)) {}
+
+Database::~Database() = default;
+Database::Database(Database&&) noexcept = default;
+Database& Database::operator=(Database&&) noexcept = default;
+
+const std::string& Database::location() const { return session_->location(); }
+
+const ConnectionPtr& Database::connection() const { return session_->curves(); }
+
+Change Database::begin(const std::string& command) {
+  session_->begin(command);
+  return Change(session_);
+}
+
+Database open(const std::string& location, OpenOptions options) {
+  return Database(location, std::move(options));
+}
+
+Database create(const std::string& location, OpenOptions options) {
+  try {
+    createCurveDatabase(location);
+  } catch (const Error& error) {
+    constexpr std::int32_t fileExists = 58;
+    const FailureText text{error.what(), location, "choose another name"};
+    if (error.number() == fileExists) throw Exists(text, error.number());
+    throw Unusable({error.what(), location, ""}, error.number());
+  }
+  return Database(location, std::move(options));
+}
+
+}  // namespace pelmora::calibration

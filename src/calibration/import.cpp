@@ -1,0 +1,135 @@
+// Importing runs of a stand and deriving the series.
+// SPDX-License-Identifier: MIT
+#include "base/text_case.h"
+#include "calibration/names.h"
+#include "calibration/session.h"
+#include "calibration/stand_check.h"
+#include "calibration/steps/derivation.h"
+#include "calibration/steps/raw_points.h"
+#include "calibration/steps/set_up.h"
+#include "calibration/steps/stand_rows.h"
+#include "store/reading.h"
+
+#include <algorithm>
+
+namespace pelmora::calibration {
+namespace {
+
+constexpr std::size_t mostRuns = 4;  // one raw part each
+
+std::vector<StandRun> cleanRuns(const std::vector<StandRun>& runs) {
+  std::vector<StandRun> clean;
+  for (StandRun run : runs) {
+    run.fluid = cleanName("fluid", run.fluid);
+    if (!run.operatorName.empty()) run.operatorName = cleanName("operator", run.operatorName);
+    for (const StandRun& earlier : clean) {
+      if (!equalNames(earlier.fluid, run.fluid)) continue;
+      throw BadData({"fluid '" + run.fluid + "' is there twice", "",
+                     "a calibration keeps one run of a fluid, so the second would replace the "
+                     "first; give each run its own fluid name"});
+    }
+    clean.push_back(std::move(run));
+  }
+  return clean;
+}
+
+// Each fluid is one raw part of every series.
+void requireRoom(const Meter& meter, const std::vector<Run>& before,
+                 const std::vector<StandRun>& runs) {
+  std::size_t fluids = before.size();
+  for (const StandRun& run : runs) {
+    const bool isKnown = std::ranges::any_of(
+        before, [&](const Run& known) { return equalNames(known.fluid, run.fluid); });
+    if (!isKnown) ++fluids;
+  }
+  if (fluids <= mostRuns) return;
+  throw BadData({placeOf(meter) + " would have runs in " + std::to_string(fluids) +
+                     " fluids; a calibration keeps " + std::to_string(mostRuns),
+                 placeOf(meter), "import into a new calibration"});
+}
+
+void requireGoOn(const Meter& meter, const Observer& observer) {
+  if (!observer.stop.stop_requested()) return;
+  throw Cancelled({"the import into " + placeOf(meter) + " was cancelled", placeOf(meter), ""});
+}
+
+class Import {
+ public:
+  Import(Session& session, const Meter& meter, const Stand& stand,
+         const std::vector<StandRun>& runs, const ImportOptions& options, const Observer& observer)
+      : session_(session),
+        meter_(meter),
+        stand_(stand),
+        runs_(runs),
+        options_(options),
+        observer_(observer) {}
+
+  void copyRuns() {
+    for (const StandRun& run : runs_) {
+      requireGoOn(meter_, observer_);
+      if (observer_.status) observer_.status("Copying job " + run.job);
+      NameText operatorName = NameText::quoted(run.operatorName);
+      const std::int32_t setUp = steps::findOrAddSetUp(
+          session_.connection(),
+          {meter_.id, options_.stand, options_.position, NameText::quoted(run.fluid)},
+          operatorName);
+      steps::copyStandRows(*stand_.connection(), session_.connection(), setUp, run.job);
+    }
+  }
+
+  std::vector<DerivedSeries> derive(bool withRotorB) {
+    std::vector<DerivedSeries> derived;
+    const std::size_t count = withRotorB ? steps::derivedSeriesNames.size() : 1;
+    for (std::size_t k = 0; k < count; ++k)
+      derived.push_back({steps::derivedSeriesNames[k], 0, {}});
+    const auto setUps = steps::setUpsOf(session_.connection(), meter_.id);
+    for (std::size_t k = 0; k < setUps.size() && k < mostRuns; ++k) {
+      steps::DerivationSource source{"Raw" + std::to_string(k + 1), setUps[k], {}};
+      (void)steps::jobsOf(session_.connection(), setUps[k], source.jobs);
+      for (std::size_t series = 0; series < derived.size(); ++series) {
+        requireGoOn(meter_, observer_);
+        if (observer_.status) observer_.status("Deriving " + derived[series].name);
+        steps::deriveSeries(session_.connection(), static_cast<steps::DerivedSeries>(series),
+                            source, NameText::quoted(derived[series].name), meter_.id,
+                            derived[series].id);
+        derived[series].points[k] =
+            steps::readPoints(session_.connection(), source.table, derived[series].id).size();
+      }
+    }
+    return derived;
+  }
+
+ private:
+  Session& session_;
+  const Meter& meter_;
+  const Stand& stand_;
+  const std::vector<StandRun>& runs_;
+  const ImportOptions& options_;
+  const Observer& observer_;
+};
+
+}  // namespace
+
+Imported Database::importRuns(const Meter& meter, const Stand& stand,
+                              const std::vector<StandRun>& runs, const ImportOptions& options,
+                              const Observer& observer) {
+  const std::vector<StandRun> wanted = cleanRuns(runs);
+  Imported imported;
+  imported.jobWithoutRotorB = checkReadings(stand, wanted);
+  return session_->changing("import", "importing into " + placeOf(meter), [&] {
+    imported.isNewCalibration = options.newCalibration;
+    imported.meter = options.newCalibration ? registerMeter(meter.serial, true) : meter;
+    requireRoom(imported.meter, this->runs(imported.meter), wanted);
+    const std::size_t keptBefore = session_->kept().size();
+    if (!options.newCalibration) (void)session_->keep(history::importedRuns(meter.id));
+    Import import(*session_, imported.meter, stand, wanted, options, observer);
+    import.copyRuns();
+    imported.series = import.derive(imported.jobWithoutRotorB.empty());
+    imported.runs = this->runs(imported.meter);
+    imported.kept.assign(session_->kept().begin() + static_cast<std::ptrdiff_t>(keptBefore),
+                         session_->kept().end());
+    return std::move(imported);
+  });
+}
+
+}  // namespace pelmora::calibration

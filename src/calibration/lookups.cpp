@@ -1,0 +1,180 @@
+// Finding and registering calibrations and series.
+// SPDX-License-Identifier: MIT
+#include "base/suggestion.h"
+#include "calibration/names.h"
+#include "calibration/session.h"
+#include "calibration/steps/fit_report.h"
+#include "calibration/stored_fit.h"
+#include "store/field_value.h"
+#include "store/meter_lists.h"
+#include "store/meter_lookup.h"
+#include "store/meter_registry.h"
+#include "store/point_rows.h"
+#include "store/reading.h"
+
+#include <pelmora/curve_database.h>
+#include <pelmora/own_tables.h>
+
+#include <algorithm>
+
+namespace pelmora::calibration {
+namespace {
+
+std::string textOrNothing(const Value& value) {
+  return isNull(value) ? std::string() : toText(value);
+}
+
+// Every calibration, or those of one meter, by serial number and number.
+std::vector<Meter> readMeters(Session& session, const std::string& where) {
+  return session.asking("listing the meters of '" + session.location() + "'", [&] {
+    const auto rows = readRows(session.connection(),
+                               "Select ID, SerialNumber, SerialNumberAdjusted, ReCalID from meter" +
+                                   where + " ORDER BY SerialNumber, ReCalID, ID");
+    std::vector<Meter> meters;
+    meters.reserve(static_cast<std::size_t>(rows->recordCount()));
+    for (; !rows->atEnd(); rows->moveNext()) {
+      Meter meter;
+      meter.id = toInt32(rows->value(0));
+      meter.serial = textOrNothing(rows->value(1));
+      meter.adjusted = textOrNothing(rows->value(2));
+      meter.calibration = isNull(rows->value(3)) ? 0 : toInt16(rows->value(3));
+      meters.push_back(std::move(meter));
+    }
+    return meters;
+  });
+}
+
+std::vector<std::string> distinctSerials(const std::vector<Meter>& meters) {
+  std::vector<std::string> serials;
+  for (const Meter& meter : meters) {
+    if (serials.empty() || serials.back() != meter.serial) serials.push_back(meter.serial);
+  }
+  return serials;
+}
+
+// The rows of one column, as texts.
+std::vector<std::string> textsOf(Recordset& rows) {
+  std::vector<std::string> texts;
+  for (; !rows.atEnd(); rows.moveNext()) texts.push_back(textOrNothing(rows.value(0)));
+  return texts;
+}
+
+PointArray pointsOf(Session& session, const std::string& table, std::int32_t seriesID) {
+  return pointsFromRows(*readRows(
+      session.connection(),
+      "Select roshko, strouhal from " + table + " where seriesID = " + std::to_string(seriesID)));
+}
+
+}  // namespace
+
+std::size_t StoredSeries::rawPoints() const {
+  std::size_t count = 0;
+  for (const PointArray& part : raw) count += part.size();
+  return count;
+}
+
+std::vector<Meter> Database::meters() const { return readMeters(*session_, ""); }
+
+std::vector<Meter> Database::calibrations(const std::string& serial) const {
+  const std::string name = cleanName("meter", serial);
+  auto list = readMeters(*session_, " where SerialNumber = " + NameText::quoted(name).literal());
+  if (list.empty()) (void)meter(name);  // throws with what is similar
+  return list;
+}
+
+std::optional<Meter> Database::findMeter(const std::string& serial, int calibration) const {
+  const std::string name = cleanName("meter", serial);
+  return session_->asking("looking up meter '" + name + "'", [&]() -> std::optional<Meter> {
+    MeterInfo found;
+    findMeterInfo(session_->connection(), NameText::quoted(name),
+                  static_cast<std::int16_t>(calibration), NameText::quoted(""), found);
+    if (found.Source != meter_source::meter) return std::nullopt;
+    return Meter{name, found.SerialNumberAdjusted, found.ReCalID, found.MeterID};
+  });
+}
+
+Meter Database::meter(const std::string& serial, int calibration) const {
+  if (auto found = findMeter(serial, calibration)) return *found;
+  const std::string name = cleanName("meter", serial);
+  if (calibration >= 0 && findMeter(name)) {
+    throw NotFound({"meter '" + name + "' has no calibration " + std::to_string(calibration) +
+                        " in '" + location() + "'",
+                    location(), "list its calibrations"});
+  }
+  const auto known = distinctSerials(meters());
+  throw NotFound(
+      {"there is no meter '" + name + "' in '" + location() + "'", location(),
+       known.empty() ? "no meter is stored yet: import one first" : suggestion(name, known)});
+}
+
+std::vector<Run> Database::runs(const Meter& meter) const {
+  return session_->asking("the runs of " + placeOf(meter) + " cannot be read", [&] {
+    std::vector<Run> runs;
+    for (CalSetupInfo& setup : calSetups(session_->curves(), meter.id)) {
+      runs.push_back({setup.ID, setup.Stand, setup.Position, std::move(setup.Operator),
+                      std::move(setup.Fluid), std::move(setup.DateTaken),
+                      std::move(setup.JobRecordIDs), setup.Points});
+    }
+    return runs;
+  });
+}
+
+std::vector<std::string> Database::seriesOf(const Meter& meter) const {
+  return session_->asking("listing the series of " + placeOf(meter), [&] {
+    return textsOf(*readRows(session_->connection(),
+                             "Select name from series where meterid = " + std::to_string(meter.id) +
+                                 " ORDER BY ID ASC"));
+  });
+}
+
+StoredSeries Database::series(const Meter& meter, const std::string& series) const {
+  const std::string name = cleanName("series", series);
+  StoredSeries stored;
+  stored.meter = meter;
+  stored.name = name;
+  const auto ids = session_->asking("looking up " + placeOf(meter, name), [&] {
+    return textsOf(
+        *readRows(session_->connection(),
+                  "Select ID, name from series where meterid = " + std::to_string(meter.id) +
+                      " and name = " + NameText::quoted(name).literal()));
+  });
+  if (ids.empty()) {
+    const auto known = seriesOf(meter);
+    throw NotFound({placeOf(meter) + " has no series '" + name + "' in '" + location() + "'",
+                    location(),
+                    known.empty() ? "it has no series yet: import or bring points first"
+                                  : suggestion(name, known)});
+  }
+  return session_->asking(placeOf(meter, name) + " cannot be read", [&] {
+    stored.id = static_cast<std::int32_t>(std::stol(ids.front()));
+    for (std::size_t part = 0; part < stored.raw.size(); ++part)
+      stored.raw[part] = pointsOf(*session_, "raw" + std::to_string(part + 1), stored.id);
+    stored.merged = pointsOf(*session_, "merge", stored.id);
+    stored.curve = pointsOf(*session_, "curve", stored.id);
+    const auto report =
+        readRows(session_->connection(), "Select summary from datafitresults where seriesID = " +
+                                             std::to_string(stored.id));
+    if (!report->atEnd()) stored.report = textOrNothing(report->value(0));
+    stored.equation = steps::equationOfReport(stored.report);
+    stored.basis = pointsBasis(*session_, meter, stored.id);
+    stored.settings = keptCurveSettings(session_->curves(), stored.id);
+    return std::move(stored);
+  });
+}
+
+Meter Database::registerMeter(const std::string& serial, bool newCalibration) {
+  const std::string name = cleanName("meter", serial);
+  return session_->changing("register", "registering meter '" + name + "'", [&] {
+    if (!newCalibration) {
+      if (auto known = findMeter(name)) return *known;
+    }
+    MeterInfo latest;
+    findLastCalID(session_->connection(), NameText::quoted(name), latest);
+    const std::int16_t number = nextReCalID(latest);
+    const std::int32_t id =
+        addCalibration(session_->connection(), NameText::quoted(name), name, number);
+    return Meter{name, name, number, id};
+  });
+}
+
+}  // namespace pelmora::calibration

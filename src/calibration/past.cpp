@@ -1,0 +1,88 @@
+// Deleting, and bringing back what was replaced.
+// SPDX-License-Identifier: MIT
+#include "calibration/names.h"
+#include "calibration/session.h"
+#include "history/deleting.h"
+#include "history/entries.h"
+#include "history/restoring.h"
+
+namespace pelmora::calibration {
+namespace {
+
+HistoryEntry entryOf(const history::Entry& entry) {
+  return {entry.ID,           entry.Note.Command, entry.Note.ChangedAt, entry.Note.UserName,
+          entry.Note.Version, entry.SerialNumber, entry.SeriesName,     entry.ReCalID,
+          entry.Rows};
+}
+
+std::vector<HistoryEntry> entriesOf(const std::vector<history::Entry>& entries) {
+  std::vector<HistoryEntry> list;
+  for (const history::Entry& entry : entries) list.push_back(entryOf(entry));
+  return list;
+}
+
+HistoryEntry removeScope(Session& session, const history::Scope& scope, const Meter& meter,
+                         const std::string& series) {
+  const std::string place = series.empty() ? placeOf(meter) : placeOf(meter, series);
+  return session.changing("delete", "deleting " + place, [&] {
+    const auto outcome = history::removeKept(session.curves(), session.change(), scope);
+    session.note(outcome.KeptAs);
+    HistoryEntry entry;
+    entry.id = outcome.KeptAs;
+    entry.command = "delete";
+    entry.serial = meter.serial;
+    entry.series = series;
+    entry.calibration = meter.calibration;
+    for (const auto& [table, rows] : outcome.Rows) entry.rows[table] = rows;
+    return entry;
+  });
+}
+
+}  // namespace
+
+HistoryEntry Database::remove(const Meter& meter, const std::string& series) {
+  const StoredSeries stored = this->series(meter, series);
+  return removeScope(*session_, history::wholeSeries(meter.id, stored.id), meter, stored.name);
+}
+
+HistoryEntry Database::remove(const Meter& meter) {
+  return removeScope(*session_, history::wholeCalibration(meter.id), meter, "");
+}
+
+std::vector<HistoryEntry> Database::history(const HistoryFilter& filter) const {
+  history::EntryFilter wanted{filter.serial, filter.series, {}};
+  if (filter.calibration) wanted.ReCalID = *filter.calibration;
+  return session_->asking("the history of '" + location() + "' cannot be read",
+                          [&] { return entriesOf(history::entries(session_->curves(), wanted)); });
+}
+
+Restored Database::restore(HistoryEntryId entry) {
+  const std::string name = "history entry " + std::to_string(entry);
+  return session_->changing("restore", "restoring " + name, [&] {
+    try {
+      const auto outcome = history::restore(session_->curves(), session_->change(), entry);
+      session_->note(outcome.KeptAs);
+      Restored restored{entryOf(outcome.Restored), outcome.KeptAs, {}};
+      for (const auto& table : outcome.Tables)
+        restored.tables.push_back({table.Name, table.RowsBefore, table.RowsNow});
+      return restored;
+    } catch (const Error& error) {
+      if (error.number() == history::noSuchEntry)
+        throw NotFound({error.what(), location(), "list the history"}, error.number());
+      if (error.number() == history::standsInTheWay)
+        throw Exists({error.what(), location(), "restore what belongs to it first"},
+                     error.number());
+      throw;
+    }
+  });
+}
+
+std::vector<HistoryEntry> Database::prune(const HistoryPruning& pruning) {
+  return session_->changing("prune", "removing entries of the history", [&] {
+    const auto old = history::prunable(session_->curves(), {pruning.before, pruning.keep});
+    history::removeEntries(session_->curves(), old);
+    return entriesOf(old);
+  });
+}
+
+}  // namespace pelmora::calibration

@@ -1,0 +1,189 @@
+// Fits many series in threads and stores their curves in portions.
+// SPDX-License-Identifier: MIT
+#include "calibration/refit/bounded_queue.h"
+#include "calibration/refit/refit_one.h"
+#include "store/field_value.h"
+#include "store/reading.h"
+
+#include <pelmora/own_tables.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <exception>
+#include <mutex>
+#include <optional>
+#include <shared_mutex>
+#include <thread>
+
+namespace pelmora::calibration {
+namespace {
+
+// For as long others wait who want to write; then they get their turn.
+constexpr std::chrono::seconds longestPortion{1};
+// Curves that wait to be stored, for each thread.
+constexpr std::size_t waitingCurves = 8;
+
+// What the threads of a refit have in common.
+struct Work {
+  const Session& session;
+  const std::vector<RefitTask>& tasks;
+  const RefitOptions& options;
+  std::stop_token stop;
+  BoundedQueue<RefitCurve> queue;
+  std::atomic<std::size_t> next = 0;  // task
+  // Held shared by those who read the database, alone by the one that ends a transaction: that
+  // needs the file for itself, and how long depends on the disk.
+  std::shared_mutex file;
+};
+
+// Takes tasks one by one and sends what became of each; ends when all are taken, a stop is
+// requested or nobody receives.
+void fitTasks(Work& work) {
+  OpenOptions options = work.session.options();
+  options.mode = Mode::read;
+  const auto session = std::make_shared<Session>(work.session.location(), options);
+  const Database lab(session);
+  for (std::size_t index = work.next++; index < work.tasks.size() && !work.stop.stop_requested();
+       index = work.next++) {
+    std::shared_lock reading(work.file);
+    std::optional<ReadView> moment(session->curves());
+    RefitCurve curve = fitAgain(lab, *session, work.tasks[index], work.options.changedPercent);
+    curve.index = index;
+    moment.reset();
+    reading.unlock();
+    if (!work.queue.send(std::move(curve))) return;
+  }
+}
+
+// The threads that fit. They end before the object does, also where storing fails.
+class Workers {
+ public:
+  explicit Workers(Work& work) : work_(work) {
+    for (std::size_t i = 0; i < std::max<std::size_t>(1, work.options.threads); ++i) {
+      threads_.emplace_back([this] {
+        try {
+          fitTasks(work_);
+        } catch (...) {
+          const std::lock_guard lock(mutex_);
+          if (!failure_) failure_ = std::current_exception();
+        }
+        work_.queue.leave();
+      });
+    }
+  }
+  ~Workers() { work_.queue.stop(); }  // the threads join behind this
+  Workers(const Workers&) = delete;
+  Workers& operator=(const Workers&) = delete;
+
+  // Nothing at the end. Errors: what ended a thread.
+  std::optional<RefitCurve> next() {
+    auto curve = work_.queue.receive();
+    if (!curve && failure_) std::rethrow_exception(failure_);
+    return curve;
+  }
+
+ private:
+  Work& work_;
+  std::mutex mutex_;
+  std::exception_ptr failure_;  // read once all threads have left
+  std::vector<std::jthread> threads_;
+};
+
+// What is stored in one transaction.
+class Portion {
+ public:
+  Portion(const Database& lab, Session& session, Work& work, RefitOutcome& outcome)
+      : lab_(lab), session_(session), work_(work), outcome_(outcome) {}
+  ~Portion() {
+    if (curves_ > 0) session_.rollback();
+  }
+  Portion(const Portion&) = delete;
+  Portion& operator=(const Portion&) = delete;
+
+  void store(RefitCurve& curve) {
+    if (curves_ == 0) {
+      session_.begin("refit");
+      end_ = Clock::now() + longestPortion;
+    }
+    ++curves_;
+    storeAgain(lab_, session_, work_.options.changedPercent, curve);
+  }
+  // Finishes it where it is large, lasts long, or would last long for want of a next curve.
+  void finishInTime() {
+    if (curves_ == 0) return;
+    const bool isSmall = curves_ < work_.options.portion && Clock::now() < end_;
+    if (!isSmall || !work_.queue.isReadyBefore(end_)) finish();
+  }
+  void finish() {
+    if (curves_ == 0) return;
+    const std::lock_guard alone(work_.file);
+    if (work_.options.isDryRun) {
+      session_.rollback();
+    } else {
+      const auto kept = session_.kept();
+      session_.commit();
+      outcome_.kept.insert(outcome_.kept.end(), kept.begin(), kept.end());
+    }
+    curves_ = 0;
+  }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  const Database& lab_;
+  Session& session_;
+  Work& work_;
+  RefitOutcome& outcome_;
+  std::size_t curves_ = 0;
+  Clock::time_point end_;
+};
+
+}  // namespace
+
+std::vector<RefitTask> Database::allSeries() const {
+  return session_->asking("listing the series of '" + location() + "'", [&] {
+    const auto rows =
+        readRows(session_->connection(),
+                 "Select meter.ID, meter.SerialNumber, meter.SerialNumberAdjusted, meter.ReCalID, "
+                 "series.name from meter inner join series on meter.ID = series.meterid ORDER BY "
+                 "meter.SerialNumber, meter.ReCalID, series.ID");
+    const auto text = [&](std::size_t field) {
+      return isNull(rows->value(field)) ? std::string() : toText(rows->value(field));
+    };
+    std::vector<RefitTask> tasks;
+    for (; !rows->atEnd(); rows->moveNext()) {
+      const int calibration = isNull(rows->value(3)) ? 0 : toInt16(rows->value(3));
+      tasks.push_back({{text(1), text(2), calibration, toInt32(rows->value(0))}, text(4)});
+    }
+    return tasks;
+  });
+}
+
+RefitOutcome Database::refit(const std::vector<RefitTask>& tasks, const RefitOptions& options,
+                             const Observer& observer) {
+  RefitOutcome outcome;
+  outcome.results.resize(tasks.size());
+  for (std::size_t i = 0; i < tasks.size(); ++i) outcome.results[i].task = tasks[i];
+  const std::size_t threads = std::max<std::size_t>(1, options.threads);
+  Work work{.session = *session_,
+            .tasks = tasks,
+            .options = options,
+            .stop = observer.stop,
+            .queue{waitingCurves * threads, threads},
+            .file{}};
+  Workers workers(work);
+  Portion portion(*this, *session_, work, outcome);
+  std::size_t done = 0;
+  while (auto curve = workers.next()) {
+    if (curve->isToBeStored()) portion.store(*curve);
+    outcome.results[curve->index] = std::move(curve->result);
+    if (observer.progress) observer.progress(++done, tasks.size());
+    portion.finishInTime();
+  }
+  portion.finish();
+  outcome.isCancelled = done < tasks.size();
+  return outcome;
+}
+
+}  // namespace pelmora::calibration

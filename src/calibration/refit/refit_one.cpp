@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+#include "calibration/refit/refit_one.h"
+
+#include "calibration/stored_fit.h"
+
+#include <pelmora/own_tables.h>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+namespace pelmora::calibration {
+namespace {
+
+using Kind = RefitResultKind;
+
+// How far the new curve is from the one before, and what to call that.
+void compare(const PointArray& before, const PointArray& now, double changedPercent,
+             RefitResult& result) {
+  if (before.size() < 2) {
+    result.kind = Kind::added;
+    return;
+  }
+  const Comparison comparison = compareCurves(before, now);
+  result.kind = Kind::changed;
+  if (comparison.shifts.empty()) {
+    result.reason = "the new curve has no range in common with the one before";
+    return;
+  }
+  result.shiftPercent = comparison.largest().percent;
+  result.shiftRoshko = comparison.largest().roshko;
+  if (std::abs(result.shiftPercent) <= changedPercent) result.kind = Kind::kept;
+}
+
+bool hasPointsToFit(const StoredSeries& stored) {
+  return std::ranges::any_of(stored.raw, [](const PointArray& part) { return part.size() > 1; });
+}
+
+// Nothing where the series cannot be read; the result says why.
+std::optional<StoredSeries> readTask(const Database& lab, const Session& session,
+                                     RefitCurve& curve) {
+  const RefitTask& task = curve.result.task;
+  try {
+    StoredSeries stored = lab.series(task.meter, task.series);
+    curve.basis = curveBasis(session, task.meter, stored.id);
+    return stored;
+  } catch (const NotFound& failure) {
+    curve.result.kind = Kind::gone;
+    curve.result.reason = failure.what();
+  } catch (const Damaged& failure) {
+    curve.result.kind = Kind::unreadable;
+    curve.result.reason = failure.what();
+  } catch (const BadData& failure) {
+    curve.result.kind = Kind::unreadable;
+    curve.result.reason = failure.what();
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+RefitCurve fitAgain(const Database& lab, const Session& session, const RefitTask& task,
+                    double changedPercent) {
+  RefitCurve curve;
+  curve.result.task = task;
+  const auto stored = readTask(lab, session, curve);
+  if (!stored) return curve;
+  curve.result.kind = hasPointsToFit(*stored) ? Kind::notFitted : Kind::unusable;
+  Repeated repeated = lab.repeat(*stored);
+  if (!repeated.fit.accepted()) {
+    curve.result.reason = repeated.trouble;
+    return curve;
+  }
+  curve.fit = std::move(repeated.fit);
+  compare(stored->curve, curve.fit.curve, changedPercent, curve.result);
+  curve.result.equation = curve.fit.chosen().Name;
+  curve.isSame = curve.fit.curve == stored->curve && curve.fit.merged == stored->merged &&
+                 curve.fit.report == stored->report;
+  return curve;
+}
+
+void storeAgain(const Database& lab, Session& session, double changedPercent, RefitCurve& curve) {
+  const RefitTask task = curve.result.task;
+  bool isAsFitted = false;
+  try {
+    isAsFitted = curveBasis(session, task.meter, curve.fit.seriesID) == curve.basis;
+  } catch (const BadData&) {  // what it is now, the second fit finds out
+  }
+  if (!isAsFitted) {
+    const std::size_t index = curve.index;
+    curve = fitAgain(lab, session, task, changedPercent);
+    curve.index = index;
+    curve.result.changedMeanwhile = true;
+    if (!curve.isToBeStored()) return;
+  }
+  (void)storeFit(session, curve.fit);
+  curve.result.isStored = true;
+}
+
+}  // namespace pelmora::calibration

@@ -1,0 +1,35 @@
+// One series of a refit: read and fitted, and stored where it is still what was fitted.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "calibration/session.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace pelmora::calibration {
+
+// A result with what is to be stored.
+struct RefitCurve {
+  std::size_t index = 0;  // of the task
+  RefitResult result;
+  Fit fit;                  // without a curve where none came out
+  bool isSame = false;      // curve, merged points and report are those that are stored
+  std::uint64_t basis = 0;  // fingerprint of what was read: points, curve and settings
+
+  [[nodiscard]] bool isToBeStored() const { return fit.accepted() && !isSame; }
+};
+
+// Fits the series again with the settings of its curve and stores nothing. What is wrong with the
+// series is its result's reason.
+//
+// Errors: Locked, Unusable.
+[[nodiscard]] RefitCurve fitAgain(const Database& lab, const Session& session,
+                                  const RefitTask& task, double changedPercent);
+
+// Stores the curve in the change that is open: nobody else can write. Where another program has
+// changed the series, its curve or its settings since they were read, it is fitted again as it is
+// now, and the result says so.
+void storeAgain(const Database& lab, Session& session, double changedPercent, RefitCurve& curve);
+
+}  // namespace pelmora::calibration

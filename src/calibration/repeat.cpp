@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: MIT
+#include "calibration/session.h"
+#include "calibration/steps/fit_report.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace pelmora::calibration {
+namespace {
+
+bool isSameRange(const PointArray& a, const PointArray& b) {
+  constexpr double rounding = 1e-9;
+  const auto range = [](const PointArray& points) {
+    const auto x = points.column(0);
+    return std::minmax_element(x.begin(), x.end());
+  };
+  const auto [lowA, highA] = range(a);
+  const auto [lowB, highB] = range(b);
+  return std::abs(*lowA - *lowB) <= rounding * std::abs(*lowB) &&
+         std::abs(*highA - *highB) <= rounding * std::abs(*highB);
+}
+
+CurveSettings assumedSettings(const StoredSeries& stored, const UnkeptSettings& unkept) {
+  const FitSettings defaults;
+  CurveSettings settings;
+  settings.BandPercent =
+      unkept.band.value_or(steps::bandOfReport(stored.report).value_or(defaults.band));
+  settings.RatioCurve = stored.name == "Ratio";
+  const bool hasCurve = stored.curve.size() > 1;
+  settings.Points = defaults.points;
+  if (hasCurve) settings.Points = static_cast<std::int32_t>(stored.curve.size());
+  if (unkept.points) settings.Points = *unkept.points;
+  if (hasCurve && !stored.merged.empty() && !isSameRange(stored.curve, stored.merged)) {
+    settings.Min = stored.curve(0, 0);
+    settings.Max = stored.curve(stored.curve.size() - 1, 0);
+  }
+  if (unkept.equations) settings.Equations = unkept.equations->text();
+  return settings;
+}
+
+// The largest distance of two tables with equal Roshko columns in per cent of the first; nothing
+// where their Roshko columns differ.
+std::optional<double> largestDistance(const PointArray& stored, const PointArray& repeated) {
+  constexpr double sameRoshkoPercent = 1e-4;
+  if (stored.size() != repeated.size() || stored.empty()) return std::nullopt;
+  double largest = 0;
+  for (std::size_t i = 0; i < stored.size(); ++i) {
+    const auto apart = [&](std::size_t c) {
+      return std::fabs(repeated(i, c) - stored(i, c)) / std::fabs(stored(i, c)) * 100;
+    };
+    if (!(apart(0) <= sameRoshkoPercent)) return std::nullopt;
+    const double distance = apart(1);
+    if (!(distance <= largest)) largest = distance;
+  }
+  return largest;
+}
+
+}  // namespace
+
+FitSettings settingsToRepeat(const CurveSettings& kept) {
+  FitSettings settings;
+  settings.min = kept.Min;
+  settings.max = kept.Max;
+  settings.points = static_cast<std::int16_t>(kept.Points);
+  settings.band = kept.BandPercent;
+  settings.ratio = kept.RatioCurve;
+  settings.inverted = kept.Inverted;
+  settings.ignoreResiduals = kept.IgnoreResiduals;
+  settings.outside = RangePolicy::extrapolate;
+  if (kept.Equations) {
+    settings.equations =
+        EquationList::parse(*kept.Equations, "the text of the equations kept with the curve");
+  }
+  return settings;
+}
+
+Repeated Database::repeat(const StoredSeries& series, const UnkeptSettings& unkept,
+                          const Observer& observer) const {
+  Repeated repeated;
+  repeated.settingsAreKept = series.settings && !series.curve.empty();
+  repeated.settings = repeated.settingsAreKept ? *series.settings : assumedSettings(series, unkept);
+  try {
+    repeated.fit = fit(series, settingsToRepeat(repeated.settings), observer);
+    repeated.trouble = repeated.fit.reason();
+    repeated.distancePercent = largestDistance(series.curve, repeated.fit.curve);
+  } catch (const BadData& failure) {
+    repeated.trouble = failure.what();
+  } catch (const OutOfRange& failure) {
+    repeated.trouble = failure.what();
+  } catch (const NoFit& failure) {
+    repeated.trouble = failure.what();
+  }
+  return repeated;
+}
+
+Curve Database::curve(const Meter& meter, const std::string& series) const {
+  const StoredSeries stored = this->series(meter, series);
+  const std::string place = placeOf(meter, stored.name);
+  if (stored.curve.size() < 2)
+    throw NotFound({place + " has no stored curve", location(), "fit it"});
+  std::vector<CurvePoint> points(stored.curve.size());
+  const Repeated repeated = repeat(stored);
+  const FitOutcome& outcome = repeated.fit.outcome;
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    points[i] = {stored.curve(i, 0), stored.curve(i, 1), {}, {}};
+    if (!repeated.isStoredCurve()) continue;
+    if (i < outcome.ConfidenceHalfWidth.size())
+      points[i].confidence = outcome.ConfidenceHalfWidth[i];
+    if (i < outcome.PredictionHalfWidth.size())
+      points[i].prediction = outcome.PredictionHalfWidth[i];
+  }
+  try {
+    return Curve(std::move(points));
+  } catch (const BadData& failure) {
+    throw BadData({"the stored curve of " + place + " cannot be read: " + failure.what(),
+                   location(), "fit it again"});
+  }
+}
+
+}  // namespace pelmora::calibration

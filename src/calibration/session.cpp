@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+#include "calibration/session.h"
+
+#include "base/run_time_error.h"
+#include "base/time_text.h"
+#include "base/version.h"
+#include "store/connection.h"
+
+#include <pelmora/curve_database.h>
+
+#include <array>
+#include <cstdlib>
+
+namespace pelmora::calibration {
+namespace {
+
+std::string nameOfUser(const std::string& given) {
+  if (!given.empty()) return given;
+  for (const char* variable : {"LOGNAME", "USER", "USERNAME"}) {
+    const char* name = std::getenv(variable);
+    if (name != nullptr && *name != '\0') return name;
+  }
+  return {};
+}
+
+bool isAny(const Error& error, std::initializer_list<RunTimeError> numbers) {
+  for (const RunTimeError number : numbers) {
+    if (error.number() == static_cast<std::int32_t>(number)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+Session::Session(std::string location, OpenOptions options)
+    : location_(std::move(location)), options_(std::move(options)) {
+  try {
+    curves_ = openDatabase(location_);
+  } catch (const Error& error) {
+    if (isAny(error, {RunTimeError::fileNotFound})) {
+      throw NotFound({error.what(), location_, "name a curve database, or create one"},
+                     error.number());
+    }
+    throwTranslated("the curve database cannot be opened", error);
+  }
+  try {
+    requireCurveTables(curves_);
+  } catch (const Error& error) {
+    if (error.number() == genericFailure || isAny(error, {RunTimeError::invalidFileFormat}))
+      throwTranslated("'" + location_ + "' cannot be read", error);
+    throw Unusable({"'" + location_ + "' cannot be used as a curve database: " + error.what(),
+                    location_, "name a curve database, or create one"},
+                   error.number());
+  }
+  if (options_.mode == Mode::write) {
+    asking("'" + location_ + "' cannot be written now", [&] { requireWritable(curves_); });
+  }
+}
+
+void Session::throwTranslated(const std::string& doing, const Error& error) const {
+  const std::string what = doing + ": " + error.what();
+  const std::int32_t number = error.number();
+  if (number == genericFailure) {
+    throw Locked({what, location_, "try again when other programs have finished with it"}, number);
+  }
+  if (isAny(error, {RunTimeError::invalidFileFormat})) {
+    throw Damaged({what, location_, "restore it from a copy, or bring over what can be read"},
+                  number);
+  }
+  if (isAny(error, {RunTimeError::invalidNull, RunTimeError::typeMismatch, RunTimeError::overflow}))
+    throw BadData({what, location_, "examine the database"}, number);
+  throw Unusable({what, location_, ""}, number);
+}
+
+void Session::begin(const std::string& command) {
+  if (hasChange()) throw Failure({"a change is open already", location_, "commit it first"});
+  kept_.clear();
+  asking("'" + location_ + "' cannot be written now", [&] {
+    change_ = std::make_unique<history::KeptChange>(
+        curves_, history::ChangeNote{command, utcText(), nameOfUser(options_.userName), version});
+  });
+}
+
+void Session::commit() {
+  asking("storing in '" + location_ + "'", [&] { change_->commit(); });
+  change_.reset();
+}
+
+void Session::rollback() noexcept {
+  change_.reset();
+  kept_.clear();
+}
+
+HistoryEntryId Session::keep(const history::Scope& scope) {
+  const HistoryEntryId entry = change_->keep(scope);
+  note(entry);
+  return entry;
+}
+
+void Session::note(HistoryEntryId entry) {
+  if (entry != 0) kept_.push_back(entry);
+}
+
+std::string placeOf(const Meter& meter) {
+  return "meter '" + meter.serial + "', calibration " + std::to_string(meter.calibration);
+}
+
+std::string placeOf(const Meter& meter, const std::string& series) {
+  return "series '" + series + "' of " + placeOf(meter);
+}
+
+}  // namespace pelmora::calibration

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#include <pelmora/calibration/failure.h>
+#include <pelmora/calibration/stand.h>
+#include <pelmora/stand.h>
+
+#include "base/run_time_error.h"
+
+namespace pelmora::calibration {
+namespace {
+
+bool isCsv(const std::string& location) {
+  constexpr std::string_view ending = ".csv";
+  if (location.size() < ending.size()) return false;
+  for (std::size_t i = 0; i < ending.size(); ++i) {
+    char c = location[location.size() - ending.size() + i];
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    if (c != ending[i]) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+Stand::Stand(const std::string& location) : location_(location) {
+  try {
+    connection_ = openDatabase(location);
+    jobs_ = standJobs(connection_);
+  } catch (const Error& error) {
+    if (error.number() == static_cast<std::int32_t>(RunTimeError::fileNotFound)) {
+      throw NotFound({error.what(), location, "name a stand's database or its CSV export"},
+                     error.number());
+    }
+    if (isCsv(location)) {
+      throw BadData({"the stand's data cannot be read: " + std::string(error.what()), location, ""},
+                    error.number());
+    }
+    throw Unusable(
+        {"'" + location + "' cannot be used as a stand's data: " + error.what(), location,
+         "name a stand database or a CSV export with the header JobRecordID,V1..V37"},
+        error.number());
+  }
+}
+
+}  // namespace pelmora::calibration

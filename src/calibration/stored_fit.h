@@ -1,0 +1,22 @@
+// Storing the result of a fit, and telling whether it still belongs to what is stored.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "calibration/session.h"
+
+#include <cstdint>
+
+namespace pelmora::calibration {
+
+// Fingerprints of what a fit depends on: the calibration and the series by name and id, and the raw
+// parts; with the curve, merged points, report and settings of the last fit for a refit.
+[[nodiscard]] std::uint64_t pointsBasis(const Session& session, const Meter& meter,
+                                        std::int32_t seriesID);
+[[nodiscard]] std::uint64_t curveBasis(const Session& session, const Meter& meter,
+                                       std::int32_t seriesID);
+
+// Puts curve, merged points, report and settings of an accepted fit in place of the series' own,
+// which the history keeps. Needs an open change.
+HistoryEntryId storeFit(Session& session, const Fit& fit);
+
+}  // namespace pelmora::calibration

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+#include "tests/calibration/service_fixture.h"
+#include "tests/support/stand_export.h"
+
+#include <fstream>
+
+namespace pelmora::calibration::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class Imports : public ServiceTest {
+ protected:
+  Imports() : db_(lab()), meter_(db_.registerMeter("M1")) {}
+
+  Stand standOf(const std::vector<std::string>& lines) {
+    const std::string file = path() + ".csv";
+    std::ofstream text(file);
+    text << pelmora::test::standHeader() << "\n";
+    for (const std::string& line : lines) text << line << "\n";
+    text.close();
+    return Stand(file);
+  }
+  Database db_;
+  Meter meter_;
+};
+
+TEST_F(Imports, derive_four_series_with_a_raw_part_for_each_fluid) {
+  const Imported imported = db_.importRuns(
+      meter_, Stand(exampleData("stand-dual-rotor.csv")),
+      {{"1001", "Mineral spirit", "Ada"}, {"1002", "Glycol mix", "Ada"}}, {.stand = 3});
+  EXPECT_EQ(imported.jobWithoutRotorB, "");
+  ASSERT_EQ(imported.series.size(), 4U);
+  EXPECT_THAT(db_.seriesOf(meter_), ElementsAre("Rotor A", "Rotor B", "Rotor Sum", "Ratio"));
+  for (const DerivedSeries& series : imported.series)
+    EXPECT_THAT(series.points, ElementsAre(24, 24, 0, 0)) << series.name;
+  ASSERT_EQ(imported.runs.size(), 2U);
+  EXPECT_EQ(imported.runs[0].fluid, "Mineral spirit");
+  EXPECT_EQ(imported.runs[0].operatorName, "Ada");
+  EXPECT_EQ(imported.runs[0].stand, 3);
+  EXPECT_THAT(imported.runs[0].jobs, ElementsAre("1001"));
+}
+
+TEST_F(Imports, a_fluid_is_the_same_in_capitals_beyond_ascii_too) {
+  const Stand stand(exampleData("stand-dual-rotor.csv"));
+  const auto failure = failureOf<BadData>([&] {
+    (void)db_.importRuns(meter_, stand, {{"1001", "Öl Ä", ""}, {"1002", "öl ä", ""}});
+  });
+  EXPECT_THAT(failure.what(), HasSubstr("twice"));
+  (void)db_.importRuns(meter_, stand, {{"1001", "Öl Ä", ""}});
+  (void)db_.importRuns(meter_, stand, {{"1002", "öl ä", ""}});
+  EXPECT_EQ(db_.runs(meter_).size(), 1U);
+}
+
+TEST_F(Imports, fluids_and_operators_may_have_apostrophes) {
+  (void)db_.importRuns(meter_, Stand(exampleData("stand-dual-rotor.csv")),
+                       {{"1001", "Ada's oil", "O'Neil"}});
+  EXPECT_EQ(db_.runs(meter_).front().fluid, "Ada's oil");
+  EXPECT_EQ(db_.runs(meter_).front().operatorName, "O'Neil");
+}
+
+TEST_F(Imports, a_reading_that_cannot_be_used_stops_everything) {
+  const std::string good = pelmora::test::exportLine("7");
+  const auto importOf = [&](const std::string& line) {
+    const Stand stand = standOf({good, line});
+    return failureOf<BadData>([&] { (void)db_.importRuns(meter_, stand, {{"7", "oil", ""}}); });
+  };
+  EXPECT_THAT(importOf(pelmora::test::exportLine("7", {{5, "0"}})).what(),
+              HasSubstr("job 7, point 2: V5 (viscosity) is 0"));
+  EXPECT_THAT(importOf(pelmora::test::exportLine("7", {{4, ""}})).what(), HasSubstr("V4"));
+  EXPECT_TRUE(db_.seriesOf(meter_).empty());
+  EXPECT_TRUE(db_.runs(meter_).empty());
+}
+
+TEST_F(Imports, without_rotor_B_there_is_rotor_A_alone) {
+  const Stand stand = standOf({pelmora::test::exportLine("7", {{20, "0"}, {21, "0"}}),
+                               pelmora::test::exportLine("7", {{20, "0"}, {21, "0"}})});
+  const Imported imported = db_.importRuns(meter_, stand, {{"7", "oil", ""}});
+  EXPECT_EQ(imported.jobWithoutRotorB, "7");
+  EXPECT_THAT(db_.seriesOf(meter_), ElementsAre("Rotor A"));
+}
+
+TEST_F(Imports, an_unknown_job_is_answered_with_those_there_are) {
+  const auto failure = failureOf<NotFound>([&] {
+    (void)db_.importRuns(meter_, Stand(exampleData("stand-dual-rotor.csv")), {{"4711", "oil", ""}});
+  });
+  EXPECT_THAT(failure.remedy(), HasSubstr("1001"));
+}
+
+TEST_F(Imports, a_fifth_fluid_is_refused) {
+  const Stand stand(exampleData("stand-dual-rotor.csv"));
+  for (const char* fluid : {"a", "b", "c", "d"})
+    (void)db_.importRuns(meter_, stand, {{"1001", fluid, ""}});
+  (void)failureOf<BadData>([&] { (void)db_.importRuns(meter_, stand, {{"1001", "e", ""}}); });
+  const Imported elsewhere =
+      db_.importRuns(meter_, stand, {{"1001", "e", ""}}, {.newCalibration = true});
+  EXPECT_TRUE(elsewhere.isNewCalibration);
+  EXPECT_EQ(elsewhere.meter.calibration, 1);
+}
+
+TEST_F(Imports, what_a_run_replaces_comes_back) {
+  const Stand stand(exampleData("stand-dual-rotor.csv"));
+  (void)db_.importRuns(meter_, stand, {{"1001", "oil", ""}});
+  const StoredSeries before = db_.series(meter_, "Rotor A");
+  const Imported again = db_.importRuns(meter_, stand, {{"1002", "oil", ""}});
+  EXPECT_NE(db_.series(meter_, "Rotor A").raw, before.raw);
+  ASSERT_EQ(again.kept.size(), 1U);
+  (void)db_.restore(again.kept.front());
+  EXPECT_EQ(db_.series(meter_, "Rotor A").raw, before.raw);
+}
+
+}  // namespace
+}  // namespace pelmora::calibration::test
