@@ -30,8 +30,10 @@ Database create(const std::string& location, OpenOptions options) {
     createCurveDatabase(location);
   } catch (const Error& error) {
     constexpr std::int32_t fileExists = 58;
-    const FailureText text{error.what(), location, "choose another name"};
-    if (error.number() == fileExists) throw Exists(text, error.number());
+    if (error.number() == fileExists) {
+      throw Exists({"'" + location + "' exists already", location, "choose another name"},
+                   error.number());
+    }
     throw Unusable({error.what(), location, ""}, error.number());
   }
   return Database(location, std::move(options));

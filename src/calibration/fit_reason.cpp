@@ -52,7 +52,9 @@ std::string Fit::reason() const {
   if (accepted()) return {};
   const EquationOutcome* best = nearestEquation(*this);
   if (best == nullptr) return "no equation was tried";
-  return "no equation passed the tests; nearest was " + best->Name + " (" + rejection(*best) + ")";
+  std::string why = rejection(*best);
+  if (why.ends_with('.')) why.pop_back();
+  return "no equation passed the tests; nearest was " + best->Name + " (" + why + ")";
 }
 
 }  // namespace pelmora::calibration

@@ -64,3 +64,22 @@ if(NM)
     message(FATAL_ERROR "the library hides RawData")
   endif()
 endif()
+
+# The second host: the calibration service and the report, in a program of its own.
+set(laboratory ${BUILD}/install_test/laboratory)
+run(${CMAKE_COMMAND} -S ${LABORATORY} -B ${laboratory} -G ${GENERATOR} -DCMAKE_CXX_COMPILER=${CXX}
+  -DCMAKE_PREFIX_PATH=${prefix})
+run(${CMAKE_COMMAND} --build ${laboratory})
+run(${laboratory}/laboratory ${laboratory}/curves.db ${DATA}/stand-dual-rotor.csv ${laboratory}/report.html)
+foreach(expected "Rotor Sum +Polynomial" "Strouhal at Roshko 120: 1[0-9.]+ \\+- [0-9.]+" "Largest shift: [-+][0-9.]+ %"
+    "The first curve is back: yes")
+  if(NOT output MATCHES "${expected}")
+    message(FATAL_ERROR "the laboratory does not say '${expected}': ${output}")
+  endif()
+endforeach()
+file(READ ${laboratory}/report.html page)
+foreach(expected "<html" "Rotor A" "Mineral spirit" "Ada")
+  if(NOT page MATCHES "${expected}")
+    message(FATAL_ERROR "the laboratory's report does not hold '${expected}'")
+  endif()
+endforeach()

@@ -1,0 +1,171 @@
+// From an open database to the bytes of a report.
+// SPDX-License-Identifier: MIT
+#include "base/time_text.h"
+#include "base/version.h"
+#include "report/build_report.h"
+#include "report/csv_report.h"
+#include "report/html_report.h"
+#include "report/json_report.h"
+#include "report/svg_report.h"
+#include "report/xlsx_report.h"
+
+#include <pelmora/calibration/report.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <string_view>
+#include <utility>
+
+namespace pelmora::report {
+namespace {
+
+using calibration::Database;
+using calibration::Meter;
+using calibration::StoredSeries;
+
+MeterInfo infoOf(const Meter& meter) {
+  MeterInfo info;
+  info.Source = 1;
+  info.MeterID = meter.id;
+  info.ReCalID = static_cast<std::int16_t>(meter.calibration);
+  info.SerialNumber = meter.serial;
+  info.SerialNumberAdjusted = meter.adjusted;
+  return info;
+}
+
+SeriesInfo infoOf(const StoredSeries& stored) {
+  SeriesInfo info;
+  info.SeriesName = stored.name;
+  info.SeriesID = stored.id;
+  for (std::size_t part = 0; part < stored.raw.size(); ++part)
+    info.Raw[part].Points = stored.raw[part];
+  info.Merged = stored.merged;
+  info.Fitted = stored.curve;
+  info.Summary = stored.report;
+  return info;
+}
+
+CalSetupInfo infoOf(const calibration::Run& run) {
+  return {run.id,           run.stand, run.position, run.fluid,
+          run.operatorName, run.date,  run.jobs,     run.points};
+}
+
+std::string datesOf(const std::vector<calibration::Run>& runs) {
+  std::string text;
+  for (const calibration::Run& run : runs) {
+    if (run.date.empty() || text.find(run.date) != std::string::npos) continue;
+    text += (text.empty() ? "" : ", ") + run.date;
+  }
+  return text;
+}
+
+// The same series' curve in the latest earlier calibration that has one.
+std::optional<PreviousSeries> previousOf(const Database& lab, const std::vector<Meter>& earlier,
+                                         const std::string& series) {
+  for (const Meter& meter : earlier) {
+    const auto names = lab.seriesOf(meter);
+    if (std::find(names.begin(), names.end(), series) == names.end()) continue;
+    const StoredSeries stored = lab.series(meter, series);
+    if (stored.curve.size() < 2) continue;
+    return PreviousSeries{static_cast<std::int16_t>(meter.calibration), datesOf(lab.runs(meter)),
+                          infoOf(stored)};
+  }
+  return std::nullopt;
+}
+
+std::vector<Meter> earlierCalibrations(const Database& lab, const Meter& meter) {
+  std::vector<Meter> list = lab.calibrations(meter.serial);
+  std::erase_if(list, [&](const Meter& other) { return other.calibration >= meter.calibration; });
+  std::reverse(list.begin(), list.end());
+  return list;
+}
+
+ReportInput inputOf(const Database& lab, const Meter& meter,
+                    const calibration::ReportOptions& options) {
+  ReportInput input;
+  input.meter = infoOf(meter);
+  for (const calibration::Run& run : lab.runs(meter)) input.setups.push_back(infoOf(run));
+  input.database = std::filesystem::path(lab.location()).filename().string();
+  input.softwareVersion = version;
+  input.createdAt = utcText();
+  const auto earlier = earlierCalibrations(lab, meter);
+  for (const std::string& name : options.series.empty() ? lab.seriesOf(meter) : options.series) {
+    const StoredSeries stored = lab.series(meter, name);
+    const calibration::Repeated repeated = lab.repeat(stored, options.unkept);
+    input.series.push_back(
+        {infoOf(stored),
+         repeated.settings,
+         repeated.settingsAreKept,
+         {repeated.fit.outcome, repeated.fit.merged, repeated.fit.curve, repeated.trouble},
+         previousOf(lab, earlier, name)});
+  }
+  return input;
+}
+
+}  // namespace
+}  // namespace pelmora::report
+
+namespace pelmora::calibration {
+namespace {
+
+constexpr std::array<std::pair<std::string_view, ReportKind>, 5> endings{
+    {{".html", ReportKind::html},
+     {".json", ReportKind::json},
+     {".csv", ReportKind::csv},
+     {".xlsx", ReportKind::xlsx},
+     {".svg", ReportKind::svg}}};
+
+}  // namespace
+
+std::optional<ReportKind> reportKindOf(const std::string& file) {
+  std::string ending = std::filesystem::path(file).extension().string();
+  for (char& c : ending) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  for (const auto& [known, kind] : endings) {
+    if (ending == known) return kind;
+  }
+  return std::nullopt;
+}
+
+std::string makeReport(const Database& lab, const Meter& meter, ReportKind kind,
+                       const ReportOptions& options) {
+  const report::Report report = report::buildReport(report::inputOf(lab, meter, options));
+  switch (kind) {
+    case ReportKind::html: return report::htmlReport(report);
+    case ReportKind::json: return report::jsonReport(report);
+    case ReportKind::csv: return report::csvReport(report);
+    case ReportKind::xlsx: return report::xlsxReport(report);
+    case ReportKind::svg: return report::svgReport(report);
+  }
+  return {};
+}
+
+void writeReport(const Database& lab, const Meter& meter, const std::string& file,
+                 const ReportOptions& options) {
+  namespace fs = std::filesystem;
+  const auto kind = reportKindOf(file);
+  if (!kind) {
+    throw BadData({"the name '" + file + "' does not tell what kind of report it is to be", file,
+                   "end it in .html, .json, .csv, .xlsx or .svg"});
+  }
+  const std::string content = makeReport(lab, meter, *kind, options);
+  const fs::path unfinished = file + ".unfinished";
+  std::error_code failed;
+  {
+    std::ofstream stream(unfinished, std::ios::binary | std::ios::trunc);
+    stream << content;
+    stream.close();
+    if (!stream) failed = std::make_error_code(std::errc::io_error);
+  }
+  if (!failed) fs::rename(unfinished, file, failed);
+  if (!failed) return;
+  std::error_code ignored;
+  fs::remove(unfinished, ignored);
+  throw Unusable({"'" + file + "' cannot be written: " + failed.message(), file,
+                  "check the folder and the room on the disk"});
+}
+
+}  // namespace pelmora::calibration
