@@ -18,6 +18,12 @@ using ConnectionPtr = std::shared_ptr<Connection>;  // null: an absent connectio
 // Errors: Error if the location is missing, empty, locked or not a database. Never creates a file.
 PELMORA_API ConnectionPtr openDatabase(const std::string& location);
 
+// Whether this process has the file open as a database, under whatever link. Do not open such a
+// file in any other way: on POSIX systems closing it ends the locks of every connection of the
+// process, and other processes write into the middle of transactions. Copy it with the engine's own
+// tools.
+[[nodiscard]] PELMORA_API bool isOpenAsDatabase(const std::string& path);
+
 // Creates a new, empty SQLite curve database with all tables and indexes.
 //
 // Errors: Error if the file already exists or cannot be written.

@@ -9,6 +9,7 @@
 #include <pelmora/error.h>
 #include <pelmora/fit_outcome.h>
 #include <pelmora/own_tables.h>
+#include <pelmora/patience.h>
 #include <pelmora/platform.h>
 #include <pelmora/raw_data.h>
 #include <pelmora/stand.h>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "base/file_text.h"
 
+#include "base/plain_reading.h"
 #include "base/run_time_error.h"
 
 #include <fstream>
@@ -25,6 +26,7 @@ bool fileExists(const std::filesystem::path& path) noexcept {
 }
 
 std::string readWholeFile(const std::filesystem::path& path) {
+  const PlainReading reading(path);
   std::ifstream stream(path, std::ios::binary);
   if (!stream) throw makeError(RunTimeError::pathAccess);
   try {

@@ -14,7 +14,8 @@ namespace pelmora {
 // Whether the path names a file; a folder is none. What cannot be looked at does not exist.
 [[nodiscard]] bool fileExists(const std::filesystem::path& path) noexcept;
 
-// The bytes of a file as they are. Errors: Error 75 where it cannot be read.
+// The bytes of a file as they are.
+// Errors: Error 75 where it cannot be read, 70 where the process has it open as a database.
 [[nodiscard]] std::string readWholeFile(const std::filesystem::path& path);
 
 }  // namespace pelmora

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "wiring/database_driver.h"
 
+#include "base/file_text.h"
+#include "base/plain_reading.h"
 #include "base/run_time_error.h"
 #include "store/connection.h"
 #include "store/salvage.h"
@@ -24,24 +26,29 @@ namespace {
 
 }  // namespace
 
-ConnectionPtr databaseConnection([[maybe_unused]] const std::string& location) {
+ConnectionPtr databaseConnection([[maybe_unused]] const std::string& location,
+                                 [[maybe_unused]] const Patience& patience) {
 #if defined(PELMORA_HAS_ADO)
   if (isAccessLocation(location)) return accessConnection(location);
 #endif
 #if defined(PELMORA_HAS_SQLITE)
   if (isStandCsv(location)) return standCsvConnection(location);
-  return sqliteConnection(location);
+  return sqliteConnection(location, patience);
 #else
   return nullptr;
 #endif
 }
 
-ConnectionPtr openDatabase(const std::string& location) {
-  ConnectionPtr connection = databaseConnection(location);
+ConnectionPtr openDatabase(const std::string& location) { return openDatabase(location, {}); }
+
+ConnectionPtr openDatabase(const std::string& location, const Patience& patience) {
+  ConnectionPtr connection = databaseConnection(location, patience);
   if (!connection) throw noDriver(location);
   connection->open();
   return connection;
 }
+
+bool isOpenAsDatabase(const std::string& path) { return isDatabaseInUse(filePath(path)); }
 
 void createCurveDatabase(const std::string& path) {
 #if defined(PELMORA_HAS_SQLITE)

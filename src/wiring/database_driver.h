@@ -3,6 +3,7 @@
 #pragma once
 
 #include <pelmora/database.h>
+#include <pelmora/patience.h>
 
 #include <string>
 
@@ -10,6 +11,7 @@ namespace pelmora {
 
 // The unopened connection to a location; null where no driver is built in. A location that holds
 // nothing usable gets the SQLite driver, which says so when it is opened.
-[[nodiscard]] ConnectionPtr databaseConnection(const std::string& location);
+[[nodiscard]] ConnectionPtr databaseConnection(const std::string& location,
+                                               const Patience& patience = {});
 
 }  // namespace pelmora

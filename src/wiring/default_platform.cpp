@@ -16,7 +16,9 @@ Platform defaultPlatform() {
   platform.createBandTester = createBandTester;
   platform.createFitEngine = createSolver;
   platform.componentFolder = libraryFolder();
-  platform.createConnection = databaseConnection;
+  platform.createConnection = [](const std::string& location) {
+    return databaseConnection(location);
+  };
   return platform;
 }
 

@@ -4,12 +4,14 @@
 #include "adapters/sqlite/prepared_statement.h"
 #include "adapters/sqlite/sqlite_error.h"
 #include "adapters/sqlite/sqlite_session.h"
+#include "base/file_text.h"
 
 #include <sqlite3.h>
 
 namespace pelmora::sqlite {
 
-AttachedFile::AttachedFile(SqliteSession& session, const std::string& file) : session_(session) {
+AttachedFile::AttachedFile(SqliteSession& session, const std::string& file)
+    : session_(session), file_(filePath(file)) {
   PreparedStatement attach(session_.database(), "ATTACH ?1 AS \"output\"");
   attach.bind(1, std::string_view(file));
   const int code = sqlite3_step(attach.get());

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "base/plain_reading.h"
+
 #include <string>
 #include <string_view>
 
@@ -21,6 +23,7 @@ class AttachedFile {
 
  private:
   SqliteSession& session_;
+  DatabaseInUse file_;
 };
 
 }  // namespace pelmora::sqlite

@@ -2,14 +2,13 @@
 #include "adapters/sqlite/database_handle.h"
 
 #include "adapters/sqlite/sqlite_error.h"
+#include "base/file_text.h"
 
 #include <sqlite3.h>
 
 namespace pelmora::sqlite {
 
 namespace {
-
-constexpr int lockWait_ms = 250;
 
 // An attached file is opened with the flags of the first one: a database in memory must not ask for
 // more than an existing file does, or the attached one would be made, or be in memory too.
@@ -24,26 +23,27 @@ void DatabaseHandle::Close::operator()(sqlite3* database) const noexcept {
   sqlite3_close_v2(database);
 }
 
-DatabaseHandle::DatabaseHandle(const std::string& file, OpenMode mode) {
+DatabaseHandle::DatabaseHandle(const std::string& file, OpenMode mode, const Patience& patience)
+    : lockWait_(std::make_unique<LockWait>(patience)), guard_(std::make_unique<SchemaGuard>()) {
+  if (mode != OpenMode::memory) file_.emplace(filePath(file));
   sqlite3* opened = nullptr;
   const char* name = mode == OpenMode::memory ? ":memory:" : file.c_str();
   const int code = sqlite3_open_v2(name, &opened, openFlags(mode), nullptr);
   database_.reset(opened);
   if (code != SQLITE_OK) throw sqliteError(code, opened);
   sqlite3_extended_result_codes(opened, 1);
-  sqlite3_busy_timeout(opened, lockWait_ms);
-  // A name in double quotes is a name and never a text.
-  sqlite3_db_config(opened, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
-  sqlite3_db_config(opened, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+  lockWait_->handle(opened);
+  guard_->protect(opened);
   // In KiB. Changes of one transaction wait in memory up to the second size: where they spill into
   // the file, others cannot read it until the transaction ends. What was only read is kept up to
   // the first: enough for the upper levels of indexes, and the same for databases of any size.
-  run("PRAGMA cache_size = -4096; PRAGMA cache_spill = -65536");
-  // What a foreign file brings in its schema gets no function of ours.
-  sqlite3_db_config(opened, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+  run("PRAGMA cache_size = -4096; PRAGMA cache_spill = -65536; PRAGMA cell_size_check = ON; "
+      "PRAGMA mmap_size = 0");
 }
 
 void DatabaseHandle::run(const char* statements) const {
+  bool runsSchemaCode = false;
+  const StatementRun running(runsSchemaCode, true);
   const int code = sqlite3_exec(get(), statements, nullptr, nullptr, nullptr);
   if (code != SQLITE_OK) throw sqliteError(code, get());
 }

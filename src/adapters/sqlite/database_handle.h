@@ -2,7 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "adapters/sqlite/lock_wait.h"
+#include "adapters/sqlite/schema_guard.h"
+#include "base/plain_reading.h"
+
 #include <memory>
+#include <optional>
 #include <string>
 
 struct sqlite3;
@@ -13,9 +18,8 @@ enum class OpenMode { existing, create, memory };
 
 class DatabaseHandle {
  public:
-  // `file` is an absolute path, unused for OpenMode::memory. A lock of another user is waited for
-  // only shortly. Errors: Error.
-  DatabaseHandle(const std::string& file, OpenMode mode);
+  // `file` is an absolute path, unused for OpenMode::memory. Errors: Error.
+  DatabaseHandle(const std::string& file, OpenMode mode, const Patience& patience = {});
 
   [[nodiscard]] sqlite3* get() const { return database_.get(); }
   // Runs statements in SQLite's own SQL. Errors: Error.
@@ -25,6 +29,9 @@ class DatabaseHandle {
   struct Close {
     void operator()(sqlite3* database) const noexcept;
   };
+  std::optional<DatabaseInUse> file_;  // nothing for a database in memory; outlives database_
+  std::unique_ptr<LockWait> lockWait_;
+  std::unique_ptr<SchemaGuard> guard_;
   std::unique_ptr<sqlite3, Close> database_;
 };
 

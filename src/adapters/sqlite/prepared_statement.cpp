@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sqlite/prepared_statement.h"
 
+#include "adapters/sqlite/schema_guard.h"
 #include "adapters/sqlite/sqlite_error.h"
 
 #include <sqlite3.h>
@@ -17,6 +18,7 @@ void PreparedStatement::Finalize::operator()(sqlite3_stmt* statement) const noex
 PreparedStatement::PreparedStatement(sqlite3* database, std::string_view sql)
     : database_(database) {
   if (sql.size() > std::numeric_limits<int>::max()) throw sqliteError(SQLITE_TOOBIG, nullptr);
+  const StatementRun preparing(runsSchemaCode_, false);
   sqlite3_stmt* prepared = nullptr;
   check(sqlite3_prepare_v2(database, sql.data(), static_cast<int>(sql.size()), &prepared, nullptr));
   statement_.reset(prepared);
@@ -54,6 +56,7 @@ void PreparedStatement::bind(int parameter, const Value& value) {
 }
 
 bool PreparedStatement::step() {
+  const StatementRun running(runsSchemaCode_, sqlite3_stmt_busy(get()) == 0);
   const int code = sqlite3_step(get());
   if (code == SQLITE_ROW) return true;
   if (code == SQLITE_DONE) return false;

@@ -40,6 +40,7 @@ class PreparedStatement {
     void operator()(sqlite3_stmt* statement) const noexcept;
   };
   sqlite3* database_;
+  bool runsSchemaCode_ = false;
   std::unique_ptr<sqlite3_stmt, Finalize> statement_;
 };
 

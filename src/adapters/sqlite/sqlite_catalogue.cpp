@@ -2,11 +2,14 @@
 #include "adapters/sqlite/sqlite_catalogue.h"
 
 #include "adapters/sql_dialect/sqlite_expression.h"
+#include "adapters/sqlite/sqlite_error.h"
+#include "base/text_case.h"
 
 #include <pelmora/error.h>
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <array>
 #include <string>
 
 namespace pelmora::sqlite {
@@ -32,6 +35,17 @@ sql::ColumnKind kindOf(std::string declared) {
   if (names("BLOB")) return sql::ColumnKind::asStored;
   if (names("REAL") || names("FLOA") || names("DOUB")) return sql::ColumnKind::number;
   return sql::ColumnKind::asStored;
+}
+
+// Of a curve database, those that other hosts do not know included.
+bool isCurveTable(std::string_view name) {
+  constexpr std::array<std::string_view, 14> tables{
+      "meter", "masterMeterList", "series",   "raw1",         "raw2",   "raw3",    "raw4", "merge",
+      "curve", "DataFitResults",  "CalSetup", "CalDataPoint", "Fluids", "Operator"};
+  constexpr std::string_view own = "pelmora_";
+  return equalNames(name.substr(0, own.size()), own) ||
+         std::ranges::any_of(tables,
+                             [&](std::string_view table) { return equalNames(table, name); });
 }
 
 }  // namespace
@@ -73,8 +87,35 @@ std::optional<sql::TableShape> SqliteCatalogue::findAsTold(std::string_view data
   return table;
 }
 
+// What the component stores in lies in tables. A view in the place of one could show anything, and
+// one that is made of other views takes a time to prepare that doubles with each of them.
+void SqliteCatalogue::requireUsable(std::string_view database, std::string_view name) const {
+  PreparedStatement kind(
+      database_,
+      "SELECT t.type, t.sql GLOB '*[^a-zA-Z0-9_][wW][iI][tT][hH][^a-zA-Z0-9_]*' OR EXISTS (SELECT "
+      "1 FROM " +
+          sql::quotedName(database) +
+          ".sqlite_master AS v WHERE v.type = 'view' AND v.name <> t.name AND "
+          "instr(lower(t.sql), lower(v.name)) > 0) FROM " +
+          sql::quotedName(database) +
+          ".sqlite_master AS t WHERE t.type IN ('table', 'view') AND t.rootpage = 0 "
+          "AND t.name = ?1 COLLATE NOCASE");
+  kind.bind(1, name);
+  if (!kind.step()) return;
+  const bool isView = columnText(kind.get(), 0) == "view";
+  const bool isNested = sqlite3_column_int(kind.get(), 1) != 0;
+  if (isView && !isNested && !isCurveTable(name)) return;
+  const char* file = sqlite3_db_filename(database_, std::string(database).c_str());
+  throw Error(
+      untrustedSchema, "Pelmora",
+      "'" + std::string(name) + "' in file '" + (file == nullptr ? "" : file) + "' is " +
+          (isView ? (isCurveTable(name) ? "a view" : "a view of views") : "a virtual table") +
+          ", not a table. Make it a table, or name another database.");
+}
+
 std::optional<sql::TableShape> SqliteCatalogue::readTable(std::string_view database,
                                                           std::string_view name) const {
+  requireUsable(database, name);
   PreparedStatement columns(database_,
                             "SELECT t.name, c.name, c.type FROM " + sql::quotedName(database) +
                                 ".sqlite_master AS t, pragma_table_info(t.name, ?2) AS c "

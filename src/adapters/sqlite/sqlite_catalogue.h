@@ -36,6 +36,8 @@ class SqliteCatalogue : public sql::Catalogue {
   void forget() const;
 
  private:
+  // Errors: Error untrustedSchema.
+  void requireUsable(std::string_view database, std::string_view name) const;
   [[nodiscard]] std::optional<sql::TableShape> readTable(std::string_view database,
                                                          std::string_view name) const;
 

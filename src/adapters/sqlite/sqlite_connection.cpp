@@ -116,9 +116,10 @@ std::vector<IntegrityProblem> SqliteConnection::integrityProblems(std::size_t mo
 
 }  // namespace sqlite
 
-ConnectionPtr sqliteConnection(const std::string& path) {
-  return std::make_shared<sqlite::SqliteConnection>(
-      [path] { return std::make_shared<sqlite::SqliteSession>(sqlite::checkedSqliteFile(path)); });
+ConnectionPtr sqliteConnection(const std::string& path, const Patience& patience) {
+  return std::make_shared<sqlite::SqliteConnection>([path, patience] {
+    return std::make_shared<sqlite::SqliteSession>(sqlite::checkedSqliteFile(path), patience);
+  });
 }
 
 }  // namespace pelmora

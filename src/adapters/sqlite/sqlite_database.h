@@ -5,6 +5,7 @@
 #include "store/salvage.h"
 
 #include <pelmora/database.h>
+#include <pelmora/patience.h>
 
 #include <string>
 
@@ -17,7 +18,8 @@ namespace pelmora {
 //
 // Errors: of open(): genericFailure where the file is locked, 53 missing, 70 not permitted, 75 a
 //         folder, 321 empty or no SQLite database; the description names the file and what to do.
-[[nodiscard]] ConnectionPtr sqliteConnection(const std::string& path);
+[[nodiscard]] ConnectionPtr sqliteConnection(const std::string& path,
+                                             const Patience& patience = {});
 
 // Makes a new curve database with all tables and indexes at `path`.
 //

@@ -2,6 +2,7 @@
 #include "adapters/sqlite/sqlite_error.h"
 
 #include "adapters/sql_dialect/dialect_error.h"
+#include "adapters/sqlite/schema_guard.h"
 #include "base/run_time_error.h"
 
 #include <sqlite3.h>
@@ -32,6 +33,14 @@ bool isTooComplex(const std::string& message) {
          message.find("too many") != std::string::npos;
 }
 
+Error notAllowed(const std::string& file, const std::string& native) {
+  return {untrustedSchema, "Pelmora",
+          "The " + lastSchemaCode() + " of " + file +
+              " does what is not allowed to code that a database brings along. Remove it, or use "
+              "another database." +
+              native};
+}
+
 Error errorAbout(int code, sqlite3* database, const std::string& file) {
   const int extended = database == nullptr ? code : sqlite3_extended_errcode(database);
   const std::string message = database == nullptr ? sqlite3_errstr(code) : sqlite3_errmsg(database);
@@ -44,10 +53,16 @@ Error errorAbout(int code, sqlite3* database, const std::string& file) {
               "Could not lock " + file + "; it is locked by another user." + native};
     case SQLITE_READONLY:
     case SQLITE_PERM:
-    case SQLITE_AUTH:
       return {updateRefused, "Pelmora",
               "Operation must use an updateable query. Check that " + file +
                   " and its folder can be written." + native};
+    case SQLITE_AUTH: return notAllowed(file, native);
+    case SQLITE_INTERRUPT:
+      return {untrustedSchema, "Pelmora",
+              "The " + lastSchemaCode() + " of " + file +
+                  " was stopped because it did not come to an end. Remove it, or use another "
+                  "database." +
+                  native};
     case SQLITE_CANTOPEN:
       return {updateRefused, "Pelmora",
               "Operation must use an updateable query. Beside " + file +
@@ -71,6 +86,7 @@ Error errorAbout(int code, sqlite3* database, const std::string& file) {
       return {static_cast<std::int32_t>(RunTimeError::overflow), "Pelmora", "Overflow" + native};
     default: break;
   }
+  if (message.starts_with("not authorized")) return notAllowed(file, native);
   if (isTooComplex(message)) return sql::statementError("Query is too complex." + native);
   if (message == "integer overflow") return makeError(RunTimeError::overflow);
   return sql::statementError("The database engine refused the statement." + native);

@@ -14,6 +14,8 @@ namespace pelmora::sqlite {
 // Error numbers of the database role beside those of the dialect and the run-time errors.
 inline constexpr std::int32_t updateRefused = static_cast<std::int32_t>(0x80040E09U);
 inline constexpr std::int32_t constraintFailed = static_cast<std::int32_t>(0x80040E2FU);
+// Code in the schema of a file was refused or stopped.
+inline constexpr std::int32_t untrustedSchema = static_cast<std::int32_t>(0x80040E09U);
 inline constexpr std::int32_t notUpdatable = 3251;
 inline constexpr std::int32_t connectionClosed = 3709;
 inline constexpr std::int32_t recordsetClosed = 3704;

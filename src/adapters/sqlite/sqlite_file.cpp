@@ -5,11 +5,14 @@
 #include "base/file_text.h"
 #include "base/run_time_error.h"
 
-#include <array>
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <cstddef>
 #include <filesystem>
-#include <fstream>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 namespace pelmora {
 
@@ -19,19 +22,64 @@ namespace {
 
 enum class Contents { unreadable, empty, other, sqlite };
 
-Contents contentsOf(const std::filesystem::path& path) {
+// A file that SQLite's access to the operating system has opened for reading.
+class OpenFile {
+ public:
+  explicit OpenFile(const std::string& path)
+      : vfs_(sqlite3_vfs_find(nullptr)),
+        name_(sqlite3_create_filename(path.c_str(), "", "", 0, nullptr)) {
+    if (vfs_ == nullptr || name_ == nullptr) return;
+    memory_.resize(static_cast<std::size_t>(vfs_->szOsFile) / sizeof(std::max_align_t) + 1);
+    // Only a main database takes part in SQLite's account of locks.
+    isOpen_ = vfs_->xOpen(vfs_, name_, file(), SQLITE_OPEN_READONLY | SQLITE_OPEN_MAIN_DB,
+                          nullptr) == SQLITE_OK;
+  }
+  ~OpenFile() {
+    if (!memory_.empty() && file()->pMethods != nullptr) file()->pMethods->xClose(file());
+    sqlite3_free_filename(name_);
+  }
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+
+  // Nothing where it cannot be read.
+  [[nodiscard]] std::optional<std::string> start(std::size_t size) {
+    sqlite3_int64 length = 0;
+    if (!isOpen_ || file()->pMethods->xFileSize(file(), &length) != SQLITE_OK) return std::nullopt;
+    std::string bytes(std::min(size, static_cast<std::size_t>(length)), '\0');
+    const int count = static_cast<int>(bytes.size());
+    if (file()->pMethods->xRead(file(), bytes.data(), count, 0) != SQLITE_OK) return std::nullopt;
+    return bytes;
+  }
+
+ private:
+  sqlite3_file* file() { return reinterpret_cast<sqlite3_file*>(memory_.data()); }
+
+  sqlite3_vfs* vfs_;
+  sqlite3_filename name_;
+  std::vector<std::max_align_t> memory_;
+  bool isOpen_ = false;
+};
+
+Contents contentsOf(const std::string& path) {
   constexpr std::string_view header("SQLite format 3\0", 16);
-  std::ifstream file(path, std::ios::binary);
-  if (!file) return Contents::unreadable;
-  std::array<char, header.size()> start{};
-  file.read(start.data(), start.size());
-  if (file.bad()) return Contents::unreadable;
-  if (file.gcount() == 0) return Contents::empty;
-  const std::string_view found(start.data(), static_cast<std::size_t>(file.gcount()));
-  return found == header ? Contents::sqlite : Contents::other;
+  const auto start = startOfFile(path, header.size());
+  if (!start) return Contents::unreadable;
+  if (start->empty()) return Contents::empty;
+  return *start == header ? Contents::sqlite : Contents::other;
 }
 
 }  // namespace
+
+std::optional<std::string> startOfFile(const std::string& path, std::size_t size) {
+  std::error_code failure;
+  const std::filesystem::path file = filePath(path);
+  if (path.find('\0') != std::string::npos || !std::filesystem::is_regular_file(file, failure)) {
+    return std::nullopt;
+  }
+  // The engine itself follows no links here.
+  const std::filesystem::path whole = std::filesystem::canonical(file, failure);
+  return failure ? std::nullopt : OpenFile(utf8Text(whole)).start(size);
+}
 
 std::string checkedSqliteFile(const std::string& path) {
   const auto fail = [](RunTimeError number, const std::string& description) -> Error {
@@ -60,7 +108,7 @@ std::string checkedSqliteFile(const std::string& path) {
     throw fail(RunTimeError::pathAccess,
                "Could not open '" + path + "': it is no regular file. Name a database file.");
   }
-  switch (contentsOf(file)) {
+  switch (contentsOf(path)) {
     case Contents::sqlite: break;
     case Contents::unreadable:
       throw fail(RunTimeError::permissionDenied,
@@ -81,10 +129,7 @@ std::string checkedSqliteFile(const std::string& path) {
 }  // namespace sqlite
 
 bool isSqliteFile(const std::string& path) {
-  const std::filesystem::path file = filePath(path);
-  std::error_code ignored;
-  return path.find('\0') == std::string::npos && std::filesystem::is_regular_file(file, ignored) &&
-         sqlite::contentsOf(file) == sqlite::Contents::sqlite;
+  return sqlite::contentsOf(path) == sqlite::Contents::sqlite;
 }
 
 }  // namespace pelmora

@@ -4,9 +4,15 @@
 
 #include <pelmora/error.h>
 
+#include <cstddef>
+#include <optional>
 #include <string>
 
 namespace pelmora::sqlite {
+
+// At most the first `size` bytes of a regular file; nothing where it cannot be read. SQLite opens
+// and closes the file: it knows which files the process holds locks on, and keeps those locks.
+[[nodiscard]] std::optional<std::string> startOfFile(const std::string& path, std::size_t size);
 
 // The absolute path, which SQLite can mistake neither for a URI nor for ":memory:".
 //

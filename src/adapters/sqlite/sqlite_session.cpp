@@ -10,8 +10,8 @@
 
 namespace pelmora::sqlite {
 
-SqliteSession::SqliteSession(const std::string& file, OpenMode mode)
-    : file_(file), handle_(std::in_place, file, mode) {
+SqliteSession::SqliteSession(const std::string& file, OpenMode mode, const Patience& patience)
+    : file_(file), handle_(std::in_place, file, mode, patience) {
   registerDialect(database(), fault_);
   // The first look at the file: a lock, damage or a refused right shows here.
   PreparedStatement(database(), "SELECT 1 FROM sqlite_master LIMIT 1").step();

@@ -20,9 +20,10 @@ class PreparedStatement;
 class SqliteSession {
  public:
   // `file`: absolute path. Errors: Error, genericFailure where the database is locked.
-  explicit SqliteSession(const std::string& file) : SqliteSession(file, OpenMode::existing) {}
+  SqliteSession(const std::string& file, const Patience& patience)
+      : SqliteSession(file, OpenMode::existing, patience) {}
   // A database of its own in memory.
-  SqliteSession() : SqliteSession({}, OpenMode::memory) {}
+  SqliteSession() : SqliteSession({}, OpenMode::memory, {}) {}
 
   void close();
   // Errors: Error connectionClosed after close().
@@ -57,7 +58,7 @@ class SqliteSession {
   bool step(PreparedStatement& statement);
 
  private:
-  SqliteSession(const std::string& file, OpenMode mode);
+  SqliteSession(const std::string& file, OpenMode mode, const Patience& patience);
   void forgetSchema() noexcept;
 
   std::string file_;

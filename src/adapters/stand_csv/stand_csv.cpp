@@ -2,8 +2,10 @@
 #include "adapters/stand_csv/stand_csv.h"
 
 #include "adapters/sqlite/memory_table.h"
+#include "adapters/sqlite/sqlite_file.h"
 #include "adapters/stand_csv/stand_rows.h"
 #include "base/file_text.h"
+#include "base/plain_reading.h"
 #include "base/run_time_error.h"
 
 #include <array>
@@ -27,6 +29,7 @@ std::string contents(const std::string& path) {
     throw Error(static_cast<std::int32_t>(RunTimeError::fileNotFound), "Pelmora",
                 "Could not find file '" + path + "'. Check the folder and the name.");
   }
+  const PlainReading reading(filePath(path));
   std::ifstream file(filePath(path), std::ios::binary);
   std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
   if (!file.is_open() || file.bad()) {
@@ -46,15 +49,12 @@ void readRows(const std::string& path, const MemoryTable::AddRow& addRow) {
 }  // namespace
 
 bool isStandCsv(const std::string& path) {
-  if (!isRegularFile(path)) return false;
   constexpr std::size_t enough = 64;
-  std::ifstream file(filePath(path), std::ios::binary);
-  std::string start(enough, '\0');
-  file.read(start.data(), static_cast<std::streamsize>(enough));
-  start.resize(static_cast<std::size_t>(file.gcount()));
+  const auto start = sqlite::startOfFile(path, enough);
+  if (!start) return false;
   // The rest of the record may be cut anywhere; only its first field counts.
-  const std::size_t end = start.find_first_of(",\r\n");
-  stand::CsvReader reader(std::string_view(start).substr(0, end));
+  const std::size_t end = start->find_first_of(",\r\n");
+  stand::CsvReader reader(std::string_view(*start).substr(0, end));
   std::vector<stand::CsvField> fields;
   try {
     return reader.next(fields) && stand::isFirstColumn(fields.front().text);

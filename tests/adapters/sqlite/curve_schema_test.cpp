@@ -22,7 +22,7 @@ using test::failureOf;
 using test::ScratchFolder;
 
 std::vector<std::string> columnsOf(const CurveFile& file, const std::string& table) {
-  const auto shape = sqlite::SqliteSession(file.path).catalogue().findTable("main", table);
+  const auto shape = sqlite::SqliteSession(file.path, {}).catalogue().findTable("main", table);
   std::vector<std::string> names;
   for (const auto& column : shape.value().columns) names.push_back(column.name);
   return names;
@@ -85,7 +85,7 @@ std::string planOf(sqlite::SqliteSession& session, const std::string& statement)
 
 TEST(curve_schema, every_look_up_and_deletion_uses_an_index) {
   const CurveFile file;
-  sqlite::SqliteSession session(file.path);
+  sqlite::SqliteSession session(file.path, {});
   for (
       const char* statement : {
           "SELECT TOP 1 ID, ReCalID, SerialNumberAdjusted from meter where serialnumber='a' ORDER "
@@ -150,7 +150,7 @@ TEST(curve_schema, every_look_up_and_deletion_uses_an_index) {
 
 TEST(curve_schema, jobs_of_a_set_up_are_both_parts_of_the_index) {
   const CurveFile file;
-  sqlite::SqliteSession session(file.path);
+  sqlite::SqliteSession session(file.path, {});
   const std::string plan =
       planOf(session, "Select v2 from CalDataPoint WHERE CalSetupID=1 and JobRecordID=2");
   EXPECT_NE(plan.find("(CalSetupID=? AND JobRecordID=?)"), std::string::npos) << plan;

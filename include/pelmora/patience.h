@@ -1,0 +1,27 @@
+// How long to wait for a database that somebody else has locked.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <pelmora/database.h>
+#include <pelmora/export.h>
+
+#include <chrono>
+#include <functional>
+#include <string>
+
+namespace pelmora {
+
+struct Patience {
+  // A database that stays locked for so long is error 0x80004005.
+  std::chrono::milliseconds limit{250};
+  // Called before each pause of a wait with the time that has passed. False ends the wait. It must
+  // neither throw nor use the connection.
+  std::function<bool(std::chrono::milliseconds waited)> goesOn;
+};
+
+// As openDatabase(location), for a connection that waits with this patience: when it is opened, and
+// for each of its statements. Those who have waited longest look most often, so that none of many
+// waiting writers starves.
+PELMORA_API ConnectionPtr openDatabase(const std::string& location, const Patience& patience);
+
+}  // namespace pelmora

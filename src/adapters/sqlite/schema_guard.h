@@ -1,0 +1,55 @@
+// What the views and triggers of a foreign database may do.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+struct sqlite3;
+
+namespace pelmora::sqlite {
+
+// Code that comes with a file (views, triggers) runs within statements of ours. It may compute, but
+// neither recurse nor call what allocates or loads at will, and it must come to an end: each
+// connection has a number of steps of the engine for it, which grows with the file and with each
+// statement. Statements that run no such code are not counted.
+class SchemaGuard {
+ public:
+  SchemaGuard() = default;
+  SchemaGuard(const SchemaGuard&) = delete;
+  SchemaGuard& operator=(const SchemaGuard&) = delete;
+
+  // Applies the engine's settings for files that nobody vouches for. This object must outlive the
+  // connection, at one place.
+  void protect(sqlite3* database);
+
+ private:
+  static int authorize(void* self, int action, const char* first, const char* second,
+                       const char* schema, const char* code) noexcept;
+  static int progress(void* self) noexcept;
+  bool mayGoOn();
+
+  sqlite3* database_ = nullptr;
+  std::int64_t steps_ = 0;  // that are left
+  bool isFileCounted_ = false;
+};
+
+// While it lives, this thread prepares or runs one statement.
+class StatementRun {
+ public:
+  // runsSchemaCode: of the statement; becomes true where preparing it finds a view or trigger.
+  // isNew: whether the statement starts, rather than going on with its next row.
+  StatementRun(bool& runsSchemaCode, bool isNew) noexcept;
+  ~StatementRun();
+  StatementRun(const StatementRun&) = delete;
+  StatementRun& operator=(const StatementRun&) = delete;
+
+ private:
+  bool* runsSchemaCodeBefore_;
+  bool isNewBefore_;
+};
+
+// The view or trigger that this thread prepared last: "view or trigger 'meter'".
+[[nodiscard]] std::string lastSchemaCode();
+
+}  // namespace pelmora::sqlite
