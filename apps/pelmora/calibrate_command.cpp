@@ -16,7 +16,7 @@ namespace pelmora::cli {
 namespace {
 
 struct CalibrateOptions {
-  std::string path;
+  DatabaseOption curves;
   ImportRequest request;
   RunOptions runs;
   FitOptions fit;
@@ -89,7 +89,7 @@ void requireAll(const ImportOutcome& import, const std::vector<SeriesFit>& fits)
 
 void calibrate(CalibrateOptions& options) {
   options.request.runs = standRuns(options.runs.jobs, options.runs.fluids, options.runs.operators);
-  CurveSession session(options.path, Access::write);
+  CurveSession session(options.curves, Access::write);
   StoredChange change(session, "calibrate", options.isDryRun);
   const ImportOutcome import = importRuns(change, options.request);
   std::vector<SeriesFit> fits;
@@ -122,7 +122,7 @@ void addCalibrateCommand(CLI::App& app) {
                                           "its merged range and store the curves. "
                                           "Ratio is fitted as a rotor ratio curve.");
   const auto options = std::make_shared<CalibrateOptions>();
-  addDatabase(command, options->path);
+  addDatabase(command, options->curves);
   addImport(command, options->request, options->runs);
   addFitTests(command, options->fit);
   addDryRun(command, options->isDryRun);

@@ -5,11 +5,13 @@
 #include "apps/pelmora/text_table.h"
 #include "apps/pelmora/trouble.h"
 
+#include <cmath>
 #include <limits>
 
 namespace pelmora::cli {
 namespace {
 
+constexpr double mostSeconds = 86400;
 constexpr std::int64_t mostSmall = std::numeric_limits<std::int16_t>::max();
 
 }  // namespace
@@ -28,6 +30,23 @@ void addSmallInteger(CLI::App& command, const std::string& name, std::int16_t& v
 
 void addDatabase(CLI::App& command, std::string& path) {
   command.add_option("CURVES", path, "Curve database")->required()->type_name("FILE");
+}
+
+void addDatabase(CLI::App& command, DatabaseOption& curves) {
+  addDatabase(command, curves.path);
+  command
+      .add_option_function<std::string>(
+          "--wait",
+          [&curves](const std::string& text) {
+            const double seconds = numberOption("--wait", text);
+            if (seconds < 0 || seconds > mostSeconds) {
+              throw Trouble(ExitCode::usage, "--wait: '" + text + "' is out of range",
+                            "give seconds, from 0 to " + significantText(mostSeconds, 6));
+            }
+            curves.wait = std::chrono::milliseconds(std::llround(seconds * 1000));
+          },
+          "Wait so long while another program has the database locked (default 30)")
+      ->type_name("SECONDS");
 }
 
 void addMeter(CLI::App& command, std::string& serialNumber, bool isRequired) {

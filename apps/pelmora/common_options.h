@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "apps/pelmora/database_option.h"
 #include "apps/pelmora/question.h"
 #include "apps/pelmora/series_fit.h"
 #include "apps/pelmora/stand_import.h"
@@ -14,7 +15,10 @@
 
 namespace pelmora::cli {
 
+// A path to a database alone.
 void addDatabase(CLI::App& command, std::string& path);
+// With --wait, for commands that work on a database that is there.
+void addDatabase(CLI::App& command, DatabaseOption& curves);
 void addMeter(CLI::App& command, std::string& serialNumber, bool isRequired);
 // One series; `isRequired` where the command works on one alone.
 void addSeries(CLI::App& command, std::string& name, bool isRequired);

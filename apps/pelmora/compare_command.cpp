@@ -23,7 +23,8 @@ namespace {
 constexpr std::size_t mostRows = 15;  // of the table for people
 
 struct CompareOptions {
-  std::string path, meter, series, otherPath;
+  DatabaseOption curves;
+  std::string meter, series, otherPath;
   std::int16_t reCalID = -1, earlierID = -1;
   std::optional<double> tolerance;
   bool asJson = false;
@@ -66,13 +67,13 @@ struct Compared {
 
 Compared compared(const CompareOptions& options) {
   Compared result;
-  CurveSession session(options.path, Access::read);
+  CurveSession session(options.curves, Access::read);
   const MeterInfo now = session.requireMeter(options.meter, options.reCalID);
   result.now = curveOf(session, now, options.series);
   if (options.otherPath.empty()) {
     result.earlier = curveOf(session, earlierOf(session, options, now), options.series);
   } else {
-    CurveSession other(options.otherPath, Access::read);
+    CurveSession other({options.otherPath, options.curves.wait}, Access::read);
     result.earlier = curveOf(other, earlierOf(other, options, now), options.series);
   }
   result.shift = calibration::compareCurves(result.earlier.points, result.now.points);
@@ -116,7 +117,7 @@ std::string comparisonJson(const CompareOptions& options, const Compared& result
   const auto shiftJson = [](const calibration::Shift& shift) {
     return nlohmann::json{{"roshko", shift.roshko}, {"percent", shift.percent}};
   };
-  nlohmann::json value{{"database", options.path},
+  nlohmann::json value{{"database", options.curves.path},
                        {"series", options.series},
                        {"earlier", report::meterJson(result.earlier.meter)},
                        {"now", report::meterJson(result.now.meter)},
@@ -147,7 +148,7 @@ void addCompareCommand(CLI::App& app) {
   CLI::App& command = *app.add_subcommand(
       "compare", "Tell how far a stored curve has moved since an earlier calibration");
   const auto options = std::make_shared<CompareOptions>();
-  addDatabase(command, options->path);
+  addDatabase(command, options->curves);
   addMeter(command, options->meter, true);
   addSeries(command, options->series, true);
   addCalibration(command, options->reCalID);

@@ -25,7 +25,8 @@ struct NamesOptions {
 
 // One name a line, for the completion of a half-typed line: what cannot be told is left out.
 void listNames(const NamesOptions& options) {
-  CurveSession session(options.path, Access::read);
+  // Whoever presses a key does not wait for a lock.
+  CurveSession session({options.path, std::chrono::milliseconds(250)}, Access::read);
   std::vector<std::string> names;
   if (options.kind == "meters") {
     names = session.serialNumbers();

@@ -14,10 +14,11 @@
 namespace pelmora::cli {
 namespace {
 
-ConnectionPtr openCurves(const std::string& path, Access access) {
+ConnectionPtr openCurves(const DatabaseOption& curves, Access access, Progress& progress) {
+  const std::string& path = curves.path;
   ConnectionPtr connection;
   try {
-    connection = openDatabase(path);
+    connection = openDatabase(path, patienceWith(path, curves.wait, progress));
   } catch (const Error& error) {
     throw databaseTrouble("the curve database cannot be opened", error);
   }
@@ -32,21 +33,24 @@ ConnectionPtr openCurves(const std::string& path, Access access) {
   try {
     requireWritable(connection);
   } catch (const Error& error) {
-    throw Trouble(ExitCode::database, "'" + path + "' cannot be written now: " + error.what(),
-                  "nothing was changed; try again when other programs have finished with it");
+    throw Trouble(
+        ExitCode::database, "'" + path + "' cannot be written now: " + error.what(),
+        "nothing was changed; try again when other programs have finished with it, or give them "
+        "longer with --wait SECONDS");
   }
   return connection;
 }
 
 }  // namespace
 
-CurveSession::CurveSession(const std::string& path, Access access)
-    : path_(path),
-      connection_(openCurves(path, access)),
+CurveSession::CurveSession(const DatabaseOption& curves, Access access)
+    : curves_(curves),
+      connection_(openCurves(curves, access, progress_)),
       shared_(history::sharedConnection(connection_)),
       createBefore_(platform().createConnection) {
   platform().createConnection = [shared = shared_](const std::string&) { return shared; };
-  data_.dbDirSetByString(path);
+  progress_.endWait();
+  data_.dbDirSetByString(curves.path);
   data_.StatusUpdate = [this](const std::string& text) { progress_.show(text); };
 }
 
@@ -76,7 +80,7 @@ MeterInfo CurveSession::findMeter(const std::string& serialNumber, std::int16_t 
 MeterInfo CurveSession::requireMeter(const std::string& serialNumber, std::int16_t reCalID) {
   MeterInfo meter = findMeter(serialNumber, reCalID);
   if (meter.Source == 1) return meter;
-  const std::string where = "in '" + path_ + "'";
+  const std::string where = "in '" + path() + "'";
   if (reCalID >= 0 && findMeter(serialNumber, -1).Source == 1) {
     throw Trouble(
         ExitCode::unknownName,
@@ -150,7 +154,7 @@ std::int32_t CurveSession::requireSeriesID(const MeterInfo& meter, const std::st
     const auto known = seriesNames(meter);
     throw Trouble(
         ExitCode::unknownName,
-        "meter '" + meter.SerialNumber + "' has no series '" + seriesName + "' in '" + path_ + "'",
+        "meter '" + meter.SerialNumber + "' has no series '" + seriesName + "' in '" + path() + "'",
         known.empty() ? "it has no series yet: import or bring points first"
                       : suggestion(seriesName, known));
   }

@@ -2,7 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "apps/pelmora/database_option.h"
 #include "apps/pelmora/equation_folder.h"
+#include "apps/pelmora/lock_holder.h"
 #include "apps/pelmora/message_recorder.h"
 #include "apps/pelmora/progress.h"
 #include "apps/pelmora/trouble.h"
@@ -23,9 +25,11 @@ enum class Access { read, write };
 // connection, so that a transaction of it holds their changes too.
 class CurveSession {
  public:
-  // Errors: Trouble database where the file is missing, foreign, locked or, with Access::write, may
-  //         not be written; nothing has been changed then.
-  CurveSession(const std::string& path, Access access);
+  // A database that is locked is waited for.
+  //
+  // Errors: Trouble database where the file is missing, foreign, still locked or, with
+  //         Access::write, may not be written; nothing has been changed then.
+  CurveSession(const DatabaseOption& curves, Access access);
   ~CurveSession();
   CurveSession(const CurveSession&) = delete;
   CurveSession& operator=(const CurveSession&) = delete;
@@ -36,7 +40,12 @@ class CurveSession {
   [[nodiscard]] const ConnectionPtr& connection() const { return connection_; }
   // The same for operations that close and open what they are given.
   [[nodiscard]] const ConnectionPtr& sharedConnection() const { return shared_; }
-  [[nodiscard]] const std::string& path() const { return path_; }
+  [[nodiscard]] const std::string& path() const { return curves_.path; }
+  [[nodiscard]] const DatabaseOption& curves() const { return curves_; }
+  // For another database that the command reads, with the same wait.
+  [[nodiscard]] Patience patienceFor(const std::string& database) {
+    return patienceWith(database, curves_.wait, progress_);
+  }
 
   // Where the session's fits find their equations, one after the other.
   // Errors: Trouble unexpected where there is no room for it.
@@ -70,7 +79,7 @@ class CurveSession {
   std::vector<std::int16_t> calibrations(const std::string& serialNumber);
 
  private:
-  std::string path_;
+  DatabaseOption curves_;
   Progress progress_;
   MessageRecorder messages_;
   ConnectionPtr connection_, shared_;

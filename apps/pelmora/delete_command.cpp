@@ -24,7 +24,8 @@ namespace {
 using Align = TextTable::Align;
 
 struct DeleteOptions {
-  std::string path, meter, series;
+  DatabaseOption curves;
+  std::string meter, series;
   std::int16_t reCalID = -1;
   bool wholeMeter = false, isDryRun = false, asJson = false;
   Consent consent;
@@ -129,7 +130,7 @@ nlohmann::json targetsJson(const std::vector<Target>& list) {
 
 void deleteStored(const DeleteOptions& options) {
   requireOneTarget(options);
-  CurveSession session(options.path, Access::write);
+  CurveSession session(options.curves, Access::write);
   const auto show = [&](const std::vector<Target>& list) {
     if (!options.asJson) printData(targetsTable(list) + "\n");
   };
@@ -166,7 +167,7 @@ void addDeleteCommand(CLI::App& app) {
                           "meter (--whole-meter) with everything that "
                           "belongs to it. What is deleted is kept in the history.");
   const auto options = std::make_shared<DeleteOptions>();
-  addDatabase(command, options->path);
+  addDatabase(command, options->curves);
   addMeter(command, options->meter, true);
   command.add_option("--series", options->series, "Delete this series of the calibration")
       ->type_name("NAME");

@@ -26,7 +26,8 @@ using doctor::Finding;
 using doctor::Severity;
 
 struct DoctorOptions {
-  std::string path, salvage;
+  DatabaseOption curves;
+  std::string salvage;
   bool repairs = false, isDryRun = false, asJson = false;
 };
 
@@ -115,14 +116,15 @@ nlohmann::json examinationJson(const Examination& examination) {
 
 // Says what a damaged file still holds; nothing else can be checked then.
 void describeDamage(const DoctorOptions& options, const std::vector<IntegrityProblem>& problems) {
-  const SalvageReport held = asDatabaseTrouble("reading '" + options.path + "'",
-                                               [&] { return salvageDatabase(options.path); });
+  const SalvageReport held = asDatabaseTrouble("reading '" + options.curves.path + "'", [&] {
+    return salvageDatabase(options.curves.path);
+  });
   const char* remedy = "restore it from a copy, or bring over what can be read with --salvage NEW";
   if (options.asJson) {
     const Finding finding{
         "damaged-file",      Severity::error, problems.size(), "The file is damaged",
         problems[0].Example, false,           remedy};
-    printData(jsonText({{"database", options.path},
+    printData(jsonText({{"database", options.curves.path},
                         {"integrity", integrityJson(problems)},
                         {"findings", examinationJson({{finding}, {finding}})},
                         {"held", salvageJson(held)},
@@ -134,7 +136,7 @@ void describeDamage(const DoctorOptions& options, const std::vector<IntegrityPro
               wrapped(held.isWhole() ? "All rows can be read:" : "What can be read:", 0) + "\n" +
               salvageText(held));
   }
-  throw Trouble(ExitCode::badInput, "'" + options.path + "' is damaged", remedy);
+  throw Trouble(ExitCode::badInput, "'" + options.curves.path + "' is damaged", remedy);
 }
 
 void salvage(const DoctorOptions& options) {
@@ -142,28 +144,30 @@ void salvage(const DoctorOptions& options) {
     throw Trouble(ExitCode::usage, "--salvage goes without --repair and --dry-run",
                   "salvage first and repair the new database then");
   }
-  const SalvageReport report = asDatabaseTrouble("salvaging '" + options.path + "'", [&] {
-    return salvageDatabase(options.path, options.salvage);
+  const SalvageReport report = asDatabaseTrouble("salvaging '" + options.curves.path + "'", [&] {
+    return salvageDatabase(options.curves.path, options.salvage);
   });
   if (options.asJson) {
     nlohmann::json value = salvageJson(report);
-    value["database"] = options.path;
+    value["database"] = options.curves.path;
     value["newDatabase"] = options.salvage;
     printData(jsonText(value));
   } else {
-    printData(wrapped("Brought over from " + options.path + " into " + options.salvage + ":", 0) +
-              "\n" + salvageText(report) +
-              (report.isWhole() ? "\n" + wrapped("Nothing is missing.", 0) : ""));
+    printData(
+        wrapped("Brought over from " + options.curves.path + " into " + options.salvage + ":", 0) +
+        "\n" + salvageText(report) +
+        (report.isWhole() ? "\n" + wrapped("Nothing is missing.", 0) : ""));
   }
   if (report.isWhole()) return;
-  throw Trouble(ExitCode::badInput, "not everything in '" + options.path + "' could be read",
+  throw Trouble(ExitCode::badInput, "not everything in '" + options.curves.path + "' could be read",
                 "'" + options.salvage + "' holds what is listed above");
 }
 
 // The file itself comes first: other checks may stumble over damage.
-std::vector<IntegrityProblem> integrityOf(const std::string& path) {
+std::vector<IntegrityProblem> integrityOf(const DatabaseOption& curves) {
+  Progress progress;
   try {
-    return doctor::damageOf(path);
+    return doctor::damageOf(curves.path, patienceWith(curves.path, curves.wait, progress));
   } catch (const Error& error) {
     throw databaseTrouble("the curve database cannot be opened", error);
   }
@@ -175,9 +179,9 @@ void examine(const DoctorOptions& options) {
     throw Trouble(ExitCode::usage, "--dry-run belongs to --repair",
                   "without --repair nothing is changed anyway");
   }
-  const auto problems = integrityOf(options.path);
+  const auto problems = integrityOf(options.curves);
   if (!problems.empty()) return describeDamage(options, problems);
-  CurveSession session(options.path, options.repairs ? Access::write : Access::read);
+  CurveSession session(options.curves, options.repairs ? Access::write : Access::read);
   StoredChange change(session, "doctor", options.isDryRun);
   const Examination examination = examined(change, options.repairs);
   change.finish();
@@ -211,7 +215,7 @@ void addDoctorCommand(CLI::App& app) {
       "orphaned rows, series without points, curves older than their points, "
       "missing indexes. Ends with 5 where problems remain.");
   const auto options = std::make_shared<DoctorOptions>();
-  addDatabase(command, options->path);
+  addDatabase(command, options->curves);
   command.add_flag("--repair", options->repairs,
                    "Mend what is safe; rows that go are kept in the history");
   command

@@ -20,7 +20,8 @@ namespace pelmora::cli {
 namespace {
 
 struct EvaluateOptions {
-  std::string path, meter, series;
+  DatabaseOption curves;
+  std::string meter, series;
   std::vector<std::string> numbers;
   std::int16_t reCalID = -1;
   bool isInverse = false, asJson = false;
@@ -102,7 +103,7 @@ nlohmann::json valuesJson(const std::vector<calibration::CurveValue>& values) {
 }
 
 void evaluate(const EvaluateOptions& options) {
-  CurveSession session(options.path, Access::read);
+  CurveSession session(options.curves, Access::read);
   const MeterInfo meter = session.requireMeter(options.meter, options.reCalID);
   const report::SeriesReport series = seriesWithCurve(session, meter, options.series);
   const std::vector<calibration::CurveValue> values = valuesOf(options, series);
@@ -121,7 +122,7 @@ void addEvaluateCommand(CLI::App& app) {
   CLI::App& command = *app.add_subcommand(
       "evaluate", "Read a stored curve at given Roshko numbers, with its uncertainty");
   const auto options = std::make_shared<EvaluateOptions>();
-  addDatabase(command, options->path);
+  addDatabase(command, options->curves);
   command.add_option("X", options->numbers, "Roshko numbers; with --inverse Strouhal numbers")
       ->required()
       ->type_name("NUMBER");

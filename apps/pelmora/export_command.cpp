@@ -17,7 +17,8 @@ namespace pelmora::cli {
 namespace {
 
 struct ExportOptions {
-  std::string path, meter, output = "-", what = "all";
+  DatabaseOption curves;
+  std::string meter, output = "-", what = "all";
   std::vector<std::string> series;
   std::int16_t reCalID = -1;
   bool asJson = false;
@@ -77,8 +78,8 @@ std::string tablesJson(const CurveSession& session, const MeterInfo& meter,
 }
 
 void exportPoints(const ExportOptions& options) {
-  if (options.output != "-") requireOutputFile(options.output, options.path);
-  CurveSession session(options.path, Access::read);
+  if (options.output != "-") requireOutputFile(options.output, options.curves.path);
+  CurveSession session(options.curves, Access::read);
   const MeterInfo meter = session.requireMeter(options.meter, options.reCalID);
   const auto tables = tablesOf(session, options, meter);
   session.progress().clear();
@@ -93,7 +94,7 @@ void addExportCommand(CLI::App& app) {
   CLI::App& command =
       *app.add_subcommand("export", "Write stored points as CSV or JSON, every digit");
   const auto options = std::make_shared<ExportOptions>();
-  addDatabase(command, options->path);
+  addDatabase(command, options->curves);
   addMeter(command, options->meter, true);
   addSeriesList(command, options->series);
   addCalibration(command, options->reCalID);

@@ -19,7 +19,8 @@ namespace pelmora::cli {
 namespace {
 
 struct FitCommand {
-  std::string path, meter, series;
+  DatabaseOption curves;
+  std::string meter, series;
   std::int16_t reCalID = -1;
   FitOptions options;
   bool asJson = false, isDryRun = false, neverAsks = false;
@@ -49,7 +50,7 @@ std::string fitText(const CurveSession& session, const MeterInfo& meter, const S
 }
 
 void fitAndStore(const FitCommand& command) {
-  CurveSession session(command.path, Access::write);
+  CurveSession session(command.curves, Access::write);
   const MeterInfo meter = session.requireMeter(command.meter, command.reCalID);
   if (!command.neverAsks) session.askAtTerminal();
   StoredChange change(session, "fit", command.isDryRun);
@@ -83,7 +84,7 @@ void addFitCommand(CLI::App& app) {
                                           "Merge a series' raw parts, fit every equation, and "
                                           "store the best curve that passes the tests");
   const auto options = std::make_shared<FitCommand>();
-  addDatabase(command, options->path);
+  addDatabase(command, options->curves);
   addMeter(command, options->meter, true);
   addSeries(command, options->series, true);
   addCalibration(command, options->reCalID);

@@ -25,7 +25,8 @@ constexpr std::int64_t mostDays = 36500;
 constexpr std::int64_t mostEntries = 1000000000;
 
 struct HistoryOptions {
-  std::string path, meter, series;
+  DatabaseOption curves;
+  std::string meter, series;
   std::int16_t reCalID = -1;
   bool isPruning = false, isDryRun = false, asJson = false;
   std::optional<std::int64_t> olderThan, keep;
@@ -39,7 +40,7 @@ nlohmann::json entriesJson(const std::vector<history::Entry>& entries) {
 }
 
 void list(const HistoryOptions& options) {
-  CurveSession session(options.path, Access::read);
+  CurveSession session(options.curves, Access::read);
   history::EntryFilter filter{options.meter, options.series, std::nullopt};
   if (options.reCalID >= 0) filter.ReCalID = options.reCalID;
   const auto entries = asDatabaseTrouble("reading the history of '" + session.path() + "'", [&] {
@@ -62,7 +63,7 @@ void prune(const HistoryOptions& options) {
     throw Trouble(ExitCode::usage, "--prune does not say what may go",
                   "give --older-than DAYS, --keep N or both");
   }
-  CurveSession session(options.path, Access::write);
+  CurveSession session(options.curves, Access::write);
   history::Pruning pruning;
   if (options.olderThan) pruning.Before = timeText(*options.olderThan * secondsOfDay);
   pruning.Keep = static_cast<std::size_t>(options.keep.value_or(0));
@@ -120,7 +121,7 @@ void addHistoryCommand(CLI::App& app) {
                                           "Show what commands have replaced or deleted, newest "
                                           "first; --prune removes old entries for good");
   const auto options = std::make_shared<HistoryOptions>();
-  addDatabase(command, options->path);
+  addDatabase(command, options->curves);
   addMeter(command, options->meter, false);
   addSeries(command, options->series, false);
   addCalibration(command, options->reCalID);

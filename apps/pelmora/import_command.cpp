@@ -14,7 +14,7 @@ namespace pelmora::cli {
 namespace {
 
 struct ImportOptions {
-  std::string path;
+  DatabaseOption curves;
   ImportRequest request;
   RunOptions runs;
   bool asJson = false, isDryRun = false;
@@ -22,7 +22,7 @@ struct ImportOptions {
 
 void import(ImportOptions& options) {
   options.request.runs = standRuns(options.runs.jobs, options.runs.fluids, options.runs.operators);
-  CurveSession session(options.path, Access::write);
+  CurveSession session(options.curves, Access::write);
   StoredChange change(session, "import", options.isDryRun);
   const ImportOutcome outcome = importRuns(change, options.request);
   change.finish();
@@ -45,7 +45,7 @@ void addImportCommand(CLI::App& app) {
       "Copy runs of a stand into a meter and derive its series. An unknown meter is "
       "registered; a run in a fluid that the meter has already replaces that run.");
   const auto options = std::make_shared<ImportOptions>();
-  addDatabase(command, options->path);
+  addDatabase(command, options->curves);
   addImport(command, options->request, options->runs);
   addDryRun(command, options->isDryRun);
   addJson(command, options->asJson);

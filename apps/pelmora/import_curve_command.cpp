@@ -21,7 +21,8 @@ namespace pelmora::cli {
 namespace {
 
 struct ImportCurveOptions {
-  std::string path, meter, series, file;
+  DatabaseOption curves;
+  std::string meter, series, file;
   std::int16_t reCalID = -1;
   bool asJson = false, isDryRun = false;
 };
@@ -86,7 +87,7 @@ std::string renamed(const std::string& file, const std::string& database) {
 
 void importCurve(const ImportCurveOptions& options) {
   const std::string text = readInputFile(options.file);
-  CurveSession session(options.path, Access::write);
+  CurveSession session(options.curves, Access::write);
   requireUsable(session, options, text);
 
   StoredChange change(session, "import-curve", options.isDryRun);
@@ -122,7 +123,7 @@ void addImportCurveCommand(CLI::App& app) {
       "points are added to its merged points. When that is stored, the file is renamed with .sav "
       "behind its name, or .sav.1, .sav.2 ... where there is such a file.");
   const auto options = std::make_shared<ImportCurveOptions>();
-  addDatabase(command, options->path);
+  addDatabase(command, options->curves);
   command
       .add_option("RESULTS", options->file,
                   "Result file: three header lines, then Roshko and Strouhal in each line")

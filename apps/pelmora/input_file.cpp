@@ -3,6 +3,8 @@
 
 #include "apps/pelmora/trouble.h"
 
+#include <pelmora/database.h>
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -17,6 +19,10 @@ std::string readInputFile(const std::string& path) {
   }
   if (std::filesystem::is_directory(path, ignored)) {
     throw Trouble(ExitCode::badInput, "'" + path + "' is a folder", "name a file in it");
+  }
+  if (isOpenAsDatabase(path)) {
+    throw Trouble(ExitCode::badInput, "'" + path + "' is the database that this command works on",
+                  "name another file");
   }
   std::ifstream file(path, std::ios::binary);
   std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};

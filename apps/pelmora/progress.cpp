@@ -40,6 +40,7 @@ void Progress::show(const std::string& text) {
   std::fprintf(stderr, "\r\033[K%s", line.c_str());
   std::fflush(stderr);
   isShown_ = true;
+  isWait_ = false;
 }
 
 void Progress::count(const std::string& doing, std::size_t done, std::size_t total) {
@@ -67,11 +68,20 @@ std::string progressBar(const std::string& doing, std::size_t done, std::size_t 
          (leftSeconds.size() < 2 ? "0" : "") + leftSeconds + " left";
 }
 
+void Progress::showWait(const std::string& text) {
+  show(text);
+  isWait_ = isShown_;
+}
+
+void Progress::endWait() {
+  if (isWait_) clear();
+}
+
 void Progress::clear() {
   if (!isShown_) return;
   std::fputs("\r\033[K", stderr);
   std::fflush(stderr);
-  isShown_ = false;
+  isShown_ = isWait_ = false;
 }
 
 }  // namespace pelmora::cli

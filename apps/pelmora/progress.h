@@ -22,10 +22,15 @@ class Progress {
   // second. The first call starts the clock.
   void count(const std::string& doing, std::size_t done, std::size_t total);
   void clear();
+  // What the command waits for, until the end of the wait or the next line.
+  void showWait(const std::string& text);
+  void endWait();
+  // Shows nothing from now on: for threads beside the one that shows.
+  void mute() { isTerminal_ = false; }
 
  private:
   bool isTerminal_;
-  bool isShown_ = false;
+  bool isShown_ = false, isWait_ = false;
   std::optional<std::chrono::steady_clock::time_point> begin_, drawn_;  // of the count
 };
 

@@ -20,7 +20,8 @@ namespace pelmora::cli {
 namespace {
 
 struct RawOptions {
-  std::string path, meter, series, file;
+  DatabaseOption curves;
+  std::string meter, series, file;
   std::int16_t reCalID = -1, part = 1;
   PointColumns columns;
   std::vector<std::string> filters;
@@ -63,7 +64,7 @@ std::string summary(const RawOptions& options, const MeterInfo& meter, const Poi
 void raw(const RawOptions& options) {
   requireName("--series", options.series);
   const PointArray points = readCsvPoints(options.file, options.columns);
-  CurveSession session(options.path, Access::write);
+  CurveSession session(options.curves, Access::write);
   StoredChange change(session, "raw", options.isDryRun);
   change.begin();
   const MeterInfo meter = meterFor(session, options);
@@ -96,7 +97,7 @@ void addRawCommand(CLI::App& app) {
       "meter must be "
       "known unless --register is given; the series is made where there is none.");
   const auto options = std::make_shared<RawOptions>();
-  addDatabase(command, options->path);
+  addDatabase(command, options->curves);
   command.add_option("POINTS", options->file, "CSV file: x,y, a header line allowed")
       ->required()
       ->type_name("FILE");

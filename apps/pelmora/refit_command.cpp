@@ -22,7 +22,8 @@ namespace {
 constexpr std::int64_t mostThreads = 256;
 
 struct RefitOptions {
-  std::string path, meter;
+  DatabaseOption curves;
+  std::string meter;
   std::vector<std::string> series;
   std::int16_t reCalID = -1;
   RefitRequest request{{}, std::max(1U, std::thread::hardware_concurrency()), 0.01};
@@ -70,7 +71,7 @@ void requireFitted(const std::vector<RefitResult>& results) {
 
 void refit(RefitOptions& options) {
   requireSelection(options);
-  CurveSession session(options.path, options.isDryRun ? Access::read : Access::write);
+  CurveSession session(options.curves, options.isDryRun ? Access::read : Access::write);
   session.data().StatusUpdate = nullptr;  // the count of series is the progress
   options.request.tasks = refitTasks(session, options.meter, options.reCalID, options.series);
   options.request.threads =
@@ -94,7 +95,7 @@ void addRefitCommand(CLI::App& app) {
                                           "Fit stored series again, each with the settings of its "
                                           "curve, and tell which curves changed");
   const auto options = std::make_shared<RefitOptions>();
-  addDatabase(command, options->path);
+  addDatabase(command, options->curves);
   command.add_flag("--all", options->all, "Every series of every calibration of every meter");
   addMeter(command, options->meter, false);
   addSeriesList(command, options->series);

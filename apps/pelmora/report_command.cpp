@@ -38,7 +38,8 @@ const std::array formats{
 };
 
 struct ReportOptions {
-  std::string path, meter, output;
+  DatabaseOption curves;
+  std::string meter, output;
   std::vector<std::string> series;
   std::int16_t reCalID = -1;
   FitOptions unkept;
@@ -69,8 +70,8 @@ const Format& formatOf(const ReportOptions& options) {
 void writeReport(const ReportOptions& options, const UnkeptSettings& unkept) {
   const Format& format = formatOf(options);
   const bool isStandardOutput = options.output == "-";
-  if (!isStandardOutput) requireOutputFile(options.output, options.path);
-  CurveSession session(options.path, Access::read);
+  if (!isStandardOutput) requireOutputFile(options.output, options.curves.path);
+  CurveSession session(options.curves, Access::read);
   const MeterInfo meter = session.requireMeter(options.meter, options.reCalID);
   const report::Report report =
       report::buildReport(reportInput(session, meter, options.series, unkept));
@@ -93,7 +94,7 @@ void addReportCommand(CLI::App& app) {
       "Write the report of a calibration: an HTML page that works offline and prints, or the same "
       "numbers for other tools. Nothing stored is changed.");
   const auto options = std::make_shared<ReportOptions>();
-  addDatabase(command, options->path);
+  addDatabase(command, options->curves);
   addMeter(command, options->meter, true);
   addSeriesList(command, options->series);
   addCalibration(command, options->reCalID);

@@ -18,7 +18,7 @@ namespace pelmora::cli {
 namespace {
 
 struct RestoreOptions {
-  std::string path;
+  DatabaseOption curves;
   std::vector<std::string> entries;
   bool isDryRun = false, asJson = false;
 };
@@ -39,7 +39,7 @@ void restore(const RestoreOptions& options) {
   for (const std::string& text : options.entries) {
     ids.push_back(integerOption("ENTRY", text, 1, std::numeric_limits<std::int64_t>::max()));
   }
-  CurveSession session(options.path, Access::write);
+  CurveSession session(options.curves, Access::write);
   std::string text;
   nlohmann::json restored = nlohmann::json::array();
   StoredChange change(session, "restore", options.isDryRun);
@@ -70,7 +70,7 @@ void addRestoreCommand(CLI::App& app) {
                                           "its ids. What is there now is kept in turn, so that a "
                                           "restore can be undone by another one.");
   const auto options = std::make_shared<RestoreOptions>();
-  addDatabase(command, options->path);
+  addDatabase(command, options->curves);
   command
       .add_option("ENTRY", options->entries,
                   "Numbers of entries as 'pelmora history' shows them; first to last")

@@ -13,7 +13,8 @@ namespace pelmora::cli {
 namespace {
 
 struct ShowOptions {
-  std::string path, meter, series;
+  DatabaseOption curves;
+  std::string meter, series;
   std::int16_t reCalID = -1;
   bool asJson = false;
 };
@@ -33,7 +34,7 @@ void show(const ShowOptions& options) {
     throw Trouble(ExitCode::usage, "--series and --calibration need a meter",
                   "give --meter SN as well");
   }
-  CurveSession session(options.path, Access::read);
+  CurveSession session(options.curves, Access::read);
   const std::string text = contents(session, options);
   session.progress().clear();
   printData(text);
@@ -46,7 +47,7 @@ void addShowCommand(CLI::App& app) {
       "show",
       "Show all meters; with --meter its runs and series; with --series its curve and report");
   const auto options = std::make_shared<ShowOptions>();
-  addDatabase(command, options->path);
+  addDatabase(command, options->curves);
   addMeter(command, options->meter, false);
   addSeries(command, options->series, false);
   addCalibration(command, options->reCalID);

@@ -157,7 +157,7 @@ ImportOutcome importRuns(StoredChange& change, const ImportRequest& request) {
   requirePlainPath(session.path());
   change.begin();
   const MeterInfo before = targetMeter(session, request);
-  const ConnectionPtr stand = openStand(request.stand);
+  const ConnectionPtr stand = openStand(request.stand, session.patienceFor(request.stand));
   const RunCheck check = checkRuns(stand, request.stand, request.runs);
 
   ImportOutcome outcome;

@@ -153,9 +153,9 @@ std::vector<StandRun> standRuns(const std::vector<std::string>& jobs,
   return runs;
 }
 
-ConnectionPtr openStand(const std::string& path) {
+ConnectionPtr openStand(const std::string& path, const Patience& patience) {
   try {
-    ConnectionPtr stand = openDatabase(path);
+    ConnectionPtr stand = openDatabase(path, patience);
     (void)standJobs(stand);
     return stand;
   } catch (const Error& error) {

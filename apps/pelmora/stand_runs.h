@@ -3,6 +3,7 @@
 #pragma once
 
 #include <pelmora/database.h>
+#include <pelmora/patience.h>
 
 #include <cstddef>
 #include <string>
@@ -31,7 +32,7 @@ struct RunCheck {
                                               const std::vector<std::string>& operators);
 
 // Opens a stand's database or CSV export. Errors: Trouble database, badInput for what a CSV holds.
-[[nodiscard]] ConnectionPtr openStand(const std::string& path);
+[[nodiscard]] ConnectionPtr openStand(const std::string& path, const Patience& patience);
 
 // Errors: Trouble unknownName for a job that the stand has not; badInput for a reading that is
 //         missing, is a text or divides by zero, with job, point and column.

@@ -14,10 +14,6 @@
 namespace pelmora::cli {
 namespace {
 
-constexpr std::int32_t lockedByAnother = static_cast<std::int32_t>(0x80004005U);
-// Each try waits a quarter of a second for those who read: theirs are short looks.
-constexpr int commitTries = 20;
-
 std::string userName() {
   for (const char* variable : {"LOGNAME", "USER", "USERNAME"}) {
     const char* name = std::getenv(variable);
@@ -39,6 +35,7 @@ void StoredChange::begin() {
   asDatabaseTrouble("'" + session_.path() + "' cannot be written now", [&] {
     kept_ = std::make_unique<history::KeptChange>(session_.connection(), note_);
   });
+  session_.progress().endWait();
 }
 
 void StoredChange::keep(const history::Scope& scope) {
@@ -53,18 +50,15 @@ void StoredChange::noteEntry(std::int64_t entryID) {
 
 void StoredChange::finish() {
   if (!kept_) return;
-  for (int tries = 1; !isDryRun_; ++tries) {
-    try {
-      kept_->commit();
-      break;
-    } catch (const Error& error) {
-      if (error.number() == lockedByAnother && tries < commitTries) continue;
-      kept_.reset();
-      throw Trouble(ExitCode::database, "storing in '" + session_.path() + "': " + error.what(),
-                    "nothing was changed");
-    }
+  try {
+    if (!isDryRun_) kept_->commit();
+  } catch (const Error& error) {
+    kept_.reset();
+    throw Trouble(ExitCode::database, "storing in '" + session_.path() + "': " + error.what(),
+                  "nothing was changed");
   }
   kept_.reset();
+  session_.progress().endWait();
 }
 
 std::string StoredChange::closingText() const {

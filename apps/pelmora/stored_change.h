@@ -28,7 +28,7 @@ class StoredChange {
   // From here on changes belong together, also those of the component's operations. Does nothing
   // the second time.
   //
-  // Errors: Trouble database where another program writes.
+  // Errors: Trouble database where another program writes and the wait for it was in vain.
   void begin();
   // Keeps the rows of the scope, as they are now, as an entry of the history. Begins where that has
   // not been done.

@@ -14,10 +14,10 @@ constexpr std::int32_t unknownFormat = 321;
 
 }  // namespace
 
-std::vector<IntegrityProblem> damageOf(const std::string& path) {
+std::vector<IntegrityProblem> damageOf(const std::string& path, const Patience& patience) {
   ConnectionPtr curves;
   try {
-    curves = openDatabase(path);
+    curves = openDatabase(path, patience);
   } catch (const Error& error) {
     if (error.number() != unknownFormat) throw;
     const SalvageReport held = salvageDatabase(path);  // throws where it never was a database

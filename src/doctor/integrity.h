@@ -5,6 +5,8 @@
 #include "store/integrity.h"
 #include "store/salvage.h"
 
+#include <pelmora/patience.h>
+
 #include <string>
 #include <vector>
 
@@ -14,6 +16,7 @@ namespace pelmora::doctor {
 // comes before all other checks: those may stumble over damage.
 //
 // Errors: Error where the file is missing, locked or no database at all.
-[[nodiscard]] std::vector<IntegrityProblem> damageOf(const std::string& path);
+[[nodiscard]] std::vector<IntegrityProblem> damageOf(const std::string& path,
+                                                     const Patience& patience = {});
 
 }  // namespace pelmora::doctor

@@ -7,6 +7,8 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <memory>
+#include <thread>
 
 namespace pelmora::test {
 namespace {
@@ -42,6 +44,7 @@ class LockingProcess {
   LockingProcess(const LockingProcess&) = delete;
   LockingProcess& operator=(const LockingProcess&) = delete;
   [[nodiscard]] bool isHeld() const { return isHeld_; }
+  [[nodiscard]] pid_t process() const { return child_; }
 
  private:
   pid_t child_ = -1;
@@ -55,12 +58,16 @@ class locked_database : public CommandTest {
     done({"raw", curves, write("p.csv", "1,2\n3,4\n"), "--meter", "P", "--register", "--series",
           "S"});
   }
+  static Arguments hurried(Arguments command) {
+    command.insert(command.end(), {"--wait", "0.1"});
+    return command;
+  }
   nlohmann::json show() const {
     return done({"show", curves, "--meter", "P", "--series", "S", "--json"}).json();
   }
 };
 
-TEST_F(locked_database, is_not_waited_for_and_not_changed) {
+TEST_F(locked_database, is_an_error_after_the_wait_and_not_changed) {
   const auto before = show();
   const auto start = std::chrono::steady_clock::now();
   {
@@ -75,7 +82,7 @@ TEST_F(locked_database, is_not_waited_for_and_not_changed) {
              {"delete", curves, "--meter", "P", "--series", "S", "--yes"},
              {"doctor", curves},
              twoFluids()}) {
-      EXPECT_THAT(trouble(3, command),
+      EXPECT_THAT(trouble(3, hurried(command)),
                   AllOf(HasSubstr("locked by another user"), HasSubstr("curves.db")))
           << command[0];
     }
@@ -88,14 +95,58 @@ TEST_F(locked_database, can_be_read_while_another_process_is_about_to_write) {
   const LockingProcess other(curves, "BEGIN IMMEDIATE");
   ASSERT_TRUE(other.isHeld());
   EXPECT_EQ(show()["raw"][0].size(), 2U);
-  EXPECT_THAT(trouble(3, {"raw", curves, scratch.file("p.csv"), "--meter", "P", "--series", "S"}),
-              AllOf(HasSubstr("cannot be written now"), HasSubstr("nothing was changed")));
+  EXPECT_THAT(
+      trouble(3, hurried({"raw", curves, scratch.file("p.csv"), "--meter", "P", "--series", "S"})),
+      AllOf(HasSubstr("cannot be written now"), HasSubstr("nothing was changed")));
   for (const Arguments& command :
        std::vector<Arguments>{{"restore", curves, "1"},
                               {"delete", curves, "--meter", "P", "--series", "S", "--yes"},
                               {"doctor", curves, "--repair"}}) {
-    EXPECT_THAT(trouble(3, command), HasSubstr("nothing was changed")) << command[0];
+    EXPECT_THAT(trouble(3, hurried(command)), HasSubstr("nothing was changed")) << command[0];
   }
+  done({"doctor", curves});
+}
+
+TEST_F(locked_database, is_waited_for) {
+  for (const char* begin : {"BEGIN EXCLUSIVE", "BEGIN IMMEDIATE"}) {
+    auto other = std::make_unique<LockingProcess>(curves, begin);
+    ASSERT_TRUE(other->isHeld());
+    std::thread release([&] {
+      std::this_thread::sleep_for(std::chrono::seconds(1));
+      other.reset();
+    });
+    done({"raw", curves, scratch.file("p.csv"), "--meter", "P", "--series", "S"});
+    release.join();
+  }
+}
+
+TEST_F(locked_database, is_waited_for_as_long_as_the_configuration_says) {
+  const std::string file = write("config.ini", "[raw]\nwait=0.1\n");
+  const LockingProcess other(curves, "BEGIN EXCLUSIVE");
+  ASSERT_TRUE(other.isHeld());
+  const auto start = std::chrono::steady_clock::now();
+  trouble(
+      3, {"--config", file, "raw", curves, scratch.file("p.csv"), "--meter", "P", "--series", "S"});
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(25));
+}
+
+TEST_F(locked_database, is_waited_for_with_a_word_at_a_terminal) {
+  const PseudoTerminal terminal;
+  const LockingProcess other(curves, "BEGIN EXCLUSIVE");
+  ASSERT_TRUE(other.isHeld());
+  const CommandResult result = runAt(terminal, {"show", curves, "--wait", "4"});
+  EXPECT_EQ(result.exitCode, 3);
+  EXPECT_THAT(result.error, HasSubstr("waiting for process " + std::to_string(other.process())));
+  EXPECT_THAT(result.error, HasSubstr(" s)"));
+}
+
+TEST_F(locked_database, is_not_waited_for_without_a_number_of_seconds) {
+  for (const char* wait : {"-1", "x", "1e9", "inf", ""})
+    EXPECT_THAT(trouble(2, {"show", curves, "--wait", wait}), HasSubstr("--wait"));
+}
+
+TEST_F(locked_database, is_not_read_as_a_file_of_points) {
+  trouble(5, {"import-curve", curves, curves, "--meter", "P", "--series", "S"});
   done({"doctor", curves});
 }
 

@@ -134,7 +134,7 @@ std::vector<RefitTask> refitTasks(CurveSession& session, const std::string& mete
 
 std::vector<RefitResult> refitAll(StoredChange& change, const RefitRequest& request) {
   std::vector<RefitResult> results(request.tasks.size());
-  RefitWork work{.path = change.session().path(),
+  RefitWork work{.curves = change.session().curves(),
                  .request = request,
                  .queue{waitingCurves * request.threads, request.threads},
                  .file{}};

@@ -8,7 +8,8 @@
 namespace pelmora::cli {
 
 void fitTasks(RefitWork& work) {
-  CurveSession session(work.path, Access::read);
+  CurveSession session(work.curves, Access::read);
+  session.progress().mute();
   session.data().StatusUpdate = nullptr;
   for (std::size_t index = work.next++; index < work.request.tasks.size(); index = work.next++) {
     std::shared_lock reading(work.file);

@@ -14,7 +14,7 @@ namespace pelmora::cli {
 
 // What the threads of a refit have in common.
 struct RefitWork {
-  const std::string path;  // of the database
+  const DatabaseOption curves;
   const RefitRequest& request;
   std::atomic<std::size_t> next = 0;  // task
   BoundedQueue<RefitCurve> queue;
