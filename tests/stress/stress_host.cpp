@@ -1,0 +1,61 @@
+// A host with several threads: stress_host CURVES NAME THREADS SERIES stores SERIES series in each
+// thread, with its own object and its own connections, and prints how often it was refused.
+// SPDX-License-Identifier: MIT
+#include <pelmora/pelmora.h>
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using namespace pelmora;
+
+std::atomic<int> refusals = 0;
+
+PointArray points(int seed) {
+  PointArray table(20);
+  for (std::size_t i = 0; i < table.size(); ++i) {
+    table.column(0)[i] = 10.0 + static_cast<double>(i);
+    table.column(1)[i] = 2.0 + 0.01 * static_cast<double>(i) + 0.1 * seed;
+  }
+  return table;
+}
+
+void store(const std::string& path, const std::string& name, int count) {
+  bool isRefused = false;
+  platform().messageBox = [&](const std::string&, int, const std::string&) {
+    isRefused = true;
+    return 1;
+  };
+  RawData data;
+  data.dbDirSetByString(path);
+  for (int i = 0; i < count; ++i) {
+    const std::string series = name + "-" + std::to_string(i);
+    // Where the look-up of its meter was refused, SetRaw stores the series under no meter: a host
+    // looks first whether it can.
+    do {
+      isRefused = false;
+      const bool isKnown = data.findMeterInfo("M").Source == 1;
+      if (!isKnown || !data.SetRaw(series, "M", points(i), 0, false)) isRefused = true;
+      if (isRefused) ++refusals;
+    } while (isRefused);
+    bool isEmpty = true;
+    (void)data.Meters(isEmpty);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 5) return 2;
+  std::vector<std::jthread> threads;
+  for (int i = 0; i < std::atoi(argv[3]); ++i) {
+    threads.emplace_back(store, argv[1], argv[2] + ("-" + std::to_string(i)), std::atoi(argv[4]));
+  }
+  threads.clear();
+  std::printf("%d\n", refusals.load());
+}
