@@ -35,12 +35,11 @@ void store(const std::string& path, const std::string& name, int count) {
   data.dbDirSetByString(path);
   for (int i = 0; i < count; ++i) {
     const std::string series = name + "-" + std::to_string(i);
-    // Where the look-up of its meter was refused, SetRaw stores the series under no meter: a host
-    // looks first whether it can.
+    // A refused operation has stored nothing, the series without its points, or, where its look-up
+    // of the meter was refused, everything under no meter.
     do {
       isRefused = false;
-      const bool isKnown = data.findMeterInfo("M").Source == 1;
-      if (!isKnown || !data.SetRaw(series, "M", points(i), 0, false)) isRefused = true;
+      if (!data.SetRaw(series, "M", points(i), 0, false)) isRefused = true;
       if (isRefused) ++refusals;
     } while (isRefused);
     bool isEmpty = true;
