@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "curves/outcome_details.h"
 
-#include "curves/student_t.h"
+#include "base/student_t.h"
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 // Confidence and prediction bands, and the quantiles behind them, against another program.
 // SPDX-License-Identifier: MIT
 #include "curves/outcome_details.h"
-#include "curves/student_t.h"
+#include "base/student_t.h"
 #include "tests/solver/fit_helpers.h"
 #include "tests/support/places.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "curves/student_t.h"
+#include "base/student_t.h"
 
 #include <gtest/gtest.h>
 
@@ -26,6 +26,19 @@ TEST(student_t, of_one_degree_is_the_cauchy_distribution) {
 TEST(student_t, of_two_degrees_has_a_closed_form) {
   const double p = 0.95;
   EXPECT_NEAR(twoSidedStudentT(p, 2), p * std::sqrt(2 / (1 - p * p)), 1e-9);
+}
+
+TEST(student_t, tails_of_one_and_two_degrees_have_closed_forms) {
+  for (const double t : {0.0, 0.3, 2.0, 40.0}) {
+    EXPECT_NEAR(twoSidedStudentTail(t, 1), 1 - 2 * std::atan(t) / std::numbers::pi, 1e-14);
+    EXPECT_NEAR(twoSidedStudentTail(t, 2), 1 - t / std::sqrt(2 + t * t), 1e-14);
+  }
+}
+
+TEST(student_t, tiny_tails_keep_their_digits) {
+  // f = 4: the density is 12 / t^5 where t is large, so both tails together are 6 / t^4.
+  const double t = 1e4;
+  EXPECT_NEAR(twoSidedStudentTail(t, 4) / (6 / std::pow(t, 4)), 1, 1e-6);
 }
 
 TEST(student_t, of_many_degrees_is_the_normal_distribution) {

@@ -1,4 +1,4 @@
-// Quantiles of Student's t distribution, for confidence bands.
+// Quantiles and tails of Student's t distribution, for bands and tests of outliers.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -10,5 +10,8 @@ namespace pelmora {
 // Source: the incomplete beta function by its continued fraction (NIST DLMF 8.17.22), the ratio of
 // gamma functions by its expansion (NIST DLMF 5.11.13), inverted by bisection.
 [[nodiscard]] double twoSidedStudentT(double probability, double degreesOfFreedom);
+
+// P(|T| > t), t >= 0, degreesOfFreedom > 0; small tails keep their digits.
+[[nodiscard]] double twoSidedStudentTail(double t, double degreesOfFreedom);
 
 }  // namespace pelmora

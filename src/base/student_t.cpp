@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "curves/student_t.h"
+#include "base/student_t.h"
 
 #include <cmath>
 #include <limits>
@@ -57,19 +57,18 @@ double incompleteBeta(double x, double a) {
   return 1 - front * betaContinuedFraction(1 - x, b, a) / b;
 }
 
-// P(|T| > t), t > 0
-double twoSidedTail(double t, double degreesOfFreedom) {
+}  // namespace
+
+double twoSidedStudentTail(double t, double degreesOfFreedom) {
   const double x = degreesOfFreedom / (degreesOfFreedom + t * t);
   return x >= 1 ? 1 : incompleteBeta(x, degreesOfFreedom / 2);
 }
-
-}  // namespace
 
 double twoSidedStudentT(double probability, double degreesOfFreedom) {
   const double tail = 1 - probability;
   double low = 0;
   double high = 1;
-  while (twoSidedTail(high, degreesOfFreedom) > tail) {
+  while (twoSidedStudentTail(high, degreesOfFreedom) > tail) {
     low = high;
     high *= 2;
   }
@@ -77,7 +76,7 @@ double twoSidedStudentT(double probability, double degreesOfFreedom) {
   for (int i = 0; i < halvings && low < high; ++i) {
     const double middle = low + (high - low) / 2;
     if (middle == low || middle == high) break;
-    (twoSidedTail(middle, degreesOfFreedom) > tail ? low : high) = middle;
+    (twoSidedStudentTail(middle, degreesOfFreedom) > tail ? low : high) = middle;
   }
   return low + (high - low) / 2;
 }
