@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: MIT
+#include "solver/reference/node_lattice.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <memory>
+#include <set>
+
+namespace pelmora::solver::reference {
+namespace {
+
+struct Place {
+  int length, amplitude, growth;
+  auto operator<=>(const Place&) const = default;
+};
+
+// The nodes of one spacing, each evaluated when it is first asked for.
+class Lattice {
+ public:
+  Lattice(const Knots& knots, LikelihoodPass& pass, const LatticeRange& range, int halvings)
+      : knots_(knots), pass_(pass), range_(range), parts_(1 << halvings) {
+    double lowest = 1;
+    for (const Knot& knot : knots.knots) lowest = std::min(lowest, knot.flowFraction);
+    firstGrowth_ = range.firstGrowth * lowest;
+  }
+
+  [[nodiscard]] bool contains(Place p) const {
+    const auto inside = [&](int i, int count) { return i >= 0 && i <= (count - 1) * parts_; };
+    return inside(p.length, range_.lengths) && inside(p.amplitude, range_.amplitudes) &&
+           inside(p.growth, range_.growths);
+  }
+
+  double logWeight(Place p) {
+    const auto found = nodes_.find(p);
+    if (found != nodes_.end()) return found->second.logWeight;
+    auto& steps = steps_[p.length];
+    const Hyperparameters h = at(p);
+    if (steps.empty()) steps = stepsBetween(knots_, h.length);
+    const Node node = pass_.evaluate(h, steps);
+    best_ = nodes_.empty() || node.logWeight > nodes_.at(best_).logWeight ? p : best_;
+    nodes_.emplace(p, node);
+    return node.logWeight;
+  }
+
+  void visitAll() {
+    for (int i = 0; i < range_.lengths; ++i) {
+      for (int j = 0; j < range_.amplitudes; ++j) {
+        for (int k = 0; k < range_.growths; ++k) logWeight({i, j, k});
+      }
+    }
+  }
+
+  // Up to the best node, each time visiting the neighbours of the best so far.
+  void climbFrom(Place start) {
+    logWeight(start);
+    for (Place from = start;; from = best_) {
+      for (const Place& p : neighbours(from)) logWeight(p);
+      if (best_ == from) return;
+    }
+  }
+
+  // Outwards from the best, as far as nodes are within `reach` of it.
+  void spread(double reach) {
+    std::vector<Place> open{best_};
+    std::set<Place> opened{best_};
+    while (!open.empty()) {
+      const Place p = open.back();
+      open.pop_back();
+      if (logWeight(p) < nodes_.at(best_).logWeight - reach) continue;
+      for (const Place& q : neighbours(p)) {
+        if (opened.insert(q).second) open.push_back(q);
+      }
+    }
+  }
+
+  [[nodiscard]] Place best() const { return best_; }
+
+  [[nodiscard]] std::vector<SharedNode> shares(double reach, double depth) const {
+    const double top = nodes_.at(best_).logWeight;
+    std::vector<SharedNode> shared;
+    double sum = 0;
+    for (const auto& [place, node] : nodes_) {
+      const double below = top - node.logWeight;
+      if (below > std::max(reach, depth)) continue;
+      shared.push_back({node, below > reach ? 0 : std::exp(-below)});
+      sum += shared.back().share;
+    }
+    for (SharedNode& node : shared) node.share /= sum;
+    return shared;
+  }
+
+ private:
+  [[nodiscard]] std::vector<Place> neighbours(Place p) const {
+    std::vector<Place> found;
+    for (const int step : {-1, 1}) {
+      for (const Place& q : {Place{p.length + step, p.amplitude, p.growth},
+                             Place{p.length, p.amplitude + step, p.growth},
+                             Place{p.length, p.amplitude, p.growth + step}}) {
+        if (contains(q)) found.push_back(q);
+      }
+    }
+    return found;
+  }
+
+  [[nodiscard]] Hyperparameters at(Place p) const {
+    const auto part = [&](int i) { return static_cast<double>(i) / parts_; };
+    const double length = range_.shortest * std::pow(range_.lengthRatio, part(p.length));
+    return {length,
+            range_.smallest * std::pow(range_.amplitudeRatio, part(p.amplitude)) *
+                std::pow(length / 2, range_.tilt),
+            firstGrowth_ * (std::pow(3.0, part(p.growth)) - 1) / 2};
+  }
+
+  const Knots& knots_;
+  LikelihoodPass& pass_;
+  const LatticeRange& range_;
+  int parts_;
+  double firstGrowth_;
+  std::map<Place, Node> nodes_;
+  std::map<int, std::vector<MaternStep>> steps_;
+  Place best_{};
+};
+
+double sharingNodes(const std::vector<SharedNode>& nodes) {
+  double squares = 0;
+  for (const SharedNode& node : nodes) squares += node.share * node.share;
+  return 1 / squares;
+}
+
+}  // namespace
+
+std::vector<SharedNode> visitLattice(const Knots& knots, const ReferencePriors& priors,
+                                     double offsets, const LatticeRange& range, double depth) {
+  LikelihoodPass pass(knots, priors, offsets);
+  const bool all = knots.knots.size() <= range.allUpToKnots;
+  auto lattice = std::make_unique<Lattice>(knots, pass, range, 0);
+  if (all) {
+    lattice->visitAll();
+  } else {
+    lattice->climbFrom({range.lengths / 2, range.amplitudes / 2, range.growths / 2});
+  }
+  // What a climb has seen, the best and its neighbours, tells whether the spacing is too wide.
+  const double enough = all ? range.fewestNodes : range.fewestNodes / 2;
+  bool halved = false;
+  for (int halvings = 1; halvings <= range.mostHalvings &&
+                         sharingNodes(lattice->shares(range.negligible, 0)) < enough;
+       ++halvings) {
+    const Place best = lattice->best();
+    lattice = std::make_unique<Lattice>(knots, pass, range, halvings);
+    lattice->climbFrom({2 * best.length, 2 * best.amplitude, 2 * best.growth});
+    if (all) lattice->spread(range.negligible);
+    halved = true;
+  }
+  if (halved || !all) lattice->spread(range.negligible);
+  return lattice->shares(range.negligible, halved || !all ? 0 : depth);
+}
+
+}  // namespace pelmora::solver::reference

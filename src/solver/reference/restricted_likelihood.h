@@ -1,0 +1,65 @@
+// How well a set of hyperparameters explains the points, and the points' influence under it.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "solver/reference/hyperparameters.h"
+#include "solver/reference/knots.h"
+#include "solver/reference/trend_regression.h"
+
+#include <vector>
+
+namespace pelmora::solver::reference {
+
+// The transitions between neighbouring knots for one length, shared by all nodes of that length;
+// the one at index k leads to knot k, index 0 is unused.
+[[nodiscard]] std::vector<MaternStep> stepsBetween(const Knots& knots, double length);
+
+// Columns of the model: data, 1, t, and one per fluid where `offsets` > 0 and there are
+// two to mostFluidOffsets of them.
+[[nodiscard]] int columnsOf(const Knots& knots, double offsets);
+[[nodiscard]] Columns observationAt(const Knot& knot, int columns);
+
+// With n points and f = n - 2 + noiseDegrees degrees of freedom, up to a constant that does not
+// depend on the hyperparameters,
+//
+//   ln p(y | h) + ln p(length) = -1/2 logDeterminant - f/2 ln(squares + noiseDegrees noise^2)
+//                                -1/2 (ln(length / prior) / spread)^2:
+//
+// the restricted likelihood, the noise's variance integrated out under its prior.
+struct Node {
+  Hyperparameters hyperparameters;
+  TrendFit trend;
+  double squares = 0;  // trend.squares and the prior's
+  double logWeight = 0;
+};
+
+// What the model says at a knot once all other knots have spoken, in units of the noise's
+// variance: u = (M z) and M = V^-1 - V^-1 X (X'V^-1 X)^-1 X'V^-1 at the knot and between it and
+// the next one. The knot left out, its mean is off by u / own, with variance 1 / own.
+//
+// Source: de Jong: A cross-validation filter for time series models, Biometrika 75 (1988) 594-600.
+struct Influence {
+  double u = 0, own = 0, withNext = 0;
+};
+
+class LikelihoodPass {
+ public:
+  LikelihoodPass(const Knots& knots, const ReferencePriors& priors, double offsets);
+  // steps: stepsBetween(knots, h.length).
+  [[nodiscard]] Node evaluate(const Hyperparameters& h, const std::vector<MaternStep>& steps);
+  // Of the node evaluated last, by knot; valid until the next call.
+  [[nodiscard]] const std::vector<Influence>& influences(const std::vector<MaternStep>& steps,
+                                                         const TrendFit& trend);
+  [[nodiscard]] double degreesOfFreedom() const { return degreesOfFreedom_; }
+
+ private:
+  const Knots& knots_;
+  ReferencePriors priors_;
+  double offsets_;
+  int columns_;
+  double degreesOfFreedom_;
+  std::vector<Innovation> innovations_;
+  std::vector<Influence> influences_;
+};
+
+}  // namespace pelmora::solver::reference

@@ -1,0 +1,41 @@
+// Generalised least squares of the trend from a filter's innovations.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "solver/reference/square_root_filter.h"
+
+namespace pelmora::solver::reference {
+
+using ColumnMatrix = std::array<Columns, mostColumns>;
+
+// With V the covariance of the data in units of the noise's variance and X the columns of the
+// trend: coefficients b = (X'V^-1 X)^-1 X'V^-1 y, covariance (X'V^-1 X)^-1, squares
+// (y - Xb)'V^-1 (y - Xb). Index 0 is unused in b and covariance, as in `Columns`. Level and slope
+// have no prior (the diffuse filter of de Jong); an offset of a fluid has the variance offsets^2.
+//
+// Source: de Jong: The diffuse Kalman filter, Annals of Statistics 19 (1991) 1073-1083.
+struct TrendFit {
+  int columns = 0;
+  Columns coefficients{};
+  ColumnMatrix covariance{};
+  double squares = 0;
+  double logDeterminant = 0;  // ln|V| + ln|X'V^-1 X|, offsets' variances included
+};
+
+class TrendRegression {
+ public:
+  TrendRegression(int columns, double offsets);
+  void add(const Innovation& innovation);
+  // What repeats add beyond their mean: their scatter over its variance, and the determinant.
+  void addRepeats(double count, double scatter, double variance);
+  [[nodiscard]] TrendFit finish() const;
+
+ private:
+  int columns_;
+  ColumnMatrix gram_{};
+  double logDeterminant_ = 0;
+  double product_ = 1;  // of variances whose logarithms are still to be added
+  void multiply(double factor);
+};
+
+}  // namespace pelmora::solver::reference
