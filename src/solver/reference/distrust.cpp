@@ -18,19 +18,26 @@ bool enoughLeft(std::span<const double> x, std::span<const std::size_t> used) {
   return used.size() >= fewestPoints && places.size() >= fewestFlows;
 }
 
+// A single reading at the lowest flow that lies low: bearing friction does that to good points, and
+// no other point is there to ask.
+bool mayBeFriction(const Knots& knots, const LeftOut& left, std::size_t place) {
+  return knots.relative && place == 0 && knots.knots[0].count == 1 && left.points[0].error < 0;
+}
+
 // The places in Knots::order of the least likely point or pair, if it is unlikely enough.
-std::vector<std::size_t> leastLikely(const LeftOut& left, double limit, bool pairsToo) {
+std::vector<std::size_t> leastLikely(const Knots& knots, const LeftOut& left, double limit,
+                                     bool pairsToo) {
   std::vector<std::size_t> worst;
   double lowest = limit;
   for (std::size_t i = 0; i < left.points.size(); ++i) {
-    if (left.points[i].tail < lowest) {
+    if (left.points[i].tail < lowest && !mayBeFriction(knots, left, i)) {
       lowest = left.points[i].tail;
       worst = {i};
     }
   }
   lowest /= 2;  // there are about as many pairs again
   for (const LeftOutPair& pair : left.pairs) {
-    if (pairsToo && pair.tail < lowest) {
+    if (pairsToo && pair.tail < lowest && !mayBeFriction(knots, left, pair.first)) {
       lowest = pair.tail;
       worst = {pair.first, pair.second};
     }
@@ -53,7 +60,7 @@ TrustedFit fitTrusted(const FitSetting& setting, std::vector<std::size_t> used,
                              rule == nullptr ? 0 : scanDepth);
     fit.left = leaveOut(fit.knots, setting.priors, setting.offsets, fit.nodes, rule != nullptr);
     if (fit.distrusted.size() >= most) break;
-    const auto worst = leastLikely(fit.left, limit, fit.distrusted.size() + 2 <= most);
+    const auto worst = leastLikely(fit.knots, fit.left, limit, fit.distrusted.size() + 2 <= most);
     std::vector<std::size_t> fewer = used;
     for (const std::size_t place : worst) std::erase(fewer, fit.knots.order[place]);
     if (worst.empty() || !enoughLeft(setting.x, fewer)) break;

@@ -77,6 +77,12 @@ TEST(robust_pass, bad_first_and_last_points_are_named) {
   }
 }
 
+TEST(robust_pass, a_fall_at_the_lowest_flow_is_believed) {
+  Series s = simulated(20, 1, 3);
+  s.y[0] *= 0.97;
+  EXPECT_TRUE(fitReference({s.x, s.y}).distrusted().empty());
+}
+
 TEST(robust_pass, one_bad_repeat_among_six_flows_is_named) {
   Series s = simulated(6, 5, 4);
   s.y[17] *= 0.995;
