@@ -1,4 +1,4 @@
-// The calibration service, whole: open a curve database, import, fit, store, read, restore.
+// The whole calibration service: open a curve database, import, fit, store, read, restore.
 // SPDX-License-Identifier: MIT
 #pragma once
 

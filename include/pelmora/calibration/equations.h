@@ -12,25 +12,25 @@
 
 namespace pelmora::calibration {
 
-// How many parameters an expression has; nothing where it cannot be read.
+// The number of parameters of an expression; nothing if it cannot be read.
 [[nodiscard]] PELMORA_API std::optional<std::size_t> parameterCount(const std::string& expression);
 
-// A catalogue.
+// A catalogue of equations.
 class PELMORA_API EquationList {
  public:
   // Logarithmic polynomials of order 6 to 10 and one equation with reciprocal powers of ln(x).
   EquationList();
-  // The text of an equation file: one equation a line as name TAB expression; a line that begins
+  // The text of an equation file: one equation per line as name TAB expression; a line that starts
   // with ";" is a comment. A byte order mark and any kind of line end are allowed.
   //
-  // place: names the text in a message, for example "file 'my.txt'".
-  // Errors: BadData where it holds no equation.
+  // place: what a message calls the text, for example "file 'my.txt'".
+  // Errors: BadData if it holds no equation.
   [[nodiscard]] static EquationList parse(const std::string& text, const std::string& place);
 
-  // In the order in which they are tried: that of the file.
+  // In the order in which they are tried, that of the file.
   [[nodiscard]] const std::vector<ModelDefinition>& equations() const { return equations_; }
-  // What a stored curve keeps of it: the file's text with line ends CR LF; absent for the built-in
-  // equations.
+  // What is kept with a stored curve: the text of the file with CR LF line ends; absent for the
+  // built-in equations.
   [[nodiscard]] const std::optional<std::string>& text() const { return text_; }
 
  private:

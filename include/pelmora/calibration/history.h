@@ -1,4 +1,4 @@
-// What changes have replaced or deleted, and bringing it back.
+// What changes have replaced or deleted, and how to bring it back.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -12,7 +12,7 @@
 
 namespace pelmora::calibration {
 
-// Rows as they were before a change, kept in tables of our own beside the curve database's.
+// Rows as they were before a change, kept in our own tables beside those of the curve database.
 struct HistoryEntry {
   HistoryEntryId id = 0;
   std::string command;    // "fit", "delete" ...
@@ -31,7 +31,7 @@ struct HistoryFilter {
 
 struct HistoryPruning {
   std::optional<std::string> before{};  // ISO 8601, UTC: only entries that are older
-  std::size_t keep = 0;                 // the newest so many stay in any case
+  std::size_t keep = 0;                 // this many of the newest are always kept
 };
 
 struct RestoredTable {
@@ -41,7 +41,7 @@ struct RestoredTable {
 
 struct Restored {
   HistoryEntry entry;
-  HistoryEntryId keptAs = 0;  // of what the restored rows have replaced
+  HistoryEntryId keptAs = 0;  // the entry of what the restored rows replaced
   std::vector<RestoredTable> tables;
 };
 

@@ -1,4 +1,4 @@
-// Importing what a stand has measured.
+// Importing a stand's measurements.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -13,9 +13,9 @@
 namespace pelmora::calibration {
 
 struct ImportOptions {
-  // Into a new calibration of the meter rather than the one that was named.
+  // Import into a new calibration of the meter rather than the given one.
   bool newCalibration = false;
-  std::int16_t stand = -1, position = -1;  // numbers that are kept with the runs
+  std::int16_t stand = -1, position = -1;  // numbers that are stored with the runs
 };
 
 struct DerivedSeries {
@@ -26,17 +26,17 @@ struct DerivedSeries {
 
 struct Imported {
   Meter meter;
-  bool isNewCalibration = false;  // of a meter that was unknown, or that ImportOptions asked for
-  std::vector<Run> runs;          // of the calibration, those of earlier imports too
+  bool isNewCalibration = false;  // the meter was unknown, or ImportOptions requested it
+  std::vector<Run> runs;          // all runs of the calibration, with those of earlier imports
   std::vector<DerivedSeries> series;
-  std::string jobWithoutRotorB;  // because of which only Rotor A was derived; empty where all have
+  std::string jobWithoutRotorB;  // the reason why only Rotor A was derived; empty if there is none
   std::vector<HistoryEntryId> kept;
 };
 
 struct StoredPoints {
   std::int32_t seriesID = 0;
   bool isNewSeries = false;
-  HistoryEntryId kept = 0;  // the points of that part before
+  HistoryEntryId kept = 0;  // the entry of the part's previous points
 };
 
 }  // namespace pelmora::calibration

@@ -20,35 +20,35 @@ struct RefitTask {
 
 enum class RefitResultKind {
   changed = 0,     // by more than the threshold
-  kept = 1,        // a curve within the threshold of the one before
-  added = 2,       // there was no curve before
+  kept = 1,        // within the threshold of the previous curve
+  added = 2,       // there was no previous curve
   notFitted = 3,   // no equation passed: the previous curve is kept
   unusable = 4,    // it has no raw points to fit
-  unreadable = 5,  // something of it cannot be read
-  gone = 6         // deleted while others were fitted
+  unreadable = 5,  // some of its data cannot be read
+  gone = 6         // deleted while other series were fitted
 };
 
 struct RefitResult {
   RefitTask task;
   RefitResultKind kind = RefitResultKind::unusable;
   std::string equation;           // of the new curve
-  double shiftPercent = 0;        // the largest one against the curve before, with its sign
-  double shiftRoshko = 0;         // where
-  std::string reason;             // without a new curve: why
-  bool isStored = false;          // not for a curve that is point by point what was there
-  bool changedMeanwhile = false;  // by another program: all of this is of a second fit
+  double shiftPercent = 0;        // the largest shift from the previous curve, signed
+  double shiftRoshko = 0;         // where it occurs
+  std::string reason;             // why there is no new curve
+  bool isStored = false;          // false for a curve identical to the previous one
+  bool changedMeanwhile = false;  // by another program; this is the result of a second fit
 };
 
 struct RefitOptions {
   std::size_t threads = 1;
   double changedPercent = 0.01;  // threshold of RefitResultKind::changed
-  std::size_t portion = 100;     // curves that become final together
+  std::size_t portion = 100;     // curves stored in one transaction
   bool isDryRun = false;         // nothing is stored
 };
 
 struct RefitOutcome {
   std::vector<RefitResult> results;  // in the order of the tasks
-  bool isCancelled = false;          // some tasks were not begun; what was stored by then stays
+  bool isCancelled = false;          // some tasks were not started; what was stored stays stored
   std::vector<HistoryEntryId> kept;
 };
 

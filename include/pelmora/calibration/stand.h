@@ -11,16 +11,16 @@
 
 namespace pelmora::calibration {
 
-// Opened for reading when it is made, closed when it goes.
+// Opened for reading by the constructor, closed by the destructor.
 class PELMORA_API Stand {
  public:
   // A stand's database, or its export as CSV with the header JobRecordID,V1..V37.
   //
-  // Errors: NotFound, Unusable; BadData for what a CSV export holds.
+  // Errors: NotFound, Unusable; BadData for the contents of a CSV export.
   explicit Stand(const std::string& location);
 
   [[nodiscard]] const std::string& location() const { return location_; }
-  // Rising.
+  // In rising order.
   [[nodiscard]] const std::vector<std::string>& jobs() const { return jobs_; }
   [[nodiscard]] const ConnectionPtr& connection() const { return connection_; }
 

@@ -1,4 +1,4 @@
-// The nouns of the service. Values: they stay as they are when the database changes.
+// The terms of the service, as values: they do not change when the database changes.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -14,7 +14,7 @@
 
 namespace pelmora::calibration {
 
-// Of a meter's calibrations the one with the highest number.
+// The calibration of a meter with the highest number.
 inline constexpr int latestCalibration = -1;
 
 // A calibration of a meter.
@@ -26,7 +26,7 @@ struct Meter {
   bool operator==(const Meter&) const = default;
 };
 
-// What a stand has measured in one fluid: up to four for a calibration, one raw part each.
+// A stand's measurements in one fluid. A calibration has up to four runs, one raw part each.
 struct Run {
   std::int32_t id = 0;
   int stand = 0, position = 0;
@@ -36,24 +36,23 @@ struct Run {
   std::size_t points = 0;
 };
 
-// Everything that is stored of one series.
+// Everything stored for one series.
 struct StoredSeries {
   Meter meter;
   std::string name;
   std::int32_t id = 0;
-  std::array<PointArray, 4> raw;  // raw parts, in the order that they are stored in
-  PointArray merged, curve;       // no bounds where none are stored
+  std::array<PointArray, 4> raw;  // raw parts, in the order in which they are stored
+  PointArray merged, curve;       // no bounds if none are stored
   std::string report;
-  // The chosen equation as the report names it; empty where it names none or several.
+  // The chosen equation as named in the report; empty if it names none or several.
   std::string equation;
-  std::uint64_t basis =
-      0;  // fingerprint of the raw points and whose they are, see Database::store()
-  std::optional<CurveSettings> settings;  // with which the curve was fitted, where they were kept
+  std::uint64_t basis = 0;  // fingerprint of the raw points and their series, see Database::store()
+  std::optional<CurveSettings> settings;  // of the curve's fit, if they were kept
 
   [[nodiscard]] std::size_t rawPoints() const;
 };
 
-// Where an operation has left what it replaced; see history.h. 0 where there was nothing before.
+// The history entry of what an operation replaced; see history.h. 0 if there was nothing before.
 using HistoryEntryId = std::int64_t;
 
 }  // namespace pelmora::calibration

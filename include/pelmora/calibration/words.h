@@ -1,4 +1,4 @@
-// Verdicts and warnings of a fit in words, and as the names that files use.
+// Verdicts and warnings of a fit, in words and as the names that files use.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -9,15 +9,15 @@
 
 namespace pelmora::calibration {
 
-// Names in JSON and CSV are never changed; the words for people may be.
+// Names in JSON and CSV never change; the words for people may.
 [[nodiscard]] PELMORA_API const char* verdictKey(EquationVerdict verdict);
 [[nodiscard]] PELMORA_API const char* warningKey(CurveWarningKind kind);
 
 // "chosen", "outside band" ...
 [[nodiscard]] PELMORA_API std::string verdictText(EquationVerdict verdict);
-// Which test rejected an equation, at which point, in words; empty for an accepted one.
+// Which test rejected an equation and at which point, in words; empty for an accepted one.
 [[nodiscard]] PELMORA_API std::string rejection(const EquationOutcome& equation);
-// Whether the engine found parameters, so that statistics mean something.
+// Whether the engine found parameters, so that the statistics are meaningful.
 [[nodiscard]] PELMORA_API bool hasSolution(const EquationOutcome& equation);
 
 }  // namespace pelmora::calibration
