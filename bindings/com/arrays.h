@@ -23,7 +23,7 @@ using Array = std::unique_ptr<SAFEARRAY, FreeArray>;
 // A null array is an array without bounds, in both directions. Arrays that come from here start at
 // 0; those that the host gives may start anywhere, their first element counts as element 0.
 //
-// Errors: Error 13 (type mismatch) where type or number of dimensions is another; std::bad_alloc.
+// Errors: Error 13 (type mismatch) if type or number of dimensions is another; std::bad_alloc.
 
 // Whether the host keeps the array where it is: fixed, static, on its stack, or locked. Such an
 // array can be read, but another one cannot take its place.

@@ -30,7 +30,7 @@ class EventPoint final : public IConnectionPoint {
   STDMETHODIMP Unadvise(DWORD cookie) override;
   STDMETHODIMP EnumConnections(IEnumConnections** connections) override;
 
-  // Errors: Error where a handler of the host fails; further sinks are then not called.
+  // Errors: Error if a handler of the host fails; further sinks are then not called.
   void fittingProgress(std::int16_t finishedStep, std::int16_t maxSteps) const;
   void statusUpdate(const std::string& message) const;
 

@@ -23,7 +23,7 @@ class PredictedTable {
   // Keeps the points in order of x; points of equal x keep their order.
   PredictedTable(std::span<const double> x, std::span<const double> y);
 
-  // Why the table cannot be read, in words; empty where it can.
+  // Why the table cannot be read, in words; empty if it can.
   [[nodiscard]] const std::string& defect() const { return defect_; }
   [[nodiscard]] const std::vector<TablePoint>& points() const { return points_; }
   // Empty outside the table's range of x; an x beyond an end by no more than rounding is at that

@@ -15,7 +15,7 @@ namespace pelmora {
 [[nodiscard]] bool fileExists(const std::filesystem::path& path) noexcept;
 
 // The bytes of a file as they are.
-// Errors: Error 75 where it cannot be read, 70 where the process has it open as a database.
+// Errors: Error 75 if it cannot be read, 70 if the process has it open as a database.
 [[nodiscard]] std::string readWholeFile(const std::filesystem::path& path);
 
 }  // namespace pelmora

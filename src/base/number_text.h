@@ -18,7 +18,7 @@ template <std::integral Integer>
 }
 
 // Reads a whole text as a number: blanks around it allowed, decimal separator of the process's C
-// locale. Errors: Error 13 where it is no number, 6 where it is too large.
+// locale. Errors: Error 13 if it is not a number, 6 if it is too large.
 [[nodiscard]] double numberFromText(std::string_view text);
 
 }  // namespace pelmora

@@ -28,7 +28,7 @@ class DatabaseInUse {
 // The right to open `file` as an ordinary one; no database is opened while the object lives.
 class PlainReading {
  public:
-  // Errors: Error 70 where the process has the file open as a database.
+  // Errors: Error 70 if the process has the file open as a database.
   explicit PlainReading(const std::filesystem::path& file);
 
  private:

@@ -9,15 +9,15 @@
 
 namespace pelmora {
 
-// A number with so many digits behind the point; "-" where it is not finite.
+// A number with this many digits after the point; "-" if it is not finite.
 [[nodiscard]] PELMORA_API std::string fixedText(double value, int decimals);
-// A number with so many significant digits, in the shorter of the plain and the exponent form.
+// A number with this many significant digits, in the shorter of the plain and the exponent form.
 [[nodiscard]] PELMORA_API std::string significantText(double value, int digits);
 // The same with its zeros at the end, so that numbers of one size stand in line.
 [[nodiscard]] PELMORA_API std::string alignedText(double value, int digits);
 // A sentence whose decimal numbers of more than seven digits are rounded to six.
 [[nodiscard]] PELMORA_API std::string withShortNumbers(std::string_view sentence);
-// Per cent with a sign, three digits behind the point, fewer for large ones.
+// Per cent with a sign, three digits after the point, fewer for large ones.
 [[nodiscard]] PELMORA_API std::string percentText(double percent);
 
 }  // namespace pelmora

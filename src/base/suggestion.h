@@ -15,7 +15,7 @@ namespace pelmora {
 // (optimal string alignment), without regard to the case of ASCII letters.
 [[nodiscard]] PELMORA_API std::size_t typingDistance(std::string_view a, std::string_view b);
 
-// Those of `known` that are nearest to `name`, at most three; empty where none is as near as one
+// Those of `known` that are nearest to `name`, at most three; empty if none is as near as one
 // typing error in each three characters.
 [[nodiscard]] PELMORA_API std::vector<std::string> nearest(const std::string& name,
                                                            const std::vector<std::string>& known);

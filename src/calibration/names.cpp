@@ -12,7 +12,7 @@ namespace {
 
 bool isWithin(char32_t c, char32_t first, char32_t last) { return first <= c && c <= last; }
 
-// What is wrong with a character; null where nothing is.
+// What is wrong with a character; null if nothing is.
 const char* flawOf(char32_t c) {
   if (isWithin(c, 0xDC80, 0xDCFF)) return "is not valid UTF-8";
   if (c < 0x20 || isWithin(c, 0x7F, 0x9F) || isWithin(c, 0x2028, 0x2029))

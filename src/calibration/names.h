@@ -9,7 +9,7 @@ namespace pelmora::calibration {
 // Without the blanks at its ends.
 //
 // what: "meter", "series", "fluid" ... for the message.
-// Errors: BadData where nothing is left, and for control characters, characters that change the
+// Errors: BadData if nothing is left, and for control characters, characters that change the
 //         direction of writing, and what is no UTF-8.
 [[nodiscard]] std::string cleanName(const std::string& what, const std::string& name);
 

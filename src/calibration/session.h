@@ -26,7 +26,7 @@ class Session {
   [[nodiscard]] const ConnectionPtr& curves() const { return curves_; }
   [[nodiscard]] Connection& connection() const { return *curves_; }
 
-  // Begins a change. Errors: Failure where one is open; Unusable, Locked.
+  // Begins a change. Errors: Failure if one is open; Unusable, Locked.
   void begin(const std::string& command);
   void commit();
   void rollback() noexcept;

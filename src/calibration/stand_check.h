@@ -9,7 +9,7 @@
 
 namespace pelmora::calibration {
 
-// Of the runs' jobs the first that has no readings of rotor B; empty where all have them.
+// Of the runs' jobs the first that has no readings of rotor B; empty if all have them.
 //
 // Errors: NotFound for a job that the stand does not have; BadData for a reading that is missing,
 //         is a text or divides by zero, with job, point and column, for a job of more than 32,767

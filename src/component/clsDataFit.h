@@ -23,7 +23,7 @@ using steps::Equation;
 class clsDataFit : public steps::CatalogueSettings {
  public:
   // Loads the equation file of the platform's component folder, or the built-in list where there is
-  // none. Errors: Error 75 where a file exists and cannot be read.
+  // none. Errors: Error 75 if a file exists and cannot be read.
   explicit clsDataFit(Platform& platform);
 
   // Events.
@@ -45,7 +45,7 @@ class clsDataFit : public steps::CatalogueSettings {
                       double Predicted_Xmax, const std::string& Label_Xaxis,
                       const std::string& Label_Yaxis);
 
-  // Of the chosen equation; null where none is.
+  // Of the chosen equation; null if none is.
   [[nodiscard]] const ModelDefinition* dfxModelDefinition() const;
   [[nodiscard]] const FitModel* dfxModel() const { return fit_.model(); }
   [[nodiscard]] const FitData* DataResult() const { return fit_.predicted(); }

@@ -47,7 +47,7 @@ class SharedEntry {
   std::array<std::optional<RawSlot>, 4> raw_;  // of the parts read so far
 };
 
-// Reads and sorts a raw part (1 to 4) into its slot of the shared fit record; nothing where it is
+// Reads and sorts a raw part (1 to 4) into its slot of the shared fit record; nothing if it is
 // not usable.
 std::optional<steps::MergedPoints> readPart(const OperationContext& context, std::int16_t part,
                                             const std::string& SeriesName, SharedEntry& entry,
@@ -60,7 +60,7 @@ std::optional<steps::MergedPoints> readPart(const OperationContext& context, std
   return points;
 }
 
-// All raw parts of the series as one; nothing where the merge failed or may not be fitted.
+// All raw parts of the series as one; nothing if the merge failed or may not be fitted.
 std::optional<PointArray> mergedParts(const OperationContext& context, const FitHost& host,
                                       const FitRequest& request, SharedEntry& entry,
                                       const ConnectionPtr& connection, bool& ArrayIsEmpty) {

@@ -22,7 +22,7 @@ inline constexpr const char* defaultLocation = "c:\\program files\\quorvane\\Pel
 // The unopened connection to `location`. An empty location is replaced by the shared one, in the
 // caller's variable too.
 //
-// Errors: Error 0x80040207 "Empty database location" where the shared one is empty as well.
+// Errors: Error 0x80040207 "Empty database location" if the shared one is empty as well.
 [[nodiscard]] ConnectionPtr getConnection(std::string& location, const SharedState& shared,
                                           const Platform& platform);
 

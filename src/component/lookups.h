@@ -28,7 +28,7 @@ MeterInfo getSeriesID(const OperationContext& context, const std::string& Series
                       const std::string& MeterSN, const ConnectionPtr& conn, std::int16_t ReCalID);
 
 // Serial number and name of every series of a meter calibration; of all meters where MeterSN is
-// empty and a meter without a serial number exists. Empty where there is none.
+// empty and a meter without a serial number exists. Empty if there is none.
 ValueTable listSeries(const OperationContext& context, const std::string& MeterSN,
                       std::int16_t ReCalID);
 
@@ -50,7 +50,7 @@ std::vector<std::string> getJobID(const OperationContext& context, const std::st
 std::int32_t setMeterSN(const OperationContext& context, const std::string& MeterSerialNumber,
                         std::string& MeterSNAdjusted);
 
-// Deletes the series row; its points and summary stay. False where there is no such series.
+// Deletes the series row; its points and summary stay. False if there is no such series.
 bool DeleteSeries(const OperationContext& context, const std::string& MeterSN,
                   const std::string& Series, std::int16_t ReCalID);
 

@@ -14,9 +14,9 @@ namespace pelmora {
 // Reads a result file: three header lines, then a line per point with Roshko and Strouhal between
 // blanks, in the number format of the process's locale. The file is renamed to its path with ".sav"
 // behind it, before it is parsed. Points come sorted by Roshko; where a line is not a point, the
-// operator is told and the points before it come back in the order of the file.
+// operator is informed and the points before it come back in the order of the file.
 //
-// ArrayIsEmpty is false exactly when points come back. A missing file is told to the operator.
+// ArrayIsEmpty is false exactly when points come back. A missing file is reported to the operator.
 PointArray readTCresults(const OperationContext& context, const std::string& sResultPath,
                          bool& ArrayIsEmpty);
 

@@ -125,7 +125,7 @@ std::optional<CurveWarning> checkGap(const CheckedCurve& curve, double from, dou
   const Excursion found = largestExcursion(y, low, high);
   const double s = curve.statistics.ResidualStandardError;
   const double scale = (std::abs(low) + std::abs(high)) / 2;
-  // Rounding of the curve itself is no turn.
+  // Rounding of the curve itself is not a turn.
   if (!(found.distance > std::max(noiseErrors * s, 1e-9 * scale))) return std::nullopt;
   const double beyond = excursionHeight(curve.model, x, found, low, high);
   const double percent = scale > 0 ? 100 * beyond / scale : std::numeric_limits<double>::infinity();

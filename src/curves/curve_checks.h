@@ -25,7 +25,7 @@ struct CheckedCurve {
 // finite. Of a model that gives no samples only what the points alone tell: few levels,
 // extrapolation.
 //
-// Errors: Error 9 where the model delivers samples, but not one for each x.
+// Errors: Error 9 if the model delivers samples, but not one for each x.
 [[nodiscard]] std::vector<CurveWarning> checkCurve(const CheckedCurve& curve);
 
 // How many distinct x levels there are: neighbours closer than a fifth of the mean spacing (of ln x

@@ -8,7 +8,7 @@
 
 namespace pelmora::calibration {
 
-// Errors: BadData for less than two points, and where Roshko does not strictly rise.
+// Errors: BadData for fewer than two points, and if Roshko does not strictly rise.
 void requireTable(std::span<const CurvePoint> curve);
 
 // Read as a flow computer reads the table: linearly between neighbouring points, bands likewise.
@@ -18,7 +18,7 @@ void requireTable(std::span<const CurvePoint> curve);
 
 // The other way round; the bands are those of Strouhal over the slope of the table.
 //
-// Errors: as requireTable; BadData where Strouhal does not strictly rise or fall all along (it
+// Errors: as requireTable; BadData if Strouhal does not strictly rise or fall all along (it
 //         names the Roshko number at which the curve turns); OutOfRange where the straight line
 //         beyond an end reaches that Strouhal number at no Roshko number above 0.
 [[nodiscard]] PELMORA_API CurveValue roshkoAt(std::span<const CurvePoint> curve, double strouhal);

@@ -1,4 +1,4 @@
-// What the outcome of a fit tells beyond the report.
+// What the outcome of a fit says beyond the report.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -11,7 +11,7 @@ namespace pelmora {
 
 // Statistics, parameters, covariance and information criteria of a solution. With n observations
 // and k the parameters and the variance: AICc = n ln(RSS/n) + 2k + 2k(k+1)/(n-k-1), BIC = n
-// ln(RSS/n) + k ln n; absent where RSS is 0 or the divisor not positive.
+// ln(RSS/n) + k ln n; absent if RSS is 0 or the divisor not positive.
 //
 // Source: Burnham and Anderson, Model Selection and Multimodel Inference, 2nd ed., 2.3 and 6.4.
 void describeSolution(const FitModel& model, EquationOutcome& outcome);

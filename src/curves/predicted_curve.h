@@ -16,7 +16,7 @@ namespace pelmora {
 // intervals + 1 values from low to high, evenly spaced in signedLog10; both ends included up to
 // rounding.
 //
-// Errors: Error 11 for no intervals, 9 for fewer, 5 where an end is 0, 6 where a value overflows.
+// Errors: Error 11 for no intervals, 9 for fewer, 5 if an end is 0, 6 if a value overflows.
 [[nodiscard]] std::vector<double> logSpacedGrid(double low, double high, std::int32_t intervals);
 
 // True when x never increases as y increases. x, y: n values of the same points.

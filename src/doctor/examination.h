@@ -1,4 +1,4 @@
-// A curve database looked over.
+// The examination of a curve database.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -10,9 +10,9 @@
 
 namespace pelmora::doctor {
 
-// All that the checks find, what is worst first; empty where all is well. Changes nothing.
+// All that the checks find, what is worst first; empty if all is well. Changes nothing.
 //
-// Errors: Error where the database cannot be read or lacks a given table.
+// Errors: Error if the database cannot be read or lacks a given table.
 [[nodiscard]] std::vector<Finding> examine(const ConnectionPtr& curves);
 
 // Whether there is a finding that is more than a note.

@@ -20,9 +20,9 @@ struct Finding {
   Severity Level = Severity::note;
   std::size_t Count = 0;       // rows, series, tables ... as Text says
   std::string Text;            // one line in words
-  std::string Example;         // one place; empty where there is none to name
+  std::string Example;         // one place; empty if there is none to name
   bool CanBeRepaired = false;  // by repair()
-  std::string Remedy;          // what to do; empty where repair() does it
+  std::string Remedy;          // what to do; empty if repair() does it
 };
 
 }  // namespace pelmora::doctor

@@ -15,7 +15,7 @@ namespace pelmora::doctor {
 // What the engine finds damaged in the database at `path`, at most some hundred places, grouped. It
 // comes before all other checks: those may stumble over damage.
 //
-// Errors: Error where the file is missing, locked or no database at all.
+// Errors: Error if the file is missing, locked or not a database at all.
 [[nodiscard]] std::vector<IntegrityProblem> damageOf(const std::string& path,
                                                      const Patience& patience = {});
 

@@ -35,13 +35,13 @@ struct EntryFilter {
 [[nodiscard]] PELMORA_API std::vector<Entry> entries(const ConnectionPtr& curves,
                                                      const EntryFilter& filter = {});
 
-// Nothing where there is no such entry.
+// Nothing if there is no such entry.
 [[nodiscard]] PELMORA_API std::optional<Entry> findEntry(const ConnectionPtr& curves,
                                                          std::int64_t entryID);
 
 struct Pruning {
   std::optional<std::string> Before;  // ISO 8601, UTC: only entries that are older
-  std::size_t Keep = 0;               // the newest so many stay in any case
+  std::size_t Keep = 0;               // this many of the newest always stay
 };
 
 // The entries that `pruning` takes out, from the newest to the oldest.

@@ -15,7 +15,7 @@ namespace pelmora::history {
 // table that may be missing counts as one without rows. It is meant to be compared soon, and is not
 // kept.
 //
-// Errors: Error where a table cannot be read.
+// Errors: Error if a table cannot be read.
 [[nodiscard]] PELMORA_API std::uint64_t fingerprint(const ConnectionPtr& curves,
                                                     const Scope& scope);
 

@@ -31,7 +31,7 @@ struct ChangeNote {
 //     change.commit();
 class PELMORA_API KeptChange {
  public:
-  // Errors: Error, 0x80004005 where another user writes.
+  // Errors: Error, 0x80004005 if another user writes.
   KeptChange(const ConnectionPtr& curves, ChangeNote note);
 
   // Copies the rows of the scope as they are now into an entry of their own and returns its id; 0,

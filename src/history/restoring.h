@@ -32,7 +32,7 @@ struct RestoreOutcome {
 // has now; what it replaces is kept by `change` as an entry first. Nothing is stored before
 // change.commit().
 //
-// Errors: Error noSuchEntry; standsInTheWay where the calibration or series is gone that the rows
+// Errors: Error noSuchEntry; standsInTheWay if the calibration or series is gone that the rows
 // belong to, or
 //         another one has its name or id by now.
 [[nodiscard]] PELMORA_API RestoreOutcome restore(const ConnectionPtr& curves, KeptChange& change,

@@ -8,7 +8,7 @@
 
 namespace pelmora::report {
 
-// One cell in the form that csvReport() tells; empty for null.
+// One cell in the form that csvReport() describes; empty for null.
 [[nodiscard]] std::string csvCell(const Value& value);
 
 // The tables of report_tables.h below one header line: first the name of the row's table, then

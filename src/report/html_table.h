@@ -28,7 +28,7 @@ class HtmlTable {
   std::string html_;
 };
 
-// An entry of a <dl>; nothing where the value is empty.
+// An entry of a <dl>; nothing if the value is empty.
 [[nodiscard]] std::string htmlFact(const std::string& name, const std::string& value,
                                    const std::string& cssClass = {});
 

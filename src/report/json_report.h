@@ -8,7 +8,7 @@
 
 namespace pelmora::report {
 
-// One object with "schema": "pelmora-report/1"; docs/report.md tells its members. Members may be
+// One object with "schema": "pelmora-report/1"; docs/report.md lists its members. Members may be
 // added under the same version; one that changes or goes makes it version 2.
 [[nodiscard]] std::string jsonReport(const Report& report);
 

@@ -14,7 +14,7 @@ unsigned char byteAt(std::string_view text, std::size_t at) {
   return at < text.size() ? static_cast<unsigned char>(text[at]) : 0;
 }
 
-// Bytes of the well-formed UTF-8 character at `at`; 0 where there is none.
+// Bytes of the well-formed UTF-8 character at `at`; 0 if there is none.
 //
 // Source: The Unicode Standard, table 3-7.
 std::size_t characterLength(std::string_view text, std::size_t at) {

@@ -32,7 +32,7 @@ class PlotPanel {
   void drawArea(const std::string& cssClass, const std::vector<PlotPoint>& upper,
                 const std::vector<PlotPoint>& lower);
 
-  // Says how many points were left out; nothing where none was.
+  // Says how many points were left out; nothing if none was.
   void noteHidden();
 
   // Closes the group.

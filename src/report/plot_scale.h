@@ -22,7 +22,7 @@ class PlotScale {
   [[nodiscard]] double low() const { return low_; }
   [[nodiscard]] double high() const { return high_; }
   [[nodiscard]] bool isLog() const { return isLog_; }
-  // 0 at low(), 1 at high(). Errors: none; NaN where a logarithm has none.
+  // 0 at low(), 1 at high(). Errors: none; NaN if a logarithm has none.
   [[nodiscard]] double share(double value) const;
   // Rising. Logarithmic: a label at each decade, at 1, 2 and 5 of it where there are less than two
   // decades, small ticks at the other digits; less than half a decade is ticked like a linear axis.

@@ -1,4 +1,4 @@
-// What a calibration report tells: one model, which every writer turns into its own format.
+// What a calibration report contains: one model, which every writer turns into its own format.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -44,7 +44,7 @@ struct Remark {
 // From the same series' curve of an earlier calibration to this one.
 struct PreviousCurve : calibration::Comparison {
   std::int16_t reCalID = 0;
-  std::string date;  // of the earlier calibration's set-ups; empty where they tell none
+  std::string date;  // of the earlier calibration's set-ups; empty if they have none
 };
 
 struct SeriesReport {
@@ -53,11 +53,11 @@ struct SeriesReport {
   std::string rawDataHash;  // SHA-256, see raw_data_hash.h
   std::vector<RawPart> parts;
   std::vector<MeasuredPoint> merged;
-  std::vector<CurvePoint> curve;  // as stored; empty where none is
+  std::vector<CurvePoint> curve;  // as stored; empty if none is
   CurveSettings settings;
   bool settingsAreKept = false;  // else they are the defaults, or those of the report's options
   std::vector<RankedEquation> equations;
-  std::string chosen;  // name of the chosen equation; empty where there is none
+  std::string chosen;  // name of the chosen equation; empty if there is none
   std::vector<Remark> remarks;
   std::string storedText;  // the stored report, line breaks LF
   std::optional<PreviousCurve> previous;

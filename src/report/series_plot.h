@@ -13,7 +13,7 @@ inline constexpr int seriesPlotHeight = 520;
 inline constexpr int comparisonPlotHeight = 190;
 
 // <svg> elements that share the markers of plotDefinitions() and take their colours from classes.
-// Each panel is a <g class="panel"> that tells its value ranges: data-x0, data-x1, data-y0,
+// Each panel is a <g class="panel"> that states its value ranges: data-x0, data-x1, data-y0,
 // data-y1, data-log, and its place: data-left, data-top, data-width, data-height.
 [[nodiscard]] std::string seriesPlot(const SeriesReport& series);
 // Empty where there is nothing to compare.

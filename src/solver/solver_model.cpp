@@ -15,7 +15,7 @@ namespace pelmora::solver {
 namespace {
 
 // The column with a symbol.
-// Errors: NoSolution where there is none.
+// Errors: NoSolution if there is none.
 std::size_t columnOf(const FitData& data, const std::string& symbol) {
   const auto place = std::find(data.Symbols.begin(), data.Symbols.end(), symbol);
   const auto column = static_cast<std::size_t>(place - data.Symbols.begin());

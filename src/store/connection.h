@@ -21,7 +21,7 @@ enum class LockType { optimistic = 3, batchOptimistic = 4 };
 // The rows of one statement. They are read when the record set is opened; the cursor then stands on
 // the first row. Field names compare without regard to case.
 //
-// Errors: every function may throw Error; a name that is no field is Error 3265.
+// Errors: every function may throw Error; a name that is not a field is Error 3265.
 class PELMORA_API Recordset {
  public:
   virtual ~Recordset() = default;

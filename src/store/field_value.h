@@ -11,7 +11,7 @@ namespace pelmora {
 
 [[nodiscard]] bool isNull(const Value& value);
 
-// Errors: Error 94 for null, 13 for text that is no number, 6 out of the type's range. Fractions
+// Errors: Error 94 for null, 13 for text that is not a number, 6 out of the type's range. Fractions
 // are
 //         rounded half to even.
 [[nodiscard]] double toDouble(const Value& value);

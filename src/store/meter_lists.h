@@ -14,7 +14,7 @@
 namespace pelmora {
 
 // Serial number and name of every series of that very calibration; of all meters where MeterSN is
-// empty. Empty where there is none.
+// empty. Empty if there is none.
 [[nodiscard]] ValueTable listSeries(Connection& connection, const NameText& MeterSN,
                                     std::int16_t ReCalID);
 

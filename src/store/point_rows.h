@@ -16,7 +16,7 @@ inline constexpr std::int32_t mostPoints = 32767;
 // All rows' fields "roshko" and "strouhal" in the order of the rows; no bounds for no rows. Leaves
 // the record set behind its last row.
 //
-// Errors: Error 6 for more than mostPoints rows, 94 for a null, 13 for text that is no number.
+// Errors: Error 6 for more than mostPoints rows, 94 for a null, 13 for text that is not a number.
 [[nodiscard]] PointArray pointsFromRows(Recordset& rows);
 
 // At most 40 rows from the current one on, in single precision: Roshko first, or Strouhal first.

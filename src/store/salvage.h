@@ -15,7 +15,7 @@ struct SalvagedTable {
   std::string Name;
   std::uint64_t Read = 0;       // rows that can be read, all of them as they were stored
   std::uint64_t FromIndex = 0;  // of these, rows that an index alone still holds
-  // Rows that cannot be read; nothing where their number is not known.
+  // Rows that cannot be read; nothing if their number is not known.
   std::optional<std::uint64_t> Lost;
   std::uint64_t KnownLost = 0;  // at least so many
   [[nodiscard]] bool isWhole() const { return Lost == 0U; }
@@ -78,7 +78,7 @@ inline bool SalvageReport::isWhole() const {
 // it fails nothing is left behind. `path` is not changed, apart from what any program that opens
 // the database would do.
 //
-// Errors: Error 53, 70, 75 where `path` cannot be read, 321 where nothing of it is a database, 58
+// Errors: Error 53, 70, 75 if `path` cannot be read, 321 if nothing of it is a database, 58
 //         where there is a file at `newPath`, genericFailure where `path` is locked.
 [[nodiscard]] PELMORA_API SalvageReport salvageDatabase(const std::string& path,
                                                         const std::string& newPath = {});

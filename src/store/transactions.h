@@ -10,7 +10,7 @@ namespace pelmora {
 class PELMORA_API Transactions {
  public:
   virtual ~Transactions() = default;
-  // Takes the lock for writing at once. Errors: Error, genericFailure where another user has it.
+  // Takes the lock for writing at once. Errors: Error, genericFailure if another user has it.
   virtual void begin() = 0;
   // Errors: Error; the transaction is then still open, or undone already.
   // What is read from now on is of one moment, until rollback(). Others may change rows meanwhile,

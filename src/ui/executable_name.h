@@ -8,7 +8,7 @@ namespace pelmora {
 
 // On Windows adapters/os fills this in.
 //
-// File name of the running executable, without its folder; empty where the system does not tell.
+// File name of the running executable, without its folder; empty if the system does not tell.
 [[nodiscard]] std::string executableName();
 
 }  // namespace pelmora

@@ -10,7 +10,7 @@ namespace pelmora {
 namespace {
 
 // Each flag is taken off at most once, the larger ones first. This is the form's own rule, not a
-// bit mask: 96, say, loses 64 and then 32, and 2048 keeps a rest that is no button set.
+// bit mask: 96, say, loses 64 and then 32, and 2048 leaves a rest that is not a button set.
 int buttonSetOf(int style) {
   for (const int flag :
        {box_style::systemModal, box_style::defaultButton4, box_style::defaultButton3,

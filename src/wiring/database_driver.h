@@ -9,7 +9,7 @@
 
 namespace pelmora {
 
-// The unopened connection to a location; null where no driver is built in. A location that holds
+// The unopened connection to a location; null if no driver is built in. A location that holds
 // nothing usable gets the SQLite driver, which says so when it is opened.
 [[nodiscard]] ConnectionPtr databaseConnection(const std::string& location,
                                                const Patience& patience = {});

@@ -13,14 +13,14 @@ namespace pelmora {
 // Around an ADO connection that somebody else made and opened; adds a reference, closes only where
 // told.
 //
-// Errors: what ADO reports, with its number and description, from the connection's Errors where the
+// Errors: what ADO reports, with its number and description, from the connection's Errors if the
 //         failed call does not tell them; 0x80004005 is passed on as it is, and callers that wait
 //         on a locked database take it as one.
 [[nodiscard]] ConnectionPtr adoConnection(IDispatch* connection);
 
 // A new connection to an Access file, not yet open: client-side cursors, provider Jet 4.0.
 //
-// Errors: Error 429 where ADO is not installed. A missing file or provider shows when it is opened.
+// Errors: Error 429 if ADO is not installed. A missing file or provider shows when it is opened.
 [[nodiscard]] ConnectionPtr accessConnection(const std::string& location);
 
 // Whether the location is Access's business: a file in its format or, where there is no file, a

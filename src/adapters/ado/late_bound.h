@@ -44,7 +44,7 @@ class LateBound {
  public:
   LateBound() = default;
   explicit LateBound(os::Reference<IDispatch> object) : object_(std::move(object)) {}
-  // A new object of a registered class. Errors: Error 429 where there is none.
+  // A new object of a registered class. Errors: Error 429 if there is none.
   [[nodiscard]] static LateBound create(const wchar_t* className);
 
   // The connection that is asked about failures, of this object and of those that it gives.

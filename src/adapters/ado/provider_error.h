@@ -1,4 +1,4 @@
-// What a connection tells of a failure that the failed call itself kept back.
+// What a connection says about a failure that the failed call itself kept back.
 // SPDX-License-Identifier: MIT
 #pragma once
 

@@ -47,7 +47,7 @@ inline constexpr std::size_t wireHeaderSize = 26;
 inline constexpr std::size_t wireBodyLimit = 1U << 20U;
 
 [[nodiscard]] std::string toWire(const WindowRequest& request);
-// Size of the body that follows; empty if this is no header or the body is too long.
+// Size of the body that follows; empty if this is not a header or the body is too long.
 [[nodiscard]] std::optional<std::size_t> bodySizeFromWire(std::string_view header);
 // Empty if the body is malformed.
 [[nodiscard]] std::optional<WindowRequest> bodyFromWire(std::string_view body);

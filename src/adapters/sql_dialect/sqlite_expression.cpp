@@ -151,7 +151,7 @@ std::string SqliteExpression::aggregate(const Expression& expression) const {
   const Expression& operand = expression.operands[0];
   const std::string& name = expression.text;
   if (name == "MIN" || name == "MAX") return name + "(" + sortValue(operand) + ")";
-  // SQLite would take text that is no number for 0.
+  // SQLite would take text that is not a number for 0.
   const bool isSum = name == "SUM" || name == "AVG";
   if (isSum && kindOf(operand) != Kind::truth)
     return name + "(dialect_arithmetic('v', " + value(operand) + "))";

@@ -4,7 +4,7 @@
 //   dialect_arithmetic(program, v1, v2, ...)  `program` in postfix notation: 'v' the next value,
 //   'n' a
 //       change of sign, the operators + - * / ^ & themselves. Null in, null out, & excepted; errors
-//       for text that is no number, division by zero and results beyond the range.
+//       for text that is not a number, division by zero and results beyond the range.
 //   dialect_like(value, pattern)
 //   DIALECT_TEXT                              collation, text without regard to case
 // SPDX-License-Identifier: MIT

@@ -33,7 +33,7 @@ std::optional<std::int64_t> wholeOf(std::string_view digits) {
   return value;
 }
 
-// The mark of the kind of a number or text; 0 where it is no plain literal.
+// The mark of the kind of a number or text; 0 if it is not a plain literal.
 char markOf(const Token& token, PlainLiteral& literal) {
   const bool isNumber = token.kind == TokenKind::number;
   literal.text = isNumber ? std::string(token.source) : contents(token);

@@ -11,7 +11,7 @@
 
 namespace pelmora::sql {
 
-// Words compare without regard to case. A reserved word is no name unless it stands in brackets.
+// Words compare without regard to case. A reserved word is not a name unless it stands in brackets.
 class TokenStream {
  public:
   explicit TokenStream(std::string_view statement)

@@ -15,7 +15,7 @@ class AttachedFile {
  public:
   static constexpr std::string_view name = "output";
 
-  // `file`: absolute path. Errors: Error, genericFailure where the file is locked.
+  // `file`: absolute path. Errors: Error, genericFailure if the file is locked.
   AttachedFile(SqliteSession& session, const std::string& file);
   ~AttachedFile();
   AttachedFile(const AttachedFile&) = delete;

@@ -17,7 +17,7 @@ using std::chrono::microseconds;
 // Short enough for a lock that is held while a disk writes.
 constexpr microseconds shortest = 2ms;
 
-// Several who came at the same moment do not look at the same moment for ever.
+// Several who came at the same moment do not look at the same moment forever.
 microseconds scattered(microseconds pause) {
   thread_local std::minstd_rand random{std::random_device()()};
   return std::uniform_int_distribution<microseconds::rep>(pause.count() / 2,

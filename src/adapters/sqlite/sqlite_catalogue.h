@@ -21,12 +21,12 @@ class SqliteCatalogue : public sql::Catalogue {
   explicit SqliteCatalogue(sqlite3* database);
 
   // `database`: "main" or the name of an attached one.
-  // Errors: Error, genericFailure where the database is locked.
+  // Errors: Error, genericFailure if the database is locked.
   [[nodiscard]] std::optional<sql::TableShape> findTable(std::string_view database,
                                                          std::string_view name) const override;
 
   // Of "main": another one after each change of its tables, of whomever. A look at the file.
-  // Errors: Error, genericFailure where the database is locked.
+  // Errors: Error, genericFailure if the database is locked.
   [[nodiscard]] std::int64_t schemaVersion() const;
   // As findTable, of the version that was told last.
   [[nodiscard]] std::optional<sql::TableShape> findAsTold(std::string_view database,

@@ -29,7 +29,7 @@ class SqliteConnection : public Connection,
   SqliteConnection(const SqliteConnection&) = delete;
   SqliteConnection& operator=(const SqliteConnection&) = delete;
 
-  // Errors: Error 3705 where it is open already.
+  // Errors: Error 3705 if it is open already.
   void open() override;
   [[nodiscard]] bool isOpen() const override { return session_ != nullptr; }
   // Nothing happens where it is closed already.

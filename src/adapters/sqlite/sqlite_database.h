@@ -16,14 +16,14 @@ namespace pelmora {
 
 // A connection to the file at `path`, not yet opened. Opening never creates anything.
 //
-// Errors: of open(): genericFailure where the file is locked, 53 missing, 70 not permitted, 75 a
+// Errors: of open(): genericFailure if the file is locked, 53 missing, 70 not permitted, 75 a
 //         folder, 321 empty or no SQLite database; the description names the file and what to do.
 [[nodiscard]] ConnectionPtr sqliteConnection(const std::string& path,
                                              const Patience& patience = {});
 
 // Makes a new curve database with all tables and indexes at `path`.
 //
-// Errors: Error 58 where the file exists already, 75 where its folder is missing or it cannot be
+// Errors: Error 58 if the file exists already, 75 if its folder is missing or it cannot be
 //         written; then nothing is left behind.
 void createSqliteCurveDatabase(const std::string& path);
 

@@ -15,7 +15,7 @@ namespace pelmora::sqlite {
 [[nodiscard]] std::string createTableStatement(const OwnTable& table);
 [[nodiscard]] std::string createIndexStatement(const TableIndex& index);
 
-// Errors: Error, genericFailure where the database is locked.
+// Errors: Error, genericFailure if the database is locked.
 [[nodiscard]] bool hasIndex(sqlite3* database, std::string_view table,
                             std::span<const std::string> columns);
 

@@ -10,7 +10,7 @@
 
 namespace pelmora::sqlite {
 
-// At most the first `size` bytes of a regular file; nothing where it cannot be read. SQLite opens
+// At most the first `size` bytes of a regular file; nothing if it cannot be read. SQLite opens
 // and closes the file: it knows which files the process holds locks on, and keeps those locks.
 [[nodiscard]] std::optional<std::string> startOfFile(const std::string& path, std::size_t size);
 

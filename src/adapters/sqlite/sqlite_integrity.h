@@ -11,7 +11,7 @@ struct sqlite3;
 
 namespace pelmora::sqlite {
 
-// Errors: Error, genericFailure where the database is locked.
+// Errors: Error, genericFailure if the database is locked.
 [[nodiscard]] std::vector<IntegrityProblem> integrityProblems(sqlite3* database, std::size_t most);
 
 }  // namespace pelmora::sqlite

@@ -19,7 +19,7 @@ class PreparedStatement;
 
 class SqliteSession {
  public:
-  // `file`: absolute path. Errors: Error, genericFailure where the database is locked.
+  // `file`: absolute path. Errors: Error, genericFailure if the database is locked.
   SqliteSession(const std::string& file, const Patience& patience)
       : SqliteSession(file, OpenMode::existing, patience) {}
   // A database of its own in memory.
@@ -39,7 +39,7 @@ class SqliteSession {
 
   // From now on the database's own tables may only be read.
   void freeze() { isFrozen_ = true; }
-  // Errors: Error updateRefused where the tables may only be read, or where the engine has undone
+  // Errors: Error updateRefused if the tables may only be read, or if the engine has undone
   // the
   //         transaction that is open: what follows must not be stored alone.
   void requireWritable() const;

@@ -52,7 +52,7 @@ class StatementTranslations {
   // Ready to run. `statement` must outlive the use. Errors: Error of the renderer; those of SQLite.
   [[nodiscard]] StatementPool::Use prepare(DialectStatement& statement);
   // Of a SELECT of one table's rows: its columns for the row whose identity is parameter 1.
-  // Errors: Error of the renderer, genericFailure where the database is locked.
+  // Errors: Error of the renderer, genericFailure if the database is locked.
   [[nodiscard]] std::string rowSelect(const Translation& translation) const;
   // Forgets everything: what a transaction has made of the tables was undone.
   void clear();

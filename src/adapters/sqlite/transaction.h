@@ -9,7 +9,7 @@ class DatabaseHandle;
 // Inside a transaction that is open already it is a part of that one, which can be undone alone.
 class Transaction {
  public:
-  // Errors: Error, genericFailure where another user writes.
+  // Errors: Error, genericFailure if another user writes.
   explicit Transaction(const DatabaseHandle& database);
   ~Transaction();
   Transaction(const Transaction&) = delete;

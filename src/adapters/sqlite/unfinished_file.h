@@ -12,7 +12,7 @@ namespace pelmora::sqlite {
 // Lies beside `path` under a name of its own, and goes away unless it has been moved to its place.
 class UnfinishedFile {
  public:
-  // Errors: Error 58 where there is a file at `path`, 75 where its folder is missing.
+  // Errors: Error 58 if there is a file at `path`, 75 if its folder is missing.
   explicit UnfinishedFile(const std::string& path);
   ~UnfinishedFile();
   UnfinishedFile(const UnfinishedFile&) = delete;
@@ -21,7 +21,7 @@ class UnfinishedFile {
   [[nodiscard]] std::string path() const;
   // Error 75 that names the file and says why.
   [[nodiscard]] Error cannotCreate(const std::string& why) const;
-  // Never overwrites. Errors: Error 58 where there is a file by now, 75.
+  // Never overwrites. Errors: Error 58 if there is a file by now, 75.
   void moveToItsPlace() const;
 
  private:

@@ -15,7 +15,7 @@ struct CsvField {
 };
 
 // A field in double quotes may hold commas, line ends and doubled quotes. Lines end in CR LF, LF or
-// CR; empty lines are passed over. A byte-order mark at the start is no part of the text.
+// CR; empty lines are skipped. A byte-order mark at the start is not part of the text.
 class CsvReader {
  public:
   // `text` must outlive the reader.

@@ -15,7 +15,7 @@ namespace pelmora {
 // A connection to the export, not yet opened. open() reads the whole file into memory; the file
 // itself is never changed, and statements that would change DataPoint are errors.
 //
-// Errors: of open(): 53 where the file is missing, 70 where it cannot be read, 321 where it is
+// Errors: of open(): 53 if the file is missing, 70 if it cannot be read, 321 if it is
 // empty
 //         or its header is wrong, 13 where a row is; the description names file, line, column and
 //         what to do.

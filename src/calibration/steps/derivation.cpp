@@ -49,7 +49,7 @@ std::string ofJob(const DerivationSource& source, std::size_t job) {
 }
 
 // Sum and ratio where the rotors ran in jobs of their own: the first job is read twice, row by row.
-// The temperature correction comes from a text that is no number, so the first pair of rows with
+// The temperature correction comes from a text that is not a number, so the first pair of rows with
 // equal V2 ends in a type mismatch, and two sets that end together in a read past the end. Hosts
 // rely on the series staying empty with that message.
 void derivePerPoint(Connection& connection, const DerivationSource& source) {

@@ -49,9 +49,9 @@ struct ReportBody {
 
 // What a stored report says of its curve. Curves that a host has stored have nothing else.
 //
-// The description of the chosen equation; empty where the report names none or several.
+// The description of the chosen equation; empty if the report names none or several.
 [[nodiscard]] std::string equationOfReport(const std::string& report);
-// The band in per cent; nothing where the report does not say.
+// The band in per cent; nothing if the report does not say.
 [[nodiscard]] std::optional<double> bandOfReport(const std::string& report);
 
 }  // namespace pelmora::calibration::steps

@@ -45,7 +45,7 @@ struct MergeSettings {
   bool Inverted = false;    // compares on negated Roshko values
   bool RatioCurve = false;  // drops points at which Roshko rises with Strouhal
   std::string SeriesName;   // in texts
-  // Makes the tester of the cut. Errors: Error 429 where it is empty or delivers nothing.
+  // Makes the tester of the cut. Errors: Error 429 if it is empty or delivers nothing.
   std::function<std::unique_ptr<BandTester>()> createBandTester;
 };
 
@@ -54,7 +54,7 @@ struct MergeSettings {
 // Roshko.
 //
 // A, B:   sorted by Roshko.
-// Errors: Error 9 where one has no points, 6 for more than 32767 points, 429 without a tester.
+// Errors: Error 9 if one has no points, 6 for more than 32767 points, 429 without a tester.
 [[nodiscard]] MergedPoints mergeParts(MergedPoints A, MergedPoints B, const MergeSettings& settings,
                                       const Observer& observer = {});
 

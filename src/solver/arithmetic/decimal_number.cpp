@@ -12,7 +12,7 @@ namespace {
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-// Length of the number that the text begins with; 0 where there is none.
+// Length of the number that the text begins with; 0 if there is none.
 std::size_t numberLength(std::string_view text) {
   std::size_t at = 0, digits = 0;
   for (; at < text.size() && isDigit(text[at]); ++at) ++digits;
@@ -72,7 +72,7 @@ DecimalNumber readDecimalNumber(std::string_view text) {
   double nearest = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), nearest);
   if (error == std::errc::result_out_of_range) {
-    // Too large or too small: the sign of the exponent tells which, a plain long number is large.
+    // Too large or too small: the sign of the exponent decides, a plain long number is large.
     const auto mark = text.find_first_of("eE");
     const bool isTiny =
         mark != std::string_view::npos ? text[mark + 1] == '-' : text.front() == '.';

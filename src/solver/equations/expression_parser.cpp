@@ -51,7 +51,7 @@ class Parser {
   }
 
  private:
-  // The next character that is no blank; '\0' at the end.
+  // The next character that is not a blank; '\0' at the end.
   char next() {
     while (at_ < text_.size() && isBlank(text_[at_])) ++at_;
     return at_ < text_.size() ? text_[at_] : '\0';

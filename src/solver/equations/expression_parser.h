@@ -9,7 +9,7 @@
 
 namespace pelmora::solver {
 
-// Why a text is no equation: words that name the place, counted from 1.
+// Why a text is not an equation: words that name the place, counted from 1.
 struct ParseFailure {
   std::string message;
 };

@@ -24,7 +24,7 @@ class PowerFit {
   PowerFit(const Column& u, std::span<const double> y, DoubleDouble ySquares, int lowest,
            std::size_t columns);
 
-  // Term i of `fit` is u^(lowest + i). fit.factor.rank tells how many columns can be told apart.
+  // Term i of `fit` is u^(lowest + i). fit.factor.rank says how many columns can be told apart.
   NestedFit fit;
   double middle = 0, stretch = 1;
   int lowest = 0;

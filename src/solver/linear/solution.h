@@ -45,7 +45,7 @@ struct NoSolution {
 //
 // totalSquares: about the mean, with `baseParameters` = 1, for equations with a constant; about
 // zero, with `baseParameters` = 0, for others.
-// Errors: NoSolution where a parameter or its standard error is not finite.
+// Errors: NoSolution if a parameter or its standard error is not finite.
 void fillFromFit(Solution& solution, std::size_t n, DoubleDouble totalSquares, int baseParameters);
 // The solution of a fit whose term k is parameter k; without a curve. Arguments and errors as
 // above.

@@ -23,7 +23,7 @@ bool allFinite(const Column& column) {
   return true;
 }
 
-// Solves (1 - n' S n) w = z by Cholesky; empty where the matrix is not positive definite.
+// Solves (1 - n' S n) w = z by Cholesky; empty if the matrix is not positive definite.
 // S = sum of residual times second derivatives, p x p.
 std::optional<std::vector<DoubleDouble>> bentStep(const NestedFit& fit,
                                                   const std::vector<DoubleDouble>& s) {

@@ -19,7 +19,7 @@ class RegressionModel {
   [[nodiscard]] virtual std::vector<bool> isLinearIn() const = 0;
   // Work of one plain evaluation, in operations on numbers.
   [[nodiscard]] virtual double work() const { return static_cast<double>(points() * parameters()); }
-  // Length of the vector of observed y, which tells how far residuals can be trusted; 0: not told.
+  // Length of the vector of observed y, which shows how far residuals can be trusted; 0: not told.
   [[nodiscard]] virtual double responseLength() const { return 0; }
   // Observed y minus the model, and where wanted the model's slopes. Values need not be finite.
   virtual void evaluate(const std::vector<double>& parameters, std::vector<double>& residuals,

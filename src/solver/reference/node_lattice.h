@@ -25,7 +25,7 @@ struct LatticeRange {
   // The spacing is halved, around the best node, until so many nodes share the weight.
   double fewestNodes = 5;
   int mostHalvings = 8;
-  // Every node is visited up to so many knots; beyond, the best and its surroundings.
+  // Every node is visited up to this many knots; beyond, the best and its surroundings.
   std::size_t allUpToKnots = 400;
   bool operator==(const LatticeRange&) const = default;
 };

@@ -29,7 +29,7 @@ using PageNumber = std::uint32_t;  // from 1; 0: none
 // so damaged that no other program can use it either.
 class PageFile {
  public:
-  // Errors: Error 53 missing, 70 or 75 where it cannot be read, 321 where nothing in it looks like
+  // Errors: Error 53 missing, 70 or 75 if it cannot be read, 321 if nothing in it looks like
   // a
   //         page of a database, genericFailure where another user has locked it.
   explicit PageFile(const std::string& path);

@@ -42,7 +42,7 @@ class RowPrint {
   std::uint64_t print_ = 0;
 };
 
-// The row's id, which is the last field of a key; nothing where it is none.
+// The row's id, which is the last field of a key; nothing if it is none.
 const std::int64_t* idOf(const Record& key, const StoredIndex& index) {
   if (key.size() != index.columns.size() + 1) return nullptr;
   return std::get_if<std::int64_t>(&key.back());

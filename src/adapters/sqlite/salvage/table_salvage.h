@@ -67,7 +67,7 @@ class TableSalvage {
   void loadEntries();
   [[nodiscard]] bool hasShape(const Record& row) const;
   [[nodiscard]] Field fieldOf(std::int64_t rowid, const Record& row, std::size_t column) const;
-  // Whether an entry agrees; nothing where there is none.
+  // Whether an entry agrees; nothing if there is none.
   [[nodiscard]] std::optional<bool> agrees(std::int64_t rowid, const Record& row);
   bool take(std::int64_t rowid, const Record& row);
   bool insert(std::int64_t rowid, const Record& row);
