@@ -4,8 +4,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
-#include <string_view>
 
 namespace pelmora {
 namespace {
@@ -24,28 +22,6 @@ std::optional<Lead> leadOf(unsigned char byte) {
   if ((byte & 0xF0U) == 0xE0) return Lead{byte & 0x0FU, 2, 0x800};
   if ((byte & 0xF8U) == 0xF0) return Lead{byte & 0x07U, 3, 0x10000};
   return std::nullopt;
-}
-
-// Takes one character off the front of the text; false where there is none.
-bool takeCharacter(std::string_view& text) {
-  const auto lead = leadOf(static_cast<unsigned char>(text.front()));
-  if (!lead || text.size() <= lead->tail) return false;
-  char32_t codePoint = lead->payload;
-  for (const char c : text.substr(1, lead->tail)) {
-    const auto byte = static_cast<unsigned char>(c);
-    if ((byte & 0xC0U) != 0x80) return false;
-    codePoint = codePoint << 6U | (byte & 0x3FU);
-  }
-  text.remove_prefix(1 + lead->tail);
-  const bool isSurrogate = codePoint >= 0xD800 && codePoint < 0xE000;
-  return codePoint >= lead->lowest && codePoint <= 0x10FFFF && !isSurrogate;
-}
-
-bool isUtf8(std::string_view text) {
-  while (!text.empty()) {
-    if (!takeCharacter(text)) return false;
-  }
-  return true;
 }
 
 // Code points of the bytes 0x80 to 0x9F; the code page agrees with Unicode in all others.
@@ -75,6 +51,30 @@ void appendUtf8(std::string& text, unsigned codePoint) {
 }
 
 }  // namespace
+
+std::optional<char32_t> takeCharacter(std::string_view& text) noexcept {
+  const auto lead = leadOf(static_cast<unsigned char>(text.front()));
+  const std::string_view whole = text;
+  text.remove_prefix(1);
+  if (!lead || whole.size() <= lead->tail) return std::nullopt;
+  char32_t codePoint = lead->payload;
+  for (const char c : whole.substr(1, lead->tail)) {
+    const auto byte = static_cast<unsigned char>(c);
+    if ((byte & 0xC0U) != 0x80) return std::nullopt;
+    codePoint = codePoint << 6U | (byte & 0x3FU);
+  }
+  const bool isSurrogate = codePoint >= 0xD800 && codePoint < 0xE000;
+  if (codePoint < lead->lowest || codePoint > 0x10FFFF || isSurrogate) return std::nullopt;
+  text = whole.substr(1 + lead->tail);
+  return codePoint;
+}
+
+bool isUtf8(std::string_view text) noexcept {
+  while (!text.empty()) {
+    if (!takeCharacter(text)) return false;
+  }
+  return true;
+}
 
 std::string utf8FromAnsi(std::string text) {
   if (isUtf8(text)) return text;

@@ -2,9 +2,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace pelmora {
+
+// Takes the next character off the front of a text that is not empty. Nothing where the bytes there
+// are not UTF-8: then one byte is taken.
+[[nodiscard]] std::optional<char32_t> takeCharacter(std::string_view& text) noexcept;
+
+[[nodiscard]] bool isUtf8(std::string_view text) noexcept;
 
 // A text in the ANSI code page of Western systems as UTF-8. One that is well-formed UTF-8 already
 // stays as it is: nearly all of those make no sense in the code page.
