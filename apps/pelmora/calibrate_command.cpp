@@ -90,6 +90,7 @@ void requireAll(const ImportOutcome& import, const std::vector<SeriesFit>& fits)
 void calibrate(CalibrateOptions& options) {
   options.request.runs = standRuns(options.runs.jobs, options.runs.fluids, options.runs.operators);
   CurveSession session(options.curves, Access::write);
+  (void)session.equationFolder();  // or the import would stay without curves
   StoredChange change(session, "calibrate", options.isDryRun);
   const ImportOutcome import = importRuns(change, options.request);
   std::vector<SeriesFit> fits;

@@ -2,15 +2,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <string>
+#include "apps/pelmora/standard_output.h"
 
 namespace pelmora::cli {
 
-// Returns the exit code of exit_code.h.
-int run(int argc, const char* const* argv);
-
-// Writes a command's data to standard output. Errors: Trouble unexpected where it cannot be
-// written.
-void printData(const std::string& text);
+// Returns the exit code of exit_code.h, or 128 and the signal's number where one has ended it.
+int run(int argc, const char* const* argv) noexcept;
 
 }  // namespace pelmora::cli

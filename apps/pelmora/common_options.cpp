@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/common_options.h"
 
+#include "apps/pelmora/names.h"
 #include "apps/pelmora/strict_number.h"
 #include "apps/pelmora/text_table.h"
 #include "apps/pelmora/trouble.h"
@@ -28,8 +29,47 @@ void addSmallInteger(CLI::App& command, const std::string& name, std::int16_t& v
       ->type_name("N");
 }
 
+CLI::Option& addTexts(CLI::App& command, const std::string& name, std::vector<std::string>& values,
+                      const std::string& help) {
+  const auto store = [&values](const CLI::results_t& given) {
+    values = given;
+    return true;
+  };
+  return *command.add_option(name, store, help)
+              ->expected(1)
+              ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
+CLI::Option& addValues(CLI::App& command, const std::string& name, std::vector<std::string>& values,
+                       const std::string& help) {
+  return *addTexts(command, name, values, help).expected(1, mostSmall)->required();
+}
+
+CLI::Option& addPath(CLI::App& command, const std::string& name, std::string& path,
+                     const std::string& help) {
+  const std::string shown = name.substr(name.find(',') + 1);
+  return *command
+              .add_option_function<std::string>(
+                  name,
+                  [&path, shown](const std::string& text) {
+                    requirePath(shown, text);
+                    path = text;
+                  },
+                  help)
+              ->type_name("FILE");
+}
+
 void addDatabase(CLI::App& command, std::string& path) {
-  command.add_option("CURVES", path, "Curve database")->required()->type_name("FILE");
+  command
+      .add_option_function<std::string>(
+          "CURVES",
+          [&path](const std::string& text) {
+            requireDatabasePath("CURVES", text);
+            path = text;
+          },
+          "Curve database")
+      ->required()
+      ->type_name("FILE");
 }
 
 void addDatabase(CLI::App& command, DatabaseOption& curves) {
@@ -62,12 +102,9 @@ void addSeries(CLI::App& command, std::string& name, bool isRequired) {
 }
 
 void addSeriesList(CLI::App& command, std::vector<std::string>& names) {
-  command
-      .add_option("--series", names,
-                  "Name of a series; repeat for more (default: all of the meter)")
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
-      ->type_name("NAME");
+  addTexts(command, "--series", names,
+           "Name of a series; repeat for more (default: all of the meter)")
+      .type_name("NAME");
 }
 
 void addCalibration(CLI::App& command, std::int16_t& reCalID) {
@@ -94,30 +131,20 @@ void addConsent(CLI::App& command, Consent& consent) {
 
 void addImport(CLI::App& command, ImportRequest& request, RunOptions& runs) {
   addMeter(command, request.meter, true);
-  command
-      .add_option("--stand", request.stand,
-                  "Stand database, or CSV export with header JobRecordID,V1..V37")
-      ->required()
-      ->type_name("FILE");
-  command
-      .add_option("--job", runs.jobs,
-                  "Job of a run; repeat for each run (of two jobs A:B the import takes the first "
-                  "and says so)")
-      ->required()
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+  addPath(command, "--stand", request.stand,
+          "Stand database, or CSV export with header JobRecordID,V1..V37")
+      .required();
+  addTexts(command, "--job", runs.jobs,
+           "Job of a run; repeat for each run (of two jobs A:B the import takes the first and says "
+           "so)")
+      .required()
       ->type_name("A[:B]");
-  command.add_option("--fluid", runs.fluids, "Fluid of a run; one for each --job")
-      ->required()
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+  addTexts(command, "--fluid", runs.fluids, "Fluid of a run; one for each --job")
+      .required()
       ->type_name("NAME");
-  command
-      .add_option("--operator", runs.operators,
-                  "Operator of a run; one for each --job or one for all")
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
-      ->type_name("NAME");
+  addTexts(command, "--operator", runs.operators,
+           "Operator of a run; one for each --job or one for all")
+      .type_name("NAME");
   addSmallInteger(command, "--stand-number", request.standID, 0, "Number of the stand");
   addSmallInteger(command, "--position", request.positionID, 0,
                   "Position of the meter on the stand");
@@ -147,10 +174,9 @@ void addFitTests(CLI::App& command, FitOptions& options) {
           },
           "Band of the band test in per cent (default " + significantText(defaultBand, 6) + ")")
       ->type_name("PERCENT");
-  command
-      .add_option("--equations", options.equations,
-                  "Equation file, or folder with 'equations.txt' and 'ratio equations.txt'")
-      ->type_name("PATH");
+  addPath(command, "--equations", options.equations,
+          "Equation file, or folder with 'equations.txt' and 'ratio equations.txt'")
+      .type_name("PATH");
 }
 
 }  // namespace pelmora::cli

@@ -15,6 +15,15 @@
 
 namespace pelmora::cli {
 
+// An option that may be repeated, each time with one value: byte for byte, also "[a,b]".
+CLI::Option& addTexts(CLI::App& command, const std::string& name, std::vector<std::string>& values,
+                      const std::string& help);
+// A positional of one value or more; last of its command.
+CLI::Option& addValues(CLI::App& command, const std::string& name, std::vector<std::string>& values,
+                       const std::string& help);
+// A file or folder. A path that would not be shown as it is reads as another one: it is refused.
+CLI::Option& addPath(CLI::App& command, const std::string& name, std::string& path,
+                     const std::string& help);
 // A path to a database alone.
 void addDatabase(CLI::App& command, std::string& path);
 // With --wait, for commands that work on a database that is there.

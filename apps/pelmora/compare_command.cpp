@@ -155,10 +155,8 @@ void addCompareCommand(CLI::App& app) {
   addSmallInteger(
       command, "--from", options->earlierID, 0,
       "Number of the earlier calibration (default: the one before; with --with the latest)");
-  command
-      .add_option("--with", options->otherPath,
-                  "Another curve database that holds the earlier curve")
-      ->type_name("FILE");
+  addPath(command, "--with", options->otherPath,
+          "Another curve database that holds the earlier curve");
   command
       .add_option_function<std::string>(
           "--tolerance",

@@ -3,8 +3,10 @@
 
 #include "apps/pelmora/csv_lines.h"
 #include "apps/pelmora/input_file.h"
+#include "apps/pelmora/interruption.h"
 #include "apps/pelmora/strict_number.h"
 #include "apps/pelmora/trouble.h"
+#include "base/text_flaw.h"
 
 #include <algorithm>
 #include <cctype>
@@ -47,7 +49,10 @@ class PointFile {
       throw bad("file '" + path_ + "' holds no line", "give a CSV file with two columns");
     chooseColumns(*fields);
     if (hasHeader_) fields = next();
-    for (; fields; fields = next()) addPoint(*fields);
+    for (; fields; fields = next()) {
+      requireNotInterrupted();
+      addPoint(*fields);
+    }
     if (x_.empty()) throw noPoints();
     PointArray points(x_.size());
     std::copy(x_.begin(), x_.end(), points.column(0).begin());
@@ -66,7 +71,7 @@ class PointFile {
     if (wanted_.where.empty())
       return bad("file '" + path_ + "' holds no points", "add lines with x,y");
     return bad("file '" + path_ + "' has no line with " + wanted_.where.front().first + "=" +
-                   wanted_.where.front().second,
+                   shortened(wanted_.where.front().second),
                "check --where");
   }
 
@@ -115,14 +120,17 @@ class PointFile {
   }
 
   static std::string listed(const Fields& names) {
+    constexpr std::size_t mostNames = 12;
     std::string list;
-    for (const std::string& name : names) list += (list.empty() ? "" : ", ") + name;
-    return list;
+    for (std::size_t i = 0; i < std::min(names.size(), mostNames); ++i)
+      list += (i == 0 ? "" : ", ") + shortened(names[i]);
+    return list + (names.size() > mostNames ? " ..." : "");
   }
 
   std::size_t column(const std::string& name) const {
     if (const auto index = indexOf(names_, name)) return *index;
-    throw bad(place() + ": there is no column '" + name + "'", "choose among " + listed(names_));
+    throw bad(place() + ": there is no column '" + shortened(name) + "'",
+              "choose among " + listed(names_));
   }
 
   void addPoint(const Fields& fields) {
@@ -161,7 +169,7 @@ class PointFile {
   }
 
   [[nodiscard]] std::string columnText(std::size_t column) const {
-    return hasHeader_ ? names_[column] : std::to_string(column + 1);
+    return hasHeader_ ? shortened(names_[column]) : std::to_string(column + 1);
   }
 
   const std::string& path_;
@@ -185,7 +193,8 @@ std::pair<std::string, std::string> rowFilter(const std::string& text) {
   const std::size_t equals = text.find('=');
   if (equals != std::string::npos && equals > 0)
     return {text.substr(0, equals), text.substr(equals + 1)};
-  throw Trouble(ExitCode::usage, "--where: '" + text + "' is not allowed", "give COLUMN=VALUE");
+  throw Trouble(ExitCode::usage, "--where: '" + shortened(text) + "' is not allowed",
+                "give COLUMN=VALUE");
 }
 
 }  // namespace pelmora::cli

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/curve_session.h"
 
+#include "apps/pelmora/interruption.h"
 #include "apps/pelmora/range_question.h"
 #include "apps/pelmora/suggestion.h"
 #include "apps/pelmora/unreadable_series.h"
@@ -25,6 +26,7 @@ ConnectionPtr openCurves(const DatabaseOption& curves, Access access, Progress& 
   try {
     requireCurveTables(connection);
   } catch (const Error& error) {
+    requireMemory(error);
     throw Trouble(ExitCode::database,
                   "'" + path + "' cannot be used as a curve database: " + error.what(),
                   "name a curve database, or make one with 'pelmora init FILE'");
@@ -33,6 +35,7 @@ ConnectionPtr openCurves(const DatabaseOption& curves, Access access, Progress& 
   try {
     requireWritable(connection);
   } catch (const Error& error) {
+    requireMemory(error);
     throw Trouble(
         ExitCode::database, "'" + path + "' cannot be written now: " + error.what(),
         "nothing was changed; try again when other programs have finished with it, or give them "
@@ -51,7 +54,10 @@ CurveSession::CurveSession(const DatabaseOption& curves, Access access)
   platform().createConnection = [shared = shared_](const std::string&) { return shared; };
   progress_.endWait();
   data_.dbDirSetByString(curves.path);
-  data_.StatusUpdate = [this](const std::string& text) { progress_.show(text); };
+  data_.StatusUpdate = [this](const std::string& text) {
+    requireNotInterrupted();
+    progress_.show(text);
+  };
 }
 
 EquationFolder& CurveSession::equationFolder() {
@@ -67,7 +73,7 @@ void CurveSession::askAtTerminal() {
   };
 }
 
-CurveSession::~CurveSession() { platform().createConnection = createBefore_; }
+CurveSession::~CurveSession() { platform().createConnection.swap(createBefore_); }
 
 MeterInfo CurveSession::findMeter(const std::string& serialNumber, std::int16_t reCalID) {
   requireName("--meter", serialNumber);
@@ -200,20 +206,6 @@ std::vector<CalSetupInfo> CurveSession::setups(const MeterInfo& meter) {
                       std::to_string(meter.ReCalID) + ", cannot be read: " + error.what(),
                   lookForCause);
   }
-}
-
-void requireName(const std::string& what, const std::string& name) {
-  const auto refuse = [&](const std::string& why, const std::string& remedy) {
-    throw Trouble(ExitCode::usage, what + ": " + why, remedy);
-  };
-  if (name.find_first_not_of(' ') == std::string::npos) refuse("the name is empty", "give a name");
-  if (name.find('\'') != std::string::npos) {
-    refuse("'" + name + "' holds an apostrophe, which the database's statements cannot carry",
-           "leave it out");
-  }
-  const bool hasControl =
-      std::any_of(name.begin(), name.end(), [](unsigned char c) { return c < 32 || c == 127; });
-  if (hasControl) refuse("the name holds control characters", "leave them out");
 }
 
 std::string counted(std::size_t count, const std::string& thing) {

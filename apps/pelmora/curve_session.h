@@ -6,6 +6,7 @@
 #include "apps/pelmora/equation_folder.h"
 #include "apps/pelmora/lock_holder.h"
 #include "apps/pelmora/message_recorder.h"
+#include "apps/pelmora/names.h"
 #include "apps/pelmora/progress.h"
 #include "apps/pelmora/trouble.h"
 
@@ -87,11 +88,6 @@ class CurveSession {
   RawData data_;
   std::optional<EquationFolder> equationFolder_;  // from the first fit on
 };
-
-// A name that goes into statements: not empty, no apostrophe, no control characters, valid text.
-//
-// Errors: Trouble usage that names `what`.
-void requireName(const std::string& what, const std::string& name);
 
 // "1 point", "2 points".
 [[nodiscard]] std::string counted(std::size_t count, const std::string& thing);

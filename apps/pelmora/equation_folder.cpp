@@ -53,7 +53,7 @@ EquationFolder::Use::Use(const std::string& folder) : before_(platform().compone
   platform().componentFolder = folder;
 }
 
-EquationFolder::Use::~Use() { platform().componentFolder = before_; }
+EquationFolder::Use::~Use() { platform().componentFolder.swap(before_); }
 
 EquationFolder::Use EquationFolder::use(const std::optional<std::string>& text, bool ratio) {
   const auto wanted = text ? std::optional(File{fileName(ratio), *text}) : std::nullopt;

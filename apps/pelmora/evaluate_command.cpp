@@ -123,9 +123,8 @@ void addEvaluateCommand(CLI::App& app) {
       "evaluate", "Read a stored curve at given Roshko numbers, with its uncertainty");
   const auto options = std::make_shared<EvaluateOptions>();
   addDatabase(command, options->curves);
-  command.add_option("X", options->numbers, "Roshko numbers; with --inverse Strouhal numbers")
-      ->required()
-      ->type_name("NUMBER");
+  addValues(command, "X", options->numbers, "Roshko numbers; with --inverse Strouhal numbers")
+      .type_name("NUMBER");
   addMeter(command, options->meter, true);
   addSeries(command, options->series, true);
   addCalibration(command, options->reCalID);

@@ -7,7 +7,7 @@ namespace pelmora::cli {
 // Scripts rely on the numbers: never renumber. The README and --help tell the same.
 enum class ExitCode {
   ok = 0,
-  unexpected = 1,      // an error that none of the others tells
+  unexpected = 1,      // an error that none of the others tells; no memory or standard output
   usage = 2,           // the command line itself is wrong
   database = 3,        // a database is missing, foreign, locked or cannot be written
   unknownName = 4,     // no such meter, calibration, series, job or history entry
@@ -19,9 +19,11 @@ enum class ExitCode {
 };
 
 inline constexpr const char* exitCodeHelp =
-    "Exit codes: 0 done; 1 unexpected error; 2 wrong command line; 3 database\n"
-    "missing, foreign, locked or not writable; 4 unknown meter, calibration, series,\n"
-    "job or history entry; 5 bad data in a file or a database; 6 no equation\n"
-    "passed; 7 range outside the raw points; 8 not confirmed; 9 curve out of tolerance.";
+    "Exit codes: 0 done; 1 unexpected error, no memory left, or standard output\n"
+    "closed or full; 2 wrong command line; 3 database missing, foreign, locked or\n"
+    "not writable; 4 unknown meter, calibration, series, job or history entry; 5 bad\n"
+    "data in a file or a database; 6 no equation passed; 7 range outside the raw\n"
+    "points; 8 not confirmed; 9 curve out of tolerance; 129 ended by SIGHUP;\n"
+    "130 ended by SIGINT; 143 ended by SIGTERM.";
 
 }  // namespace pelmora::cli

@@ -101,8 +101,7 @@ void addExportCommand(CLI::App& app) {
   command.add_option("--points", options->what, "Which points (default: all)")
       ->check(CLI::IsMember({"all", "raw", "merged", "curve"}))
       ->option_text("all|raw|merged|curve");
-  command.add_option("-o,--output", options->output, "File to write (default: standard output)")
-      ->type_name("FILE");
+  addPath(command, "-o,--output", options->output, "File to write (default: standard output)");
   addJson(command, options->asJson);
   command.callback([options] { exportPoints(*options); });
 }

@@ -4,9 +4,10 @@
 #include "apps/pelmora/common_options.h"
 #include "apps/pelmora/fit_output.h"
 #include "apps/pelmora/history_output.h"
+#include "apps/pelmora/last_words.h"
 #include "apps/pelmora/question.h"
-#include "apps/pelmora/strict_number.h"
 #include "apps/pelmora/stored_change.h"
+#include "apps/pelmora/strict_number.h"
 #include "apps/pelmora/text_table.h"
 #include "apps/pelmora/time_text.h"
 #include "apps/pelmora/trouble.h"
@@ -74,6 +75,7 @@ void prune(const HistoryOptions& options) {
                    options.consent);
     asDatabaseTrouble("removing entries of '" + session.path() + "'",
                       [&] { history::removeEntries(session.connection(), old); });
+    noteStored();
   }
   if (options.asJson) {
     return printData(jsonText({{"database", session.path()},

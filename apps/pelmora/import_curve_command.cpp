@@ -124,11 +124,9 @@ void addImportCurveCommand(CLI::App& app) {
       "behind its name, or .sav.1, .sav.2 ... where there is such a file.");
   const auto options = std::make_shared<ImportCurveOptions>();
   addDatabase(command, options->curves);
-  command
-      .add_option("RESULTS", options->file,
-                  "Result file: three header lines, then Roshko and Strouhal in each line")
-      ->required()
-      ->type_name("FILE");
+  addPath(command, "RESULTS", options->file,
+          "Result file: three header lines, then Roshko and Strouhal in each line")
+      .required();
   addMeter(command, options->meter, true);
   addSeries(command, options->series, true);
   addCalibration(command, options->reCalID);

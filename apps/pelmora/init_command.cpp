@@ -3,6 +3,7 @@
 #include "apps/pelmora/commands.h"
 #include "apps/pelmora/common_options.h"
 #include "apps/pelmora/fit_output.h"
+#include "apps/pelmora/last_words.h"
 #include "apps/pelmora/trouble.h"
 #include "history/kept_tables.h"
 
@@ -27,6 +28,7 @@ void init(const InitOptions& options) {
     Transaction transaction(curves);
     history::createHistoryTables(curves);
     transaction.commit();
+    noteStored();
   } catch (const Error& error) {
     throw Trouble(ExitCode::database, error.what(), "");
   }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/lock_holder.h"
 
+#include "apps/pelmora/interruption.h"
 #include "apps/pelmora/progress.h"
 #include "apps/pelmora/trouble.h"
 
@@ -68,6 +69,7 @@ Patience patienceWith(const std::string& database, std::chrono::milliseconds wai
                       Progress& progress) {
   using namespace std::chrono_literals;
   return {.limit = wait, .goesOn = [database, &progress, shown = -1LL](auto waited) mutable {
+            if (isInterrupted()) return false;
             const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(waited).count();
             // Short waits are nobody's concern.
             if (waited < 500ms || seconds == shown) return true;

@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/message_recorder.h"
 
+#include "apps/pelmora/interruption.h"
 #include "apps/pelmora/trouble.h"
 
 #include <pelmora/platform.h>
+
+#include <new>
+#include <string_view>
 
 namespace pelmora::cli {
 namespace {
@@ -29,6 +33,11 @@ std::string errorText(const std::string& text) {
   return oneLine(text.substr(end)) + " (" + where + ")";
 }
 
+bool isAboutMemory(std::string_view text) {
+  const std::size_t end = text.find("\r\n");
+  return end != std::string_view::npos && text.substr(end + 2).starts_with("Out of memory");
+}
+
 }  // namespace
 
 MessageRecorder::MessageRecorder() : before_(platform().messageBox) {
@@ -37,7 +46,22 @@ MessageRecorder::MessageRecorder() : before_(platform().messageBox) {
   };
 }
 
-MessageRecorder::~MessageRecorder() { platform().messageBox = before_; }
+MessageRecorder::~MessageRecorder() { platform().messageBox.swap(before_); }
+
+const std::vector<std::string>& MessageRecorder::errors() const {
+  requireTrustworthy();
+  return errors_;
+}
+
+const std::optional<RangeAnswer>& MessageRecorder::rangeAnswered() const {
+  requireTrustworthy();
+  return rangeAnswered_;
+}
+
+void MessageRecorder::requireTrustworthy() const {
+  requireNotInterrupted();
+  if (isOutOfMemory_) throw std::bad_alloc();
+}
 
 int MessageRecorder::answer(const std::string& text, int style) {
   if ((style & buttonSetMask) == abortRetryIgnore) {
@@ -46,7 +70,12 @@ int MessageRecorder::answer(const std::string& text, int style) {
     rangeAnswered_ = answerToRange(text);
     return static_cast<int>(*rangeAnswered_);
   }
-  errors_.push_back(errorText(text));
+  isOutOfMemory_ |= isAboutMemory(text);
+  try {
+    errors_.push_back(errorText(text));
+  } catch (...) {
+    isOutOfMemory_ = true;
+  }
   return okPressed;
 }
 
@@ -63,7 +92,7 @@ void MessageRecorder::forget() {
 
 void MessageRecorder::throwIfAny(ExitCode code, const std::string& doing,
                                  const std::string& remedy) const {
-  if (!errors_.empty()) throw Trouble(code, doing + ": " + errors_.front(), remedy);
+  if (!errors().empty()) throw Trouble(code, doing + ": " + errors_.front(), remedy);
 }
 
 }  // namespace pelmora::cli

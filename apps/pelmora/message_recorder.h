@@ -28,22 +28,28 @@ class MessageRecorder {
   std::function<RangeAnswer(const std::string& text)> askOperator;
 
   // Error boxes since the last forget(), in order, each as one text without its "Error in".
-  [[nodiscard]] const std::vector<std::string>& errors() const { return errors_; }
+  //
+  // Errors: Interrupted where a signal has come, std::bad_alloc where memory has ended: an
+  // operation shows both as errors of its own.
+  [[nodiscard]] const std::vector<std::string>& errors() const;
   // The raw range as the range question told it, "from 1.5 to 700"; nothing where it was not asked.
   [[nodiscard]] const std::optional<std::string>& rawRange() const { return rawRange_; }
   // How that question was answered; nothing where it was not asked.
-  [[nodiscard]] const std::optional<RangeAnswer>& rangeAnswered() const { return rangeAnswered_; }
+  // Errors: those of errors().
+  [[nodiscard]] const std::optional<RangeAnswer>& rangeAnswered() const;
   void forget();
 
-  // Errors: Trouble with the first error box since the last forget().
+  // Errors: Trouble with the first error box since the last forget(); those of errors().
   void throwIfAny(ExitCode code, const std::string& doing, const std::string& remedy) const;
 
  private:
+  void requireTrustworthy() const;
   int answer(const std::string& text, int style);
   [[nodiscard]] RangeAnswer answerToRange(const std::string& text) const;
 
   std::function<int(const std::string&, int, const std::string&)> before_;
   std::vector<std::string> errors_;
+  bool isOutOfMemory_ = false;  // for good: what followed cannot be trusted
   std::optional<std::string> rawRange_;
   std::optional<RangeAnswer> rangeAnswered_;
 };

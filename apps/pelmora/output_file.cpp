@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/output_file.h"
 
+#include "apps/pelmora/interruption.h"
+#include "apps/pelmora/last_words.h"
 #include "apps/pelmora/trouble.h"
 
 #include <fcntl.h>
@@ -83,7 +85,7 @@ void requireOutputFile(const std::string& path, const std::string& database) {
   const fs::file_status status = fs::status(path, code);
   if (fs::is_directory(status)) refuse("is a folder", "name a file in it");
   if (fs::exists(status) && !fs::is_regular_file(status))
-    refuse("is no ordinary file", "name a file, or - for standard output");
+    refuse("is not a regular file", "name a file, or - for standard output");
   if (fs::exists(status) && fs::equivalent(path, database, code))
     refuse("is the curve database", "name another file");
   const fs::path folder = fs::path(path).parent_path();
@@ -92,11 +94,13 @@ void requireOutputFile(const std::string& path, const std::string& database) {
 }
 
 void writeOutputFile(const std::string& path, const std::string& content) {
+  requireNotInterrupted();
   const fs::path target = targetOf(path);
   UnfinishedFile file(target);
   const bool isDone =
       file.isOpen() && file.write(content) && file.takeRights(target) && file.takePlaceOf(target);
   if (!isDone) throw cannotWrite(path, errno);
+  noteFileWritten();
 }
 
 }  // namespace pelmora::cli

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/question.h"
 
+#include "apps/pelmora/terminal_answer.h"
 #include "apps/pelmora/trouble.h"
 
 #include <unistd.h>
 
 #include <cstdio>
-#include <iostream>
 
 namespace pelmora::cli {
 
@@ -18,8 +18,7 @@ void requireConsent(const std::string& question, const Consent& consent) {
   }
   std::fprintf(stderr, "%s [y/N] ", question.c_str());
   std::fflush(stderr);
-  std::string answer;
-  std::getline(std::cin, answer);
+  const std::string answer = terminalAnswer().value_or("");
   if (answer == "y" || answer == "Y" || answer == "yes") return;
   throw Trouble(ExitCode::declined, "not confirmed", "nothing was changed");
 }

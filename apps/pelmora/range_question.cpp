@@ -41,18 +41,6 @@ void write(const std::string& text) {
 
 }  // namespace
 
-std::optional<std::string> typedLine() {
-  std::string line;
-  int c = 0;
-  while ((c = std::fgetc(stdin)) != EOF && c != '\n') line += static_cast<char>(c);
-  if (c == EOF) {
-    // At a terminal the end of input is a key; what is typed later is input again.
-    std::clearerr(stdin);
-    if (line.empty()) return std::nullopt;
-  }
-  return line;
-}
-
 RangeAnswer askAboutRange(const std::string& text, const LineReader& readLine) {
   std::string shown = text;
   std::erase(shown, '\r');

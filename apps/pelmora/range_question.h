@@ -3,6 +3,7 @@
 #pragma once
 
 #include "apps/pelmora/message_recorder.h"
+#include "apps/pelmora/terminal_answer.h"
 
 #include <functional>
 #include <optional>
@@ -13,12 +14,9 @@ namespace pelmora::cli {
 // Reads one line without its end; nothing at the end of input.
 using LineReader = std::function<std::optional<std::string>()>;
 
-// The next line of standard input.
-[[nodiscard]] std::optional<std::string> typedLine();
-
 // Writes `text` and the choice to standard error and reads lines until one names an answer by its
 // letter or its word, in any case. An empty line and the end of input mean Abort.
 [[nodiscard]] RangeAnswer askAboutRange(const std::string& text,
-                                        const LineReader& readLine = typedLine);
+                                        const LineReader& readLine = terminalAnswer);
 
 }  // namespace pelmora::cli

@@ -62,7 +62,8 @@ std::string summary(const RawOptions& options, const MeterInfo& meter, const Poi
 }
 
 void raw(const RawOptions& options) {
-  requireName("--series", options.series);
+  requireNewName("--meter", options.meter);
+  requireNewName("--series", options.series);
   const PointArray points = readCsvPoints(options.file, options.columns);
   CurveSession session(options.curves, Access::write);
   StoredChange change(session, "raw", options.isDryRun);
@@ -98,9 +99,7 @@ void addRawCommand(CLI::App& app) {
       "known unless --register is given; the series is made where there is none.");
   const auto options = std::make_shared<RawOptions>();
   addDatabase(command, options->curves);
-  command.add_option("POINTS", options->file, "CSV file: x,y, a header line allowed")
-      ->required()
-      ->type_name("FILE");
+  addPath(command, "POINTS", options->file, "CSV file: x,y, a header line allowed").required();
   addMeter(command, options->meter, true);
   addSeries(command, options->series, true);
   command
@@ -117,12 +116,9 @@ void addRawCommand(CLI::App& app) {
       ->type_name("COLUMN");
   command.add_option("--y", options->columns.y, "Column of y (default Strouhal)")
       ->type_name("COLUMN");
-  command
-      .add_option("--where", options->filters,
-                  "Take only rows whose column has this value; may be repeated")
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
-      ->type_name("COLUMN=VALUE");
+  addTexts(command, "--where", options->filters,
+           "Take only rows whose column has this value; may be repeated")
+      .type_name("COLUMN=VALUE");
   addCalibration(command, options->reCalID);
   command.add_flag("--register", options->registerMeter, "Register the meter where it is unknown");
   addDryRun(command, options->isDryRun);

@@ -2,6 +2,7 @@
 #include "apps/pelmora/command_line.h"
 #include "apps/pelmora/commands.h"
 #include "apps/pelmora/common_options.h"
+#include "apps/pelmora/interruption.h"
 #include "apps/pelmora/refit/refit_all.h"
 #include "apps/pelmora/refit/refit_output.h"
 #include "apps/pelmora/strict_number.h"
@@ -72,7 +73,9 @@ void requireFitted(const std::vector<RefitResult>& results) {
 void refit(RefitOptions& options) {
   requireSelection(options);
   CurveSession session(options.curves, options.isDryRun ? Access::read : Access::write);
-  session.data().StatusUpdate = nullptr;  // the count of series is the progress
+  // The count of series is the progress.
+  session.data().StatusUpdate = [](const std::string&) { requireNotInterrupted(); };
+  (void)session.equationFolder();  // every fit needs one
   options.request.tasks = refitTasks(session, options.meter, options.reCalID, options.series);
   options.request.threads =
       std::min(options.request.threads, std::max<std::size_t>(1, options.request.tasks.size()));

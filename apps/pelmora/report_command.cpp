@@ -98,11 +98,9 @@ void addReportCommand(CLI::App& app) {
   addMeter(command, options->meter, true);
   addSeriesList(command, options->series);
   addCalibration(command, options->reCalID);
-  command
-      .add_option("-o,--output", options->output,
-                  "File to write; - is standard output. Its extension tells the format")
-      ->required()
-      ->type_name("FILE");
+  addPath(command, "-o,--output", options->output,
+          "File to write; - is standard output. Its extension tells the format")
+      .required();
   for (const Format& format : formats) {
     command.add_flag_callback(
         format.option, [options, &format] { options->chosen.push_back(&format); }, format.help);

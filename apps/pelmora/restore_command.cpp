@@ -71,11 +71,9 @@ void addRestoreCommand(CLI::App& app) {
                                           "restore can be undone by another one.");
   const auto options = std::make_shared<RestoreOptions>();
   addDatabase(command, options->curves);
-  command
-      .add_option("ENTRY", options->entries,
-                  "Numbers of entries as 'pelmora history' shows them; first to last")
-      ->required()
-      ->type_name("N");
+  addValues(command, "ENTRY", options->entries,
+            "Numbers of entries as 'pelmora history' shows them; first to last")
+      .type_name("N");
   addDryRun(command, options->isDryRun);
   addJson(command, options->asJson);
   command.callback([options] { restore(*options); });

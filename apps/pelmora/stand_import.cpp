@@ -2,6 +2,7 @@
 #include "apps/pelmora/stand_import.h"
 
 #include "apps/pelmora/csv_points.h"
+#include "apps/pelmora/interruption.h"
 #include "apps/pelmora/unreadable_series.h"
 #include "history/shared_connection.h"
 
@@ -39,12 +40,11 @@ void requireRoom(const std::vector<CalSetupInfo>& before, const ImportRequest& r
                 "import into a new calibration with --new-calibration; nothing was changed");
 }
 
-void requirePlainPath(const std::string& path) {
-  if (path.find('\'') == std::string::npos) return;
-  throw Trouble(
-      ExitCode::database,
-      "the path '" + path + "' holds an apostrophe, which the import's statements cannot carry",
-      "go to its folder and name the file alone, or rename it");
+// The import's statements name the file of the curves between apostrophes and are met by a
+// connection that knows the name alone: any other does for a path that they cannot carry.
+std::string statementPath(std::string path) {
+  std::ranges::replace(path, '\'', '_');
+  return path;
 }
 
 // Ends the component's waiting for a lock, and what follows an error.
@@ -53,7 +53,7 @@ class Watch {
   explicit Watch(CurveSession& session) : session_(session), before_(session.data().StatusUpdate) {
     session_.data().StatusUpdate = [this](const std::string& text) { onStatus(text); };
   }
-  ~Watch() { session_.data().StatusUpdate = before_; }
+  ~Watch() { session_.data().StatusUpdate.swap(before_); }
   Watch(const Watch&) = delete;
   Watch& operator=(const Watch&) = delete;
 
@@ -61,6 +61,7 @@ class Watch {
   using Clock = std::chrono::steady_clock;
 
   void onStatus(const std::string& text) {
+    requireNotInterrupted();
     session_.progress().show(text);
     if (!text.starts_with(waitingText)) {
       waitingSince_.reset();
@@ -154,7 +155,7 @@ std::optional<Trouble> ImportOutcome::anyTrouble() const {
 
 ImportOutcome importRuns(StoredChange& change, const ImportRequest& request) {
   CurveSession& session = change.session();
-  requirePlainPath(session.path());
+  requireNewName("--meter", request.meter);
   change.begin();
   const MeterInfo before = targetMeter(session, request);
   const ConnectionPtr stand = openStand(request.stand, session.patienceFor(request.stand));
@@ -183,11 +184,12 @@ ImportOutcome importRuns(StoredChange& change, const ImportRequest& request) {
   {
     const Watch watch(session);
     const std::int16_t reCalID = needsCalibration ? std::int16_t{-1} : request.reCalID;
+    const std::string curves = statementPath(session.path());
+    data.dbDirSetByString(curves);
     outcome.meter = data.importCaldb(
-        request.meter, history::standConnection(stand, session.connection(), session.path()),
-        lists.jobsA, lists.jobsB, lists.fluids, lists.operators, true, check.hasRotorB,
-        check.hasRotorB, check.hasRotorB, request.standID, request.positionID,
-        session.sharedConnection(), reCalID);
+        request.meter, history::standConnection(stand, session.connection(), curves), lists.jobsA,
+        lists.jobsB, lists.fluids, lists.operators, true, check.hasRotorB, check.hasRotorB,
+        check.hasRotorB, request.standID, request.positionID, session.sharedConnection(), reCalID);
   }
   outcome.trouble = importTrouble(messages.errors(), request);
   messages.forget();

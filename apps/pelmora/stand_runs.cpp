@@ -5,6 +5,7 @@
 #include "apps/pelmora/curve_session.h"
 #include "apps/pelmora/strict_number.h"
 #include "apps/pelmora/trouble.h"
+#include "base/text_flaw.h"
 
 #include <pelmora/stand.h>
 
@@ -40,7 +41,7 @@ std::string folded(std::string text) {
 std::string wholeJob(const std::string& text) {
   const auto number = strictInteger(text);
   if (number && *number >= 0) return std::to_string(*number);
-  throw Trouble(ExitCode::usage, "--job: '" + text + "' is no job",
+  throw Trouble(ExitCode::usage, "--job: '" + shortened(text) + "' is not a job",
                 "give the stand's job number, or two as A:B");
 }
 
@@ -94,7 +95,7 @@ class JobCheck {
     const auto* text = std::get_if<std::string>(&value(row, reading));
     std::string why;
     if (isMissing(row, reading)) why = "is empty";
-    if (text != nullptr) why = "is the text '" + *text + "'";
+    if (text != nullptr) why = "is the text '" + shortened(*text) + "'";
     if (!reading.mayBeZero && isZero(row, reading)) why = "is 0";
     if (why.empty()) return;
     throw Trouble(ExitCode::badInput,
@@ -138,9 +139,9 @@ std::vector<StandRun> standRuns(const std::vector<std::string>& jobs,
   for (std::size_t i = 0; i < jobs.size(); ++i) {
     StandRun run = runOfJob(jobs[i]);
     run.fluid = fluids[i];
-    requireName("--fluid", run.fluid);
+    requireNewName("--fluid", run.fluid);
     if (!operators.empty()) run.operatorName = operators.size() == 1 ? operators[0] : operators[i];
-    if (!run.operatorName.empty()) requireName("--operator", run.operatorName);
+    if (!run.operatorName.empty()) requireNewName("--operator", run.operatorName);
     for (const StandRun& earlier : runs) {
       if (folded(earlier.fluid) != folded(run.fluid)) continue;
       throw Trouble(
@@ -159,6 +160,8 @@ ConnectionPtr openStand(const std::string& path, const Patience& patience) {
     (void)standJobs(stand);
     return stand;
   } catch (const Error& error) {
+    requireMemory(error);
+    requireDatabasePath("--stand", path);
     std::error_code ignored;
     const bool isCsv = folded(std::filesystem::path(path).extension().string()) == ".csv" &&
                        std::filesystem::is_regular_file(path, ignored);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/stored_change.h"
 
+#include "apps/pelmora/interruption.h"
+#include "apps/pelmora/last_words.h"
 #include "apps/pelmora/text_table.h"
 #include "apps/pelmora/time_text.h"
 #include "apps/pelmora/trouble.h"
@@ -49,11 +51,16 @@ void StoredChange::noteEntry(std::int64_t entryID) {
 }
 
 void StoredChange::finish() {
+  requireNotInterrupted();
   if (!kept_) return;
   try {
-    if (!isDryRun_) kept_->commit();
+    if (!isDryRun_) {
+      kept_->commit();
+      noteStored();
+    }
   } catch (const Error& error) {
     kept_.reset();
+    requireMemory(error);
     throw Trouble(ExitCode::database, "storing in '" + session_.path() + "': " + error.what(),
                   "nothing was changed");
   }

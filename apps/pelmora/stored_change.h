@@ -70,6 +70,7 @@ auto asDatabaseTrouble(const std::string& doing, Body&& body) {
   try {
     return body();
   } catch (const Error& error) {
+    requireMemory(error);
     throw Trouble(ExitCode::database, doing + ": " + error.what(), "nothing was changed");
   }
 }

@@ -2,6 +2,7 @@
 #include "apps/pelmora/strict_number.h"
 
 #include "apps/pelmora/trouble.h"
+#include "base/text_flaw.h"
 
 #include <charconv>
 #include <cmath>
@@ -40,15 +41,16 @@ std::optional<std::int64_t> strictInteger(std::string_view text) {
 
 std::string notANumber(std::string_view text) {
   if (trimmed(text).empty()) return "the field is empty";
-  std::string quoted = "'" + std::string(text) + "' is not a number";
+  const std::string quoted = "'" + shortened(text) + "'";
+  if (text.size() > shortened(text).size()) return quoted + " is not a number";
   std::string withPoint(text);
   const std::size_t comma = withPoint.find(',');
   if (comma != std::string::npos) withPoint[comma] = '.';
   if (comma != std::string::npos && strictNumber(withPoint)) {
-    return quoted + " (decimals take a point: " + withPoint + ")";
+    return quoted + " is not a number (decimals take a point: " + withPoint + ")";
   }
-  if (whole<double>(text)) return "'" + std::string(text) + "' is not a finite number";
-  return quoted;
+  if (whole<double>(text)) return quoted + " is not a finite number";
+  return quoted + " is not a number";
 }
 
 double numberOption(const std::string& option, const std::string& text) {
@@ -61,7 +63,7 @@ std::int64_t integerOption(const std::string& option, const std::string& text, s
   const auto value = strictInteger(text);
   if (value && *value >= lowest && *value <= highest) return *value;
   throw Trouble(
-      ExitCode::usage, option + ": '" + text + "' is not allowed",
+      ExitCode::usage, option + ": '" + shortened(text) + "' is not allowed",
       "give a whole number from " + std::to_string(lowest) + " to " + std::to_string(highest));
 }
 

@@ -6,9 +6,11 @@
 
 namespace pelmora::cli {
 
+// A lock on the folder says that its process lives: the system drops it when the process ends,
+// however that happens.
 class TemporaryFolder {
  public:
-  // Errors: Trouble unexpected where none can be made.
+  // Errors: Trouble unexpected with the place and the reason where none can be made.
   TemporaryFolder();
   ~TemporaryFolder();
   TemporaryFolder(const TemporaryFolder&) = delete;
@@ -22,6 +24,11 @@ class TemporaryFolder {
 
  private:
   std::string path_;
+  int lock_ = -1;
 };
+
+// Removes what killed runs of this user have left among the temporary files. Folders of living
+// processes, of other users and behind symbolic links stay.
+void removeAbandonedFolders() noexcept;
 
 }  // namespace pelmora::cli

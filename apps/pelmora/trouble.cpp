@@ -1,16 +1,24 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/trouble.h"
 
+#include "base/text_flaw.h"
+#include "base/utf8_text.h"
+
+#include <new>
+
 namespace pelmora::cli {
 
 std::string oneLine(std::string_view text) {
   std::string line;
-  for (const char c : text) {
-    const bool isBreak = c == '\r' || c == '\n' || c == '\t';
-    if (isBreak) {
+  for (std::string_view rest = text; !rest.empty();) {
+    const std::string_view before = rest;
+    const auto character = takeUtf8Character(rest);
+    if (character == U'\r' || character == U'\n' || character == U'\t') {
       if (!line.empty() && line.back() != ' ') line += ' ';
+    } else if (!character || flawOf(*character) != TextFlaw::none) {
+      line += '?';
     } else {
-      line += (static_cast<unsigned char>(c) < 32 || c == 127) ? '?' : c;
+      line += before.substr(0, before.size() - rest.size());
     }
   }
   while (!line.empty() && line.back() == ' ') line.pop_back();
@@ -24,7 +32,13 @@ std::string errorLine(const Trouble& trouble) {
   return line + "; " + oneLine(trouble.remedy());
 }
 
+void requireMemory(const Error& error) {
+  constexpr std::int32_t outOfMemory = 7;
+  if (error.number() == outOfMemory) throw std::bad_alloc();
+}
+
 Trouble databaseTrouble(const std::string& doing, const Error& error) {
+  requireMemory(error);
   return {ExitCode::database, doing + ": " + error.what(), ""};
 }
 

@@ -26,8 +26,8 @@ class Trouble : public std::runtime_error {
   std::string remedy_;
 };
 
-// A text for one line of a terminal: line breaks and tabs become blanks, other control characters
-// '?'.
+// A text for one line of a terminal: line breaks and tabs become blanks, bytes that are no UTF-8
+// and characters that could mislead a reader (flawOf) '?'.
 [[nodiscard]] std::string oneLine(std::string_view text);
 
 // "pelmora: error: what; remedy", without a line end.
@@ -36,7 +36,10 @@ class Trouble : public std::runtime_error {
 // The remedy where stored data cannot be read.
 inline constexpr const char* lookForCause = "look for the cause with 'pelmora doctor'";
 
-// An error of a database that was opened or asked.
+// Errors: std::bad_alloc where that is what `error` tells, whatever met it.
+void requireMemory(const Error& error);
+
+// An error of a database that was opened or asked. Errors: std::bad_alloc.
 [[nodiscard]] Trouble databaseTrouble(const std::string& doing, const Error& error);
 
 }  // namespace pelmora::cli

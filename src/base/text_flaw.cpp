@@ -17,7 +17,7 @@ TextFlaw flawOf(char32_t character) noexcept {
 
 TextFlaw flawOf(std::string_view text) noexcept {
   while (!text.empty()) {
-    const auto character = takeCharacter(text);
+    const auto character = takeUtf8Character(text);
     if (!character) return TextFlaw::malformed;
     if (const TextFlaw flaw = flawOf(*character); flaw != TextFlaw::none) return flaw;
   }
@@ -26,7 +26,7 @@ TextFlaw flawOf(std::string_view text) noexcept {
 
 std::string shortened(std::string_view text, std::size_t most) {
   std::string_view rest = text;
-  for (std::size_t taken = 0; taken < most && !rest.empty(); ++taken) (void)takeCharacter(rest);
+  for (std::size_t taken = 0; taken < most && !rest.empty(); ++taken) (void)takeUtf8Character(rest);
   if (rest.empty()) return std::string(text);
   return std::string(text.substr(0, text.size() - rest.size())) + "...";
 }

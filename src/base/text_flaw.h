@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pelmora/export.h>
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -16,12 +18,12 @@ enum class TextFlaw {
 };
 
 // Source: the Unicode property Bidi_Control.
-[[nodiscard]] TextFlaw flawOf(char32_t character) noexcept;
+[[nodiscard]] PELMORA_API TextFlaw flawOf(char32_t character) noexcept;
 // The first one in a UTF-8 text.
-[[nodiscard]] TextFlaw flawOf(std::string_view text) noexcept;
+[[nodiscard]] PELMORA_API TextFlaw flawOf(std::string_view text) noexcept;
 
 // The text, or its first `most` characters and "...": what a message quotes of a field may be a
 // whole file. No character is cut in two.
-[[nodiscard]] std::string shortened(std::string_view text, std::size_t most = 60);
+[[nodiscard]] PELMORA_API std::string shortened(std::string_view text, std::size_t most = 60);
 
 }  // namespace pelmora

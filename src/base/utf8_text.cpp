@@ -52,7 +52,7 @@ void appendUtf8(std::string& text, unsigned codePoint) {
 
 }  // namespace
 
-std::optional<char32_t> takeCharacter(std::string_view& text) noexcept {
+std::optional<char32_t> takeUtf8Character(std::string_view& text) noexcept {
   const auto lead = leadOf(static_cast<unsigned char>(text.front()));
   const std::string_view whole = text;
   text.remove_prefix(1);
@@ -71,7 +71,7 @@ std::optional<char32_t> takeCharacter(std::string_view& text) noexcept {
 
 bool isUtf8(std::string_view text) noexcept {
   while (!text.empty()) {
-    if (!takeCharacter(text)) return false;
+    if (!takeUtf8Character(text)) return false;
   }
   return true;
 }

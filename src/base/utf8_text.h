@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pelmora/export.h>
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,7 +12,8 @@ namespace pelmora {
 
 // Takes the next character off the front of a text that is not empty. Nothing where the bytes there
 // are not UTF-8: then one byte is taken.
-[[nodiscard]] std::optional<char32_t> takeCharacter(std::string_view& text) noexcept;
+[[nodiscard]] PELMORA_API std::optional<char32_t> takeUtf8Character(
+    std::string_view& text) noexcept;
 
 [[nodiscard]] bool isUtf8(std::string_view text) noexcept;
 

@@ -70,14 +70,6 @@ TEST_F(bad_database, that_may_not_be_written) {
               HasSubstr("cannot be written"));
 }
 
-TEST_F(bad_database, whose_path_holds_an_apostrophe_cannot_take_an_import) {
-  const std::string path = scratch.file("it's.db");
-  done({"init", path});
-  EXPECT_THAT(trouble(3, {"import", path, "--meter", "M1", "--stand", data("stand-dual-rotor.csv"),
-                          "--job", "1001", "--fluid", "f"}),
-              HasSubstr("apostrophe"));
-}
-
 class unknown_name : public CommandTest {
  protected:
   unknown_name() {

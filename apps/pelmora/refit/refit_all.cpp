@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/refit/refit_all.h"
 
+#include "apps/pelmora/interruption.h"
+#include "apps/pelmora/last_words.h"
 #include "apps/pelmora/refit/bounded_queue.h"
 #include "apps/pelmora/refit/refit_task.h"
 #include "apps/pelmora/refit/refit_worker.h"
@@ -10,6 +12,7 @@
 #include <exception>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 namespace pelmora::cli {
 namespace {
@@ -55,15 +58,7 @@ class Workers {
  public:
   explicit Workers(RefitWork& work) : work_(work) {
     for (std::size_t i = 0; i < work.request.threads; ++i) {
-      threads_.emplace_back([this] {
-        try {
-          fitTasks(work_);
-        } catch (...) {
-          const std::lock_guard lock(mutex_);
-          if (!trouble_) trouble_ = std::current_exception();
-        }
-        work_.queue.leave();
-      });
+      startThread();
     }
   }
   ~Workers() { work_.queue.stop(); }  // the threads join behind this
@@ -78,6 +73,23 @@ class Workers {
   }
 
  private:
+  void startThread() {
+    try {
+      threads_.emplace_back([this] {
+        try {
+          fitTasks(work_);
+        } catch (...) {
+          const std::lock_guard lock(mutex_);
+          if (!trouble_) trouble_ = std::current_exception();
+        }
+        work_.queue.leave();
+      });
+    } catch (...) {
+      work_.queue.stop();  // or those that run would wait for a receiver
+      throw;
+    }
+  }
+
   RefitWork& work_;
   std::mutex mutex_;
   std::exception_ptr trouble_;  // read once all threads have left
@@ -92,6 +104,7 @@ class Portion {
   void store(RefitCurve& curve) {
     if (curves_++ == 0) end_ = Clock::now() + longestPortion;
     storeTask(change_, work_.request, curve);
+    if (curve.result.isStored) ++unfinished_;
   }
   // Finishes it where it is large, lasts long, or would last long for want of a next curve.
   void finishInTime() {
@@ -103,6 +116,8 @@ class Portion {
     const std::lock_guard alone(work_.file);
     change_.finish();
     curves_ = 0;
+    stored_ += std::exchange(unfinished_, 0);
+    if (!change_.isDryRun()) noteSeriesStored(stored_, work_.request.tasks.size());
   }
 
  private:
@@ -110,7 +125,7 @@ class Portion {
 
   StoredChange& change_;
   RefitWork& work_;
-  std::size_t curves_ = 0;
+  std::size_t curves_ = 0, unfinished_ = 0, stored_ = 0;
   Clock::time_point end_;
 };
 
@@ -142,6 +157,7 @@ std::vector<RefitResult> refitAll(StoredChange& change, const RefitRequest& requ
   Portion portion(change, work);
   std::size_t done = 0;
   while (auto curve = workers.next()) {
+    requireNotInterrupted();
     if (curve->isToBeStored()) portion.store(*curve);
     results[curve->index] = std::move(curve->result);
     change.session().progress().count("Refitting", ++done, results.size());

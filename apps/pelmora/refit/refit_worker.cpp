@@ -2,6 +2,7 @@
 #include "apps/pelmora/refit/refit_worker.h"
 
 #include "apps/pelmora/checked_fit.h"
+#include "apps/pelmora/interruption.h"
 
 #include <optional>
 
@@ -10,8 +11,9 @@ namespace pelmora::cli {
 void fitTasks(RefitWork& work) {
   CurveSession session(work.curves, Access::read);
   session.progress().mute();
-  session.data().StatusUpdate = nullptr;
+  session.data().StatusUpdate = [](const std::string&) { requireNotInterrupted(); };
   for (std::size_t index = work.next++; index < work.request.tasks.size(); index = work.next++) {
+    requireNotInterrupted();
     std::shared_lock reading(work.file);
     std::optional<OneMoment> moment(session);
     RefitCurve curve = fitTask(session, work.request, index);

@@ -9,6 +9,7 @@
 #include "base/run_time_error.h"
 
 #include <array>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -17,6 +18,9 @@
 namespace pelmora {
 
 namespace {
+
+// An export is read into memory as a whole. This is a quarter of a million points.
+constexpr std::uintmax_t mostBytes = 100'000'000;
 
 bool isRegularFile(const std::string& path) {
   std::error_code ignored;
@@ -28,6 +32,11 @@ std::string contents(const std::string& path) {
   if (!isRegularFile(path)) {
     throw Error(static_cast<std::int32_t>(RunTimeError::fileNotFound), "Pelmora",
                 "Could not find file '" + path + "'. Check the folder and the name.");
+  }
+  std::error_code ignored;
+  if (std::filesystem::file_size(filePath(path), ignored) > mostBytes && !ignored) {
+    throw Error(static_cast<std::int32_t>(RunTimeError::pathAccess), "Pelmora",
+                "File '" + path + "' is larger than 100 MB. Export fewer jobs at a time.");
   }
   const PlainReading reading(filePath(path));
   std::ifstream file(filePath(path), std::ios::binary);

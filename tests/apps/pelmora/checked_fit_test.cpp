@@ -21,7 +21,7 @@ class fit_beside_another_program : public testing::Test {
  protected:
   fit_beside_another_program() {
     createCurveDatabase(path);
-    CurveSession session(path, Access::write);
+    CurveSession session({.path = path}, Access::write);
     session.data().setMeterSN("M1");
     session.data().SetRaw("S", "M1", line(1), 0, false);
     session.data().SetRaw("Other", "M1", line(2), 0, false);
@@ -37,7 +37,7 @@ class fit_beside_another_program : public testing::Test {
   void sql(const std::string& statements) const { PlainSqlite(path).run(statements); }
   // The fit of series S while another program runs the statements.
   SeriesFit fitWhile(const std::string& statements) const {
-    CurveSession session(path, Access::write);
+    CurveSession session({.path = path}, Access::write);
     StoredChange change(session, "fit", false);
     change.beforeLock = [&] { sql(statements); };
     SeriesFit fit = fitSeries(change, session.requireMeter("M1", -1), "S", {});
@@ -45,7 +45,7 @@ class fit_beside_another_program : public testing::Test {
     return fit;
   }
   RefitResult refitWhile(const std::string& statements) const {
-    CurveSession session(path, Access::write);
+    CurveSession session({.path = path}, Access::write);
     session.data().StatusUpdate = nullptr;
     StoredChange change(session, "refit", false);
     change.beforeLock = [&] { sql(statements); };
@@ -53,7 +53,7 @@ class fit_beside_another_program : public testing::Test {
     return refitAll(change, request).front();
   }
   [[nodiscard]] SeriesInfo stored(const std::string& series = "S") const {
-    CurveSession session(path, Access::read);
+    CurveSession session({.path = path}, Access::read);
     return session.requireSeries(session.requireMeter("M1", -1), series).Series.front();
   }
   [[nodiscard]] std::optional<CurveSettings> settings(std::int32_t seriesID) const {
@@ -136,7 +136,7 @@ TEST_F(fit_beside_another_program, stores_nothing_where_points_can_no_longer_be_
 }
 
 TEST_F(fit_beside_another_program, asks_nobody_while_others_wait) {
-  CurveSession session(path, Access::write);
+  CurveSession session({.path = path}, Access::write);
   StoredChange change(session, "fit", false);
   bool isLocked = false;
   change.beforeLock = [&] {
@@ -163,7 +163,7 @@ TEST_F(fit_beside_another_program, asks_nobody_while_others_wait) {
 }
 
 TEST_F(fit_beside_another_program, lets_it_write_while_the_operator_thinks) {
-  CurveSession session(path, Access::write);
+  CurveSession session({.path = path}, Access::write);
   StoredChange change(session, "fit", false);
   session.messages().askOperator = [&](const std::string&) {
     sql(twice);  // would find the database locked

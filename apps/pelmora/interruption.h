@@ -1,0 +1,31 @@
+// The signals that ask a run to end: noticed between two steps of its work, so that it ends as
+// after any other trouble. SPDX-License-Identifier: MIT
+#pragma once
+
+namespace pelmora::cli {
+
+// What ends a run that was asked to. No std::exception: what handles errors lets it through.
+struct Interrupted {
+  int signal = 0;
+};
+
+// Catches SIGINT, SIGTERM and SIGHUP while it lives, but for those that the process was started to
+// ignore (nohup). A second signal ends the process at once.
+class InterruptionHandlers {
+ public:
+  InterruptionHandlers();
+  ~InterruptionHandlers();
+  InterruptionHandlers(const InterruptionHandlers&) = delete;
+  InterruptionHandlers& operator=(const InterruptionHandlers&) = delete;
+};
+
+// Whether one of the signals has come. Any thread may ask.
+[[nodiscard]] bool isInterrupted() noexcept;
+
+// Long work and waits call it between their steps. Errors: Interrupted.
+void requireNotInterrupted();
+
+// How a run ends that a signal has ended.
+[[nodiscard]] int exitCodeOf(const Interrupted& interruption) noexcept;
+
+}  // namespace pelmora::cli

@@ -1,0 +1,202 @@
+// A run that a signal ends: undone, tidied up, and told in one line.
+// SPDX-License-Identifier: MIT
+#include "tests/end_to_end/command.h"
+#include "tests/end_to_end/running_command.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <map>
+
+namespace pelmora::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+std::string fortyPoints() {
+  std::string text;
+  for (int i = 1; i <= 40; ++i)
+    text += std::to_string(i * 10) + "," + std::to_string(100 + i) + "\n";
+  return text;
+}
+
+class interruption : public CommandTest {
+ protected:
+  interruption() {
+    init();
+    done({"raw", curves, write("s.csv", fortyPoints()), "--meter", "P", "--register", "--series",
+          "S"});
+    fs::create_directory(temporary);
+    ::setenv("TMPDIR", temporary.c_str(), 1);
+  }
+  ~interruption() override { ::unsetenv("TMPDIR"); }
+
+  // What there is among the temporary files.
+  [[nodiscard]] std::ptrdiff_t entries() const {
+    return std::distance(fs::directory_iterator(temporary), fs::directory_iterator());
+  }
+  // A fit that has its temporary folder and waits for an answer at the terminal.
+  [[nodiscard]] RunningCommand waitingFit(const PseudoTerminal& terminal) const {
+    return {{"fit", curves, "--meter", "P", "--series", "S", "--min", "1", "--max", "500"},
+            {terminal.path(), "/dev/null", terminal.path()}};
+  }
+  static bool shows(const PseudoTerminal& terminal, const std::string& text) {
+    std::string shown;
+    return comesTrue([&] {
+      shown += terminal.shown();
+      return shown.find(text) != std::string::npos;
+    });
+  }
+  static bool asks(const PseudoTerminal& terminal) { return shows(terminal, "Max Raw"); }
+
+  const std::string temporary = scratch.file("temporary");
+};
+
+TEST_F(interruption, at_a_question_changes_nothing) {
+  const std::map<int, int> codes{{SIGINT, 130}, {SIGTERM, 143}, {SIGHUP, 129}};
+  for (const auto& [signal, code] : codes) {
+    const PseudoTerminal terminal;
+    RunningCommand command({"delete", curves, "--meter", "P", "--series", "S"},
+                           {terminal.path(), "/dev/null", terminal.path()});
+    ASSERT_TRUE(shows(terminal, "[y/N]"));
+    command.send(signal);
+    EXPECT_EQ(command.end(), code);
+    EXPECT_THAT(terminal.shown(), HasSubstr("interrupted: nothing was stored"));
+  }
+  const auto shown = done({"show", curves, "--meter", "P", "--series", "S", "--json"}).json();
+  EXPECT_EQ(shown["raw"][0].size(), 40U);
+}
+
+TEST_F(interruption, of_a_fit_leaves_no_temporary_folder) {
+  const PseudoTerminal terminal;
+  RunningCommand command = waitingFit(terminal);
+  ASSERT_TRUE(asks(terminal));
+  EXPECT_EQ(entries(), 1);
+  command.send(SIGTERM);
+  EXPECT_EQ(command.end(), 143);
+  EXPECT_EQ(entries(), 0);
+  EXPECT_THAT(terminal.shown(), HasSubstr("interrupted: nothing was stored"));
+}
+
+TEST_F(interruption, that_kills_leaves_a_folder_that_the_next_run_removes) {
+  const PseudoTerminal terminal;
+  RunningCommand command = waitingFit(terminal);
+  ASSERT_TRUE(asks(terminal));
+  command.send(SIGKILL);
+  EXPECT_EQ(command.end(), -SIGKILL);
+  EXPECT_EQ(entries(), 1);
+  done({"show", curves});
+  EXPECT_EQ(entries(), 0);
+}
+
+TEST_F(interruption, of_nobody_leaves_the_folder_of_a_living_run_alone) {
+  const PseudoTerminal terminal;
+  RunningCommand command = waitingFit(terminal);
+  ASSERT_TRUE(asks(terminal));
+  done({"show", curves});
+  EXPECT_EQ(entries(), 1);
+  command.send(SIGINT);
+  EXPECT_EQ(command.end(), 130);
+}
+
+TEST_F(interruption, tidies_up_through_no_symbolic_link_and_under_no_other_name) {
+  const std::string kept = scratch.file("kept");
+  fs::create_directory(kept);
+  std::ofstream(kept + "/file") << "mine";
+  fs::create_directory_symlink(kept, temporary + "/pelmora-work-abcdef");
+  fs::create_directory(temporary + "/pelmora-other");
+  std::ofstream(temporary + "/pelmora-work-file") << "no folder";
+  done({"show", curves});
+  EXPECT_EQ(entries(), 3);
+  EXPECT_EQ(contentsOf(kept + "/file"), "mine");
+}
+
+TEST_F(interruption, of_a_wait_for_a_lock_changes_nothing) {
+  sqlite3* other = nullptr;
+  ASSERT_EQ(sqlite3_open(curves.c_str(), &other), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+  const PseudoTerminal terminal;
+  RunningCommand command(
+      {"raw", curves, scratch.file("s.csv"), "--meter", "P", "--series", "T", "--wait", "3600"},
+      {terminal.path(), "/dev/null", terminal.path()});
+  EXPECT_TRUE(shows(terminal, "waiting for"));
+  command.send(SIGINT);
+  EXPECT_EQ(command.end(), 130);
+  EXPECT_THAT(terminal.shown(), HasSubstr("interrupted: nothing was stored"));
+  sqlite3_close(other);
+}
+
+TEST_F(interruption, that_comes_twice_ends_at_once) {
+  const PseudoTerminal terminal;
+  RunningCommand command = waitingFit(terminal);
+  ASSERT_TRUE(asks(terminal));
+  command.send(SIGSTOP);  // both come before it can act on the first
+  command.send(SIGINT);
+  command.send(SIGTERM);
+  command.send(SIGCONT);
+  const int code = command.end();
+  EXPECT_TRUE(code == 130 || code == 143) << code;
+  EXPECT_THAT(terminal.shown(), HasSubstr("ended at once"));
+}
+
+TEST_F(interruption, that_the_process_was_started_to_ignore_is_ignored) {
+  const std::string script = write("ignore.sh",
+                                   "trap '' HUP\n\"$1\" delete \"$2\" --meter P "
+                                   "--series S --dry-run >/dev/null &\n"
+                                   "kill -HUP $!\nwait $!\n");
+  EXPECT_EQ(std::system(("sh '" + script + "' '" PELMORA_PROGRAM "' '" + curves + "'").c_str()), 0);
+}
+
+class refit_interruption : public CommandTest {
+ protected:
+  static constexpr int seriesCount = 3000;
+  refit_interruption() {
+    init();
+    done({"raw", curves, write("s.csv", fortyPoints()), "--meter", "P", "--register", "--series",
+          "S"});
+    query("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " +
+          std::to_string(seriesCount - 1) +
+          ") INSERT INTO series (name, meterid) SELECT 'S' || i, s.meterid FROM n, (SELECT meterid "
+          "FROM series) s");
+    query(
+        "INSERT INTO raw1 (seriesID, Roshko, Strouhal) SELECT series.ID, r.Roshko, r.Strouhal "
+        "FROM series, (SELECT * FROM raw1) r WHERE series.name <> 'S'");
+  }
+  // The number in a statement's last row.
+  std::int64_t query(const std::string& statement) const {
+    sqlite3* database = nullptr;
+    std::int64_t number = -1;
+    EXPECT_EQ(sqlite3_open(curves.c_str(), &database), SQLITE_OK);
+    sqlite3_busy_timeout(database, 60000);
+    const auto read = [](void* value, int, char** columns, char**) {
+      *static_cast<std::int64_t*>(value) = std::atoll(columns[0]);
+      return 0;
+    };
+    EXPECT_EQ(sqlite3_exec(database, statement.c_str(), read, &number, nullptr), SQLITE_OK)
+        << sqlite3_errmsg(database);
+    sqlite3_close(database);
+    return number;
+  }
+  [[nodiscard]] std::int64_t storedCurves() const {
+    return query("SELECT count(DISTINCT seriesID) FROM curve");
+  }
+};
+
+TEST_F(refit_interruption, tells_how_many_series_are_stored) {
+  const std::string error = scratch.file("error");
+  RunningCommand command({"refit", curves, "--all", "--jobs", "1"},
+                         {"/dev/null", "/dev/null", error});
+  ASSERT_TRUE(comesTrue([&] { return storedCurves() > 0; }));
+  command.send(SIGTERM);
+  EXPECT_EQ(command.end(), 143);
+  const std::int64_t stored = storedCurves();
+  EXPECT_LT(stored, seriesCount);
+  EXPECT_EQ(contentsOf(error), "pelmora: error: interrupted: " + std::to_string(stored) + " of " +
+                                   std::to_string(seriesCount) +
+                                   " series are stored, the others are unchanged\n");
+  EXPECT_EQ(query("SELECT count(*) FROM pragma_integrity_check WHERE integrity_check = 'ok'"), 1);
+}
+
+}  // namespace
+}  // namespace pelmora::test
