@@ -11,6 +11,7 @@
 
 #include <array>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <sstream>
@@ -74,8 +75,10 @@ Patience patienceWith(const std::string& database, std::chrono::milliseconds wai
             // Short waits are nobody's concern.
             if (waited < 500ms || seconds == shown) return true;
             shown = seconds;
-            progress.showWait("waiting for " + lockHolder(database) + " to finish with '" +
-                              database + "' (" + std::to_string(seconds) + " s)");
+            // The file's name alone: a terminal's line has no room for its folders.
+            progress.showWait("waiting for " + lockHolder(database) + " to unlock " +
+                              std::filesystem::path(database).filename().string() + " (" +
+                              std::to_string(seconds) + " s)");
             return true;
           }};
 }
