@@ -85,7 +85,7 @@ void addDatabase(CLI::App& command, DatabaseOption& curves) {
             }
             curves.wait = std::chrono::milliseconds(std::llround(seconds * 1000));
           },
-          "Wait so long while another program has the database locked (default 30)")
+          "How long to wait while another program has the database locked (default 30)")
       ->type_name("SECONDS");
 }
 
@@ -125,7 +125,7 @@ void addNoInput(CLI::App& command, bool& neverAsks) {
 }
 
 void addConsent(CLI::App& command, Consent& consent) {
-  command.add_flag("--yes,-y", consent.isGiven, "Answer the question with yes beforehand");
+  command.add_flag("--yes,-y", consent.isGiven, "Answer the question with yes in advance");
   command.add_flag("--no-input", consent.neverAsks, "Never ask: without --yes nothing is changed");
 }
 
@@ -150,7 +150,7 @@ void addImport(CLI::App& command, ImportRequest& request, RunOptions& runs) {
                   "Position of the meter on the stand");
   addCalibration(command, request.reCalID);
   command.add_flag("--new-calibration", request.newCalibration,
-                   "Begin the meter's next calibration");
+                   "Start the meter's next calibration");
 }
 
 void addFitTests(CLI::App& command, FitOptions& options) {

@@ -146,7 +146,7 @@ void compare(const CompareOptions& options) {
 
 void addCompareCommand(CLI::App& app) {
   CLI::App& command = *app.add_subcommand(
-      "compare", "Tell how far a stored curve has moved since an earlier calibration");
+      "compare", "Show how far a stored curve has moved since an earlier calibration");
   const auto options = std::make_shared<CompareOptions>();
   addDatabase(command, options->curves);
   addMeter(command, options->meter, true);
@@ -166,7 +166,7 @@ void addCompareCommand(CLI::App& app) {
             throw Trouble(ExitCode::usage, "--tolerance: '" + text + "' is negative",
                           "give per cent, 0 or more");
           },
-          "End with exit code 9 where the shift is larger anywhere")
+          "End with exit code 9 if the shift is larger anywhere")
       ->type_name("PERCENT");
   addJson(command, options->asJson);
   command.callback([options] { compare(*options); });

@@ -211,17 +211,16 @@ void examine(const DoctorOptions& options) {
 void addDoctorCommand(CLI::App& app) {
   CLI::App& command = *app.add_subcommand(
       "doctor",
-      "Check a curve database: damage of the file, invalid numbers, duplicates, "
+      "Check a curve database: damage to the file, invalid numbers, duplicates, "
       "orphaned rows, series without points, curves older than their points, "
-      "missing indexes. Ends with 5 where problems remain.");
+      "missing indexes. Ends with 5 if problems remain.");
   const auto options = std::make_shared<DoctorOptions>();
   addDatabase(command, options->curves);
   command.add_flag("--repair", options->repairs,
-                   "Mend what is safe; rows that go are kept in the history");
+                   "Repair what is safe; removed rows are kept in the history");
   command
-      .add_option(
-          "--salvage", options->salvage,
-          "Make the curve database NEW and bring over whatever can be read of a damaged one")
+      .add_option("--salvage", options->salvage,
+                  "Create the curve database NEW and copy whatever can be read from a damaged one")
       ->type_name("NEW");
   addDryRun(command, options->isDryRun);
   addJson(command, options->asJson);

@@ -129,7 +129,7 @@ void addEvaluateCommand(CLI::App& app) {
   addSeries(command, options->series, true);
   addCalibration(command, options->reCalID);
   command.add_flag("--inverse", options->isInverse,
-                   "Roshko at given Strouhal, where the curve has one answer");
+                   "Roshko at given Strouhal, if the curve has a single answer");
   addJson(command, options->asJson);
   command.callback([options] { evaluate(*options); });
 }

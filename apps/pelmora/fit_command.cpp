@@ -89,7 +89,7 @@ void addFitCommand(CLI::App& app) {
   addSeries(command, options->series, true);
   addCalibration(command, options->reCalID);
   addRangeEnd(command, "--min", options->options.min,
-              "Begin of the curve (default: of the merged points)");
+              "Start of the curve (default: of the merged points)");
   addRangeEnd(command, "--max", options->options.max,
               "End of the curve (default: of the merged points)");
   addFitTests(command, options->options);
@@ -98,15 +98,14 @@ void addFitCommand(CLI::App& app) {
   command.add_flag("--inverted", options->options.inverted,
                    "Merge the raw parts from the other end");
   command.add_flag("--ignore-residuals", options->options.ignoreResiduals,
-                   "Leave the residual test out");
+                   "Skip the residual test");
   const std::map<std::string, RangeAnswer> answers{{"abort", RangeAnswer::abort},
                                                    {"retry", RangeAnswer::retry},
                                                    {"ignore", RangeAnswer::ignore}};
   command
-      .add_option(
-          "--on-range", options->options.onRange,
-          "Where the range is not inside the raw points: abort, retry with the raw range, or "
-          "ignore it and extrapolate (default: ask at a terminal, or else abort)")
+      .add_option("--on-range", options->options.onRange,
+                  "If the range extends beyond the raw points: abort, retry with the raw range, or "
+                  "ignore it and extrapolate (default: ask at a terminal, or else abort)")
       ->transform(CLI::CheckedTransformer(answers))
       ->option_text("abort|retry|ignore");
   addDryRun(command, options->isDryRun);

@@ -129,9 +129,8 @@ void addHistoryCommand(CLI::App& app) {
   addCalibration(command, options->reCalID);
   command.add_flag("--prune", options->isPruning, "Remove old entries");
   addCount(command, "--older-than", options->olderThan, mostDays, "DAYS",
-           "Prune entries of more than so many days");
-  addCount(command, "--keep", options->keep, mostEntries, "N",
-           "Keep the newest N entries in any case");
+           "Prune entries older than this many days");
+  addCount(command, "--keep", options->keep, mostEntries, "N", "Always keep the newest N entries");
   addConsent(command, options->consent);
   addDryRun(command, options->isDryRun);
   addJson(command, options->asJson);

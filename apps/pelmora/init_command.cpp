@@ -39,7 +39,7 @@ void init(const InitOptions& options) {
 }  // namespace
 
 void addInitCommand(CLI::App& app) {
-  CLI::App& command = *app.add_subcommand("init", "Make a new, empty curve database");
+  CLI::App& command = *app.add_subcommand("init", "Create a new, empty curve database");
   const auto options = std::make_shared<InitOptions>();
   addDatabase(command, options->path);
   addJson(command, options->asJson);

@@ -96,7 +96,7 @@ void addRawCommand(CLI::App& app) {
       "raw",
       "Store the points of a CSV file as a raw part of a series, in place of its old points. The "
       "meter must be "
-      "known unless --register is given; the series is made where there is none.");
+      "known unless --register is given; the series is created if needed.");
   const auto options = std::make_shared<RawOptions>();
   addDatabase(command, options->curves);
   addPath(command, "POINTS", options->file, "CSV file: x,y, a header line allowed").required();
@@ -120,7 +120,7 @@ void addRawCommand(CLI::App& app) {
            "Take only rows whose column has this value; may be repeated")
       .type_name("COLUMN=VALUE");
   addCalibration(command, options->reCalID);
-  command.add_flag("--register", options->registerMeter, "Register the meter where it is unknown");
+  command.add_flag("--register", options->registerMeter, "Register the meter if it is unknown");
   addDryRun(command, options->isDryRun);
   addJson(command, options->asJson);
   command.callback([options] {

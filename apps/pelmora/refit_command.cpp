@@ -96,7 +96,7 @@ void refit(RefitOptions& options) {
 void addRefitCommand(CLI::App& app) {
   CLI::App& command = *app.add_subcommand("refit",
                                           "Fit stored series again, each with the settings of its "
-                                          "curve, and tell which curves changed");
+                                          "curve, and list the curves that changed");
   const auto options = std::make_shared<RefitOptions>();
   addDatabase(command, options->curves);
   command.add_flag("--all", options->all, "Every series of every calibration of every meter");
@@ -121,7 +121,7 @@ void addRefitCommand(CLI::App& app) {
             throw Trouble(ExitCode::usage, "--changed: '" + text + "' is negative",
                           "give per cent, 0 or more");
           },
-          "Tell of curves that moved by more than so many per cent (default 0.01)")
+          "Report curves that moved by more than PERCENT % (default 0.01)")
       ->type_name("PERCENT");
   addDryRun(command, options->isDryRun);
   addJson(command, options->asJson);
