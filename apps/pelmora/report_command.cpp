@@ -99,7 +99,7 @@ void addReportCommand(CLI::App& app) {
   addSeriesList(command, options->series);
   addCalibration(command, options->reCalID);
   addPath(command, "-o,--output", options->output,
-          "File to write; - is standard output. Its extension tells the format")
+          "File to write; - is standard output. Its extension decides the format")
       .required();
   for (const Format& format : formats) {
     command.add_flag_callback(
@@ -109,7 +109,7 @@ void addReportCommand(CLI::App& app) {
   const CLI::Option* band = command.get_option("--band");
   const CLI::Option* points = command.get_option("--points");
   command.footer(
-      "Points, band and equations count for curves that were stored without their settings.");
+      "Points, band and equations apply to curves that were stored without their settings.");
   command.callback([options, band, points] {
     UnkeptSettings unkept;
     if (band->count() > 0) unkept.band = options->unkept.band;

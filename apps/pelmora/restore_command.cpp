@@ -72,7 +72,7 @@ void addRestoreCommand(CLI::App& app) {
   const auto options = std::make_shared<RestoreOptions>();
   addDatabase(command, options->curves);
   addValues(command, "ENTRY", options->entries,
-            "Numbers of entries as 'pelmora history' shows them; first to last")
+            "Numbers of entries as shown by 'pelmora history'; first to last")
       .type_name("N");
   addDryRun(command, options->isDryRun);
   addJson(command, options->asJson);
