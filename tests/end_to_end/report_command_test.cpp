@@ -72,7 +72,7 @@ TEST_F(report_command, refuses_what_is_no_file_to_write) {
   EXPECT_THAT(trouble(2, report(scratch.file(""), {"--json"})), HasSubstr("is a folder"));
   EXPECT_THAT(trouble(2, report(scratch.file("none/r.html"))),
               HasSubstr("folder that is not there"));
-  EXPECT_THAT(trouble(2, report("/dev/null", {"--json"})), HasSubstr("no ordinary file"));
+  EXPECT_THAT(trouble(2, report("/dev/null", {"--json"})), HasSubstr("is not a regular file"));
   EXPECT_THAT(trouble(2, report(scratch.file("r.doc"))), HasSubstr("does not tell a format"));
   EXPECT_THAT(trouble(2, report(scratch.file("r"), {"--json", "--csv"})),
               HasSubstr("exclude each other"));
