@@ -46,7 +46,7 @@ SeriesFit fitted(StoredChange& change, const MeterInfo& meter, const std::string
 }
 
 // "Curves are stored": what of the fits is in the database now, or would be.
-std::string storedWords(const std::vector<SeriesFit>& fits, bool isDryRun) {
+std::string storedCurvesText(const std::vector<SeriesFit>& fits, bool isDryRun) {
   if (std::ranges::none_of(fits, &SeriesFit::isStored)) return "No curve is stored";
   return isDryRun ? "Curves to be stored" : "Curves are stored";
 }
@@ -55,7 +55,7 @@ std::string calibrationText(const CurveSession& session, const ImportOutcome& im
                             const std::vector<SeriesFit>& fits, bool isDryRun) {
   std::string text =
       importHead(session, import) + importTable(import) + "\n" + chosenTable(fits) + "\n" +
-      wrapped(storedWords(fits, isDryRun) + " in " + session.path() + ", meter " +
+      wrapped(storedCurvesText(fits, isDryRun) + " in " + session.path() + ", meter " +
                   import.meter.SerialNumber + ", calibration " +
                   std::to_string(import.meter.ReCalID) + "; band " +
                   significantText(fits.empty() ? 0 : fits.front().options.band, 4) + " %.",

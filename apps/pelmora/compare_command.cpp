@@ -20,6 +20,8 @@
 namespace pelmora::cli {
 namespace {
 
+using Align = TextTable::Align;
+
 constexpr std::size_t mostRows = 15;  // of the table for people
 
 struct CompareOptions {
@@ -97,7 +99,6 @@ std::string comparisonText(const CompareOptions& options, const Compared& result
                   significantText(shifts.front().roshko, 6) + " to " +
                   significantText(shifts.back().roshko, 6),
               0);
-  using Align = TextTable::Align;
   TextTable summary({{"Shift"}, {"%", Align::right}, {"At Roshko", Align::right}});
   summary.addRow({"mean", percentText(result.shift.meanPercent), ""});
   summary.addRow({"lowest", percentText(result.shift.lowest.percent),

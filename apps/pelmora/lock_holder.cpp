@@ -37,12 +37,13 @@ std::optional<std::string> fileKey(const std::string& path) {
 
 std::optional<HeldLock> heldLock(const std::string& line, const std::string& key) {
   std::istringstream fields(line);
-  std::string number, kind, advice, access, file;
+  std::string number, lockKind, advice, access, file;
   HeldLock lock;
-  if (!(fields >> number >> kind >> advice >> access >> lock.process >> file)) return std::nullopt;
+  if (!(fields >> number >> lockKind >> advice >> access >> lock.process >> file))
+    return std::nullopt;
   lock.isForWriting = access == "WRITE";
   // A waiting one has "->" in place of its kind; of a process elsewhere the number is not positive.
-  const bool isOfAnother = kind == "POSIX" && lock.process > 0 && lock.process != getpid();
+  const bool isOfAnother = lockKind == "POSIX" && lock.process > 0 && lock.process != getpid();
   return isOfAnother && file == key ? std::optional(lock) : std::nullopt;
 }
 

@@ -12,6 +12,8 @@
 namespace pelmora::cli {
 namespace {
 
+using Align = TextTable::Align;
+
 using Kind = RefitResult::Kind;
 
 constexpr std::size_t mostRows = 40;  // of a list for people; JSON tells them all
@@ -58,7 +60,6 @@ std::string changedTable(const RefitSummary& summary) {
   std::ranges::stable_sort(changed, std::greater(), [](const RefitResult* result) {
     return std::abs(result->shiftPercent);
   });
-  using Align = TextTable::Align;
   TextTable table({{"Meter"},
                    {"Cal.", Align::right},
                    {"Series"},
