@@ -108,7 +108,7 @@ TEST_F(adjusted_numbers, leave_an_array_that_the_host_keeps_where_it_is) {
 TEST_F(adjusted_numbers, leave_an_array_that_a_script_keeps_locked) {
   storeSeries();
   BoxAnswerer boxes;
-  for (const VARTYPE kind : {VARTYPE{VT_VARIANT}, VARTYPE{VT_I4}}) {
+  for (const VARTYPE kind : {VARTYPE{VT_VARIANT}, VARTYPE{VT_I2}}) {
     SAFEARRAYBOUND bound{2, 0};
     SAFEARRAY* const ours = SafeArrayCreate(kind, 1, &bound);
     SafeArrayLock(ours);
