@@ -108,7 +108,8 @@ class WindowsPart(Part):
 
 
 def parts():
-    not_under_sanitizers = "slow|browser"  # other programs, which are not built with them
+    # Other programs, which are not built with them, and many rounds of what runs once under them.
+    not_under_sanitizers = "slow|browser|stress"
     return [
         FormatPart("format", "every C++ file is formatted"),
         Part("release", "optimised: all rooms, the command line, documents, packages, the report page in a browser",
@@ -126,6 +127,8 @@ def quick(known):
     """What is passed without --all: everything optimised, and under the sanitizers what a change can break most."""
     chosen = [part for part in known if part.name in ("format", "release", "sanitize")]
     for part in chosen:
+        if part.name == "release":
+            part.select = ["--label-exclude", "stress"]
         if part.name == "sanitize":
             part.select = ["--label-regex", "memory"]
             part.targets = ["memory_tests"]
