@@ -35,7 +35,7 @@ bool isAny(const Error& error, std::initializer_list<RunTimeError> numbers) {
 Session::Session(std::string location, OpenOptions options)
     : location_(std::move(location)), options_(std::move(options)) {
   try {
-    curves_ = openDatabase(location_);
+    curves_ = openDatabase(location_, options_.patience);
   } catch (const Error& error) {
     if (isAny(error, {RunTimeError::fileNotFound})) {
       throw NotFound({error.what(), location_, "name a curve database, or create one"},

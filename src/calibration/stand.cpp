@@ -21,9 +21,9 @@ bool isCsv(const std::string& location) {
 
 }  // namespace
 
-Stand::Stand(const std::string& location) : location_(location) {
+Stand::Stand(const std::string& location, const Patience& patience) : location_(location) {
   try {
-    connection_ = openDatabase(location);
+    connection_ = openDatabase(location, patience);
     jobs_ = standJobs(connection_);
   } catch (const Error& error) {
     if (error.number() == static_cast<std::int32_t>(RunTimeError::fileNotFound)) {

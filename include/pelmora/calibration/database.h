@@ -13,7 +13,9 @@
 #include <pelmora/calibration/values.h>
 #include <pelmora/database.h>
 #include <pelmora/export.h>
+#include <pelmora/patience.h>
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -28,7 +30,7 @@ enum class Mode { read = 0, write = 1 };
 
 struct OpenOptions {
   Mode mode = Mode::write;
-  Patience patience{};
+  Patience patience{.limit = std::chrono::seconds(30), .goesOn = {}};
   // Who works with the database, for the history. Empty: the user name of the process.
   std::string userName{};
 };
@@ -64,7 +66,7 @@ class PELMORA_API Change {
 // end are dropped, and any other character is allowed.
 //
 // Errors, besides those listed for each operation: Locked if others hold the database for longer
-// than Patience::wait; Unusable if it cannot be read or written; Damaged.
+// than Patience::limit; Unusable if it cannot be read or written; Damaged.
 //
 //   cal::Database lab = cal::open("curves.db");
 //   const cal::Meter meter = lab.registerMeter("M1");

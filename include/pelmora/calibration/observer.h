@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <stop_token>
@@ -19,13 +18,6 @@ struct Observer {
   std::function<void(std::size_t done, std::size_t of)> progress{};
   // Requesting a stop ends the operation with Cancelled, and nothing is stored.
   std::stop_token stop{};
-};
-
-// How long an operation waits while others hold the database.
-struct Patience {
-  std::chrono::milliseconds wait{30'000};
-  // Called from time to time while it waits.
-  std::function<void(std::chrono::milliseconds waited)> waiting{};
 };
 
 }  // namespace pelmora::calibration

@@ -4,8 +4,9 @@
 
 #include <pelmora/database.h>
 #include <pelmora/export.h>
+#include <pelmora/patience.h>
 
-#include <cstddef>
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -17,7 +18,8 @@ class PELMORA_API Stand {
   // A stand's database, or its export as CSV with the header JobRecordID,V1..V37.
   //
   // Errors: NotFound, Unusable; BadData for the contents of a CSV export.
-  explicit Stand(const std::string& location);
+  explicit Stand(const std::string& location,
+                 const Patience& patience = {.limit = std::chrono::seconds(30), .goesOn = {}});
 
   [[nodiscard]] const std::string& location() const { return location_; }
   // In rising order.
