@@ -48,10 +48,11 @@ void fitTasks(Work& work) {
        index = work.next++) {
     std::shared_lock reading(work.file);
     std::optional<ReadView> moment(session->curves());
-    RefitCurve curve = fitAgain(lab, *session, work.tasks[index], work.options.changedPercent);
-    curve.index = index;
+    RefitReading read = readAgain(lab, *session, work.tasks[index]);
     moment.reset();
-    reading.unlock();
+    reading.unlock();  // others need not wait for the fit
+    RefitCurve curve = fitAgain(lab, std::move(read), work.options.changedPercent);
+    curve.index = index;
     if (!work.queue.send(std::move(curve))) return;
   }
 }

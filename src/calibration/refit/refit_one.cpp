@@ -36,14 +36,16 @@ bool hasPointsToFit(const StoredSeries& stored) {
   return std::ranges::any_of(stored.raw, [](const PointArray& part) { return part.size() > 1; });
 }
 
-// Nothing where the series cannot be read; the result says why.
-std::optional<StoredSeries> readTask(const Database& lab, const Session& session,
-                                     RefitCurve& curve) {
-  const RefitTask& task = curve.result.task;
+}  // namespace
+
+RefitReading readAgain(const Database& lab, const Session& session, const RefitTask& task) {
+  RefitReading reading;
+  RefitCurve& curve = reading.curve;
+  curve.result.task = task;
   try {
     StoredSeries stored = lab.series(task.meter, task.series);
     curve.basis = curveBasis(session, task.meter, stored.id);
-    return stored;
+    reading.stored = std::move(stored);
   } catch (const NotFound& failure) {
     curve.result.kind = Kind::gone;
     curve.result.reason = failure.what();
@@ -54,16 +56,12 @@ std::optional<StoredSeries> readTask(const Database& lab, const Session& session
     curve.result.kind = Kind::unreadable;
     curve.result.reason = failure.what();
   }
-  return std::nullopt;
+  return reading;
 }
 
-}  // namespace
-
-RefitCurve fitAgain(const Database& lab, const Session& session, const RefitTask& task,
-                    double changedPercent) {
-  RefitCurve curve;
-  curve.result.task = task;
-  const auto stored = readTask(lab, session, curve);
+RefitCurve fitAgain(const Database& lab, RefitReading reading, double changedPercent) {
+  RefitCurve curve = std::move(reading.curve);
+  const auto& stored = reading.stored;
   if (!stored) return curve;
   curve.result.kind = hasPointsToFit(*stored) ? Kind::notFitted : Kind::unusable;
   Repeated repeated = lab.repeat(*stored);
@@ -88,7 +86,7 @@ void storeAgain(const Database& lab, Session& session, double changedPercent, Re
   }
   if (!isAsFitted) {
     const std::size_t index = curve.index;
-    curve = fitAgain(lab, session, task, changedPercent);
+    curve = fitAgain(lab, readAgain(lab, session, task), changedPercent);
     curve.index = index;
     curve.result.changedMeanwhile = true;
     if (!curve.isToBeStored()) return;

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 namespace pelmora::calibration {
 
@@ -20,12 +21,19 @@ struct RefitCurve {
   [[nodiscard]] bool isToBeStored() const { return fit.accepted() && !isSame; }
 };
 
-// Fits the series again with the settings of its curve and stores nothing. What is wrong with the
-// series is its result's reason.
-//
+// A series as it is read for a refit; nothing in `stored` if it cannot be: the result says why.
+struct RefitReading {
+  RefitCurve curve;
+  std::optional<StoredSeries> stored;
+};
+
 // Errors: Locked, Unusable.
-[[nodiscard]] RefitCurve fitAgain(const Database& lab, const Session& session,
-                                  const RefitTask& task, double changedPercent);
+[[nodiscard]] RefitReading readAgain(const Database& lab, const Session& session,
+                                     const RefitTask& task);
+
+// Fits what was read with the settings of its curve, without the database, and stores nothing. What
+// is wrong with the series is its result's reason.
+[[nodiscard]] RefitCurve fitAgain(const Database& lab, RefitReading reading, double changedPercent);
 
 // Stores the curve in the change that is open: nobody else can write. Where another program has
 // changed the series, its curve or its settings since they were read, it is fitted again as it is
