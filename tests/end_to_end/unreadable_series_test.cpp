@@ -66,7 +66,8 @@ class unreadable_series : public CommandTest {
     const CommandResult refit = run({"refit", curves, "--all", "--json"});
     EXPECT_EQ(refit.exitCode, 5) << refit.output;
     EXPECT_THAT(refit.error, AllOf(HasSubstr("series '" + series + "'"), HasSubstr(others)));
-    for (const json& entry : refit.json()["series"]) {
+    const json printed = refit.json();
+    for (const json& entry : printed["series"]) {
       const bool isRead = entry["series"] != series &&
                           others.find(entry["series"].get<std::string>()) == std::string::npos;
       EXPECT_EQ(entry["outcome"], isRead ? "kept" : "unreadable") << entry;
