@@ -52,7 +52,7 @@ class clsDataFit : public steps::CatalogueSettings {
   // Report of the chosen equation, or the reports of all. Empty after a run that ended in its error
   // box.
   [[nodiscard]] std::string ResultDetails() const { return fit_.details(); }
-  // 0 where no equation is chosen. Errors: Error 13 otherwise: a curve is no number.
+  // 0 if no equation is chosen. Errors: Error 13 otherwise: a curve is not a number.
   [[nodiscard]] double ResultArray() const;
   // Equation indices that passed, the chosen one last; a single -1 where none did.
   [[nodiscard]] const std::vector<std::int16_t>& ranking() const { return fit_.ranking(); }

@@ -25,7 +25,7 @@ struct RefitResult {
     changed,     // by more than the threshold
     kept,        // a curve within the threshold of the one before
     added,       // there was no curve before
-    notFitted,   // no equation passed: the curve of before stays
+    notFitted,   // no equation passed: the previous curve is kept
     unusable,    // no raw points to fit
     unreadable,  // something of it cannot be read
     gone         // deleted while others were fitted
