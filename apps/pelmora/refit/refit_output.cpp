@@ -106,7 +106,7 @@ std::string refitText(const RefitSummary& summary) {
   text += countLine(countOf(summary, Kind::changed), "changed by more than " + threshold);
   text += countLine(countOf(summary, Kind::kept), "within " + threshold + " of the curve before");
   text += countLine(countOf(summary, Kind::added), "without a curve before");
-  text += countLine(countOf(summary, Kind::notFitted), "not fitted: the curve of before stays");
+  text += countLine(countOf(summary, Kind::notFitted), "not fitted: the previous curve is kept");
   text += countLine(countOf(summary, Kind::unusable), "without raw points to fit");
   text += countLine(countOf(summary, Kind::unreadable), "that cannot be read");
   text += countLine(countOf(summary, Kind::gone), "deleted meanwhile");
