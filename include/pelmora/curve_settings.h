@@ -20,7 +20,11 @@ struct CurveSettings {
   std::optional<std::string>
       Equations;  // text of the equation file; absent: the built-in equations
   std::string SoftwareVersion;
-  std::string FittedAt;  // UTC, ISO 8601: 2026-11-21T13:40:00Z
+  std::string FittedAt;                    // UTC, ISO 8601: 2026-11-21T13:40:00Z
+  std::optional<double> MergeBandPercent;  // absent: the component's rule
+  bool KeepsOverlap = false;               // the merge cut no point
+  // Of the raw points that were fitted and of the curve, as hexadecimal digits; empty: not kept.
+  std::string PointsFingerprint, CurveFingerprint;
 
   bool operator==(const CurveSettings&) const = default;
 };

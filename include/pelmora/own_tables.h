@@ -39,7 +39,8 @@ struct TableIndex {
 //         tables added (a stand's export), 0x80004005 if it is locked; another Error if it cannot
 //         be used.
 [[nodiscard]] PELMORA_API bool hasTable(const ConnectionPtr& curves, const std::string& name);
-// Does nothing if a table of that name exists.
+// If a table of that name exists, adds the columns that it lacks, but no key; its rows have null
+// there.
 PELMORA_API void createTable(const ConnectionPtr& curves, const OwnTable& table);
 // Whether an index of the table, or its key, starts with these columns in this order.
 [[nodiscard]] PELMORA_API bool hasIndex(const ConnectionPtr& curves, const std::string& table,

@@ -1,6 +1,7 @@
 // Finding and registering calibrations and series.
 // SPDX-License-Identifier: MIT
 #include "base/suggestion.h"
+#include "calibration/curve_age.h"
 #include "calibration/names.h"
 #include "calibration/session.h"
 #include "calibration/steps/fit_report.h"
@@ -158,6 +159,7 @@ StoredSeries Database::series(const Meter& meter, const std::string& series) con
     stored.equation = steps::equationOfReport(stored.report);
     stored.basis = pointsBasis(*session_, meter, stored.id);
     stored.settings = keptCurveSettings(session_->curves(), stored.id);
+    stored.age = ageOf(stored);
     return std::move(stored);
   });
 }

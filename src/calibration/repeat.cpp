@@ -66,6 +66,8 @@ FitSettings settingsToRepeat(const CurveSettings& kept) {
   settings.ratio = kept.RatioCurve;
   settings.inverted = kept.Inverted;
   settings.ignoreResiduals = kept.IgnoreResiduals;
+  settings.mergeBand = kept.MergeBandPercent;
+  settings.cutsOverlap = !kept.KeepsOverlap;
   settings.outside = RangePolicy::extrapolate;
   if (kept.Equations) {
     settings.equations =

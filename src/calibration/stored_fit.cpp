@@ -3,6 +3,7 @@
 
 #include "base/time_text.h"
 #include "base/version.h"
+#include "calibration/curve_age.h"
 #include "calibration/steps/stored_curve.h"
 #include "history/fingerprint.h"
 
@@ -20,6 +21,10 @@ CurveSettings settingsOf(const Fit& fit) {
   settings.Equations = fit.settings.equations.text();
   settings.SoftwareVersion = version;
   settings.FittedAt = utcText();
+  settings.MergeBandPercent = fit.settings.mergeBand;
+  settings.KeepsOverlap = !fit.settings.cutsOverlap;
+  settings.PointsFingerprint = fit.pointsFingerprint;
+  settings.CurveFingerprint = fingerprintOf({&fit.curve, 1});
   return settings;
 }
 

@@ -38,7 +38,11 @@ KeptTable fitSettings() {
                               {"IgnoreResiduals", Type::whole},
                               {"Equations", Type::text},
                               {"SoftwareVersion", Type::text},
-                              {"FittedAt", Type::text}});
+                              {"FittedAt", Type::text},
+                              {"MergeBand", Type::real},
+                              {"KeepsOverlap", Type::whole},
+                              {"PointsFingerprint", Type::text},
+                              {"CurveFingerprint", Type::text}});
   settings.HistoryName = "pelmora_history_fit_settings";
   settings.MayBeMissing = true;
   return settings;
@@ -119,6 +123,9 @@ const KeptTable& keptTable(std::string_view name) {
 void createHistoryTables(const ConnectionPtr& curves) {
   createTable(curves, entries());
   for (const KeptTable& table : keptTables()) {
+    // An earlier version may have made it with fewer columns.
+    if (table.MayBeMissing && hasTable(curves, table.Name))
+      createTable(curves, {table.Name, table.Columns});
     createTable(curves, historyOf(table));
     createIndex(curves, {table.HistoryName + "_entry", table.HistoryName, {"EntryID"}});
   }

@@ -35,7 +35,8 @@ inline constexpr const char* entryTable = "pelmora_history_entry";
 // Errors: Error 5 for a name that is none of them.
 [[nodiscard]] PELMORA_API const KeptTable& keptTable(std::string_view name);
 
-// Makes the tables and indexes of the history where they are missing.
+// Makes the tables, columns and indexes of the history where they are missing, and the columns of
+// own tables that it keeps.
 PELMORA_API void createHistoryTables(const ConnectionPtr& curves);
 [[nodiscard]] PELMORA_API bool hasHistoryTables(const ConnectionPtr& curves);
 

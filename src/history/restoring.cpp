@@ -94,6 +94,7 @@ RestoreOutcome restore(const ConnectionPtr& curves, KeptChange& change, std::int
                 "there is no history entry " + std::to_string(entryID));
   const Entry& entry = *found;
   requireOwners(curves, entry);
+  createHistoryTables(curves);
   RestoreOutcome outcome{entry, change.keep(entry.Kept), {}};
 
   // All conditions first: removing series and set-ups would change them.

@@ -14,14 +14,16 @@ namespace pelmora {
 namespace {
 
 constexpr const char* tableName = "pelmora_fit_settings";
-constexpr std::array<std::string_view, 11> fields{
-    "SeriesID", "BandPercent",     "Points",    "MinRoshko",       "MaxRoshko", "RatioCurve",
-    "Inverted", "IgnoreResiduals", "Equations", "SoftwareVersion", "FittedAt"};
+constexpr std::array<std::string_view, 15> fields{
+    "SeriesID",   "BandPercent", "Points",          "MinRoshko",         "MaxRoshko",
+    "RatioCurve", "Inverted",    "IgnoreResiduals", "Equations",         "SoftwareVersion",
+    "FittedAt",   "MergeBand",   "KeepsOverlap",    "PointsFingerprint", "CurveFingerprint"};
 
 OwnTable design() {
   using enum OwnColumnType;
-  constexpr std::array<OwnColumnType, fields.size()> types{whole, real,  whole, real, real, whole,
-                                                           whole, whole, text,  text, text};
+  constexpr std::array<OwnColumnType, fields.size()> types{whole, real,  whole, real, real,
+                                                           whole, whole, whole, text, text,
+                                                           text,  real,  whole, text, text};
   OwnTable table{tableName, {}};
   for (std::size_t i = 0; i < fields.size(); ++i) {
     table.Columns.push_back({std::string(fields[i]), types[i]});
@@ -41,6 +43,20 @@ Value valueOf(const std::optional<double>& number) { return number ? Value(*numb
 Value valueOf(bool flag) { return Value(std::int64_t{flag}); }
 bool flag(const Value& value) { return !isNull(value) && toInt32(value) != 0; }
 
+std::string textOrNothing(const Value& value) { return isNull(value) ? "" : toText(value); }
+Value valueOf(const std::string& text) { return text.empty() ? Value() : Value(text); }
+
+// Null for a column that the table, made by an earlier version, does not have yet.
+Value laterColumn(const Recordset& rows, std::string_view name) {
+  constexpr std::int32_t noSuchField = 3265;
+  try {
+    return rows.value(name);
+  } catch (const Error& error) {
+    if (error.number() != noSuchField) throw;
+    return {};
+  }
+}
+
 }  // namespace
 
 std::optional<CurveSettings> keptCurveSettings(const ConnectionPtr& curves, std::int32_t SeriesID) {
@@ -59,6 +75,10 @@ std::optional<CurveSettings> keptCurveSettings(const ConnectionPtr& curves, std:
   if (!isNull(rows->value("Equations"))) settings.Equations = toText(rows->value("Equations"));
   settings.SoftwareVersion = toText(rows->value("SoftwareVersion"));
   settings.FittedAt = toText(rows->value("FittedAt"));
+  settings.MergeBandPercent = numberOrNothing(laterColumn(*rows, "MergeBand"));
+  settings.KeepsOverlap = flag(laterColumn(*rows, "KeepsOverlap"));
+  settings.PointsFingerprint = textOrNothing(laterColumn(*rows, "PointsFingerprint"));
+  settings.CurveFingerprint = textOrNothing(laterColumn(*rows, "CurveFingerprint"));
   return settings;
 }
 
@@ -78,7 +98,11 @@ void keepCurveSettings(const ConnectionPtr& curves, std::int32_t SeriesID,
       valueOf(settings.IgnoreResiduals),
       settings.Equations ? Value(*settings.Equations) : Value(),
       Value(settings.SoftwareVersion),
-      Value(settings.FittedAt)};
+      Value(settings.FittedAt),
+      valueOf(settings.MergeBandPercent),
+      valueOf(settings.KeepsOverlap),
+      valueOf(settings.PointsFingerprint),
+      valueOf(settings.CurveFingerprint)};
   // A record set rather than a statement: an equation file may hold apostrophes.
   curves
       ->openRecordset(std::string("Select * from ") + tableName + " where SeriesID=-1",

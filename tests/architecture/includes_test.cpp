@@ -52,7 +52,7 @@ const std::map<std::string, FolderRule>& rules() {
        {{"base", "ui", "store", "adapters/os", "adapters/sqlite", "adapters/stand_csv", "solver",
          "band", "adapters/dialog", "adapters/ado"},
         {}}},
-      {"history", {{"store"}, {}}},
+      {"history", {{"base", "store"}, {}}},
       {"doctor", {{"history", "store"}, {}}},
       {"report", {{"base", "curves"}, {"nlohmann", "xlsxwriter.h", "posix"}}},
       {"apps/pelmora",

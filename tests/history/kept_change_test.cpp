@@ -84,7 +84,11 @@ TEST_F(kept_change, of_a_fit_with_settings_keeps_them_too) {
   const auto id =
       change("fit", fittedCurve(1, 1), {"Update pelmora_fit_settings set BandPercent=0.5"});
   (void)restored(id);
-  EXPECT_EQ(everything(), before);
+  // The table has the columns of an earlier version; the rows that come back have the new ones too.
+  const auto now = everything();
+  auto expected = before;
+  for (std::string& row : expected["pelmora_fit_settings"]) row += "null|null|null|null|";
+  EXPECT_EQ(now, expected);
 }
 
 }  // namespace

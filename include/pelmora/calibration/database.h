@@ -146,6 +146,10 @@ class PELMORA_API Database {
   // Errors: NotFound if none is stored; BadData if the stored points are not a valid curve.
   [[nodiscard]] Curve curve(const Meter& meter, const std::string& series) const;
 
+  // Whether the stored curve belongs to the stored raw points. If StoredSeries::age does not know,
+  // the fit is repeated: a curve that comes out again is current.
+  [[nodiscard]] CurveAge curveAge(const StoredSeries& series) const;
+
   // Fits the series with the settings of its stored curve, or with `unkept` if they were not kept.
   // A range beyond the points is used as it is, because that of a stored curve may extend there.
   [[nodiscard]] Repeated repeat(const StoredSeries& series, const UnkeptSettings& unkept = {},

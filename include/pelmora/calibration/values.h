@@ -3,6 +3,7 @@
 #pragma once
 
 #include <pelmora/curve_settings.h>
+#include <pelmora/export.h>
 #include <pelmora/types.h>
 
 #include <array>
@@ -36,6 +37,14 @@ struct Run {
   std::size_t points = 0;
 };
 
+// Whether a stored curve belongs to the raw points that are stored now.
+enum class CurveAge {
+  none = 0,  // no curve is stored
+  current = 1,
+  outdated = 2,  // the raw points have changed since it was fitted
+  unknown = 3    // stored by a program that does not keep what it fitted
+};
+
 // Everything stored for one series.
 struct StoredSeries {
   Meter meter;
@@ -49,7 +58,11 @@ struct StoredSeries {
   std::uint64_t basis = 0;  // fingerprint of the raw points and their series, see Database::store()
   std::optional<CurveSettings> settings;  // of the curve's fit, if they were kept
 
-  [[nodiscard]] std::size_t rawPoints() const;
+  CurveAge age = CurveAge::none;
+
+  [[nodiscard]] PELMORA_API std::size_t rawPoints() const;
+  // One clause if the curve is outdated, otherwise empty.
+  [[nodiscard]] PELMORA_API std::string ageWarning() const;
 };
 
 // The history entry of what an operation replaced; see history.h. 0 if there was nothing before.

@@ -13,7 +13,9 @@
 #include "adapters/sqlite/sqlite_session.h"
 #include "base/file_text.h"
 #include "base/run_time_error.h"
+#include "base/text_case.h"
 
+#include <algorithm>
 #include <system_error>
 #include <utility>
 
@@ -89,6 +91,14 @@ bool SqliteConnection::hasTable(std::string_view name) const {
 
 void SqliteConnection::createTable(const OwnTable& table) {
   session().design(createTableStatement(table));
+  const auto made = session().catalogue().findTable("main", table.Name);
+  for (const OwnColumn& column : table.Columns) {
+    const bool isThere = made && std::ranges::any_of(made->columns, [&](const auto& known) {
+                           return equalNames(known.name, column.Name);
+                         });
+    if (made && !isThere && column.Type != OwnColumnType::key)
+      session().design(addColumnStatement(table.Name, column));
+  }
 }
 
 bool SqliteConnection::hasIndex(std::string_view table,

@@ -67,6 +67,11 @@ std::string createTableStatement(const OwnTable& table) {
          ")";
 }
 
+std::string addColumnStatement(const std::string& table, const OwnColumn& column) {
+  return "ALTER TABLE \"main\"." + sql::quotedName(table) + " ADD COLUMN " +
+         sql::quotedName(column.Name) + declaration(column.Type);
+}
+
 std::string createIndexStatement(const TableIndex& index) {
   std::string columns;
   for (const std::string& column : index.Columns) {

@@ -13,6 +13,7 @@ struct sqlite3;
 namespace pelmora::sqlite {
 
 [[nodiscard]] std::string createTableStatement(const OwnTable& table);
+[[nodiscard]] std::string addColumnStatement(const std::string& table, const OwnColumn& column);
 [[nodiscard]] std::string createIndexStatement(const TableIndex& index);
 
 // Errors: Error, genericFailure if the database is locked.

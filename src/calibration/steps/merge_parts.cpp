@@ -18,8 +18,16 @@ constexpr std::array<const char*, rawPartCount> sortingTexts{
     "Sorting raw1 data in series ", "Sorting Raw2 data in series ", "Sorting Raw3 data in series ",
     "Sorting Raw4 data in series "};
 
-constexpr float firstBandWidth = 0.1F;     // per cent, until the first point outside
-constexpr float narrowBandWidth = 0.045F;  // per cent, from then on
+// Per cent. `first` holds until the first point outside, `narrow` from then on.
+struct BandWidths {
+  float first = 0.1F, narrow = 0.045F;
+};
+
+BandWidths bandWidths(const MergeSettings& settings) {
+  if (!settings.BandPercent) return {};
+  constexpr float narrowShare = 0.45F;
+  return {*settings.BandPercent, *settings.BandPercent * narrowShare};
+}
 
 void negateRoshko(PointArray& points) {
   if (points.empty()) return;
@@ -33,8 +41,8 @@ double lastRoshko(const PointArray& points) {
 
 // How many of the long part's first points disagree with the short part, scanning from the end: one
 // point outside the band right behind one inside is tolerated, a second ends the scan.
-std::size_t trailingCut(const PointArray& longPart, const PointArray& shortPart,
-                        BandTester& tester) {
+std::size_t trailingCut(const PointArray& longPart, const PointArray& shortPart, BandTester& tester,
+                        float narrowBandWidth) {
   bool previousInside = false;
   for (std::size_t i = longPart.size(); i-- > 0;) {
     const double x = longPart(i, 0);
@@ -163,9 +171,11 @@ MergedPoints mergeParts(MergedPoints A, MergedPoints B, const MergeSettings& set
   observer.status("Removing trailing curve points in series " + settings.SeriesName);
   auto tester = settings.createBandTester ? settings.createBandTester() : nullptr;
   if (!tester) throw makeError(RunTimeError::noEngine);
-  tester->BandWidth = narrowBandWidth;
-  tester->BandWidth = firstBandWidth;
-  const std::size_t cutPoints = trailingCut(longPart.Points, shortPart.Points, *tester);
+  const BandWidths widths = bandWidths(settings);
+  tester->BandWidth = widths.narrow;
+  tester->BandWidth = widths.first;
+  const std::size_t cutPoints =
+      settings.Cuts ? trailingCut(longPart.Points, shortPart.Points, *tester, widths.narrow) : 0;
   tester.reset();
 
   observer.status("Consolidating raw1 and raw2 data in series " + settings.SeriesName);
@@ -181,7 +191,7 @@ MergedPoints mergeParts(MergedPoints A, MergedPoints B, const MergeSettings& set
 
   if (settings.Inverted) negateRoshko(all);
   observer.status("Sorting merged data in series " + settings.SeriesName);
-  if (settings.RatioCurve) {
+  if (settings.RatioCurve && settings.Cuts) {
     sortBy(1, all, observer);
     all = thinned(all, origins, cut);
   }

@@ -43,6 +43,20 @@ TEST_F(own_tables, are_made_once_and_take_statements) {
   EXPECT_EQ(rows->value("Job"), Value("07"));
 }
 
+TEST_F(own_tables, take_the_columns_that_a_later_version_adds) {
+  createTable(curves.connection, notes);
+  curves.execute("Insert into own_notes (Weight) VALUES (1.5)");
+  OwnTable later = notes;
+  later.Columns.push_back({"Added \"here\"", OwnColumnType::text});
+  for (int i = 0; i < 2; ++i) createTable(curves.connection, later);
+  const auto rows = curves.select("Select * from own_notes");
+  EXPECT_EQ(rows->value("Weight"), Value(1.5));
+  EXPECT_EQ(rows->value("Added \"here\""), Value());
+  curves.execute("Insert into own_notes ([Added \"here\"]) VALUES ('x')");
+  createTable(curves.connection, notes);  // the earlier version once more
+  EXPECT_EQ(curves.count("own_notes"), 2);
+}
+
 TEST_F(own_tables, never_use_a_key_twice) {
   createTable(curves.connection, notes);
   curves.execute("Insert into own_notes (SeriesID) VALUES (1)");
