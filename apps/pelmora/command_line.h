@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "apps/pelmora/standard_output.h"
+#include "apps/pelmora/output/standard_output.h"
 
 namespace pelmora::cli {
 

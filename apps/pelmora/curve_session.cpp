@@ -2,7 +2,7 @@
 #include "apps/pelmora/curve_session.h"
 
 #include "apps/pelmora/interruption.h"
-#include "apps/pelmora/range_question.h"
+#include "apps/pelmora/input/range_question.h"
 #include "apps/pelmora/suggestion.h"
 #include "apps/pelmora/unreadable_series.h"
 #include "history/shared_connection.h"

@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "apps/pelmora/database_option.h"
+#include "apps/pelmora/options/database_option.h"
 #include "apps/pelmora/equation_folder.h"
 #include "apps/pelmora/lock_holder.h"
 #include "apps/pelmora/message_recorder.h"
-#include "apps/pelmora/names.h"
-#include "apps/pelmora/progress.h"
+#include "apps/pelmora/options/names.h"
+#include "apps/pelmora/output/progress.h"
 #include "apps/pelmora/trouble.h"
 
 #include <pelmora/pelmora.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/equation_folder.h"
 
-#include "apps/pelmora/input_file.h"
+#include "apps/pelmora/input/input_file.h"
 #include "apps/pelmora/trouble.h"
 
 #include <pelmora/platform.h>

@@ -2,7 +2,7 @@
 #include "apps/pelmora/fit_advice.h"
 
 #include "apps/pelmora/series_fit.h"
-#include "apps/pelmora/text_table.h"
+#include "apps/pelmora/output/text_table.h"
 
 #include <pelmora/platform.h>
 

@@ -2,7 +2,7 @@
 #include "apps/pelmora/fit_settings.h"
 
 #include "apps/pelmora/equation_folder.h"
-#include "apps/pelmora/strict_number.h"
+#include "apps/pelmora/options/strict_number.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 #include "apps/pelmora/lock_holder.h"
 
 #include "apps/pelmora/interruption.h"
-#include "apps/pelmora/progress.h"
+#include "apps/pelmora/output/progress.h"
 #include "apps/pelmora/trouble.h"
 
 #include <sys/stat.h>

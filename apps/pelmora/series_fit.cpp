@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/series_fit.h"
 
-#include "apps/pelmora/csv_points.h"
+#include "apps/pelmora/input/csv_points.h"
 #include "apps/pelmora/equation_folder.h"
 #include "apps/pelmora/fit_advice.h"
-#include "apps/pelmora/text_table.h"
+#include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/time_text.h"
 #include "base/version.h"
 
@@ -102,6 +102,12 @@ CurveSettings settingsOf(const SeriesFit& fit) {
 }
 
 }  // namespace
+
+void take(const FitTests& tests, FitOptions& options) {
+  options.band = tests.band.value_or(options.band);
+  options.points = tests.points.value_or(options.points);
+  options.equations = tests.equations;
+}
 
 bool hasPointsToFit(const SeriesInfo& stored) {
   return std::ranges::any_of(stored.Raw,

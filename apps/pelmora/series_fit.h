@@ -3,6 +3,7 @@
 #pragma once
 
 #include "apps/pelmora/curve_session.h"
+#include "apps/pelmora/options/common_options.h"
 #include "apps/pelmora/stored_change.h"
 #include "apps/pelmora/trouble.h"
 
@@ -27,6 +28,9 @@ struct FitOptions {
   std::string equations;                     // folder or file; empty: the built-in equations
   std::optional<std::string> keptEquations;  // the text itself, in place of `equations`
 };
+
+// Takes over what the command line says.
+void take(const FitTests& tests, FitOptions& options);
 
 struct SeriesFit {
   std::string series;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/stand_import.h"
 
-#include "apps/pelmora/csv_points.h"
+#include "apps/pelmora/input/csv_points.h"
 #include "apps/pelmora/interruption.h"
 #include "apps/pelmora/unreadable_series.h"
 #include "history/shared_connection.h"
@@ -144,6 +144,16 @@ MeterInfo targetMeter(CurveSession& session, const ImportRequest& request) {
 }
 
 }  // namespace
+
+ImportRequest importRequest(const ImportOptions& options) {
+  return {options.meter,
+          options.stand,
+          standRuns(options.jobs, options.fluids, options.operators),
+          options.calibration,
+          options.standNumber,
+          options.position,
+          options.newCalibration};
+}
 
 std::optional<Trouble> ImportOutcome::anyTrouble() const {
   UnreadableSeries unreadable;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "apps/pelmora/curve_session.h"
+#include "apps/pelmora/options/common_options.h"
 #include "apps/pelmora/stand_runs.h"
 #include "apps/pelmora/stored_change.h"
 #include "apps/pelmora/trouble.h"
@@ -21,6 +22,9 @@ struct ImportRequest {
   std::int16_t reCalID = -1, standID = -1, positionID = -1;
   bool newCalibration = false;
 };
+
+// Errors: Trouble usage, as of standRuns.
+[[nodiscard]] ImportRequest importRequest(const ImportOptions& options);
 
 struct DerivedSeries {
   std::string name;

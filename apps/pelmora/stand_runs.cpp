@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/stand_runs.h"
 
-#include "apps/pelmora/csv_points.h"
+#include "apps/pelmora/input/csv_points.h"
 #include "apps/pelmora/curve_session.h"
-#include "apps/pelmora/strict_number.h"
+#include "apps/pelmora/options/strict_number.h"
 #include "apps/pelmora/trouble.h"
 #include "base/text_flaw.h"
 

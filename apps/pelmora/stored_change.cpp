@@ -3,7 +3,7 @@
 
 #include "apps/pelmora/interruption.h"
 #include "apps/pelmora/last_words.h"
-#include "apps/pelmora/text_table.h"
+#include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/time_text.h"
 #include "apps/pelmora/trouble.h"
 #include "base/version.h"

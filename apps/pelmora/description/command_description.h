@@ -5,10 +5,6 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-}
-
 namespace pelmora::cli {
 
 enum class ValueKind { none, text, file, meter, series, choice };
@@ -35,8 +31,5 @@ struct ProgramDescription {
   std::vector<OptionDescription> options;
   std::vector<CommandDescription> commands;
 };
-
-// In the order in which they were added; hidden commands and options are left out.
-[[nodiscard]] ProgramDescription describe(const CLI::App& app);
 
 }  // namespace pelmora::cli

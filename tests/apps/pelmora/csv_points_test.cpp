@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "apps/pelmora/csv_points.h"
+#include "apps/pelmora/input/csv_points.h"
 
 #include "apps/pelmora/trouble.h"
 #include "tests/support/scratch_folder.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "apps/pelmora/progress.h"
+#include "apps/pelmora/output/progress.h"
 
 #include <gtest/gtest.h>
 

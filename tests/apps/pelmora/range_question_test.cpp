@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "apps/pelmora/range_question.h"
+#include "apps/pelmora/input/range_question.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "apps/pelmora/strict_number.h"
+#include "apps/pelmora/options/strict_number.h"
 
 #include "apps/pelmora/trouble.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "apps/pelmora/text_table.h"
+#include "apps/pelmora/output/text_table.h"
 
 #include <gmock/gmock.h>
 

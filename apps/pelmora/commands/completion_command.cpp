@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/command_line.h"
+#include "apps/pelmora/commands/commands.h"
+#include "apps/pelmora/options/common_options.h"
+#include "apps/pelmora/curve_session.h"
+#include "apps/pelmora/description/shell_completion.h"
+#include "apps/pelmora/trouble.h"
+
+#include <memory>
+
+namespace pelmora::cli {
+namespace {
+
+std::string completionOf(const std::string& shell, const ProgramDescription& program) {
+  if (shell == "bash") return bashCompletion(program);
+  return shell == "zsh" ? zshCompletion(program) : fishCompletion(program);
+}
+
+struct NamesOptions {
+  std::string kind, path, meter;
+};
+
+// One name a line, for the completion of a half-typed line: what cannot be told is left out.
+void listNames(const NamesOptions& options) {
+  // Whoever presses a key does not wait for a lock.
+  CurveSession session({options.path, std::chrono::milliseconds(250)}, Access::read);
+  std::vector<std::string> names;
+  if (options.kind == "meters") {
+    names = session.serialNumbers();
+  } else if (!options.meter.empty()) {
+    names = session.seriesNames(session.requireMeter(options.meter, -1));
+  }
+  session.progress().clear();
+  std::string text;
+  for (const std::string& name : names) text += oneLine(name) + "\n";
+  printData(text);
+}
+
+}  // namespace
+
+void addCompletionCommand(Program& program) {
+  Command command = program.add(
+      "completion",
+      "Write the completion script of a shell. For example: pelmora completion bash >> ~/.bashrc");
+  const auto shell = std::make_shared<std::string>();
+  command.addChoice({"SHELL", "bash|zsh|fish", "Shell that will complete", true}, *shell);
+  command.onRun([&program, shell] { printData(completionOf(*shell, program.description())); });
+}
+
+void addNamesCommand(Program& program) {
+  Command command = program.add("names", "List names of a curve database");
+  command.hide();  // for the completion scripts, not for people
+  const auto options = std::make_shared<NamesOptions>();
+  command.addChoice({"KIND", "meters|series", "What to list", true}, options->kind);
+  addDatabase(command, options->path);
+  addMeter(command, options->meter, false);
+  command.onRun([options] { listNames(*options); });
+}
+
+}  // namespace pelmora::cli

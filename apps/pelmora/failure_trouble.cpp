@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/failure_trouble.h"
+
+namespace pelmora::cli {
+namespace {
+
+template <class Kind>
+bool isKind(const calibration::Failure& failure) {
+  return dynamic_cast<const Kind*>(&failure) != nullptr;
+}
+
+ExitCode codeOf(const calibration::Failure& failure) {
+  if (isKind<calibration::NotFound>(failure)) return ExitCode::unknownName;
+  if (isKind<calibration::Damaged>(failure)) return ExitCode::badInput;
+  if (isKind<calibration::Locked>(failure) || isKind<calibration::Unusable>(failure) ||
+      isKind<calibration::Exists>(failure) || isKind<calibration::Changed>(failure)) {
+    return ExitCode::database;
+  }
+  if (isKind<calibration::BadData>(failure)) return ExitCode::badInput;
+  if (isKind<calibration::OutOfRange>(failure)) return ExitCode::rangeRefused;
+  if (isKind<calibration::NoFit>(failure)) return ExitCode::notFitted;
+  return ExitCode::unexpected;
+}
+
+}  // namespace
+
+Trouble troubleOf(const calibration::Failure& failure) {
+  requireMemory(failure);
+  if (isKind<calibration::Locked>(failure)) {
+    return {ExitCode::database, failure.what(),
+            "nothing was changed; " + failure.remedy() + ", or wait longer with --wait SECONDS"};
+  }
+  return {codeOf(failure), failure.what(), failure.remedy()};
+}
+
+}  // namespace pelmora::cli

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/options/common_options.h"
+
+#include "apps/pelmora/options/names.h"
+#include "apps/pelmora/options/strict_number.h"
+#include "apps/pelmora/output/text_table.h"
+#include "apps/pelmora/trouble.h"
+
+#include <pelmora/calibration/fit.h>
+
+#include <cmath>
+#include <limits>
+
+namespace pelmora::cli {
+namespace {
+
+constexpr double mostSeconds = 86400;
+const double usualBand = calibration::FitSettings().band;
+constexpr std::int64_t mostSmall = std::numeric_limits<std::int16_t>::max();
+
+}  // namespace
+
+void addSmallInteger(Command& command, const std::string& name, std::int16_t& value,
+                     std::int64_t lowest, const std::string& help) {
+  command.addText({name, "N", help}, [&value, name, lowest](const std::string& text) {
+    value = static_cast<std::int16_t>(integerOption(name, text, lowest, mostSmall));
+  });
+}
+
+void addPath(Command& command, const OptionText& option, std::string& path) {
+  const std::string shown = option.names.substr(option.names.find(',') + 1);
+  command.addText(option, [&path, shown](const std::string& text) {
+    requirePath(shown, text);
+    path = text;
+  });
+}
+
+void addDatabase(Command& command, std::string& path) {
+  command.addText({"CURVES", "FILE", "Curve database", true}, [&path](const std::string& text) {
+    requireDatabasePath("CURVES", text);
+    path = text;
+  });
+}
+
+void addDatabase(Command& command, DatabaseOption& curves) {
+  addDatabase(command, curves.path);
+  command.addText({"--wait", "SECONDS",
+                   "How long to wait while another program has the database locked (default 30)"},
+                  [&curves](const std::string& text) {
+                    const double seconds = numberOption("--wait", text);
+                    if (seconds < 0 || seconds > mostSeconds) {
+                      throw Trouble(ExitCode::usage, "--wait: '" + text + "' is out of range",
+                                    "give seconds, from 0 to " + significantText(mostSeconds, 6));
+                    }
+                    curves.wait = std::chrono::milliseconds(std::llround(seconds * 1000));
+                  });
+}
+
+void addMeter(Command& command, std::string& serialNumber, bool isRequired) {
+  command.addText({"--meter", "SN", "Serial number of the meter", isRequired}, serialNumber);
+}
+
+void addSeries(Command& command, std::string& name, bool isRequired) {
+  command.addText({"--series", "NAME", "Name of the series", isRequired}, name);
+}
+
+void addSeriesList(Command& command, std::vector<std::string>& names) {
+  command.addTexts(
+      {"--series", "NAME", "Name of a series; repeat for more (default: all of the meter)"}, names);
+}
+
+void addCalibration(Command& command, std::int16_t& reCalID) {
+  addSmallInteger(command, "--calibration", reCalID, 0,
+                  "Number of the meter's calibration (default: the latest)");
+}
+
+void addJson(Command& command, bool& asJson) {
+  command.addFlag("--json", asJson, "Write JSON instead of tables");
+}
+
+void addDryRun(Command& command, bool& isDryRun) {
+  command.addFlag("--dry-run", isDryRun, "Show what would be done and change nothing");
+}
+
+void addNoInput(Command& command, bool& neverAsks) {
+  command.addFlag("--no-input", neverAsks, "Never ask");
+}
+
+void addConsent(Command& command, Consent& consent) {
+  command.addFlag("--yes,-y", consent.isGiven, "Answer the question with yes in advance");
+  command.addFlag("--no-input", consent.neverAsks, "Never ask: without --yes nothing is changed");
+}
+
+void addImport(Command& command, ImportOptions& options) {
+  addMeter(command, options.meter, true);
+  addPath(
+      command,
+      {"--stand", "FILE", "Stand database, or CSV export with header JobRecordID,V1..V37", true},
+      options.stand);
+  command.addTexts({"--job", "A[:B]",
+                    "Job of a run; repeat for each run (of two jobs A:B the import takes the first "
+                    "and says so)",
+                    true},
+                   options.jobs);
+  command.addTexts({"--fluid", "NAME", "Fluid of a run; one for each --job", true}, options.fluids);
+  command.addTexts({"--operator", "NAME", "Operator of a run; one for each --job or one for all"},
+                   options.operators);
+  addSmallInteger(command, "--stand-number", options.standNumber, 0, "Number of the stand");
+  addSmallInteger(command, "--position", options.position, 0, "Position of the meter on the stand");
+  addCalibration(command, options.calibration);
+  command.addFlag("--new-calibration", options.newCalibration,
+                  "Start the meter's next calibration");
+}
+
+void addFitTests(Command& command, FitTests& options) {
+  command.addText({"--points", "N", "Points of the fitted curve (default 40)"},
+                  [&options](const std::string& text) {
+                    options.points =
+                        static_cast<std::int16_t>(integerOption("--points", text, 2, mostSmall));
+                  });
+  command.addText(
+      {"--band", "PERCENT",
+       "Band of the band test in per cent (default " + significantText(usualBand, 6) + ")"},
+      [&options](const std::string& text) {
+        options.band = numberOption("--band", text);
+        if (*options.band >= 0) return;
+        throw Trouble(ExitCode::usage, "--band: '" + text + "' is negative",
+                      "give per cent, 0 or more");
+      });
+  addPath(command,
+          {"--equations", "PATH",
+           "Equation file, or folder with 'equations.txt' and 'ratio equations.txt'"},
+          options.equations);
+}
+
+}  // namespace pelmora::cli

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/options/configuration.h"
+
+#include "apps/pelmora/input/input_file.h"
+#include "apps/pelmora/trouble.h"
+
+#include <cstdlib>
+#include <istream>
+#include <utility>
+
+namespace pelmora::cli {
+namespace {
+
+std::string trimmed(const std::string& text) {
+  constexpr const char* blanks = " \t\r";
+  const std::size_t first = text.find_first_not_of(blanks);
+  if (first == std::string::npos) return {};
+  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+}  // namespace
+
+std::string configurationFile() {
+  const auto folder = [](const char* variable, const char* below) {
+    const char* value = std::getenv(variable);
+    return value == nullptr || *value == '\0' ? std::string() : value + std::string(below);
+  };
+  for (const std::string& file :
+       {folder("PELMORA_CONFIG", ""), folder("XDG_CONFIG_HOME", "/pelmora/config.ini"),
+        folder("HOME", "/.config/pelmora/config.ini")}) {
+    if (!file.empty()) return file;
+  }
+  return {};
+}
+
+void requireConfigurationFile(const std::string& path) {
+  if (path == "/dev/null") return;
+  const std::string kind = otherKind(path);
+  if (kind.empty()) return;
+  throw Trouble(ExitCode::usage,
+                "the configuration file '" + path + "' cannot be read: it is " + kind,
+                "name a file with --config FILE or PELMORA_CONFIG");
+}
+
+std::string ConfigurationReader::to_config(const CLI::App* /*app*/, bool /*defaultAlso*/,
+                                           bool /*writeDescription*/,
+                                           std::string /*prefix*/) const {
+  return {};  // no command writes one
+}
+
+std::vector<CLI::ConfigItem> ConfigurationReader::from_config(std::istream& input) const {
+  std::vector<CLI::ConfigItem> found;
+  std::vector<std::string> command;
+  std::size_t number = 0;
+  for (std::string line; std::getline(input, line);) {
+    ++number;
+    if (number == 1 && line.starts_with("\xEF\xBB\xBF")) line.erase(0, 3);
+    line = trimmed(line);
+    if (line.empty() || line.front() == '#' || line.front() == ';') continue;
+    if (line.front() == '[' && line.back() == ']') {
+      command = {trimmed(line.substr(1, line.size() - 2))};
+      continue;
+    }
+    const std::size_t equals = line.find('=');
+    const bool isAlone = equals == std::string::npos;
+    CLI::ConfigItem item;
+    item.parents = command;
+    item.name = trimmed(line.substr(0, equals));
+    item.inputs = {isAlone ? "true" : trimmed(line.substr(equals + 1))};
+    if (item.name.empty() || item.inputs.front().empty()) {
+      throw Trouble(
+          ExitCode::usage,
+          "configuration file '" + path_ + "', line " + std::to_string(number) + ": " +
+              (item.name.empty() ? "there is no name" : "'" + item.name + "' has no value"),
+          "write NAME=VALUE, or leave the line out");
+    }
+    const bool isMore =
+        !found.empty() && found.back().name == item.name && found.back().parents == item.parents;
+    if (isMore) {
+      found.back().inputs.push_back(item.inputs.front());
+    } else {
+      found.push_back(std::move(item));
+    }
+  }
+  return found;
+}
+
+}  // namespace pelmora::cli

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/session.h"
+
+#include "apps/pelmora/failure_trouble.h"
+#include "apps/pelmora/interruption.h"
+#include "apps/pelmora/lock_holder.h"
+
+namespace pelmora::cli {
+
+Session::Session(const DatabaseOption& curves, calibration::Mode mode) : curves_(curves) {
+  calibration::OpenOptions options;
+  options.mode = mode;
+  options.patience = patienceWith(curves.path, curves.wait, progress_);
+  try {
+    database_.emplace(curves.path, std::move(options));
+  } catch (const calibration::NotFound& missing) {
+    throw Trouble(ExitCode::database, missing.what(),
+                  "name a curve database, or make one with 'pelmora init FILE'");
+  }
+  progress_.endWait();
+}
+
+calibration::Observer Session::observer() {
+  calibration::Observer observer;
+  observer.status = [this](const std::string& text) {
+    requireNotInterrupted();
+    progress_.show(text);
+  };
+  return observer;
+}
+
+calibration::Stand Session::openStand(const std::string& path) {
+  try {
+    return calibration::Stand(path, patienceWith(path, curves_.wait, progress_));
+  } catch (const calibration::NotFound& missing) {
+    throw Trouble(ExitCode::database, missing.what(), missing.remedy());
+  }
+}
+
+}  // namespace pelmora::cli
