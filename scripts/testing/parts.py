@@ -109,7 +109,7 @@ class WindowsPart(Part):
 
 def parts():
     # Other programs, which are not built with them, and many rounds of what runs once under them.
-    not_under_sanitizers = "slow|browser|stress"
+    not_under_sanitizers = "slow|browser|long"
     return [
         FormatPart("format", "every C++ file is formatted"),
         Part("release", "optimised: all rooms, the command line, documents, packages, the report page in a browser",
@@ -128,7 +128,7 @@ def quick(known):
     chosen = [part for part in known if part.name in ("format", "release", "sanitize")]
     for part in chosen:
         if part.name == "release":
-            part.select = ["--label-exclude", "stress"]
+            part.select = ["--label-exclude", "long"]
         if part.name == "sanitize":
             part.select = ["--label-regex", "memory"]
             part.targets = ["memory_tests"]
