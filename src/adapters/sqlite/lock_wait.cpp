@@ -4,7 +4,6 @@
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <random>
 #include <thread>
 
 namespace pelmora::sqlite {
@@ -16,14 +15,6 @@ using std::chrono::microseconds;
 
 // Short enough for a lock that is held while a disk writes.
 constexpr microseconds shortest = 2ms;
-
-// Several who came at the same moment do not look at the same moment forever.
-microseconds scattered(microseconds pause) {
-  thread_local std::minstd_rand random{std::random_device()()};
-  return std::uniform_int_distribution<microseconds::rep>(pause.count() / 2,
-                                                          pause.count() * 3 / 2)(random) *
-         1us;
-}
 
 }  // namespace
 
@@ -37,6 +28,13 @@ microseconds pauseAfter(microseconds waited, microseconds limit) {
     pause = 5ms;
   }
   return std::clamp((limit - waited) / 20, shortest, pause);
+}
+
+microseconds LockWait::scattered(microseconds pause) {
+  if (!random_) random_.emplace(std::random_device()());
+  return std::uniform_int_distribution<microseconds::rep>(pause.count() / 2,
+                                                          pause.count() * 3 / 2)(*random_) *
+         1us;
 }
 
 void LockWait::handle(sqlite3* database) {

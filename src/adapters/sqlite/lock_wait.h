@@ -5,6 +5,8 @@
 #include <pelmora/patience.h>
 
 #include <chrono>
+#include <optional>
+#include <random>
 #include <utility>
 
 struct sqlite3;
@@ -29,10 +31,13 @@ class LockWait {
  private:
   static int call(void* self, int count) noexcept;
   bool wait(bool isFirst);
+  // Several who came at the same moment do not look at the same moment forever.
+  std::chrono::microseconds scattered(std::chrono::microseconds pause);
 
   Patience patience_;
   sqlite3* database_ = nullptr;
   std::chrono::steady_clock::time_point begin_;
+  std::optional<std::minstd_rand> random_;  // from the first wait on
 };
 
 }  // namespace pelmora::sqlite
