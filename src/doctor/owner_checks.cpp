@@ -5,6 +5,7 @@
 #include "doctor/places.h"
 #include "doctor/series_blocks.h"
 #include "history/row_access.h"
+#include "store/curve_schema.h"
 
 #include <set>
 

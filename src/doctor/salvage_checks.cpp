@@ -3,6 +3,7 @@
 #include "doctor/checks.h"
 #include "doctor/places.h"
 #include "history/row_access.h"
+#include "store/curve_schema.h"
 
 #include <set>
 
@@ -10,11 +11,10 @@ namespace pelmora::doctor {
 
 // A part that has another number of rows by now has been brought again.
 void checkSalvagedParts(const ConnectionPtr& curves, Findings& findings) {
-  constexpr const char* marks = "pelmora_salvaged_part";
-  if (!hasTable(curves, marks)) return;
+  if (!hasTable(curves, salvagedPartTable)) return;
   std::set<std::int64_t> incomplete;
   for (const auto rows = history::read(
-           curves, "Select m.SeriesID, m.Part, m.RowsRead from " + std::string(marks) +
+           curves, "Select m.SeriesID, m.Part, m.RowsRead from " + std::string(salvagedPartTable) +
                        " AS m INNER JOIN series ON m.SeriesID=series.ID");
        !rows->atEnd(); rows->moveNext()) {
     const std::int64_t series = history::wholeOf(rows->value(0));

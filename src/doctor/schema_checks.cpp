@@ -1,29 +1,19 @@
 // Checks of tables and indexes.
 // SPDX-License-Identifier: MIT
 #include "doctor/checks.h"
-#include "doctor/places.h"
 #include "history/kept_tables.h"
+#include "store/curve_schema.h"
+
+#include <utility>
 
 namespace pelmora::doctor {
 
 std::vector<TableIndex> neededIndexes(const ConnectionPtr& curves) {
-  std::vector<TableIndex> indexes{
-      {"meter_serial_number", "meter", {"SerialNumber", "ReCalID"}},
-      {"master_meter_list_serial_number", "masterMeterList", {"SerialNumber", "ReCalID"}},
-      {"series_meter", "series", {"meterid", "name"}},
-      {"data_fit_results_series", "DataFitResults", {"seriesID"}},
-      {"fluids_name", "Fluids", {"Name"}},
-      {"operator_name", "Operator", {"Name"}},
-      {"cal_setup_meter", "CalSetup", {"MeterID", "Stand"}},
-      {"cal_data_point_setup", "CalDataPoint", {"CalSetupID", "JobRecordID"}}};
-  for (const std::string table : pointTables)
-    indexes.push_back({table + "_series", table, {"seriesID"}});
-  for (const history::KeptTable& table : history::keptTables()) {
-    if (hasTable(curves, table.HistoryName)) {
-      indexes.push_back({table.HistoryName + "_entry", table.HistoryName, {"EntryID"}});
-    }
-    if (table.MayBeMissing && hasTable(curves, table.Name)) {
-      indexes.push_back({table.Name + "_series", table.Name, {table.KeyColumn}});
+  std::vector<TableIndex> indexes;
+  for (const auto* tables : {&curveTables(), &ownTables()}) {
+    for (const SchemaTable& table : *tables) {
+      if (tables == &ownTables() && !hasTable(curves, table.Name)) continue;
+      for (TableIndex& index : table.designIndexes()) indexes.push_back(std::move(index));
     }
   }
   return indexes;

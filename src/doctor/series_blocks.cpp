@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "doctor/series_blocks.h"
 
-#include "doctor/places.h"
+#include "store/curve_schema.h"
 
 #include <pelmora/own_tables.h>
 

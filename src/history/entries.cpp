@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "history/entries.h"
 
+#include "store/curve_schema.h"
+
 #include <algorithm>
 
 namespace pelmora::history {
@@ -32,9 +34,9 @@ Entry entryOf(const Recordset& rows) {
 
 std::vector<Entry> readEntries(const ConnectionPtr& curves, const std::string& where) {
   std::vector<Entry> list;
-  if (!hasTable(curves, entryTable)) return list;
+  if (!hasTable(curves, historyEntryTable)) return list;
   const auto rows =
-      read(curves, "Select * from " + std::string(entryTable) + where + " ORDER BY ID DESC");
+      read(curves, "Select * from " + std::string(historyEntryTable) + where + " ORDER BY ID DESC");
   for (; !rows->atEnd(); rows->moveNext()) list.push_back(entryOf(*rows));
   return list;
 }
@@ -58,9 +60,9 @@ Ids seriesIds(const ConnectionPtr& curves, const std::vector<Entry>& list,
   Ids entryIds;
   for (const Entry& entry : list) entryIds.push_back(entry.ID);
   const std::string named = "=" + literal(name);
-  Ids ids = idsOf(curves, "Select DISTINCT SeriesID from " + std::string(entryTable) +
+  Ids ids = idsOf(curves, "Select DISTINCT SeriesID from " + std::string(historyEntryTable) +
                               whereIn("ID", entryIds) + " AND SeriesName" + named);
-  const Ids kept = idsOf(curves, "Select DISTINCT ID from pelmora_history_series" +
+  const Ids kept = idsOf(curves, "Select DISTINCT ID from " + historyTableOf("series") +
                                      whereIn("EntryID", entryIds) + " AND name" + named);
   ids.insert(ids.end(), kept.begin(), kept.end());
   return ids;
@@ -135,7 +137,7 @@ void removeEntries(const ConnectionPtr& curves, const std::vector<Entry>& old) {
       if (!hasTable(curves, table.HistoryName)) continue;
       curves->execute("DELETE FROM [" + table.HistoryName + "]" + conditionOfEntry(entry.ID));
     }
-    curves->execute("DELETE FROM " + std::string(entryTable) + whereIn("ID", {entry.ID}));
+    curves->execute("DELETE FROM " + std::string(historyEntryTable) + whereIn("ID", {entry.ID}));
   }
   transaction.commit();
 }

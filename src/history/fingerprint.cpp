@@ -2,6 +2,7 @@
 #include "history/fingerprint.h"
 
 #include "base/word_mixer.h"
+#include "store/curve_schema.h"
 
 #include <bit>
 #include <string_view>
@@ -46,7 +47,9 @@ std::uint64_t fingerprint(const ConnectionPtr& curves, const Scope& scope) {
 }
 
 Scope fittedPoints(std::int32_t MeterID, std::int32_t SeriesID) {
-  return {MeterID, SeriesID, {"meter", "series", "raw1", "raw2", "raw3", "raw4"}};
+  Scope scope{MeterID, SeriesID, {"meter", "series"}};
+  scope.Tables.insert(scope.Tables.end(), rawTables.begin(), rawTables.end());
+  return scope;
 }
 
 Scope fittedPointsAndCurve(std::int32_t MeterID, std::int32_t SeriesID) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "history/kept_change.h"
 
+#include "store/curve_schema.h"
+
 #include <algorithm>
 #include <array>
 #include <string_view>
@@ -41,8 +43,9 @@ std::int64_t addEntry(const ConnectionPtr& curves, const ChangeNote& note, const
       curves, "Select SerialNumber, ReCalID from meter where ID=" + std::to_string(scope.MeterID));
   const auto series =
       read(curves, "Select name from series where ID=" + std::to_string(scope.SeriesID));
-  const auto rows = curves->openRecordset("Select * from " + std::string(entryTable) + " where 1=0",
-                                          CursorType::dynamic, LockType::optimistic);
+  const auto rows =
+      curves->openRecordset("Select * from " + std::string(historyEntryTable) + " where 1=0",
+                            CursorType::dynamic, LockType::optimistic);
   constexpr std::array<std::string_view, 10> fields{
       "ChangedAt", "Command",    "SerialNumber", "ReCalID",  "MeterID",
       "SeriesID",  "SeriesName", "KeptTables",   "UserName", "Version"};

@@ -1,102 +1,37 @@
 // SPDX-License-Identifier: MIT
 #include "history/kept_tables.h"
 
-#include <pelmora/error.h>
+#include "store/curve_schema.h"
 
-#include <utility>
+#include <pelmora/error.h>
 
 namespace pelmora::history {
 namespace {
 
-using Type = OwnColumnType;
-
 constexpr std::int32_t invalidArgument = 5;
 
-KeptTable table(const std::string& name, Owner owner, const std::string& key,
-                std::vector<OwnColumn> columns) {
-  return {name, owner, key, std::move(columns), "pelmora_history_" + name};
-}
-
-KeptTable dataPoints() {
-  KeptTable points = table("CalDataPoint", Owner::setup, "CalSetupID",
-                           {{"CalSetupID", Type::whole}, {"JobRecordID", Type::anything}});
-  constexpr int measuredValues = 37;
-  for (int i = 1; i <= measuredValues; ++i)
-    points.Columns.push_back({"V" + std::to_string(i), Type::real});
-  return points;
-}
-
-KeptTable fitSettings() {
-  KeptTable settings = table("pelmora_fit_settings", Owner::series, "SeriesID",
-                             {{"SeriesID", Type::whole},
-                              {"BandPercent", Type::real},
-                              {"Points", Type::whole},
-                              {"MinRoshko", Type::real},
-                              {"MaxRoshko", Type::real},
-                              {"RatioCurve", Type::whole},
-                              {"Inverted", Type::whole},
-                              {"IgnoreResiduals", Type::whole},
-                              {"Equations", Type::text},
-                              {"SoftwareVersion", Type::text},
-                              {"FittedAt", Type::text},
-                              {"MergeBand", Type::real},
-                              {"KeepsOverlap", Type::whole},
-                              {"PointsFingerprint", Type::text},
-                              {"CurveFingerprint", Type::text}});
-  settings.HistoryName = "pelmora_history_fit_settings";
-  settings.MayBeMissing = true;
-  return settings;
+Owner ownerOf(const SchemaTable& table) {
+  if (table.References.empty()) return Owner::meter;  // table meter itself
+  const std::string& owner = table.References.front().Table;
+  if (owner == "meter") return Owner::meter;
+  return owner == "series" ? Owner::series : Owner::setup;
 }
 
 std::vector<KeptTable> allTables() {
-  std::vector<KeptTable> tables{
-      table("meter", Owner::meter, "ID",
-            {{"ID", Type::whole},
-             {"SerialNumber", Type::text},
-             {"SerialNumberAdjusted", Type::text},
-             {"ReCalID", Type::whole}}),
-      table("series", Owner::meter, "meterid",
-            {{"ID", Type::whole}, {"name", Type::text}, {"meterid", Type::whole}}),
-      table("CalSetup", Owner::meter, "MeterID",
-            {{"ID", Type::whole},
-             {"MeterID", Type::whole},
-             {"Stand", Type::whole},
-             {"MeterPosition", Type::whole},
-             {"OperatorID", Type::whole},
-             {"FluidID", Type::whole},
-             {"DateTaken", Type::text}}),
-      dataPoints()};
-  for (const char* name : {"raw1", "raw2", "raw3", "raw4", "merge", "curve"}) {
-    tables.push_back(
-        table(name, Owner::series, "seriesID",
-              {{"seriesID", Type::whole}, {"Roshko", Type::real}, {"Strouhal", Type::real}}));
+  std::vector<KeptTable> tables;
+  for (const char* name : keptTableNames) {
+    const SchemaTable& table = schemaTable(name);
+    tables.push_back({name, ownerOf(table),
+                      table.References.empty() ? "ID" : table.References.front().Column,
+                      table.Columns, historyTableOf(name), isOwnTableName(name)});
   }
-  tables.push_back(table("DataFitResults", Owner::series, "seriesID",
-                         {{"seriesID", Type::whole}, {"summary", Type::text}}));
-  tables.push_back(fitSettings());
   return tables;
 }
 
-OwnTable entries() {
-  return {entryTable,
-          {{"ID", Type::key},
-           {"ChangedAt", Type::text},
-           {"Command", Type::text},
-           {"SerialNumber", Type::text},
-           {"ReCalID", Type::whole},
-           {"MeterID", Type::whole},
-           {"SeriesID", Type::whole},
-           {"SeriesName", Type::text},
-           {"KeptTables", Type::text},
-           {"UserName", Type::text},
-           {"Version", Type::text}}};
-}
-
-// The rows of an entry come back in the order of KeptID.
-OwnTable historyOf(const KeptTable& table) {
-  OwnTable history{table.HistoryName, {{"KeptID", Type::key}, {"EntryID", Type::whole}}};
-  history.Columns.insert(history.Columns.end(), table.Columns.begin(), table.Columns.end());
-  return history;
+void create(const ConnectionPtr& curves, const std::string& name) {
+  const SchemaTable& table = schemaTable(name);
+  createTable(curves, table.design());
+  for (const TableIndex& index : table.designIndexes()) createIndex(curves, index);
 }
 
 }  // namespace
@@ -121,18 +56,16 @@ const KeptTable& keptTable(std::string_view name) {
 }
 
 void createHistoryTables(const ConnectionPtr& curves) {
-  createTable(curves, entries());
+  create(curves, historyEntryTable);
   for (const KeptTable& table : keptTables()) {
     // An earlier version may have made it with fewer columns.
-    if (table.MayBeMissing && hasTable(curves, table.Name))
-      createTable(curves, {table.Name, table.Columns});
-    createTable(curves, historyOf(table));
-    createIndex(curves, {table.HistoryName + "_entry", table.HistoryName, {"EntryID"}});
+    if (table.MayBeMissing && hasTable(curves, table.Name)) create(curves, table.Name);
+    create(curves, table.HistoryName);
   }
 }
 
 bool hasHistoryTables(const ConnectionPtr& curves) {
-  if (!hasTable(curves, entryTable)) return false;
+  if (!hasTable(curves, historyEntryTable)) return false;
   for (const KeptTable& table : keptTables()) {
     if (!hasTable(curves, table.HistoryName)) return false;
   }

@@ -20,14 +20,12 @@ struct KeptTable {
   Owner RowsBelongTo = Owner::series;
   std::string KeyColumn;           // that names the owner
   std::vector<OwnColumn> Columns;  // of the given table
-  std::string HistoryName;         // of the table of our own
+  std::string HistoryName;         // of our own table, which keeps them
   bool MayBeMissing = false;       // a table that some databases have
 
   // "[a], [b]": all columns, for a statement.
   [[nodiscard]] std::string columnList() const;
 };
-
-inline constexpr const char* entryTable = "pelmora_history_entry";
 
 // In the order in which rows are brought back: meter, series and set-ups before what belongs to
 // them.

@@ -1,12 +1,24 @@
 // SPDX-License-Identifier: MIT
 #include "history/scope.h"
 
+#include "store/curve_schema.h"
+
+#include <algorithm>
+
 namespace pelmora::history {
 namespace {
 
-const std::vector<std::string> curveTables{"merge", "curve", "DataFitResults",
-                                           "pelmora_fit_settings"};
-const std::vector<std::string> rawTables{"raw1", "raw2", "raw3", "raw4"};
+// The tables whose rows belong to a series: its raw parts, or what fits leave behind.
+std::vector<std::string> tablesOfSeries(bool areRaw) {
+  std::vector<std::string> names;
+  for (const SchemaTable* table : seriesTables()) {
+    const bool isRaw = std::ranges::find(rawTables, table->Name) != rawTables.end();
+    if (isRaw == areRaw) names.push_back(table->Name);
+  }
+  return names;
+}
+std::vector<std::string> rawParts() { return tablesOfSeries(true); }
+std::vector<std::string> results() { return tablesOfSeries(false); }
 
 std::vector<std::string> joined(std::vector<std::string> names,
                                 const std::vector<std::string>& more) {
@@ -30,16 +42,16 @@ Scope rawPart(std::int32_t MeterID, std::int32_t SeriesID, int part) {
 }
 
 Scope fittedCurve(std::int32_t MeterID, std::int32_t SeriesID) {
-  return {MeterID, SeriesID, curveTables};
+  return {MeterID, SeriesID, results()};
 }
 
 Scope wholeSeries(std::int32_t MeterID, std::int32_t SeriesID) {
-  return {MeterID, SeriesID, joined(joined({"series"}, rawTables), curveTables)};
+  return {MeterID, SeriesID, joined(joined({"series"}, rawParts()), results())};
 }
 
 Scope importedRuns(std::int32_t MeterID) {
   return {MeterID, 0,
-          joined(joined({"series", "CalSetup", "CalDataPoint"}, rawTables), curveTables)};
+          joined(joined({"series", "CalSetup", "CalDataPoint"}, rawParts()), results())};
 }
 
 Scope wholeCalibration(std::int32_t MeterID) {

@@ -2,6 +2,7 @@
 #include "base/number_text.h"
 #include "base/run_time_error.h"
 #include "store/connection.h"
+#include "store/curve_schema.h"
 #include "store/field_value.h"
 #include "store/row_text.h"
 
@@ -52,11 +53,8 @@ std::vector<CalSetupInfo> calSetups(const ConnectionPtr& curves, std::int32_t Me
 }
 
 void requireCurveTables(const ConnectionPtr& curves) {
-  for (const char* table :
-       {"meter", "masterMeterList", "series", "raw1", "raw2", "raw3", "raw4", "merge", "curve",
-        "DataFitResults", "CalSetup", "CalDataPoint", "Fluids", "Operator"}) {
-    (void)read(curves, "Select TOP 1 * from " + std::string(table));
-  }
+  for (const SchemaTable& table : curveTables())
+    (void)read(curves, "Select TOP 1 * from " + table.Name);
 }
 
 void requireWritable(const ConnectionPtr& curves) {

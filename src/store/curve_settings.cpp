@@ -2,6 +2,7 @@
 #include "base/number_text.h"
 #include "base/run_time_error.h"
 #include "store/connection.h"
+#include "store/curve_schema.h"
 #include "store/field_value.h"
 
 #include <pelmora/curve_settings.h>
@@ -9,30 +10,13 @@
 
 #include <array>
 #include <string_view>
+#include <vector>
 
 namespace pelmora {
 namespace {
 
-constexpr const char* tableName = "pelmora_fit_settings";
-constexpr std::array<std::string_view, 15> fields{
-    "SeriesID",   "BandPercent", "Points",          "MinRoshko",         "MaxRoshko",
-    "RatioCurve", "Inverted",    "IgnoreResiduals", "Equations",         "SoftwareVersion",
-    "FittedAt",   "MergeBand",   "KeepsOverlap",    "PointsFingerprint", "CurveFingerprint"};
-
-OwnTable design() {
-  using enum OwnColumnType;
-  constexpr std::array<OwnColumnType, fields.size()> types{whole, real,  whole, real, real,
-                                                           whole, whole, whole, text, text,
-                                                           text,  real,  whole, text, text};
-  OwnTable table{tableName, {}};
-  for (std::size_t i = 0; i < fields.size(); ++i) {
-    table.Columns.push_back({std::string(fields[i]), types[i]});
-  }
-  return table;
-}
-
 std::string rowsOf(std::int32_t SeriesID) {
-  return std::string(" from ") + tableName + " where SeriesID=" + numberText(SeriesID);
+  return std::string(" from ") + fitSettingsTable + " where SeriesID=" + numberText(SeriesID);
 }
 
 std::optional<double> numberOrNothing(const Value& value) {
@@ -60,7 +44,7 @@ Value laterColumn(const Recordset& rows, std::string_view name) {
 }  // namespace
 
 std::optional<CurveSettings> keptCurveSettings(const ConnectionPtr& curves, std::int32_t SeriesID) {
-  if (!hasTable(curves, tableName)) return std::nullopt;
+  if (!hasTable(curves, fitSettingsTable)) return std::nullopt;
   const auto rows = curves->openRecordset("Select *" + rowsOf(SeriesID), CursorType::forwardOnly,
                                           LockType::optimistic);
   if (rows->atEnd()) return std::nullopt;
@@ -84,28 +68,31 @@ std::optional<CurveSettings> keptCurveSettings(const ConnectionPtr& curves, std:
 
 void keepCurveSettings(const ConnectionPtr& curves, std::int32_t SeriesID,
                        const CurveSettings& settings) {
-  createTable(curves, design());
-  createIndex(curves, {"pelmora_fit_settings_series", tableName, {"SeriesID"}});
+  const SchemaTable& table = schemaTable(fitSettingsTable);
+  createTable(curves, table.design());
+  for (const TableIndex& index : table.designIndexes()) createIndex(curves, index);
   curves->execute("Delete *" + rowsOf(SeriesID));
-  const std::array<Value, fields.size()> values{
-      Value(std::int64_t{SeriesID}),
-      Value(settings.BandPercent),
-      Value(std::int64_t{settings.Points}),
-      valueOf(settings.Min),
-      valueOf(settings.Max),
-      valueOf(settings.RatioCurve),
-      valueOf(settings.Inverted),
-      valueOf(settings.IgnoreResiduals),
-      settings.Equations ? Value(*settings.Equations) : Value(),
-      Value(settings.SoftwareVersion),
-      Value(settings.FittedAt),
-      valueOf(settings.MergeBandPercent),
-      valueOf(settings.KeepsOverlap),
-      valueOf(settings.PointsFingerprint),
-      valueOf(settings.CurveFingerprint)};
+  // In the order of the table's columns.
+  const std::array values{Value(std::int64_t{SeriesID}),
+                          Value(settings.BandPercent),
+                          Value(std::int64_t{settings.Points}),
+                          valueOf(settings.Min),
+                          valueOf(settings.Max),
+                          valueOf(settings.RatioCurve),
+                          valueOf(settings.Inverted),
+                          valueOf(settings.IgnoreResiduals),
+                          settings.Equations ? Value(*settings.Equations) : Value(),
+                          Value(settings.SoftwareVersion),
+                          Value(settings.FittedAt),
+                          valueOf(settings.MergeBandPercent),
+                          valueOf(settings.KeepsOverlap),
+                          valueOf(settings.PointsFingerprint),
+                          valueOf(settings.CurveFingerprint)};
+  std::vector<std::string_view> fields;
+  for (const OwnColumn& column : table.Columns) fields.emplace_back(column.Name);
   // A record set rather than a statement: an equation file may hold apostrophes.
   curves
-      ->openRecordset(std::string("Select * from ") + tableName + " where SeriesID=-1",
+      ->openRecordset(std::string("Select * from ") + fitSettingsTable + " where SeriesID=-1",
                       CursorType::forwardOnly, LockType::optimistic)
       ->addRow(fields, values);
 }

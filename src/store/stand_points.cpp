@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "base/run_time_error.h"
 #include "store/connection.h"
+#include "store/curve_schema.h"
 #include "store/row_text.h"
 
 #include <pelmora/stand.h>
@@ -9,8 +10,6 @@
 
 namespace pelmora {
 namespace {
-
-constexpr std::size_t measuredValues = 37;
 
 std::unique_ptr<Recordset> readStand(const ConnectionPtr& stand, const std::string& statement) {
   if (!stand) throw makeError(RunTimeError::noObject);

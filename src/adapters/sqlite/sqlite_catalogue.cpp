@@ -3,13 +3,12 @@
 
 #include "adapters/sql_dialect/sqlite_expression.h"
 #include "adapters/sqlite/sqlite_error.h"
-#include "base/text_case.h"
+#include "store/curve_schema.h"
 
 #include <pelmora/error.h>
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <array>
 #include <string>
 
 namespace pelmora::sqlite {
@@ -39,13 +38,7 @@ sql::ColumnKind kindOf(std::string declared) {
 
 // Of a curve database, those that other hosts do not know included.
 bool isCurveTable(std::string_view name) {
-  constexpr std::array<std::string_view, 14> tables{
-      "meter", "masterMeterList", "series",   "raw1",         "raw2",   "raw3",    "raw4", "merge",
-      "curve", "DataFitResults",  "CalSetup", "CalDataPoint", "Fluids", "Operator"};
-  constexpr std::string_view own = "pelmora_";
-  return equalNames(name.substr(0, own.size()), own) ||
-         std::ranges::any_of(tables,
-                             [&](std::string_view table) { return equalNames(table, name); });
+  return isOwnTableName(name) || findSchemaTable(name) != nullptr;
 }
 
 }  // namespace

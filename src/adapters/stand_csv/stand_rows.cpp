@@ -58,9 +58,7 @@ std::optional<Number> wholeText(std::string_view text) {
 
 }  // namespace
 
-std::string columnName(std::size_t column) {
-  return column == 0 ? "JobRecordID" : "V" + std::to_string(column);
-}
+std::string columnName(std::size_t column) { return standTableColumns()[column].Name; }
 
 bool isFirstColumn(std::string_view headerField) {
   return columnNamed(headerField) == std::size_t{0};

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "adapters/stand_csv/csv_reader.h"
+#include "store/curve_schema.h"
 
 #include <pelmora/types.h>
 
@@ -15,7 +16,7 @@
 namespace pelmora::stand {
 
 // JobRecordID, then V1 to V37.
-inline constexpr std::size_t columnCount = 38;
+inline constexpr std::size_t columnCount = measuredValues + 1;
 [[nodiscard]] std::string columnName(std::size_t column);
 // Whether a header's field names the job column, without regard to case.
 [[nodiscard]] bool isFirstColumn(std::string_view headerField);

@@ -3,6 +3,7 @@
 
 #include "base/number_text.h"
 #include "base/run_time_error.h"
+#include "store/curve_schema.h"
 #include "store/name_text.h"
 #include "store/reading.h"
 
@@ -13,19 +14,10 @@
 namespace pelmora::calibration::steps {
 namespace {
 
-constexpr std::size_t measuredValues = 37;  // V1 to V37
-
 bool isWholeNumber(const std::string& text) {
   std::int64_t number = 0;
   const auto [end, code] = std::from_chars(text.data(), text.data() + text.size(), number);
   return code == std::errc() && end == text.data() + text.size();
-}
-
-// JobRecordID, V1 ... V37.
-std::vector<std::string> columns() {
-  std::vector<std::string> names{"JobRecordID"};
-  for (std::size_t i = 1; i <= measuredValues; ++i) names.push_back("V" + std::to_string(i));
-  return names;
 }
 
 std::string joined(const std::vector<std::string>& names) {
@@ -61,7 +53,8 @@ void copyStandRows(Connection& stand, Connection& curves, std::int32_t CalSetupI
   if (!isWholeNumber(job)) throw makeError(RunTimeError::typeMismatch);
   curves.execute("Delete * from CalDataPoint where CalDataPoint.calsetupid=" +
                  numberText(CalSetupID));
-  const std::vector<std::string> measured = columns();
+  std::vector<std::string> measured;
+  for (const OwnColumn& column : standTableColumns()) measured.push_back(column.Name);
   const auto from =
       readRows(stand, "Select " + joined(measured) + " from DataPoint where JobRecordID=" + job);
 

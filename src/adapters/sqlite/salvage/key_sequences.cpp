@@ -1,39 +1,21 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sqlite/salvage/key_sequences.h"
 
+#include "adapters/sql_dialect/sqlite_expression.h"
 #include "adapters/sqlite/database_handle.h"
 #include "adapters/sqlite/prepared_statement.h"
+#include "store/curve_schema.h"
 
 #include <pelmora/error.h>
 
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <array>
 #include <limits>
 #include <string_view>
 
 namespace pelmora::sqlite::salvage {
 namespace {
-
-struct Reference {
-  const char *owner, *table, *column;
-};
-
-constexpr std::array<Reference, 14> references{{{"series", "raw1", "seriesID"},
-                                                {"series", "raw2", "seriesID"},
-                                                {"series", "raw3", "seriesID"},
-                                                {"series", "raw4", "seriesID"},
-                                                {"series", "merge", "seriesID"},
-                                                {"series", "curve", "seriesID"},
-                                                {"series", "DataFitResults", "seriesID"},
-                                                {"meter", "series", "meterid"},
-                                                {"meter", "CalSetup", "MeterID"},
-                                                {"CalSetup", "CalDataPoint", "CalSetupID"},
-                                                {"Fluids", "CalSetup", "FluidID"},
-                                                {"Operator", "CalSetup", "OperatorID"},
-                                                {"series", "pelmora_history_series", "ID"},
-                                                {"meter", "pelmora_history_meter", "ID"}}};
 
 // Ids of the component are 32 bits wide.
 constexpr std::int64_t largestId = std::numeric_limits<std::int32_t>::max();
@@ -43,6 +25,16 @@ bool hasTable(const DatabaseHandle& output, std::string_view name) {
                           "SELECT 1 FROM main.sqlite_master WHERE type = 'table' AND name = ?1");
   table.bind(1, name);
   return table.step();
+}
+
+std::int64_t largestNamed(const DatabaseHandle& output, const std::string& table,
+                          const std::string& column) {
+  const std::string name = sql::quotedName(column);
+  PreparedStatement ids(output.get(), "SELECT MAX(" + name + ") FROM main." +
+                                          sql::quotedName(table) + " WHERE typeof(" + name +
+                                          ") = 'integer' AND " + name +
+                                          " <= " + std::to_string(largestId));
+  return ids.step() ? sqlite3_column_int64(ids.get(), 0) : 0;
 }
 
 }  // namespace
@@ -67,14 +59,12 @@ void KeySequences::read(const StoredTable& sequences, const PageFile& file, Page
 }
 
 void KeySequences::store(const DatabaseHandle& output) {
-  for (const Reference& reference : references) {
-    if (!hasTable(output, reference.table)) continue;
-    const std::string column = std::string("\"") + reference.column + "\"";
-    PreparedStatement ids(output.get(), "SELECT MAX(" + column + ") FROM main.\"" +
-                                            reference.table + "\" WHERE typeof(" + column +
-                                            ") = 'integer' AND " + column +
-                                            " <= " + std::to_string(largestId));
-    if (ids.step()) note(reference.owner, sqlite3_column_int64(ids.get(), 0));
+  for (const auto* tables : {&curveTables(), &ownTables()}) {
+    for (const SchemaTable& table : *tables) {
+      if (!hasTable(output, table.Name)) continue;
+      for (const RowReference& reference : table.References)
+        note(reference.Table, largestNamed(output, table.Name, reference.Column));
+    }
   }
   PreparedStatement raise(output.get(),
                           "UPDATE main.sqlite_sequence SET seq = max(seq, ?2) WHERE name = ?1");

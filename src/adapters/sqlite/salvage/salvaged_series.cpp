@@ -3,19 +3,16 @@
 
 #include "adapters/sqlite/database_handle.h"
 #include "adapters/sqlite/prepared_statement.h"
+#include "adapters/sqlite/sqlite_design.h"
+#include "store/curve_schema.h"
 
 #include <sqlite3.h>
 
-#include <array>
 #include <string>
 #include <string_view>
 
 namespace pelmora::sqlite::salvage {
 namespace {
-
-// Tables whose rows belong to a series.
-constexpr std::array<std::string_view, 8> parts{
-    "raw1", "raw2", "raw3", "raw4", "merge", "curve", "DataFitResults", "pelmora_fit_settings"};
 
 std::uint64_t countAt(const PreparedStatement& statement, int column) {
   return static_cast<std::uint64_t>(sqlite3_column_int64(statement.get(), column));
@@ -37,21 +34,22 @@ const SalvagedTable* tableOf(const SalvageReport& report, std::string_view name)
 // Temporary table salvage_parts: a row for each series and part that is not known to be whole.
 void listParts(const DatabaseHandle& output, const SalvageReport& report) {
   output.run("CREATE TEMP TABLE salvage_parts (seriesID, part TEXT, rowsRead, rowsLost)");
-  for (const std::string_view part : parts) {
+  for (const SchemaTable* ofSeries : seriesTables()) {
+    const std::string& part = ofSeries->Name;
     const SalvagedTable* table = tableOf(report, part);
     if (table == nullptr || table->isWhole()) continue;
-    const std::string name = "main.\"" + std::string(part) + "\"";
+    const std::string name = "main.\"" + part + "\"";
     const std::string known =
         "SELECT l.seriesID, l.part, (SELECT COUNT(*) FROM " + name +
         " WHERE seriesID = l.seriesID), l.rows FROM temp.salvage_lost AS l WHERE l.part = '" +
-        std::string(part) + "' AND l.seriesID IS NOT NULL";
+        part + "' AND l.seriesID IS NOT NULL";
     output.run(("INSERT INTO temp.salvage_parts " + known).c_str());
     if (table->Lost) continue;
     const std::string others =
-        "SELECT s.ID, '" + std::string(part) + "', (SELECT COUNT(*) FROM " + name +
+        "SELECT s.ID, '" + part + "', (SELECT COUNT(*) FROM " + name +
         " WHERE seriesID = s.ID), NULL FROM main.series AS s WHERE s.ID NOT IN (SELECT seriesID "
         "FROM temp.salvage_lost WHERE part = '" +
-        std::string(part) + "' AND seriesID IS NOT NULL)";
+        part + "' AND seriesID IS NOT NULL)";
     output.run(("INSERT INTO temp.salvage_parts " + others).c_str());
   }
   output.run("CREATE INDEX temp.salvage_parts_series ON salvage_parts (seriesID)");
@@ -98,11 +96,10 @@ void addOrphans(const DatabaseHandle& output, SalvageReport& report) {
       countOf(output, "main.series WHERE meterid NOT IN (SELECT ID FROM main.meter)") +
       countOf(output, "main.CalSetup WHERE MeterID NOT IN (SELECT ID FROM main.meter)") +
       countOf(output, "main.CalDataPoint WHERE CalSetupID NOT IN (SELECT ID FROM main.CalSetup)");
-  for (const std::string_view part : parts) {
-    if (tableOf(report, part) == nullptr) continue;
-    report.OrphanedRows +=
-        countOf(output, "main.\"" + std::string(part) +
-                            "\" WHERE seriesID NOT IN (SELECT ID FROM main.series)");
+  for (const SchemaTable* table : seriesTables()) {
+    if (tableOf(report, table->Name) == nullptr) continue;
+    report.OrphanedRows += countOf(
+        output, "main.\"" + table->Name + "\" WHERE seriesID NOT IN (SELECT ID FROM main.series)");
   }
 }
 
@@ -114,12 +111,13 @@ void describeSeries(const DatabaseHandle& output, SalvageReport& report) {
   addMeters(output, report);
   addOrphans(output, report);
   if (report.Series.empty()) return;
-  output.run(
-      "CREATE TABLE IF NOT EXISTS main.pelmora_salvaged_part (SeriesID INTEGER, Part TEXT COLLATE "
-      "NOCASE, RowsRead INTEGER, RowsLost INTEGER);"
-      "DELETE FROM main.pelmora_salvaged_part WHERE (SeriesID, Part) IN (SELECT seriesID, part "
-      "FROM temp.salvage_parts);"
-      "INSERT INTO main.pelmora_salvaged_part SELECT * FROM temp.salvage_parts");
+  output.run(createTableStatement(schemaTable(salvagedPartTable).design()).c_str());
+  const std::string marks = std::string("main.") + salvagedPartTable;
+  output.run(("DELETE FROM " + marks +
+              " WHERE (SeriesID, Part) IN (SELECT seriesID, part FROM temp.salvage_parts);"
+              "INSERT INTO " +
+              marks + " SELECT * FROM temp.salvage_parts")
+                 .c_str());
 }
 
 }  // namespace pelmora::sqlite::salvage

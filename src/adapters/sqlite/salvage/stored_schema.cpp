@@ -160,6 +160,12 @@ std::vector<SchemaRow> rowsOfNewDatabase() {
   return rows;
 }
 
+// How a table was declared in words may change from version to version; where its tree begins
+// depends only on the order in which the tables were made.
+bool isInSamePlace(const SchemaRow& a, const SchemaRow& b) {
+  return a.type == b.type && a.table == b.table && a.root == b.root;
+}
+
 // Tables stay where they were made. A file whose trees begin where those of a new curve database
 // do, each of its kind, has the tables of which the names are lost in the same places too.
 void addTablesOfNewDatabase(const PageFile& file, SchemaRows& found) {
@@ -168,7 +174,7 @@ void addTablesOfNewDatabase(const PageFile& file, SchemaRows& found) {
   std::size_t fitting = 0;
   for (const SchemaRow& row : rows) {
     const auto known = found.rows().find(row.name);
-    if (known != found.rows().end() && !(known->second == row)) return;
+    if (known != found.rows().end() && !isInSamePlace(known->second, row)) return;
     if (!file.read(row.root, bytes)) continue;
     const auto page = readTreePage(bytes, row.root);
     if (!page) continue;  // damaged
