@@ -10,6 +10,7 @@
 #include <pelmora/calibration/history.h>
 #include <pelmora/calibration/import.h>
 #include <pelmora/calibration/observer.h>
+#include <pelmora/calibration/points.h>
 #include <pelmora/calibration/ranking.h>
 #include <pelmora/calibration/refit.h>
 #include <pelmora/calibration/repeat.h>

@@ -3,10 +3,9 @@
 
 #include "base/word_mixer.h"
 #include "calibration/session.h"
+#include "points/point_fingerprint.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <unordered_set>
 
 namespace pelmora::calibration {
@@ -42,22 +41,6 @@ bool isOfOtherPoints(const StoredSeries& series) {
 }
 
 }  // namespace
-
-std::string fingerprintOf(std::span<const PointArray> parts) {
-  WordMixer mixer;
-  for (const PointArray& points : parts) {
-    mixer.add(std::uint64_t{points.size()});
-    for (std::size_t i = 0; i < points.size(); ++i) {
-      mixer.add(points(i, 0));
-      mixer.add(points(i, 1));
-    }
-  }
-  constexpr std::size_t digits = 16;
-  std::array<char, digits> text{};
-  const auto end = std::to_chars(text.data(), text.data() + digits, mixer.state(), 16).ptr;
-  const auto length = static_cast<std::size_t>(end - text.data());
-  return std::string(digits - length, '0') + std::string(text.data(), length);
-}
 
 CurveAge ageOf(const StoredSeries& series) {
   if (series.curve.size() < 2) return CurveAge::none;

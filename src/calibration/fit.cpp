@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "band/band.h"
 #include "base/readable_number.h"
-#include "calibration/curve_age.h"
 #include "calibration/fit_watch.h"
 #include "calibration/merging.h"
 #include "calibration/session.h"
 #include "calibration/steps/catalogue_fit.h"
 #include "calibration/stored_fit.h"
+#include "points/point_fingerprint.h"
 #include "solver/solver.h"
 
 #include <pelmora/own_tables.h>
@@ -104,7 +104,9 @@ Fit Database::fit(const StoredSeries& series, const FitSettings& settings,
   fit.basis = series.basis;
   fit.pointsFingerprint = fingerprintOf(series.raw);
   fit.settings = settings;
-  return fitParts(std::move(fit), series.raw, observer);
+  fit = fitParts(std::move(fit), series.raw, observer);
+  for (CutPoint& point : fit.cut) point.number = series.numberOf(point.part, point.number - 1);
+  return fit;
 }
 
 Fit Database::fit(const Meter& meter, const std::string& series, const FitSettings& settings,

@@ -1,6 +1,7 @@
 // Importing runs of a stand and deriving the series.
 // SPDX-License-Identifier: MIT
 #include "base/text_case.h"
+#include "calibration/exclusions.h"
 #include "calibration/names.h"
 #include "calibration/session.h"
 #include "calibration/stand_check.h"
@@ -124,8 +125,10 @@ Imported Database::importRuns(const Meter& meter, const Stand& stand,
     if (!options.newCalibration) (void)session_->keep(history::importedRuns(meter.id));
     Import import(*session_, imported.meter, stand, wanted, options, observer);
     import.copyRuns();
+    const ExclusionsOfRuns exclusions(*session_, imported.meter);
     imported.series = import.derive(imported.jobWithoutRotorB.empty());
     imported.runs = this->runs(imported.meter);
+    exclusions.applyAgain(imported);
     imported.kept.assign(session_->kept().begin() + static_cast<std::ptrdiff_t>(keptBefore),
                          session_->kept().end());
     return std::move(imported);

@@ -2,7 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "base/suggestion.h"
 #include "calibration/curve_age.h"
+#include "calibration/exclusions.h"
 #include "calibration/names.h"
+#include "calibration/series_lookup.h"
 #include "calibration/session.h"
 #include "calibration/steps/fit_report.h"
 #include "calibration/stored_fit.h"
@@ -53,13 +55,6 @@ std::vector<std::string> distinctSerials(const std::vector<Meter>& meters) {
   return serials;
 }
 
-// The rows of one column, as texts.
-std::vector<std::string> textsOf(Recordset& rows) {
-  std::vector<std::string> texts;
-  for (; !rows.atEnd(); rows.moveNext()) texts.push_back(textOrNothing(rows.value(0)));
-  return texts;
-}
-
 PointArray pointsOf(Session& session, const std::string& table, std::int32_t seriesID) {
   return pointsFromRows(*readRows(
       session.connection(),
@@ -72,6 +67,14 @@ std::size_t StoredSeries::rawPoints() const {
   std::size_t count = 0;
   for (const PointArray& part : raw) count += part.size();
   return count;
+}
+
+std::size_t StoredSeries::numberOf(int part, std::size_t index) const {
+  std::size_t number = index + 1;
+  for (const ExcludedPoint& point : excluded) {  // by rising number
+    if (point.part == part && point.number <= number) ++number;
+  }
+  return number;
 }
 
 std::vector<Meter> Database::meters() const { return readMeters(*session_, ""); }
@@ -121,11 +124,7 @@ std::vector<Run> Database::runs(const Meter& meter) const {
 }
 
 std::vector<std::string> Database::seriesOf(const Meter& meter) const {
-  return session_->asking("listing the series of " + placeOf(meter), [&] {
-    return textsOf(*readRows(session_->connection(),
-                             "Select name from series where meterid = " + std::to_string(meter.id) +
-                                 " ORDER BY ID ASC"));
-  });
+  return seriesNames(*session_, meter);
 }
 
 StoredSeries Database::series(const Meter& meter, const std::string& series) const {
@@ -133,23 +132,11 @@ StoredSeries Database::series(const Meter& meter, const std::string& series) con
   StoredSeries stored;
   stored.meter = meter;
   stored.name = name;
-  const auto ids = session_->asking("looking up " + placeOf(meter, name), [&] {
-    return textsOf(
-        *readRows(session_->connection(),
-                  "Select ID, name from series where meterid = " + std::to_string(meter.id) +
-                      " and name = " + NameText::quoted(name).literal()));
-  });
-  if (ids.empty()) {
-    const auto known = seriesOf(meter);
-    throw NotFound({placeOf(meter) + " has no series '" + name + "' in '" + location() + "'",
-                    location(),
-                    known.empty() ? "it has no series yet: import or bring points first"
-                                  : suggestion(name, known)});
-  }
+  stored.id = requireSeries(*session_, meter, name);
   return session_->asking(placeOf(meter, name) + " cannot be read", [&] {
-    stored.id = static_cast<std::int32_t>(std::stol(ids.front()));
     for (std::size_t part = 0; part < stored.raw.size(); ++part)
       stored.raw[part] = pointsOf(*session_, "raw" + std::to_string(part + 1), stored.id);
+    readExclusions(*session_, stored);
     stored.merged = pointsOf(*session_, "merge", stored.id);
     stored.curve = pointsOf(*session_, "curve", stored.id);
     const auto report =

@@ -93,4 +93,29 @@ void mergeRawParts(Fit& fit, std::span<const PointArray> parts, const Observer& 
   mergeAll(fit, parts, observer);
 }
 
+std::vector<CutPoint> cutByMerge(const StoredSeries& series) {
+  Fit fit;
+  fit.meter = series.meter;
+  fit.series = series.name;
+  fit.settings.ratio = series.name == "Ratio";
+  if (const auto& kept = series.settings) {
+    fit.settings.ratio = kept->RatioCurve;
+    fit.settings.inverted = kept->Inverted;
+    fit.settings.mergeBand = kept->MergeBandPercent;
+    fit.settings.cutsOverlap = !kept->KeepsOverlap;
+  }
+  try {
+    mergeRawParts(fit, series.raw, {});
+  } catch (const BadData&) {
+    return {};
+  }
+  for (std::size_t p = 0; p < series.raw.size(); ++p) {
+    const PointArray& points = series.raw[p];
+    if (points.size() == 1)
+      fit.cut.push_back({static_cast<int>(p + 1), 1, points(0, 0), points(0, 1), {}});
+  }
+  for (CutPoint& point : fit.cut) point.number = series.numberOf(point.part, point.number - 1);
+  return std::move(fit.cut);
+}
+
 }  // namespace pelmora::calibration

@@ -1,5 +1,6 @@
 // Storing the raw points of a series.
 // SPDX-License-Identifier: MIT
+#include "calibration/exclusions.h"
 #include "calibration/names.h"
 #include "calibration/session.h"
 #include "calibration/steps/raw_points.h"
@@ -49,9 +50,11 @@ StoredPoints Database::storeRaw(const Meter& meter, const std::string& series, i
       stored.kept = session_->keep(history::rawPart(meter.id, toInt32(known->value(0)), part));
     }
     stored.seriesID = findOrAddSeriesRow(connection, NameText::quoted(name), meter.id);
+    const steps::WholePart before = steps::readWholePart(connection, part, stored.seriesID);
     const steps::RawTarget target{"raw" + std::to_string(part), stored.seriesID, name};
     steps::removeRawPoints(connection, target);
     steps::insertRawPoints(connection, target, points);
+    keepExclusions(*session_, name, before, stored);
     return stored;
   });
 }

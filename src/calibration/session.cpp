@@ -72,12 +72,14 @@ void Session::throwTranslated(const std::string& doing, const Error& error) cons
   throw Unusable({what, location_, ""}, number);
 }
 
+std::string Session::userName() const { return nameOfUser(options_.userName); }
+
 void Session::begin(const std::string& command) {
   if (hasChange()) throw Failure({"a change is open already", location_, "commit it first"});
   kept_.clear();
   asking("'" + location_ + "' cannot be written now", [&] {
     change_ = std::make_unique<history::KeptChange>(
-        curves_, history::ChangeNote{command, utcText(), nameOfUser(options_.userName), version});
+        curves_, history::ChangeNote{command, utcText(), userName(), version});
   });
 }
 

@@ -23,6 +23,8 @@ class Session {
 
   [[nodiscard]] const std::string& location() const { return location_; }
   [[nodiscard]] const OpenOptions& options() const { return options_; }
+  // Of the options or, if they name none, of the process.
+  [[nodiscard]] std::string userName() const;
   [[nodiscard]] const ConnectionPtr& curves() const { return curves_; }
   [[nodiscard]] Connection& connection() const { return *curves_; }
 

@@ -3,9 +3,9 @@
 
 #include "base/time_text.h"
 #include "base/version.h"
-#include "calibration/curve_age.h"
 #include "calibration/steps/stored_curve.h"
 #include "history/fingerprint.h"
+#include "points/point_fingerprint.h"
 
 namespace pelmora::calibration {
 namespace {

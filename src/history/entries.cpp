@@ -18,6 +18,18 @@ std::vector<std::string> split(const std::string& names) {
   return list;
 }
 
+// An entry from before points could be left out brings its raw parts back without exclusions.
+std::vector<std::string> withExcluded(std::vector<std::string> tables) {
+  const auto has = [&](const char* name) {
+    return std::find(tables.begin(), tables.end(), name) != tables.end();
+  };
+  for (std::size_t part = 0; part < rawTables.size(); ++part) {
+    if (has(rawTables.at(part)) && !has(excludedTables.at(part)))
+      tables.push_back(excludedTables.at(part));
+  }
+  return tables;
+}
+
 Entry entryOf(const Recordset& rows) {
   Entry entry;
   entry.ID = wholeOf(rows.value("ID"));
@@ -28,7 +40,7 @@ Entry entryOf(const Recordset& rows) {
   entry.ReCalID = static_cast<std::int32_t>(wholeOf(rows.value("ReCalID")));
   entry.Kept = {static_cast<std::int32_t>(wholeOf(rows.value("MeterID"))),
                 static_cast<std::int32_t>(wholeOf(rows.value("SeriesID"))),
-                split(textOf(rows.value("KeptTables")))};
+                withExcluded(split(textOf(rows.value("KeptTables"))))};
   return entry;
 }
 

@@ -8,16 +8,18 @@
 namespace pelmora::history {
 namespace {
 
-// The tables whose rows belong to a series: its raw parts, or what fits leave behind.
+// The tables whose rows belong to a series: its raw parts with the points left out of them, or
+// what fits leave behind.
 std::vector<std::string> tablesOfSeries(bool areRaw) {
   std::vector<std::string> names;
   for (const SchemaTable* table : seriesTables()) {
-    const bool isRaw = std::ranges::find(rawTables, table->Name) != rawTables.end();
+    const bool isRaw = std::ranges::find(rawTables, table->Name) != rawTables.end() ||
+                       std::ranges::find(excludedTables, table->Name) != excludedTables.end();
     if (isRaw == areRaw) names.push_back(table->Name);
   }
   return names;
 }
-std::vector<std::string> rawParts() { return tablesOfSeries(true); }
+std::vector<std::string> rawPoints() { return tablesOfSeries(true); }
 std::vector<std::string> results() { return tablesOfSeries(false); }
 
 std::vector<std::string> joined(std::vector<std::string> names,
@@ -38,7 +40,8 @@ Ids owners(const ConnectionPtr& curves, const Scope& scope, Owner owner) {
 }  // namespace
 
 Scope rawPart(std::int32_t MeterID, std::int32_t SeriesID, int part) {
-  return {MeterID, SeriesID, {"raw" + std::to_string(part)}};
+  const auto index = static_cast<std::size_t>(part - 1);
+  return {MeterID, SeriesID, {rawTables.at(index), excludedTables.at(index)}};
 }
 
 Scope fittedCurve(std::int32_t MeterID, std::int32_t SeriesID) {
@@ -46,12 +49,12 @@ Scope fittedCurve(std::int32_t MeterID, std::int32_t SeriesID) {
 }
 
 Scope wholeSeries(std::int32_t MeterID, std::int32_t SeriesID) {
-  return {MeterID, SeriesID, joined(joined({"series"}, rawParts()), results())};
+  return {MeterID, SeriesID, joined(joined({"series"}, rawPoints()), results())};
 }
 
 Scope importedRuns(std::int32_t MeterID) {
   return {MeterID, 0,
-          joined(joined({"series", "CalSetup", "CalDataPoint"}, rawParts()), results())};
+          joined(joined({"series", "CalSetup", "CalDataPoint"}, rawPoints()), results())};
 }
 
 Scope wholeCalibration(std::int32_t MeterID) {

@@ -22,7 +22,7 @@ struct Scope {
   bool operator==(const Scope&) const = default;
 };
 
-// part: 1 to 4.
+// The raw points and the points left out of them. part: 1 to 4.
 [[nodiscard]] PELMORA_API Scope rawPart(std::int32_t MeterID, std::int32_t SeriesID, int part);
 // Curve, merged points, report and settings of the fit.
 [[nodiscard]] PELMORA_API Scope fittedCurve(std::int32_t MeterID, std::int32_t SeriesID);

@@ -101,6 +101,24 @@ SchemaTable fitSettings() {
           asStored};
 }
 
+// Number is the place in the whole part, Rest the fingerprint of the points that the raw table
+// still has.
+SchemaTable excludedPoints(const std::string& name) {
+  return {name,
+          {{"SeriesID", whole},
+           {"Number", whole},
+           {"Roshko", real},
+           {"Strouhal", real},
+           {"Job", text},
+           {"Reason", text},
+           {"ExcludedBy", text},
+           {"ExcludedAt", text},
+           {"Rest", text}},
+          {{name + "_series", {"SeriesID"}}},
+          {{"SeriesID", "series"}},
+          asStored};
+}
+
 SchemaTable historyEntries() {
   return {historyEntryTable,
           {{"ID", key},
@@ -147,6 +165,7 @@ std::vector<SchemaTable> allOwnTables() {
        {},
        asStored},
       historyEntries()};
+  for (const char* name : excludedTables) tables.push_back(excludedPoints(name));
   for (const char* name : keptTableNames) {
     const SchemaTable* given = tableNamed(curveTables(), name);
     tables.push_back(historyOf(given != nullptr ? *given : *tableNamed(tables, name)));

@@ -63,15 +63,32 @@ inline constexpr std::size_t measuredValues = 37;
 // Whether the name is one of our own, also of a version that is newer than this one.
 [[nodiscard]] PELMORA_API bool isOwnTableName(std::string_view name);
 
+// Points left out of the raw parts, one table for each raw table: whatever keeps, replaces or
+// brings back a raw part does the same with its excluded points.
+inline constexpr std::array<const char*, 4> excludedTables{
+    "pelmora_excluded1", "pelmora_excluded2", "pelmora_excluded3", "pelmora_excluded4"};
 inline constexpr const char* fitSettingsTable = "pelmora_fit_settings";
 // Which parts of a series a salvage has left incomplete.
 inline constexpr const char* salvagedPartTable = "pelmora_salvaged_part";
 inline constexpr const char* historyEntryTable = "pelmora_history_entry";
 
 // The tables whose rows the history keeps: owners before what belongs to them.
-inline constexpr std::array<const char*, 12> keptTableNames{
-    "meter", "series", "CalSetup", "CalDataPoint", "raw1",           "raw2",
-    "raw3",  "raw4",   "merge",    "curve",        "DataFitResults", fitSettingsTable};
+inline constexpr std::array<const char*, 16> keptTableNames{"meter",
+                                                            "series",
+                                                            "CalSetup",
+                                                            "CalDataPoint",
+                                                            "raw1",
+                                                            "raw2",
+                                                            "raw3",
+                                                            "raw4",
+                                                            "merge",
+                                                            "curve",
+                                                            "DataFitResults",
+                                                            fitSettingsTable,
+                                                            excludedTables[0],
+                                                            excludedTables[1],
+                                                            excludedTables[2],
+                                                            excludedTables[3]};
 // The table that keeps rows of that one: its columns behind KeptID, the order of the rows, and the
 // entry that they belong to.
 [[nodiscard]] PELMORA_API std::string historyTableOf(std::string_view name);

@@ -82,7 +82,9 @@ TEST(curve_schema_data, rows_of_a_series_lie_in_its_points_report_and_settings) 
   std::vector<std::string> names;
   for (const SchemaTable* table : seriesTables()) names.push_back(table->Name);
   EXPECT_EQ(names, (std::vector<std::string>{"raw1", "raw2", "raw3", "raw4", "merge", "curve",
-                                             "DataFitResults", "pelmora_fit_settings"}));
+                                             "DataFitResults", "pelmora_fit_settings",
+                                             "pelmora_excluded1", "pelmora_excluded2",
+                                             "pelmora_excluded3", "pelmora_excluded4"}));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <pelmora/calibration/history.h>
 #include <pelmora/calibration/import.h>
 #include <pelmora/calibration/observer.h>
+#include <pelmora/calibration/points.h>
 #include <pelmora/calibration/refit.h>
 #include <pelmora/calibration/repeat.h>
 #include <pelmora/calibration/values.h>
@@ -110,7 +111,8 @@ class PELMORA_API Database {
 
   // Copies runs into the calibration and derives Rotor A and, if all runs have readings of rotor B,
   // Rotor B, Rotor Sum and Ratio. A run in a fluid that the calibration already has replaces
-  // the earlier run.
+  // the earlier run. Points that were excluded and come again, from the same job with the same
+  // values, stay excluded; Imported::dropped lists the exclusions of all others.
   //
   // Errors: NotFound for a job; BadData, with job, point and column, for a reading that is missing,
   //         is a text or divides by zero, for a fluid given twice, and for more than four fluids.
@@ -118,12 +120,34 @@ class PELMORA_API Database {
                       const ImportOptions& options = {}, const Observer& observer = {});
 
   // Stores points as raw part `part` (1 to 4) of a series, in place of that part's old points.
-  // Creates the series if needed.
+  // Creates the series if needed. Exclusions last if the part's points, excluded ones included or
+  // left out, are stored once more; other points end them.
   //
   // points: n points, Roshko and Strouhal.  Errors: BadData for an invalid part, no points, more
   // than 32,767 points, or a value that is not finite.
   StoredPoints storeRaw(const Meter& meter, const std::string& series, int part,
                         const PointArray& points);
+
+  // Every raw point of a series, by part and number, excluded ones too.
+  //
+  // Errors: NotFound; BadData as for series().
+  [[nodiscard]] std::vector<RawPoint> points(const Meter& meter, const std::string& series) const;
+
+  // Leaves points out of a series: they leave the raw parts, so that every program that reads them
+  // sees the reduced series, and are kept with the reason, the user and the time. An exclusion
+  // lasts until include(); it survives a new fit and a new import of the same job. A stored curve
+  // is then outdated.
+  //
+  // Errors: NotFound; BadData for an empty reason, a selection without points or of a point that
+  // does not exist. Points that are excluded already stay as they are.
+  ExclusionChange exclude(const Meter& meter, const std::string& series,
+                          const PointSelection& selection, const std::string& reason,
+                          const ExclusionOptions& options = {});
+  // Puts excluded points back where they were.
+  //
+  // Errors: as for exclude().
+  ExclusionChange include(const Meter& meter, const std::string& series,
+                          const PointSelection& selection, const ExclusionOptions& options = {});
 
   // Merges the raw parts of a series and fits them. Stores nothing.
   //

@@ -59,7 +59,7 @@ struct FitSettings {
 // A raw point that the merge left out.
 struct CutPoint {
   int part = 0;            // 1 to 4
-  std::size_t number = 0;  // from 1, in the order in which the part is stored
+  std::size_t number = 0;  // from 1, in the order of the part; excluded points are counted
   double roshko = 0, strouhal = 0;
   // How far it lies off the line through the merged points next to it; absent beyond their ends.
   std::optional<double> offPercent{};

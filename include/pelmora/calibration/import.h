@@ -2,10 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pelmora/calibration/points.h>
 #include <pelmora/calibration/stand.h>
 #include <pelmora/calibration/values.h>
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -29,14 +31,18 @@ struct Imported {
   bool isNewCalibration = false;  // the meter was unknown, or ImportOptions requested it
   std::vector<Run> runs;          // all runs of the calibration, with those of earlier imports
   std::vector<DerivedSeries> series;
-  std::string jobWithoutRotorB;  // the reason why only Rotor A was derived; empty if there is none
+  std::string jobWithoutRotorB;   // the reason why only Rotor A was derived; empty if there is none
+  std::size_t excludedAgain = 0;  // points whose exclusion lasts
+  std::vector<DroppedExclusion> dropped;  // exclusions of points that did not come again
   std::vector<HistoryEntryId> kept;
 };
 
 struct StoredPoints {
   std::int32_t seriesID = 0;
   bool isNewSeries = false;
-  HistoryEntryId kept = 0;  // the entry of the part's previous points
+  HistoryEntryId kept = 0;   // the entry of the part's previous points
+  std::size_t excluded = 0;  // points of the part whose exclusion lasts
+  std::vector<DroppedExclusion> dropped;
 };
 
 }  // namespace pelmora::calibration

@@ -45,13 +45,33 @@ enum class CurveAge {
   unknown = 3    // stored by a program that does not keep what it fitted
 };
 
+// Why a point was left out of its series, by whom and when.
+struct Exclusion {
+  std::string reason, userName;
+  std::string excludedAt;  // UTC, ISO 8601
+  bool operator==(const Exclusion&) const = default;
+};
+
+// A raw point that was left out: the raw tables do not have it, our own tables do.
+struct ExcludedPoint {
+  int part = 0;                     // 1 to 4
+  std::size_t number = 0;           // place in the whole part, from 1, excluded points counted
+  double roshko = 0, strouhal = 0;  // not a number if the raw table had none
+  std::string job;                  // of the stand; empty for points that came from elsewhere
+  Exclusion exclusion;
+};
+
 // Everything stored for one series.
 struct StoredSeries {
   Meter meter;
   std::string name;
   std::int32_t id = 0;
-  std::array<PointArray, 4> raw;  // raw parts, in the order in which they are stored
-  PointArray merged, curve;       // no bounds if none are stored
+  // Raw parts, in the order in which they are stored, without the points that were left out.
+  std::array<PointArray, 4> raw;
+  std::vector<ExcludedPoint> excluded;  // by part and number
+  // Exclusions of parts that another program has replaced since: they are not in force.
+  std::vector<ExcludedPoint> excludedBefore;
+  PointArray merged, curve;  // no bounds if none are stored
   std::string report;
   // The chosen equation as named in the report; empty if it names none or several.
   std::string equation;
@@ -61,6 +81,8 @@ struct StoredSeries {
   CurveAge age = CurveAge::none;
 
   [[nodiscard]] PELMORA_API std::size_t rawPoints() const;
+  // The number, in the whole part, of a point of raw[part - 1].
+  [[nodiscard]] PELMORA_API std::size_t numberOf(int part, std::size_t index) const;
   // One clause if the curve is outdated, otherwise empty.
   [[nodiscard]] PELMORA_API std::string ageWarning() const;
 };

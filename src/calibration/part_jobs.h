@@ -1,0 +1,39 @@
+// Which job of the stand, in which fluid, each point of a raw part came from.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "calibration/session.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace pelmora::calibration {
+
+struct PartJobs {
+  std::string fluid;
+  std::vector<std::string> jobs;  // one per point of the whole part; none if they are not known
+};
+
+// The runs of a calibration, by raw part: run k is part k of each derived series.
+class RunJobs {
+ public:
+  // Errors: those of the database.
+  RunJobs(Session& session, const Meter& meter);
+  // For the part with so many points, excluded ones included, of a series; empty for points that
+  // are no stand's: of a series that is not derived, or of another number than the run has.
+  [[nodiscard]] PartJobs of(const std::string& series, int part, std::size_t points) const;
+
+ private:
+  struct Run {
+    std::string fluid;
+    std::vector<std::string> jobs;  // one per stand point, in their order
+    std::string lastJob;            // with two jobs, the one that rotor B ran in
+  };
+  std::vector<Run> runs_;
+};
+
+// Whether the import derives a series of this name.
+[[nodiscard]] bool isDerivedName(const std::string& series);
+
+}  // namespace pelmora::calibration

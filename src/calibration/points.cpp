@@ -1,0 +1,126 @@
+// Listing the raw points of a series.
+// SPDX-License-Identifier: MIT
+#include <pelmora/calibration/points.h>
+
+#include "calibration/merging.h"
+#include "calibration/part_jobs.h"
+#include "curves/table_reading.h"
+#include "solver/reference/reference_curve.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace pelmora::calibration {
+namespace {
+
+std::pair<int, std::size_t> place(const RawPoint& point) { return {point.part, point.number}; }
+
+// Every point of the whole parts, by part and number; the state is that of the raw tables.
+std::vector<RawPoint> wholePoints(const StoredSeries& series) {
+  std::vector<RawPoint> list;
+  for (std::size_t p = 0; p < series.raw.size(); ++p) {
+    const int part = static_cast<int>(p + 1);
+    const PointArray& points = series.raw[p];
+    for (std::size_t i = 0; i < points.size(); ++i) {
+      RawPoint point;
+      point.part = part;
+      point.number = series.numberOf(part, i);
+      point.roshko = points(i, 0);
+      point.strouhal = points(i, 1);
+      list.push_back(std::move(point));
+    }
+  }
+  for (const ExcludedPoint& excluded : series.excluded) {
+    RawPoint point;
+    point.part = excluded.part;
+    point.number = excluded.number;
+    point.roshko = excluded.roshko;
+    point.strouhal = excluded.strouhal;
+    point.job = excluded.job;
+    point.state = PointState::excluded;
+    point.exclusion = excluded.exclusion;
+    list.push_back(std::move(point));
+  }
+  std::ranges::sort(list, {}, place);
+  return list;
+}
+
+void addJobs(const RunJobs& runs, const std::string& series, std::vector<RawPoint>& list) {
+  for (int part = 1; part <= 4; ++part) {
+    const auto isOfPart = [&](const RawPoint& point) { return point.part == part; };
+    const auto count = static_cast<std::size_t>(std::ranges::count_if(list, isOfPart));
+    const PartJobs jobs = runs.of(series, part, count);
+    for (RawPoint& point : list) {
+      if (!isOfPart(point) || jobs.jobs.empty()) continue;
+      point.job = jobs.jobs[point.number - 1];
+      point.fluid = jobs.fluid;
+    }
+  }
+}
+
+void addResiduals(const StoredSeries& series, std::vector<RawPoint>& list) {
+  const TableReading curve(series.curve);
+  if (curve.empty()) return;
+  for (RawPoint& point : list) {
+    point.residualPercent = curve.deviationPercent(point.roshko, point.strouhal);
+    const bool isInside = point.roshko >= curve.lowest() && point.roshko <= curve.highest();
+    if (!isInside && !point.residualPercent && point.state == PointState::used)
+      point.state = PointState::outsideRange;
+  }
+}
+
+// By the smooth curve that assumes no equation.
+void addSigmas(std::vector<RawPoint>& list) {
+  std::vector<double> x, y;
+  std::vector<int> fluid;
+  std::vector<std::uint8_t> excluded;
+  std::vector<RawPoint*> judged;
+  for (RawPoint& point : list) {
+    if (!(point.roshko > 0) || !std::isfinite(point.roshko) || !std::isfinite(point.strouhal))
+      continue;
+    x.push_back(point.roshko);
+    y.push_back(point.strouhal);
+    fluid.push_back(point.part);
+    excluded.push_back(point.state == PointState::excluded ? 1 : 0);
+    judged.push_back(&point);
+  }
+  try {
+    const auto reference = solver::reference::fitReference({x, y, fluid, excluded});
+    for (std::size_t i = 0; i < judged.size(); ++i) {
+      const auto& seen = reference.points()[i];
+      if (std::isfinite(seen.sigmas())) judged[i]->sigmas = seen.sigmas();
+      judged[i]->isDistrusted = seen.state == solver::reference::PointState::distrusted;
+    }
+  } catch (const Error&) {  // too few points for a curve through the others
+  }
+}
+
+}  // namespace
+
+const char* pointStateKey(PointState state) {
+  switch (state) {
+    case PointState::used: return "used";
+    case PointState::cut: return "cut";
+    case PointState::excluded: return "excluded";
+    case PointState::outsideRange: break;
+  }
+  return "outside range";
+}
+
+std::vector<RawPoint> Database::points(const Meter& meter, const std::string& series) const {
+  const StoredSeries stored = this->series(meter, series);
+  return session_->asking("listing the points of " + placeOf(meter, stored.name), [&] {
+    std::vector<RawPoint> list = wholePoints(stored);
+    addJobs(RunJobs(*session_, meter), stored.name, list);
+    addResiduals(stored, list);
+    addSigmas(list);
+    for (const CutPoint& cut : cutByMerge(stored)) {
+      RawPoint& point = *std::ranges::lower_bound(list, std::pair(cut.part, cut.number), {}, place);
+      point.state = PointState::cut;
+      point.cutPercent = cut.offPercent;
+    }
+    return list;
+  });
+}
+
+}  // namespace pelmora::calibration
