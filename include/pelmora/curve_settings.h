@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace pelmora {
 
@@ -17,6 +18,12 @@ struct CurveSettings {
   std::int32_t Points = 40;        // of the predicted table
   std::optional<double> Min, Max;  // Roshko; absent: the respective end of the merged points
   bool RatioCurve = false, Inverted = false, IgnoreResiduals = false;
+  // How the equation was chosen: "trusted" or "adjusted-r2"; empty in settings that were kept
+  // before there was a choice, which means "adjusted-r2".
+  std::string Choice;
+  std::optional<double> FitMin, FitMax;    // Roshko; the points beyond were not fitted
+  std::vector<std::string> Only, Without;  // names of equations
+  std::optional<std::int32_t> MaxOrder;    // of polynomials
   std::optional<std::string>
       Equations;  // text of the equation file; absent: the built-in equations
   std::string SoftwareVersion;

@@ -9,6 +9,7 @@
 #include <pelmora/own_tables.h>
 
 #include <array>
+#include <sstream>
 #include <string_view>
 #include <vector>
 
@@ -29,6 +30,20 @@ bool flag(const Value& value) { return !isNull(value) && toInt32(value) != 0; }
 
 std::string textOrNothing(const Value& value) { return isNull(value) ? "" : toText(value); }
 Value valueOf(const std::string& text) { return text.empty() ? Value() : Value(text); }
+
+// Names hold no line break.
+std::vector<std::string> listOf(const Value& value) {
+  std::vector<std::string> list;
+  if (isNull(value)) return list;
+  std::istringstream lines(toText(value));
+  for (std::string line; std::getline(lines, line);) list.push_back(line);
+  return list;
+}
+Value valueOf(const std::vector<std::string>& list) {
+  std::string text;
+  for (const std::string& line : list) text += (text.empty() ? "" : "\n") + line;
+  return valueOf(text);
+}
 
 // Null for a column that the table, made by an earlier version, does not have yet.
 Value laterColumn(const Recordset& rows, std::string_view name) {
@@ -63,6 +78,13 @@ std::optional<CurveSettings> keptCurveSettings(const ConnectionPtr& curves, std:
   settings.KeepsOverlap = flag(laterColumn(*rows, "KeepsOverlap"));
   settings.PointsFingerprint = textOrNothing(laterColumn(*rows, "PointsFingerprint"));
   settings.CurveFingerprint = textOrNothing(laterColumn(*rows, "CurveFingerprint"));
+  settings.Choice = textOrNothing(laterColumn(*rows, "Choice"));
+  settings.FitMin = numberOrNothing(laterColumn(*rows, "FitMinRoshko"));
+  settings.FitMax = numberOrNothing(laterColumn(*rows, "FitMaxRoshko"));
+  settings.Only = listOf(laterColumn(*rows, "OnlyEquations"));
+  settings.Without = listOf(laterColumn(*rows, "WithoutEquations"));
+  const Value order = laterColumn(*rows, "MaxOrder");
+  if (!isNull(order)) settings.MaxOrder = toInt32(order);
   return settings;
 }
 
@@ -87,7 +109,13 @@ void keepCurveSettings(const ConnectionPtr& curves, std::int32_t SeriesID,
                           valueOf(settings.MergeBandPercent),
                           valueOf(settings.KeepsOverlap),
                           valueOf(settings.PointsFingerprint),
-                          valueOf(settings.CurveFingerprint)};
+                          valueOf(settings.CurveFingerprint),
+                          valueOf(settings.Choice),
+                          valueOf(settings.FitMin),
+                          valueOf(settings.FitMax),
+                          valueOf(settings.Only),
+                          valueOf(settings.Without),
+                          settings.MaxOrder ? Value(std::int64_t{*settings.MaxOrder}) : Value()};
   std::vector<std::string_view> fields;
   for (const OwnColumn& column : table.Columns) fields.emplace_back(column.Name);
   // A record set rather than a statement: an equation file may hold apostrophes.

@@ -3,6 +3,8 @@
 #include "base/run_time_error.h"
 #include "tests/history/history_fixture.h"
 
+#include <pelmora/curve_settings.h>
+
 namespace pelmora::test {
 namespace {
 
@@ -67,6 +69,22 @@ TEST_F(kept_change, waits_for_nobody_else_who_writes) {
 }
 
 TEST_F(kept_change, of_a_fit_with_settings_keeps_them_too) {
+  CurveSettings settings;
+  settings.BandPercent = 0.3;
+  settings.Choice = "trusted";
+  settings.FitMin = 20;
+  settings.Only = {"Polynomial 3rd Order", "Reference curve"};
+  keepCurveSettings(curves.connection, 1, settings);
+  const auto before = everything();
+  const auto id =
+      change("fit", fittedCurve(1, 1), {"Update pelmora_fit_settings set BandPercent=0.5"});
+  (void)restored(id);
+  EXPECT_EQ(everything(), before);
+  EXPECT_EQ(keptCurveSettings(curves.connection, 1), settings);
+}
+
+// Versions before the choice of a rule made this table without its columns.
+TEST_F(kept_change, of_settings_that_an_earlier_version_stored_keeps_them_too) {
   createTable(curves.connection, {"pelmora_fit_settings",
                                   {{"SeriesID", OwnColumnType::whole},
                                    {"BandPercent", OwnColumnType::real},
@@ -79,16 +97,17 @@ TEST_F(kept_change, of_a_fit_with_settings_keeps_them_too) {
                                    {"Equations", OwnColumnType::text},
                                    {"SoftwareVersion", OwnColumnType::text},
                                    {"FittedAt", OwnColumnType::text}}});
-  curves.execute("Insert into pelmora_fit_settings (SeriesID, BandPercent) VALUES (1, 0.3)");
-  const auto before = everything();
-  const auto id =
-      change("fit", fittedCurve(1, 1), {"Update pelmora_fit_settings set BandPercent=0.5"});
+  curves.execute(
+      "Insert into pelmora_fit_settings (SeriesID, BandPercent, Points, SoftwareVersion, FittedAt) "
+      "VALUES (1, 0.3, 30, '1.0', 'then')");
+  const auto before = keptCurveSettings(curves.connection, 1);
+  const auto id = change("fit", fittedCurve(1, 1), {"Delete * from pelmora_fit_settings"});
+  CurveSettings now;
+  now.Choice = "trusted";
+  keepCurveSettings(curves.connection, 1, now);
+  EXPECT_EQ(keptCurveSettings(curves.connection, 1), now);
   (void)restored(id);
-  // The table has the columns of an earlier version; the rows that come back have the new ones too.
-  const auto now = everything();
-  auto expected = before;
-  for (std::string& row : expected["pelmora_fit_settings"]) row += "null|null|null|null|";
-  EXPECT_EQ(now, expected);
+  EXPECT_EQ(keptCurveSettings(curves.connection, 1), before);
 }
 
 }  // namespace

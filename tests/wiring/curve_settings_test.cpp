@@ -3,8 +3,9 @@
 #include "store/connection.h"
 #include "tests/support/scratch_folder.h"
 
-#include <pelmora/error.h>
 #include <pelmora/curve_settings.h>
+#include <pelmora/error.h>
+#include <pelmora/own_tables.h>
 
 #include <gtest/gtest.h>
 
@@ -32,6 +33,12 @@ CurveSettings everything() {
   settings.Equations = "; it's ours\r\nLine\ta+b*x\r\n";
   settings.SoftwareVersion = "1.2.3";
   settings.FittedAt = "2026-11-21T13:40:00Z";
+  settings.Choice = "trusted";
+  settings.FitMin = 1.5;
+  settings.FitMax = 1000;
+  settings.Only = {"Polynomial 3rd Order", "Ada's own"};
+  settings.Without = {"TC eq6405"};
+  settings.MaxOrder = 8;
   return settings;
 }
 
@@ -48,6 +55,34 @@ TEST_F(curve_settings, come_back_as_they_were_kept) {
 TEST_F(curve_settings, tell_the_whole_range_and_the_built_in_equations_by_their_absence) {
   keepCurveSettings(curves, 7, CurveSettings());
   EXPECT_EQ(keptCurveSettings(curves, 7), CurveSettings());
+}
+
+// An earlier version made the table; a program that only reads cannot add columns to it.
+TEST_F(curve_settings, of_an_earlier_version_have_no_choice) {
+  createTable(curves, {"pelmora_fit_settings",
+                       {{"SeriesID", OwnColumnType::whole},
+                        {"BandPercent", OwnColumnType::real},
+                        {"Points", OwnColumnType::whole},
+                        {"MinRoshko", OwnColumnType::real},
+                        {"MaxRoshko", OwnColumnType::real},
+                        {"RatioCurve", OwnColumnType::whole},
+                        {"Inverted", OwnColumnType::whole},
+                        {"IgnoreResiduals", OwnColumnType::whole},
+                        {"Equations", OwnColumnType::text},
+                        {"SoftwareVersion", OwnColumnType::text},
+                        {"FittedAt", OwnColumnType::text}}});
+  curves->execute(
+      "Insert into pelmora_fit_settings (SeriesID, BandPercent, Points, SoftwareVersion, FittedAt) "
+      "VALUES (7, 0.3, 30, '1.0', 'then')");
+  CurveSettings expected;
+  expected.BandPercent = 0.3;
+  expected.Points = 30;
+  expected.SoftwareVersion = "1.0";
+  expected.FittedAt = "then";
+  EXPECT_EQ(keptCurveSettings(curves, 7), expected);
+  keepCurveSettings(curves, 8, everything());
+  EXPECT_EQ(keptCurveSettings(curves, 8), everything());
+  EXPECT_EQ(keptCurveSettings(curves, 7), expected);
 }
 
 TEST_F(curve_settings, replace_the_older_ones_of_their_series_alone) {
