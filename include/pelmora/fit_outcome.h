@@ -6,6 +6,7 @@
 #include <pelmora/types.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,7 +20,8 @@ enum class EquationVerdict {
   ratioTestFailed = 3,     // the curve is not a valid rotor ratio curve
   bandTestFailed = 4,      // a raw point lies outside the band
   accepted = 5,            // passed every test, but another equation ranks higher
-  chosen = 6
+  chosen = 6,
+  notSound = 7  // departs from the reference curve; only in trusted fits
 };
 
 // Shapes: n observations, p parameters, m predicted points.
@@ -46,14 +48,20 @@ enum class CurveWarningKind {
   oscillation = 1,    // turns between neighbouring points by more than the noise explains
   fewLevels = 2,      // at least as many parameters as distinct x levels
   extrapolation = 3,  // predicted beyond the raw points
-  tableReading = 4    // linear interpolation in the table misses its own curve
+  tableReading = 4,   // linear interpolation in the table misses its own curve
+  // Only in trusted fits:
+  distrustedPoint = 5,  // a raw point contradicts the others and was left out
+  wideBand = 6          // the points do not determine the curve to within the test band
 };
 
 struct CurveWarning {
   CurveWarningKind Kind = CurveWarningKind::pole;
-  double FromX = 0, ToX = 0;  // where
-  double Percent = 0;         // by how much, in per cent of the curve; 0 if not applicable
-  std::string Text;           // in words
+  double FromX = 0, ToX = 0;         // where
+  double Percent = 0;                // by how much, in per cent of the curve; 0 if not applicable
+  std::string Text;                  // in words
+  std::vector<double> Measure = {};  // x at which more points would help
+  // For tableReading: a number of table points that is enough; 0 if no reasonable one is.
+  std::int32_t Points = 0;
 };
 
 // Equations are in catalogue order; the fit run tries them from the last to the first.

@@ -8,6 +8,7 @@
 #include "calibration/steps/catalogue_fit.h"
 #include "calibration/stored_fit.h"
 #include "points/point_fingerprint.h"
+#include "calibration/trust/trusted_fit.h"
 #include "solver/solver.h"
 
 #include <pelmora/own_tables.h>
@@ -18,8 +19,31 @@
 namespace pelmora::calibration {
 namespace {
 
+// The merged points inside fitMin..fitMax.
+PointArray pointsToFit(const Fit& fit) {
+  const FitSettings& settings = fit.settings;
+  if (!settings.fitMin && !settings.fitMax) return fit.merged;
+  std::vector<std::size_t> inside;
+  for (std::size_t i = 0; i < fit.merged.size(); ++i) {
+    const double roshko = fit.merged(i, 0);
+    const bool isBelow = settings.fitMin && roshko < *settings.fitMin;
+    const bool isAbove = settings.fitMax && roshko > *settings.fitMax;
+    if (!isBelow && !isAbove) inside.push_back(i);
+  }
+  if (inside.size() < 2) {
+    throw OutOfRange({"fewer than two points of " + nameOf(fit) + " are inside the range to fit",
+                      nameOf(fit), "give a wider range to fit"});
+  }
+  PointArray points(inside.size());
+  for (std::size_t i = 0; i < inside.size(); ++i) {
+    points(i, 0) = fit.merged(inside[i], 0);
+    points(i, 1) = fit.merged(inside[i], 1);
+  }
+  return points;
+}
+
 void settleRange(Fit& fit) {
-  const double lowest = fit.merged(0, 0), highest = fit.merged(fit.merged.size() - 1, 0);
+  const double lowest = fit.fitted(0, 0), highest = fit.fitted(fit.fitted.size() - 1, 0);
   const FitSettings& settings = fit.settings;
   fit.min = settings.min.value_or(lowest);
   fit.max = settings.max.value_or(highest);
@@ -44,15 +68,14 @@ void settleRange(Fit& fit) {
   fit.isWholeRange = fit.min == lowest && fit.max == highest;
 }
 
-std::vector<steps::Equation> catalogueOf(const EquationList& list) {
+std::vector<steps::Equation> catalogueOf(const std::vector<ModelDefinition>& equations) {
   std::vector<steps::Equation> catalogue;
-  for (auto equation = list.equations().rbegin(); equation != list.equations().rend(); ++equation)
+  for (auto equation = equations.rbegin(); equation != equations.rend(); ++equation)
     catalogue.push_back({equation->Name, equation->Expression});
   return catalogue;
 }
 
-void fitCatalogue(Fit& fit, const Observer& observer) {
-  const steps::Observer watch = stepsOf(observer);
+void fitCatalogue(Fit& fit, const steps::Observer& watch, const Observer& observer) {
   steps::CatalogueSettings settings{static_cast<float>(fit.settings.band),
                                     fit.settings.points,
                                     fit.meter.serial,
@@ -60,14 +83,30 @@ void fitCatalogue(Fit& fit, const Observer& observer) {
                                     fit.settings.ratio,
                                     fit.settings.ignoreResiduals};
   steps::CatalogueFit catalogue;
-  catalogue.useEquations(catalogueOf(fit.settings.equations));
+  catalogue.useEquations(catalogueOf(equationsToTry(fit.settings)));
   const steps::CatalogueRun run{
-      fit.merged, fit.min, fit.max, {"Roshko", "Strouhal"}, createSolver(), nullptr, [&observer] {
+      fit.fitted, fit.min, fit.max, {"Roshko", "Strouhal"}, createSolver(), nullptr, [&observer] {
         return observer.stop.stop_requested();
       }};
+  if (catalogue.run(run, settings, watch) == steps::RunEnd::stopped) requireGoOn(fit, observer);
+  catalogue.select(createBandTester, settings, watch);
+  fit.outcome = catalogue.outcome(settings.BandPercent);
+  fit.curve = catalogue.curve();
+  fit.report = catalogue.details();
+}
+
+Fit fitParts(Fit fit, std::span<const PointArray> parts, const Observer& observer) {
+  const std::vector<steps::PartPoint> origins = mergeRawParts(fit, parts, observer);
+  fit.fitted = pointsToFit(fit);
+  settleRange(fit);
+  const steps::Observer watch = stepsOf(observer);
   try {
-    if (catalogue.run(run, settings, watch) == steps::RunEnd::stopped) requireGoOn(fit, observer);
-    catalogue.select(createBandTester, settings, watch);
+    if (fit.settings.choice == Choice::adjustedR2) {
+      fitCatalogue(fit, watch, observer);
+    } else {
+      const auto stopped = [&observer] { return observer.stop.stop_requested(); };
+      if (!fitTrusted(fit, origins, watch, stopped)) requireGoOn(fit, observer);
+    }
   } catch (const Failure&) {
     throw;
   } catch (const Error& error) {
@@ -75,15 +114,6 @@ void fitCatalogue(Fit& fit, const Observer& observer) {
                  "check the points and the equations"},
                 error.number());
   }
-  fit.outcome = catalogue.outcome(settings.BandPercent);
-  fit.curve = catalogue.curve();
-  fit.report = catalogue.details();
-}
-
-Fit fitParts(Fit fit, std::span<const PointArray> parts, const Observer& observer) {
-  mergeRawParts(fit, parts, observer);
-  settleRange(fit);
-  fitCatalogue(fit, observer);
   return fit;
 }
 

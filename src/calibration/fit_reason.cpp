@@ -15,11 +15,11 @@ constexpr double widestBand = 100;
 }  // namespace
 
 std::optional<double> passingBand(const Fit& fit, const EquationOutcome& equation) {
-  if (equation.Predicted.empty() || fit.merged.empty()) return std::nullopt;
+  if (equation.Predicted.empty() || fit.fitted.empty()) return std::nullopt;
   const auto tester = createBandTester();
   const auto passes = [&](double percent) {
     auto band = static_cast<float>(percent);
-    return tester->TestBand(fit.merged.column(0), fit.merged.column(1),
+    return tester->TestBand(fit.fitted.column(0), fit.fitted.column(1),
                             equation.Predicted.column(0), equation.Predicted.column(1), band);
   };
   double low = 0, high = widestBand;
@@ -50,6 +50,7 @@ const EquationOutcome* nearestEquation(const Fit& fit) {
 
 std::string Fit::reason() const {
   if (accepted()) return {};
+  if (!trouble.empty()) return trouble;
   const EquationOutcome* best = nearestEquation(*this);
   if (best == nullptr) return "no equation was tried";
   std::string why = rejection(*best);

@@ -54,7 +54,8 @@ steps::MergeSettings mergeSettingsOf(const Fit& fit) {
   return settings;
 }
 
-void mergeAll(Fit& fit, std::span<const PointArray> parts, const Observer& observer) {
+std::vector<steps::PartPoint> mergeAll(Fit& fit, std::span<const PointArray> parts,
+                                       const Observer& observer) {
   const steps::Observer watch = stepsOf(observer);
   const steps::MergeSettings settings = mergeSettingsOf(fit);
   steps::MergedPoints merged;
@@ -82,15 +83,17 @@ void mergeAll(Fit& fit, std::span<const PointArray> parts, const Observer& obser
     fit.cut.push_back({point.Part, static_cast<std::size_t>(point.Number), point.Roshko,
                        point.Strouhal, joined.deviationPercent(point.Roshko, point.Strouhal)});
   }
+  return std::move(merged.Origins);
 }
 
 }  // namespace
 
-void mergeRawParts(Fit& fit, std::span<const PointArray> parts, const Observer& observer) {
+std::vector<steps::PartPoint> mergeRawParts(Fit& fit, std::span<const PointArray> parts,
+                                            const Observer& observer) {
   requirePoints(fit, parts);
   requireMergeBand(fit);
   for (std::size_t part = 0; part < parts.size(); ++part) fit.rawPoints[part] = parts[part].size();
-  mergeAll(fit, parts, observer);
+  return mergeAll(fit, parts, observer);
 }
 
 std::vector<CutPoint> cutByMerge(const StoredSeries& series) {

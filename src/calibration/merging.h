@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "calibration/steps/merge_parts.h"
+
 #include <pelmora/calibration/fit.h>
 
 #include <span>
@@ -11,8 +13,10 @@ namespace pelmora::calibration {
 
 // Fills `rawPoints`, `merged` and `cut` of the fit by its settings.
 //
+// Result: where the merged points come from, one per point.
 // Errors: BadData and Cancelled as for fit().
-void mergeRawParts(Fit& fit, std::span<const PointArray> parts, const Observer& observer);
+std::vector<steps::PartPoint> mergeRawParts(Fit& fit, std::span<const PointArray> parts,
+                                            const Observer& observer);
 
 // What the merge leaves out of the stored points with the settings of the stored curve, a part of a
 // single point included. Nothing if the parts cannot be merged.

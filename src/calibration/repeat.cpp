@@ -26,6 +26,9 @@ CurveSettings assumedSettings(const StoredSeries& stored, const UnkeptSettings& 
   settings.BandPercent =
       unkept.band.value_or(steps::bandOfReport(stored.report).value_or(defaults.band));
   settings.RatioCurve = stored.name == "Ratio";
+  // A curve that was stored without its rule was chosen by the only rule that there was.
+  const bool isNew = stored.curve.empty();
+  settings.Choice = choiceKey(isNew ? defaults.choice : Choice::adjustedR2);
   const bool hasCurve = stored.curve.size() > 1;
   settings.Points = defaults.points;
   if (hasCurve) settings.Points = static_cast<std::int32_t>(stored.curve.size());
@@ -69,6 +72,12 @@ FitSettings settingsToRepeat(const CurveSettings& kept) {
   settings.mergeBand = kept.MergeBandPercent;
   settings.cutsOverlap = !kept.KeepsOverlap;
   settings.outside = RangePolicy::extrapolate;
+  settings.choice = choiceOf(kept.Choice).value_or(Choice::adjustedR2);
+  settings.fitMin = kept.FitMin;
+  settings.fitMax = kept.FitMax;
+  settings.only = kept.Only;
+  settings.without = kept.Without;
+  settings.maxOrder = kept.MaxOrder;
   if (kept.Equations) {
     settings.equations =
         EquationList::parse(*kept.Equations, "the text of the equations kept with the curve");

@@ -19,6 +19,12 @@ CurveSettings settingsOf(const Fit& fit) {
   settings.Inverted = fit.settings.inverted;
   settings.IgnoreResiduals = fit.settings.ignoreResiduals;
   settings.Equations = fit.settings.equations.text();
+  settings.Choice = choiceKey(fit.settings.choice);
+  settings.FitMin = fit.settings.fitMin;
+  settings.FitMax = fit.settings.fitMax;
+  settings.Only = fit.settings.only;
+  settings.Without = fit.settings.without;
+  settings.MaxOrder = fit.settings.maxOrder;
   settings.SoftwareVersion = version;
   settings.FittedAt = utcText();
   settings.MergeBandPercent = fit.settings.mergeBand;

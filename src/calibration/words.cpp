@@ -1,9 +1,21 @@
 // SPDX-License-Identifier: MIT
 #include "base/readable_number.h"
 
+#include <pelmora/calibration/choice.h>
 #include <pelmora/calibration/words.h>
 
 namespace pelmora::calibration {
+
+const char* choiceKey(Choice choice) {
+  return choice == Choice::trusted ? "trusted" : "adjusted-r2";
+}
+
+std::optional<Choice> choiceOf(std::string_view key) {
+  for (const Choice choice : {Choice::adjustedR2, Choice::trusted}) {
+    if (key == choiceKey(choice)) return choice;
+  }
+  return std::nullopt;
+}
 
 const char* verdictKey(EquationVerdict verdict) {
   switch (verdict) {
@@ -14,6 +26,7 @@ const char* verdictKey(EquationVerdict verdict) {
     case EquationVerdict::bandTestFailed: return "bandTestFailed";
     case EquationVerdict::accepted: return "accepted";
     case EquationVerdict::chosen: return "chosen";
+    case EquationVerdict::notSound: return "notSound";
   }
   return "unknown";
 }
@@ -25,6 +38,8 @@ const char* warningKey(CurveWarningKind kind) {
     case CurveWarningKind::fewLevels: return "fewLevels";
     case CurveWarningKind::extrapolation: return "extrapolation";
     case CurveWarningKind::tableReading: return "tableReading";
+    case CurveWarningKind::distrustedPoint: return "distrustedPoint";
+    case CurveWarningKind::wideBand: return "wideBand";
   }
   return "unknown";
 }
@@ -38,6 +53,7 @@ std::string verdictText(EquationVerdict verdict) {
     case EquationVerdict::bandTestFailed: return "outside band";
     case EquationVerdict::accepted: return "passed";
     case EquationVerdict::chosen: return "chosen";
+    case EquationVerdict::notSound: return "not sound";
   }
   return "?";
 }

@@ -2,9 +2,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pelmora/calibration/choice.h>
 #include <pelmora/calibration/equations.h>
 #include <pelmora/calibration/observer.h>
 #include <pelmora/calibration/ranking.h>
+#include <pelmora/calibration/trust.h>
 #include <pelmora/calibration/values.h>
 #include <pelmora/export.h>
 #include <pelmora/fit_outcome.h>
@@ -18,11 +20,6 @@
 
 namespace pelmora::calibration {
 
-// Which of the equations that pass the tests is chosen.
-enum class Choice {
-  adjustedR2 = 0  // the one with the highest adjusted R2; hosts of the component know this rule
-};
-
 // What to do if the requested range extends beyond the merged points.
 enum class RangePolicy {
   refuse = 0,      // OutOfRange
@@ -31,8 +28,12 @@ enum class RangePolicy {
 };
 
 struct FitSettings {
-  std::optional<double> min{}, max{};  // Roshko; absent: the end of the merged points
-  std::int16_t points = 40;            // of the curve's table, evenly spaced in the logarithm
+  // The range of the curve's table, Roshko: it crops the table, not the points. Absent: the end of
+  // the fitted points.
+  std::optional<double> min{}, max{};
+  // Points beyond are not fitted.
+  std::optional<double> fitMin{}, fitMax{};
+  std::int16_t points = 40;  // of the curve's table, evenly spaced in the logarithm
   // How far a raw point may lie from the curve, in per cent. Linear interpolation in 40 points over
   // the three and a half decades of two fluids uses up to 0.2 of it, the noise of a good
   // calibration the rest.
@@ -47,8 +48,20 @@ struct FitSettings {
   bool ignoreResiduals = false;  // skip the residual test
   Choice choice = Choice::adjustedR2;
   RangePolicy outside = RangePolicy::refuse;
+  // Built-in equations are those of `choice`, see EquationList::builtIn().
   EquationList equations{};
+  // Names of equations: only these, or all but these. referenceCurveName counts as a name too.
+  std::vector<std::string> only{}, without{};
+  std::optional<int> maxOrder{};  // of polynomials
 };
+
+// The name under which a trusted fit stores the reference curve itself.
+inline constexpr const char* referenceCurveName = "Reference curve";
+
+// The equations that a fit with these settings tries; none if only the reference curve is left.
+//
+// Errors: BadData for a name that no equation has.
+[[nodiscard]] PELMORA_API std::vector<ModelDefinition> equationsToTry(const FitSettings& settings);
 
 // Turns the kept settings of a stored curve into fit settings. A kept range is used as it is, since
 // that of a stored curve may extend beyond its points.
@@ -78,9 +91,14 @@ struct Fit {
   std::array<std::size_t, 4> rawPoints{};
   PointArray merged;
   std::vector<CutPoint> cut;
+  // The merged points that the equations were fitted to: all of them, unless fitMin or fitMax left
+  // some out or a trusted fit distrusts some.
+  PointArray fitted;
   PointArray curve;  // the predicted table; no bounds if no equation was chosen
   FitOutcome outcome;
-  std::string report;  // the text that is stored with the curve
+  std::optional<Trust> trust;  // of a trusted fit with enough points
+  std::string trouble;         // what about the points makes a trusted fit impossible, as a clause
+  std::string report;          // the text that is stored with the curve
 
   [[nodiscard]] bool accepted() const { return outcome.Chosen.has_value() && !curve.empty(); }
   // The chosen equation; needs accepted().
@@ -88,7 +106,9 @@ struct Fit {
   // Why no equation was chosen, as one clause; empty if one was.
   [[nodiscard]] PELMORA_API std::string reason() const;
   // From best to worst.
-  [[nodiscard]] std::vector<RankedEquation> equations() const { return ranking(outcome); }
+  [[nodiscard]] std::vector<RankedEquation> equations() const {
+    return ranking(outcome, settings.choice);
+  }
 };
 
 // The equation that came nearest to passing: it failed at a later test, or by less. Null if none

@@ -34,10 +34,7 @@ void CatalogueFit::select(const BandTesterFactory& createBandTester, CatalogueSe
   sortAllPoints(scores, 0, observer.sortWatch());
 
   std::vector<std::int16_t> ranking = ranking_;
-  const auto tester = createBandTester ? createBandTester() : nullptr;
-  if (!tester) throw makeError(RunTimeError::noEngine);
-  tester->StatusUpdate = [&observer](const std::string& message) { observer.status(message); };
-  tester->RatioMode = settings.RatioCurve;
+  const auto tester = makeTester(createBandTester, settings, observer);
   std::size_t passed = 0;
   for (std::size_t k = 0; k < slots_.size(); ++k) {
     const auto index = static_cast<std::size_t>(scores(k, 1));
@@ -58,6 +55,16 @@ void CatalogueFit::select(const BandTesterFactory& createBandTester, CatalogueSe
   if (hasChosen()) {
     slots_[static_cast<std::size_t>(ranking_.back())].outcome.Verdict = EquationVerdict::chosen;
   }
+}
+
+std::unique_ptr<BandTester> CatalogueFit::makeTester(const BandTesterFactory& create,
+                                                     const CatalogueSettings& settings,
+                                                     const Observer& observer) {
+  auto tester = create ? create() : nullptr;
+  if (!tester) throw makeError(RunTimeError::noEngine);
+  tester->StatusUpdate = [&observer](const std::string& message) { observer.status(message); };
+  tester->RatioMode = settings.RatioCurve;
+  return tester;
 }
 
 bool CatalogueFit::passesTests(BandTester& tester, CatalogueSettings& settings, Slot& slot) {
@@ -107,12 +114,17 @@ std::string CatalogueFit::details() const {
   return all;
 }
 
-FitOutcome CatalogueFit::outcome(float BandPercent) const {
+FitOutcome CatalogueFit::verdicts() const {
   FitOutcome outcome;
   for (const Slot& slot : slots_) outcome.Equations.push_back(slot.outcome);
+  if (chosenSlot() != nullptr) outcome.Chosen = static_cast<std::size_t>(ranking_.back());
+  return outcome;
+}
+
+FitOutcome CatalogueFit::outcome(float BandPercent) const {
+  FitOutcome outcome = verdicts();
   const Slot* chosen = chosenSlot();
   if (chosen == nullptr) return outcome;
-  outcome.Chosen = static_cast<std::size_t>(ranking_.back());
   const std::vector<double>& x = chosen->dataResult->Columns[0];
   const std::vector<double>& y = chosen->dataResult->Columns[1];
   try {

@@ -203,7 +203,8 @@ void CatalogueFit::acceptSolution(const Running& running, std::size_t index) {
 }
 
 bool CatalogueFit::endsRun(const Running& running, const Slot& slot) {
-  if (!(slot.outcome.Statistics.RSquared >= nearPerfectRSquared)) return false;
+  if (running.run.triesAll || !(slot.outcome.Statistics.RSquared >= nearPerfectRSquared))
+    return false;
   return !running.settings.RatioCurve ||
          ratioCurveIsMonotonic(slot.dataResult->Columns[0], slot.dataResult->Columns[1],
                                running.observer.sortWatch());

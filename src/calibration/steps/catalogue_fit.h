@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,6 +38,7 @@ struct CatalogueRun {
   const std::string* logFolder = nullptr;
   // Asked before each equation; true ends the run. Empty: never.
   std::function<bool()> stopRequested = {};
+  bool triesAll = false;  // an equation with R2 >= 0.9999 does not end the run
 };
 
 enum class RunEnd { complete, stopped };
@@ -66,6 +68,15 @@ class CatalogueFit {
   void select(const BandTesterFactory& createBandTester, CatalogueSettings& settings,
               const Observer& observer = {});
 
+  // Of the accepted equations that pass the ratio and the band test and `isSound`, chooses the one
+  // with the smallest AICc. isSound: called with an equation's index; nothing if it is sound, else
+  // why it is not.
+  //
+  // Errors: as select(), and what `isSound` throws.
+  using SoundTest = std::function<std::optional<std::string>(std::size_t, const FitModel&)>;
+  void selectSimplest(const BandTesterFactory& createBandTester, const SoundTest& isSound,
+                      CatalogueSettings& settings, const Observer& observer = {});
+
   // Nothing counts as chosen or reported until the next run.
   void discard() { failed_ = true; }
 
@@ -78,6 +89,8 @@ class CatalogueFit {
   // Equation indices that passed, the chosen one last; a single -1 where none did.
   [[nodiscard]] const std::vector<std::int16_t>& ranking() const { return ranking_; }
   [[nodiscard]] FitOutcome outcome(float BandPercent) const;
+  // The same without bands and warnings.
+  [[nodiscard]] FitOutcome verdicts() const;
   // The equation that the run has reached.
   [[nodiscard]] const std::string& currentEquation() const { return currentEquation_; }
 
@@ -105,6 +118,9 @@ class CatalogueFit {
   [[nodiscard]] static bool endsRun(const Running& running, const Slot& slot);
 
   // The selection, in best_fit.cpp.
+  [[nodiscard]] static std::unique_ptr<BandTester> makeTester(const BandTesterFactory& create,
+                                                              const CatalogueSettings& settings,
+                                                              const Observer& observer);
   bool passesTests(BandTester& tester, CatalogueSettings& settings, Slot& slot);
 
   std::vector<Equation> equations_;

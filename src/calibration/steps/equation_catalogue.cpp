@@ -3,6 +3,8 @@
 
 #include "base/text_lines.h"
 
+#include <algorithm>
+#include <array>
 #include <string_view>
 
 namespace pelmora::calibration::steps {
@@ -36,6 +38,32 @@ std::vector<Equation> builtInEquations() {
       {"TC eq6405",
        "a+b*ln(x)+c/ln(x)+d*(ln(x))^2+e/(ln(x))^2+f*(ln(x))^3+g/(ln(x))^3+h*(ln(x))^4+i/(ln(x))^4"},
   };
+}
+
+std::vector<Equation> trustedEquations() {
+  std::vector<Equation> equations{
+      {"Bearing drag, viscous", "a+b/x"},
+      {"Bearing drag, viscous and static", "a+b/x+c/x^2"},
+      {"Torque balance, laminar", "a+b/sqrt(x)+c/x"},
+      {"Torque balance, laminar and static", "a+b/sqrt(x)+c/x+d/x^2"},
+      {"Torque balance, turbulent", "a+b/x^0.2+c/x"},
+      {"Torque balance, turbulent and static", "a+b/x^0.2+c/x+d/x^2"},
+      {"Torque balance, both layers", "a+b/x^0.2+c/sqrt(x)+d/x"},
+      {"Torque balance, both layers and static", "a+b/x^0.2+c/sqrt(x)+d/x+e/x^2"},
+  };
+  constexpr int lowOrders = 5;  // the built-in ones begin behind them
+  constexpr std::array<const char*, lowOrders> names{"1st", "2nd", "3rd", "4th", "5th"};
+  std::string expression = "a+b*log(x)";
+  char parameter = 'c';
+  for (int order = 1; order <= lowOrders; ++order) {
+    if (order > 1)
+      expression += std::string("+") + parameter++ + "*log(x)^" + std::to_string(order);
+    equations.push_back({std::string("Polynomial ") + names[order - 1U] + " Order", expression});
+  }
+  const std::vector<Equation> builtIn = builtInEquations();
+  equations.insert(equations.end(), builtIn.begin(), builtIn.end());
+  std::reverse(equations.begin(), equations.end());
+  return equations;
 }
 
 EquationFile parseEquationFile(std::string text) {

@@ -55,7 +55,8 @@ TrustedFit fitTrusted(const FitSetting& setting, std::vector<std::size_t> used,
   const auto most = rule == nullptr ? 0 : static_cast<std::size_t>(std::ceil(rule->mostPoints * n));
   TrustedFit fit;
   for (;;) {
-    fit.knots = gatherKnots(setting.x, setting.y, setting.fluid, used, setting.relative);
+    fit.knots =
+        gatherKnots(setting.x, setting.y, setting.fluid, used, setting.relative, setting.drag);
     fit.nodes = visitLattice(fit.knots, setting.priors, setting.offsets, setting.range,
                              rule == nullptr ? 0 : scanDepth);
     fit.left = leaveOut(fit.knots, setting.priors, setting.offsets, fit.nodes, rule != nullptr);

@@ -29,6 +29,7 @@ struct FitSetting {
   std::span<const int> fluid;
   bool relative;
   double offsets;
+  double drag;
   ReferencePriors priors;
   LatticeRange range;
 };

@@ -58,13 +58,16 @@ void gatherFluids(Knots& knots, std::span<const double> x, std::span<const int> 
 
 }  // namespace
 
+double dragAt(const Knots& knots, double t) { return std::exp(knots.knots.front().t - t); }
+
 double scaled(const Knots& knots, double t, double y) {
   return onScale(knots, y) - (knots.level + knots.slope * t);
 }
 
 Knots gatherKnots(std::span<const double> x, std::span<const double> y, std::span<const int> fluid,
-                  std::span<const std::size_t> used, bool relative) {
+                  std::span<const std::size_t> used, bool relative, double drag) {
   Knots knots;
+  knots.drag = drag;
   knots.relative = relative;
   if (!relative) knots.unit = typicalSize(y, used);
   gatherFluids(knots, x, fluid, used);

@@ -37,13 +37,20 @@ struct Knots {
   std::vector<std::size_t> order;  // index of a raw point; in a knot by rising z
   std::vector<double> z;           // of the points of `order`
   std::vector<Fluid> fluids;       // by rising number
+  // Prior standard deviation of the drag's coefficient, in noise standard deviations; 0: the trend
+  // has no drag.
+  double drag = 0;
 };
+
+// The trend's third column: what the viscous drag of a bearing takes from the curve, in proportion
+// to 1 / x. 1 at the smallest x; its derivative is its negative.
+[[nodiscard]] double dragAt(const Knots& knots, double t);
 
 // Shape:  x, y: n values; fluid: n values or none; used: indices of the points that count.
 // Needs:  x > 0; y > 0 where `relative`; all finite; at least two different x.
 [[nodiscard]] Knots gatherKnots(std::span<const double> x, std::span<const double> y,
                                 std::span<const int> fluid, std::span<const std::size_t> used,
-                                bool relative);
+                                bool relative, double drag = 0);
 
 // z of a y at t, and back.
 [[nodiscard]] double scaled(const Knots& knots, double t, double y);

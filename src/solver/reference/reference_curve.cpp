@@ -142,6 +142,7 @@ ReferenceCurve fitReference(const ReferenceData& data, const ReferenceOptions& o
                            data.fluid,
                            isRelative(data, used, options.scale),
                            options.fluidOffsets,
+                           options.drag,
                            options.priors,
                            options.lattice};
   TrustedFit fit = fitTrusted(setting, used, options.robust ? &options.distrust : nullptr);

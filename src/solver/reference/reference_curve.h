@@ -36,6 +36,10 @@ struct ReferenceOptions {
   // deviations; 0: the fluids share every error. Stands repeat to a few hundredths of a per cent.
   // With more than four fluids they count as one.
   double fluidOffsets = 0.25;
+  // Standard deviation of the bearing drag at the lowest flow, in noise standard deviations; 0: the
+  // trend is a straight line. Wide enough to take the fall of any turbine meter; a series without
+  // such a fall costs it little.
+  double drag = 0;
   bool robust = true;
   DistrustRule distrust = {};
 };

@@ -56,12 +56,14 @@ std::vector<MaternStep> stepsBetween(const Knots& knots, double length) {
 int columnsOf(const Knots& knots, double offsets) {
   const auto fluids = static_cast<int>(knots.fluids.size());
   const bool apart = offsets > 0 && fluids > 1 && fluids <= mostFluidOffsets;
-  return 3 + (apart ? fluids : 0);
+  return 3 + (knots.drag > 0 ? 1 : 0) + (apart ? fluids : 0);
 }
 
-Columns observationAt(const Knot& knot, int columns) {
+Columns observationAt(const Knots& knots, const Knot& knot, int columns) {
   Columns observed{knot.mean, 1, knot.t};
-  if (columns > 3) observed[static_cast<unsigned>(3 + knot.fluid)] = 1;
+  int next = 3;
+  if (knots.drag > 0) observed[static_cast<unsigned>(next++)] = dragAt(knots, knot.t);
+  if (columns > next) observed[static_cast<unsigned>(next + knot.fluid)] = 1;
   return observed;
 }
 
@@ -76,13 +78,13 @@ LikelihoodPass::LikelihoodPass(const Knots& knots, const ReferencePriors& priors
 
 Node LikelihoodPass::evaluate(const Hyperparameters& h, const std::vector<MaternStep>& steps) {
   SquareRootFilter filter(h.amplitude, columns_);
-  TrendRegression regression(columns_, offsets_);
+  TrendRegression regression(columns_, knots_.drag, offsets_);
   for (std::size_t k = 0; k < steps.size(); ++k) {
     const Knot& knot = knots_.knots[k];
     if (k > 0) filter.predict(steps[k]);
     const auto count = static_cast<double>(knot.count);
     const double variance = noiseVariance(h.growth, knot.flowFraction);
-    innovations_[k] = filter.observe(observationAt(knot, columns_), variance / count);
+    innovations_[k] = filter.observe(observationAt(knots_, knot, columns_), variance / count);
     regression.add(innovations_[k]);
     regression.addRepeats(count, knot.scatter, variance);
   }

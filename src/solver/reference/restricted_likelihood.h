@@ -14,10 +14,10 @@ namespace pelmora::solver::reference {
 // the one at index k leads to knot k, index 0 is unused.
 [[nodiscard]] std::vector<MaternStep> stepsBetween(const Knots& knots, double length);
 
-// Columns of the model: data, 1, t, and one per fluid where `offsets` > 0 and there are
-// two to mostFluidOffsets of them.
+// Columns of the model: data, 1, t, the drag where knots.drag > 0, and one per fluid where
+// `offsets` > 0 and there are two to mostFluidOffsets of them.
 [[nodiscard]] int columnsOf(const Knots& knots, double offsets);
-[[nodiscard]] Columns observationAt(const Knot& knot, int columns);
+[[nodiscard]] Columns observationAt(const Knots& knots, const Knot& knot, int columns);
 
 // With n points and f = n - 2 + noiseDegrees degrees of freedom, up to a constant that does not
 // depend on the hyperparameters,

@@ -8,10 +8,11 @@
 
 namespace pelmora::solver::reference {
 
-// What is filtered side by side: column 0 the data, then the columns of the trend (1 and t) and
-// one for each fluid's offset. All share gains and variances, which depend on no data.
+// What is filtered side by side: column 0 the data, then the columns of the trend (1, t and, where
+// the model has one, the drag) and one for each fluid's offset. All share gains and variances,
+// which depend on no data.
 inline constexpr int mostFluidOffsets = 4;
-inline constexpr int mostColumns = 3 + mostFluidOffsets;
+inline constexpr int mostColumns = 4 + mostFluidOffsets;
 using Columns = std::array<double, mostColumns>;
 
 // One observation's part in the likelihood.

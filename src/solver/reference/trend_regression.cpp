@@ -5,10 +5,11 @@
 
 namespace pelmora::solver::reference {
 
-TrendRegression::TrendRegression(int columns, double offsets) : columns_(columns) {
+TrendRegression::TrendRegression(int columns, double drag, double offsets) : columns_(columns) {
   for (unsigned c = 3; c < static_cast<unsigned>(columns); ++c) {
-    gram_[c][c] = 1 / (offsets * offsets);
-    logDeterminant_ += 2 * std::log(offsets);
+    const double deviation = c == 3 && drag > 0 ? drag : offsets;
+    gram_[c][c] = 1 / (deviation * deviation);
+    logDeterminant_ += 2 * std::log(deviation);
   }
 }
 

@@ -11,7 +11,8 @@ using ColumnMatrix = std::array<Columns, mostColumns>;
 // With V the covariance of the data in units of the noise's variance and X the columns of the
 // trend: coefficients b = (X'V^-1 X)^-1 X'V^-1 y, covariance (X'V^-1 X)^-1, squares
 // (y - Xb)'V^-1 (y - Xb). Index 0 is unused in b and covariance, as in `Columns`. Level and slope
-// have no prior (the diffuse filter of de Jong); an offset of a fluid has the variance offsets^2.
+// have no prior (the diffuse filter of de Jong); the drag has the variance
+// drag^2, an offset of a fluid offsets^2.
 //
 // Source: de Jong: The diffuse Kalman filter, Annals of Statistics 19 (1991) 1073-1083.
 struct TrendFit {
@@ -24,7 +25,7 @@ struct TrendFit {
 
 class TrendRegression {
  public:
-  TrendRegression(int columns, double offsets);
+  TrendRegression(int columns, double drag, double offsets);
   void add(const Innovation& innovation);
   // What repeats add beyond their mean: their scatter over its variance, and the determinant.
   void addRepeats(double count, double scatter, double variance);

@@ -120,13 +120,16 @@ Joined join(const Past& past, const Future& future, unsigned columns) {
   return joined;
 }
 
-Smoothed withTrend(const Joined& joined, const TrendFit& trend, double t, double rate) {
+Smoothed withTrend(const Knots& knots, const Joined& joined, const TrendFit& trend, double t,
+                   double rate) {
   const auto columns = static_cast<unsigned>(trend.columns);
+  Columns trendAt{0, 1, t}, trendSlope{0, 0, 1};
+  if (knots.drag > 0) trendSlope[3] = -(trendAt[3] = dragAt(knots, t));
   Columns departure{}, steepness{};
   Smoothed smoothed{joined.value[0], rate * joined.slope[0], joined.variance};
   for (unsigned i = 1; i < columns; ++i) {
-    departure[i] = (i == 1 ? 1 : i == 2 ? t : 0) - joined.value[i];
-    steepness[i] = (i == 2 ? 1 : 0) - rate * joined.slope[i];
+    departure[i] = trendAt[i] - joined.value[i];
+    steepness[i] = trendSlope[i] - rate * joined.slope[i];
     smoothed.mean += departure[i] * trend.coefficients[i];
     smoothed.slope += steepness[i] * trend.coefficients[i];
   }
@@ -173,7 +176,7 @@ std::vector<Smoothed> MergedPlaces::smoothAt(const Node& node, double offsets) c
       continue;
     }
     const Knot& knot = knots_.knots[static_cast<std::size_t>(entries_[k].knot)];
-    static_cast<void>(filter.observe(observationAt(knot, columns), noiseOf(knot)));
+    static_cast<void>(filter.observe(observationAt(knots_, knot, columns), noiseOf(knot)));
   }
   std::vector<Smoothed> smoothed(places_);
   Future future;
@@ -182,10 +185,10 @@ std::vector<Smoothed> MergedPlaces::smoothAt(const Node& node, double offsets) c
     if (entries_[k].knot < 0) {
       --place;
       smoothed[place] =
-          withTrend(join(pasts[place], future, width), node.trend, entries_[k].t, rate_);
+          withTrend(knots_, join(pasts[place], future, width), node.trend, entries_[k].t, rate_);
     } else {
       const Knot& knot = knots_.knots[static_cast<std::size_t>(entries_[k].knot)];
-      readPoint(future, observationAt(knot, columns), noiseOf(knot), width);
+      readPoint(future, observationAt(knots_, knot, columns), noiseOf(knot), width);
     }
     if (k > 0) stepBack(future, steps_[k], h.amplitude, width);
   }

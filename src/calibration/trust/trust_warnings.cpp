@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+#include "calibration/trust/trust_warnings.h"
+
+#include "base/readable_number.h"
+
+#include <cmath>
+
+namespace pelmora::calibration {
+namespace {
+
+// A table whose linear reading takes more than this part of the test band is worth a warning; the
+// size that is advised takes at most the smaller part.
+constexpr double warnedShareOfBand = 0.5;
+constexpr double advisedShareOfBand = 0.25;
+
+std::string between(double from, double to) {
+  return "between Roshko " + significantText(from, 4) + " and " + significantText(to, 4);
+}
+
+CurveWarning distrusted(const JudgedPoint& point, bool isRelative) {
+  CurveWarning warning;
+  warning.Kind = CurveWarningKind::distrustedPoint;
+  warning.FromX = warning.ToX = point.roshko;
+  warning.Percent =
+      std::abs(isRelative ? point.leaveOneOut : 100 * point.leaveOneOut / point.strouhal);
+  warning.Text = "Point " + std::to_string(point.number) + " of part " +
+                 std::to_string(point.part) + " (Roshko " + significantText(point.roshko, 5) +
+                 ") is " + significantText(std::abs(point.sigmas()), 2) + " sigma, " +
+                 significantText(warning.Percent, 2) + " %, " +
+                 (point.leaveOneOut > 0 ? "above" : "below") +
+                 " the curve of the others; the curve was fitted without it";
+  return warning;
+}
+
+CurveWarning wide(const ReferenceJudge::WideRange& range, double bandPercent) {
+  CurveWarning warning;
+  warning.Kind = CurveWarningKind::wideBand;
+  warning.FromX = range.from;
+  warning.ToX = range.to;
+  warning.Percent = range.percent;
+  warning.Measure = {range.widest};
+  warning.Text = "The points determine the curve only to within " +
+                 significantText(range.percent, 2) + " % " + between(range.from, range.to) +
+                 ", the test band is " + significantText(bandPercent, 3) +
+                 " %: measure at Roshko " + significantText(range.widest, 3);
+  return warning;
+}
+
+void checkReading(const Fit& fit, const CurveSamples& chosen, std::vector<CurveWarning>& warnings) {
+  const ReadingError error = worstReadingError(chosen, fit.curve.column(0), fit.curve.column(1));
+  const double band = fit.settings.band;
+  if (!(error.percent > warnedShareOfBand * band)) return;
+  CurveWarning warning;
+  warning.Kind = CurveWarningKind::tableReading;
+  warning.FromX = error.fromX;
+  warning.ToX = error.toX;
+  warning.Percent = error.percent;
+  warning.Points =
+      tablePointsFor(chosen, fit.min, fit.max, fit.settings.points, advisedShareOfBand * band);
+  warning.Text = "The table read linearly misses its own curve by " +
+                 significantText(error.percent, 2) + " % " + between(error.fromX, error.toX);
+  if (warning.Points > 0)
+    warning.Text += ": " + std::to_string(warning.Points) + " points would do";
+  warnings.push_back(std::move(warning));
+}
+
+void checkEnds(const Fit& fit, std::vector<CurveWarning>& warnings) {
+  constexpr double rounding = 1e-12;
+  const double low = fit.fitted(0, 0), high = fit.fitted(fit.fitted.size() - 1, 0);
+  const auto add = [&](double from, double to) {
+    warnings.push_back(
+        {CurveWarningKind::extrapolation, from, to, 0,
+         "The curve is predicted " + between(from, to) + ", where there are no points"});
+  };
+  if (fit.min < low * (1 - rounding)) add(fit.min, low);
+  if (fit.max > high * (1 + rounding)) add(high, fit.max);
+}
+
+}  // namespace
+
+std::vector<CurveWarning> trustWarnings(const Fit& fit, const ReferenceJudge& judge,
+                                        const CurveSamples& chosen) {
+  std::vector<CurveWarning> warnings;
+  for (const JudgedPoint& point : fit.trust->judged) {
+    if (point.use == PointUse::distrusted)
+      warnings.push_back(distrusted(point, fit.trust->isRelative));
+  }
+  for (const auto& range : judge.wideRanges()) warnings.push_back(wide(range, fit.settings.band));
+  checkEnds(fit, warnings);
+  checkReading(fit, chosen, warnings);
+  return warnings;
+}
+
+}  // namespace pelmora::calibration

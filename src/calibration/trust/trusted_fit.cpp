@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: MIT
+#include "calibration/trust/trusted_fit.h"
+
+#include "band/band.h"
+#include "base/readable_number.h"
+#include "calibration/steps/catalogue_fit.h"
+#include "calibration/trust/reference_judge.h"
+#include "calibration/trust/reference_report.h"
+#include "calibration/trust/trust_warnings.h"
+#include "curves/curve_checks.h"
+#include "curves/predicted_curve.h"
+#include "solver/solver.h"
+
+#include <pelmora/calibration/failure.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace pelmora::calibration {
+namespace {
+
+using solver::reference::PointState;
+using solver::reference::ReferenceCurve;
+
+constexpr std::size_t fewestFlows = 4;
+
+bool isOutside(const Fit& fit, double roshko) {
+  return (fit.settings.fitMin && roshko < *fit.settings.fitMin) ||
+         (fit.settings.fitMax && roshko > *fit.settings.fitMax);
+}
+
+// What about the points makes a trusted curve impossible; empty if nothing does.
+std::string troubleOf(const Fit& fit, std::span<const steps::PartPoint> origins) {
+  std::vector<double> places;
+  for (std::size_t i = 0; i < fit.merged.size(); ++i) {
+    const double roshko = fit.merged(i, 0);
+    if (isOutside(fit, roshko)) continue;
+    if (!(roshko > 0)) {
+      return "point " + std::to_string(origins[i].Number) + " of part " +
+             std::to_string(origins[i].Part) + " has Roshko " + significantText(roshko, 4) +
+             "; a Roshko number is above 0";
+    }
+    places.push_back(roshko);
+  }
+  const std::size_t flows = distinctLevels(places);
+  if (flows >= fewestFlows) return {};
+  return std::to_string(flows) + (flows == 1 ? " distinct flow is" : " distinct flows are") +
+         " too few for a curve that can be trusted: measure at " + std::to_string(fewestFlows) +
+         " or more";
+}
+
+ReferenceCurve referenceOf(const Fit& fit, std::span<const steps::PartPoint> origins) {
+  std::vector<int> parts;
+  std::vector<std::uint8_t> outside;
+  for (std::size_t i = 0; i < fit.merged.size(); ++i) {
+    parts.push_back(origins[i].Part);
+    outside.push_back(isOutside(fit, fit.merged(i, 0)) ? 1 : 0);
+  }
+  return solver::reference::fitReference(
+      {fit.merged.column(0), fit.merged.column(1), parts, outside});
+}
+
+Trust trustOf(const Fit& fit, std::span<const steps::PartPoint> origins,
+              const ReferenceCurve& reference) {
+  const auto& summary = reference.summary();
+  Trust trust;
+  trust.isRelative = summary.relative;
+  trust.points = summary.points;
+  trust.lengthDecades = summary.length;
+  const double unit = summary.relative ? 100 : 1;
+  trust.noiseHigh = unit * summary.noiseHigh;
+  trust.noiseLow = unit * summary.noiseLow;
+  std::vector<double> places;
+  for (std::size_t i = 0; i < fit.merged.size(); ++i) {
+    const auto& point = reference.points()[i];
+    const PointUse use = point.state == PointState::used       ? PointUse::used
+                         : point.state == PointState::excluded ? PointUse::outside
+                                                               : PointUse::distrusted;
+    trust.judged.push_back({origins[i].Part, static_cast<std::size_t>(origins[i].Number),
+                            fit.merged(i, 0), fit.merged(i, 1), use, unit * point.residual,
+                            unit * point.leaveOneOut, unit * point.leaveOneOutSd});
+    if (use == PointUse::used) places.push_back(fit.merged(i, 0));
+  }
+  trust.flows = distinctLevels(places);
+  return trust;
+}
+
+PointArray usedPoints(const Trust& trust) {
+  PointArray points(trust.points);
+  std::size_t row = 0;
+  for (const JudgedPoint& point : trust.judged) {
+    if (point.use != PointUse::used) continue;
+    points(row, 0) = point.roshko;
+    points(row++, 1) = point.strouhal;
+  }
+  return points;
+}
+
+// The values of a table that falls, nearest to `y` in the sense of least squares; a rotor ratio
+// does so by nature.
+std::vector<double> falling(std::span<const double> y) {
+  struct Block {
+    double sum;
+    std::size_t count;
+    [[nodiscard]] double mean() const { return sum / static_cast<double>(count); }
+  };
+  std::vector<Block> blocks;
+  for (const double value : y) {
+    blocks.push_back({value, 1});
+    while (blocks.size() > 1 && blocks[blocks.size() - 2].mean() < blocks.back().mean()) {
+      const Block last = blocks.back();
+      blocks.pop_back();
+      blocks.back().sum += last.sum;
+      blocks.back().count += last.count;
+    }
+  }
+  std::vector<double> values;
+  for (const Block& block : blocks) values.insert(values.end(), block.count, block.mean());
+  return values;
+}
+
+// The reference curve as a table; nothing, and the trouble, where it is not a rotor ratio's.
+std::optional<std::vector<double>> referenceTable(Fit& fit, const ReferenceJudge& judge) {
+  std::vector<double> y;
+  for (const auto& estimate : judge.table()) y.push_back(estimate.value);
+  if (!fit.settings.ratio) return y;
+  const std::vector<double> fallen = falling(y);
+  for (std::size_t i = 0; i < y.size(); ++i) {
+    if (std::abs(fallen[i] - y[i]) <= 2 * judge.table()[i].curveSd) continue;
+    fit.trouble = "the ratio rises with Roshko near " +
+                  significantText(fit.trust->table[i].roshko, 4) + ", by more than its noise";
+    return std::nullopt;
+  }
+  return fallen;
+}
+
+bool mayStoreReference(const FitSettings& settings) {
+  const auto isNamed = [](const std::vector<std::string>& names) {
+    return std::ranges::find(names, referenceCurveName) != names.end();
+  };
+  return (settings.only.empty() || isNamed(settings.only)) && !isNamed(settings.without);
+}
+
+void describeBands(Fit& fit, const ReferenceJudge& judge) {
+  const std::vector<double> distances = judge.distances(fit.curve.column(1));
+  for (std::size_t i = 0; i < distances.size(); ++i) {
+    const auto& at = judge.table()[i];
+    fit.outcome.ConfidenceHalfWidth.push_back(std::hypot(2 * at.curveSd, distances[i]));
+    fit.outcome.PredictionHalfWidth.push_back(std::hypot(2 * at.newPointSd, distances[i]));
+  }
+}
+
+}  // namespace
+
+bool fitTrusted(Fit& fit, std::span<const steps::PartPoint> origins, const steps::Observer& watch,
+                const std::function<bool()>& stopRequested) {
+  fit.trouble = troubleOf(fit, origins);
+  if (!fit.trouble.empty()) return true;
+  if (!(fit.min > 0)) {
+    throw OutOfRange(
+        {"the range begins at Roshko " + significantText(fit.min, 6), "", "begin it above 0"});
+  }
+  const std::vector<ModelDefinition> tried = equationsToTry(fit.settings);
+  const ReferenceCurve reference = referenceOf(fit, origins);
+  fit.trust = trustOf(fit, origins, reference);
+  fit.fitted = usedPoints(*fit.trust);
+  const std::vector<double> grid = logSpacedGrid(fit.min, fit.max, fit.settings.points - 1);
+  const ReferenceJudge judge(reference, grid, fit.settings.band);
+  for (std::size_t i = 0; i < grid.size(); ++i) {
+    const auto& at = judge.table()[i];
+    fit.trust->table.push_back({grid[i], at.value, at.curveSd, at.newPointSd});
+  }
+
+  steps::CatalogueSettings settings{static_cast<float>(fit.settings.band),
+                                    fit.settings.points,
+                                    fit.meter.serial,
+                                    fit.series,
+                                    fit.settings.ratio,
+                                    fit.settings.ignoreResiduals};
+  std::vector<steps::Equation> equations;  // runs walk a catalogue from its last entry down
+  for (auto equation = tried.rbegin(); equation != tried.rend(); ++equation)
+    equations.push_back({equation->Name, equation->Expression});
+  steps::CatalogueFit catalogue;
+  catalogue.useEquations(std::move(equations));
+  const steps::FitLabels labels{"Roshko", "Strouhal"};
+  const steps::CatalogueRun run{fit.fitted,     fit.min, fit.max,       labels,
+                                createSolver(), nullptr, stopRequested, true};
+  if (catalogue.run(run, settings, watch) == steps::RunEnd::stopped) return false;
+  std::vector<Soundness> soundness(tried.size());
+  const auto test = [&](std::size_t index, const FitModel& model) -> std::optional<std::string> {
+    soundness[index] = judge.judge(model, fit.trust->flows);
+    if (soundness[index].isSound) return std::nullopt;
+    return soundness[index].why;
+  };
+  catalogue.selectSimplest(createBandTester, test, settings, watch);
+  fit.trust->equations = std::move(soundness);
+  fit.outcome = catalogue.verdicts();
+  fit.curve = catalogue.curve();
+  fit.report = catalogue.details();
+
+  CurveSamples chosen = [&](std::span<const double> x) { return judge.values(x); };
+  if (const FitModel* model = catalogue.model()) {
+    chosen = [model](std::span<const double> x) { return model->evaluate(x); };
+  }
+  if (mayStoreReference(fit.settings))
+    addReferenceCurve(fit, reference, referenceTable(fit, judge));
+  if (!fit.accepted()) return true;
+  describeBands(fit, judge);
+  fit.outcome.Warnings = trustWarnings(fit, judge, chosen);
+  return true;
+}
+
+}  // namespace pelmora::calibration

@@ -1,0 +1,29 @@
+// How many points a table needs to be read linearly.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <vector>
+
+namespace pelmora {
+
+using CurveSamples = std::function<std::vector<double>(std::span<const double>)>;
+
+// Where linear interpolation in a table misses its curve most, halfway between two points.
+struct ReadingError {
+  double percent = 0, fromX = 0, toX = 0;
+};
+[[nodiscard]] ReadingError worstReadingError(const CurveSamples& curve,
+                                             std::span<const double> tableX,
+                                             std::span<const double> tableY);
+
+// The smallest multiple of ten points, at least `points`, spaced evenly in the logarithm from
+// `low` to `high`, whose linear reading misses the curve by at most `limitPercent`; 0 if
+// mostTablePoints are not enough.
+inline constexpr std::int32_t mostTablePoints = 2000;
+[[nodiscard]] std::int32_t tablePointsFor(const CurveSamples& curve, double low, double high,
+                                          std::int32_t points, double limitPercent);
+
+}  // namespace pelmora

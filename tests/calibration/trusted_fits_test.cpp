@@ -1,0 +1,339 @@
+// Fits by Choice::trusted: the curve is near the truth, and what is wrong with the points is named.
+// SPDX-License-Identifier: MIT
+#include "tests/calibration/service_fixture.h"
+#include "tests/support/csv_table.h"
+
+#include <pelmora/calibration/words.h>
+
+#include <algorithm>
+#include <random>
+
+namespace pelmora::calibration::test {
+namespace {
+
+using pelmora::test::CsvRow;
+using pelmora::test::readCsv;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::SizeIs;
+using TrustedFits = ServiceTest;
+
+constexpr const char* jobs[] = {"1007", "1008"};
+
+// A simulated job of meter M1, see examples/data/README.md.
+Fit fitOfJob(const std::string& job, const std::string& rotor, FitSettings settings = {}) {
+  std::vector<std::pair<double, double>> rows;
+  for (const CsvRow& row : readCsv(exampleData("stand-dual-rotor-truth.csv"))) {
+    if (row.at("JobRecordID") == job)
+      rows.emplace_back(std::stod(row.at("roshko_" + rotor)),
+                        std::stod(row.at("strouhal_" + rotor)));
+  }
+  PointArray points(rows.size());
+  for (std::size_t i = 0; i < rows.size(); ++i)
+    points(i, 0) = rows[i].first, points(i, 1) = rows[i].second;
+  settings.choice = Choice::trusted;
+  return calibration::fit(std::vector{points}, settings);
+}
+
+// The largest error of the table read linearly against the noise-free curve, in per cent.
+double largestError(const Fit& fit, const std::string& fluid, const std::string& rotor) {
+  const Curve curve(fit.curve);
+  double largest = 0;
+  std::size_t places = 0;
+  for (const CsvRow& row : readCsv(exampleData("stand-true-curves.csv"))) {
+    if (row.at("meter") != "M1" || row.at("fluid") != fluid || row.at("static_bearing_drag") != "1")
+      continue;
+    const double x = std::stod(row.at("roshko_" + rotor));
+    if (x < curve.lowestRoshko() || x > curve.highestRoshko()) continue;
+    const double truth = std::stod(row.at("strouhal_" + rotor));
+    largest = std::max(largest, 100 * std::abs(curve(x).strouhal / truth - 1));
+    ++places;
+  }
+  EXPECT_GT(places, 50U);
+  return largest;
+}
+
+PointArray noisy(PointArray points, double sd, unsigned seed) {
+  std::mt19937 random(seed);
+  std::normal_distribution<double> noise(0, sd);
+  for (std::size_t i = 0; i < points.size(); ++i) points(i, 1) *= 1 + noise(random);
+  return points;
+}
+
+// A shape that none of the equations has: two steps in log Roshko.
+PointArray steps(std::size_t count) {
+  PointArray points = smoothPoints(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    const double l = std::log(points(i, 0));
+    points(i, 1) =
+        1000 * (1 + 0.01 * std::tanh((l - 3.5) / 0.25) - 0.012 * std::tanh((l - 5.5) / 0.2));
+  }
+  return points;
+}
+
+TEST_F(TrustedFits, of_the_simulated_jobs_are_near_the_truth_over_their_range) {
+  for (const char* job : jobs) {
+    for (const char* rotor : {"a", "b"}) {
+      const Fit fit = fitOfJob(job, rotor);
+      ASSERT_TRUE(fit.accepted()) << job << rotor << ": " << fit.reason();
+      const std::string fluid = std::string(job) == "1008" ? "2" : "1";
+      EXPECT_LT(largestError(fit, fluid, rotor), 0.15) << job << rotor << ' ' << fit.chosen().Name;
+    }
+  }
+}
+
+TEST_F(TrustedFits, name_the_bad_points_of_a_job) {
+  const Fit fit = fitOfJob("1007", "a");
+  ASSERT_THAT(fit.outcome.Warnings, SizeIs(2));
+  for (const CurveWarning& warning : fit.outcome.Warnings)
+    EXPECT_EQ(warning.Kind, CurveWarningKind::distrustedPoint);
+  EXPECT_THAT(fit.outcome.Warnings[0].Text,
+              AllOf(HasSubstr("Point 6 of part 1 (Roshko 88.906)"), HasSubstr("above")));
+  EXPECT_THAT(fit.outcome.Warnings[1].Text,
+              AllOf(HasSubstr("Point 19 of part 1"), HasSubstr("below")));
+  EXPECT_EQ(fit.fitted.size(), fit.merged.size() - 2);
+  // Rotor B has one of them.
+  const Fit other = fitOfJob("1007", "b");
+  ASSERT_THAT(other.outcome.Warnings, SizeIs(1));
+  EXPECT_THAT(other.outcome.Warnings[0].Text, HasSubstr("Point 19"));
+  const auto& judged = other.trust->judged;
+  const auto bad = std::ranges::find(judged, 19U, &JudgedPoint::number);
+  ASSERT_NE(bad, judged.end());
+  EXPECT_EQ(bad->use, PointUse::distrusted);
+  EXPECT_LT(bad->sigmas(), -5);
+}
+
+TEST_F(TrustedFits, choose_the_simplest_equation_that_is_sound) {
+  const Fit fit =
+      calibration::fit(std::vector{noisy(smoothPoints(24), 3e-4, 1)}, {.choice = Choice::trusted});
+  ASSERT_TRUE(fit.accepted());
+  EXPECT_LE(fit.chosen().Parameters.size(), 4U) << fit.chosen().Name;
+  EXPECT_EQ(fit.trust->equations.size(), fit.outcome.Equations.size());
+  EXPECT_TRUE(fit.trust->equations[*fit.outcome.Chosen].isSound);
+  // By AICc, none that passed is better.
+  for (const EquationOutcome& equation : fit.outcome.Equations) {
+    if (equation.Verdict == EquationVerdict::accepted && equation.Aicc) {
+      EXPECT_GE(*equation.Aicc, *fit.chosen().Aicc) << equation.Name;
+    }
+  }
+  EXPECT_EQ(fit.equations().front().outcome.Name, fit.chosen().Name);
+}
+
+TEST_F(TrustedFits, say_of_each_equation_why_it_is_not_sound) {
+  const Fit fit = calibration::fit(std::vector{noisy(steps(40), 2e-4, 2)},
+                                   {.band = 5, .choice = Choice::trusted});
+  ASSERT_TRUE(fit.accepted());
+  std::size_t unsound = 0;
+  for (std::size_t i = 0; i < fit.outcome.Equations.size(); ++i) {
+    const EquationOutcome& equation = fit.outcome.Equations[i];
+    if (equation.Verdict != EquationVerdict::notSound) continue;
+    ++unsound;
+    EXPECT_THAT(equation.Reason, HasSubstr("departs from the reference curve")) << equation.Name;
+    EXPECT_FALSE(fit.trust->equations[i].isSound);
+    EXPECT_GT(fit.trust->equations[i].departurePercent, fit.trust->equations[i].allowedPercent);
+    EXPECT_EQ(rejection(equation), equation.Reason);
+  }
+  EXPECT_GT(unsound, 0U);
+}
+
+TEST_F(TrustedFits, have_fewer_parameters_than_flows) {
+  const Fit fit = fitOfJob("1009", "a");
+  ASSERT_TRUE(fit.accepted());
+  EXPECT_EQ(fit.trust->flows, 6U);
+  for (std::size_t i = 0; i < fit.outcome.Equations.size(); ++i) {
+    const EquationOutcome& equation = fit.outcome.Equations[i];
+    if (equation.Verdict == EquationVerdict::accepted ||
+        equation.Verdict == EquationVerdict::chosen) {
+      EXPECT_LT(equation.Parameters.size(), 6U) << equation.Name;
+    }
+  }
+}
+
+TEST_F(TrustedFits, store_the_reference_curve_where_no_equation_is_sound) {
+  Database db = lab();
+  const Meter meter = db.registerMeter("M1");
+  const PointArray points = noisy(steps(40), 2e-4, 3);
+  (void)db.storeRaw(meter, "Steps", 1, points);
+  const Fit fit = db.fit(meter, "Steps", {.points = 120, .choice = Choice::trusted});
+  ASSERT_TRUE(fit.accepted()) << fit.reason();
+  EXPECT_EQ(fit.chosen().Name, referenceCurveName);
+  EXPECT_EQ(fit.curve.size(), 120U);
+  // Every point is within a few noise standard deviations of the table.
+  const Curve curve(fit.curve);
+  for (std::size_t i = 1; i + 1 < points.size(); ++i)
+    EXPECT_NEAR(curve(points(i, 0)).strouhal / points(i, 1), 1, 1e-3) << i;
+
+  (void)db.store(fit);
+  const StoredSeries stored = db.series(meter, "Steps");
+  EXPECT_EQ(stored.equation, referenceCurveName);
+  EXPECT_THAT(stored.report,
+              AllOf(HasSubstr("\r\nDescription: Reference curve\r\n\r\n"),
+                    HasSubstr("\r\nParameter Results:\r\nLength scale in decades = "),
+                    HasSubstr("\r\nNoise at the largest flow in % = 0.0"),
+                    HasSubstr("\r\nNumber of Observations = 40\r\n"),
+                    HasSubstr("\r\nBand Percentage = 0.3%\r\n"),
+                    HasSubstr("\r\nSpecified Number of Fitted Points = 120\r\n"),
+                    HasSubstr("\r\n\r\n\r\nPredicted Roshko/Strouhal\r\n0:\t10\t"),
+                    HasSubstr("\r\n\r\n\r\nRaw Roshko/Strouhal\r\n0:\t10\t")));
+  const Repeated repeated = db.repeat(stored);
+  EXPECT_TRUE(repeated.settingsAreKept);
+  EXPECT_TRUE(repeated.isStoredCurve());
+  EXPECT_TRUE(db.curve(meter, "Steps")(100).confidence.has_value());
+}
+
+TEST_F(TrustedFits, keep_their_rule_when_they_are_fitted_again) {
+  Database db = lab();
+  const Meter meter = db.registerMeter("M1");
+  (void)db.storeRaw(meter, "Rotor A", 1, noisy(smoothPoints(20), 3e-4, 4));
+  (void)db.storeRaw(meter, "Rotor B", 1, noisy(smoothPoints(20), 3e-4, 5));
+  const FitSettings trusted{
+      .fitMin = 12, .choice = Choice::trusted, .without = {"TC eq6405"}, .maxOrder = 4};
+  (void)db.store(db.fit(meter, "Rotor A", trusted));
+  (void)db.store(db.fit(meter, "Rotor B", {.choice = Choice::adjustedR2}));
+  const Repeated a = db.repeat(db.series(meter, "Rotor A"));
+  EXPECT_EQ(a.fit.settings.choice, Choice::trusted);
+  EXPECT_EQ(a.fit.settings.fitMin, 12);
+  EXPECT_EQ(a.fit.settings.maxOrder, 4);
+  EXPECT_THAT(a.fit.settings.without, ElementsAre("TC eq6405"));
+  EXPECT_TRUE(a.isStoredCurve());
+  const Repeated b = db.repeat(db.series(meter, "Rotor B"));
+  EXPECT_EQ(b.fit.settings.choice, Choice::adjustedR2);
+  EXPECT_TRUE(b.isStoredCurve());
+  const RefitOutcome refit = db.refit(db.allSeries());
+  for (const RefitResult& result : refit.results)
+    EXPECT_EQ(result.kind, RefitResultKind::kept) << result.task.series << result.reason;
+}
+
+TEST_F(TrustedFits, refuse_too_few_flows_and_roshko_numbers_that_cannot_be) {
+  const Fit few = calibration::fit(std::vector{smoothPoints(3)}, {.choice = Choice::trusted});
+  EXPECT_FALSE(few.accepted());
+  EXPECT_EQ(few.reason(),
+            "3 distinct flows are too few for a curve that can be trusted: measure at 4 or more");
+  PointArray wrong = smoothPoints(9);
+  wrong(4, 0) = -3;
+  const Fit negative = calibration::fit(std::vector{wrong}, {.choice = Choice::trusted});
+  EXPECT_EQ(negative.reason(), "point 5 of part 1 has Roshko -3; a Roshko number is above 0");
+}
+
+TEST_F(TrustedFits, store_something_for_every_series_of_four_flows_or_more) {
+  for (unsigned seed = 0; seed < 40; ++seed) {
+    const std::size_t count = 4 + seed % 6;
+    const Fit fit = calibration::fit(
+        std::vector{noisy(seed % 2 ? steps(count) : smoothPoints(count), 1e-3, seed)},
+        {.choice = Choice::trusted});
+    EXPECT_TRUE(fit.accepted()) << seed << ": " << fit.reason();
+  }
+}
+
+TEST_F(TrustedFits, try_only_the_equations_that_are_asked_for) {
+  const std::vector parts{noisy(smoothPoints(20), 3e-4, 6)};
+  const auto namesOf = [](const Fit& fit) {
+    std::vector<std::string> names;
+    for (const EquationOutcome& equation : fit.outcome.Equations) names.push_back(equation.Name);
+    return names;
+  };
+  const Fit one =
+      calibration::fit(parts, {.choice = Choice::trusted, .only = {"Polynomial 3rd Order"}});
+  EXPECT_THAT(namesOf(one), ElementsAre("Polynomial 3rd Order"));
+  EXPECT_EQ(one.chosen().Name, "Polynomial 3rd Order");
+  const Fit smooth =
+      calibration::fit(parts, {.choice = Choice::trusted, .only = {referenceCurveName}});
+  EXPECT_EQ(smooth.chosen().Name, referenceCurveName);
+  const Fit none =
+      calibration::fit(std::vector{noisy(steps(40), 2e-4, 7)},
+                       {.choice = Choice::trusted, .without = {referenceCurveName}, .maxOrder = 3});
+  EXPECT_FALSE(none.accepted());
+  EXPECT_THAT(none.reason(), HasSubstr("nearest was"));
+  for (const std::string& name : namesOf(none)) {
+    EXPECT_NE(name, "Polynomial 4th Order");
+    EXPECT_NE(name, referenceCurveName);
+  }
+  const auto failure = failureOf<BadData>(
+      [&] { (void)calibration::fit(parts, {.choice = Choice::trusted, .without = {"Cubic"}}); });
+  EXPECT_THAT(failure.what(), HasSubstr("no equation 'Cubic'"));
+  EXPECT_THAT(failure.remedy(), HasSubstr("'Polynomial 3rd Order'"));
+}
+
+TEST_F(TrustedFits, leave_out_what_lies_outside_the_range_to_fit) {
+  PointArray points = noisy(smoothPoints(30), 3e-4, 8);
+  points(0, 1) *= 0.7;  // friction at the lowest flows
+  points(1, 1) *= 0.9;
+  for (const Choice choice : {Choice::trusted, Choice::adjustedR2}) {
+    const Fit fit =
+        calibration::fit(std::vector{points}, {.fitMin = points(2, 0), .choice = choice});
+    ASSERT_TRUE(fit.accepted()) << fit.reason();
+    EXPECT_EQ(fit.merged.size(), 30U);
+    EXPECT_EQ(fit.fitted.size(), 28U);
+    EXPECT_DOUBLE_EQ(fit.min, points(2, 0));
+    if (choice == Choice::trusted) {
+      EXPECT_EQ(fit.trust->judged[1].use, PointUse::outside);
+    }
+  }
+}
+
+TEST_F(TrustedFits, warn_of_a_gap_and_name_the_flow_to_measure) {
+  PointArray points = noisy(smoothPoints(5, 5, 2000), 8e-4, 9);
+  points(2, 0) *= 6;  // nothing between 22 and 600
+  const Fit fit = calibration::fit(std::vector{points}, {.band = 0.1, .choice = Choice::trusted});
+  ASSERT_TRUE(fit.accepted());
+  const auto& warnings = fit.outcome.Warnings;
+  const auto wide = std::find_if(warnings.begin(), warnings.end(), [](const CurveWarning& w) {
+    return w.Kind == CurveWarningKind::wideBand;
+  });
+  ASSERT_NE(wide, warnings.end());
+  ASSERT_THAT(wide->Measure, SizeIs(1));
+  EXPECT_GE(wide->Measure[0], wide->FromX);
+  EXPECT_LE(wide->Measure[0], wide->ToX);
+  EXPECT_GT(wide->Percent, 0.1);
+  EXPECT_THAT(wide->Text, HasSubstr("measure at Roshko"));
+}
+
+TEST_F(TrustedFits, say_how_many_points_the_table_needs) {
+  const std::vector parts{noisy(steps(80), 1e-4, 10)};
+  const Fit coarse = calibration::fit(parts, {.points = 9, .choice = Choice::trusted});
+  ASSERT_TRUE(coarse.accepted());
+  const auto reading = [](const Fit& fit) {
+    for (const CurveWarning& warning : fit.outcome.Warnings) {
+      if (warning.Kind == CurveWarningKind::tableReading) return warning.Points;
+    }
+    return std::int32_t{-1};
+  };
+  const std::int32_t enough = reading(coarse);
+  ASSERT_GT(enough, 9);
+  const auto points = static_cast<std::int16_t>(enough);
+  EXPECT_EQ(reading(calibration::fit(parts, {.points = points, .choice = Choice::trusted})), -1);
+}
+
+TEST_F(TrustedFits, of_a_rotor_ratio_fall_with_roshko) {
+  PointArray ratio = smoothPoints(25);
+  for (std::size_t i = 0; i < ratio.size(); ++i) ratio(i, 1) = 1.02 + 0.8 / ratio(i, 0);
+  const Fit fit = calibration::fit(std::vector{noisy(ratio, 2e-4, 11)},
+                                   {.ratio = true, .choice = Choice::trusted});
+  ASSERT_TRUE(fit.accepted()) << fit.reason();
+  for (std::size_t i = 1; i < fit.curve.size(); ++i)
+    EXPECT_LE(fit.curve(i, 1), fit.curve(i - 1, 1));
+  const Fit rising = calibration::fit(std::vector{noisy(smoothPoints(25), 2e-4, 12)},
+                                      {.ratio = true, .choice = Choice::trusted});
+  EXPECT_FALSE(rising.accepted());
+  EXPECT_THAT(rising.reason(), HasSubstr("the ratio rises with Roshko near"));
+}
+
+TEST_F(TrustedFits, list_the_built_in_equations_as_a_file) {
+  const EquationList list = EquationList::builtIn(Choice::trusted);
+  std::vector<int> orders;
+  for (const ModelDefinition& equation : list.equations()) {
+    if (const auto order = polynomialOrder(equation.Expression)) orders.push_back(*order);
+  }
+  EXPECT_THAT(orders, ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9, 10));
+  const EquationList read = EquationList::parse(list.asFile(), "the file");
+  ASSERT_EQ(read.equations().size(), list.equations().size());
+  for (std::size_t i = 0; i < read.equations().size(); ++i) {
+    EXPECT_EQ(read.equations()[i].Name, list.equations()[i].Name);
+    EXPECT_EQ(read.equations()[i].Expression, list.equations()[i].Expression);
+  }
+  EXPECT_EQ(EquationList::builtIn(Choice::adjustedR2).equations().size(), 6U);
+}
+
+}  // namespace
+}  // namespace pelmora::calibration::test
