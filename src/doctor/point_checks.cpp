@@ -68,8 +68,8 @@ class CurveAges {
  private:
   template <class Use>
   void forEachPoint(const std::string& table, Use&& use) const {
-    for (const auto rows = read(
-             curves_, "Select seriesID, Roshko, Strouhal from [" + table + "] where " + series_);
+    for (const auto rows = read(curves_, "Select seriesID, Roshko, Strouhal from [" + table +
+                                             "] where " + series_ + " ORDER BY seriesID");
          !rows->atEnd(); rows->moveNext()) {
       const std::int64_t id = wholeOf(rows->value(0));
       if (!withCurve_.contains(id)) continue;

@@ -20,6 +20,9 @@ struct ColumnShape {
 struct TableShape {
   std::string name;  // as the database spells it
   std::vector<ColumnShape> columns;
+  // The columns, which need not be among those above, that say in what order rows are read where a
+  // statement does not sort them. Empty: the table has no order.
+  std::vector<std::string> readingOrder = {};
 };
 
 class Catalogue {

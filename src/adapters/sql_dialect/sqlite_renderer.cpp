@@ -133,6 +133,73 @@ std::string orderTerm(const OrderTerm& term, const std::vector<OutputColumn>& co
   return result + (term.descending ? " DESC" : "");
 }
 
+// The tables of a clause, those that an outer join keeps whole before the others.
+void listTables(const FromClause& from, std::vector<std::string>& names) {
+  if (const auto* table = std::get_if<TableName>(&from.first)) {
+    names.push_back(table->visibleName());
+  } else {
+    listTables(std::get<std::vector<FromClause>>(from.first).front(), names);
+  }
+  for (const Join& join : from.joins) {
+    std::vector<std::string> joined;
+    listTables(join.source, joined);
+    names.insert(join.kind == JoinKind::right ? names.begin() : names.end(), joined.begin(),
+                 joined.end());
+  }
+}
+
+std::string readingTerm(const VisibleTable& table, const std::string& column,
+                        const SqliteExpression& expression) {
+  if (findColumn(table.shape, column) == nullptr)
+    return quotedName(table.name) + "." + quotedName(column);
+  Expression value;
+  value.kind = ExpressionKind::column;
+  value.qualifier = table.name;
+  value.text = column;
+  return expression.sortValue(value);
+}
+
+// What the rows are read by beyond their own ORDER BY, so that no order is left to the engine.
+std::vector<std::string> readingTerms(const SelectStatement& select,
+                                      const std::vector<OutputColumn>& columns,
+                                      const SqliteExpression& expression) {
+  std::vector<std::string> terms;
+  if (!select.groupBy.empty()) {
+    for (const Expression& term : select.groupBy) terms.push_back(expression.sortValue(term));
+  } else if (std::ranges::any_of(columns, [](const auto& c) { return hasAggregate(c.value); })) {
+    return terms;  // one row
+  } else if (select.distinct) {
+    for (const OutputColumn& column : columns) {
+      if (column.value.kind == ExpressionKind::column)
+        terms.push_back(expression.sortValue(column.value));
+    }
+  } else if (select.from) {
+    std::vector<std::string> names;
+    listTables(*select.from, names);
+    for (const std::string& name : names) {
+      const VisibleTable& table = expression.scope().tableNamed(name);
+      for (const std::string& column : table.shape.readingOrder)
+        terms.push_back(readingTerm(table, column, expression));
+    }
+  }
+  return terms;
+}
+
+std::string orderClause(const SelectStatement& select, const std::vector<OutputColumn>& columns,
+                        const SqliteExpression& expression) {
+  std::vector<std::string> terms;
+  for (const OrderTerm& term : select.orderBy)
+    terms.push_back(orderTerm(term, columns, expression));
+  for (std::string& term : readingTerms(select, columns, expression)) {
+    const bool isThere = std::ranges::any_of(
+        terms, [&](const std::string& known) { return known == term || known == term + " DESC"; });
+    if (!isThere) terms.push_back(std::move(term));
+  }
+  std::string clause;
+  for (const std::string& term : terms) clause += (clause.empty() ? " ORDER BY " : ", ") + term;
+  return clause;
+}
+
 // What becomes of the rows of a SELECT.
 enum class Rows { compared, delivered, stored };
 
@@ -167,9 +234,7 @@ std::string renderSelect(const SelectStatement& select, const SqliteExpression& 
     sql += (i == 0 ? " GROUP BY " : ", ") + expression.sortValue(select.groupBy[i]);
   }
   if (select.having) sql += " HAVING " + expression.condition(*select.having);
-  for (std::size_t i = 0; i < select.orderBy.size(); ++i) {
-    sql += (i == 0 ? " ORDER BY " : ", ") + orderTerm(select.orderBy[i], columns, expression);
-  }
+  sql += orderClause(select, columns, expression);
   if (select.top) sql += " LIMIT " + std::to_string(*select.top);
   return sql;
 }

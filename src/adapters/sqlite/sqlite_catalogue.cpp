@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sqlite/sqlite_catalogue.h"
 
+#include "adapters/sql_dialect/name_scope.h"
 #include "adapters/sql_dialect/sqlite_expression.h"
 #include "adapters/sqlite/sqlite_error.h"
 #include "store/curve_schema.h"
@@ -9,6 +10,7 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <map>
 #include <string>
 
 namespace pelmora::sqlite {
@@ -109,18 +111,55 @@ void SqliteCatalogue::requireUsable(std::string_view database, std::string_view 
 std::optional<sql::TableShape> SqliteCatalogue::readTable(std::string_view database,
                                                           std::string_view name) const {
   requireUsable(database, name);
-  PreparedStatement columns(database_,
-                            "SELECT t.name, c.name, c.type FROM " + sql::quotedName(database) +
-                                ".sqlite_master AS t, pragma_table_info(t.name, ?2) AS c "
-                                "WHERE t.type IN ('table', 'view') AND t.name = ?1 COLLATE NOCASE");
+  PreparedStatement columns(
+      database_, "SELECT t.name, c.name, c.type, c.pk, t.type FROM " + sql::quotedName(database) +
+                     ".sqlite_master AS t, pragma_table_info(t.name, ?2) AS c "
+                     "WHERE t.type IN ('table', 'view') AND t.name = ?1 COLLATE NOCASE");
   columns.bind(1, name);
   columns.bind(2, database);
   std::optional<sql::TableShape> table;
+  std::map<int, std::string> key;
+  bool isView = false;
   while (columns.step()) {
     if (!table) table.emplace(sql::TableShape{columnText(columns.get(), 0), {}});
     table->columns.push_back({columnText(columns.get(), 1), kindOf(columnText(columns.get(), 2))});
+    const int placeInKey = sqlite3_column_int(columns.get(), 3);
+    if (placeInKey > 0) key.emplace(placeInKey, table->columns.back().name);
+    isView = columnText(columns.get(), 4) == "view";
+  }
+  if (table && !isView) {
+    std::vector<std::string> keyColumns;
+    for (const auto& [place, column] : key) keyColumns.push_back(column);
+    table->readingOrder = readingOrder(database, *table, keyColumns);
   }
   return table;
+}
+
+// Rows have ids that rise in the order in which they were stored, unless a key takes their place.
+std::vector<std::string> SqliteCatalogue::readingOrder(std::string_view database,
+                                                       const sql::TableShape& table,
+                                                       const std::vector<std::string>& key) const {
+  const SchemaTable* known = findSchemaTable(table.name);
+  if (known != nullptr && known->Order == ReadingOrder::byKey) {
+    const std::string& id = known->Columns.front().Name;
+    if (sql::findColumn(table, id) != nullptr) return {id};
+  }
+  if (!key.empty() && !hasRowIds(database, table.name)) return key;
+  for (const char* name : {"_rowid_", "rowid", "oid"}) {
+    if (sql::findColumn(table, name) == nullptr) return {name};
+  }
+  return key;
+}
+
+// The index of a key ends in the row's id, unless it is the table itself.
+bool SqliteCatalogue::hasRowIds(std::string_view database, std::string_view table) const {
+  PreparedStatement keyIsTable(
+      database_,
+      "SELECT 1 FROM pragma_index_list(?1, ?2) AS l WHERE l.origin = 'pk' AND NOT EXISTS "
+      "(SELECT 1 FROM pragma_index_xinfo(l.name, ?2) WHERE cid = -1)");
+  keyIsTable.bind(1, table);
+  keyIsTable.bind(2, database);
+  return !keyIsTable.step();
 }
 
 }  // namespace pelmora::sqlite

@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <vector>
 
 struct sqlite3;
 
@@ -40,6 +41,11 @@ class SqliteCatalogue : public sql::Catalogue {
   void requireUsable(std::string_view database, std::string_view name) const;
   [[nodiscard]] std::optional<sql::TableShape> readTable(std::string_view database,
                                                          std::string_view name) const;
+
+  [[nodiscard]] std::vector<std::string> readingOrder(std::string_view database,
+                                                      const sql::TableShape& table,
+                                                      const std::vector<std::string>& key) const;
+  [[nodiscard]] bool hasRowIds(std::string_view database, std::string_view table) const;
 
   sqlite3* database_;
   mutable PreparedStatement readVersion_;

@@ -180,7 +180,7 @@ TEST(render, dates_become_iso_texts) {
 TEST(render, distinct_texts_compare_without_regard_to_case) {
   EXPECT_EQ(rendered("Select distinct serialnumber from meter"),
             R"(SELECT DISTINCT "meter"."SerialNumber" COLLATE DIALECT_TEXT AS "SerialNumber" )"
-            R"(FROM "main"."meter" AS "meter")");
+            R"(FROM "main"."meter" AS "meter" ORDER BY "meter"."SerialNumber" COLLATE DIALECT_TEXT)");
 }
 
 TEST(render, groups_and_aggregates) {
@@ -188,7 +188,8 @@ TEST(render, groups_and_aggregates) {
       rendered("Select meterid, count(*) as n, avg(id) from series group by meterid having "
                "count(*) > 1"),
       R"(SELECT "series"."meterid" AS "meterid", COUNT(*) AS "n", AVG(dialect_arithmetic('v', "series"."ID")) )"
-      R"(AS "Expr1002" FROM "main"."series" AS "series" GROUP BY "series"."meterid" HAVING COUNT(*) > 1)");
+      R"(AS "Expr1002" FROM "main"."series" AS "series" GROUP BY "series"."meterid" HAVING COUNT(*) > 1 )"
+      R"(ORDER BY "series"."meterid")");
 }
 
 TEST(render, updates) {

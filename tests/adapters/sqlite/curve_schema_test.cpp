@@ -148,6 +148,21 @@ TEST(curve_schema, every_look_up_and_deletion_uses_an_index) {
   }
 }
 
+// What is read series by series, or block by block, comes straight from the index.
+TEST(curve_schema, points_are_not_sorted_where_the_index_delivers_their_order) {
+  const CurveFile file;
+  sqlite::SqliteSession session(file.path, {});
+  for (const char* statement :
+       {"Select roshko, strouhal from raw1 where seriesID = 1", "Select * from merge",
+        "Select seriesID, Roshko, Strouhal from merge where seriesID>5 AND seriesID<=205 ORDER BY "
+        "seriesID",
+        "Select DISTINCT seriesID from curve where seriesID>5 AND seriesID<=205",
+        "Select ID from series where ID>7 ORDER BY ID"}) {
+    const std::string plan = planOf(session, statement);
+    EXPECT_EQ(plan.find("TEMP B-TREE"), std::string::npos) << statement << '\n' << plan;
+  }
+}
+
 TEST(curve_schema, jobs_of_a_set_up_are_both_parts_of_the_index) {
   const CurveFile file;
   sqlite::SqliteSession session(file.path, {});
