@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sqlite/memory_table.h"
 
-#include "adapters/sql_dialect/sqlite_expression.h"
+#include "adapters/sqlite/sqlite_expression.h"
 #include "adapters/sqlite/prepared_statement.h"
 #include "adapters/sqlite/sqlite_connection.h"
 #include "adapters/sqlite/sqlite_session.h"
@@ -18,11 +18,11 @@ std::shared_ptr<sqlite::SqliteSession> readTable(const MemoryTable& table) {
   std::string columns;
   std::string parameters;
   for (const MemoryTable::Column& column : table.columns) {
-    columns += (columns.empty() ? "" : ", ") + sql::quotedName(column.name) +
+    columns += (columns.empty() ? "" : ", ") + sqlite::quotedName(column.name) +
                (column.isNumber ? " REAL" : "");
     parameters += parameters.empty() ? "?" : ", ?";
   }
-  const std::string name = sql::quotedName(table.name);
+  const std::string name = sqlite::quotedName(table.name);
   session->handle().run(("CREATE TABLE " + name + " (" + columns + ")").c_str());
   sqlite::Transaction transaction(session->handle());
   sqlite::PreparedStatement insert(session->database(),

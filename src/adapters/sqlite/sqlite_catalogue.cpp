@@ -2,7 +2,7 @@
 #include "adapters/sqlite/sqlite_catalogue.h"
 
 #include "adapters/sql_dialect/name_scope.h"
-#include "adapters/sql_dialect/sqlite_expression.h"
+#include "adapters/sqlite/sqlite_expression.h"
 #include "adapters/sqlite/sqlite_error.h"
 #include "store/curve_schema.h"
 
@@ -46,40 +46,20 @@ bool isCurveTable(std::string_view name) {
 }  // namespace
 
 SqliteCatalogue::SqliteCatalogue(sqlite3* database)
-    : database_(database), readVersion_(database, "PRAGMA \"main\".schema_version") {}
+    : KnownTables("main"),
+      database_(database),
+      readVersion_(database, "PRAGMA \"main\".schema_version") {}
 
-std::int64_t SqliteCatalogue::schemaVersion() const {
+std::int64_t SqliteCatalogue::readVersion() const {
   try {
     readVersion_.step();
     const std::int64_t version = sqlite3_column_int64(readVersion_.get(), 0);
     readVersion_.reset();
-    if (version != knownVersion_) known_.clear();
-    knownVersion_ = version;
     return version;
   } catch (const Error&) {
     readVersion_.reset();
     throw;
   }
-}
-
-void SqliteCatalogue::forget() const {
-  known_.clear();
-  knownVersion_ = -1;
-}
-
-std::optional<sql::TableShape> SqliteCatalogue::findTable(std::string_view database,
-                                                          std::string_view name) const {
-  if (database == "main") (void)schemaVersion();
-  return findAsTold(database, name);
-}
-
-std::optional<sql::TableShape> SqliteCatalogue::findAsTold(std::string_view database,
-                                                           std::string_view name) const {
-  if (database != "main") return readTable(database, name);
-  if (const auto found = known_.find(name); found != known_.end()) return found->second;
-  auto table = readTable(database, name);
-  if (table) known_.emplace(name, *table);
-  return table;
 }
 
 // What the component stores in lies in tables. A view in the place of one could show anything, and
@@ -89,10 +69,10 @@ void SqliteCatalogue::requireUsable(std::string_view database, std::string_view 
       database_,
       "SELECT t.type, t.sql GLOB '*[^a-zA-Z0-9_][wW][iI][tT][hH][^a-zA-Z0-9_]*' OR EXISTS (SELECT "
       "1 FROM " +
-          sql::quotedName(database) +
+          quotedName(database) +
           ".sqlite_master AS v WHERE v.type = 'view' AND v.name <> t.name AND "
           "instr(lower(t.sql), lower(v.name)) > 0) FROM " +
-          sql::quotedName(database) +
+          quotedName(database) +
           ".sqlite_master AS t WHERE t.type IN ('table', 'view') AND t.rootpage = 0 "
           "AND t.name = ?1 COLLATE NOCASE");
   kind.bind(1, name);
@@ -112,7 +92,7 @@ std::optional<sql::TableShape> SqliteCatalogue::readTable(std::string_view datab
                                                           std::string_view name) const {
   requireUsable(database, name);
   PreparedStatement columns(
-      database_, "SELECT t.name, c.name, c.type, c.pk, t.type FROM " + sql::quotedName(database) +
+      database_, "SELECT t.name, c.name, c.type, c.pk, t.type FROM " + quotedName(database) +
                      ".sqlite_master AS t, pragma_table_info(t.name, ?2) AS c "
                      "WHERE t.type IN ('table', 'view') AND t.name = ?1 COLLATE NOCASE");
   columns.bind(1, name);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sqlite/sqlite_connection.h"
 
-#include "adapters/sql_dialect/sqlite_renderer.h"
+#include "adapters/sql_engine/client_recordset.h"
 #include "adapters/sqlite/attached_file.h"
 #include "adapters/sqlite/prepared_statement.h"
 #include "adapters/sqlite/sqlite_database.h"
@@ -9,7 +9,7 @@
 #include "adapters/sqlite/sqlite_error.h"
 #include "adapters/sqlite/sqlite_file.h"
 #include "adapters/sqlite/sqlite_integrity.h"
-#include "adapters/sqlite/sqlite_recordset.h"
+#include "adapters/sqlite/sqlite_renderer.h"
 #include "adapters/sqlite/sqlite_session.h"
 #include "base/file_text.h"
 #include "base/run_time_error.h"
@@ -23,19 +23,13 @@ namespace pelmora {
 
 namespace sqlite {
 
-namespace {
-
-constexpr std::int32_t alreadyOpen = 3705;
-
-}  // namespace
-
 SqliteConnection::~SqliteConnection() {
   if (session_) session_->close();
 }
 
 void SqliteConnection::open() {
   if (session_)
-    throw Error(alreadyOpen, "Pelmora", "Operation is not allowed when the object is open.");
+    throw Error(sql::alreadyOpen, "Pelmora", "Operation is not allowed when the object is open.");
   session_ = openSession_();
 }
 
@@ -46,19 +40,20 @@ void SqliteConnection::close() {
 
 SqliteSession& SqliteConnection::session() const {
   if (session_) return *session_;
-  throw Error(recordsetClosed, "Pelmora", "Operation is not allowed when the object is closed.");
+  throw Error(sql::recordsetClosed, "Pelmora",
+              "Operation is not allowed when the object is closed.");
 }
 
 void SqliteConnection::execute(const std::string& statement) {
   SqliteSession& open = session();
-  DialectStatement known = open.translations().read(statement);
+  sql::DialectStatement known = open.translations().read(statement);
   const auto* insert = std::get_if<sql::InsertStatement>(&*known.tree);
   if (insert != nullptr && insert->file) {
     if (!isOwnFile(*insert->file)) return insertElsewhere(*known.tree, *insert->file);
     // Two connections to one file would wait for each other.
   }
   if (!std::holds_alternative<sql::SelectStatement>(*known.tree)) open.requireWritable();
-  StatementPool::Use prepared = open.translations().prepare(known);
+  StatementPool::Use prepared = open.prepare(known);
   while (open.step(*prepared)) continue;
 }
 
@@ -75,14 +70,14 @@ void SqliteConnection::insertElsewhere(const sql::Statement& statement, const st
   const AttachedFile attached(open, checkedSqliteFile(file));
   // Not kept: it holds for this file alone.
   PreparedStatement prepared(open.database(),
-                             sql::renderForSqlite(statement, open.catalogue(), AttachedFile::name));
+                             renderForSqlite(statement, open.catalogue(), AttachedFile::name));
   while (open.step(prepared)) continue;
 }
 
 std::unique_ptr<Recordset> SqliteConnection::openRecordset(const std::string& statement,
                                                            CursorType /*cursor*/, LockType lock) {
   (void)session();
-  return std::make_unique<SqliteRecordset>(session_, statement, lock);
+  return std::make_unique<sql::ClientRecordset>(session_, statement, lock);
 }
 
 bool SqliteConnection::hasTable(std::string_view name) const {

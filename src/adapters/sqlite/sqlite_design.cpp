@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sqlite/sqlite_design.h"
 
-#include "adapters/sql_dialect/sqlite_expression.h"
+#include "adapters/sqlite/sqlite_expression.h"
 #include "base/text_case.h"
 #include "adapters/sqlite/prepared_statement.h"
 
@@ -60,25 +60,23 @@ bool beginsWith(const std::vector<std::string>& index, std::span<const std::stri
 std::string createTableStatement(const OwnTable& table) {
   std::string columns;
   for (const OwnColumn& column : table.Columns) {
-    columns +=
-        (columns.empty() ? "" : ", ") + sql::quotedName(column.Name) + declaration(column.Type);
+    columns += (columns.empty() ? "" : ", ") + quotedName(column.Name) + declaration(column.Type);
   }
-  return "CREATE TABLE IF NOT EXISTS \"main\"." + sql::quotedName(table.Name) + " (" + columns +
-         ")";
+  return "CREATE TABLE IF NOT EXISTS \"main\"." + quotedName(table.Name) + " (" + columns + ")";
 }
 
 std::string addColumnStatement(const std::string& table, const OwnColumn& column) {
-  return "ALTER TABLE \"main\"." + sql::quotedName(table) + " ADD COLUMN " +
-         sql::quotedName(column.Name) + declaration(column.Type);
+  return "ALTER TABLE \"main\"." + quotedName(table) + " ADD COLUMN " + quotedName(column.Name) +
+         declaration(column.Type);
 }
 
 std::string createIndexStatement(const TableIndex& index) {
   std::string columns;
   for (const std::string& column : index.Columns) {
-    columns += (columns.empty() ? "" : ", ") + sql::quotedName(column);
+    columns += (columns.empty() ? "" : ", ") + quotedName(column);
   }
-  return "CREATE INDEX IF NOT EXISTS \"main\"." + sql::quotedName(index.Name) + " ON " +
-         sql::quotedName(index.Table) + " (" + columns + ")";
+  return "CREATE INDEX IF NOT EXISTS \"main\"." + quotedName(index.Name) + " ON " +
+         quotedName(index.Table) + " (" + columns + ")";
 }
 
 bool hasIndex(sqlite3* database, std::string_view table, std::span<const std::string> columns) {

@@ -1,14 +1,37 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sqlite/sqlite_session.h"
 
+#include "adapters/sql_dialect/dialect_error.h"
 #include "adapters/sqlite/prepared_statement.h"
 #include "adapters/sqlite/sqlite_error.h"
+#include "adapters/sqlite/sqlite_renderer.h"
+#include "adapters/sqlite/sqlite_rows.h"
+#include "adapters/sqlite/transaction.h"
 
 #include <sqlite3.h>
 
 #include <utility>
+#include <variant>
 
 namespace pelmora::sqlite {
+
+namespace {
+
+class SqliteWriter : public sql::StatementWriter {
+ public:
+  [[nodiscard]] std::string write(const sql::Statement& statement, const sql::Catalogue& tables,
+                                  sql::LiteralParameters* parameters) const override {
+    return renderForSqlite(statement, tables, "main", parameters);
+  }
+  [[nodiscard]] std::string writeRow(const sql::SelectStatement& select,
+                                     const sql::Catalogue& tables) const override {
+    return renderRowForSqlite(select, tables);
+  }
+};
+
+const SqliteWriter writer;
+
+}  // namespace
 
 SqliteSession::SqliteSession(const std::string& file, OpenMode mode, const Patience& patience)
     : file_(file), handle_(std::in_place, file, mode, patience) {
@@ -17,7 +40,7 @@ SqliteSession::SqliteSession(const std::string& file, OpenMode mode, const Patie
   PreparedStatement(database(), "SELECT 1 FROM sqlite_master LIMIT 1").step();
   catalogue_.emplace(database());
   pool_.emplace(database());
-  translations_.emplace(*catalogue_, *pool_);
+  translations_.emplace(*catalogue_, writer);
 }
 
 void SqliteSession::close() {
@@ -37,9 +60,25 @@ StatementPool& SqliteSession::pool() {
   return *pool_;
 }
 
-StatementTranslations& SqliteSession::translations() {
+sql::StatementTranslations& SqliteSession::translations() {
   (void)handle();
   return *translations_;
+}
+
+StatementPool::Use SqliteSession::prepare(sql::DialectStatement& statement) {
+  translations().translate(statement);
+  StatementPool::Use use = pool().take(statement.known->sql);
+  int number = 0;
+  for (const auto& [literal, form] : statement.known->parameters) {
+    const sql::PlainLiteral& value = statement.shape->literals[literal];
+    ++number;
+    if (form == sql::LiteralParameters::Form::number) {
+      use->bind(number, value.whole.value());
+    } else {
+      use->bind(number, std::string_view(value.text));
+    }
+  }
+  return use;
 }
 
 const DatabaseHandle& SqliteSession::handle() const {
@@ -103,6 +142,52 @@ void SqliteSession::design(const std::string& statement) {
   if (designed_.contains(statement)) return;
   handle().run(statement.c_str());
   if (catalogue_->schemaVersion() == version) designed_.insert(statement);
+}
+
+sql::SelectedRows SqliteSession::select(const std::string& text) {
+  sql::DialectStatement statement = translations().read(text);
+  if (!std::holds_alternative<sql::SelectStatement>(*statement.tree))
+    throw sql::statementError("Only a SELECT statement delivers rows.");
+  StatementPool::Use query = prepare(statement);
+  sql::SelectedRows selected;
+  const int columns = sqlite3_column_count(query->get());
+  for (int i = 0; i < columns; ++i)
+    selected.fields.emplace_back(sqlite3_column_name(query->get(), i));
+  selected.rows = sql::RowStore(selected.fields.size());
+  while (step(*query)) appendRow(query->get(), selected.rows);
+  selected.translation = statement.known;
+  return selected;
+}
+
+sql::TableShape SqliteSession::tableToChange(const std::string& name) {
+  requireWritable();
+  if (auto table = catalogue().findTable("main", name)) return *table;
+  throw sql::missingTable(name);
+}
+
+void SqliteSession::store(const sql::TableShape& table, std::span<const sql::RowBatch> batches) {
+  requireWritable();
+  Transaction transaction(handle());
+  for (const sql::RowBatch& batch : batches) insertRows(*this, table, batch);
+  transaction.commit();
+}
+
+sql::RowStore SqliteSession::storeAndRead(const sql::TableShape& table, const sql::RowBatch& row,
+                                          const sql::Translation& select) {
+  requireWritable();
+  Transaction transaction(handle());
+  insertRows(*this, table, row);
+  sql::RowStore stored(0);
+  {
+    // Read back as stored: the generated key, and values as the columns have converted them.
+    StatementPool::Use added = pool().take(translations().rowSelect(select));
+    added->bind(1, static_cast<std::int64_t>(sqlite3_last_insert_rowid(database())));
+    stored = sql::RowStore(static_cast<std::size_t>(sqlite3_column_count(added->get())));
+    if (!step(*added)) throw sql::missingTable(table.name);
+    appendRow(added->get(), stored);
+  }
+  transaction.commit();
+  return stored;
 }
 
 bool SqliteSession::step(PreparedStatement& statement) {

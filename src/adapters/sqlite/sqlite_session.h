@@ -2,22 +2,24 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "adapters/sql_engine/row_source.h"
+#include "adapters/sql_engine/statement_translations.h"
 #include "adapters/sqlite/database_handle.h"
 #include "adapters/sqlite/dialect_functions.h"
 #include "adapters/sqlite/sqlite_catalogue.h"
 #include "adapters/sqlite/statement_pool.h"
-#include "adapters/sqlite/statement_translations.h"
 
 #include <cstdint>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
 
 namespace pelmora::sqlite {
 
 class PreparedStatement;
 
-class SqliteSession {
+class SqliteSession : public sql::RowSource {
  public:
   // `file`: absolute path. Errors: Error, genericFailure if the database is locked.
   SqliteSession(const std::string& file, const Patience& patience)
@@ -33,14 +35,15 @@ class SqliteSession {
   [[nodiscard]] const SqliteCatalogue& catalogue() const;
   // Errors: Error connectionClosed after close().
   [[nodiscard]] StatementPool& pool();
-  [[nodiscard]] StatementTranslations& translations();
+  [[nodiscard]] sql::StatementTranslations& translations();
+  // Ready to run. `statement` must outlive the use. Errors: those of translate(); those of SQLite.
+  [[nodiscard]] StatementPool::Use prepare(sql::DialectStatement& statement);
   // Empty for a database in memory.
   [[nodiscard]] const std::string& file() const { return file_; }
 
   // From now on the database's own tables may only be read.
   void freeze() { isFrozen_ = true; }
-  // Errors: Error updateRefused if the tables may only be read, or if the engine has undone
-  // the
+  // Errors: Error updateRefused if the tables may only be read, or if the engine has undone the
   //         transaction that is open: what follows must not be stored alone.
   void requireWritable() const;
 
@@ -53,6 +56,12 @@ class SqliteSession {
   // Makes a table or index where it is missing; `statement` does nothing the second time.
   // Errors: Error; updateRefused as above.
   void design(const std::string& statement);
+
+  [[nodiscard]] sql::SelectedRows select(const std::string& statement) override;
+  [[nodiscard]] sql::TableShape tableToChange(const std::string& name) override;
+  void store(const sql::TableShape& table, std::span<const sql::RowBatch> batches) override;
+  [[nodiscard]] sql::RowStore storeAndRead(const sql::TableShape& table, const sql::RowBatch& row,
+                                           const sql::Translation& select) override;
 
   // The next row. Errors: those of PreparedStatement::step and of the dialect's functions.
   bool step(PreparedStatement& statement);
@@ -67,7 +76,7 @@ class SqliteSession {
   // Each after those that it uses.
   std::optional<SqliteCatalogue> catalogue_;
   std::optional<StatementPool> pool_;
-  std::optional<StatementTranslations> translations_;
+  std::optional<sql::StatementTranslations> translations_;
   // Design statements that are known to have nothing to do, for as long as this version holds.
   std::set<std::string> designed_;
   std::int64_t designedVersion_ = -1;

@@ -1,8 +1,8 @@
 // Whatever comes in, the parser answers with a tree or an Error.
 // SPDX-License-Identifier: MIT
 #include "adapters/sql_dialect/parser.h"
-#include "adapters/sql_dialect/sqlite_renderer.h"
-#include "tests/adapters/sql_dialect/fixed_catalogue.h"
+#include "adapters/sqlite/sqlite_renderer.h"
+#include "tests/support/fixed_catalogue.h"
 
 #include <pelmora/error.h>
 
@@ -19,7 +19,7 @@ enum class Outcome { understood, refused };
 
 Outcome tryStatement(const std::string& statement) {
   try {
-    (void)renderForSqlite(parseStatement(statement), test::FixedCatalogue());
+    (void)sqlite::renderForSqlite(parseStatement(statement), test::FixedCatalogue());
   } catch (const Error& error) {
     EXPECT_STRNE(error.what(), "");
     return Outcome::refused;

@@ -4,9 +4,9 @@
 
 #include "adapters/sql_dialect/literal_parameters.h"
 #include "adapters/sql_dialect/parser.h"
-#include "adapters/sql_dialect/sqlite_expression.h"
-#include "adapters/sql_dialect/sqlite_renderer.h"
-#include "tests/adapters/sql_dialect/fixed_catalogue.h"
+#include "adapters/sqlite/sqlite_expression.h"
+#include "adapters/sqlite/sqlite_renderer.h"
+#include "tests/support/fixed_catalogue.h"
 
 #include <pelmora/error.h>
 
@@ -34,8 +34,8 @@ std::optional<OpenRendering> renderedOpen(const std::string& statement,
                                           const StatementShape& shape) {
   LiteralParameters parameters(shape);
   try {
-    std::string sql =
-        renderForSqlite(parseStatement(statement), test::FixedCatalogue(), "main", &parameters);
+    std::string sql = sqlite::renderForSqlite(parseStatement(statement), test::FixedCatalogue(),
+                                              "main", &parameters);
     return OpenRendering{std::move(sql), parameters.all()};
   } catch (const Error&) {
     return std::nullopt;
@@ -43,7 +43,7 @@ std::optional<OpenRendering> renderedOpen(const std::string& statement,
 }
 
 std::string rendered(const std::string& statement) {
-  return renderForSqlite(parseStatement(statement), test::FixedCatalogue());
+  return sqlite::renderForSqlite(parseStatement(statement), test::FixedCatalogue());
 }
 
 // The statement with parameters, whose values stand in place of them.
@@ -55,7 +55,8 @@ std::string filledIn(const OpenRendering& open, const StatementShape& shape) {
     const std::string mark = "?" + std::to_string(i + 1);
     const std::size_t at = sql.find(mark);
     if (at == std::string::npos) return "no " + mark + " in " + open.sql;
-    sql.replace(at, mark.size(), form == LiteralParameters::Form::text ? quotedText(text) : text);
+    sql.replace(at, mark.size(),
+                form == LiteralParameters::Form::text ? sqlite::quotedText(text) : text);
   }
   return sql;
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sql_dialect/parser.h"
-#include "adapters/sql_dialect/sqlite_renderer.h"
+#include "adapters/sqlite/sqlite_renderer.h"
 #include "adapters/sqlite/prepared_statement.h"
 #include "adapters/sqlite/sqlite_session.h"
 #include "tests/support/curve_file.h"
@@ -74,7 +74,7 @@ std::string planOf(sqlite::SqliteSession& session, const std::string& statement)
   sqlite::PreparedStatement plan(
       session.database(),
       "EXPLAIN QUERY PLAN " +
-          sql::renderForSqlite(sql::parseStatement(statement), session.catalogue()));
+          sqlite::renderForSqlite(sql::parseStatement(statement), session.catalogue()));
   std::string steps;
   while (plan.step()) {
     steps += reinterpret_cast<const char*>(sqlite3_column_text(plan.get(), 3));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sqlite/salvage/key_sequences.h"
 
-#include "adapters/sql_dialect/sqlite_expression.h"
+#include "adapters/sqlite/sqlite_expression.h"
 #include "adapters/sqlite/database_handle.h"
 #include "adapters/sqlite/prepared_statement.h"
 #include "store/curve_schema.h"
@@ -29,10 +29,9 @@ bool hasTable(const DatabaseHandle& output, std::string_view name) {
 
 std::int64_t largestNamed(const DatabaseHandle& output, const std::string& table,
                           const std::string& column) {
-  const std::string name = sql::quotedName(column);
-  PreparedStatement ids(output.get(), "SELECT MAX(" + name + ") FROM main." +
-                                          sql::quotedName(table) + " WHERE typeof(" + name +
-                                          ") = 'integer' AND " + name +
+  const std::string name = quotedName(column);
+  PreparedStatement ids(output.get(), "SELECT MAX(" + name + ") FROM main." + quotedName(table) +
+                                          " WHERE typeof(" + name + ") = 'integer' AND " + name +
                                           " <= " + std::to_string(largestId));
   return ids.step() ? sqlite3_column_int64(ids.get(), 0) : 0;
 }

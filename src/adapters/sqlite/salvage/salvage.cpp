@@ -1,6 +1,6 @@
 // Everything that a damaged file holds, brought into a new curve database.
 // SPDX-License-Identifier: MIT
-#include "adapters/sql_dialect/sqlite_expression.h"
+#include "adapters/sqlite/sqlite_expression.h"
 #include "base/text_case.h"
 #include "adapters/sqlite/curve_schema.h"
 #include "adapters/sqlite/database_handle.h"
@@ -45,7 +45,7 @@ void makeTable(const DatabaseHandle& output, const StoredTable& table) {
   const bool fits = std::all_of(table.columns.begin(), table.columns.end(),
                                 [&](const std::string& column) { return isAmong(column, there); });
   if (fits) return;
-  output.run(("DROP TABLE IF EXISTS main." + sql::quotedName(table.name)).c_str());
+  output.run(("DROP TABLE IF EXISTS main." + quotedName(table.name)).c_str());
   // One statement each: what a hostile file has behind it is not run.
   PreparedStatement(output.get(), table.sql).step();
   for (const StoredIndex& index : table.indexes) PreparedStatement(output.get(), index.sql).step();

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sqlite/salvage/table_salvage.h"
 
-#include "adapters/sql_dialect/sqlite_expression.h"
+#include "adapters/sqlite/sqlite_expression.h"
 #include "base/text_case.h"
 #include "adapters/sqlite/prepared_statement.h"
 #include "adapters/sqlite/salvage/field_binding.h"
@@ -17,8 +17,6 @@
 
 namespace pelmora::sqlite::salvage {
 namespace {
-
-using sql::quotedName;
 
 std::uint64_t printOf(const Field& field) {
   if (const auto* whole = std::get_if<std::int64_t>(&field))

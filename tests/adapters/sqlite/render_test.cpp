@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sql_dialect/parser.h"
-#include "adapters/sql_dialect/sqlite_renderer.h"
-#include "tests/adapters/sql_dialect/fixed_catalogue.h"
+#include "adapters/sqlite/sqlite_renderer.h"
+#include "tests/support/fixed_catalogue.h"
 
 #include <pelmora/error.h>
 
@@ -13,7 +13,7 @@ namespace pelmora::sql {
 namespace {
 
 std::string rendered(const std::string& statement, std::string_view output = "main") {
-  return renderForSqlite(parseStatement(statement), test::FixedCatalogue(), output);
+  return sqlite::renderForSqlite(parseStatement(statement), test::FixedCatalogue(), output);
 }
 
 std::string failure(const std::string& statement) {
@@ -178,9 +178,10 @@ TEST(render, dates_become_iso_texts) {
 }
 
 TEST(render, distinct_texts_compare_without_regard_to_case) {
-  EXPECT_EQ(rendered("Select distinct serialnumber from meter"),
-            R"(SELECT DISTINCT "meter"."SerialNumber" COLLATE DIALECT_TEXT AS "SerialNumber" )"
-            R"(FROM "main"."meter" AS "meter" ORDER BY "meter"."SerialNumber" COLLATE DIALECT_TEXT)");
+  EXPECT_EQ(
+      rendered("Select distinct serialnumber from meter"),
+      R"(SELECT DISTINCT "meter"."SerialNumber" COLLATE DIALECT_TEXT AS "SerialNumber" )"
+      R"(FROM "main"."meter" AS "meter" ORDER BY "meter"."SerialNumber" COLLATE DIALECT_TEXT)");
 }
 
 TEST(render, groups_and_aggregates) {

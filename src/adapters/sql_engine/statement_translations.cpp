@@ -1,34 +1,30 @@
 // SPDX-License-Identifier: MIT
-#include "adapters/sqlite/statement_translations.h"
+#include "adapters/sql_engine/statement_translations.h"
 
 #include "adapters/sql_dialect/parser.h"
-#include "adapters/sql_dialect/sqlite_renderer.h"
-#include "adapters/sqlite/sqlite_catalogue.h"
 
 #include <algorithm>
 #include <utility>
 #include <variant>
 
-namespace pelmora::sqlite {
+namespace pelmora::sql {
 
 namespace {
 
-using Form = sql::LiteralParameters::Form;
-
-// One look at the file for all tables of a statement.
-class TablesAsTold : public sql::Catalogue {
+// One look at the database for all tables of a statement.
+class TablesAsKnown : public Catalogue {
  public:
-  explicit TablesAsTold(const SqliteCatalogue& catalogue) : catalogue_(catalogue) {}
-  [[nodiscard]] std::optional<sql::TableShape> findTable(std::string_view database,
-                                                         std::string_view name) const override {
-    return catalogue_.findAsTold(database, name);
+  explicit TablesAsKnown(const KnownTables& tables) : tables_(tables) {}
+  [[nodiscard]] std::optional<TableShape> findTable(std::string_view database,
+                                                    std::string_view name) const override {
+    return tables_.findAsKnown(database, name);
   }
 
  private:
-  const SqliteCatalogue& catalogue_;
+  const KnownTables& tables_;
 };
 
-std::vector<std::size_t> fixedLiterals(const sql::StatementShape& shape,
+std::vector<std::size_t> fixedLiterals(const StatementShape& shape,
                                        const Translation& translation) {
   std::vector<std::size_t> fixed;
   for (std::size_t i = 0; i < shape.literals.size(); ++i) {
@@ -41,8 +37,7 @@ std::vector<std::size_t> fixedLiterals(const sql::StatementShape& shape,
 
 }  // namespace
 
-StatementTranslations::Index::iterator StatementTranslations::find(
-    const sql::StatementShape& shape) {
+StatementTranslations::Index::iterator StatementTranslations::find(const StatementShape& shape) {
   const auto [first, last] = byKey_.equal_range(shape.key);
   for (auto known = first; known != last; ++known) {
     const Kept& kept = *known->second;
@@ -60,7 +55,7 @@ void StatementTranslations::forget(Index::iterator known) {
   kept_.erase(kept);
 }
 
-void StatementTranslations::keep(const sql::StatementShape& shape,
+void StatementTranslations::keep(const StatementShape& shape,
                                  std::shared_ptr<const Translation> translation) {
   // Of an older schema.
   if (const auto known = find(shape); known != byKey_.end()) forget(known);
@@ -75,7 +70,7 @@ void StatementTranslations::keep(const sql::StatementShape& shape,
 }
 
 DialectStatement StatementTranslations::read(std::string_view text) {
-  DialectStatement statement{text, sql::shapeOf(text), nullptr, nullptr};
+  DialectStatement statement{text, shapeOf(text), nullptr, nullptr};
   if (statement.shape) {
     if (const auto known = find(*statement.shape); known != byKey_.end()) {
       kept_.splice(kept_.begin(), kept_, known->second);
@@ -84,54 +79,39 @@ DialectStatement StatementTranslations::read(std::string_view text) {
       return statement;
     }
   }
-  statement.tree = std::make_shared<const sql::Statement>(sql::parseStatement(text));
+  statement.tree = std::make_shared<const Statement>(parseStatement(text));
   return statement;
 }
 
 std::shared_ptr<const Translation> StatementTranslations::translated(
     const DialectStatement& statement, std::int64_t version) const {
-  std::optional<sql::LiteralParameters> parameters;
+  std::optional<LiteralParameters> parameters;
   if (statement.shape) parameters.emplace(*statement.shape);
   auto made = std::make_shared<Translation>();
   made->tree = statement.tree;
-  made->sql = sql::renderForSqlite(*statement.tree, TablesAsTold(catalogue_), "main",
-                                   parameters ? &*parameters : nullptr);
+  made->sql =
+      writer_.write(*statement.tree, TablesAsKnown(tables_), parameters ? &*parameters : nullptr);
   if (parameters) made->parameters = parameters->all();
   made->schemaVersion = version;
   return made;
 }
 
-StatementPool::Use StatementTranslations::prepare(DialectStatement& statement) {
-  const std::int64_t version = catalogue_.schemaVersion();
+void StatementTranslations::translate(DialectStatement& statement) {
+  const std::int64_t version = tables_.schemaVersion();
   if (statement.known && statement.known->schemaVersion != version) {
     statement.known = nullptr;
-    statement.tree = std::make_shared<const sql::Statement>(sql::parseStatement(statement.text));
+    statement.tree = std::make_shared<const Statement>(parseStatement(statement.text));
   }
-  if (!statement.known) {
-    statement.known = translated(statement, version);
-    if (statement.shape) keep(*statement.shape, statement.known);
-  }
-  StatementPool::Use use = pool_.take(statement.known->sql);
-  int number = 0;
-  for (const auto& [literal, form] : statement.known->parameters) {
-    const sql::PlainLiteral& value = statement.shape->literals[literal];
-    ++number;
-    if (form == Form::number) {
-      use->bind(number, value.whole.value());
-    } else {
-      use->bind(number, std::string_view(value.text));
-    }
-  }
-  return use;
+  if (statement.known) return;
+  statement.known = translated(statement, version);
+  if (statement.shape) keep(*statement.shape, statement.known);
 }
 
 std::string StatementTranslations::rowSelect(const Translation& translation) const {
-  const auto& select = std::get<sql::SelectStatement>(*translation.tree);
-  const TablesAsTold tables(catalogue_);
-  if (translation.schemaVersion != catalogue_.schemaVersion())
-    return sql::renderRowForSqlite(select, tables);
-  if (translation.rowSelect.empty())
-    translation.rowSelect = sql::renderRowForSqlite(select, tables);
+  const auto& select = std::get<SelectStatement>(*translation.tree);
+  const TablesAsKnown tables(tables_);
+  if (translation.schemaVersion != tables_.schemaVersion()) return writer_.writeRow(select, tables);
+  if (translation.rowSelect.empty()) translation.rowSelect = writer_.writeRow(select, tables);
   return translation.rowSelect;
 }
 
@@ -140,4 +120,4 @@ void StatementTranslations::clear() {
   kept_.clear();
 }
 
-}  // namespace pelmora::sqlite
+}  // namespace pelmora::sql

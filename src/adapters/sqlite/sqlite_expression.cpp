@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "adapters/sql_dialect/sqlite_expression.h"
+#include "adapters/sqlite/sqlite_expression.h"
 
 #include "adapters/sql_dialect/dialect_error.h"
 #include "adapters/sql_dialect/literal_number.h"
@@ -9,7 +9,9 @@
 #include <optional>
 #include <utility>
 
-namespace pelmora::sql {
+namespace pelmora::sqlite {
+
+using namespace sql;
 
 namespace {
 
@@ -247,4 +249,4 @@ std::string SqliteExpression::in(const Expression& expression) const {
          (isPlainList ? value(left) + " IN (" + list + ")" : list) + ")";
 }
 
-}  // namespace pelmora::sql
+}  // namespace pelmora::sqlite

@@ -9,13 +9,13 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
-struct sqlite3_stmt;
+namespace pelmora::sql {
 
-namespace pelmora::sqlite {
-
-class PreparedStatement;
+// What a cell holds; a text lives as long as the store is not changed.
+using CellView = std::variant<std::monostate, std::int64_t, double, std::string_view>;
 
 // Cells of 16 bytes in rows of equal length; texts stand one behind the other in one block.
 class RowStore {
@@ -27,14 +27,14 @@ class RowStore {
 
   // Appends a row of columns() values.
   void appendRow(std::span<const Value> values);
-  // Appends the current row of `statement`, which has columns() columns.
-  void appendRow(sqlite3_stmt* statement);
+  // Appends a row cell by cell: columns() cells, then endRow().
+  void append(const CellView& cell);
+  void endRow() { ++rows_; }
   void clear();
 
   // Writes the cell to `value`, whose text memory is used again.
   void read(std::size_t row, std::size_t column, Value& value) const;
-  // Binds the cells of `count` rows from `row` on to parameters 1 to count * columns().
-  void bindRows(std::size_t row, std::size_t count, PreparedStatement& statement) const;
+  [[nodiscard]] CellView cell(std::size_t row, std::size_t column) const;
 
  private:
   enum class Kind : std::uint32_t { null, integer, real, text };
@@ -48,7 +48,6 @@ class RowStore {
     };
   };
 
-  void append(const Value& value);
   void appendText(std::string_view text);
   [[nodiscard]] std::string_view textOf(const Cell& cell) const {
     return std::string_view(texts_).substr(cell.offset, cell.length);
@@ -60,4 +59,4 @@ class RowStore {
   std::string texts_;
 };
 
-}  // namespace pelmora::sqlite
+}  // namespace pelmora::sql

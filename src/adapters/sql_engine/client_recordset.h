@@ -2,10 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "adapters/sql_dialect/catalogue.h"
-#include "adapters/sql_dialect/syntax_tree.h"
-#include "adapters/sqlite/row_store.h"
-#include "adapters/sqlite/statement_translations.h"
+#include "adapters/sql_engine/row_source.h"
 #include "store/connection.h"
 
 #include <memory>
@@ -13,16 +10,14 @@
 #include <string>
 #include <vector>
 
-namespace pelmora::sqlite {
-
-class SqliteSession;
+namespace pelmora::sql {
 
 // Rows stored by updateBatch() are seen after requery(). Requery with rows still kept is Error
 // 3219.
-class SqliteRecordset : public Recordset {
+class ClientRecordset : public Recordset {
  public:
   // Errors: Error.
-  SqliteRecordset(std::shared_ptr<SqliteSession> session, std::string statement, LockType lock);
+  ClientRecordset(std::shared_ptr<RowSource> source, std::string statement, LockType lock);
 
   [[nodiscard]] std::int32_t recordCount() const override;
   [[nodiscard]] std::size_t fieldCount() const override { return fields_.size(); }
@@ -36,23 +31,14 @@ class SqliteRecordset : public Recordset {
   void close() override;
 
  private:
-  // Kept rows that fill the same columns.
-  struct Batch {
-    std::vector<std::string> fields;  // as the caller named them
-    std::vector<sql::ColumnShape> columns;
-    RowStore rows;
-  };
-
   void load();
-  [[nodiscard]] const sql::SelectStatement& select() const;
+  [[nodiscard]] const SelectStatement& select() const;
   void requireOpen() const;
-  [[nodiscard]] const sql::TableShape& outputTable();
-  [[nodiscard]] Batch newBatch(std::span<const std::string_view> fields);
-  [[nodiscard]] std::string insertStatement(const Batch& batch, std::size_t rows) const;
-  void store(const Batch& batch);
-  void storeAtOnce(const Batch& batch);
+  [[nodiscard]] const TableShape& outputTable();
+  [[nodiscard]] RowBatch newBatch(std::span<const std::string_view> fields);
+  void storeAtOnce(const RowBatch& batch);
 
-  std::shared_ptr<SqliteSession> session_;
+  std::shared_ptr<RowSource> source_;
   std::string statement_;
   LockType lock_;
   std::shared_ptr<const Translation> translation_;
@@ -60,9 +46,9 @@ class SqliteRecordset : public Recordset {
   RowStore rows_{0};
   std::size_t row_ = 0;
   mutable std::vector<Value> current_;
-  std::optional<sql::TableShape> outputTable_;
-  std::vector<Batch> kept_;
+  std::optional<TableShape> outputTable_;
+  std::vector<RowBatch> kept_;
   bool isOpen_ = true;
 };
 
-}  // namespace pelmora::sqlite
+}  // namespace pelmora::sql

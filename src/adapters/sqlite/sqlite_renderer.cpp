@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: MIT
-#include "adapters/sql_dialect/sqlite_renderer.h"
+#include "adapters/sqlite/sqlite_renderer.h"
 
+#include "adapters/sql_dialect/delivered_columns.h"
 #include "adapters/sql_dialect/dialect_error.h"
 #include "adapters/sql_dialect/name_scope.h"
-#include "adapters/sql_dialect/sqlite_expression.h"
+#include "adapters/sqlite/sqlite_expression.h"
 #include "base/text_case.h"
 
 #include <algorithm>
 #include <utility>
 
-namespace pelmora::sql {
+namespace pelmora::sqlite {
+
+// The statement's own words.
+using namespace sql;
 
 namespace {
 
@@ -61,63 +65,6 @@ std::string whereClause(const std::optional<Expression>& where,
   return where ? " WHERE " + expression.condition(*where) : "";
 }
 
-bool hasAggregate(const Expression& expression) {
-  return expression.kind == ExpressionKind::aggregate ||
-         std::ranges::any_of(expression.operands, hasAggregate);
-}
-
-struct OutputColumn {
-  Expression value;
-  std::string name;
-};
-
-// The delivered columns, with * written out.
-std::vector<OutputColumn> outputColumns(const SelectStatement& select, const NameScope& scope) {
-  std::vector<OutputColumn> columns;
-  for (const SelectItem& item : select.items) {
-    if (!item.allColumns) {
-      std::string name = item.alias;
-      if (name.empty() && item.value.kind == ExpressionKind::column) {
-        name = scope.resolve(item.value).column->name;
-      }
-      if (name.empty()) name = "Expr" + std::to_string(1000 + columns.size());
-      columns.push_back({item.value, std::move(name)});
-      continue;
-    }
-    if (scope.tables().empty())
-      throw statementError("Query input must contain at least one table or query.");
-    for (const VisibleTable& table : scope.tables()) {
-      if (!item.qualifier.empty() && &table != &scope.tableNamed(item.qualifier)) continue;
-      for (const ColumnShape& column : table.shape.columns) {
-        Expression value;
-        value.kind = ExpressionKind::column;
-        value.qualifier = table.name;
-        value.text = column.name;
-        columns.push_back({std::move(value), column.name});
-      }
-    }
-  }
-  return columns;
-}
-
-void checkGrouping(const SelectStatement& select, const std::vector<OutputColumn>& columns) {
-  const bool isGrouped = !select.groupBy.empty() || std::ranges::any_of(columns, [](const auto& c) {
-    return hasAggregate(c.value);
-  });
-  if (!isGrouped) return;
-  for (const OutputColumn& column : columns) {
-    const auto isSame = [&](const Expression& term) {
-      return equalNames(term.text, column.value.text);
-    };
-    if (column.value.kind == ExpressionKind::column &&
-        std::ranges::none_of(select.groupBy, isSame)) {
-      throw statementError(
-          "You tried to execute a query that does not include the specified expression '" +
-          column.value.text + "' as part of an aggregate function.");
-    }
-  }
-}
-
 std::string orderTerm(const OrderTerm& term, const std::vector<OutputColumn>& columns,
                       const SqliteExpression& expression) {
   std::string result;
@@ -133,64 +80,15 @@ std::string orderTerm(const OrderTerm& term, const std::vector<OutputColumn>& co
   return result + (term.descending ? " DESC" : "");
 }
 
-// The tables of a clause, those that an outer join keeps whole before the others.
-void listTables(const FromClause& from, std::vector<std::string>& names) {
-  if (const auto* table = std::get_if<TableName>(&from.first)) {
-    names.push_back(table->visibleName());
-  } else {
-    listTables(std::get<std::vector<FromClause>>(from.first).front(), names);
-  }
-  for (const Join& join : from.joins) {
-    std::vector<std::string> joined;
-    listTables(join.source, joined);
-    names.insert(join.kind == JoinKind::right ? names.begin() : names.end(), joined.begin(),
-                 joined.end());
-  }
-}
-
-std::string readingTerm(const VisibleTable& table, const std::string& column,
-                        const SqliteExpression& expression) {
-  if (findColumn(table.shape, column) == nullptr)
-    return quotedName(table.name) + "." + quotedName(column);
-  Expression value;
-  value.kind = ExpressionKind::column;
-  value.qualifier = table.name;
-  value.text = column;
-  return expression.sortValue(value);
-}
-
-// What the rows are read by beyond their own ORDER BY, so that no order is left to the engine.
-std::vector<std::string> readingTerms(const SelectStatement& select,
-                                      const std::vector<OutputColumn>& columns,
-                                      const SqliteExpression& expression) {
-  std::vector<std::string> terms;
-  if (!select.groupBy.empty()) {
-    for (const Expression& term : select.groupBy) terms.push_back(expression.sortValue(term));
-  } else if (std::ranges::any_of(columns, [](const auto& c) { return hasAggregate(c.value); })) {
-    return terms;  // one row
-  } else if (select.distinct) {
-    for (const OutputColumn& column : columns) {
-      if (column.value.kind == ExpressionKind::column)
-        terms.push_back(expression.sortValue(column.value));
-    }
-  } else if (select.from) {
-    std::vector<std::string> names;
-    listTables(*select.from, names);
-    for (const std::string& name : names) {
-      const VisibleTable& table = expression.scope().tableNamed(name);
-      for (const std::string& column : table.shape.readingOrder)
-        terms.push_back(readingTerm(table, column, expression));
-    }
-  }
-  return terms;
-}
-
 std::string orderClause(const SelectStatement& select, const std::vector<OutputColumn>& columns,
                         const SqliteExpression& expression) {
   std::vector<std::string> terms;
   for (const OrderTerm& term : select.orderBy)
     terms.push_back(orderTerm(term, columns, expression));
-  for (std::string& term : readingTerms(select, columns, expression)) {
+  for (const ReadingTerm& read : readingTerms(select, columns, expression.scope())) {
+    std::string term = read.isHidden
+                           ? quotedName(read.value.qualifier) + "." + quotedName(read.value.text)
+                           : expression.sortValue(read.value);
     const bool isThere = std::ranges::any_of(
         terms, [&](const std::string& known) { return known == term || known == term + " DESC"; });
     if (!isThere) terms.push_back(std::move(term));
@@ -225,7 +123,6 @@ NameScope scopeOf(const SelectStatement& select, const Catalogue& catalogue) {
 std::string renderSelect(const SelectStatement& select, const SqliteExpression& expression,
                          Rows rows) {
   const auto columns = outputColumns(select, expression.scope());
-  checkGrouping(select, columns);
   std::string sql = select.distinct ? "SELECT DISTINCT " : "SELECT ";
   sql += columnList(columns, select.distinct ? Rows::compared : rows, expression);
   if (select.from) sql += " FROM " + fromSource(*select.from, expression);
@@ -239,32 +136,6 @@ std::string renderSelect(const SelectStatement& select, const SqliteExpression& 
   return sql;
 }
 
-// The columns that an INSERT fills, as its table spells them.
-std::vector<std::string> insertColumns(const InsertStatement& insert, const TableShape& table,
-                                       const std::vector<OutputColumn>& selected) {
-  std::vector<std::string> names = insert.columns;
-  if (names.empty()) {
-    for (const OutputColumn& column : selected) names.push_back(column.name);
-  }
-  if (names.empty()) {
-    for (const ColumnShape& column : table.columns) names.push_back(column.name);
-  }
-  std::vector<std::string> result;
-  for (const std::string& name : names) {
-    const ColumnShape* column = findColumn(table, name);
-    if (column == nullptr) {
-      throw statementError(
-          "The INSERT INTO statement contains the following unknown field name: '" + name +
-          "'. Make sure you have typed the name correctly, and try the operation again.");
-    }
-    if (std::ranges::find(result, column->name) != result.end()) {
-      throw statementError("Duplicate output destination '" + column->name + "'.");
-    }
-    result.push_back(column->name);
-  }
-  return result;
-}
-
 std::string renderInsert(const InsertStatement& insert, const Catalogue& catalogue,
                          std::string_view outputDatabase, LiteralParameters* parameters) {
   const auto table = catalogue.findTable(outputDatabase, insert.table);
@@ -274,12 +145,6 @@ std::string renderInsert(const InsertStatement& insert, const Catalogue& catalog
   const auto selected =
       select != nullptr ? outputColumns(*select, scope) : std::vector<OutputColumn>();
   const auto names = insertColumns(insert, *table, selected);
-  const std::size_t given =
-      select != nullptr ? selected.size() : std::get<std::vector<Expression>>(insert.source).size();
-  if (given != names.size()) {
-    throw statementError("Number of query values and destination fields are not the same.");
-  }
-
   std::string sql =
       "INSERT INTO " + quotedName(outputDatabase) + "." + quotedName(table->name) + " (";
   for (std::size_t i = 0; i < names.size(); ++i) sql += (i == 0 ? "" : ", ") + quotedName(names[i]);
@@ -336,16 +201,6 @@ std::string renderForSqlite(const Statement& statement, const Catalogue& catalog
   return renderUpdate(std::get<UpdateStatement>(statement), catalogue, parameters);
 }
 
-const TableName* updatableTable(const SelectStatement& select) {
-  const bool isPlain = select.from && select.from->joins.empty() && !select.distinct &&
-                       select.groupBy.empty() && !select.having;
-  if (!isPlain ||
-      std::ranges::any_of(select.items, [](const auto& i) { return hasAggregate(i.value); })) {
-    return nullptr;
-  }
-  return std::get_if<TableName>(&select.from->first);
-}
-
 std::string renderRowForSqlite(const SelectStatement& select, const Catalogue& catalogue) {
   const NameScope scope = scopeOf(select, catalogue);
   const TableName& table = std::get<TableName>(select.from->first);
@@ -355,4 +210,4 @@ std::string renderRowForSqlite(const SelectStatement& select, const Catalogue& c
          "._rowid_ = ?1";
 }
 
-}  // namespace pelmora::sql
+}  // namespace pelmora::sqlite

@@ -1,0 +1,44 @@
+// What a record set asks of the open database that it belongs to.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "adapters/sql_dialect/catalogue.h"
+#include "adapters/sql_engine/row_store.h"
+#include "adapters/sql_engine/statement_translations.h"
+
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace pelmora::sql {
+
+// Added rows that fill the same columns.
+struct RowBatch {
+  std::vector<std::string> fields;   // as the caller named them
+  std::vector<ColumnShape> columns;  // of the table
+  RowStore rows;
+};
+
+struct SelectedRows {
+  std::shared_ptr<const Translation> translation;
+  std::vector<std::string> fields;
+  RowStore rows{0};
+};
+
+class RowSource {
+ public:
+  virtual ~RowSource() = default;
+  // Runs a SELECT to its end. Errors: Error, genericFailure if the database is locked.
+  [[nodiscard]] virtual SelectedRows select(const std::string& statement) = 0;
+  // The table that rows are added to. Errors: Error updateRefused if it may only be read.
+  [[nodiscard]] virtual TableShape tableToChange(const std::string& name) = 0;
+  // Stores all rows in one transaction. Errors: Error; nothing is then stored.
+  virtual void store(const TableShape& table, std::span<const RowBatch> batches) = 0;
+  // Stores a batch of one row. Delivers the row as it is stored, generated key included, in the
+  // columns of the translated SELECT.
+  [[nodiscard]] virtual RowStore storeAndRead(const TableShape& table, const RowBatch& row,
+                                              const Translation& select) = 0;
+};
+
+}  // namespace pelmora::sql

@@ -1,0 +1,22 @@
+// Rows on their way between SQLite and a record set.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "adapters/sql_dialect/catalogue.h"
+#include "adapters/sql_engine/row_source.h"
+
+#include <cstddef>
+
+struct sqlite3_stmt;
+
+namespace pelmora::sqlite {
+
+class SqliteSession;
+
+// Appends the current row of `statement`, which has as many columns as `rows`.
+void appendRow(sqlite3_stmt* statement, sql::RowStore& rows);
+
+// Inserts all rows of the batch. Errors: Error.
+void insertRows(SqliteSession& session, const sql::TableShape& table, const sql::RowBatch& batch);
+
+}  // namespace pelmora::sqlite
