@@ -43,7 +43,7 @@ DatabaseHandle::DatabaseHandle(const std::string& file, OpenMode mode, const Pat
 
 void DatabaseHandle::run(const char* statements) const {
   bool runsSchemaCode = false;
-  const StatementRun running(runsSchemaCode, true);
+  const StatementRun running(guard_.get(), runsSchemaCode, true);
   const int code = sqlite3_exec(get(), statements, nullptr, nullptr, nullptr);
   if (code != SQLITE_OK) throw sqliteError(code, get());
 }

@@ -14,6 +14,8 @@ struct sqlite3_stmt;
 
 namespace pelmora::sqlite {
 
+class SchemaGuard;
+
 // Parameters are numbered from 1, columns from 0. Errors: Error.
 class PreparedStatement {
  public:
@@ -40,6 +42,7 @@ class PreparedStatement {
     void operator()(sqlite3_stmt* statement) const noexcept;
   };
   sqlite3* database_;
+  SchemaGuard* guard_;
   bool runsSchemaCode_ = false;
   std::unique_ptr<sqlite3_stmt, Finalize> statement_;
 };

@@ -6,10 +6,11 @@
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
+#include <mutex>
 #include <string_view>
 #include <system_error>
+#include <unordered_map>
 #include <utility>
 
 namespace pelmora::sqlite {
@@ -26,10 +27,32 @@ constexpr std::uintmax_t pageSize = 4096;
 // An audit trigger on one insert of sixteen rows needs less.
 constexpr std::int64_t stepsForStatement = 100'000;
 
-// SQLite hands no statement to its callbacks: what is prepared or run is known by the thread.
-thread_local bool* runsSchemaCode = nullptr;
-thread_local bool isNewRun = false;
-thread_local std::array<char, 128> codeName{};
+// The guards of all open connections: SQLite keeps nothing of ours with a connection.
+class Register {
+ public:
+  void add(sqlite3* database, SchemaGuard* guard) {
+    const std::scoped_lock lock(mutex_);
+    guards_[database] = guard;
+  }
+  void remove(sqlite3* database) {
+    const std::scoped_lock lock(mutex_);
+    guards_.erase(database);
+  }
+  SchemaGuard* find(sqlite3* database) {
+    const std::scoped_lock lock(mutex_);
+    const auto found = guards_.find(database);
+    return found == guards_.end() ? nullptr : found->second;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::unordered_map<sqlite3*, SchemaGuard*> guards_;
+};
+
+Register& openGuards() {
+  static Register all;
+  return all;
+}
 
 // Beyond those that SQLite itself refuses to an untrusted schema.
 bool isRefused(const char* function) {
@@ -49,7 +72,14 @@ std::int64_t stepsFor(sqlite3* database, const char* schema) {
 
 }  // namespace
 
+SchemaGuard::~SchemaGuard() {
+  if (database_ != nullptr) openGuards().remove(database_);
+}
+
+SchemaGuard* SchemaGuard::of(sqlite3* database) { return openGuards().find(database); }
+
 void SchemaGuard::protect(sqlite3* database) {
+  openGuards().add(database, this);
   database_ = database;
   steps_ = firstSteps;
   const auto configure = [&](int option, int value) {
@@ -73,14 +103,16 @@ void SchemaGuard::protect(sqlite3* database) {
   sqlite3_progress_handler(database, stride, progress, this);
 }
 
-int SchemaGuard::authorize(void* /*self*/, int action, const char* /*first*/, const char* second,
+int SchemaGuard::authorize(void* self, int action, const char* /*first*/, const char* second,
                            const char* /*schema*/, const char* code) noexcept {
   if (code == nullptr) return SQLITE_OK;
+  auto& guard = *static_cast<SchemaGuard*>(self);
   // The first name is the one that a statement of ours has met; later ones may lie inside it.
-  if (runsSchemaCode != nullptr && !std::exchange(*runsSchemaCode, true)) {
-    const std::size_t length = std::min(std::string_view(code).size(), codeName.size() - 1);
-    std::copy_n(code, length, codeName.begin());
-    codeName[length] = '\0';
+  if (guard.runsSchemaCode_ != nullptr && !std::exchange(*guard.runsSchemaCode_, true)) {
+    auto& name = guard.codeName_;
+    const std::size_t length = std::min(std::string_view(code).size(), name.size() - 1);
+    std::copy_n(code, length, name.begin());
+    name[length] = '\0';
   }
   if (action == SQLITE_RECURSIVE || action == SQLITE_PRAGMA) return SQLITE_DENY;
   const bool isRefusedCall = action == SQLITE_FUNCTION && second != nullptr && isRefused(second);
@@ -88,17 +120,18 @@ int SchemaGuard::authorize(void* /*self*/, int action, const char* /*first*/, co
 }
 
 int SchemaGuard::progress(void* self) noexcept {
-  if (runsSchemaCode == nullptr || !*runsSchemaCode) return 0;
+  auto& guard = *static_cast<SchemaGuard*>(self);
+  if (guard.runsSchemaCode_ == nullptr || !*guard.runsSchemaCode_) return 0;
   try {
-    return static_cast<SchemaGuard*>(self)->mayGoOn() ? 0 : 1;
+    return guard.mayGoOn() ? 0 : 1;
   } catch (...) {  // no memory to look at the file
     return 1;
   }
 }
 
 bool SchemaGuard::mayGoOn() {
-  if (isNewRun) steps_ = std::min(steps_ + stepsForStatement, std::max(steps_, firstSteps));
-  isNewRun = false;
+  if (isNewRun_) steps_ = std::min(steps_ + stepsForStatement, std::max(steps_, firstSteps));
+  isNewRun_ = false;
   steps_ -= stride;
   if (steps_ < 0 && !isFileCounted_) {
     isFileCounted_ = true;
@@ -107,17 +140,20 @@ bool SchemaGuard::mayGoOn() {
   return steps_ >= 0;
 }
 
-StatementRun::StatementRun(bool& flag, bool isNew) noexcept
-    : runsSchemaCodeBefore_(runsSchemaCode), isNewBefore_(isNewRun) {
-  runsSchemaCode = &flag;
-  isNewRun = isNew;
+std::string SchemaGuard::lastSchemaCode() const {
+  return "view or trigger '" + std::string(codeName_.data()) + "'";
+}
+
+StatementRun::StatementRun(SchemaGuard* guard, bool& flag, bool isNew) noexcept : guard_(guard) {
+  if (guard_ == nullptr) return;
+  runsSchemaCodeBefore_ = std::exchange(guard_->runsSchemaCode_, &flag);
+  isNewBefore_ = std::exchange(guard_->isNewRun_, isNew);
 }
 
 StatementRun::~StatementRun() {
-  runsSchemaCode = runsSchemaCodeBefore_;
-  isNewRun = isNewBefore_;
+  if (guard_ == nullptr) return;
+  guard_->runsSchemaCode_ = runsSchemaCodeBefore_;
+  guard_->isNewRun_ = isNewBefore_;
 }
-
-std::string lastSchemaCode() { return "view or trigger '" + std::string(codeName.data()) + "'"; }
 
 }  // namespace pelmora::sqlite

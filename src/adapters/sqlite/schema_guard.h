@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 
@@ -16,12 +17,18 @@ namespace pelmora::sqlite {
 class SchemaGuard {
  public:
   SchemaGuard() = default;
+  ~SchemaGuard();
   SchemaGuard(const SchemaGuard&) = delete;
   SchemaGuard& operator=(const SchemaGuard&) = delete;
 
   // Applies the engine's settings for files that nobody vouches for. This object must outlive the
   // connection, at one place.
   void protect(sqlite3* database);
+  // Of a connection that is protected; null for others.
+  [[nodiscard]] static SchemaGuard* of(sqlite3* database);
+
+  // The view or trigger that was prepared last: "view or trigger 'meter'".
+  [[nodiscard]] std::string lastSchemaCode() const;
 
  private:
   static int authorize(void* self, int action, const char* first, const char* second,
@@ -32,24 +39,28 @@ class SchemaGuard {
   sqlite3* database_ = nullptr;
   std::int64_t steps_ = 0;  // that are left
   bool isFileCounted_ = false;
+  // SQLite hands no statement to its callbacks: what is prepared or run is noted here.
+  friend class StatementRun;
+  bool* runsSchemaCode_ = nullptr;
+  bool isNewRun_ = false;
+  std::array<char, 128> codeName_{};
 };
 
-// While it lives, this thread prepares or runs one statement.
+// While it lives, a connection prepares or runs one statement.
 class StatementRun {
  public:
-  // runsSchemaCode: of the statement; becomes true where preparing it finds a view or trigger.
-  // isNew: whether the statement starts, rather than going on with its next row.
-  StatementRun(bool& runsSchemaCode, bool isNew) noexcept;
+  // guard: of the connection; may be null. runsSchemaCode: of the statement; becomes true where
+  // preparing it finds a view or trigger. isNew: whether the statement starts, rather than going on
+  // with its next row.
+  StatementRun(SchemaGuard* guard, bool& runsSchemaCode, bool isNew) noexcept;
   ~StatementRun();
   StatementRun(const StatementRun&) = delete;
   StatementRun& operator=(const StatementRun&) = delete;
 
  private:
-  bool* runsSchemaCodeBefore_;
-  bool isNewBefore_;
+  SchemaGuard* guard_;
+  bool* runsSchemaCodeBefore_ = nullptr;
+  bool isNewBefore_ = false;
 };
-
-// The view or trigger that this thread prepared last: "view or trigger 'meter'".
-[[nodiscard]] std::string lastSchemaCode();
 
 }  // namespace pelmora::sqlite

@@ -33,9 +33,14 @@ bool isTooComplex(const std::string& message) {
          message.find("too many") != std::string::npos;
 }
 
-Error notAllowed(const std::string& file, const std::string& native) {
+std::string schemaCode(sqlite3* database) {
+  const SchemaGuard* const guard = SchemaGuard::of(database);
+  return guard == nullptr ? "A view or trigger" : "The " + guard->lastSchemaCode();
+}
+
+Error notAllowed(sqlite3* database, const std::string& file, const std::string& native) {
   return {untrustedSchema, "Pelmora",
-          "The " + lastSchemaCode() + " of " + file +
+          schemaCode(database) + " of " + file +
               " does what is not allowed to code that a database brings along. Remove it, or use "
               "another database." +
               native};
@@ -56,10 +61,10 @@ Error errorAbout(int code, sqlite3* database, const std::string& file) {
       return {updateRefused, "Pelmora",
               "Operation must use an updateable query. Check that " + file +
                   " and its folder can be written." + native};
-    case SQLITE_AUTH: return notAllowed(file, native);
+    case SQLITE_AUTH: return notAllowed(database, file, native);
     case SQLITE_INTERRUPT:
       return {untrustedSchema, "Pelmora",
-              "The " + lastSchemaCode() + " of " + file +
+              schemaCode(database) + " of " + file +
                   " was stopped because it did not come to an end. Remove it, or use another "
                   "database." +
                   native};
@@ -86,7 +91,7 @@ Error errorAbout(int code, sqlite3* database, const std::string& file) {
       return {static_cast<std::int32_t>(RunTimeError::overflow), "Pelmora", "Overflow" + native};
     default: break;
   }
-  if (message.starts_with("not authorized")) return notAllowed(file, native);
+  if (message.starts_with("not authorized")) return notAllowed(database, file, native);
   if (isTooComplex(message)) return sql::statementError("Query is too complex." + native);
   if (message == "integer overflow") return makeError(RunTimeError::overflow);
   return sql::statementError("The database engine refused the statement." + native);
