@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+#include "uncertainty/stand_lines.h"
+
+#include "base/text_flaw.h"
+#include "base/text_lines.h"
+
+#include <pelmora/calibration/failure.h>
+
+#include <algorithm>
+
+namespace pelmora::uncertainty {
+namespace {
+
+std::string_view withoutBlanks(std::string_view text) {
+  constexpr const char* blanks = " \t\r";
+  const auto first = text.find_first_not_of(blanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+std::string quoted(std::string_view text) { return "'" + shortened(text) + "'"; }
+
+void requireReadable(std::string_view line, std::size_t number, const std::string& where) {
+  std::string plain(line);
+  std::replace(plain.begin(), plain.end(), '\t', ' ');
+  if (plain.ends_with('\r')) plain.pop_back();
+  const TextFlaw flaw = flawOf(plain);
+  if (flaw == TextFlaw::none) return;
+  refuseLine(number,
+             flaw == TextFlaw::malformed ? "the text is not UTF-8" : "there is a control character",
+             where, "save the file as plain UTF-8 text");
+}
+
+template <class Named>
+void requireNew(const std::vector<Named>& known, const Named& added, const std::string& what,
+                const std::string& where) {
+  const auto same = std::find_if(known.begin(), known.end(),
+                                 [&](const Named& each) { return each.name == added.name; });
+  if (same == known.end()) return;
+  refuseLine(
+      added.line,
+      what + " " + quoted(added.name) + " already stands in line " + std::to_string(same->line),
+      where, "remove one of them, or give it another name");
+}
+
+Setting settingOf(std::string_view line, std::size_t number, const std::string& where) {
+  const auto equals = line.find('=');
+  if (equals == std::string_view::npos) {
+    refuseLine(number, quoted(line) + " is neither a section nor a setting", where,
+               "write [SECTION] or NAME = VALUE");
+  }
+  Setting setting{number, std::string(withoutBlanks(line.substr(0, equals))),
+                  std::string(withoutBlanks(line.substr(equals + 1)))};
+  if (setting.name.empty())
+    refuseLine(number, "there is no name", where, "write NAME = VALUE, or leave the line out");
+  if (setting.value.empty()) {
+    refuseLine(number, quoted(setting.name) + " has no value", where,
+               "write NAME = VALUE, or leave the line out");
+  }
+  return setting;
+}
+
+}  // namespace
+
+const Setting* Section::find(std::string_view setting) const {
+  const auto found = std::find_if(settings.begin(), settings.end(),
+                                  [&](const Setting& each) { return each.name == setting; });
+  return found == settings.end() ? nullptr : &*found;
+}
+
+void refuseLine(std::size_t line, const std::string& what, const std::string& where,
+                const std::string& remedy) {
+  throw calibration::BadData({"line " + std::to_string(line) + ": " + what, where, remedy});
+}
+
+std::vector<Section> readSections(std::string_view text, const std::string& where) {
+  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+  std::vector<Section> sections;
+  std::size_t number = 0;
+  for (const std::string_view whole : split(text, "\n")) {
+    ++number;
+    requireReadable(whole, number, where);
+    const std::string_view line = withoutBlanks(whole);
+    if (line.empty() || line.front() == '#' || line.front() == ';') continue;
+    if (line.front() == '[') {
+      if (line.back() != ']')
+        refuseLine(number, quoted(line) + " has no closing bracket", where, "write [SECTION]");
+      Section section{number, std::string(withoutBlanks(line.substr(1, line.size() - 2))), {}};
+      if (section.name.empty())
+        refuseLine(number, "the section has no name", where, "write [SECTION]");
+      requireNew(sections, section, "section", where);
+      sections.push_back(std::move(section));
+      continue;
+    }
+    Setting setting = settingOf(line, number, where);
+    if (sections.empty()) {
+      refuseLine(number, quoted(setting.name) + " stands before the first section", where,
+                 "write [stand] or the section that it belongs to above it");
+    }
+    requireNew(sections.back().settings, setting, "setting", where);
+    sections.back().settings.push_back(std::move(setting));
+  }
+  return sections;
+}
+
+}  // namespace pelmora::uncertainty
