@@ -187,13 +187,6 @@ void study(int calibrations, std::uint64_t seed) {
   for (int i = 0; i < calibrations; ++i) {
     const Case c = Maker(seed * 1000003 + static_cast<std::uint64_t>(i)).make();
     tally.all.push_back(judgeAll(c, tally));
-    const Judgement& j = tally.all.back().back();
-    if (std::getenv("CHOICE_VERBOSE") != nullptr && (j.misses() || !j.isStored))
-      std::printf(
-          "case %d: %s, %d flows, %d fluids, %d repeats, %s: off %.3f, band %.3f, warnings %zu; "
-          "reference off %.3f\n",
-          i, c.shape.c_str(), c.flows, c.fluids, c.repeats, c.growing ? "growing" : "even", j.worst,
-          j.bandThere, j.warnings, tally.all.back()[2].worst);
     for (const std::string& group : groupsOf(c)) groups[group].push_back(tally.all.back());
   }
   printHead("rule");

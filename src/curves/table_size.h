@@ -1,4 +1,4 @@
-// How many points a table needs to be read linearly.
+// Tables that are read linearly: where their rows lie, and how many they need.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -19,9 +19,15 @@ struct ReadingError {
                                              std::span<const double> tableX,
                                              std::span<const double> tableY);
 
-// The smallest multiple of ten points, at least `points`, spaced evenly in the logarithm from
-// `low` to `high`, whose linear reading misses the curve by at most `limitPercent`; 0 if
-// mostTablePoints are not enough.
+// Rows from `low` to `high`, both included: evenly spaced in the logarithm if their linear reading
+// misses the curve by at most `limitPercent`, else closer together where the curve bends.
+//
+// Errors: as logSpacedGrid. Needs low > 0.
+[[nodiscard]] std::vector<double> placedGrid(const CurveSamples& curve, double low, double high,
+                                             std::int32_t intervals, double limitPercent);
+
+// The smallest multiple of ten points, at least `points`, placed by placedGrid(), whose linear
+// reading misses the curve by at most `limitPercent`; 0 if mostTablePoints are not enough.
 inline constexpr std::int32_t mostTablePoints = 2000;
 [[nodiscard]] std::int32_t tablePointsFor(const CurveSamples& curve, double low, double high,
                                           std::int32_t points, double limitPercent);

@@ -19,7 +19,7 @@ using testing::HasSubstr;
 using testing::SizeIs;
 using TrustedFits = ServiceTest;
 
-constexpr const char* jobs[] = {"1007", "1008"};
+constexpr const char* jobs[] = {"1007", "1008", "1009"};
 
 // A simulated job of meter M1, see examples/data/README.md.
 Fit fitOfJob(const std::string& job, const std::string& rotor, FitSettings settings = {}) {

@@ -33,7 +33,10 @@ struct FitSettings {
   std::optional<double> min{}, max{};
   // Points beyond are not fitted.
   std::optional<double> fitMin{}, fitMax{};
-  std::int16_t points = 40;  // of the curve's table, evenly spaced in the logarithm
+  // Of the curve's table, evenly spaced in the logarithm. A trusted fit moves them closer together
+  // where the curve bends if the even table, read linearly, would take more than a quarter of the
+  // band.
+  std::int16_t points = 40;
   // How far a raw point may lie from the curve, in per cent. Linear interpolation in 40 points over
   // the three and a half decades of two fluids uses up to 0.2 of it, the noise of a good
   // calibration the rest.

@@ -178,7 +178,9 @@ void CatalogueFit::acceptSolution(const Running& running, std::size_t index) {
   predicted->Names = {labels_.x, labels_.y};
   predicted->Symbols = {"", ""};
   predicted->Columns.push_back(
-      logSpacedGrid(run.Predicted_Xmin, run.Predicted_Xmax, settings.NumberOfFittedPoints - 1));
+      run.grid.empty()
+          ? logSpacedGrid(run.Predicted_Xmin, run.Predicted_Xmax, settings.NumberOfFittedPoints - 1)
+          : std::vector<double>(run.grid.begin(), run.grid.end()));
   predicted->Columns.push_back(slot.model->evaluate(predicted->Columns[0]));
   const std::vector<double>& x = predicted->Columns[0];
   const std::vector<double>& y = predicted->Columns[1];

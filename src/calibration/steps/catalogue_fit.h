@@ -15,6 +15,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,9 @@ struct CatalogueRun {
   const std::string* logFolder = nullptr;
   // Asked before each equation; true ends the run. Empty: never.
   std::function<bool()> stopRequested = {};
+  // Where accepted equations are predicted. Empty: NumberOfFittedPoints rows evenly spaced in
+  // log10.
+  std::span<const double> grid = {};
   bool triesAll = false;  // an equation with R2 >= 0.9999 does not end the run
 };
 

@@ -21,9 +21,9 @@ struct Equation {
 // Torque balances: the driving torque less the drag of the blades, laminar (with the power -1/2 of
 // Reynolds' number, for which Roshko stands) or turbulent (with the power -1/5), less the drag of
 // the bearing, viscous (1/x) and static (1/x^2).
-// Source: Lee, Evans: Density and viscosity effects on gas turbine flowmeters, J. Basic Eng. 87
-// (1965) 1043-1057; Pope, Wright, Johnson, Crowley: Extended Lee model for the turbine meter and
-// calibrations with surrogate fluids, Flow Meas. Instrum. 24 (2012) 71-82.
+// Source: Lee, Evans: Density effect and Reynolds number effect on gas turbine flowmeters, J. Basic
+// Eng. 87 (1965) 1043; Pope, Wright, Johnson, Crowley: Extended Lee model for the turbine
+// meter and calibrations with surrogate fluids, Flow Meas. Instrum. 24 (2012) 71-82.
 [[nodiscard]] std::vector<Equation> trustedEquations();
 
 // An equation file: one equation a line as name TAB expression, ";" begins a comment line.

@@ -31,7 +31,8 @@ class ReferenceJudge {
   // reference curve up to the neighbouring rows; in units of y.
   [[nodiscard]] std::vector<double> distances(std::span<const double> tableY) const;
 
-  // A range in which the 2-sigma band of the reference curve is wider than the test band.
+  // A range in which the 2-sigma band of the reference curve is wider than the test band, by enough
+  // to be worth a warning.
   struct WideRange {
     double from, to;  // Roshko
     double widest;    // Roshko

@@ -9,6 +9,7 @@
 #include "calibration/trust/trust_warnings.h"
 #include "curves/curve_checks.h"
 #include "curves/predicted_curve.h"
+#include "curves/table_size.h"
 #include "solver/solver.h"
 
 #include <pelmora/calibration/failure.h>
@@ -23,6 +24,8 @@ using solver::reference::PointState;
 using solver::reference::ReferenceCurve;
 
 constexpr std::size_t fewestFlows = 4;
+// The linear reading of the table may take this part of the test band.
+constexpr double readingShareOfBand = 0.25;
 
 bool isOutside(const Fit& fit, double roshko) {
   return (fit.settings.fitMin && roshko < *fit.settings.fitMin) ||
@@ -164,8 +167,15 @@ bool fitTrusted(Fit& fit, std::span<const steps::PartPoint> origins, const steps
   const ReferenceCurve reference = referenceOf(fit, origins);
   fit.trust = trustOf(fit, origins, reference);
   fit.fitted = usedPoints(*fit.trust);
-  const std::vector<double> grid = logSpacedGrid(fit.min, fit.max, fit.settings.points - 1);
-  const ReferenceJudge judge(reference, grid, fit.settings.band);
+  std::vector<double> grid = logSpacedGrid(fit.min, fit.max, fit.settings.points - 1);
+  ReferenceJudge judge(reference, grid, fit.settings.band);
+  const std::vector<double> placed =
+      placedGrid([&](std::span<const double> x) { return judge.values(x); }, fit.min, fit.max,
+                 fit.settings.points - 1, readingShareOfBand * fit.settings.band);
+  if (placed != grid) {
+    grid = placed;
+    judge = ReferenceJudge(reference, grid, fit.settings.band);
+  }
   for (std::size_t i = 0; i < grid.size(); ++i) {
     const auto& at = judge.table()[i];
     fit.trust->table.push_back({grid[i], at.value, at.curveSd, at.newPointSd});
@@ -183,8 +193,8 @@ bool fitTrusted(Fit& fit, std::span<const steps::PartPoint> origins, const steps
   steps::CatalogueFit catalogue;
   catalogue.useEquations(std::move(equations));
   const steps::FitLabels labels{"Roshko", "Strouhal"};
-  const steps::CatalogueRun run{fit.fitted,     fit.min, fit.max,       labels,
-                                createSolver(), nullptr, stopRequested, true};
+  const steps::CatalogueRun run{fit.fitted, fit.min,       fit.max, labels, createSolver(),
+                                nullptr,    stopRequested, grid,    true};
   if (catalogue.run(run, settings, watch) == steps::RunEnd::stopped) return false;
   std::vector<Soundness> soundness(tried.size());
   const auto test = [&](std::size_t index, const FitModel& model) -> std::optional<std::string> {

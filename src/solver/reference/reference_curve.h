@@ -39,7 +39,7 @@ struct ReferenceOptions {
   // Standard deviation of the bearing drag at the lowest flow, in noise standard deviations; 0: the
   // trend is a straight line. Wide enough to take the fall of any turbine meter; a series without
   // such a fall costs it little.
-  double drag = 0;
+  double drag = 300;
   bool robust = true;
   DistrustRule distrust = {};
 };

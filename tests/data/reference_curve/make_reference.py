@@ -6,7 +6,8 @@ out are left out and everything is computed again, and the average over hyperpar
 of the grid. Student's factor is from scipy.special.betaincinv.
 
 With z = ln y (y / unit on the absolute scale), t = ln x, X = [1, t], noise variance 1 at the
-largest flow, V = amplitude^2 Matern(length) + noise + offsets^2 [same fluid]:
+largest flow, V = amplitude^2 Matern(length) + noise + offsets^2 [same fluid] + drag^2 g g' with
+g = smallest x / x:
   b = (X'V^-1 X)^-1 X'V^-1 z, squares = (z - Xb)'V^-1 (z - Xb) + d s^2,
   log weight = -(ln|V| + ln|X'V^-1 X| + (n - 2 + d) ln squares + (ln(length / 2) / 0.8)^2) / 2,
 with d = 1 and s = 0.0005 from the prior of the noise.
@@ -85,6 +86,10 @@ class Fit:
         self.offsets2 = mpf(case['offsets'])**2 if len(top) > 1 else mpf(0)
         if self.offsets2:
             v = v + self.offsets2 * np.equal.outer(fluid, fluid).astype(int)
+        self.lowest = mpmath.log(min(mpf(float(v)) for v in case['x']))
+        self.drag2 = mpf(case['drag'])**2
+        self.g = exp(self.lowest - self.t)
+        v = v + self.drag2 * np.multiply.outer(self.g, self.g)
         self.l = cholesky(v)
         self.design = np.array([[mpf(1), s] for s in self.t], dtype=object)
         self.wx = solve_lower(self.l, self.design)
@@ -107,8 +112,12 @@ class Fit:
         if fluid is not None and self.offsets2:
             k = k + self.offsets2 * np.equal(self.fluid, fluid).astype(int)
             prior = prior + self.offsets2
+        g = mpmath.exp(self.lowest - t)
+        k = k + self.drag2 * g * self.g
+        prior = prior + self.drag2 * g * g
         k = solve_lower(self.l, k)
-        dk = solve_lower(self.l, self.amplitude2 * matern_slope(t - self.t, self.rate))
+        dk = solve_lower(self.l, self.amplitude2 * matern_slope(t - self.t, self.rate)
+                         - self.drag2 * g * self.g)
         h, dh = np.array([mpf(1), t]), np.array([mpf(0), mpf(1)])
         mean = k.dot(self.rest) + h.dot(self.b)
         slope = dk.dot(self.rest) + dh.dot(self.b)
@@ -234,7 +243,8 @@ def left_outs(nodes):
     return _left[key]
 
 
-def series(name, x, noise, seed, fluid=None, relative=True, offsets=0.25, shape=None):
+def series(name, x, noise, seed, fluid=None, relative=True, offsets=0.25, drag=100,
+           shape=None):
     random = np.random.default_rng(seed)
     x = np.array(x, dtype=float)
     shape = shape or (lambda v: 1300 * (1 - 0.9 / (v + 3) - 0.01 * np.exp(-np.log(v / 90)**2)))
@@ -246,7 +256,7 @@ def series(name, x, noise, seed, fluid=None, relative=True, offsets=0.25, shape=
     at = [low / 3, low, low * 1.0001, float(np.sqrt(low * high)), x[len(x) // 3] * 1.01, high,
           high * 2]
     return {'name': name, 'x': x.tolist(), 'y': y.tolist(), 'fluid': fluid or [0] * len(x),
-            'relative': relative, 'unit': float(unit), 'offsets': offsets,
+            'relative': relative, 'unit': float(unit), 'offsets': offsets, 'drag': drag,
             'at': [float(v) for v in at]}
 
 

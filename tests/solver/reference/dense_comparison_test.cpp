@@ -40,7 +40,7 @@ struct Series {
         offsets(c.at("offsets").get<double>()),
         relative(c.at("relative").get<bool>()) {
     for (std::size_t i = 0; i < x.size(); ++i) all.push_back(i);
-    knots = gatherKnots(x, y, fluid, all, relative);
+    knots = gatherKnots(x, y, fluid, all, relative, c.at("drag").get<double>());
     for (const double v : at) t.push_back(std::log(v) - knots.origin);
   }
   Numbers x, y, at, t;
@@ -126,6 +126,7 @@ TEST(dense_comparison, average_over_the_grid) {
     ReferenceOptions options;
     options.robust = false;
     options.fluidOffsets = series.offsets;
+    options.drag = series.knots.drag;
     options.scale = series.relative ? ReferenceScale::relative : ReferenceScale::absolute;
     options.lattice = {a["lengths"][0],
                        a["lengths"][1].get<double>() / a["lengths"][0].get<double>(),
