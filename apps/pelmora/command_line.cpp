@@ -33,6 +33,9 @@ void addCommands(Program& program) {
   addImportCommand(program);
   addImportCurveCommand(program);
   addRawCommand(program);
+  addPointsCommand(program);
+  addExcludeCommand(program);
+  addIncludeCommand(program);
   addFitCommand(program);
   addRefitCommand(program);
   addEvaluateCommand(program);

@@ -61,6 +61,15 @@ void readExclusions(Session& session, StoredSeries& series) {
   }
 }
 
+std::size_t numberInWholePart(std::span<const ExcludedPoint> excluded, int part,
+                              std::size_t index) {
+  std::size_t number = index + 1;
+  for (const ExcludedPoint& point : excluded) {
+    if (point.part == part && point.number <= number) ++number;
+  }
+  return number;
+}
+
 DroppedExclusion droppedExclusion(const std::string& series, int part, const ExcludedRow& row,
                                   const std::string& why) {
   return {{series, part, static_cast<std::size_t>(row.Number), numberOrNan(row.Roshko),

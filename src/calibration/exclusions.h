@@ -7,7 +7,9 @@
 
 #include <pelmora/calibration/import.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -15,6 +17,12 @@ namespace pelmora::calibration {
 
 // Fills `excluded` and `excludedBefore`. Needs id and raw.
 void readExclusions(Session& session, StoredSeries& series);
+
+// The number of a point by its place among those of the part that are left.
+//
+// excluded: by part and number.
+[[nodiscard]] std::size_t numberInWholePart(std::span<const ExcludedPoint> excluded, int part,
+                                            std::size_t index);
 
 [[nodiscard]] DroppedExclusion droppedExclusion(const std::string& series, int part,
                                                 const ExcludedRow& row, const std::string& why);

@@ -95,8 +95,9 @@ void fitCatalogue(Fit& fit, const steps::Observer& watch, const Observer& observ
   fit.report = catalogue.details();
 }
 
-Fit fitParts(Fit fit, std::span<const PointArray> parts, const Observer& observer) {
-  const std::vector<steps::PartPoint> origins = mergeRawParts(fit, parts, observer);
+Fit fitParts(Fit fit, std::span<const PointArray> parts, std::span<const ExcludedPoint> excluded,
+             const Observer& observer) {
+  const std::vector<steps::PartPoint> origins = mergeRawParts(fit, parts, excluded, observer);
   fit.fitted = pointsToFit(fit);
   settleRange(fit);
   const steps::Observer watch = stepsOf(observer);
@@ -122,7 +123,7 @@ Fit fitParts(Fit fit, std::span<const PointArray> parts, const Observer& observe
 Fit fit(std::span<const PointArray> parts, const FitSettings& settings, const Observer& observer) {
   Fit fit;
   fit.settings = settings;
-  return fitParts(std::move(fit), parts, observer);
+  return fitParts(std::move(fit), parts, {}, observer);
 }
 
 Fit Database::fit(const StoredSeries& series, const FitSettings& settings,
@@ -134,9 +135,7 @@ Fit Database::fit(const StoredSeries& series, const FitSettings& settings,
   fit.basis = series.basis;
   fit.pointsFingerprint = fingerprintOf(series.raw);
   fit.settings = settings;
-  fit = fitParts(std::move(fit), series.raw, observer);
-  for (CutPoint& point : fit.cut) point.number = series.numberOf(point.part, point.number - 1);
-  return fit;
+  return fitParts(std::move(fit), series.raw, series.excluded, observer);
 }
 
 Fit Database::fit(const Meter& meter, const std::string& series, const FitSettings& settings,

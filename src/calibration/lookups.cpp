@@ -70,11 +70,7 @@ std::size_t StoredSeries::rawPoints() const {
 }
 
 std::size_t StoredSeries::numberOf(int part, std::size_t index) const {
-  std::size_t number = index + 1;
-  for (const ExcludedPoint& point : excluded) {  // by rising number
-    if (point.part == part && point.number <= number) ++number;
-  }
-  return number;
+  return numberInWholePart(excluded, part, index);
 }
 
 std::vector<Meter> Database::meters() const { return readMeters(*session_, ""); }

@@ -2,6 +2,7 @@
 #include "calibration/merging.h"
 
 #include "band/band.h"
+#include "calibration/exclusions.h"
 #include "calibration/fit_watch.h"
 #include "calibration/steps/merge_parts.h"
 #include "curves/table_reading.h"
@@ -55,6 +56,7 @@ steps::MergeSettings mergeSettingsOf(const Fit& fit) {
 }
 
 std::vector<steps::PartPoint> mergeAll(Fit& fit, std::span<const PointArray> parts,
+                                       std::span<const ExcludedPoint> excluded,
                                        const Observer& observer) {
   const steps::Observer watch = stepsOf(observer);
   const steps::MergeSettings settings = mergeSettingsOf(fit);
@@ -63,6 +65,8 @@ std::vector<steps::PartPoint> mergeAll(Fit& fit, std::span<const PointArray> par
     requireGoOn(fit, observer);
     const auto number = static_cast<std::int16_t>(k + 1);
     steps::MergedPoints part = steps::asPart(number, parts[k]);
+    for (std::size_t i = 0; i < part.Origins.size() && !excluded.empty(); ++i)
+      part.Origins[i].Number = static_cast<std::int16_t>(numberInWholePart(excluded, number, i));
     if (!steps::sortPart(part, fit.series, watch)) continue;
     switch (steps::howToJoin(merged.Points, number)) {
       case steps::Joining::take:
@@ -89,11 +93,12 @@ std::vector<steps::PartPoint> mergeAll(Fit& fit, std::span<const PointArray> par
 }  // namespace
 
 std::vector<steps::PartPoint> mergeRawParts(Fit& fit, std::span<const PointArray> parts,
+                                            std::span<const ExcludedPoint> excluded,
                                             const Observer& observer) {
   requirePoints(fit, parts);
   requireMergeBand(fit);
   for (std::size_t part = 0; part < parts.size(); ++part) fit.rawPoints[part] = parts[part].size();
-  return mergeAll(fit, parts, observer);
+  return mergeAll(fit, parts, excluded, observer);
 }
 
 std::vector<CutPoint> cutByMerge(const StoredSeries& series) {
@@ -108,16 +113,19 @@ std::vector<CutPoint> cutByMerge(const StoredSeries& series) {
     fit.settings.cutsOverlap = !kept->KeepsOverlap;
   }
   try {
-    mergeRawParts(fit, series.raw, {});
+    (void)mergeRawParts(fit, series.raw, series.excluded, {});
   } catch (const BadData&) {
     return {};
   }
   for (std::size_t p = 0; p < series.raw.size(); ++p) {
     const PointArray& points = series.raw[p];
     if (points.size() == 1)
-      fit.cut.push_back({static_cast<int>(p + 1), 1, points(0, 0), points(0, 1), {}});
+      fit.cut.push_back({static_cast<int>(p + 1),
+                         series.numberOf(static_cast<int>(p + 1), 0),
+                         points(0, 0),
+                         points(0, 1),
+                         {}});
   }
-  for (CutPoint& point : fit.cut) point.number = series.numberOf(point.part, point.number - 1);
   return std::move(fit.cut);
 }
 

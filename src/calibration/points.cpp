@@ -58,6 +58,16 @@ void addJobs(const RunJobs& runs, const std::string& series, std::vector<RawPoin
   }
 }
 
+// Points beyond the range of the points that were fitted.
+void addFitRange(const StoredSeries& series, std::vector<RawPoint>& list) {
+  if (!series.settings) return;
+  const auto low = series.settings->FitMin, high = series.settings->FitMax;
+  for (RawPoint& point : list) {
+    const bool isOutside = (low && point.roshko < *low) || (high && point.roshko > *high);
+    if (isOutside && point.state == PointState::used) point.state = PointState::outsideRange;
+  }
+}
+
 void addResiduals(const StoredSeries& series, std::vector<RawPoint>& list) {
   const TableReading curve(series.curve);
   if (curve.empty()) return;
@@ -69,7 +79,16 @@ void addResiduals(const StoredSeries& series, std::vector<RawPoint>& list) {
   }
 }
 
-// By the smooth curve that assumes no equation.
+void addCuts(const StoredSeries& series, std::vector<RawPoint>& list) {
+  for (const CutPoint& cut : cutByMerge(series)) {
+    RawPoint& point = *std::ranges::lower_bound(list, std::pair(cut.part, cut.number), {}, place);
+    point.state = PointState::cut;
+    point.cutPercent = cut.offPercent;
+  }
+}
+
+// By the smooth curve that assumes no equation. It is the curve of the merged points: cut ones lie
+// off it, as the merge has found, and would bend it.
 void addSigmas(std::vector<RawPoint>& list) {
   std::vector<double> x, y;
   std::vector<int> fluid;
@@ -81,7 +100,8 @@ void addSigmas(std::vector<RawPoint>& list) {
     x.push_back(point.roshko);
     y.push_back(point.strouhal);
     fluid.push_back(point.part);
-    excluded.push_back(point.state == PointState::excluded ? 1 : 0);
+    const bool isLeftOut = point.state == PointState::excluded || point.state == PointState::cut;
+    excluded.push_back(isLeftOut ? 1 : 0);
     judged.push_back(&point);
   }
   try {
@@ -112,13 +132,10 @@ std::vector<RawPoint> Database::points(const Meter& meter, const std::string& se
   return session_->asking("listing the points of " + placeOf(meter, stored.name), [&] {
     std::vector<RawPoint> list = wholePoints(stored);
     addJobs(RunJobs(*session_, meter), stored.name, list);
+    addFitRange(stored, list);
     addResiduals(stored, list);
+    addCuts(stored, list);
     addSigmas(list);
-    for (const CutPoint& cut : cutByMerge(stored)) {
-      RawPoint& point = *std::ranges::lower_bound(list, std::pair(cut.part, cut.number), {}, place);
-      point.state = PointState::cut;
-      point.cutPercent = cut.offPercent;
-    }
     return list;
   });
 }

@@ -239,6 +239,21 @@ TEST_F(Exclusions, a_bad_point_stands_out_from_the_others) {
   }
 }
 
+TEST_F(Exclusions, a_fit_names_points_by_their_numbers_in_the_whole_part) {
+  PointArray spoiled = smoothPoints(24);
+  for (std::size_t i = 0; i < spoiled.size(); ++i) spoiled(i, 1) *= i % 2 == 0 ? 1.0002 : 0.9998;
+  spoiled(10, 1) *= 1.02;
+  db_.storeRaw(meter_, "S", 1, spoiled);
+  (void)db_.exclude(meter_, "S", {.part = 1, .numbers = {2, 5}}, "trial");
+  const Fit fit = db_.fit(meter_, "S", {.choice = Choice::trusted});
+  ASSERT_TRUE(fit.trust);
+  std::vector<std::size_t> distrusted;
+  for (const JudgedPoint& point : fit.trust->judged) {
+    if (point.use == PointUse::distrusted) distrusted.push_back(point.number);
+  }
+  EXPECT_THAT(distrusted, ElementsAre(11));
+}
+
 TEST_F(Exclusions, points_beyond_the_stored_curve_are_said_to_be) {
   (void)db_.store(db_.fit(meter_, "K", {.min = 20, .max = 900}));
   const auto listed = db_.points(meter_, "K");

@@ -57,6 +57,13 @@ def outputs(folder):
     run("calibrate", "--meter", "M1", *stand, "--new-calibration", "--points", "50")
     yield "raw", run("raw", os.path.join(DATA, "real-vortex-shedding-strouhal.csv"), "--meter", "V", "--register",
                      "--series", "Shedding", "--where", "set=2")
+    spoiled = ["--meter", "V", "--series", "Shedding"]
+    yield "exclude", run("exclude", *spoiled, "--part", "1", "--point", "2-3", "--reason", "trial")
+    yield "exclude", run("exclude", *spoiled, "--all-below", "7", "--reason", "trial", "--dry-run")
+    yield "points", run("points", *spoiled)
+    yield "points", run("points", *series)
+    yield "include", run("include", *spoiled, "--part", "1", "--point", "3", "--with-derived")
+    yield "restore", run("restore", str(run("history")["entries"][0]["entry"]))
     yield "import-curve", run("import-curve", result, "--meter", "V", "--series", "Shedding")
     yield "fit", run("fit", *series)
     yield "fit", run("fit", *series, "--band", "0.01", code=BAND_FAILED)

@@ -17,7 +17,7 @@ struct TableWords {
   const char *table, *name, *key;
 };
 
-constexpr std::array<TableWords, 12> words{
+constexpr std::array<TableWords, 16> words{
     {{"meter", "calibration", "calibrations"},
      {"series", "series", "series"},
      {"CalSetup", "set-ups", "setups"},
@@ -29,7 +29,11 @@ constexpr std::array<TableWords, 12> words{
      {"merge", "merged points", "merged"},
      {"curve", "curve points", "curve"},
      {"DataFitResults", "report", "reports"},
-     {"pelmora_fit_settings", "fit settings", "fitSettings"}}};
+     {"pelmora_fit_settings", "fit settings", "fitSettings"},
+     {"pelmora_excluded1", "excluded of part 1", "excluded1"},
+     {"pelmora_excluded2", "excluded of part 2", "excluded2"},
+     {"pelmora_excluded3", "excluded of part 3", "excluded3"},
+     {"pelmora_excluded4", "excluded of part 4", "excluded4"}}};
 
 const TableWords* wordsOf(const std::string& table) {
   for (const TableWords& entry : words) {

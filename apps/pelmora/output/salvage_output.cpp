@@ -27,6 +27,9 @@ std::string partText(std::string_view table) {
   if (table == "merge") return "merged points";
   if (table == "DataFitResults") return "report";
   if (table == "pelmora_fit_settings") return "fit settings";
+  constexpr std::string_view excluded = "pelmora_excluded";
+  if (table.starts_with(excluded))
+    return "excluded points of part " + std::string(table.substr(excluded.size()));
   return std::string(table);
 }
 

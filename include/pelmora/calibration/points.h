@@ -13,10 +13,10 @@
 namespace pelmora::calibration {
 
 enum class PointState {
-  used = 0,          // the merge takes it, and it lies in the curve's range
+  used = 0,          // the merge takes it, and it lies in the range
   cut = 1,           // left out by the merge
   excluded = 2,      // left out by a person
-  outsideRange = 3,  // the merge takes it; it lies beyond the ends of the stored curve
+  outsideRange = 3,  // beyond the ends of the stored curve, or of the range that was fitted
 };
 
 // "used", "cut", "excluded", "outside range": the names in JSON, which never change.
@@ -31,8 +31,8 @@ struct RawPoint {
   double roshko = 0, strouhal = 0;
   // From the stored curve, in per cent; absent without one and beyond its ends.
   std::optional<double> residualPercent{};
-  // How far it lies off the smooth curve through all other points, in standard deviations of a good
-  // point (solver/reference); absent if there are too few points for it.
+  // How far it lies off the smooth curve through all other points that are used, in standard
+  // deviations of a good point (solver/reference); absent if there are too few points for it.
   std::optional<double> sigmas{};
   // Judged by all points together, it is no good one: 'sigmas' is large.
   bool isDistrusted = false;

@@ -18,7 +18,7 @@ enum class PointUse {
 // Strouhal where Trust::isRelative is false.
 struct JudgedPoint {
   int part = 0;            // 1 to 4
-  std::size_t number = 0;  // from 1, in the order in which the part is stored
+  std::size_t number = 0;  // from 1, in the order of the part; excluded points are counted
   double roshko = 0, strouhal = 0;
   PointUse use = PointUse::used;
   double residual = 0;       // from the curve

@@ -1,5 +1,6 @@
 // The four derivations on a real curve database.
 // SPDX-License-Identifier: MIT
+#include "calibration/steps/whole_part.h"
 #include "component/series_derivation.h"
 #include "tests/support/comma_locale.h"
 #include "tests/support/curve_database.h"
@@ -52,6 +53,47 @@ class derived_series : public CurveDatabaseTest {
 
   MeterInfo meter;
 };
+
+// Points that somebody has left out, in tables that hosts do not know.
+class derivation_of_excluded_points : public derived_series {
+ protected:
+  void measureThree(const std::string& job, double pulses) {
+    run("DELETE FROM CalDataPoint");
+    for (const double factor : {1.0, 2.0, 3.0}) {
+      StandRow row = measured;
+      row.job = job;
+      row.v4 = pulses * factor;
+      measure(row);
+    }
+  }
+  void exclude(std::size_t number) {
+    auto part = steps::readWholePart(*database, 1, meter.Series[0].SeriesID);
+    part.Points.at(number - 1).Exclusion = ExcludedRow{};
+    part.Points.at(number - 1).Exclusion->Job = "1001";
+    steps::writeWholePart(*database, meter.Series[0].SeriesID, part);
+  }
+};
+
+TEST_F(derivation_of_excluded_points, leaves_them_out_again) {
+  measureThree("1001", 10);
+  const PointArray whole = derive(SeriesViaCaldb_RotorA);
+  ASSERT_EQ(whole.size(), 3U);
+  exclude(2);
+  const PointArray again = derive(SeriesViaCaldb_RotorA);
+  EXPECT_EQ(again, (PointArray{{whole(0, 0), whole(0, 1)}, {whole(2, 0), whole(2, 1)}}));
+}
+
+TEST_F(derivation_of_excluded_points, brings_all_points_of_another_job_or_of_other_values) {
+  measureThree("1001", 10);
+  (void)derive(SeriesViaCaldb_RotorA);
+  exclude(2);
+  measureThree("1001", 11);
+  EXPECT_EQ(derive(SeriesViaCaldb_RotorA).size(), 3U);
+  measureThree("1002", 10);
+  EXPECT_EQ(derive(SeriesViaCaldb_RotorA, {"1002"}).size(), 3U);
+  measureThree("1001", 10);  // the record is still there
+  EXPECT_EQ(derive(SeriesViaCaldb_RotorA).size(), 2U);
+}
 
 TEST_F(derived_series, of_rotor_A_are_corrected_for_temperature) {
   measure(measured);

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/command_line.h"
+#include "apps/pelmora/commands/commands.h"
+#include "apps/pelmora/options/common_options.h"
+#include "apps/pelmora/output/point_output.h"
+#include "apps/pelmora/output/standard_output.h"
+#include "apps/pelmora/output/suggested_command.h"
+#include "apps/pelmora/output/text_table.h"
+#include "apps/pelmora/session.h"
+#include "report/json_values.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cmath>
+#include <memory>
+
+namespace pelmora::cli {
+namespace {
+
+struct PointsRequest {
+  DatabaseOption curves;
+  std::string meter, series;
+  std::int16_t reCalID = -1;
+  bool asJson = false;
+};
+
+bool isSuspect(const calibration::RawPoint& point) {
+  return point.isDistrusted && point.sigmas &&
+         (point.state == calibration::PointState::used ||
+          point.state == calibration::PointState::outsideRange);
+}
+
+// The points that the smooth curve through the others distrusts, with what leaves them out.
+std::string suspectLines(const PointsRequest& request, const std::string& series,
+                         const std::vector<calibration::RawPoint>& points) {
+  std::string text, commands;
+  std::vector<std::string> words;
+  const auto endCommand = [&] {
+    if (words.empty()) return;
+    words.insert(words.end(), {"--reason", "..."});
+    commands += "  " + suggestedCommand(words) + "\n";
+  };
+  int part = 0;
+  for (const calibration::RawPoint& point : points) {
+    if (!isSuspect(point)) continue;
+    text +=
+        wrapped("Part " + std::to_string(point.part) + ", point " + std::to_string(point.number) +
+                    " at Roshko " + significantText(point.roshko, 6) + " lies " +
+                    fixedText(std::fabs(*point.sigmas), 1) + " sigmas off its neighbours.",
+                0);
+    if (point.part != part) {
+      endCommand();
+      part = point.part;
+      words = {"exclude", request.curves.path};
+      addSeriesWords(words, request.meter, request.reCalID, series);
+      words.insert(words.end(), {"--part", std::to_string(part)});
+    }
+    words.insert(words.end(), {"--point", std::to_string(point.number)});
+  }
+  endCommand();
+  return text.empty() ? "" : "\n" + text + "If you know why, leave them out:\n" + commands;
+}
+
+std::string formerLines(const calibration::StoredSeries& stored) {
+  std::string text;
+  for (const calibration::ExcludedPoint& point : stored.excludedBefore) {
+    text += wrapped("Part " + std::to_string(point.part) + ", point " +
+                        std::to_string(point.number) + " was excluded (" + point.exclusion.reason +
+                        "), but another program has stored the part again since.",
+                    0);
+  }
+  return text;
+}
+
+void listPoints(const PointsRequest& request) {
+  Session session(request.curves, calibration::Mode::read);
+  calibration::Database& lab = session.database();
+  const calibration::Meter meter = lab.meter(request.meter, request.reCalID);
+  const calibration::StoredSeries stored = lab.series(meter, request.series);
+  const auto points = lab.points(meter, request.series);
+  const calibration::CurveAge age = lab.curveAge(stored);
+  if (request.asJson) {
+    nlohmann::json list = nlohmann::json::array();
+    for (const auto& point : points) list.push_back(rawPointJson(point));
+    nlohmann::json former = nlohmann::json::array();
+    for (const auto& point : stored.excludedBefore) {
+      former.push_back(
+          droppedJson({{stored.name, point.part, point.number, point.roshko, point.strouhal},
+                       point.job,
+                       point.exclusion.reason,
+                       "another program has stored the part again"}));
+    }
+    return printData(report::jsonText({{"database", session.path()},
+                                       {"meter", meterJson(meter)},
+                                       {"series", stored.name},
+                                       {"curve", curveAgeKey(age)},
+                                       {"points", list},
+                                       {"excludedBefore", former}}));
+  }
+  std::string text =
+      wrapped("Series '" + stored.name + "' of meter " + meter.serial + ", calibration " +
+                  std::to_string(meter.calibration) + ": " + pointCounts(points),
+              0);
+  if (points.empty()) return printData(text);
+  text += "\n" + pointsTable(points);
+  const std::string excluded = exclusionLines(points) + formerLines(stored);
+  if (!excluded.empty()) text += "\n" + excluded;
+  text += suspectLines(request, stored.name, points);
+  if (age == calibration::CurveAge::outdated) {
+    std::vector<std::string> words{"fit", request.curves.path};
+    addSeriesWords(words, request.meter, request.reCalID, stored.name);
+    text += "\n" + wrapped("The stored curve is older than these points. Fit it again:", 0) + "  " +
+            suggestedCommand(words) + "\n";
+  }
+  printData(text);
+}
+
+}  // namespace
+
+void addPointsCommand(Program& program) {
+  Command command = program.add(
+      "points",
+      "List the raw points of a series: how far each lies off the stored curve and, in standard "
+      "deviations (sigmas), off the smooth curve through all others; which points the merge has "
+      "cut, and which were excluded, by whom and why. Point numbers stay the same while points "
+      "are excluded and included.");
+  const auto request = std::make_shared<PointsRequest>();
+  addDatabase(command, request->curves);
+  addMeter(command, request->meter, true);
+  addSeries(command, request->series, true);
+  addCalibration(command, request->reCalID);
+  addJson(command, request->asJson);
+  command.onRun([request] { listPoints(*request); });
+}
+
+}  // namespace pelmora::cli

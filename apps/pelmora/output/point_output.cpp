@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/output/point_output.h"
+
+#include "apps/pelmora/output/text_table.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+
+namespace pelmora::cli {
+namespace {
+
+using calibration::ChangedPoint;
+using calibration::DroppedExclusion;
+using calibration::PointState;
+using calibration::RawPoint;
+using Align = TextTable::Align;
+
+std::string signedText(const std::optional<double>& value, int decimals) {
+  if (!value) return "-";
+  const std::string text = fixedText(*value, decimals);
+  return *value > 0 ? "+" + text : text;
+}
+
+std::string stateText(const RawPoint& point) {
+  std::string text = calibration::pointStateKey(point.state);
+  if (point.exclusion) return text + ": " + point.exclusion->reason;
+  if (point.cutPercent) text += ": " + signedText(point.cutPercent, 3) + " %";
+  return point.isDistrusted ? text + ", suspect" : text;
+}
+
+std::size_t count(const std::vector<RawPoint>& points, PointState state) {
+  return static_cast<std::size_t>(std::ranges::count(points, state, &RawPoint::state));
+}
+
+nlohmann::json orNull(const std::optional<double>& value) {
+  return value ? nlohmann::json(*value) : nlohmann::json();
+}
+nlohmann::json orNull(const std::string& text) {
+  return text.empty() ? nlohmann::json() : nlohmann::json(text);
+}
+
+}  // namespace
+
+std::string pointsTable(const std::vector<RawPoint>& points) {
+  TextTable table({{"Part", Align::right},
+                   {"#", Align::right},
+                   {"Job", Align::right},
+                   {"Roshko", Align::right},
+                   {"Strouhal", Align::right},
+                   {"Off %", Align::right},
+                   {"Sigmas", Align::right},
+                   {"State", Align::left}});
+  for (const RawPoint& point : points) {
+    table.addRow({std::to_string(point.part), std::to_string(point.number),
+                  point.job.empty() ? "-" : point.job, alignedText(point.roshko, 7),
+                  alignedText(point.strouhal, 7), signedText(point.residualPercent, 3),
+                  signedText(point.sigmas, 1), stateText(point)});
+  }
+  return table.text();
+}
+
+std::string pointCounts(const std::vector<RawPoint>& points) {
+  std::string text = std::to_string(points.size()) + (points.size() == 1 ? " point" : " points");
+  const auto add = [&](PointState state, const std::string& words) {
+    if (const std::size_t number = count(points, state); number > 0)
+      text += ", " + std::to_string(number) + words;
+  };
+  add(PointState::excluded, " excluded");
+  add(PointState::cut, " cut by the merge");
+  add(PointState::outsideRange, " beyond the stored curve");
+  return text;
+}
+
+std::string exclusionLines(const std::vector<RawPoint>& points) {
+  std::string text;
+  for (const RawPoint& point : points) {
+    if (!point.exclusion) continue;
+    const std::string who =
+        point.exclusion->userName.empty() ? "" : " by " + point.exclusion->userName;
+    text += wrapped("Part " + std::to_string(point.part) + ", point " +
+                        std::to_string(point.number) + ": excluded" + who + " on " +
+                        point.exclusion->excludedAt + ": " + point.exclusion->reason,
+                    0);
+  }
+  return text;
+}
+
+nlohmann::json rawPointJson(const RawPoint& point) {
+  nlohmann::json exclusion;
+  if (point.exclusion) {
+    exclusion = {{"reason", point.exclusion->reason},
+                 {"user", point.exclusion->userName},
+                 {"excludedAt", point.exclusion->excludedAt}};
+  }
+  return {{"part", point.part},
+          {"number", point.number},
+          {"job", orNull(point.job)},
+          {"fluid", orNull(point.fluid)},
+          {"roshko", point.roshko},
+          {"strouhal", point.strouhal},
+          {"residualPercent", orNull(point.residualPercent)},
+          {"sigmas", orNull(point.sigmas)},
+          {"suspect", point.isDistrusted},
+          {"state", calibration::pointStateKey(point.state)},
+          {"cutPercent", orNull(point.cutPercent)},
+          {"exclusion", exclusion}};
+}
+
+std::string changedPointsTable(const std::vector<ChangedPoint>& points) {
+  TextTable table({{"Series", Align::left},
+                   {"Part", Align::right},
+                   {"#", Align::right},
+                   {"Roshko", Align::right},
+                   {"Strouhal", Align::right}});
+  for (const ChangedPoint& point : points) {
+    table.addRow({point.series, std::to_string(point.part), std::to_string(point.number),
+                  alignedText(point.roshko, 7), alignedText(point.strouhal, 7)});
+  }
+  return table.text();
+}
+
+nlohmann::json changedPointJson(const ChangedPoint& point) {
+  return {{"series", point.series},
+          {"part", point.part},
+          {"number", point.number},
+          {"roshko", point.roshko},
+          {"strouhal", point.strouhal}};
+}
+
+std::string droppedLines(const std::vector<DroppedExclusion>& dropped) {
+  std::string text;
+  for (const DroppedExclusion& end : dropped) {
+    text += wrapped("No longer excluded: part " + std::to_string(end.point.part) + ", point " +
+                        std::to_string(end.point.number) + " of series '" + end.point.series +
+                        "' (" + end.reason + "): " + end.why,
+                    0);
+  }
+  return text;
+}
+
+nlohmann::json droppedJson(const DroppedExclusion& dropped) {
+  nlohmann::json value = changedPointJson(dropped.point);
+  value["job"] = orNull(dropped.job);
+  value["reason"] = dropped.reason;
+  value["why"] = dropped.why;
+  return value;
+}
+
+nlohmann::json meterJson(const calibration::Meter& meter) {
+  return {{"serialNumber", meter.serial},
+          {"serialNumberAdjusted", meter.adjusted},
+          {"calibration", meter.calibration},
+          {"meterId", meter.id}};
+}
+
+const char* curveAgeKey(calibration::CurveAge age) {
+  switch (age) {
+    case calibration::CurveAge::none: return "none";
+    case calibration::CurveAge::current: return "current";
+    case calibration::CurveAge::outdated: return "outdated";
+    case calibration::CurveAge::unknown: break;
+  }
+  return "unknown";
+}
+
+}  // namespace pelmora::cli

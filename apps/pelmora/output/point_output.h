@@ -1,0 +1,35 @@
+// Raw points and exclusions as tables and as JSON.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <pelmora/calibration/points.h>
+#include <pelmora/calibration/values.h>
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <string>
+#include <vector>
+
+namespace pelmora::cli {
+
+// A line for each point.
+[[nodiscard]] std::string pointsTable(const std::vector<calibration::RawPoint>& points);
+// "24 points, 2 of them excluded, 1 cut by the merge"
+[[nodiscard]] std::string pointCounts(const std::vector<calibration::RawPoint>& points);
+// A paragraph for each excluded point: by whom, when and why.
+[[nodiscard]] std::string exclusionLines(const std::vector<calibration::RawPoint>& points);
+[[nodiscard]] nlohmann::json rawPointJson(const calibration::RawPoint& point);
+
+[[nodiscard]] std::string changedPointsTable(const std::vector<calibration::ChangedPoint>& points);
+[[nodiscard]] nlohmann::json changedPointJson(const calibration::ChangedPoint& point);
+
+// A paragraph for each exclusion that an operation has ended.
+[[nodiscard]] std::string droppedLines(const std::vector<calibration::DroppedExclusion>& dropped);
+[[nodiscard]] nlohmann::json droppedJson(const calibration::DroppedExclusion& dropped);
+
+[[nodiscard]] nlohmann::json meterJson(const calibration::Meter& meter);
+
+// "none", "current", "outdated", "unknown": the names in JSON, which never change.
+[[nodiscard]] const char* curveAgeKey(calibration::CurveAge age);
+
+}  // namespace pelmora::cli
