@@ -3,6 +3,7 @@
 
 #include "base/number_text.h"
 #include "base/run_time_error.h"
+#include "curves/table_size.h"
 
 #include <algorithm>
 #include <cmath>
@@ -117,6 +118,13 @@ std::vector<double> gapEnds(std::span<const double> sortedX, double from, double
   return ends;
 }
 
+// A polynomial has none.
+bool mayHavePole(const FitModel& model) {
+  return model.Definition.Expression.find('/') != std::string::npos ||
+         model.Definition.Expression.find("^-") != std::string::npos ||
+         model.Definition.Expression.find("^(-") != std::string::npos;
+}
+
 std::optional<CurveWarning> checkGap(const CheckedCurve& curve, double from, double to) {
   const std::vector<double> x = between(from, to, samplesPerGap);
   const std::vector<double> y = sampled(curve.model, x);
@@ -132,7 +140,8 @@ std::optional<CurveWarning> checkGap(const CheckedCurve& curve, double from, dou
   if (beyond > swingErrors * s && percent > swingPercent) {
     return CurveWarning{CurveWarningKind::pole, from, to, percent,
                         "The curve swings " + percentText(percent) + " " + whereText(from, to) +
-                            ", between points that it fits: a pole of the equation?"};
+                            ", between points that it fits" +
+                            (mayHavePole(curve.model) ? ": a pole of the equation?" : "")};
   }
   return CurveWarning{CurveWarningKind::oscillation, from, to, percent,
                       "The curve turns " + whereText(from, to) + " " + percentText(percent) +
@@ -167,10 +176,24 @@ void checkExtrapolation(const CheckedCurve& curve, std::span<const double> sorte
   const double to = curve.predictedX.back();
   // The ends of a log-spaced table equal the range asked for up to rounding.
   const double rounding = 1e-12;
+  // How far the curve runs away from its value at the outermost point, in per cent.
+  const auto change = [&](double a, double b) {
+    if (curve.model.sampleCurve(curve.predictedX.first(1)).empty()) return 0.0;
+    const bool isBelow = a < sortedX.front();
+    const std::vector<double> y = sampled(curve.model, between(a, b, samplesPerGap));
+    const double at = isBelow ? y.back() : y.front();
+    double most = 0;
+    for (const double value : y) {
+      const double off = 100 * std::abs(value / at - 1);
+      if (!(off <= most)) most = off;
+    }
+    return most;
+  };
   const auto add = [&](double a, double b) {
-    warnings.push_back(
-        {CurveWarningKind::extrapolation, a, b, 0,
-         "The curve is predicted " + whereText(a, b) + ", where there are no points"});
+    const double percent = change(a, b);
+    std::string text = "The curve is predicted " + whereText(a, b) + ", where there are no points";
+    if (!(percent <= swingPercent)) text += ", and changes there " + percentText(percent);
+    warnings.push_back({CurveWarningKind::extrapolation, a, b, percent, text});
   };
   if (from < sortedX.front() - rounding * std::abs(sortedX.front())) add(from, sortedX.front());
   if (to > sortedX.back() + rounding * std::abs(sortedX.back())) add(sortedX.back(), to);
@@ -195,11 +218,16 @@ void checkTable(const CheckedCurve& curve, std::vector<CurveWarning>& warnings) 
   }
   const double limit = curve.bandPercent > 0 ? tableShareOfBand * curve.bandPercent : tablePercent;
   if (!(worst > limit)) return;
+  const auto samples = [&](std::span<const double> x) { return sampled(curve.model, x); };
+  const std::int32_t points =
+      tablePointsFor(samples, curve.predictedX.front(), curve.predictedX.back(),
+                     static_cast<std::int32_t>(m), limit, TableSpacing::even);
   warnings.push_back(
       {CurveWarningKind::tableReading, curve.predictedX[at], curve.predictedX[at + 1], worst,
        "The predicted table read linearly misses its own curve " + percentText(worst) + " " +
            whereText(curve.predictedX[at], curve.predictedX[at + 1]) +
-           ": more fitted points would help"});
+           (points > 0 ? ": " + numberText(points) + " fitted points would do" : "")});
+  warnings.back().Points = points;
 }
 
 }  // namespace

@@ -69,12 +69,14 @@ std::vector<double> placedGrid(const CurveSamples& curve, double low, double hig
 }
 
 std::int32_t tablePointsFor(const CurveSamples& curve, double low, double high, std::int32_t points,
-                            double limitPercent) {
+                            double limitPercent, TableSpacing spacing) {
   const auto tens = [](double count) {
     return 10 * static_cast<std::int32_t>(std::ceil(count / 10));
   };
   const auto errorOf = [&](std::int32_t count) {
-    const std::vector<double> x = placedGrid(curve, low, high, count - 1, limitPercent);
+    const std::vector<double> x = spacing == TableSpacing::even
+                                      ? logSpacedGrid(low, high, count - 1)
+                                      : placedGrid(curve, low, high, count - 1, limitPercent);
     return worstReadingError(curve, x, curve(x)).percent;
   };
   std::int32_t count = std::max(tens(points), 10);

@@ -29,7 +29,9 @@ struct ReadingError {
 // The smallest multiple of ten points, at least `points`, placed by placedGrid(), whose linear
 // reading misses the curve by at most `limitPercent`; 0 if mostTablePoints are not enough.
 inline constexpr std::int32_t mostTablePoints = 2000;
+enum class TableSpacing { even, placed };  // even: as logSpacedGrid()
 [[nodiscard]] std::int32_t tablePointsFor(const CurveSamples& curve, double low, double high,
-                                          std::int32_t points, double limitPercent);
+                                          std::int32_t points, double limitPercent,
+                                          TableSpacing spacing = TableSpacing::placed);
 
 }  // namespace pelmora
