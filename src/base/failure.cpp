@@ -10,6 +10,9 @@ Failure::Failure(FailureText text, std::int32_t number)
       where_(std::move(text.where)),
       remedy_(std::move(text.remedy)) {}
 
+OutOfRange::OutOfRange(FailureText text, const RoshkoRange& requested, const RoshkoRange& merged)
+    : Failure(std::move(text)), requested_(requested), merged_(merged) {}
+
 // Here, so that every library of a process has the same type information of them.
 Failure::~Failure() = default;
 NotFound::~NotFound() = default;

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pelmora/export.h>
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -16,7 +18,7 @@ namespace pelmora {
 [[nodiscard]] char32_t smallLetter(char32_t character);
 
 // < 0, 0, > 0: order by the code points of the small letters.
-[[nodiscard]] int compareTexts(std::string_view a, std::string_view b);
+[[nodiscard]] PELMORA_API int compareTexts(std::string_view a, std::string_view b);
 
 [[nodiscard]] inline bool equalNames(std::string_view a, std::string_view b) {
   return a == b || compareTexts(a, b) == 0;

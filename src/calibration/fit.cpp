@@ -51,15 +51,17 @@ void settleRange(Fit& fit) {
   if (isGiven && fit.min >= fit.max) {
     throw OutOfRange({"the range from " + significantText(fit.min, 15) + " to " +
                           significantText(fit.max, 15) + " is empty",
-                      nameOf(fit), "give a range from small to large"});
+                      nameOf(fit), "give a range from small to large"},
+                     {fit.min, fit.max}, {lowest, highest});
   }
   const bool isInside = lowest <= fit.min && fit.max <= highest;
   if (!isInside && settings.outside == RangePolicy::refuse) {
-    throw OutOfRange({"the range from " + significantText(fit.min, 15) + " to " +
-                          significantText(fit.max, 15) + " is not inside the raw points of " +
-                          nameOf(fit) + ", which reach from " + significantText(lowest, 15) +
-                          " to " + significantText(highest, 15),
-                      nameOf(fit), "leave the range out, fit the whole range or extrapolate"});
+    throw OutOfRange(
+        {"the range from " + significantText(fit.min, 15) + " to " + significantText(fit.max, 15) +
+             " is not inside the raw points of " + nameOf(fit) + ", which reach from " +
+             significantText(lowest, 15) + " to " + significantText(highest, 15),
+         nameOf(fit), "leave the range out, fit the whole range or extrapolate"},
+        {fit.min, fit.max}, {lowest, highest});
   }
   if (!isInside && settings.outside == RangePolicy::wholeRange) {
     fit.min = lowest;

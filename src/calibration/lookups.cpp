@@ -123,13 +123,18 @@ std::vector<std::string> Database::seriesOf(const Meter& meter) const {
   return seriesNames(*session_, meter);
 }
 
+std::int32_t Database::seriesID(const Meter& meter, const std::string& series) const {
+  return requireSeries(*session_, meter, cleanName("series", series));
+}
+
 StoredSeries Database::series(const Meter& meter, const std::string& series) const {
   const std::string name = cleanName("series", series);
   StoredSeries stored;
   stored.meter = meter;
   stored.name = name;
+  const auto moment = session_->moment();
   stored.id = requireSeries(*session_, meter, name);
-  return session_->asking(placeOf(meter, name) + " cannot be read", [&] {
+  session_->asking(placeOf(meter, name) + " cannot be read", [&] {
     for (std::size_t part = 0; part < stored.raw.size(); ++part)
       stored.raw[part] = pointsOf(*session_, "raw" + std::to_string(part + 1), stored.id);
     readExclusions(*session_, stored);
@@ -141,10 +146,11 @@ StoredSeries Database::series(const Meter& meter, const std::string& series) con
     if (!report->atEnd()) stored.report = textOrNothing(report->value(0));
     stored.equation = steps::equationOfReport(stored.report);
     stored.basis = pointsBasis(*session_, meter, stored.id);
-    stored.settings = keptCurveSettings(session_->curves(), stored.id);
-    stored.age = ageOf(stored);
-    return std::move(stored);
   });
+  session_->asking("the fit settings of " + placeOf(meter, name) + " cannot be read",
+                   [&] { stored.settings = keptCurveSettings(session_->curves(), stored.id); });
+  stored.age = ageOf(stored);
+  return stored;
 }
 
 Meter Database::registerMeter(const std::string& serial, bool newCalibration) {

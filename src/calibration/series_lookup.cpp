@@ -14,7 +14,11 @@ std::vector<std::string> seriesNames(Session& session, const Meter& meter) {
     const auto rows = readRows(
         session.connection(),
         "Select name from series where meterid = " + std::to_string(meter.id) + " ORDER BY ID ASC");
-    for (; !rows->atEnd(); rows->moveNext()) names.push_back(toText(rows->value(0)));
+    for (; !rows->atEnd(); rows->moveNext()) {
+      const Value& name = rows->value(0);
+      if (isNull(name)) throw namelessSeries(meter, session.location());
+      names.push_back(toText(name));
+    }
     return names;
   });
 }

@@ -5,6 +5,7 @@
 #include "base/time_text.h"
 #include "base/version.h"
 #include "store/connection.h"
+#include "store/transactions.h"
 
 #include <pelmora/curve_database.h>
 
@@ -93,6 +94,13 @@ void Session::rollback() noexcept {
   kept_.clear();
 }
 
+std::unique_ptr<ReadView> Session::moment() const {
+  const auto* transactions = dynamic_cast<const Transactions*>(curves_.get());
+  if (transactions == nullptr || transactions->hasTransaction()) return nullptr;
+  return asking("'" + location_ + "' cannot be read now",
+                [&] { return std::make_unique<ReadView>(curves_); });
+}
+
 HistoryEntryId Session::keep(const history::Scope& scope) {
   const HistoryEntryId entry = change_->keep(scope);
   note(entry);
@@ -105,6 +113,11 @@ void Session::note(HistoryEntryId entry) {
 
 std::string placeOf(const Meter& meter) {
   return "meter '" + meter.serial + "', calibration " + std::to_string(meter.calibration);
+}
+
+BadData namelessSeries(const Meter& meter, const std::string& location) {
+  return BadData({"a series of " + placeOf(meter) + " has no name that is a text", location,
+                  "examine the database"});
 }
 
 std::string placeOf(const Meter& meter, const std::string& series) {

@@ -5,6 +5,7 @@
 #include "history/kept_change.h"
 
 #include <pelmora/calibration/database.h>
+#include <pelmora/own_tables.h>
 
 #include <memory>
 #include <optional>
@@ -34,6 +35,9 @@ class Session {
   void rollback() noexcept;
   [[nodiscard]] bool hasChange() const { return change_ != nullptr; }
   [[nodiscard]] const std::vector<HistoryEntryId>& kept() const { return kept_; }
+
+  // What is read while it lives is of one moment. Null in a transaction, where that is so anyway.
+  [[nodiscard]] std::unique_ptr<ReadView> moment() const;
 
   // Copies rows into the history before they are replaced; needs an open change.
   HistoryEntryId keep(const history::Scope& scope);
@@ -86,5 +90,8 @@ class Session {
 // "series 'Rotor A' of meter 'M1', calibration 0"
 [[nodiscard]] std::string placeOf(const Meter& meter, const std::string& series);
 [[nodiscard]] std::string placeOf(const Meter& meter);
+
+// Other programs may have stored a series without a name: no operation can reach it.
+[[nodiscard]] BadData namelessSeries(const Meter& meter, const std::string& location);
 
 }  // namespace pelmora::calibration

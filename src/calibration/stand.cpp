@@ -5,6 +5,8 @@
 
 #include "base/run_time_error.h"
 
+#include <algorithm>
+
 namespace pelmora::calibration {
 namespace {
 
@@ -39,6 +41,17 @@ Stand::Stand(const std::string& location, const Patience& patience) : location_(
          "name a stand database or a CSV export with the header JobRecordID,V1..V37"},
         error.number());
   }
+}
+
+void Stand::requireJob(const std::string& job) const {
+  constexpr std::size_t listedJobs = 12;
+  if (std::ranges::find(jobs_, job) != jobs_.end()) return;
+  std::string list;
+  for (std::size_t i = 0; i < jobs_.size() && i < listedJobs; ++i)
+    list += (i == 0 ? "" : ", ") + jobs_[i];
+  if (jobs_.size() > listedJobs) list += " ...";
+  throw NotFound({"stand '" + location_ + "' has no job " + job, location_,
+                  jobs_.empty() ? "it holds no data points" : "choose among " + list});
 }
 
 }  // namespace pelmora::calibration

@@ -6,7 +6,6 @@
 #include <pelmora/calibration/failure.h>
 #include <pelmora/stand.h>
 
-#include <algorithm>
 #include <array>
 
 namespace pelmora::calibration {
@@ -85,25 +84,13 @@ class JobCheck {
   ValueTable points_;
 };
 
-void requireJob(const Stand& stand, const std::string& job) {
-  constexpr std::size_t listedJobs = 12;
-  const auto& known = stand.jobs();
-  if (std::find(known.begin(), known.end(), job) != known.end()) return;
-  std::string list;
-  for (std::size_t i = 0; i < known.size() && i < listedJobs; ++i)
-    list += (i == 0 ? "" : ", ") + known[i];
-  if (known.size() > listedJobs) list += " ...";
-  throw NotFound({"stand '" + stand.location() + "' has no job " + job, stand.location(),
-                  known.empty() ? "it holds no data points" : "choose among " + list});
-}
-
 }  // namespace
 
 std::string checkReadings(const Stand& stand, std::span<const StandRun> runs) {
   if (runs.empty()) throw BadData({"there is no run to import", stand.location(), "name a job"});
   std::string jobWithoutRotorB;
   for (const StandRun& run : runs) {
-    requireJob(stand, run.job);
+    stand.requireJob(run.job);
     const JobCheck job(stand, run.job);
     job.require(commonReadings);
     if (job.hasRotorB()) {

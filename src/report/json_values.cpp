@@ -22,6 +22,13 @@ json meterJson(const MeterInfo& meter) {
           {"meterId", meter.MeterID}};
 }
 
+json meterJson(const calibration::Meter& meter) {
+  return {{"serialNumber", meter.serial},
+          {"serialNumberAdjusted", meter.adjusted},
+          {"calibration", meter.calibration},
+          {"meterId", meter.id}};
+}
+
 json setupsJson(const std::vector<CalSetupInfo>& setups) {
   json list = json::array();
   for (std::size_t k = 0; k < setups.size(); ++k) {
@@ -34,6 +41,22 @@ json setupsJson(const std::vector<CalSetupInfo>& setups) {
                     {"position", setup.Position},
                     {"jobs", setup.JobRecordIDs},
                     {"points", setup.Points}});
+  }
+  return list;
+}
+
+json runsJson(const std::vector<calibration::Run>& runs) {
+  json list = json::array();
+  for (std::size_t k = 0; k < runs.size(); ++k) {
+    const calibration::Run& run = runs[k];
+    list.push_back({{"rawPart", k < 4 ? json(k + 1) : json()},
+                    {"fluid", run.fluid},
+                    {"operator", run.operatorName},
+                    {"date", run.date},
+                    {"stand", run.stand},
+                    {"position", run.position},
+                    {"jobs", run.jobs},
+                    {"points", run.points}});
   }
   return list;
 }

@@ -12,10 +12,12 @@ class PELMORA_API Transactions {
   virtual ~Transactions() = default;
   // Takes the lock for writing at once. Errors: Error, genericFailure if another user has it.
   virtual void begin() = 0;
-  // Errors: Error; the transaction is then still open, or undone already.
   // What is read from now on is of one moment, until rollback(). Others may change rows meanwhile,
   // but not end their transactions.
   virtual void beginReading() = 0;
+  // Whether one of either kind has begun and not ended.
+  [[nodiscard]] virtual bool hasTransaction() const noexcept = 0;
+  // Errors: Error; the transaction is then still open, or undone already.
   virtual void commit() = 0;
   // Does nothing where no transaction is open.
   virtual void rollback() noexcept = 0;

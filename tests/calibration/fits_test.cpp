@@ -86,6 +86,11 @@ TEST_F(Fits, keep_to_the_range_that_is_asked_for) {
   const FitSettings beyond{.min = 5, .max = 500};
   const auto failure = failureOf<OutOfRange>([&] { (void)calibration::fit(parts, beyond); });
   EXPECT_THAT(failure.what(), HasSubstr("from 10 to 1000"));
+  ASSERT_TRUE(failure.requested() && failure.merged());
+  EXPECT_EQ(failure.requested()->min, 5);
+  EXPECT_EQ(failure.requested()->max, 500);
+  EXPECT_DOUBLE_EQ(failure.merged()->min, 10);
+  EXPECT_DOUBLE_EQ(failure.merged()->max, 1000);
   FitSettings whole = beyond;
   whole.outside = RangePolicy::wholeRange;
   EXPECT_TRUE(calibration::fit(parts, whole).isWholeRange);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/calibration/service_fixture.h"
 
+#include <pelmora/own_tables.h>
+
 #include <thread>
 
 namespace pelmora::calibration::test {
@@ -73,6 +75,18 @@ TEST_F(Lookups, a_mistyped_name_is_answered_with_what_is_similar) {
   EXPECT_THAT(wrongNumber.what(), HasSubstr("no calibration 3"));
   const auto wrongSeries = failureOf<NotFound>([&] { (void)db.series(meter, "Rotor a1"); });
   EXPECT_THAT(wrongSeries.remedy(), HasSubstr("'Rotor A'"));
+}
+
+TEST_F(Lookups, work_inside_a_read_view_and_a_transaction_of_the_host) {
+  Database db = lab();
+  const Meter meter = db.registerMeter("M1");
+  db.storeRaw(meter, "A", 1, smoothPoints(5));
+  {
+    const ReadView view(db.connection());
+    EXPECT_EQ(db.series(meter, "A").rawPoints(), 5U);
+  }
+  const Transaction transaction(db.connection());
+  EXPECT_EQ(db.series(meter, "A").rawPoints(), 5U);
 }
 
 TEST_F(Lookups, several_databases_live_side_by_side_and_move_between_threads) {

@@ -1,6 +1,9 @@
 // Fitting many stored series again.
 // SPDX-License-Identifier: MIT
+#include "calibration/refit/refit_one.h"
 #include "tests/calibration/service_fixture.h"
+
+#include <functional>
 
 namespace pelmora::calibration::test {
 namespace {
@@ -58,6 +61,85 @@ TEST_F(Refits, say_what_became_of_each_series) {
   EXPECT_EQ(outcome.results[3].kind, RefitResultKind::unusable);
   EXPECT_EQ(outcome.results[4].kind, RefitResultKind::added);
   EXPECT_FALSE(db_.series(meter_, "E").curve.empty());
+}
+
+TEST_F(Refits, say_how_many_curves_each_portion_has_stored) {
+  for (const char* name : {"A", "B", "C"}) db_.storeRaw(meter_, name, 1, shifted(1));
+  std::vector<std::size_t> stored;
+  RefitOptions options;
+  options.portion = 1;
+  options.portionStored = [&](std::size_t curves) {
+    stored.push_back(curves);
+    // It is final: another connection sees it.
+    EXPECT_EQ(open(path()).history().size(), curves);
+  };
+  (void)db_.refit(db_.allSeries(), options);
+  EXPECT_THAT(stored, testing::ElementsAre(1, 2, 3));
+}
+
+TEST_F(Refits, name_what_other_programs_stored_without_a_name_or_number) {
+  auto tasks = db_.allSeries();
+  tasks[0].series.clear();
+  tasks[1].meter.calibration = -1;
+  const RefitOutcome outcome = db_.refit(tasks);
+  EXPECT_EQ(outcome.results[0].kind, RefitResultKind::unreadable);
+  EXPECT_THAT(outcome.results[0].reason, testing::HasSubstr("a series of meter 'M1'"));
+  EXPECT_EQ(outcome.results[1].kind, RefitResultKind::unreadable);
+  EXPECT_THAT(outcome.results[1].reason, testing::HasSubstr("meter 'M1' has no number"));
+  EXPECT_EQ(outcome.results[2].kind, RefitResultKind::kept);
+}
+
+// Another program works between the fit of a series and the lock under which it is stored.
+class RefitsBesideAnotherProgram : public Refits {
+ protected:
+  RefitResult refitWhile(const std::function<void(Database& other)>& change) {
+    constexpr double changedPercent = 0.01;
+    const auto session = std::make_shared<Session>(path(), OpenOptions{});
+    const Database lab(session);
+    RefitCurve curve = fitAgain(lab, readAgain(lab, *session, {meter_, "A"}), changedPercent);
+    EXPECT_TRUE(curve.isToBeStored());
+    Database other = open(path());
+    change(other);
+    session->begin("refit");
+    storeAgain(lab, *session, changedPercent, curve);
+    session->commit();
+    return curve.result;
+  }
+};
+
+TEST_F(RefitsBesideAnotherProgram, store_at_once_what_it_has_not_touched) {
+  db_.storeRaw(meter_, "A", 1, shifted(2));
+  const RefitResult result =
+      refitWhile([&](Database& other) { other.storeRaw(meter_, "B", 1, shifted(7)); });
+  EXPECT_FALSE(result.changedMeanwhile);
+  EXPECT_TRUE(result.isStored);
+}
+
+TEST_F(RefitsBesideAnotherProgram, are_made_again_for_changed_points) {
+  db_.storeRaw(meter_, "A", 1, shifted(2));
+  const RefitResult result =
+      refitWhile([&](Database& other) { other.storeRaw(meter_, "A", 1, shifted(5)); });
+  EXPECT_TRUE(result.changedMeanwhile);
+  EXPECT_TRUE(result.isStored);
+  EXPECT_NEAR(result.shiftPercent, 5, 1e-9);
+  EXPECT_EQ(db_.series(meter_, "A").merged, shifted(5));
+}
+
+TEST_F(RefitsBesideAnotherProgram, take_the_settings_of_a_curve_stored_meanwhile) {
+  db_.storeRaw(meter_, "A", 1, shifted(2));
+  const RefitResult result = refitWhile([&](Database& other) {
+    other.store(other.fit(meter_, "A", {.points = 12}));
+    other.storeRaw(meter_, "A", 1, shifted(3));
+  });
+  EXPECT_TRUE(result.changedMeanwhile);
+  EXPECT_EQ(db_.series(meter_, "A").curve.size(), 12U);
+}
+
+TEST_F(RefitsBesideAnotherProgram, tell_of_a_series_deleted_meanwhile) {
+  db_.storeRaw(meter_, "A", 1, shifted(2));
+  const RefitResult result = refitWhile([&](Database& other) { (void)other.remove(meter_, "A"); });
+  EXPECT_EQ(result.kind, RefitResultKind::gone);
+  EXPECT_FALSE(result.isStored);
 }
 
 TEST_F(Refits, store_nothing_in_a_dry_run) {

@@ -99,7 +99,12 @@ class PELMORA_API Database {
                                                int calibration = latestCalibration) const;
   [[nodiscard]] Meter meter(const std::string& serial, int calibration = latestCalibration) const;
   [[nodiscard]] std::vector<Run> runs(const Meter& meter) const;
+  // Errors: BadData if a series has no name.
   [[nodiscard]] std::vector<std::string> seriesOf(const Meter& meter) const;
+  // The row of a series, without a look at its points. Errors: NotFound.
+  [[nodiscard]] std::int32_t seriesID(const Meter& meter, const std::string& name) const;
+  // Everything of one moment, whatever other programs store meanwhile.
+  //
   // Errors: NotFound; BadData if points are not numbers or there are more than 32,767.
   [[nodiscard]] StoredSeries series(const Meter& meter, const std::string& name) const;
 
@@ -184,7 +189,8 @@ class PELMORA_API Database {
   // in the caller's thread. A stop takes effect after the current portion.
   RefitOutcome refit(const std::vector<RefitTask>& tasks, const RefitOptions& options = {},
                      const Observer& observer = {});
-  // Every series of every calibration.
+  // Every series of every calibration. What cannot be read of their names and numbers is empty or
+  // -1, and such a series is RefitResultKind::unreadable.
   [[nodiscard]] std::vector<RefitTask> allSeries() const;
 
   // Deletes a series, or a calibration with everything that belongs to it.

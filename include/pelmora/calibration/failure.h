@@ -4,6 +4,7 @@
 
 #include <pelmora/error.h>
 
+#include <optional>
 #include <string>
 
 namespace pelmora::calibration {
@@ -73,11 +74,25 @@ class PELMORA_API BadData : public Failure {
   ~BadData() override;
 };
 
+struct RoshkoRange {
+  double min = 0, max = 0;
+};
+
 // A range or number beyond the points or the curve.
 class PELMORA_API OutOfRange : public Failure {
  public:
   using Failure::Failure;
+  // For a fit.
+  OutOfRange(FailureText text, const RoshkoRange& requested, const RoshkoRange& merged);
   ~OutOfRange() override;
+
+  // The range requested of a fit and that of the merged points: what to show a person who decides
+  // on a RangePolicy. Absent for a curve that is evaluated.
+  [[nodiscard]] const std::optional<RoshkoRange>& requested() const noexcept { return requested_; }
+  [[nodiscard]] const std::optional<RoshkoRange>& merged() const noexcept { return merged_; }
+
+ private:
+  std::optional<RoshkoRange> requested_, merged_;
 };
 
 // No equation passed the tests.

@@ -7,6 +7,7 @@
 #include <pelmora/calibration/values.h>
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -44,6 +45,9 @@ struct RefitOptions {
   double changedPercent = 0.01;  // threshold of RefitResultKind::changed
   std::size_t portion = 100;     // curves stored in one transaction
   bool isDryRun = false;         // nothing is stored
+  // Called in the caller's thread whenever a portion has been stored, with the number of curves
+  // that are stored so far.
+  std::function<void(std::size_t curves)> portionStored{};
 };
 
 struct RefitOutcome {

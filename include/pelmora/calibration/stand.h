@@ -24,6 +24,8 @@ class PELMORA_API Stand {
   [[nodiscard]] const std::string& location() const { return location_; }
   // In rising order.
   [[nodiscard]] const std::vector<std::string>& jobs() const { return jobs_; }
+  // Errors: NotFound, with the jobs that there are.
+  void requireJob(const std::string& job) const;
   [[nodiscard]] const ConnectionPtr& connection() const { return connection_; }
 
  private:

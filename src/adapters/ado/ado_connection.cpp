@@ -52,6 +52,7 @@ class AdoConnection : public Connection, public Transactions {
     inTransaction_ = true;
   }
   void beginReading() override { begin(); }
+  [[nodiscard]] bool hasTransaction() const noexcept override { return inTransaction_; }
   void commit() override {
     connection_.call(L"CommitTrans");
     inTransaction_ = false;

@@ -109,6 +109,10 @@ void SqliteConnection::begin() { session().begin(); }
 
 void SqliteConnection::beginReading() { session().beginReading(); }
 
+bool SqliteConnection::hasTransaction() const noexcept {
+  return session_ && session_->hasTransaction();
+}
+
 void SqliteConnection::commit() { session().commit(); }
 
 void SqliteConnection::rollback() noexcept {

@@ -46,6 +46,7 @@ class SqliteConnection : public Connection,
 
   void begin() override;
   void beginReading() override;
+  [[nodiscard]] bool hasTransaction() const noexcept override;
   void commit() override;
   void rollback() noexcept override;
 

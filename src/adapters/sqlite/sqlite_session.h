@@ -50,6 +50,7 @@ class SqliteSession : public sql::RowSource {
   // One transaction around many statements; those that the statements make are parts of it.
   void begin();
   void beginReading();
+  [[nodiscard]] bool hasTransaction() const noexcept { return inTransaction_; }
   void commit();
   void rollback() noexcept;
 

@@ -5,8 +5,6 @@
 #include "store/field_value.h"
 #include "store/reading.h"
 
-#include <pelmora/own_tables.h>
-
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -15,6 +13,7 @@
 #include <optional>
 #include <shared_mutex>
 #include <thread>
+#include <utility>
 
 namespace pelmora::calibration {
 namespace {
@@ -47,7 +46,7 @@ void fitTasks(Work& work) {
   for (std::size_t index = work.next++; index < work.tasks.size() && !work.stop.stop_requested();
        index = work.next++) {
     std::shared_lock reading(work.file);
-    std::optional<ReadView> moment(session->curves());
+    auto moment = session->moment();
     RefitReading read = readAgain(lab, *session, work.tasks[index]);
     moment.reset();
     reading.unlock();  // others need not wait for the fit
@@ -61,17 +60,7 @@ void fitTasks(Work& work) {
 class Workers {
  public:
   explicit Workers(Work& work) : work_(work) {
-    for (std::size_t i = 0; i < std::max<std::size_t>(1, work.options.threads); ++i) {
-      threads_.emplace_back([this] {
-        try {
-          fitTasks(work_);
-        } catch (...) {
-          const std::lock_guard lock(mutex_);
-          if (!failure_) failure_ = std::current_exception();
-        }
-        work_.queue.leave();
-      });
-    }
+    for (std::size_t i = 0; i < std::max<std::size_t>(1, work.options.threads); ++i) startThread();
   }
   ~Workers() { work_.queue.stop(); }  // the threads join behind this
   Workers(const Workers&) = delete;
@@ -85,6 +74,23 @@ class Workers {
   }
 
  private:
+  void startThread() {
+    try {
+      threads_.emplace_back([this] {
+        try {
+          fitTasks(work_);
+        } catch (...) {
+          const std::lock_guard lock(mutex_);
+          if (!failure_) failure_ = std::current_exception();
+        }
+        work_.queue.leave();
+      });
+    } catch (...) {
+      work_.queue.stop();  // or those that run would wait for a receiver
+      throw;
+    }
+  }
+
   Work& work_;
   std::mutex mutex_;
   std::exception_ptr failure_;  // read once all threads have left
@@ -109,6 +115,7 @@ class Portion {
     }
     ++curves_;
     storeAgain(lab_, session_, work_.options.changedPercent, curve);
+    if (curve.result.isStored) ++unfinished_;
   }
   // Finishes it where it is large, lasts long, or would last long for want of a next curve.
   void finishInTime() {
@@ -125,6 +132,8 @@ class Portion {
       const auto kept = session_.kept();
       session_.commit();
       outcome_.kept.insert(outcome_.kept.end(), kept.begin(), kept.end());
+      stored_ += std::exchange(unfinished_, 0);
+      if (work_.options.portionStored) work_.options.portionStored(stored_);
     }
     curves_ = 0;
   }
@@ -136,9 +145,18 @@ class Portion {
   Session& session_;
   Work& work_;
   RefitOutcome& outcome_;
-  std::size_t curves_ = 0;
+  std::size_t curves_ = 0, unfinished_ = 0, stored_ = 0;
   Clock::time_point end_;
 };
+
+// A calibration's number; -1 if it cannot be read.
+int numberOrNone(const Value& value) {
+  try {
+    return isNull(value) ? 0 : toInt16(value);
+  } catch (const Error&) {
+    return -1;
+  }
+}
 
 }  // namespace
 
@@ -154,8 +172,8 @@ std::vector<RefitTask> Database::allSeries() const {
     };
     std::vector<RefitTask> tasks;
     for (; !rows->atEnd(); rows->moveNext()) {
-      const int calibration = isNull(rows->value(3)) ? 0 : toInt16(rows->value(3));
-      tasks.push_back({{text(1), text(2), calibration, toInt32(rows->value(0))}, text(4)});
+      tasks.push_back(
+          {{text(1), text(2), numberOrNone(rows->value(3)), toInt32(rows->value(0))}, text(4)});
     }
     return tasks;
   });

@@ -3,8 +3,6 @@
 
 #include "calibration/stored_fit.h"
 
-#include <pelmora/own_tables.h>
-
 #include <algorithm>
 #include <cmath>
 #include <optional>
@@ -36,6 +34,13 @@ bool hasPointsToFit(const StoredSeries& stored) {
   return std::ranges::any_of(stored.raw, [](const PointArray& part) { return part.size() > 1; });
 }
 
+void requireNames(const RefitTask& task, const std::string& location) {
+  if (task.series.empty()) throw namelessSeries(task.meter, location);
+  if (task.meter.calibration >= 0) return;
+  throw BadData({"a calibration of meter '" + task.meter.serial + "' has no number", location,
+                 "examine the database"});
+}
+
 }  // namespace
 
 RefitReading readAgain(const Database& lab, const Session& session, const RefitTask& task) {
@@ -43,6 +48,7 @@ RefitReading readAgain(const Database& lab, const Session& session, const RefitT
   RefitCurve& curve = reading.curve;
   curve.result.task = task;
   try {
+    requireNames(task, lab.location());
     StoredSeries stored = lab.series(task.meter, task.series);
     curve.basis = curveBasis(session, task.meter, stored.id);
     reading.stored = std::move(stored);
