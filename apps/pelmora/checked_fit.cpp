@@ -1,35 +1,101 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/checked_fit.h"
 
-#include "history/fingerprint.h"
-
-#include <utility>
+#include "apps/pelmora/failure_trouble.h"
+#include "apps/pelmora/output/fit_advice.h"
+#include "apps/pelmora/output/text_table.h"
 
 namespace pelmora::cli {
 namespace {
 
-struct CheckedFit {
-  SeriesFit fit;
-  std::uint64_t basis = 0;  // fingerprint of what was fitted
-};
+using calibration::FitSettings;
+using calibration::RangePolicy;
+using calibration::RoshkoRange;
 
-CheckedFit fitOfOneMoment(CurveSession& session, const MeterInfo& meter, const std::string& series,
-                          const FitOptions& options) {
-  const OneMoment moment(session);
-  const MeterInfo stored = session.requireSeries(meter, series);
-  const SeriesInfo& entry = stored.Series.front();
-  const auto basis =
-      readFingerprint(session, history::fittedPoints(stored.MeterID, entry.SeriesID), series);
-  return {tryStored(session, stored, entry, options), basis};
+std::string shown(const RoshkoRange& range) {
+  return significantText(range.min, 15) + " to " + significantText(range.max, 15);
 }
 
-SeriesFit fittedAgain(CurveSession& session, const MeterInfo& meter, const std::string& series,
-                      const FitOptions& options) {
-  const NoQuestions nobodyIsAsked(session.messages());
+bool isEmpty(const RoshkoRange& range) { return range.min >= range.max; }
+
+std::string rangeText(const calibration::OutOfRange& failure, const std::string& series) {
+  return "range from " + shown(*failure.requested()) + " is not inside the raw points of series '" +
+         series + "', which reach from " + shown(*failure.merged());
+}
+
+Trouble rangeTrouble(const calibration::OutOfRange& failure, const std::string& series) {
+  if (!failure.requested()) return troubleOf(failure);
+  const RoshkoRange& requested = *failure.requested();
+  if (isEmpty(requested)) {
+    return {ExitCode::usage,
+            "--min " + significantText(requested.min, 15) + " is not below --max " +
+                significantText(requested.max, 15),
+            "give a range from small to large"};
+  }
+  return {ExitCode::rangeRefused, "the " + rangeText(failure, series),
+          "leave --min and --max out or use --on-range retry to fit the raw range; --on-range "
+          "ignore extrapolates"};
+}
+
+// What to do about the range; nothing if it stays refused.
+std::optional<RangePolicy> answerTo(const calibration::OutOfRange& failure,
+                                    const std::string& series, const RangeQuestion& ask) {
+  if (!ask || !failure.requested() || isEmpty(*failure.requested())) return std::nullopt;
+  const RangePolicy answer = ask("The " + rangeText(failure, series) +
+                                 ".\nRetry fits the range of the points, Ignore extrapolates.");
+  return answer == RangePolicy::refuse ? std::nullopt : std::optional(answer);
+}
+
+calibration::Fit fitInRange(Session& session, const calibration::StoredSeries& stored,
+                            FitSettings settings, const RangeQuestion& ask) {
   try {
-    SeriesFit fit = trySeries(session, meter, series, options);
-    fit.changedMeanwhile = true;
-    return fit;
+    return session.database().fit(stored, settings, session.observer());
+  } catch (const calibration::OutOfRange& failure) {
+    session.progress().clear();
+    const auto answer = answerTo(failure, stored.name, ask);
+    if (!answer) throw rangeTrouble(failure, stored.name);
+    settings.outside = *answer;
+  }
+  return session.database().fit(stored, settings, session.observer());
+}
+
+CheckedFit tryFit(Session& session, const calibration::Meter& meter, const std::string& series,
+                  const FitSettings& settings, const RangeQuestion& ask) {
+  const calibration::StoredSeries stored = session.database().series(meter, series);
+  CheckedFit result;
+  try {
+    result.fit = fitInRange(session, stored, settings, ask);
+    if (!result.fit.accepted()) result.trouble = noCurveTrouble(result.fit);
+  } catch (const calibration::NoFit& failure) {
+    result.fit.meter = meter;
+    result.fit.series = series;
+    result.fit.seriesID = stored.id;
+    result.fit.settings = settings;
+    const Trouble why = troubleOf(failure);
+    result.trouble = Trouble(why.code(), why.what(), why.remedy() + "; no curve was stored");
+  }
+  return result;
+}
+
+Trouble changedTrouble(const calibration::Meter& meter, const std::string& series,
+                       const Trouble& why) {
+  const std::string head = "another program has changed series '" + series + "' of meter '" +
+                           meter.serial + "', calibration " + std::to_string(meter.calibration) +
+                           ", during the fit";
+  const std::string remedy = why.remedy().empty() ? "" : "; " + why.remedy();
+  return {why.code(), head + ", and as it is now, " + why.what(), "nothing was stored" + remedy};
+}
+
+// The calibration and the series may have been deleted and made anew: their names count.
+CheckedFit fittedAgain(Session& session, const calibration::Meter& meter, const std::string& series,
+                       const FitSettings& settings) {
+  try {
+    const calibration::Meter now = session.database().meter(meter.serial, meter.calibration);
+    CheckedFit result = tryFit(session, now, series, settings, {});
+    result.changedMeanwhile = true;
+    return result;
+  } catch (const calibration::Failure& failure) {
+    throw changedTrouble(meter, series, troubleOf(failure));
   } catch (const Trouble& trouble) {
     throw changedTrouble(meter, series, trouble);
   }
@@ -37,69 +103,26 @@ SeriesFit fittedAgain(CurveSession& session, const MeterInfo& meter, const std::
 
 }  // namespace
 
-OneMoment::OneMoment(CurveSession& session)
-    : messages_(session.messages()), askBefore_(messages_.askOperator) {
+CheckedFit fitSeries(CommandChange& change, const calibration::Meter& meter,
+                     const std::string& series, const FitSettings& settings,
+                     const RangeQuestion& ask) {
+  Session& session = change.session();
+  CheckedFit result = tryFit(session, meter, series, settings, ask);
+  if (result.trouble) return result;
+  change.begin();
   try {
-    view_ = std::make_unique<ReadView>(session.connection());
-  } catch (const Error& error) {
-    throw databaseTrouble("'" + session.path() + "' cannot be read now", error);
+    (void)session.database().store(result.fit);
+  } catch (const calibration::Changed&) {
+    FitSettings again = settings;
+    // The operator's word for the range of the points, whatever it is, still counts.
+    if (result.fit.settings.outside == RangePolicy::wholeRange)
+      again.outside = RangePolicy::wholeRange;
+    result = fittedAgain(session, meter, series, again);
+    if (result.trouble) return result;
+    (void)session.database().store(result.fit);
   }
-  if (!askBefore_) return;
-  messages_.askOperator = [this](const std::string& text) {
-    view_.reset();
-    return askBefore_(text);
-  };
-}
-
-OneMoment::~OneMoment() { messages_.askOperator = std::move(askBefore_); }
-
-NoQuestions::NoQuestions(MessageRecorder& messages)
-    : messages_(messages), askBefore_(std::exchange(messages.askOperator, nullptr)) {}
-
-NoQuestions::~NoQuestions() { messages_.askOperator = std::move(askBefore_); }
-
-std::uint64_t readFingerprint(CurveSession& session, const history::Scope& scope,
-                              const std::string& series) {
-  try {
-    return history::fingerprint(session.connection(), scope);
-  } catch (const Error& error) {
-    throw Trouble(
-        ExitCode::badInput,
-        "series '" + series + "' in '" + session.path() + "' cannot be read: " + error.what(),
-        lookForCause);
-  }
-}
-
-Trouble changedTrouble(const MeterInfo& meter, const std::string& series, const Trouble& why) {
-  const std::string head = "another program has changed series '" + series + "' of meter '" +
-                           meter.SerialNumber + "', calibration " + std::to_string(meter.ReCalID) +
-                           ", during the fit";
-  const std::string remedy = why.remedy().empty() ? "" : "; " + why.remedy();
-  return {why.code(), head + ", and as it is now, " + why.what(), "nothing was stored" + remedy};
-}
-
-SeriesFit fitSeries(StoredChange& change, const MeterInfo& meter, const std::string& series,
-                    const FitOptions& options) {
-  CurveSession& session = change.session();
-  SeriesFit fit;
-  if (change.hasBegun()) {
-    fit = trySeries(session, meter, series, options);
-  } else {
-    CheckedFit checked = fitOfOneMoment(session, meter, series, options);
-    fit = std::move(checked.fit);
-    if (fit.trouble) return fit;
-    change.begin();
-    const auto now =
-        readFingerprint(session, history::fittedPoints(fit.meterID, fit.seriesID), series);
-    if (now != checked.basis) {
-      FitOptions again = options;
-      // The operator's word for the raw range, whatever it is, still counts.
-      if (!again.onRange && fit.isWholeRange) again.onRange = RangeAnswer::retry;
-      fit = fittedAgain(session, meter, series, again);
-    }
-  }
-  if (!fit.trouble) storeCurve(change, meter, fit);
-  return fit;
+  result.isStored = true;
+  return result;
 }
 
 }  // namespace pelmora::cli

@@ -32,6 +32,9 @@ class CommandChange {
   // then.
   void finish();
 
+  // Whether nobody else can write: from begin() to finish().
+  [[nodiscard]] bool hasBegun() const { return change_.has_value(); }
+  [[nodiscard]] Session& session() { return session_; }
   [[nodiscard]] bool isDryRun() const { return isDryRun_; }
   // The history entries that this change has made.
   [[nodiscard]] const std::vector<calibration::HistoryEntryId>& entries() const { return entries_; }

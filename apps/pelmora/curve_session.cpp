@@ -2,12 +2,9 @@
 #include "apps/pelmora/curve_session.h"
 
 #include "apps/pelmora/interruption.h"
-#include "apps/pelmora/input/range_question.h"
 #include "apps/pelmora/suggestion.h"
 #include "apps/pelmora/unreadable_series.h"
 #include "history/shared_connection.h"
-
-#include <unistd.h>
 
 #include <algorithm>
 #include <utility>
@@ -63,14 +60,6 @@ CurveSession::CurveSession(const DatabaseOption& curves, Access access)
 EquationFolder& CurveSession::equationFolder() {
   if (!equationFolder_) equationFolder_.emplace();
   return *equationFolder_;
-}
-
-void CurveSession::askAtTerminal() {
-  if (isatty(STDIN_FILENO) == 0 || isatty(STDERR_FILENO) == 0) return;
-  messages_.askOperator = [this](const std::string& text) {
-    progress_.clear();
-    return askAboutRange(text);
-  };
 }
 
 CurveSession::~CurveSession() { platform().createConnection.swap(createBefore_); }
@@ -206,14 +195,6 @@ std::vector<CalSetupInfo> CurveSession::setups(const MeterInfo& meter) {
                       std::to_string(meter.ReCalID) + ", cannot be read: " + error.what(),
                   lookForCause);
   }
-}
-
-std::string counted(std::size_t count, const std::string& thing) {
-  return counted(count, thing, thing + "s");
-}
-
-std::string counted(std::size_t count, const std::string& thing, const std::string& things) {
-  return std::to_string(count) + " " + (count == 1 ? thing : things);
 }
 
 }  // namespace pelmora::cli

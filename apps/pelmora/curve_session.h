@@ -8,6 +8,7 @@
 #include "apps/pelmora/message_recorder.h"
 #include "apps/pelmora/options/names.h"
 #include "apps/pelmora/output/progress.h"
+#include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/trouble.h"
 
 #include <pelmora/pelmora.h>
@@ -52,9 +53,6 @@ class CurveSession {
   // Errors: Trouble unexpected where there is no room for it.
   [[nodiscard]] EquationFolder& equationFolder();
 
-  // Where somebody sits at the terminal, questions of the component are asked there from now on.
-  void askAtTerminal();
-
   // The calibration of a meter (-1: the latest), Source -1 where it is unknown.
   MeterInfo findMeter(const std::string& serialNumber, std::int16_t reCalID);
   // Errors: Trouble unknownName with what there is.
@@ -88,10 +86,5 @@ class CurveSession {
   RawData data_;
   std::optional<EquationFolder> equationFolder_;  // from the first fit on
 };
-
-// "1 point", "2 points".
-[[nodiscard]] std::string counted(std::size_t count, const std::string& thing);
-[[nodiscard]] std::string counted(std::size_t count, const std::string& thing,
-                                  const std::string& things);
 
 }  // namespace pelmora::cli

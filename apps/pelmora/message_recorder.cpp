@@ -67,7 +67,7 @@ int MessageRecorder::answer(const std::string& text, int style) {
   if ((style & buttonSetMask) == abortRetryIgnore) {
     rawRange_ =
         "from " + valueBehind(text, "Min Raw : ") + " to " + valueBehind(text, "Max Raw : ");
-    rangeAnswered_ = answerToRange(text);
+    rangeAnswered_ = rangeAnswer.value_or(RangeAnswer::abort);
     return static_cast<int>(*rangeAnswered_);
   }
   isOutOfMemory_ |= isAboutMemory(text);
@@ -77,11 +77,6 @@ int MessageRecorder::answer(const std::string& text, int style) {
     isOutOfMemory_ = true;
   }
   return okPressed;
-}
-
-RangeAnswer MessageRecorder::answerToRange(const std::string& text) const {
-  if (rangeAnswer) return *rangeAnswer;
-  return askOperator ? askOperator(text) : RangeAnswer::abort;
 }
 
 void MessageRecorder::forget() {

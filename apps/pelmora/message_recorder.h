@@ -22,10 +22,8 @@ class MessageRecorder {
   MessageRecorder(const MessageRecorder&) = delete;
   MessageRecorder& operator=(const MessageRecorder&) = delete;
 
-  // The answer to the range question; absent: the operator's, or abort where nobody is asked.
+  // The answer to the range question; absent: abort.
   std::optional<RangeAnswer> rangeAnswer = RangeAnswer::abort;
-  // Shows the range question and returns its answer; empty: nobody is asked.
-  std::function<RangeAnswer(const std::string& text)> askOperator;
 
   // Error boxes since the last forget(), in order, each as one text without its "Error in".
   //
@@ -45,7 +43,6 @@ class MessageRecorder {
  private:
   void requireTrustworthy() const;
   int answer(const std::string& text, int style);
-  [[nodiscard]] RangeAnswer answerToRange(const std::string& text) const;
 
   std::function<int(const std::string&, int, const std::string&)> before_;
   std::vector<std::string> errors_;

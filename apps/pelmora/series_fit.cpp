@@ -3,10 +3,8 @@
 
 #include "apps/pelmora/input/csv_points.h"
 #include "apps/pelmora/equation_folder.h"
-#include "apps/pelmora/fit_advice.h"
+#include "apps/pelmora/output/fit_advice.h"
 #include "apps/pelmora/output/text_table.h"
-#include "apps/pelmora/time_text.h"
-#include "base/version.h"
 
 #include <pelmora/curve_settings.h>
 
@@ -87,55 +85,16 @@ void requireRange(const MessageRecorder& messages, const SeriesFit& fit) {
       "extrapolates");
 }
 
-CurveSettings settingsOf(const SeriesFit& fit) {
-  CurveSettings settings;
-  settings.BandPercent = fit.options.band;
-  settings.Points = fit.options.points;
-  if (!fit.isWholeRange) settings.Min = fit.min, settings.Max = fit.max;
-  settings.RatioCurve = fit.options.ratio;
-  settings.Inverted = fit.options.inverted;
-  settings.IgnoreResiduals = fit.options.ignoreResiduals;
-  settings.Equations = fit.equations;
-  settings.SoftwareVersion = version;
-  settings.FittedAt = timeText();
-  return settings;
+calibration::Fit asFit(const SeriesFit& fit) {
+  calibration::Fit same;
+  same.min = fit.min;
+  same.max = fit.max;
+  same.merged = fit.merged;
+  same.outcome = fit.outcome;
+  return same;
 }
 
 }  // namespace
-
-void take(const FitTests& tests, FitOptions& options) {
-  options.band = tests.band.value_or(options.band);
-  options.points = tests.points.value_or(options.points);
-  options.equations = tests.equations;
-}
-
-bool hasPointsToFit(const SeriesInfo& stored) {
-  return std::ranges::any_of(stored.Raw,
-                             [](const RawSlot& part) { return part.Points.size() > 1; });
-}
-
-void storeCurve(StoredChange& change, const MeterInfo& meter, SeriesFit& fit) {
-  CurveSession& session = change.session();
-  const std::string place = placeOf(meter, fit.series);
-  change.keep(history::fittedCurve(fit.meterID, fit.seriesID));
-  session.messages().forget();
-  fit.isStored = session.data().SetFitted(fit.series, meter.SerialNumber, fit.merged, fit.curve,
-                                          fit.report, false, meter.ReCalID);
-  session.messages().throwIfAny(ExitCode::database, "storing the curve of " + place,
-                                "nothing was changed");
-  if (!fit.isStored) {
-    throw Trouble(ExitCode::unexpected, "the curve of " + place + " was not stored", "fit again");
-  }
-  asDatabaseTrouble("storing the settings of the curve of " + place, [&] {
-    keepCurveSettings(session.connection(), fit.seriesID, settingsOf(fit));
-  });
-}
-
-SeriesFit trySeries(CurveSession& session, const MeterInfo& meter, const std::string& series,
-                    const FitOptions& options) {
-  const MeterInfo stored = session.requireSeries(meter, series);
-  return tryStored(session, stored, stored.Series.front(), options);
-}
 
 SeriesFit tryStored(CurveSession& session, const MeterInfo& meter, const SeriesInfo& stored,
                     const FitOptions& options) {
@@ -170,9 +129,10 @@ SeriesFit tryStored(CurveSession& session, const MeterInfo& meter, const SeriesI
     return fit;
   }
   if (fit.curve.empty()) {
-    fit.trouble = Trouble(ExitCode::notFitted,
-                          "no equation passed the tests for " + place + ": " + shortReason(fit),
-                          shortAdvice(fit) + "; no curve was stored");
+    fit.trouble =
+        Trouble(ExitCode::notFitted,
+                "no equation passed the tests for " + place + ": " + shortReason(asFit(fit)),
+                shortAdvice(asFit(fit)) + "; no curve was stored");
     return fit;
   }
   return fit;

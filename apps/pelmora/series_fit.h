@@ -4,7 +4,6 @@
 
 #include "apps/pelmora/curve_session.h"
 #include "apps/pelmora/options/common_options.h"
-#include "apps/pelmora/stored_change.h"
 #include "apps/pelmora/trouble.h"
 
 #include <array>
@@ -29,9 +28,6 @@ struct FitOptions {
   std::optional<std::string> keptEquations;  // the text itself, in place of `equations`
 };
 
-// Takes over what the command line says.
-void take(const FitTests& tests, FitOptions& options);
-
 struct SeriesFit {
   std::string series;
   std::int32_t seriesID = 0, meterID = 0;
@@ -43,28 +39,14 @@ struct SeriesFit {
   std::string report;
   std::optional<std::string> equations;  // the text of the equation file; absent: the built-in ones
   bool isWholeRange = false;             // the curve reaches over the merged points
-  bool isStored = false;
-  bool changedMeanwhile = false;   // by another program during a first fit; this is the second
-  std::optional<Trouble> trouble;  // no curve: why, and what would help
+  std::optional<Trouble> trouble;        // no curve: why, and what would help
 };
 
-// Whether a raw part has two points or more: the merge leaves out a part of a single point.
-[[nodiscard]] bool hasPointsToFit(const SeriesInfo& stored);
-
-// Fits the series and stores nothing. Where no equation passes, `trouble` tells why.
+// Fits a series that was read with `meter` and stores nothing. Where no equation passes, `trouble`
+// tells why.
 //
-// Errors: Trouble before the fit: unknown series, too few points, a range outside the raw points.
-[[nodiscard]] SeriesFit trySeries(CurveSession& session, const MeterInfo& meter,
-                                  const std::string& series, const FitOptions& options);
-
-// The same for a series whose raw points have been read; `meter` as it was read with them.
+// Errors: Trouble before the fit: too few points, a range outside the raw points.
 [[nodiscard]] SeriesFit tryStored(CurveSession& session, const MeterInfo& meter,
                                   const SeriesInfo& stored, const FitOptions& options);
-
-// Stores the curve of a fit and its settings in place of the old ones, which `change` keeps. The
-// caller sees to it that the series is still as it was fitted: fitSeries of checked_fit.h does.
-//
-// Errors: Trouble database. Nothing is final before change.finish().
-void storeCurve(StoredChange& change, const MeterInfo& meter, SeriesFit& fit);
 
 }  // namespace pelmora::cli

@@ -4,6 +4,7 @@
 #include "apps/pelmora/failure_trouble.h"
 #include "apps/pelmora/interruption.h"
 #include "apps/pelmora/lock_holder.h"
+#include "apps/pelmora/options/names.h"
 
 namespace pelmora::cli {
 
@@ -34,6 +35,9 @@ calibration::Stand Session::openStand(const std::string& path) {
     return calibration::Stand(path, patienceWith(path, curves_.wait, progress_));
   } catch (const calibration::NotFound& missing) {
     throw Trouble(ExitCode::database, missing.what(), missing.remedy());
+  } catch (const calibration::Unusable&) {
+    requireDatabasePath("--stand", path);  // where that is what the engine could not open
+    throw;
   }
 }
 

@@ -88,7 +88,7 @@ TEST_F(fit_options, ask_an_operator_about_a_range_outside_the_raw_points) {
   terminal.type("r\n");
   const CommandResult raw = runAt(terminal, fit({"--min", "1", "--max", "5000", "--json"}));
   EXPECT_EQ(raw.exitCode, 0);
-  EXPECT_THAT(raw.error, AllOf(HasSubstr("Min X : 1"), HasSubstr("Min Raw : 10"),
+  EXPECT_THAT(raw.error, AllOf(HasSubstr("from 1 to 5000"), HasSubstr("from 10 to 1000"),
                                HasSubstr("[A]bort, [R]etry, [I]gnore (Enter: Abort)? ")));
   EXPECT_NEAR(raw.json()["range"]["min"].get<double>(), 10, 1e-5);
   const json before = stored();
@@ -97,6 +97,16 @@ TEST_F(fit_options, ask_an_operator_about_a_range_outside_the_raw_points) {
   EXPECT_EQ(refused.exitCode, 7);
   EXPECT_THAT(refused.error, HasSubstr("from 10 to 1000"));
   EXPECT_EQ(stored(), before);
+}
+
+TEST_F(fit_options, ask_nobody_about_a_range_that_is_empty) {
+  const PseudoTerminal terminal;
+  for (const Arguments& range :
+       {Arguments{"--min", "50", "--max", "20"}, {"--min", "2000"}, {"--max", "5"}}) {
+    const CommandResult refused = runAt(terminal, fit(range));
+    EXPECT_EQ(refused.exitCode, 2) << refused.error;
+    EXPECT_THAT(refused.error, AllOf(HasSubstr("is not below --max"), Not(HasSubstr("[R]etry"))));
+  }
 }
 
 TEST_F(fit_options, ask_nobody_where_told_so_or_answered_before) {
@@ -156,6 +166,17 @@ TEST_F(fit_options, refuse_equation_files_that_hold_none) {
               HasSubstr("holds no equation"));
   EXPECT_THAT(trouble(5, fit({"--equations", scratch.file("none.txt")})),
               HasSubstr("there is no file"));
+}
+
+TEST_F(fit_options, count_parameters_as_the_equation_is_read) {
+  const std::string few = write("few.csv", "1.5,10\n2,11\n");
+  done({"raw", curves, few, "--meter", "P", "--series", "Few"});
+  // Of the letters, e belongs to a number and X is the variable.
+  const std::string equations = write("e.txt", "Steep\ta+2e3*b*X\n");
+  const CommandResult result =
+      run({"fit", curves, "--meter", "P", "--series", "Few", "--equations", equations});
+  EXPECT_EQ(result.exitCode, 6);
+  EXPECT_THAT(result.error, HasSubstr("it has 2 parameters, the series 2 points"));
 }
 
 TEST_F(fit_options, ask_a_ratio_to_fall) {

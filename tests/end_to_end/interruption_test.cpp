@@ -36,7 +36,7 @@ class interruption : public CommandTest {
   [[nodiscard]] std::ptrdiff_t entries() const {
     return std::distance(fs::directory_iterator(temporary), fs::directory_iterator());
   }
-  // A fit that has its temporary folder and waits for an answer at the terminal.
+  // A fit that waits for an answer at the terminal.
   [[nodiscard]] RunningCommand waitingFit(const PseudoTerminal& terminal) const {
     return {{"fit", curves, "--meter", "P", "--series", "S", "--min", "1", "--max", "500"},
             {terminal.path(), "/dev/null", terminal.path()}};
@@ -48,7 +48,7 @@ class interruption : public CommandTest {
       return shown.find(text) != std::string::npos;
     });
   }
-  static bool asks(const PseudoTerminal& terminal) { return shows(terminal, "Max Raw"); }
+  static bool asks(const PseudoTerminal& terminal) { return shows(terminal, "[R]etry"); }
 
   const std::string temporary = scratch.file("temporary");
 };
@@ -68,36 +68,21 @@ TEST_F(interruption, at_a_question_changes_nothing) {
   EXPECT_EQ(shown["raw"][0].size(), 40U);
 }
 
-TEST_F(interruption, of_a_fit_leaves_no_temporary_folder) {
+TEST_F(interruption, of_a_fit_changes_nothing) {
   const PseudoTerminal terminal;
   RunningCommand command = waitingFit(terminal);
   ASSERT_TRUE(asks(terminal));
-  EXPECT_EQ(entries(), 1);
+  EXPECT_EQ(entries(), 0) << "a fit needs no temporary folder";
   command.send(SIGTERM);
   EXPECT_EQ(command.end(), 143);
-  EXPECT_EQ(entries(), 0);
   EXPECT_THAT(terminal.shown(), HasSubstr("interrupted: nothing was stored"));
 }
 
-TEST_F(interruption, that_kills_leaves_a_folder_that_the_next_run_removes) {
-  const PseudoTerminal terminal;
-  RunningCommand command = waitingFit(terminal);
-  ASSERT_TRUE(asks(terminal));
-  command.send(SIGKILL);
-  EXPECT_EQ(command.end(), -SIGKILL);
-  EXPECT_EQ(entries(), 1);
+TEST_F(interruption, that_killed_a_run_of_before_leaves_a_folder_that_the_next_run_removes) {
+  fs::create_directory(temporary + "/pelmora-work-abcdef");
+  std::ofstream(temporary + "/pelmora-work-abcdef/file") << "left";
   done({"show", curves});
   EXPECT_EQ(entries(), 0);
-}
-
-TEST_F(interruption, of_nobody_leaves_the_folder_of_a_living_run_alone) {
-  const PseudoTerminal terminal;
-  RunningCommand command = waitingFit(terminal);
-  ASSERT_TRUE(asks(terminal));
-  done({"show", curves});
-  EXPECT_EQ(entries(), 1);
-  command.send(SIGINT);
-  EXPECT_EQ(command.end(), 130);
 }
 
 TEST_F(interruption, tidies_up_through_no_symbolic_link_and_under_no_other_name) {

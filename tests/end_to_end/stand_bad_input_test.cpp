@@ -103,7 +103,7 @@ TEST_F(bad_stand, fifth_fluid) {
   EXPECT_THAT(
       trouble(5, {"import", curves, "--meter", "M1", "--stand", stand, "--job", "1001", "--fluid",
                   "c", "--job", "1002", "--fluid", "d", "--job", "1007", "--fluid", "e"}),
-      AllOf(HasSubstr("5 fluids"), HasSubstr("--new-calibration")));
+      AllOf(HasSubstr("5 fluids"), HasSubstr("into a new calibration")));
 }
 
 class second_job : public CommandTest {};

@@ -94,15 +94,38 @@ TEST_F(unusual_path, with_an_apostrophe_works) {
 
 class temporary_place : public CommandTest {};
 
-TEST_F(temporary_place, that_cannot_be_used_is_refused_before_anything_is_stored) {
+TEST_F(temporary_place, is_not_needed_for_a_fit) {
   init();
   ::setenv("TMPDIR", scratch.file("none").c_str(), 1);
-  const std::string line = trouble(1, twoFluids());
-  const bool isEmpty = done({"show", curves, "--json"}).json()["meters"].empty();
+  const CommandResult result = run(twoFluids());
   ::unsetenv("TMPDIR");
-  EXPECT_TRUE(isEmpty);
-  EXPECT_THAT(line, testing::AllOf(HasSubstr("no temporary folder can be made in"),
-                                   HasSubstr("No such file"), HasSubstr("nothing was stored")));
+  EXPECT_EQ(result.exitCode, 0) << result.error;
+}
+
+class fluid_name : public CommandTest {
+ protected:
+  fluid_name() { init(); }
+  Arguments import(const Arguments& runs) const {
+    Arguments arguments{"import", curves, "--meter", "M", "--stand", data("stand-dual-rotor.csv"),
+                        "--json"};
+    arguments.insert(arguments.end(), runs.begin(), runs.end());
+    return arguments;
+  }
+};
+
+TEST_F(fluid_name, is_the_same_in_capitals_of_any_alphabet) {
+  for (const auto& [small, capital] : std::vector<std::pair<std::string, std::string>>{
+           {"caf\u00e9", "CAF\u00c9"},
+           {"\u043c\u0430\u0441\u043b\u043e", "\u041c\u0410\u0421\u041b\u041e"}}) {
+    EXPECT_THAT(trouble(2, import({"--job", "1001", "--fluid", small, "--job", "1002", "--fluid",
+                                   capital})),
+                HasSubstr("there twice"));
+    done(import({"--job", "1001", "--fluid", small, "--new-calibration"}));
+    const auto again = done(import({"--job", "1002", "--fluid", capital})).json();
+    ASSERT_EQ(again["setups"].size(), 1U) << "the second run replaces the first";
+    EXPECT_EQ(again["setups"][0]["jobs"], nlohmann::json({"1002"}));
+    EXPECT_EQ(again["setups"][0]["fluid"], small);
+  }
 }
 
 }  // namespace

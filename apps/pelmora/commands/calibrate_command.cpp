@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "apps/pelmora/command_line.h"
 #include "apps/pelmora/checked_fit.h"
 #include "apps/pelmora/commands/commands.h"
-#include "apps/pelmora/options/common_options.h"
+#include "apps/pelmora/failure_trouble.h"
+#include "apps/pelmora/import_runs.h"
+#include "apps/pelmora/input/fit_input.h"
 #include "apps/pelmora/output/fit_output.h"
+#include "apps/pelmora/output/import_output.h"
 #include "apps/pelmora/output/text_table.h"
 
 #include <nlohmann/json.hpp>
@@ -14,53 +16,65 @@
 namespace pelmora::cli {
 namespace {
 
-struct CalibrateOptions {
+struct CalibrateRequest {
   DatabaseOption curves;
   ImportOptions import;
   FitTests tests;
-  FitOptions fit;
   bool asJson = false, isDryRun = false;
 };
 
-bool hasPoints(const DerivedSeries& derived) {
-  return std::any_of(derived.points.begin(), derived.points.end(),
-                     [](std::size_t n) { return n > 1; });
+struct Calibrated {
+  ImportOutcome import;
+  std::vector<CheckedFit> fits;
+};
+
+// A fit that could not run: its trouble belongs to its series, so that the others still get their
+// curves.
+CheckedFit notRun(const calibration::Meter& meter, const calibration::DerivedSeries& derived,
+                  const Trouble& trouble) {
+  CheckedFit checked;
+  checked.fit.meter = meter;
+  checked.fit.series = derived.name;
+  checked.fit.seriesID = derived.id;
+  checked.fit.rawPoints = derived.points;
+  checked.trouble = trouble;
+  return checked;
 }
 
-// One fit; what keeps it from running becomes its trouble, so that the other series still get
-// theirs.
-SeriesFit fitted(StoredChange& change, const MeterInfo& meter, const std::string& name,
-                 FitOptions options) {
-  options.ratio = name == "Ratio";
+CheckedFit fitted(CommandChange& change, const calibration::Meter& meter,
+                  const calibration::DerivedSeries& derived, const FitTests& tests) {
+  const auto ownTrouble = [&](const Trouble& trouble) {
+    // What is half stored must not stay.
+    if (trouble.code() == ExitCode::database) throw Trouble(trouble);
+    return notRun(meter, derived, trouble);
+  };
   try {
-    return fitSeries(change, meter, name, options);
+    return fitSeries(change, meter, derived.name, fitSettings(tests, derived.name == "Ratio"));
   } catch (const Trouble& trouble) {
-    if (trouble.code() == ExitCode::database) throw;  // what is half stored must not stay
-    SeriesFit fit;
-    fit.series = name;
-    fit.options = options;
-    fit.trouble = trouble;
-    return fit;
+    return ownTrouble(trouble);
+  } catch (const calibration::Failure& failure) {
+    return ownTrouble(troubleOf(failure));
   }
 }
 
 // "Curves are stored": what of the fits is in the database now, or would be.
-std::string storedCurvesText(const std::vector<SeriesFit>& fits, bool isDryRun) {
-  if (std::ranges::none_of(fits, &SeriesFit::isStored)) return "No curve is stored";
+std::string storedCurvesText(const std::vector<CheckedFit>& fits, bool isDryRun) {
+  if (std::ranges::none_of(fits, &CheckedFit::isStored)) return "No curve is stored";
   return isDryRun ? "Curves to be stored" : "Curves are stored";
 }
 
-std::string calibrationText(const CurveSession& session, const ImportOutcome& import,
-                            const std::vector<SeriesFit>& fits, bool isDryRun) {
+std::string calibrationText(const std::string& database, const Calibrated& done, double band,
+                            bool isDryRun) {
+  const calibration::Meter& meter = done.import.imported.meter;
   std::string text =
-      importHead(session, import) + importTable(import) + "\n" + chosenTable(fits) + "\n" +
-      wrapped(storedCurvesText(fits, isDryRun) + " in " + session.path() + ", meter " +
-                  import.meter.SerialNumber + ", calibration " +
-                  std::to_string(import.meter.ReCalID) + "; band " +
-                  significantText(fits.empty() ? 0 : fits.front().options.band, 4) + " %.",
+      importText(database, done.import) + "\n" + chosenTable(done.fits) + "\n" +
+      wrapped(storedCurvesText(done.fits, isDryRun) + " in " + database + ", meter " +
+                  meter.serial + ", calibration " + std::to_string(meter.calibration) + "; band " +
+                  significantText(band, 4) + " %.",
               0);
-  for (const SeriesFit& fit : fits) {
-    if (fit.trouble) {
+  for (const CheckedFit& checked : done.fits) {
+    const calibration::Fit& fit = checked.fit;
+    if (checked.trouble) {
       text += "\n" + fit.series + ": no curve\n" + equationTable(fit);
     } else if (!fit.outcome.Warnings.empty()) {
       text += "\n" + fit.series + "\n" + warningLines(fit);
@@ -69,50 +83,51 @@ std::string calibrationText(const CurveSession& session, const ImportOutcome& im
   return text;
 }
 
+nlohmann::json calibrationJson(const std::string& database, const Calibrated& done) {
+  nlohmann::json value = importJson(done.import);
+  value["database"] = database;
+  value["fits"] = nlohmann::json::array();
+  for (const CheckedFit& checked : done.fits) value["fits"].push_back(fitJson(checked));
+  return value;
+}
+
 // One line for all series without a curve.
-void requireAll(const ImportOutcome& import, const std::vector<SeriesFit>& fits) {
-  if (const auto trouble = import.anyTrouble()) throw Trouble(*trouble);
+void requireAll(const Calibrated& done) {
+  if (done.import.trouble) throw Trouble(*done.import.trouble);
   std::string names;
+  std::size_t missing = 0;
   const Trouble* first = nullptr;
-  for (const SeriesFit& fit : fits) {
-    if (!fit.trouble) continue;
-    names += (names.empty() ? "'" : ", '") + fit.series + "'";
-    if (first == nullptr) first = &*fit.trouble;
+  for (const CheckedFit& checked : done.fits) {
+    if (!checked.trouble) continue;
+    names += (missing++ == 0 ? "'" : ", '") + checked.fit.series + "'";
+    if (first == nullptr) first = &*checked.trouble;
   }
   if (first == nullptr) return;
-  const bool isOne = names.find(',') == std::string::npos;
-  if (isOne) throw Trouble(*first);
+  if (missing == 1) throw Trouble(*first);
   throw Trouble(first->code(), "no curve for series " + names + "; first: " + first->what(),
                 first->remedy());
 }
 
-void calibrate(CalibrateOptions& options) {
-  const ImportRequest request = importRequest(options.import);
-  take(options.tests, options.fit);
-  CurveSession session(options.curves, Access::write);
-  (void)session.equationFolder();  // or the import would stay without curves
-  StoredChange change(session, "calibrate", options.isDryRun);
-  const ImportOutcome import = importRuns(change, request);
-  std::vector<SeriesFit> fits;
-  for (const DerivedSeries& derived : import.series) {
-    // After an import that went wrong, series may have lost their points: nothing to fit, nothing
-    // to say.
-    if (import.trouble && !derived.trouble && !hasPoints(derived)) continue;
-    fits.push_back(fitted(change, import.meter, derived.name, options.fit));
-  }
+void calibrate(const CalibrateRequest& request) {
+  const ImportRequest runs = importRequest(request.import);
+  // Read before anything is changed: Rotor A needs them in any case.
+  const calibration::FitSettings settings = fitSettings(request.tests, false);
+  Session session(request.curves, calibration::Mode::write);
+  CommandChange change(session, "calibrate", request.isDryRun);
+  Calibrated done{importRuns(change, runs), {}};
+  for (const calibration::DerivedSeries& derived : done.import.imported.series)
+    done.fits.push_back(fitted(change, done.import.imported.meter, derived, request.tests));
   change.finish();
   session.progress().clear();
-  if (options.asJson) {
-    nlohmann::json value = importJson(import);
-    value["database"] = session.path();
-    value["fits"] = nlohmann::json::array();
-    for (const SeriesFit& fit : fits) value["fits"].push_back(fitJson(fit));
+  if (request.asJson) {
+    nlohmann::json value = calibrationJson(session.path(), done);
     change.addTo(value);
     printData(jsonText(value));
   } else {
-    printData(calibrationText(session, import, fits, options.isDryRun) + change.closingText());
+    printData(calibrationText(session.path(), done, settings.band, request.isDryRun) +
+              change.closingText());
   }
-  requireAll(import, fits);
+  requireAll(done);
 }
 
 }  // namespace
@@ -122,13 +137,13 @@ void addCalibrateCommand(Program& program) {
                                 "Import runs of a stand, fit every derived series over "
                                 "its merged range and store the curves. "
                                 "Ratio is fitted as a rotor ratio curve.");
-  const auto options = std::make_shared<CalibrateOptions>();
-  addDatabase(command, options->curves);
-  addImport(command, options->import);
-  addFitTests(command, options->tests);
-  addDryRun(command, options->isDryRun);
-  addJson(command, options->asJson);
-  command.onRun([options] { calibrate(*options); });
+  const auto request = std::make_shared<CalibrateRequest>();
+  addDatabase(command, request->curves);
+  addImport(command, request->import);
+  addFitTests(command, request->tests);
+  addDryRun(command, request->isDryRun);
+  addJson(command, request->asJson);
+  command.onRun([request] { calibrate(*request); });
 }
 
 }  // namespace pelmora::cli

@@ -120,7 +120,7 @@ void changeExclusions(const ExclusionRequest& request) {
   for (const auto& point : outcome.points) points.push_back(changedPointJson(point));
   for (const auto& end : outcome.dropped) dropped.push_back(droppedJson(end));
   nlohmann::json value{{"database", session.path()},
-                       {"meter", meterJson(meter)},
+                       {"meter", report::meterJson(meter)},
                        {"series", stored.name},
                        {"points", points},
                        {"sameReadings", outcome.sameReadings},

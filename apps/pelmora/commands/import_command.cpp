@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "apps/pelmora/command_line.h"
 #include "apps/pelmora/commands/commands.h"
-#include "apps/pelmora/options/common_options.h"
-#include "apps/pelmora/output/fit_output.h"
-#include "apps/pelmora/stand_import.h"
+#include "apps/pelmora/import_runs.h"
+#include "apps/pelmora/output/import_output.h"
+#include "apps/pelmora/output/standard_output.h"
+#include "report/json_values.h"
 
 #include <nlohmann/json.hpp>
 
@@ -18,21 +18,21 @@ struct ImportCommand {
   bool asJson = false, isDryRun = false;
 };
 
-void import(const ImportCommand& options) {
-  const ImportRequest request = importRequest(options.import);
-  CurveSession session(options.curves, Access::write);
-  StoredChange change(session, "import", options.isDryRun);
+void import(const ImportCommand& command) {
+  const ImportRequest request = importRequest(command.import);
+  Session session(command.curves, calibration::Mode::write);
+  CommandChange change(session, "import", command.isDryRun);
   const ImportOutcome outcome = importRuns(change, request);
   change.finish();
   session.progress().clear();
-  if (options.asJson) {
+  if (command.asJson) {
     nlohmann::json value = importJson(outcome);
     change.addTo(value);
-    printData(jsonText(value));
+    printData(report::jsonText(value));
   } else {
-    printData(importHead(session, outcome) + importTable(outcome) + change.closingText());
+    printData(importText(session.path(), outcome) + change.closingText());
   }
-  if (const auto trouble = outcome.anyTrouble()) throw Trouble(*trouble);
+  if (outcome.trouble) throw Trouble(*outcome.trouble);
 }
 
 }  // namespace
@@ -42,12 +42,12 @@ void addImportCommand(Program& program) {
       program.add("import",
                   "Copy runs of a stand into a meter and derive its series. An unknown meter is "
                   "registered; a run in a fluid that the meter has already replaces that run.");
-  const auto options = std::make_shared<ImportCommand>();
-  addDatabase(command, options->curves);
-  addImport(command, options->import);
-  addDryRun(command, options->isDryRun);
-  addJson(command, options->asJson);
-  command.onRun([options] { import(*options); });
+  const auto request = std::make_shared<ImportCommand>();
+  addDatabase(command, request->curves);
+  addImport(command, request->import);
+  addDryRun(command, request->isDryRun);
+  addJson(command, request->asJson);
+  command.onRun([request] { import(*request); });
 }
 
 }  // namespace pelmora::cli

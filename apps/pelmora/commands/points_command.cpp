@@ -91,7 +91,7 @@ void listPoints(const PointsRequest& request) {
                        "another program has stored the part again"}));
     }
     return printData(report::jsonText({{"database", session.path()},
-                                       {"meter", meterJson(meter)},
+                                       {"meter", report::meterJson(meter)},
                                        {"series", stored.name},
                                        {"curve", curveAgeKey(age)},
                                        {"points", list},

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/input/range_question.h"
 
+#include <unistd.h>
+
 #include <array>
 #include <cctype>
 #include <cstdio>
@@ -9,6 +11,8 @@
 
 namespace pelmora::cli {
 namespace {
+
+using calibration::RangePolicy;
 
 constexpr const char* offeredAnswers = "[A]bort, [R]etry, [I]gnore (Enter: Abort)? ";
 
@@ -21,36 +25,36 @@ std::string lowerCaseWord(const std::string& line) {
   return word;
 }
 
-std::optional<RangeAnswer> answerOf(const std::string& line) {
-  constexpr std::array<std::pair<std::string_view, RangeAnswer>, 3> answers{
-      {{"abort", RangeAnswer::abort},
-       {"retry", RangeAnswer::retry},
-       {"ignore", RangeAnswer::ignore}}};
+std::optional<RangePolicy> answerOf(const std::string& line) {
+  constexpr std::array<std::pair<std::string_view, RangePolicy>, 3> answers{
+      {{"abort", RangePolicy::refuse},
+       {"retry", RangePolicy::wholeRange},
+       {"ignore", RangePolicy::extrapolate}}};
   const std::string given = lowerCaseWord(line);
-  if (given.empty()) return RangeAnswer::abort;
+  if (given.empty()) return RangePolicy::refuse;
   for (const auto& [word, answer] : answers) {
     if (given == word || given == word.substr(0, 1)) return answer;
   }
   return std::nullopt;
 }
 
-void write(const std::string& text) {
+void showText(const std::string& text) {
   std::fwrite(text.data(), 1, text.size(), stderr);
   std::fflush(stderr);
 }
 
 }  // namespace
 
-RangeAnswer askAboutRange(const std::string& text, const LineReader& readLine) {
-  std::string shown = text;
-  std::erase(shown, '\r');
-  write(shown + "\n" + offeredAnswers);
+RangePolicy askAboutRange(const std::string& text, const LineReader& readLine) {
+  showText(text + "\n" + offeredAnswers);
   while (const std::optional<std::string> line = readLine()) {
-    if (const std::optional<RangeAnswer> answer = answerOf(*line)) return *answer;
-    write(offeredAnswers);
+    if (const std::optional<RangePolicy> answer = answerOf(*line)) return *answer;
+    showText(offeredAnswers);
   }
-  write("\n");
-  return RangeAnswer::abort;
+  showText("\n");
+  return RangePolicy::refuse;
 }
+
+bool isAnyoneAtTerminal() { return isatty(STDIN_FILENO) == 1 && isatty(STDERR_FILENO) == 1; }
 
 }  // namespace pelmora::cli

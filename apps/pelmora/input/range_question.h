@@ -1,9 +1,10 @@
-// The question about a range outside the raw points, at the terminal.
+// The question about a range beyond the points, at the terminal.
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "apps/pelmora/message_recorder.h"
 #include "apps/pelmora/input/terminal_answer.h"
+
+#include <pelmora/calibration/fit.h>
 
 #include <functional>
 #include <optional>
@@ -15,8 +16,12 @@ namespace pelmora::cli {
 using LineReader = std::function<std::optional<std::string>()>;
 
 // Writes `text` and the choice to standard error and reads lines until one names an answer by its
-// letter or its word, in any case. An empty line and the end of input mean Abort.
-[[nodiscard]] RangeAnswer askAboutRange(const std::string& text,
-                                        const LineReader& readLine = terminalAnswer);
+// letter or its word, in any case: Abort refuses the range, Retry takes that of the points, Ignore
+// extrapolates. An empty line and the end of input mean Abort.
+[[nodiscard]] calibration::RangePolicy askAboutRange(const std::string& text,
+                                                     const LineReader& readLine = terminalAnswer);
+
+// Whether somebody sits at the terminal who can be asked.
+[[nodiscard]] bool isAnyoneAtTerminal();
 
 }  // namespace pelmora::cli

@@ -9,7 +9,8 @@ using nlohmann::json;
 using report::equationJson;
 using report::warningJson;
 
-json fitJson(const SeriesFit& fit) {
+json fitJson(const CheckedFit& checked) {
+  const calibration::Fit& fit = checked.fit;
   json equations = json::array();
   for (auto equation = fit.outcome.Equations.rbegin(); equation != fit.outcome.Equations.rend();
        ++equation) {
@@ -22,13 +23,13 @@ json fitJson(const SeriesFit& fit) {
   const auto& chosen = fit.outcome.Chosen;
   return {{"series", fit.series},
           {"seriesId", fit.seriesID},
-          {"stored", fit.isStored},
-          {"changedMeanwhile", fit.changedMeanwhile},
-          {"error", fit.trouble ? json(errorLine(*fit.trouble)) : json()},
+          {"stored", checked.isStored},
+          {"changedMeanwhile", checked.changedMeanwhile},
+          {"error", checked.trouble ? json(errorLine(*checked.trouble)) : json()},
           {"chosen", chosen ? json(fit.outcome.Equations[*chosen].Name) : json()},
-          {"band", fit.options.band},
-          {"ratio", fit.options.ratio},
-          {"inverted", fit.options.inverted},
+          {"band", fit.settings.band},
+          {"ratio", fit.settings.ratio},
+          {"inverted", fit.settings.inverted},
           {"range", {{"min", fit.min}, {"max", fit.max}}},
           {"rawPoints", fit.rawPoints},
           {"merged", pointsJson(fit.merged)},
@@ -36,22 +37,6 @@ json fitJson(const SeriesFit& fit) {
           {"equations", equations},
           {"warnings", warnings},
           {"report", fit.report}};
-}
-
-json importJson(const ImportOutcome& import) {
-  json series = json::array();
-  for (const DerivedSeries& derived : import.series) {
-    series.push_back({{"name", derived.name},
-                      {"seriesId", derived.seriesID},
-                      {"rawPoints", derived.trouble ? json() : json(derived.points)}});
-  }
-  const auto trouble = import.anyTrouble();
-  return {{"meter", meterJson(import.meter)},
-          {"newCalibration", import.meterIsNew},
-          {"setups", setupsJson(import.setups)},
-          {"series", series},
-          {"notes", import.notes},
-          {"error", trouble ? json(errorLine(*trouble)) : json()}};
 }
 
 }  // namespace pelmora::cli

@@ -147,13 +147,6 @@ nlohmann::json droppedJson(const DroppedExclusion& dropped) {
   return value;
 }
 
-nlohmann::json meterJson(const calibration::Meter& meter) {
-  return {{"serialNumber", meter.serial},
-          {"serialNumberAdjusted", meter.adjusted},
-          {"calibration", meter.calibration},
-          {"meterId", meter.id}};
-}
-
 const char* curveAgeKey(calibration::CurveAge age) {
   switch (age) {
     case calibration::CurveAge::none: return "none";

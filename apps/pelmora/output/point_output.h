@@ -27,8 +27,6 @@ namespace pelmora::cli {
 [[nodiscard]] std::string droppedLines(const std::vector<calibration::DroppedExclusion>& dropped);
 [[nodiscard]] nlohmann::json droppedJson(const calibration::DroppedExclusion& dropped);
 
-[[nodiscard]] nlohmann::json meterJson(const calibration::Meter& meter);
-
 // "none", "current", "outdated", "unknown": the names in JSON, which never change.
 [[nodiscard]] const char* curveAgeKey(calibration::CurveAge age);
 

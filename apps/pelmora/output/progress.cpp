@@ -33,6 +33,11 @@ Progress::Progress() : isTerminal_(canRewriteLines()) {}
 Progress::~Progress() { clear(); }
 
 void Progress::show(const std::string& text) {
+  const std::lock_guard alone(mutex_);
+  draw(text);
+}
+
+void Progress::draw(const std::string& text) {
   if (!isTerminal_) return;
   std::string line = oneLine(text);
   // One column stays free, so that the terminal does not wrap.
@@ -44,13 +49,13 @@ void Progress::show(const std::string& text) {
 }
 
 void Progress::count(const std::string& doing, std::size_t done, std::size_t total) {
-  if (!isTerminal_) return;
+  const std::lock_guard alone(mutex_);
   using namespace std::chrono_literals;
   const auto now = std::chrono::steady_clock::now();
   if (!begin_) begin_ = now;
   if (drawn_ && now - *drawn_ < 100ms && done < total) return;
   drawn_ = now;
-  show(progressBar(doing, done, total, std::chrono::duration<double>(now - *begin_).count()));
+  draw(progressBar(doing, done, total, std::chrono::duration<double>(now - *begin_).count()));
 }
 
 std::string progressBar(const std::string& doing, std::size_t done, std::size_t total,
@@ -69,15 +74,22 @@ std::string progressBar(const std::string& doing, std::size_t done, std::size_t 
 }
 
 void Progress::showWait(const std::string& text) {
-  show(text);
+  const std::lock_guard alone(mutex_);
+  draw(text);
   isWait_ = isShown_;
 }
 
 void Progress::endWait() {
-  if (isWait_) clear();
+  const std::lock_guard alone(mutex_);
+  if (isWait_) erase();
 }
 
 void Progress::clear() {
+  const std::lock_guard alone(mutex_);
+  erase();
+}
+
+void Progress::erase() {
   if (!isShown_) return;
   std::fputs("\r\033[K", stderr);
   std::fflush(stderr);

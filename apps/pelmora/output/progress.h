@@ -4,11 +4,13 @@
 
 #include <chrono>
 #include <cstddef>
+#include <mutex>
 #include <optional>
 #include <string>
 
 namespace pelmora::cli {
 
+// Any thread may use it: those of a refit show their waits.
 class Progress {
  public:
   Progress();
@@ -25,11 +27,13 @@ class Progress {
   // What the command waits for, until the end of the wait or the next line.
   void showWait(const std::string& text);
   void endWait();
-  // Shows nothing from now on: for threads beside the one that shows.
-  void mute() { isTerminal_ = false; }
 
  private:
-  bool isTerminal_;
+  void draw(const std::string& text);
+  void erase();
+
+  std::mutex mutex_;
+  const bool isTerminal_;
   bool isShown_ = false, isWait_ = false;
   std::optional<std::chrono::steady_clock::time_point> begin_, drawn_;  // of the count
 };

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/output/refit_output.h"
 
-#include "apps/pelmora/output/fit_output.h"
 #include "apps/pelmora/output/text_table.h"
+#include "report/json_values.h"
 
 #include <nlohmann/json.hpp>
 
@@ -14,17 +14,19 @@ namespace {
 
 using Align = TextTable::Align;
 
-using Kind = RefitResult::Kind;
+using calibration::RefitResult;
+using Kind = calibration::RefitResultKind;
 
 constexpr std::size_t mostRows = 40;  // of a list for people; JSON tells them all
 
 std::size_t countOf(const RefitSummary& summary, Kind kind) {
-  return static_cast<std::size_t>(std::ranges::count(summary.results, kind, &RefitResult::kind));
+  return static_cast<std::size_t>(
+      std::ranges::count(summary.outcome.results, kind, &RefitResult::kind));
 }
 
 std::size_t changedMeanwhile(const RefitSummary& summary) {
   return static_cast<std::size_t>(
-      std::ranges::count_if(summary.results, &RefitResult::changedMeanwhile));
+      std::ranges::count_if(summary.outcome.results, &RefitResult::changedMeanwhile));
 }
 
 std::string wordOf(Kind kind) {
@@ -42,7 +44,7 @@ std::string wordOf(Kind kind) {
 std::vector<const RefitResult*> resultsOf(const RefitSummary& summary,
                                           std::initializer_list<Kind> kinds) {
   std::vector<const RefitResult*> list;
-  for (const RefitResult& result : summary.results) {
+  for (const RefitResult& result : summary.outcome.results) {
     if (std::ranges::find(kinds, result.kind) != kinds.end()) list.push_back(&result);
   }
   return list;
@@ -69,7 +71,7 @@ std::string changedTable(const RefitSummary& summary) {
   for (std::size_t i = 0; i < std::min(changed.size(), mostRows); ++i) {
     const RefitResult& result = *changed[i];
     const bool isComparable = result.reason.empty();
-    table.addRow({result.task.meter.SerialNumber, std::to_string(result.task.meter.ReCalID),
+    table.addRow({result.task.meter.serial, std::to_string(result.task.meter.calibration),
                   result.task.series, isComparable ? significantText(result.shiftPercent, 4) : "-",
                   isComparable ? significantText(result.shiftRoshko, 6) : "-", result.equation});
   }
@@ -84,7 +86,7 @@ std::string missingTable(const RefitSummary& summary) {
       {{"Meter"}, {"Cal.", TextTable::Align::right}, {"Series"}, {"Why there is no new curve"}});
   for (std::size_t i = 0; i < std::min(missing.size(), mostRows); ++i) {
     const RefitResult& result = *missing[i];
-    table.addRow({result.task.meter.SerialNumber, std::to_string(result.task.meter.ReCalID),
+    table.addRow({result.task.meter.serial, std::to_string(result.task.meter.calibration),
                   result.task.series, result.reason});
   }
   return "\n" + table.text() + andMore(missing.size());
@@ -97,12 +99,12 @@ std::string countLine(std::size_t count, const std::string& what) {
 }  // namespace
 
 std::string refitText(const RefitSummary& summary) {
-  const std::size_t all = summary.results.size();
+  const std::size_t all = summary.outcome.results.size();
   std::string text = wrapped("Fitted " + counted(all, "series", "series") + " in " +
                                  significantText(summary.seconds, 3) + " s, " +
-                                 counted(summary.request.threads, "thread") + ":",
+                                 counted(summary.options.threads, "thread") + ":",
                              0);
-  const std::string threshold = significantText(summary.request.changedPercent, 4) + " %";
+  const std::string threshold = significantText(summary.options.changedPercent, 4) + " %";
   text += countLine(countOf(summary, Kind::changed), "changed by more than " + threshold);
   text += countLine(countOf(summary, Kind::kept), "within " + threshold + " of the curve before");
   text += countLine(countOf(summary, Kind::added), "without a curve before");
@@ -116,9 +118,8 @@ std::string refitText(const RefitSummary& summary) {
                     0);
   }
   text += changedTable(summary) + missingTable(summary);
-  const bool isStored = std::ranges::any_of(summary.results, &RefitResult::isStored);
-  if (summary.isDryRun) return text + "\nDry run: nothing was changed.\n";
-  if (!isStored || !summary.hasReplaced) return text;
+  if (summary.options.isDryRun) return text + "\nDry run: nothing was changed.\n";
+  if (summary.outcome.kept.empty()) return text;
   return text + "\n" +
          wrapped("What was there before is kept: pelmora history " + summary.database, 0);
 }
@@ -126,15 +127,15 @@ std::string refitText(const RefitSummary& summary) {
 std::string refitJson(const RefitSummary& summary) {
   nlohmann::json value{
       {"database", summary.database},       {"seconds", summary.seconds},
-      {"threads", summary.request.threads}, {"changedPercent", summary.request.changedPercent},
-      {"dryRun", summary.isDryRun},         {"changedMeanwhile", changedMeanwhile(summary)},
+      {"threads", summary.options.threads}, {"changedPercent", summary.options.changedPercent},
+      {"dryRun", summary.options.isDryRun}, {"changedMeanwhile", changedMeanwhile(summary)},
       {"series", nlohmann::json::array()}};
-  for (const RefitResult& result : summary.results) {
-    nlohmann::json entry = {{"meter", result.task.meter.SerialNumber},
-                            {"calibration", result.task.meter.ReCalID},
+  for (const RefitResult& result : summary.outcome.results) {
+    nlohmann::json entry = {{"meter", result.task.meter.serial},
+                            {"calibration", result.task.meter.calibration},
                             {"series", result.task.series},
                             {"outcome", wordOf(result.kind)},
-                            {"stored", result.isStored && !summary.isDryRun},
+                            {"stored", result.isStored && !summary.options.isDryRun},
                             {"changedMeanwhile", result.changedMeanwhile}};
     if (!result.equation.empty()) entry["equation"] = result.equation;
     if (!result.reason.empty()) entry["reason"] = result.reason;
@@ -144,7 +145,7 @@ std::string refitJson(const RefitSummary& summary) {
     }
     value["series"].push_back(std::move(entry));
   }
-  return jsonText(value);
+  return report::jsonText(value);
 }
 
 }  // namespace pelmora::cli

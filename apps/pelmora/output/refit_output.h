@@ -2,20 +2,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "apps/pelmora/refit/refit_all.h"
+#include <pelmora/calibration/refit.h>
 
 #include <string>
-#include <vector>
 
 namespace pelmora::cli {
 
 struct RefitSummary {
   std::string database;
-  RefitRequest request;
-  std::vector<RefitResult> results;
+  calibration::RefitOptions options;
+  calibration::RefitOutcome outcome;
   double seconds = 0;
-  bool isDryRun = false;
-  bool hasReplaced = false;  // curves that the history keeps
 };
 
 [[nodiscard]] std::string refitText(const RefitSummary& summary);

@@ -2,6 +2,7 @@
 #include "apps/pelmora/output/stored_tables.h"
 
 #include "apps/pelmora/output/fit_output.h"
+#include "apps/pelmora/output/run_table.h"
 #include "apps/pelmora/output/text_table.h"
 
 #include <nlohmann/json.hpp>
@@ -94,9 +95,12 @@ std::string metersJson(CurveSession& session) {
 
 std::string meterContentsText(CurveSession& session, const MeterInfo& meter) {
   std::string text = wrapped(headText(meter) + ", in " + session.path(), 0);
-  ImportOutcome runs;
-  runs.setups = session.setups(meter);
-  if (!runs.setups.empty()) text += "\n" + importTable(runs);
+  std::vector<calibration::Run> runs;
+  for (const CalSetupInfo& setup : session.setups(meter)) {
+    runs.push_back({setup.ID, setup.Stand, setup.Position, setup.Operator, setup.Fluid,
+                    setup.DateTaken, setup.JobRecordIDs, setup.Points});
+  }
+  if (!runs.empty()) text += "\n" + runTable(runs);
   const auto list = session.requireAllSeries(meter, {});
   if (list.empty()) return text + "\nNo series is stored for it yet.\n";
   TextTable table({{"Series", Align::left},

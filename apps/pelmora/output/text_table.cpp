@@ -106,4 +106,12 @@ std::string wrapped(std::string_view text, std::size_t indent) {
   return result;
 }
 
+std::string counted(std::size_t count, const std::string& thing) {
+  return counted(count, thing, thing + "s");
+}
+
+std::string counted(std::size_t count, const std::string& thing, const std::string& things) {
+  return std::to_string(count) + " " + (count == 1 ? thing : things);
+}
+
 }  // namespace pelmora::cli

@@ -42,6 +42,11 @@ class TextTable {
 // `text` broken at blanks into lines of at most 80 columns, each one indented.
 [[nodiscard]] std::string wrapped(std::string_view text, std::size_t indent);
 
+// "1 point", "2 points".
+[[nodiscard]] std::string counted(std::size_t count, const std::string& thing);
+[[nodiscard]] std::string counted(std::size_t count, const std::string& thing,
+                                  const std::string& things);
+
 // Numbers in tables and sentences are those of a report.
 using pelmora::alignedText;
 using pelmora::fixedText;

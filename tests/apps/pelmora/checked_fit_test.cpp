@@ -1,7 +1,8 @@
 // Curves are stored for the points that were fitted, also where another program writes meanwhile.
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/checked_fit.h"
-#include "apps/pelmora/refit/refit_all.h"
+
+#include "apps/pelmora/failure_trouble.h"
 #include "tests/support/plain_sqlite.h"
 #include "tests/support/scratch_folder.h"
 
@@ -12,6 +13,9 @@
 namespace pelmora::cli {
 namespace {
 
+using calibration::FitSettings;
+using calibration::Mode;
+using calibration::RangePolicy;
 using test::PlainSqlite;
 using testing::AllOf;
 using testing::HasSubstr;
@@ -20,11 +24,10 @@ using testing::HasSubstr;
 class fit_beside_another_program : public testing::Test {
  protected:
   fit_beside_another_program() {
-    createCurveDatabase(path);
-    CurveSession session({.path = path}, Access::write);
-    session.data().setMeterSN("M1");
-    session.data().SetRaw("S", "M1", line(1), 0, false);
-    session.data().SetRaw("Other", "M1", line(2), 0, false);
+    calibration::Database lab = calibration::create(path);
+    const calibration::Meter meter = lab.registerMeter("M1");
+    (void)lab.storeRaw(meter, "S", 1, line(1));
+    (void)lab.storeRaw(meter, "Other", 1, line(2));
   }
   static PointArray line(double factor) {
     PointArray points(30);
@@ -35,29 +38,41 @@ class fit_beside_another_program : public testing::Test {
     return points;
   }
   void sql(const std::string& statements) const { PlainSqlite(path).run(statements); }
-  // The fit of series S while another program runs the statements.
-  SeriesFit fitWhile(const std::string& statements) const {
-    CurveSession session({.path = path}, Access::write);
-    StoredChange change(session, "fit", false);
+  // The fit of series S while another program runs the statements before the lock is taken.
+  CheckedFit fitWhile(const std::string& statements, const FitSettings& settings = {},
+                      const RangeQuestion& ask = {}) const {
+    Session session({.path = path}, Mode::write);
+    CommandChange change(session, "fit", false);
     change.beforeLock = [&] { sql(statements); };
-    SeriesFit fit = fitSeries(change, session.requireMeter("M1", -1), "S", {});
+    CheckedFit checked = fitSeries(change, session.database().meter("M1"), "S", settings, ask);
     change.finish();
-    return fit;
+    return checked;
   }
-  RefitResult refitWhile(const std::string& statements) const {
-    CurveSession session({.path = path}, Access::write);
-    session.data().StatusUpdate = nullptr;
-    StoredChange change(session, "refit", false);
-    change.beforeLock = [&] { sql(statements); };
-    RefitRequest request{refitTasks(session, "M1", -1, {"S"})};
-    return refitAll(change, request).front();
+  // What the line on standard error would say of a fit that ends in trouble.
+  Trouble troubleWhile(const std::string& statements, const FitSettings& settings = {},
+                       const RangeQuestion& ask = {}) const {
+    try {
+      (void)fitWhile(statements, settings, ask);
+    } catch (const Trouble& trouble) {
+      return trouble;
+    } catch (const calibration::Failure& failure) {
+      return troubleOf(failure);
+    }
+    ADD_FAILURE() << "it was stored";
+    return {ExitCode::ok, "", ""};
   }
-  [[nodiscard]] SeriesInfo stored(const std::string& series = "S") const {
-    CurveSession session({.path = path}, Access::read);
-    return session.requireSeries(session.requireMeter("M1", -1), series).Series.front();
+  [[nodiscard]] calibration::StoredSeries stored(const std::string& series = "S") const {
+    const calibration::Database lab(path, {.mode = Mode::read});
+    return lab.series(lab.meter("M1"), series);
   }
   [[nodiscard]] std::optional<CurveSettings> settings(std::int32_t seriesID) const {
     return keptCurveSettings(openDatabase(path), seriesID);
+  }
+  static FitSettings wider() {
+    FitSettings settings;
+    settings.min = 9;
+    settings.max = 200;
+    return settings;
   }
 
   const std::string twice = "Update raw1 set Strouhal=2*Strouhal where seriesID=1";
@@ -66,18 +81,18 @@ class fit_beside_another_program : public testing::Test {
 };
 
 TEST_F(fit_beside_another_program, is_stored_at_once_where_nothing_of_it_changes) {
-  const SeriesFit fit = fitWhile("Update raw1 set Strouhal=3*Strouhal where seriesID=2");
-  EXPECT_TRUE(fit.isStored);
-  EXPECT_FALSE(fit.changedMeanwhile);
-  EXPECT_EQ(stored().Fitted, fit.curve);
+  const CheckedFit checked = fitWhile("Update raw1 set Strouhal=3*Strouhal where seriesID=2");
+  EXPECT_TRUE(checked.isStored);
+  EXPECT_FALSE(checked.changedMeanwhile);
+  EXPECT_EQ(stored().curve, checked.fit.curve);
 }
 
 TEST_F(fit_beside_another_program, is_made_again_for_changed_points) {
-  const SeriesFit fit = fitWhile(twice);
-  EXPECT_TRUE(fit.changedMeanwhile);
-  EXPECT_EQ(stored().Merged, line(2));
-  EXPECT_EQ(stored().Fitted, fit.curve);
-  EXPECT_NEAR(fit.curve(0, 1), 220, 0.1);
+  const CheckedFit checked = fitWhile(twice);
+  EXPECT_TRUE(checked.changedMeanwhile);
+  EXPECT_EQ(stored().merged, line(2));
+  EXPECT_EQ(stored().curve, checked.fit.curve);
+  EXPECT_NEAR(checked.fit.curve(0, 1), 220, 0.1);
 }
 
 TEST_F(fit_beside_another_program, is_made_again_where_the_last_bit_of_a_point_changes) {
@@ -87,125 +102,76 @@ TEST_F(fit_beside_another_program, is_made_again_where_the_last_bit_of_a_point_c
 }
 
 TEST_F(fit_beside_another_program, stores_nothing_for_a_deleted_series) {
-  try {
-    (void)fitWhile("Delete from raw1 where seriesID=1; Delete from series where ID=1");
-    FAIL() << "it was stored";
-  } catch (const Trouble& trouble) {
-    EXPECT_EQ(trouble.code(), ExitCode::unknownName);
-    EXPECT_THAT(errorLine(trouble), AllOf(HasSubstr("series 'S' of meter 'M1', calibration 0"),
-                                          HasSubstr("nothing was stored")));
-  }
+  const Trouble trouble =
+      troubleWhile("Delete from raw1 where seriesID=1; Delete from series where ID=1");
+  EXPECT_EQ(trouble.code(), ExitCode::unknownName);
+  EXPECT_THAT(errorLine(trouble), AllOf(HasSubstr("series 'S' of meter 'M1', calibration 0"),
+                                        HasSubstr("nothing was stored")));
   EXPECT_EQ(settings(1), std::nullopt);
 }
 
 TEST_F(fit_beside_another_program, stores_nothing_for_another_series_with_the_id) {
-  EXPECT_THROW((void)fitWhile("Update series set name='New' where ID=1"), Trouble);
-  EXPECT_TRUE(stored("New").Fitted.empty());
+  (void)troubleWhile("Update series set name='New' where ID=1");
+  EXPECT_TRUE(stored("New").curve.empty());
   EXPECT_EQ(settings(1), std::nullopt);
 }
 
 TEST_F(fit_beside_another_program, goes_to_the_series_that_has_the_name_now) {
-  const SeriesFit fit = fitWhile(
+  const CheckedFit checked = fitWhile(
       "Update series set ID=77 where ID=1; Update raw1 set seriesID=77, Strouhal=2*Strouhal where "
       "seriesID=1");
-  EXPECT_TRUE(fit.changedMeanwhile);
-  EXPECT_EQ(stored().SeriesID, 77);
-  EXPECT_EQ(stored().Merged, line(2));
+  EXPECT_TRUE(checked.changedMeanwhile);
+  EXPECT_EQ(stored().id, 77);
+  EXPECT_EQ(stored().merged, line(2));
   EXPECT_EQ(settings(1), std::nullopt);
   EXPECT_NE(settings(77), std::nullopt);
 }
 
+TEST_F(fit_beside_another_program, goes_to_the_calibration_that_has_the_number_now) {
+  const CheckedFit checked =
+      fitWhile("Update meter set ID=55; Update series set meterid=55; " + twice);
+  EXPECT_TRUE(checked.changedMeanwhile);
+  EXPECT_EQ(checked.fit.meter.id, 55);
+  EXPECT_EQ(stored().merged, line(2));
+}
+
 TEST_F(fit_beside_another_program, keeps_the_old_curve_where_the_new_points_cannot_be_fitted) {
   (void)fitWhile("");
-  const PointArray before = stored().Fitted;
-  const SeriesFit fit =
+  const PointArray before = stored().curve;
+  const CheckedFit checked =
       fitWhile("Update raw1 set Strouhal=Strouhal*(1+0.3*(rowid%2)) where seriesID=1");
-  EXPECT_TRUE(fit.trouble);
-  EXPECT_FALSE(fit.isStored);
-  EXPECT_EQ(stored().Fitted, before);
+  EXPECT_TRUE(checked.trouble);
+  EXPECT_FALSE(checked.isStored);
+  EXPECT_EQ(stored().curve, before);
 }
 
 TEST_F(fit_beside_another_program, stores_nothing_where_points_can_no_longer_be_read) {
-  try {
-    (void)fitWhile("Update raw1 set Strouhal=NULL where seriesID=1");
-    FAIL() << "it was stored";
-  } catch (const Trouble& trouble) {
-    EXPECT_EQ(trouble.code(), ExitCode::badInput);
-    EXPECT_THAT(errorLine(trouble), HasSubstr("nothing was stored"));
-  }
+  const Trouble trouble = troubleWhile("Update raw1 set Strouhal=NULL where seriesID=1");
+  EXPECT_EQ(trouble.code(), ExitCode::badInput);
+  EXPECT_THAT(errorLine(trouble), HasSubstr("nothing was stored"));
 }
 
 TEST_F(fit_beside_another_program, asks_nobody_while_others_wait) {
-  CurveSession session({.path = path}, Access::write);
-  StoredChange change(session, "fit", false);
-  bool isLocked = false;
-  change.beforeLock = [&] {
-    sql("Update raw1 set Roshko=Roshko+5 where seriesID=1");
-    isLocked = true;
-  };
   int questions = 0;
-  session.messages().askOperator = [&](const std::string&) {
-    EXPECT_FALSE(isLocked);
-    ++questions;
-    return RangeAnswer::ignore;
-  };
-  FitOptions options;
-  options.min = 9;
-  options.max = 200;
-  try {
-    (void)fitSeries(change, session.requireMeter("M1", -1), "S", options);
-    FAIL() << "it was stored";
-  } catch (const Trouble& trouble) {
-    EXPECT_EQ(trouble.code(), ExitCode::rangeRefused);
-    EXPECT_THAT(errorLine(trouble), HasSubstr("nothing was stored"));
-  }
+  const Trouble trouble = troubleWhile("Update raw1 set Roshko=Roshko+5 where seriesID=1", wider(),
+                                       [&](const std::string&) {
+                                         ++questions;
+                                         return RangePolicy::extrapolate;
+                                       });
+  EXPECT_EQ(trouble.code(), ExitCode::rangeRefused);
+  EXPECT_THAT(errorLine(trouble), HasSubstr("nothing was stored"));
   EXPECT_EQ(questions, 1);
 }
 
 TEST_F(fit_beside_another_program, lets_it_write_while_the_operator_thinks) {
-  CurveSession session({.path = path}, Access::write);
-  StoredChange change(session, "fit", false);
-  session.messages().askOperator = [&](const std::string&) {
+  const CheckedFit checked = fitWhile("", wider(), [&](const std::string& text) {
+    EXPECT_THAT(text, AllOf(HasSubstr("from 9 to 200"), HasSubstr("series 'S'")));
     sql(twice);  // would find the database locked
-    return RangeAnswer::retry;
-  };
-  FitOptions options;
-  options.min = 9;
-  options.max = 200;
-  const SeriesFit fit = fitSeries(change, session.requireMeter("M1", -1), "S", options);
-  change.finish();
-  EXPECT_TRUE(fit.changedMeanwhile);
-  EXPECT_TRUE(fit.isWholeRange);
-  EXPECT_EQ(stored().Merged, line(2));
-}
-
-TEST_F(fit_beside_another_program, of_a_refit_is_made_again_for_changed_points) {
-  (void)fitWhile("");
-  const RefitResult unchanged = refitWhile("");
-  EXPECT_FALSE(unchanged.changedMeanwhile);
-  sql("Update raw1 set Strouhal=1.5*Strouhal where seriesID=1");
-  const RefitResult result = refitWhile("Update raw1 set Strouhal=Strouhal/3 where seriesID=1");
-  EXPECT_TRUE(result.changedMeanwhile);
-  EXPECT_TRUE(result.isStored);
-  EXPECT_NEAR(result.shiftPercent, -50, 0.1);
-  EXPECT_EQ(stored().Merged(0, 1), line(1)(0, 1) * 1.5 / 3);
-}
-
-TEST_F(fit_beside_another_program, of_a_refit_takes_the_settings_of_a_curve_stored_meanwhile) {
-  (void)fitWhile("");
-  sql(twice);
-  const RefitResult result =
-      refitWhile("Update pelmora_fit_settings set Points=12 where SeriesID=1");
-  EXPECT_TRUE(result.changedMeanwhile);
-  EXPECT_EQ(stored().Fitted.size(), 12U);
-}
-
-TEST_F(fit_beside_another_program, of_a_refit_tells_of_a_series_deleted_meanwhile) {
-  const RefitResult result =
-      refitWhile("Delete from raw1 where seriesID=1; Delete from series where ID=1");
-  EXPECT_EQ(result.kind, RefitResult::Kind::gone);
-  EXPECT_FALSE(result.isStored);
-  EXPECT_EQ(settings(1), std::nullopt);
+    return RangePolicy::wholeRange;
+  });
+  EXPECT_TRUE(checked.changedMeanwhile);
+  EXPECT_TRUE(checked.fit.isWholeRange);
+  EXPECT_EQ(stored().merged, line(2));
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "apps/pelmora/fit_advice.h"
+#include "apps/pelmora/output/fit_advice.h"
 
-#include "apps/pelmora/series_fit.h"
+#include <pelmora/calibration/words.h>
 
 #include <gmock/gmock.h>
 
@@ -22,8 +22,8 @@ EquationOutcome outcome(EquationVerdict verdict, const std::string& expression) 
 }
 
 // A flat curve of 100 and one point 0.25 % above it.
-SeriesFit flatFit() {
-  SeriesFit fit;
+calibration::Fit flatFit() {
+  calibration::Fit fit;
   fit.min = 10;
   fit.max = 1000;
   fit.merged = PointArray{{10, 100}, {100, 100.25}, {1000, 100}};
@@ -31,25 +31,25 @@ SeriesFit flatFit() {
 }
 
 TEST(advice, names_the_smallest_band_that_would_do) {
-  const SeriesFit fit = flatFit();
+  const calibration::Fit fit = flatFit();
   auto equation = outcome(EquationVerdict::bandTestFailed, "a+b*x");
   equation.Predicted = PointArray{{10, 100}, {1000, 100}};
-  ASSERT_TRUE(passingBand(fit, equation));
-  EXPECT_NEAR(*passingBand(fit, equation), 0.25, 1e-12);
+  ASSERT_TRUE(calibration::passingBand(fit, equation));
+  EXPECT_NEAR(*calibration::passingBand(fit, equation), 0.25, 1e-12);
   EXPECT_EQ(advice(fit, equation), "--band 0.25");
 }
 
 TEST(advice, knows_no_band_where_a_point_is_off_by_more_than_the_curve) {
-  SeriesFit fit = flatFit();
+  calibration::Fit fit = flatFit();
   fit.merged(1, 1) = 300;
   auto equation = outcome(EquationVerdict::bandTestFailed, "a+b*x");
   equation.Predicted = PointArray{{10, 100}, {1000, 100}};
-  EXPECT_FALSE(passingBand(fit, equation));
+  EXPECT_FALSE(calibration::passingBand(fit, equation));
   EXPECT_THAT(advice(fit, equation), HasSubstr("--min"));
 }
 
 TEST(advice, sends_a_pole_inside_the_range_above_it) {
-  SeriesFit fit = flatFit();
+  calibration::Fit fit = flatFit();
   fit.min = 0.4;
   EXPECT_THAT(advice(fit, outcome(EquationVerdict::bandTestFailed, reciprocal)),
               HasSubstr("--min 1.1"));
@@ -62,8 +62,15 @@ TEST(advice, counts_the_points_that_are_missing) {
   EXPECT_THAT(advice(flatFit(), equation), HasSubstr("it has 4 parameters, the series 3 points"));
 }
 
+TEST(advice, counts_parameters_as_the_engine_does) {
+  EXPECT_THAT(advice(flatFit(), outcome(EquationVerdict::noSolution, "a+2e3*b*X+c*x^2")),
+              HasSubstr("it has 3 parameters, the series 3 points"));
+  EXPECT_THAT(advice(flatFit(), outcome(EquationVerdict::noSolution, "a+b*(")),
+              HasSubstr("an expression that can be read"));
+}
+
 TEST(advice, wants_positive_roshko_for_logarithms) {
-  SeriesFit fit = flatFit();
+  calibration::Fit fit = flatFit();
   fit.merged(0, 0) = -1;
   EXPECT_THAT(advice(fit, outcome(EquationVerdict::noSolution, "a+b*ln(x)")),
               HasSubstr("Roshko above 0"));
@@ -73,16 +80,16 @@ TEST(rejection, names_residual_and_point_of_the_residual_test) {
   auto equation = outcome(EquationVerdict::residualTestFailed, "a");
   equation.WorstResidualRatio = 12.5;
   equation.WorstResidualX = 48.25;
-  EXPECT_EQ(rejection(equation), "residual test: +1.25e+03 % at Roshko 48.25");
+  EXPECT_EQ(calibration::rejection(equation), "residual test: +1.25e+03 % at Roshko 48.25");
 }
 
 TEST(rejection, is_empty_for_what_passed) {
-  EXPECT_EQ(rejection(outcome(EquationVerdict::chosen, "a")), "");
-  EXPECT_EQ(rejection(outcome(EquationVerdict::bandTestFailed, "a")), "the reason");
+  EXPECT_EQ(calibration::rejection(outcome(EquationVerdict::chosen, "a")), "");
+  EXPECT_EQ(calibration::rejection(outcome(EquationVerdict::bandTestFailed, "a")), "the reason");
 }
 
 TEST(short_advice, follows_the_equation_that_came_nearest) {
-  SeriesFit fit = flatFit();
+  calibration::Fit fit = flatFit();
   auto near = outcome(EquationVerdict::bandTestFailed, "a");
   near.Name = "Near";
   near.Predicted = PointArray{{10, 100}, {1000, 100}};

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "apps/pelmora/stand_runs.h"
+#include "apps/pelmora/options/run_list.h"
 
 #include "apps/pelmora/trouble.h"
 
@@ -13,7 +13,7 @@ using Texts = std::vector<std::string>;
 
 std::string refusal(const Texts& jobs, const Texts& fluids, const Texts& operators) {
   try {
-    (void)standRuns(jobs, fluids, operators);
+    (void)listedRuns(jobs, fluids, operators);
   } catch (const Trouble& trouble) {
     EXPECT_EQ(trouble.code(), ExitCode::usage);
     return errorLine(trouble);
@@ -22,38 +22,39 @@ std::string refusal(const Texts& jobs, const Texts& fluids, const Texts& operato
   return {};
 }
 
-TEST(stand_runs, join_the_repeated_options_in_order) {
-  const auto runs = standRuns({"1001", "1003:1004"}, {"oil", "water"}, {"Ada", "Bob"});
+TEST(run_list, join_the_repeated_options_in_order) {
+  const auto runs = listedRuns({"1001", "1003:1004"}, {"oil", "water"}, {"Ada", "Bob"});
   ASSERT_EQ(runs.size(), 2U);
-  EXPECT_EQ(runs[0].jobA, "1001");
-  EXPECT_EQ(runs[0].jobB, "");
-  EXPECT_EQ(runs[1].jobA, "1003");
-  EXPECT_EQ(runs[1].jobB, "1004");
-  EXPECT_EQ(runs[1].fluid, "water");
-  EXPECT_EQ(runs[1].operatorName, "Bob");
+  EXPECT_EQ(runs[0].run.job, "1001");
+  EXPECT_EQ(runs[0].secondJob, "");
+  EXPECT_EQ(runs[1].run.job, "1003");
+  EXPECT_EQ(runs[1].secondJob, "1004");
+  EXPECT_EQ(runs[1].run.fluid, "water");
+  EXPECT_EQ(runs[1].run.operatorName, "Bob");
 }
 
-TEST(stand_runs, may_share_one_operator_or_have_none) {
-  EXPECT_EQ(standRuns({"1", "2"}, {"a", "b"}, {"Ada"})[1].operatorName, "Ada");
-  EXPECT_EQ(standRuns({"1"}, {"a"}, {})[0].operatorName, "");
+TEST(run_list, may_share_one_operator_or_have_none) {
+  EXPECT_EQ(listedRuns({"1", "2"}, {"a", "b"}, {"Ada"})[1].run.operatorName, "Ada");
+  EXPECT_EQ(listedRuns({"1"}, {"a"}, {})[0].run.operatorName, "");
 }
 
-TEST(stand_runs, need_one_fluid_each) {
+TEST(run_list, need_one_fluid_each) {
   EXPECT_THAT(refusal({"1", "2"}, {"a"}, {}), HasSubstr("2 --jobs but 1 --fluid"));
   EXPECT_THAT(refusal({"1", "2", "3"}, {"a", "b", "c"}, {"x", "y"}), HasSubstr("--operator"));
 }
 
-TEST(stand_runs, may_not_replace_each_other) {
+TEST(run_list, may_not_replace_each_other) {
   EXPECT_THAT(refusal({"1", "2"}, {"Oil", "oil"}, {}), HasSubstr("there twice"));
+  EXPECT_THAT(refusal({"1", "2"}, {"caf\u00e9", "CAF\u00c9"}, {}), HasSubstr("there twice"));
 }
 
-TEST(stand_runs, have_whole_numbers_for_jobs) {
+TEST(run_list, have_whole_numbers_for_jobs) {
   for (const char* job : {"", "x", "1.5", "1:", ":2", "1:2:3", "-1", "1 or 1=1"}) {
     EXPECT_THAT(refusal({job}, {"a"}, {}), HasSubstr("--job")) << job;
   }
 }
 
-TEST(stand_runs, have_names_that_statements_can_carry) {
+TEST(run_list, have_names_that_statements_can_carry) {
   EXPECT_THAT(refusal({"1"}, {"o'il"}, {}), HasSubstr("apostrophe"));
   EXPECT_THAT(refusal({"1"}, {"oil"}, {"O'Hara"}), HasSubstr("apostrophe"));
   EXPECT_THAT(refusal({"1"}, {" "}, {}), HasSubstr("empty"));
