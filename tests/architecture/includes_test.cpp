@@ -170,6 +170,19 @@ std::string testName(const testing::TestParamInfo<std::string>& info) {
 
 INSTANTIATE_TEST_SUITE_P(of, includes, testing::ValuesIn(folders()), testName);
 
+// Rooms of the command line that alone may include a header.
+bool isInRoom(const Include& include, const std::string& room) {
+  return include.file.starts_with("apps/pelmora/" + room + "/");
+}
+
+TEST(command_line, knows_its_parser_in_one_room) {
+  for (const Include& include : includesOf(placeOf("apps/pelmora"))) {
+    const bool isParser = !include.quoted && firstPart(include.target) == "CLI";
+    EXPECT_TRUE(!isParser || isInRoom(include, "options"))
+        << include.file << ": " << include.target;
+  }
+}
+
 TEST(includes_check, finds_an_include_that_points_up) {
   const FolderRule& rule = rules().at("store");
   EXPECT_NE(why("store", rule, {"store/x.cpp", "component/start_fit.h", true}), "");
