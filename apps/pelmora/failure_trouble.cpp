@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/failure_trouble.h"
 
+#include "apps/pelmora/last_words.h"
+
 namespace pelmora::cli {
 namespace {
 
@@ -22,14 +24,21 @@ ExitCode codeOf(const calibration::Failure& failure) {
   return ExitCode::unexpected;
 }
 
+// An operation that fails has stored nothing; a refit may have stored portions before.
+std::string whatIsStored() {
+  return isAnythingStored() ? storedWords().data() : "nothing was changed";
+}
+
 }  // namespace
 
 Trouble troubleOf(const calibration::Failure& failure) {
   requireMemory(failure);
   if (isKind<calibration::Locked>(failure)) {
     return {ExitCode::database, failure.what(),
-            "nothing was changed; " + failure.remedy() + ", or wait longer with --wait SECONDS"};
+            whatIsStored() + "; " + failure.remedy() + ", or wait longer with --wait SECONDS"};
   }
+  if (isKind<calibration::Unusable>(failure) && failure.remedy().empty())
+    return {codeOf(failure), failure.what(), whatIsStored()};
   return {codeOf(failure), failure.what(), failure.remedy()};
 }
 

@@ -42,6 +42,8 @@ void noteSeriesStored(std::size_t stored, std::size_t all) noexcept {
   kind = stored == 0 ? Kind::nothing : Kind::series;
 }
 
+bool isAnythingStored() noexcept { return kind != Kind::nothing; }
+
 ShortText storedWords() noexcept {
   ShortText text{};
   const auto set = [&](const char* words) { std::snprintf(text.data(), text.size(), "%s", words); };

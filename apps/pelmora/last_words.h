@@ -16,6 +16,7 @@ void noteSeriesStored(std::size_t stored, std::size_t all) noexcept;
 
 using ShortText = std::array<char, 120>;  // ends in 0
 
+[[nodiscard]] bool isAnythingStored() noexcept;
 // "nothing was stored", "the change is stored", "the file is written", or
 // "12 of 300 series are stored, the others are unchanged".
 [[nodiscard]] ShortText storedWords() noexcept;

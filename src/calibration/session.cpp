@@ -42,7 +42,11 @@ Session::Session(std::string location, OpenOptions options)
       throw NotFound({error.what(), location_, "name a curve database, or create one"},
                      error.number());
     }
-    throwTranslated("the curve database cannot be opened", error);
+    const std::string doing = "the curve database cannot be opened";
+    // Of a file that cannot even be opened, nobody knows whether it ever was a database.
+    if (isAny(error, {RunTimeError::invalidFileFormat}))
+      throw Unusable({doing + ": " + error.what(), location_, ""}, error.number());
+    throwTranslated(doing, error);
   }
   try {
     requireCurveTables(curves_);

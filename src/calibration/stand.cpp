@@ -6,11 +6,15 @@
 #include "base/run_time_error.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 
 namespace pelmora::calibration {
 namespace {
 
-bool isCsv(const std::string& location) {
+bool isCsvFile(const std::string& location) {
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(location, ignored)) return false;
   constexpr std::string_view ending = ".csv";
   if (location.size() < ending.size()) return false;
   for (std::size_t i = 0; i < ending.size(); ++i) {
@@ -32,7 +36,7 @@ Stand::Stand(const std::string& location, const Patience& patience) : location_(
       throw NotFound({error.what(), location, "name a stand's database or its CSV export"},
                      error.number());
     }
-    if (isCsv(location)) {
+    if (isCsvFile(location)) {
       throw BadData({"the stand's data cannot be read: " + std::string(error.what()), location, ""},
                     error.number());
     }
