@@ -89,7 +89,7 @@ calibration::Fit asFit(const SeriesFit& fit) {
   calibration::Fit same;
   same.min = fit.min;
   same.max = fit.max;
-  same.merged = fit.merged;
+  same.merged = same.fitted = fit.merged;
   same.outcome = fit.outcome;
   return same;
 }

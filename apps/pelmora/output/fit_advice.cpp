@@ -32,11 +32,11 @@ std::string advice(const calibration::Fit& fit, const EquationOutcome& equation)
     case EquationVerdict::noSolution: {
       const auto parameters = calibration::parameterCount(equation.Expression);
       if (!parameters) return "an expression that can be read (--equations)";
-      if (fit.merged.size() <= *parameters) {
+      if (fit.fitted.size() <= *parameters) {
         return "more points (it has " + counted(*parameters, "parameter") + ", the series " +
-               counted(fit.merged.size(), "point") + ") or an equation file with fewer parameters";
+               counted(fit.fitted.size(), "point") + ") or an equation file with fewer parameters";
       }
-      if (takesLogarithm(equation) && !fit.merged.empty() && fit.merged(0, 0) <= 0) {
+      if (takesLogarithm(equation) && !fit.fitted.empty() && fit.fitted(0, 0) <= 0) {
         return "points with Roshko above 0, or an equation file without logarithms";
       }
       return "an equation file (--equations)";

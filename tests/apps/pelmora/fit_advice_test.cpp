@@ -26,7 +26,7 @@ calibration::Fit flatFit() {
   calibration::Fit fit;
   fit.min = 10;
   fit.max = 1000;
-  fit.merged = PointArray{{10, 100}, {100, 100.25}, {1000, 100}};
+  fit.merged = fit.fitted = PointArray{{10, 100}, {100, 100.25}, {1000, 100}};
   return fit;
 }
 
@@ -41,7 +41,7 @@ TEST(advice, names_the_smallest_band_that_would_do) {
 
 TEST(advice, knows_no_band_where_a_point_is_off_by_more_than_the_curve) {
   calibration::Fit fit = flatFit();
-  fit.merged(1, 1) = 300;
+  fit.fitted(1, 1) = 300;
   auto equation = outcome(EquationVerdict::bandTestFailed, "a+b*x");
   equation.Predicted = PointArray{{10, 100}, {1000, 100}};
   EXPECT_FALSE(calibration::passingBand(fit, equation));
@@ -71,7 +71,7 @@ TEST(advice, counts_parameters_as_the_engine_does) {
 
 TEST(advice, wants_positive_roshko_for_logarithms) {
   calibration::Fit fit = flatFit();
-  fit.merged(0, 0) = -1;
+  fit.fitted(0, 0) = -1;
   EXPECT_THAT(advice(fit, outcome(EquationVerdict::noSolution, "a+b*ln(x)")),
               HasSubstr("Roshko above 0"));
 }
