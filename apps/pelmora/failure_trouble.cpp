@@ -39,6 +39,8 @@ Trouble troubleOf(const calibration::Failure& failure) {
   }
   if (isKind<calibration::Unusable>(failure) && failure.remedy().empty())
     return {codeOf(failure), failure.what(), whatIsStored()};
+  if (isKind<calibration::NoCurve>(failure))
+    return {ExitCode::badInput, failure.what(), "fit it with 'pelmora fit'"};
   return {codeOf(failure), failure.what(), failure.remedy()};
 }
 

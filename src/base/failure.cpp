@@ -16,6 +16,7 @@ OutOfRange::OutOfRange(FailureText text, const RoshkoRange& requested, const Ros
 // Here, so that every library of a process has the same type information of them.
 Failure::~Failure() = default;
 NotFound::~NotFound() = default;
+NoCurve::~NoCurve() = default;
 Exists::~Exists() = default;
 Locked::~Locked() = default;
 Unusable::~Unusable() = default;

@@ -73,6 +73,11 @@ std::size_t StoredSeries::numberOf(int part, std::size_t index) const {
   return numberInWholePart(excluded, part, index);
 }
 
+const PointArray& StoredSeries::storedCurve() const {
+  if (curve.size() > 1) return curve;
+  throw NoCurve({placeOf(meter, name) + " has no stored curve", placeOf(meter, name), "fit it"});
+}
+
 std::vector<Meter> Database::meters() const { return readMeters(*session_, ""); }
 
 std::vector<Meter> Database::calibrations(const std::string& serial) const {

@@ -37,7 +37,9 @@ CurveSettings assumedSettings(const StoredSeries& stored, const UnkeptSettings& 
     settings.Min = stored.curve(0, 0);
     settings.Max = stored.curve(stored.curve.size() - 1, 0);
   }
-  if (unkept.equations) settings.Equations = unkept.equations->text();
+  const bool hasOwn = settings.RatioCurve && unkept.ratioEquations;
+  const auto& equations = hasOwn ? unkept.ratioEquations : unkept.equations;
+  if (equations) settings.Equations = equations->text();
   return settings;
 }
 
@@ -105,12 +107,13 @@ Repeated Database::repeat(const StoredSeries& series, const UnkeptSettings& unke
 }
 
 Curve Database::curve(const Meter& meter, const std::string& series) const {
-  const StoredSeries stored = this->series(meter, series);
-  const std::string place = placeOf(meter, stored.name);
-  if (stored.curve.size() < 2)
-    throw NotFound({place + " has no stored curve", location(), "fit it"});
-  std::vector<CurvePoint> points(stored.curve.size());
-  const Repeated repeated = repeat(stored);
+  return curve(this->series(meter, series));
+}
+
+Curve Database::curve(const StoredSeries& stored, const Observer& observer) const {
+  const std::string place = placeOf(stored.meter, stored.name);
+  std::vector<CurvePoint> points(stored.storedCurve().size());
+  const Repeated repeated = repeat(stored, {}, observer);
   const FitOutcome& outcome = repeated.fit.outcome;
   for (std::size_t i = 0; i < points.size(); ++i) {
     points[i] = {stored.curve(i, 0), stored.curve(i, 1), {}, {}};

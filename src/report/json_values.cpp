@@ -30,17 +30,24 @@ json meterJson(const calibration::Meter& meter) {
 }
 
 json setupsJson(const std::vector<CalSetupInfo>& setups) {
+  std::vector<calibration::Run> runs;
+  for (const CalSetupInfo& setup : setups)
+    runs.push_back({setup.ID, setup.Stand, setup.Position, setup.Operator, setup.Fluid,
+                    setup.DateTaken, setup.JobRecordIDs, setup.Points});
+  return runsJson(runs);
+}
+
+json runsJson(const std::vector<calibration::Run>& runs) {
   json list = json::array();
-  for (std::size_t k = 0; k < setups.size(); ++k) {
-    const CalSetupInfo& setup = setups[k];
-    list.push_back({{"rawPart", k < 4 ? json(k + 1) : json()},
-                    {"fluid", setup.Fluid},
-                    {"operator", setup.Operator},
-                    {"date", setup.DateTaken},
-                    {"stand", setup.Stand},
-                    {"position", setup.Position},
-                    {"jobs", setup.JobRecordIDs},
-                    {"points", setup.Points}});
+  for (const calibration::Run& run : runs) {
+    list.push_back({{"rawPart", list.size() < 4 ? json(list.size() + 1) : json()},
+                    {"fluid", run.fluid},
+                    {"operator", run.operatorName},
+                    {"date", run.date},
+                    {"stand", run.stand},
+                    {"position", run.position},
+                    {"jobs", run.jobs},
+                    {"points", run.points}});
   }
   return list;
 }

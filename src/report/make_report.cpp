@@ -91,15 +91,17 @@ ReportInput inputOf(const Database& lab, const Meter& meter,
   input.softwareVersion = version;
   input.createdAt = utcText();
   const auto earlier = earlierCalibrations(lab, meter);
-  for (const std::string& name : options.series.empty() ? lab.seriesOf(meter) : options.series) {
-    const StoredSeries stored = lab.series(meter, name);
-    const calibration::Repeated repeated = lab.repeat(stored, options.unkept);
+  auto all = lab.everySeries(meter, options.series);
+  // As an import derives them: the rotors before what is made of them.
+  if (options.series.empty()) std::ranges::sort(all, {}, &StoredSeries::id);
+  for (const StoredSeries& stored : all) {
+    const calibration::Repeated repeated = lab.repeat(stored, options.unkept, options.observer);
     input.series.push_back(
         {infoOf(stored),
          repeated.settings,
          repeated.settingsAreKept,
          {repeated.fit.outcome, repeated.fit.merged, repeated.fit.curve, repeated.trouble},
-         previousOf(lab, earlier, name)});
+         previousOf(lab, earlier, stored.name)});
   }
   return input;
 }

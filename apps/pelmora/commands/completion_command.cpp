@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "apps/pelmora/command_line.h"
 #include "apps/pelmora/commands/commands.h"
 #include "apps/pelmora/options/common_options.h"
-#include "apps/pelmora/curve_session.h"
 #include "apps/pelmora/description/shell_completion.h"
+#include "apps/pelmora/output/standard_output.h"
+#include "apps/pelmora/session.h"
 #include "apps/pelmora/trouble.h"
 
 #include <memory>
@@ -23,14 +23,14 @@ struct NamesOptions {
 // One name a line, for the completion of a half-typed line: what cannot be told is left out.
 void listNames(const NamesOptions& options) {
   // Whoever presses a key does not wait for a lock.
-  CurveSession session({options.path, std::chrono::milliseconds(250)}, Access::read);
+  Session session({options.path, std::chrono::milliseconds(250)}, calibration::Mode::read);
+  const calibration::Database& lab = session.database();
   std::vector<std::string> names;
   if (options.kind == "meters") {
-    names = session.serialNumbers();
+    names = lab.serials();
   } else if (!options.meter.empty()) {
-    names = session.seriesNames(session.requireMeter(options.meter, -1));
+    names = lab.seriesOf(lab.meter(options.meter));
   }
-  session.progress().clear();
   std::string text;
   for (const std::string& name : names) text += oneLine(name) + "\n";
   printData(text);
@@ -53,7 +53,7 @@ void addNamesCommand(Program& program) {
   const auto options = std::make_shared<NamesOptions>();
   command.addChoice({"KIND", "meters|series", "What to list", true}, options->kind);
   addDatabase(command, options->path);
-  addMeter(command, options->meter, false);
+  command.addText({"--meter", "SN", "Serial number of the meter"}, options->meter);
   command.onRun([options] { listNames(*options); });
 }
 

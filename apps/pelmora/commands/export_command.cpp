@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "apps/pelmora/command_line.h"
 #include "apps/pelmora/commands/commands.h"
 #include "apps/pelmora/options/common_options.h"
-#include "apps/pelmora/curve_session.h"
 #include "apps/pelmora/output/output_file.h"
-#include "apps/pelmora/trouble.h"
+#include "apps/pelmora/output/standard_output.h"
+#include "apps/pelmora/session.h"
 #include "report/csv_report.h"
 #include "report/json_values.h"
 
@@ -15,11 +14,11 @@
 namespace pelmora::cli {
 namespace {
 
-struct ExportOptions {
+struct ExportRequest {
   DatabaseOption curves;
   std::string meter, output = "-", what = "all";
   std::vector<std::string> series;
-  std::int16_t reCalID = -1;
+  std::int16_t calibration = calibration::latestCalibration;
   bool asJson = false;
 };
 
@@ -33,20 +32,18 @@ bool isWanted(const std::string& what, const std::string& kind) {
   return what == "all" || kind.starts_with(what);
 }
 
-std::vector<PointTable> tablesOf(CurveSession& session, const ExportOptions& options,
-                                 const MeterInfo& meter) {
+std::vector<PointTable> tablesOf(const std::vector<calibration::StoredSeries>& all,
+                                 const std::string& what) {
   std::vector<PointTable> tables;
   const auto add = [&](const std::string& series, const std::string& kind,
                        const PointArray& points) {
-    if (isWanted(options.what, kind) && !points.empty()) tables.push_back({series, kind, points});
+    if (isWanted(what, kind) && !points.empty()) tables.push_back({series, kind, points});
   };
-  for (const SeriesInfo& stored : session.requireAllSeries(meter, options.series)) {
-    const std::string& name = stored.SeriesName;
-    for (std::size_t part = 0; part < stored.Raw.size(); ++part) {
-      add(name, "raw" + std::to_string(part + 1), stored.Raw[part].Points);
-    }
-    add(name, "merged", stored.Merged);
-    add(name, "curve", stored.Fitted);
+  for (const calibration::StoredSeries& series : all) {
+    for (std::size_t part = 0; part < series.raw.size(); ++part)
+      add(series.name, "raw" + std::to_string(part + 1), series.raw[part]);
+    add(series.name, "merged", series.merged);
+    add(series.name, "curve", series.curve);
   }
   return tables;
 }
@@ -63,9 +60,9 @@ std::string tablesCsv(const std::vector<PointTable>& tables) {
   return text;
 }
 
-std::string tablesJson(const CurveSession& session, const MeterInfo& meter,
+std::string tablesJson(const std::string& database, const calibration::Meter& meter,
                        const std::vector<PointTable>& tables) {
-  nlohmann::json value{{"database", session.path()},
+  nlohmann::json value{{"database", database},
                        {"meter", report::meterJson(meter)},
                        {"tables", nlohmann::json::array()}};
   for (const PointTable& table : tables) {
@@ -76,32 +73,33 @@ std::string tablesJson(const CurveSession& session, const MeterInfo& meter,
   return report::jsonText(value);
 }
 
-void exportPoints(const ExportOptions& options) {
-  if (options.output != "-") requireOutputFile(options.output, options.curves.path);
-  CurveSession session(options.curves, Access::read);
-  const MeterInfo meter = session.requireMeter(options.meter, options.reCalID);
-  const auto tables = tablesOf(session, options, meter);
-  session.progress().clear();
-  const std::string text = options.asJson ? tablesJson(session, meter, tables) : tablesCsv(tables);
-  if (options.output == "-") return printData(text);
-  writeOutputFile(options.output, text);
+void exportPoints(const ExportRequest& request) {
+  if (request.output != "-") requireOutputFile(request.output, request.curves.path);
+  Session session(request.curves, calibration::Mode::read);
+  const calibration::Database& lab = session.database();
+  const calibration::Meter meter = lab.meter(request.meter, request.calibration);
+  const auto tables = tablesOf(lab.everySeries(meter, request.series), request.what);
+  const std::string text =
+      request.asJson ? tablesJson(session.path(), meter, tables) : tablesCsv(tables);
+  if (request.output == "-") return printData(text);
+  writeOutputFile(request.output, text);
 }
 
 }  // namespace
 
 void addExportCommand(Program& program) {
   Command command = program.add("export", "Write stored points as CSV or JSON, every digit");
-  const auto options = std::make_shared<ExportOptions>();
-  addDatabase(command, options->curves);
-  addMeter(command, options->meter, true);
-  addSeriesList(command, options->series);
-  addCalibration(command, options->reCalID);
+  const auto request = std::make_shared<ExportRequest>();
+  addDatabase(command, request->curves);
+  addMeter(command, request->meter, true);
+  addSeriesList(command, request->series);
+  addCalibration(command, request->calibration);
   command.addChoice({"--points", "all|raw|merged|curve", "Which points (default: all)"},
-                    options->what);
+                    request->what);
   addPath(command, {"-o,--output", "FILE", "File to write (default: standard output)"},
-          options->output);
-  addJson(command, options->asJson);
-  command.onRun([options] { exportPoints(*options); });
+          request->output);
+  addJson(command, request->asJson);
+  command.onRun([request] { exportPoints(*request); });
 }
 
 }  // namespace pelmora::cli

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "apps/pelmora/command_line.h"
 #include "apps/pelmora/commands/commands.h"
 #include "apps/pelmora/options/common_options.h"
+#include "apps/pelmora/output/meter_list.h"
+#include "apps/pelmora/output/standard_output.h"
 #include "apps/pelmora/output/stored_tables.h"
+#include "apps/pelmora/session.h"
 #include "apps/pelmora/trouble.h"
 
 #include <memory>
@@ -10,32 +12,34 @@
 namespace pelmora::cli {
 namespace {
 
-struct ShowOptions {
+struct ShowRequest {
   DatabaseOption curves;
   std::string meter, series;
-  std::int16_t reCalID = -1;
+  std::int16_t calibration = calibration::latestCalibration;
   bool asJson = false;
 };
 
-std::string contents(CurveSession& session, const ShowOptions& options) {
-  if (options.meter.empty()) return options.asJson ? metersJson(session) : metersText(session);
-  const MeterInfo meter = session.requireMeter(options.meter, options.reCalID);
-  if (options.series.empty()) {
-    return options.asJson ? meterContentsJson(session, meter) : meterContentsText(session, meter);
-  }
-  const MeterInfo stored = session.requireSeries(meter, options.series);
-  return options.asJson ? seriesContentsJson(stored) : seriesContentsText(stored);
+void showMeters(const calibration::Database& lab, bool asJson) {
+  asJson ? printMetersJson(lab) : printMeters(lab);
 }
 
-void show(const ShowOptions& options) {
-  if (options.meter.empty() && (!options.series.empty() || options.reCalID >= 0)) {
+void show(const ShowRequest& request) {
+  if (request.meter.empty() &&
+      (!request.series.empty() || request.calibration != calibration::latestCalibration)) {
     throw Trouble(ExitCode::usage, "--series and --calibration need a meter",
                   "give --meter SN as well");
   }
-  CurveSession session(options.curves, Access::read);
-  const std::string text = contents(session, options);
-  session.progress().clear();
-  printData(text);
+  Session session(request.curves, calibration::Mode::read);
+  const calibration::Database& lab = session.database();
+  if (request.meter.empty()) return showMeters(lab, request.asJson);
+  const calibration::Meter meter = lab.meter(request.meter, request.calibration);
+  if (!request.series.empty()) {
+    const calibration::StoredSeries series = lab.series(meter, request.series);
+    return printData(request.asJson ? seriesJson(series) : seriesText(series));
+  }
+  const CalibrationContents contents{session.path(), meter, lab.runs(meter),
+                                     lab.everySeries(meter)};
+  printData(request.asJson ? calibrationJson(contents) : calibrationText(contents));
 }
 
 }  // namespace
@@ -44,13 +48,13 @@ void addShowCommand(Program& program) {
   Command command = program.add(
       "show",
       "Show all meters; with --meter its runs and series; with --series its curve and report");
-  const auto options = std::make_shared<ShowOptions>();
-  addDatabase(command, options->curves);
-  addMeter(command, options->meter, false);
-  addSeries(command, options->series, false);
-  addCalibration(command, options->reCalID);
-  addJson(command, options->asJson);
-  command.onRun([options] { show(*options); });
+  const auto request = std::make_shared<ShowRequest>();
+  addDatabase(command, request->curves);
+  addMeter(command, request->meter, false);
+  addSeries(command, request->series, false);
+  addCalibration(command, request->calibration);
+  addJson(command, request->asJson);
+  command.onRun([request] { show(*request); });
 }
 
 }  // namespace pelmora::cli

@@ -56,12 +56,19 @@ void addDatabase(Command& command, DatabaseOption& curves) {
                   });
 }
 
+void addName(Command& command, const OptionText& option, std::string& name) {
+  command.addText(option, [&name, names = option.names](const std::string& text) {
+    requireName(names, text);
+    name = text;
+  });
+}
+
 void addMeter(Command& command, std::string& serialNumber, bool isRequired) {
-  command.addText({"--meter", "SN", "Serial number of the meter", isRequired}, serialNumber);
+  addName(command, {"--meter", "SN", "Serial number of the meter", isRequired}, serialNumber);
 }
 
 void addSeries(Command& command, std::string& name, bool isRequired) {
-  command.addText({"--series", "NAME", "Name of the series", isRequired}, name);
+  addName(command, {"--series", "NAME", "Name of the series", isRequired}, name);
 }
 
 void addSeriesList(Command& command, std::vector<std::string>& names) {

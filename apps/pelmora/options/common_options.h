@@ -19,6 +19,8 @@ void addPath(Command& command, const OptionText& option, std::string& path);
 void addDatabase(Command& command, std::string& path);
 // With --wait, for commands that work on a database that is there.
 void addDatabase(Command& command, DatabaseOption& curves);
+// A name to look for. Errors when it is parsed: as for requireName().
+void addName(Command& command, const OptionText& option, std::string& name);
 void addMeter(Command& command, std::string& serialNumber, bool isRequired);
 // One series; `isRequired` where the command works on one alone.
 void addSeries(Command& command, std::string& name, bool isRequired);

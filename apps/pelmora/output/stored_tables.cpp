@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/output/stored_tables.h"
 
-#include "apps/pelmora/output/fit_output.h"
 #include "apps/pelmora/output/run_table.h"
 #include "apps/pelmora/output/text_table.h"
+#include "report/json_values.h"
 
 #include <nlohmann/json.hpp>
 
@@ -12,36 +12,12 @@
 namespace pelmora::cli {
 namespace {
 
-using Align = TextTable::Align;
+using calibration::StoredSeries;
 using nlohmann::json;
 
-struct Calibration {
-  std::string serialNumber, adjusted;
-  std::int16_t reCalID = 0;
-  std::vector<std::string> series;
-};
-
-std::vector<Calibration> calibrations(CurveSession& session) {
-  std::vector<Calibration> list;
-  for (const std::string& serialNumber : session.serialNumbers()) {
-    for (const MeterInfo& meter : session.calibrationsOf(serialNumber)) {
-      list.push_back(
-          {serialNumber, meter.SerialNumberAdjusted, meter.ReCalID, session.seriesNames(meter)});
-    }
-  }
-  return list;
+std::string pointsText(const PointArray& points) {
+  return points.empty() ? "-" : std::to_string(points.size());
 }
-
-// The chosen equation as the stored report names it; empty where it names none or several.
-std::string equationOf(const std::string& report) {
-  constexpr std::string_view label = "\nDescription: ";
-  const std::size_t at = report.find(label);
-  if (at == std::string::npos || report.find(label, at + 1) != std::string::npos) return {};
-  const std::size_t begin = at + label.size();
-  return report.substr(begin, report.find_first_of("\r\n", begin) - begin);
-}
-
-std::string countText(std::size_t count) { return count == 0 ? "-" : std::to_string(count); }
 
 std::string rangeText(const PointArray& points) {
   if (points.empty()) return "-";
@@ -50,134 +26,95 @@ std::string rangeText(const PointArray& points) {
   return significantText(*lowest, 4) + " - " + significantText(*highest, 4);
 }
 
-json rawCounts(const SeriesInfo& series) {
-  json counts = json::array();
-  for (const RawSlot& slot : series.Raw) counts.push_back(slot.Points.size());
-  return counts;
+json equationName(const StoredSeries& series) {
+  return series.equation.empty() ? json() : json(series.equation);
 }
 
-std::string headText(const MeterInfo& meter) {
-  const bool isAdjusted =
-      !meter.SerialNumberAdjusted.empty() && meter.SerialNumberAdjusted != meter.SerialNumber;
-  return "Meter " + meter.SerialNumber +
-         (isAdjusted ? " (adjusted " + meter.SerialNumberAdjusted + ")" : "") + ", calibration " +
-         std::to_string(meter.ReCalID);
+std::string headText(const calibration::Meter& meter) {
+  const bool isAdjusted = !meter.adjusted.empty() && meter.adjusted != meter.serial;
+  return "Meter " + meter.serial + (isAdjusted ? " (adjusted " + meter.adjusted + ")" : "") +
+         ", calibration " + std::to_string(meter.calibration);
+}
+
+std::string curveTable(const PointArray& curve) {
+  TextTable table(
+      {{"", TextAlign::right}, {"Roshko", TextAlign::right}, {"Strouhal", TextAlign::right}});
+  for (std::size_t i = 0; i < curve.size(); ++i)
+    table.addRow({std::to_string(i + 1), alignedText(curve(i, 0), 7), alignedText(curve(i, 1), 7)});
+  return table.text();
 }
 
 }  // namespace
 
-std::string metersText(CurveSession& session) {
-  const auto list = calibrations(session);
-  if (list.empty()) return "No meter is stored yet.\n";
-  TextTable table({{"Meter", Align::left},
-                   {"Adjusted", Align::left},
-                   {"Calibration", Align::right},
-                   {"Series", Align::left}});
-  for (const Calibration& calibration : list) {
-    std::string names;
-    for (const std::string& name : calibration.series) names += (names.empty() ? "" : ", ") + name;
-    table.addRow({calibration.serialNumber, calibration.adjusted,
-                  std::to_string(calibration.reCalID), names.empty() ? "-" : names});
-  }
-  return table.text();
-}
-
-std::string metersJson(CurveSession& session) {
-  json meters = json::array();
-  for (const Calibration& calibration : calibrations(session)) {
-    meters.push_back({{"serialNumber", calibration.serialNumber},
-                      {"serialNumberAdjusted", calibration.adjusted},
-                      {"calibration", calibration.reCalID},
-                      {"series", calibration.series}});
-  }
-  return jsonText({{"database", session.path()}, {"meters", meters}});
-}
-
-std::string meterContentsText(CurveSession& session, const MeterInfo& meter) {
-  std::string text = wrapped(headText(meter) + ", in " + session.path(), 0);
-  std::vector<calibration::Run> runs;
-  for (const CalSetupInfo& setup : session.setups(meter)) {
-    runs.push_back({setup.ID, setup.Stand, setup.Position, setup.Operator, setup.Fluid,
-                    setup.DateTaken, setup.JobRecordIDs, setup.Points});
-  }
-  if (!runs.empty()) text += "\n" + runTable(runs);
-  const auto list = session.requireAllSeries(meter, {});
-  if (list.empty()) return text + "\nNo series is stored for it yet.\n";
-  TextTable table({{"Series", Align::left},
-                   {"Raw 1", Align::right},
-                   {"2", Align::right},
-                   {"3", Align::right},
-                   {"4", Align::right},
-                   {"Merged", Align::right},
-                   {"Curve", Align::right},
-                   {"Roshko", Align::left},
-                   {"Equation", Align::left}});
-  for (const SeriesInfo& series : list) {
-    std::vector<std::string> row{series.SeriesName};
-    for (const RawSlot& slot : series.Raw) row.push_back(countText(slot.Points.size()));
-    const std::string equation = equationOf(series.Summary);
-    row.insert(row.end(), {countText(series.Merged.size()), countText(series.Fitted.size()),
-                           rangeText(series.Fitted), equation.empty() ? "-" : equation});
-    table.addRow(row);
+std::string calibrationText(const CalibrationContents& contents) {
+  std::string text = wrapped(headText(contents.meter) + ", in " + contents.database, 0);
+  if (!contents.runs.empty()) text += "\n" + runTable(contents.runs);
+  if (contents.series.empty()) return text + "\nNo series is stored for it yet.\n";
+  TextTable table({{"Series"},
+                   {"Raw 1", TextAlign::right},
+                   {"2", TextAlign::right},
+                   {"3", TextAlign::right},
+                   {"4", TextAlign::right},
+                   {"Merged", TextAlign::right},
+                   {"Curve", TextAlign::right},
+                   {"Roshko"},
+                   {"Equation"}});
+  for (const StoredSeries& series : contents.series) {
+    std::vector<std::string> row{series.name};
+    for (const PointArray& part : series.raw) row.push_back(pointsText(part));
+    row.insert(row.end(),
+               {pointsText(series.merged), pointsText(series.curve), rangeText(series.curve),
+                series.equation.empty() ? "-" : series.equation});
+    table.addRow(std::move(row));
   }
   return text + "\n" + table.text();
 }
 
-std::string meterContentsJson(CurveSession& session, const MeterInfo& meter) {
-  json series = json::array();
-  for (const SeriesInfo& stored : session.requireAllSeries(meter, {})) {
-    const std::string equation = equationOf(stored.Summary);
-    series.push_back({{"name", stored.SeriesName},
-                      {"seriesId", stored.SeriesID},
-                      {"rawPoints", rawCounts(stored)},
-                      {"mergedPoints", stored.Merged.size()},
-                      {"curvePoints", stored.Fitted.size()},
-                      {"equation", equation.empty() ? json() : json(equation)}});
+std::string calibrationJson(const CalibrationContents& contents) {
+  json list = json::array();
+  for (const StoredSeries& series : contents.series) {
+    json counts = json::array();
+    for (const PointArray& part : series.raw) counts.push_back(part.size());
+    list.push_back({{"name", series.name},
+                    {"seriesId", series.id},
+                    {"rawPoints", counts},
+                    {"mergedPoints", series.merged.size()},
+                    {"curvePoints", series.curve.size()},
+                    {"equation", equationName(series)}});
   }
-  return jsonText({{"database", session.path()},
-                   {"meter", meterJson(meter)},
-                   {"setups", setupsJson(session.setups(meter))},
-                   {"series", series}});
+  return report::jsonText({{"database", contents.database},
+                           {"meter", report::meterJson(contents.meter)},
+                           {"setups", report::runsJson(contents.runs)},
+                           {"series", list}});
 }
 
-std::string seriesContentsText(const MeterInfo& stored) {
-  const SeriesInfo& series = stored.Series.front();
+std::string seriesText(const StoredSeries& series) {
   std::string counts;
-  for (std::size_t part = 0; part < series.Raw.size(); ++part) {
-    counts += (part == 0 ? "" : " + ") + std::to_string(series.Raw[part].Points.size());
-  }
-  std::string text = wrapped(headText(stored) + ", series '" + series.SeriesName + "': " + counts +
-                                 " raw points, " + std::to_string(series.Merged.size()) +
-                                 " merged, " + std::to_string(series.Fitted.size()) + " fitted",
+  for (const PointArray& part : series.raw)
+    counts += (counts.empty() ? "" : " + ") + std::to_string(part.size());
+  std::string text = wrapped(headText(series.meter) + ", series '" + series.name + "': " + counts +
+                                 " raw points, " + std::to_string(series.merged.size()) +
+                                 " merged, " + std::to_string(series.curve.size()) + " fitted",
                              0);
-  if (series.Fitted.empty()) text += "No curve is stored for it yet: fit it with 'pelmora fit'.\n";
-  if (!series.Fitted.empty()) {
-    TextTable table({{"", Align::right}, {"Roshko", Align::right}, {"Strouhal", Align::right}});
-    for (std::size_t i = 0; i < series.Fitted.size(); ++i) {
-      table.addRow({std::to_string(i + 1), alignedText(series.Fitted(i, 0), 7),
-                    alignedText(series.Fitted(i, 1), 7)});
-    }
-    text += "\n" + table.text();
-  }
-  if (series.Summary.empty()) return text;
-  std::string report = series.Summary;
+  text += series.curve.empty() ? "No curve is stored for it yet: fit it with 'pelmora fit'.\n"
+                               : "\n" + curveTable(series.curve);
+  if (series.report.empty()) return text;
+  std::string report = series.report;
   std::erase(report, '\r');
   return text + "\nReport\n------\n" + report + (report.ends_with('\n') ? "" : "\n");
 }
 
-std::string seriesContentsJson(const MeterInfo& stored) {
-  const SeriesInfo& series = stored.Series.front();
+std::string seriesJson(const StoredSeries& series) {
   json raw = json::array();
-  for (const RawSlot& slot : series.Raw) raw.push_back(pointsJson(slot.Points));
-  const std::string equation = equationOf(series.Summary);
-  return jsonText({{"meter", meterJson(stored)},
-                   {"series", series.SeriesName},
-                   {"seriesId", series.SeriesID},
-                   {"raw", raw},
-                   {"merged", pointsJson(series.Merged)},
-                   {"curve", pointsJson(series.Fitted)},
-                   {"equation", equation.empty() ? json() : json(equation)},
-                   {"report", series.Summary}});
+  for (const PointArray& part : series.raw) raw.push_back(report::pointsJson(part));
+  return report::jsonText({{"meter", report::meterJson(series.meter)},
+                           {"series", series.name},
+                           {"seriesId", series.id},
+                           {"raw", raw},
+                           {"merged", report::pointsJson(series.merged)},
+                           {"curve", report::pointsJson(series.curve)},
+                           {"equation", equationName(series)},
+                           {"report", series.report}});
 }
 
 }  // namespace pelmora::cli

@@ -1,23 +1,26 @@
-// What a curve database holds, as tables and as JSON.
+// What a calibration and a series hold, as tables and as JSON.
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "apps/pelmora/curve_session.h"
+#include <pelmora/calibration/values.h>
 
 #include <string>
+#include <vector>
 
 namespace pelmora::cli {
 
-// Every calibration of every meter.
-[[nodiscard]] std::string metersText(CurveSession& session);
-[[nodiscard]] std::string metersJson(CurveSession& session);
-
 // The runs and the series of one calibration.
-[[nodiscard]] std::string meterContentsText(CurveSession& session, const MeterInfo& meter);
-[[nodiscard]] std::string meterContentsJson(CurveSession& session, const MeterInfo& meter);
+struct CalibrationContents {
+  std::string database;
+  calibration::Meter meter;
+  std::vector<calibration::Run> runs;
+  std::vector<calibration::StoredSeries> series;
+};
+[[nodiscard]] std::string calibrationText(const CalibrationContents& contents);
+[[nodiscard]] std::string calibrationJson(const CalibrationContents& contents);
 
-// One series: counts, the fitted curve and the report as it is stored. `stored` has one series.
-[[nodiscard]] std::string seriesContentsText(const MeterInfo& stored);
-[[nodiscard]] std::string seriesContentsJson(const MeterInfo& stored);
+// One series: counts, the fitted curve and the report as it is stored.
+[[nodiscard]] std::string seriesText(const calibration::StoredSeries& series);
+[[nodiscard]] std::string seriesJson(const calibration::StoredSeries& series);
 
 }  // namespace pelmora::cli

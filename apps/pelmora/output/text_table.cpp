@@ -26,9 +26,9 @@ std::string cut(const std::string& text, std::size_t width) {
   return result + "...";
 }
 
-std::string aligned(const std::string& text, std::size_t width, TextTable::Align align) {
+std::string aligned(const std::string& text, std::size_t width, TextAlign align) {
   const std::string padding(width - displayWidth(text), ' ');
-  return align == TextTable::Align::left ? text + padding : padding + text;
+  return align == TextAlign::left ? text + padding : padding + text;
 }
 
 }  // namespace
@@ -37,50 +37,56 @@ std::size_t displayWidth(std::string_view text) {
   return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), startsCharacter));
 }
 
-void TextTable::addRow(const std::vector<std::string>& cells) {
-  std::vector<std::string> row;
-  for (std::size_t c = 0; c < columns_.size(); ++c)
-    row.push_back(oneLine(c < cells.size() ? cells[c] : ""));
-  rows_.push_back(std::move(row));
+TableLayout::TableLayout(std::vector<TextColumn> columns) : columns_(std::move(columns)) {
+  for (const TextColumn& column : columns_) widths_.push_back(displayWidth(column.title));
 }
 
-std::vector<std::size_t> TextTable::widths() const {
-  std::vector<std::size_t> widths;
-  for (std::size_t c = 0; c < columns_.size(); ++c) {
-    std::size_t width = displayWidth(columns_[c].title);
-    for (const auto& row : rows_) width = std::max(width, displayWidth(row[c]));
-    widths.push_back(width);
-  }
+void TableLayout::measure(const std::vector<std::string>& cells) {
+  for (std::size_t c = 0; c < cells.size() && c < columns_.size(); ++c)
+    widths_[c] = std::max(widths_[c], displayWidth(oneLine(cells[c])));
+}
+
+std::string TableLayout::head() {
   const auto total = [&] {
-    return std::accumulate(widths.begin(), widths.end(), gap * (widths.size() - 1));
+    return std::accumulate(widths_.begin(), widths_.end(), gap * (widths_.size() - 1));
   };
   while (total() > terminalColumns) {
     std::size_t widest = columns_.size();
     for (std::size_t c = 0; c < columns_.size(); ++c) {
-      const bool canShrink = columns_[c].align == Align::left && widths[c] > narrowest;
-      if (canShrink && (widest == columns_.size() || widths[c] > widths[widest])) widest = c;
+      const bool canShrink = columns_[c].align == TextAlign::left && widths_[c] > narrowest;
+      if (canShrink && (widest == columns_.size() || widths_[c] > widths_[widest])) widest = c;
     }
     if (widest == columns_.size()) break;
-    --widths[widest];
+    --widths_[widest];
   }
-  return widths;
+  std::vector<std::string> titles, dashes;
+  for (std::size_t c = 0; c < columns_.size(); ++c) {
+    titles.push_back(columns_[c].title);
+    dashes.emplace_back(widths_[c], '-');
+  }
+  return line(titles) + line(dashes);
+}
+
+std::string TableLayout::line(const std::vector<std::string>& cells) const {
+  std::string line;
+  for (std::size_t c = 0; c < columns_.size(); ++c) {
+    if (c > 0) line.append(gap, ' ');
+    const std::string cell = c < cells.size() ? oneLine(cells[c]) : "";
+    line += aligned(cut(cell, widths_[c]), widths_[c], columns_[c].align);
+  }
+  line.erase(line.find_last_not_of(' ') + 1);
+  return line + "\n";
+}
+
+void TextTable::addRow(std::vector<std::string> cells) {
+  layout_.measure(cells);
+  rows_.push_back(std::move(cells));
 }
 
 std::string TextTable::text() const {
-  const auto columnWidths = widths();
-  std::string text;
-  const auto addLine = [&](const auto& cellOf) {
-    std::string line;
-    for (std::size_t c = 0; c < columns_.size(); ++c) {
-      if (c > 0) line.append(gap, ' ');
-      line += aligned(cut(cellOf(c), columnWidths[c]), columnWidths[c], columns_[c].align);
-    }
-    line.erase(line.find_last_not_of(' ') + 1);
-    text += line + "\n";
-  };
-  addLine([&](std::size_t c) { return columns_[c].title; });
-  addLine([&](std::size_t c) { return std::string(columnWidths[c], '-'); });
-  for (const auto& row : rows_) addLine([&](std::size_t c) { return row[c]; });
+  TableLayout layout = layout_;
+  std::string text = layout.head();
+  for (const auto& row : rows_) text += layout.line(row);
   return text;
 }
 

@@ -13,26 +13,45 @@ namespace pelmora::cli {
 
 inline constexpr std::size_t terminalColumns = 80;
 
+enum class TextAlign { left, right };
+
+struct TextColumn {
+  std::string title;
+  TextAlign align = TextAlign::left;
+};
+
 // A table of texts: columns are as wide as their widest cell, two blanks apart, and the line ends
 // without blanks. Where a row would be wider than 80 columns, the widest text column is cut with
-// "...".
+// "...". Control characters are made harmless.
+//
+// Keeps no rows: measure() all of them, then write head() and a line() for each.
+class TableLayout {
+ public:
+  explicit TableLayout(std::vector<TextColumn> columns);
+
+  // As many cells as columns.
+  void measure(const std::vector<std::string>& cells);
+  // The titles, underlined; what is measured afterwards has no effect.
+  [[nodiscard]] std::string head();
+  [[nodiscard]] std::string line(const std::vector<std::string>& cells) const;
+
+ private:
+  std::vector<TextColumn> columns_;
+  std::vector<std::size_t> widths_;
+};
+
+// The same with its rows.
 class TextTable {
  public:
-  enum class Align { left, right };
-  struct Column {
-    std::string title;
-    Align align = Align::left;
-  };
+  using Align = TextAlign;
+  using Column = TextColumn;
 
-  explicit TextTable(std::vector<Column> columns) : columns_(std::move(columns)) {}
-  // As many cells as columns; control characters are made harmless.
-  void addRow(const std::vector<std::string>& cells);
+  explicit TextTable(std::vector<Column> columns) : layout_(std::move(columns)) {}
+  void addRow(std::vector<std::string> cells);
   [[nodiscard]] std::string text() const;
 
  private:
-  [[nodiscard]] std::vector<std::size_t> widths() const;
-
-  std::vector<Column> columns_;
+  TableLayout layout_;
   std::vector<std::vector<std::string>> rows_;
 };
 

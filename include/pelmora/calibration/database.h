@@ -18,6 +18,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -94,6 +95,12 @@ class PELMORA_API Database {
   //
   // Errors: NotFound; its remedy suggests similar names.
   [[nodiscard]] std::vector<Meter> meters() const;  // every calibration, by serial and number
+  [[nodiscard]] std::vector<std::string> serials() const;  // in alphabetical order
+  // Calls `visit` with every calibration, by serial and number. Reads some at a time, so that the
+  // memory that it needs does not grow with their number.
+  //
+  // Errors: BadData if a series has no name or a calibration no number.
+  void overview(const std::function<void(const MeterOverview&)>& visit) const;
   [[nodiscard]] std::vector<Meter> calibrations(const std::string& serial) const;  // rising
   [[nodiscard]] std::optional<Meter> findMeter(const std::string& serial,
                                                int calibration = latestCalibration) const;
@@ -107,6 +114,13 @@ class PELMORA_API Database {
   //
   // Errors: NotFound; BadData if points are not numbers or there are more than 32,767.
   [[nodiscard]] StoredSeries series(const Meter& meter, const std::string& name) const;
+  // Several series, in the order of `names`; all of the calibration in alphabetical order if none
+  // is named.
+  //
+  // Errors: NotFound; BadData that names every series that cannot be read, Damaged if the first of
+  //         them is on a damaged page.
+  [[nodiscard]] std::vector<StoredSeries> everySeries(
+      const Meter& meter, const std::vector<std::string>& names = {}) const;
 
   // The latest calibration of the meter; an unknown meter is registered first. With
   // `newCalibration`, always starts the next calibration.
@@ -172,8 +186,9 @@ class PELMORA_API Database {
   // The stored curve. It has bands if a new fit with the same settings reproduces the curve; the
   // bands are those of the new fit.
   //
-  // Errors: NotFound if none is stored; BadData if the stored points are not a valid curve.
+  // Errors: NoCurve if none is stored; BadData if the stored points are not a valid curve.
   [[nodiscard]] Curve curve(const Meter& meter, const std::string& series) const;
+  [[nodiscard]] Curve curve(const StoredSeries& series, const Observer& observer = {}) const;
 
   // Whether the stored curve belongs to the stored raw points. If StoredSeries::age does not know,
   // the fit is repeated: a curve that comes out again is current.

@@ -38,6 +38,13 @@ class PELMORA_API NotFound : public Failure {
   ~NotFound() override;
 };
 
+// A series that has no stored curve.
+class PELMORA_API NoCurve : public NotFound {
+ public:
+  using NotFound::NotFound;
+  ~NoCurve() override;
+};
+
 // Something that was to be created already exists.
 class PELMORA_API Exists : public Failure {
  public:

@@ -17,6 +17,7 @@ struct UnkeptSettings {
   std::optional<double> band{};
   std::optional<std::int16_t> points{};
   std::optional<EquationList> equations{};
+  std::optional<EquationList> ratioEquations{};  // of rotor ratios; absent: `equations`
 };
 
 // A fit with the settings of the stored curve. Nothing of it is stored.

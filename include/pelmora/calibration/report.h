@@ -23,6 +23,7 @@ enum class ReportKind {
 struct ReportOptions {
   std::vector<std::string> series{};  // empty: all of the calibration
   UnkeptSettings unkept{};
+  Observer observer{};  // of the fits that a report repeats
 };
 
 // The kind that fits the extension of a file name; nothing for any other extension.

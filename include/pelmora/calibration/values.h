@@ -27,6 +27,14 @@ struct Meter {
   bool operator==(const Meter&) const = default;
 };
 
+// A calibration and the names of its series, in alphabetical order.
+struct MeterOverview {
+  Meter meter;
+  std::vector<std::string> series;
+
+  bool operator==(const MeterOverview&) const = default;
+};
+
 // A stand's measurements in one fluid. A calibration has up to four runs, one raw part each.
 struct Run {
   std::int32_t id = 0;
@@ -83,6 +91,8 @@ struct StoredSeries {
   [[nodiscard]] PELMORA_API std::size_t rawPoints() const;
   // The number, in the whole part, of a point of raw[part - 1].
   [[nodiscard]] PELMORA_API std::size_t numberOf(int part, std::size_t index) const;
+  // The stored curve. Errors: NoCurve.
+  [[nodiscard]] PELMORA_API const PointArray& storedCurve() const;
   // One clause if the curve is outdated, otherwise empty.
   [[nodiscard]] PELMORA_API std::string ageWarning() const;
 };
