@@ -13,6 +13,7 @@ bool isKind(const calibration::Failure& failure) {
 
 ExitCode codeOf(const calibration::Failure& failure) {
   if (isKind<calibration::NotFound>(failure)) return ExitCode::unknownName;
+  if (isKind<calibration::NotRestorable>(failure)) return ExitCode::badInput;
   if (isKind<calibration::Damaged>(failure)) return ExitCode::badInput;
   if (isKind<calibration::Locked>(failure) || isKind<calibration::Unusable>(failure) ||
       isKind<calibration::Exists>(failure) || isKind<calibration::Changed>(failure)) {

@@ -4,13 +4,16 @@
 #include "base/text_flaw.h"
 #include "base/utf8_text.h"
 
+#include <algorithm>
 #include <new>
 
 namespace pelmora::cli {
 
 std::string oneLine(std::string_view text) {
-  std::string line;
-  for (std::string_view rest = text; !rest.empty();) {
+  const auto isPlain = [](char c) { return c >= ' ' && c <= '~'; };
+  const bool isAllPlain = std::ranges::all_of(text, isPlain);  // by far the most
+  std::string line(isAllPlain ? text : std::string_view());
+  for (std::string_view rest = isAllPlain ? std::string_view() : text; !rest.empty();) {
     const std::string_view before = rest;
     const auto character = takeUtf8Character(rest);
     if (character == U'\r' || character == U'\n' || character == U'\t') {
@@ -35,11 +38,6 @@ std::string errorLine(const Trouble& trouble) {
 void requireMemory(const Error& error) {
   constexpr std::int32_t outOfMemory = 7;
   if (error.number() == outOfMemory) throw std::bad_alloc();
-}
-
-Trouble databaseTrouble(const std::string& doing, const Error& error) {
-  requireMemory(error);
-  return {ExitCode::database, doing + ": " + error.what(), ""};
 }
 
 }  // namespace pelmora::cli

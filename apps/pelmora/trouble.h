@@ -39,7 +39,4 @@ inline constexpr const char* lookForCause = "look for the cause with 'pelmora do
 // Errors: std::bad_alloc where that is what `error` tells, whatever met it.
 void requireMemory(const Error& error);
 
-// An error of a database that was opened or asked. Errors: std::bad_alloc.
-[[nodiscard]] Trouble databaseTrouble(const std::string& doing, const Error& error);
-
 }  // namespace pelmora::cli

@@ -5,6 +5,7 @@
 #include <pelmora/calibration/curve.h>
 #include <pelmora/calibration/database.h>
 #include <pelmora/calibration/equations.h>
+#include <pelmora/calibration/examination.h>
 #include <pelmora/calibration/failure.h>
 #include <pelmora/calibration/fit.h>
 #include <pelmora/calibration/history.h>

@@ -18,6 +18,7 @@ Failure::~Failure() = default;
 NotFound::~NotFound() = default;
 NoCurve::~NoCurve() = default;
 Exists::~Exists() = default;
+NotRestorable::~NotRestorable() = default;
 Locked::~Locked() = default;
 Unusable::~Unusable() = default;
 Damaged::~Damaged() = default;

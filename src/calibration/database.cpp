@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "calibration/session.h"
+#include "history/kept_tables.h"
+
+#include <pelmora/own_tables.h>
 
 namespace pelmora::calibration {
 
@@ -36,7 +39,15 @@ Database create(const std::string& location, OpenOptions options) {
     }
     throw Unusable({error.what(), location, ""}, error.number());
   }
-  return Database(location, std::move(options));
+  Database lab(location, std::move(options));
+  try {
+    Transaction transaction(lab.connection());
+    history::createHistoryTables(lab.connection());
+    transaction.commit();
+  } catch (const Error& error) {
+    throwFailure("creating '" + location + "'", location, error);
+  }
+  return lab;
 }
 
 }  // namespace pelmora::calibration

@@ -105,8 +105,8 @@ void Database::overview(const std::function<void(const MeterOverview&)>& visit) 
       const auto serials = readRows(connection, "Select TOP 4000 SerialNumber from meter where " +
                                                     beyond + " ORDER BY SerialNumber");
       if (serials->atEnd()) return;
-      std::string last;
-      for (; !serials->atEnd(); serials->moveNext()) last = toText(serials->value(0));
+      for (std::int32_t left = serials->recordCount() - 1; left > 0; --left) serials->moveNext();
+      const std::string last = toText(serials->value(0));
       const std::string literal = NameText::quoted(last).literal();
       visitWhere("meter." + beyond + " AND meter.SerialNumber <= " + literal);
       beyond = "SerialNumber > " + literal;

@@ -4,6 +4,7 @@
 #include "calibration/session.h"
 #include "history/deleting.h"
 #include "history/entries.h"
+#include "history/fingerprint.h"
 #include "history/restoring.h"
 
 namespace pelmora::calibration {
@@ -38,11 +39,51 @@ HistoryEntry removeScope(Session& session, const history::Scope& scope, const Me
   });
 }
 
+history::Scope scopeOf(const Removal& removal) {
+  return removal.series.empty() ? history::wholeCalibration(removal.meter.id)
+                                : history::wholeSeries(removal.meter.id, removal.seriesID);
+}
+
+std::string placeOf(const Removal& removal) {
+  return removal.series.empty() ? placeOf(removal.meter) : placeOf(removal.meter, removal.series);
+}
+
+Removal measured(Session& session, Removal removal) {
+  return session.asking("reading " + placeOf(removal), [&] {
+    const auto moment = session.moment();
+    const history::Scope scope = scopeOf(removal);
+    removal.basis = history::fingerprint(session.curves(), scope);
+    for (const auto& [table, rows] : history::rowsOf(session.curves(), scope))
+      removal.rows[table] = rows;
+    return removal;
+  });
+}
+
 }  // namespace
 
+Removal Database::removal(const Meter& meter, const std::string& series) const {
+  const std::string name = cleanName("series", series);
+  return measured(*session_, {meter, name, seriesID(meter, name), {}, 0});
+}
+
+Removal Database::removal(const Meter& meter) const {
+  return measured(*session_, {meter, "", 0, {}, 0});
+}
+
+HistoryEntry Database::remove(const Removal& shown) {
+  const std::string place = placeOf(shown);
+  return session_->changing("delete", "deleting " + place, [&] {
+    if (history::fingerprint(session_->curves(), scopeOf(shown)) != shown.basis) {
+      throw Changed({"another program has changed " + place + " since it was shown", location(),
+                     "look at it again"});
+    }
+    return removeScope(*session_, scopeOf(shown), shown.meter, shown.series);
+  });
+}
+
 HistoryEntry Database::remove(const Meter& meter, const std::string& series) {
-  const StoredSeries stored = this->series(meter, series);
-  return removeScope(*session_, history::wholeSeries(meter.id, stored.id), meter, stored.name);
+  const std::string name = cleanName("series", series);
+  return removeScope(*session_, history::wholeSeries(meter.id, seriesID(meter, name)), meter, name);
 }
 
 HistoryEntry Database::remove(const Meter& meter) {
@@ -70,18 +111,30 @@ Restored Database::restore(HistoryEntryId entry) {
       if (error.number() == history::noSuchEntry)
         throw NotFound({error.what(), location(), "list the history"}, error.number());
       if (error.number() == history::standsInTheWay)
-        throw Exists({error.what(), location(), "restore what belongs to it first"},
-                     error.number());
+        throw NotRestorable({"restoring " + name + ": " + error.what(), location(), ""},
+                            error.number());
       throw;
     }
   });
 }
 
+std::vector<HistoryEntry> Database::prunable(const HistoryPruning& pruning) const {
+  return session_->asking("the history of '" + location() + "' cannot be read", [&] {
+    return entriesOf(history::prunable(session_->curves(), {pruning.before, pruning.keep}));
+  });
+}
+
+void Database::prune(const std::vector<HistoryEntry>& entries) {
+  session_->changing("prune", "removing entries of the history", [&] {
+    for (const HistoryEntry& entry : entries) history::removeEntry(session_->curves(), entry.id);
+  });
+}
+
 std::vector<HistoryEntry> Database::prune(const HistoryPruning& pruning) {
   return session_->changing("prune", "removing entries of the history", [&] {
-    const auto old = history::prunable(session_->curves(), {pruning.before, pruning.keep});
-    history::removeEntries(session_->curves(), old);
-    return entriesOf(old);
+    const auto old = prunable(pruning);
+    prune(old);
+    return old;
   });
 }
 

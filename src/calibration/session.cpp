@@ -33,6 +33,21 @@ bool isAny(const Error& error, std::initializer_list<RunTimeError> numbers) {
 
 }  // namespace
 
+void throwFailure(const std::string& doing, const std::string& location, const Error& error) {
+  const std::string what = doing + ": " + error.what();
+  const std::int32_t number = error.number();
+  if (number == genericFailure) {
+    throw Locked({what, location, "try again when other programs have finished with it"}, number);
+  }
+  if (isAny(error, {RunTimeError::invalidFileFormat})) {
+    throw Damaged({what, location, "restore it from a copy, or bring over what can be read"},
+                  number);
+  }
+  if (isAny(error, {RunTimeError::invalidNull, RunTimeError::typeMismatch, RunTimeError::overflow}))
+    throw BadData({what, location, "examine the database"}, number);
+  throw Unusable({what, location, ""}, number);
+}
+
 Session::Session(std::string location, OpenOptions options)
     : location_(std::move(location)), options_(std::move(options)) {
   try {
@@ -63,18 +78,7 @@ Session::Session(std::string location, OpenOptions options)
 }
 
 void Session::throwTranslated(const std::string& doing, const Error& error) const {
-  const std::string what = doing + ": " + error.what();
-  const std::int32_t number = error.number();
-  if (number == genericFailure) {
-    throw Locked({what, location_, "try again when other programs have finished with it"}, number);
-  }
-  if (isAny(error, {RunTimeError::invalidFileFormat})) {
-    throw Damaged({what, location_, "restore it from a copy, or bring over what can be read"},
-                  number);
-  }
-  if (isAny(error, {RunTimeError::invalidNull, RunTimeError::typeMismatch, RunTimeError::overflow}))
-    throw BadData({what, location_, "examine the database"}, number);
-  throw Unusable({what, location_, ""}, number);
+  throwFailure(doing, location_, error);
 }
 
 std::string Session::userName() const { return nameOfUser(options_.userName); }

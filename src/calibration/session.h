@@ -87,6 +87,10 @@ class Session {
   std::vector<HistoryEntryId> kept_;
 };
 
+// An error of the database at `location` as the failure that it means, with `doing` before it.
+[[noreturn]] void throwFailure(const std::string& doing, const std::string& location,
+                               const Error& error);
+
 // "series 'Rotor A' of meter 'M1', calibration 0"
 [[nodiscard]] std::string placeOf(const Meter& meter, const std::string& series);
 [[nodiscard]] std::string placeOf(const Meter& meter);

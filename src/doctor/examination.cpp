@@ -14,13 +14,8 @@ std::vector<Finding> examine(const ConnectionPtr& curves) {
     check(curves, findings);
   }
   std::stable_sort(findings.begin(), findings.end(),
-                   [](const Finding& a, const Finding& b) { return a.Level > b.Level; });
+                   [](const Finding& a, const Finding& b) { return a.severity > b.severity; });
   return findings;
-}
-
-bool hasProblems(const std::vector<Finding>& findings) {
-  return std::any_of(findings.begin(), findings.end(),
-                     [](const Finding& finding) { return finding.Level != Severity::note; });
 }
 
 }  // namespace pelmora::doctor

@@ -15,7 +15,4 @@ namespace pelmora::doctor {
 // Errors: Error if the database cannot be read or lacks a given table.
 [[nodiscard]] std::vector<Finding> examine(const ConnectionPtr& curves);
 
-// Whether there is a finding that is more than a note.
-[[nodiscard]] bool hasProblems(const std::vector<Finding>& findings);
-
 }  // namespace pelmora::doctor

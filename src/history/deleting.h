@@ -23,6 +23,10 @@ struct DeleteOutcome {
   std::vector<DeletedRows> Rows;  // tables without rows are left out
 };
 
+// How many rows the scope has, by table; tables without rows are left out.
+[[nodiscard]] PELMORA_API std::vector<DeletedRows> rowsOf(const ConnectionPtr& curves,
+                                                          const Scope& scope);
+
 // Removes all rows of the scope once `change` has kept them. Nothing is stored before
 // change.commit().
 [[nodiscard]] PELMORA_API DeleteOutcome removeKept(const ConnectionPtr& curves, KeptChange& change,

@@ -141,17 +141,13 @@ std::vector<Entry> prunable(const ConnectionPtr& curves, const Pruning& pruning)
   return old;
 }
 
-void removeEntries(const ConnectionPtr& curves, const std::vector<Entry>& old) {
-  if (old.empty()) return;
-  Transaction transaction(curves);
-  for (const Entry& entry : old) {
-    for (const KeptTable& table : keptTables()) {
-      if (!hasTable(curves, table.HistoryName)) continue;
-      curves->execute("DELETE FROM [" + table.HistoryName + "]" + conditionOfEntry(entry.ID));
-    }
-    curves->execute("DELETE FROM " + std::string(historyEntryTable) + whereIn("ID", {entry.ID}));
+void removeEntry(const ConnectionPtr& curves, std::int64_t entryID) {
+  for (const KeptTable& table : keptTables()) {
+    if (!hasTable(curves, table.HistoryName)) continue;
+    curves->execute("DELETE FROM [" + table.HistoryName + "]" + conditionOfEntry(entryID));
   }
-  transaction.commit();
+  if (!hasTable(curves, historyEntryTable)) return;
+  curves->execute("DELETE FROM " + std::string(historyEntryTable) + whereIn("ID", {entryID}));
 }
 
 }  // namespace pelmora::history

@@ -47,7 +47,7 @@ struct Pruning {
 // The entries that `pruning` takes out, from the newest to the oldest.
 [[nodiscard]] PELMORA_API std::vector<Entry> prunable(const ConnectionPtr& curves,
                                                       const Pruning& pruning);
-// Removes entries with their rows, in one transaction. This is not kept anywhere.
-PELMORA_API void removeEntries(const ConnectionPtr& curves, const std::vector<Entry>& old);
+// Removes an entry with its rows; begin a transaction first. This is not kept anywhere.
+PELMORA_API void removeEntry(const ConnectionPtr& curves, std::int64_t entryID);
 
 }  // namespace pelmora::history

@@ -52,22 +52,6 @@ json runsJson(const std::vector<calibration::Run>& runs) {
   return list;
 }
 
-json runsJson(const std::vector<calibration::Run>& runs) {
-  json list = json::array();
-  for (std::size_t k = 0; k < runs.size(); ++k) {
-    const calibration::Run& run = runs[k];
-    list.push_back({{"rawPart", k < 4 ? json(k + 1) : json()},
-                    {"fluid", run.fluid},
-                    {"operator", run.operatorName},
-                    {"date", run.date},
-                    {"stand", run.stand},
-                    {"position", run.position},
-                    {"jobs", run.jobs},
-                    {"points", run.points}});
-  }
-  return list;
-}
-
 json equationJson(const EquationOutcome& equation) {
   json parameters = json::array();
   for (const FitParameter& parameter : equation.Parameters) {

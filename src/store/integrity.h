@@ -3,21 +3,12 @@
 #pragma once
 
 #include <pelmora/export.h>
+#include <pelmora/salvage.h>
 
 #include <cstddef>
-#include <string>
 #include <vector>
 
 namespace pelmora {
-
-// One kind of damage.
-struct IntegrityProblem {
-  std::string Text;       // for people: "Index raw1_series does not agree with its table"
-  std::size_t Count = 0;  // how often it was found
-  std::string Example;    // the engine's own words, once
-
-  bool operator==(const IntegrityProblem&) const = default;
-};
 
 // A connection whose engine can check its own storage fills this role too.
 class PELMORA_API IntegrityCheck {

@@ -38,7 +38,7 @@ const std::map<std::string, FolderRule>& rules() {
       {"calibration/steps", {{"base", "points", "store", "curves"}, {}}},
       {"calibration",
        {{"base", "points", "store", "curves", "solver", "solver/equations", "solver/reference",
-         "band", "history", "calibration/steps"},
+         "band", "history", "doctor", "calibration/steps"},
         {}}},
       {"component", {{"base", "ui", "points", "store", "curves", "calibration/steps"}, {}}},
       {"adapters/sql_dialect", {{"base"}, {}}},
@@ -60,8 +60,7 @@ const std::map<std::string, FolderRule>& rules() {
       {"history", {{"base", "store"}, {}}},
       {"doctor", {{"history", "store"}, {}}},
       {"report", {{"base", "curves"}, {"nlohmann", "xlsxwriter.h", "posix"}}},
-      {"apps/pelmora",
-       {{"base", "curves", "doctor", "history", "report"}, {"CLI", "nlohmann", "posix"}}},
+      {"apps/pelmora", {{"base", "curves", "report"}, {"CLI", "nlohmann", "posix"}}},
       {"include/pelmora", {}},
   };
   return table;

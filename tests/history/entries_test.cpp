@@ -55,7 +55,8 @@ TEST_F(history_entries, of_a_series_count_its_rows_alone) {
 TEST_F(history_entries, that_are_old_can_be_taken_out) {
   changeThrice();
   const auto prune = [&](const Pruning& pruning) {
-    removeEntries(curves.connection, prunable(curves.connection, pruning));
+    for (const Entry& entry : prunable(curves.connection, pruning))
+      removeEntry(curves.connection, entry.ID);
   };
   prune({"2026-01-02T00:00:00Z", 3});
   EXPECT_THAT(ids(), ElementsAre(3, 2, 1));

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: MIT
-#include "apps/pelmora/command_line.h"
 #include "apps/pelmora/commands/commands.h"
-#include "apps/pelmora/options/common_options.h"
-#include "apps/pelmora/output/fit_output.h"
-#include "apps/pelmora/output/history_output.h"
-#include "apps/pelmora/last_words.h"
 #include "apps/pelmora/input/question.h"
-#include "apps/pelmora/stored_change.h"
+#include "apps/pelmora/last_words.h"
+#include "apps/pelmora/options/common_options.h"
 #include "apps/pelmora/options/strict_number.h"
+#include "apps/pelmora/output/history_output.h"
+#include "apps/pelmora/output/standard_output.h"
 #include "apps/pelmora/output/text_table.h"
-#include "apps/pelmora/time_text.h"
+#include "apps/pelmora/session.h"
 #include "apps/pelmora/trouble.h"
+#include "base/time_text.h"
+#include "report/json_values.h"
 
 #include <nlohmann/json.hpp>
 
@@ -24,30 +24,25 @@ constexpr std::int64_t secondsOfDay = 86400;
 constexpr std::int64_t mostDays = 36500;
 constexpr std::int64_t mostEntries = 1000000000;
 
-struct HistoryOptions {
+struct HistoryRequest {
   DatabaseOption curves;
   std::string meter, series;
-  std::int16_t reCalID = -1;
+  std::int16_t calibration = calibration::latestCalibration;
   bool isPruning = false, isDryRun = false, asJson = false;
   std::optional<std::int64_t> olderThan, keep;
   Consent consent;
 };
 
-nlohmann::json entriesJson(const std::vector<history::Entry>& entries) {
-  nlohmann::json list = nlohmann::json::array();
-  for (const history::Entry& entry : entries) list.push_back(entryJson(entry));
-  return list;
-}
-
-void list(const HistoryOptions& options) {
-  CurveSession session(options.curves, Access::read);
-  history::EntryFilter filter{options.meter, options.series, std::nullopt};
-  if (options.reCalID >= 0) filter.ReCalID = options.reCalID;
-  const auto entries = asDatabaseTrouble("reading the history of '" + session.path() + "'", [&] {
-    return history::entries(session.connection(), filter);
-  });
-  if (options.asJson)
-    return printData(jsonText({{"database", session.path()}, {"entries", entriesJson(entries)}}));
+void list(const HistoryRequest& request) {
+  Session session(request.curves, calibration::Mode::read);
+  calibration::HistoryFilter filter{request.meter, request.series, {}};
+  if (request.calibration != calibration::latestCalibration)
+    filter.calibration = request.calibration;
+  const auto entries = session.database().history(filter);
+  if (request.asJson) {
+    return printData(
+        report::jsonText({{"database", session.path()}, {"entries", entriesJson(entries)}}));
+  }
   if (entries.empty()) return printData("Nothing that was replaced is kept here.\n");
   printData(
       entriesTable(entries) + "\n" +
@@ -58,31 +53,31 @@ void list(const HistoryOptions& options) {
           0));
 }
 
-void prune(const HistoryOptions& options) {
-  if (!options.olderThan && !options.keep) {
+void prune(const HistoryRequest& request) {
+  if (!request.olderThan && !request.keep) {
     throw Trouble(ExitCode::usage, "--prune does not say what may go",
                   "give --older-than DAYS, --keep N or both");
   }
-  CurveSession session(options.curves, Access::write);
-  history::Pruning pruning;
-  if (options.olderThan) pruning.Before = timeText(*options.olderThan * secondsOfDay);
-  pruning.Keep = static_cast<std::size_t>(options.keep.value_or(0));
-  const auto old = history::prunable(session.connection(), pruning);
-  if (!options.asJson) printData(old.empty() ? "No entry is to go.\n" : entriesTable(old));
-  if (!options.isDryRun && !old.empty()) {
-    requireConsent("Remove " + counted(old.size(), "entry", "entries") + " for good?",
-                   options.consent);
-    asDatabaseTrouble("removing entries of '" + session.path() + "'",
-                      [&] { history::removeEntries(session.connection(), old); });
+  Session session(request.curves, calibration::Mode::write);
+  calibration::Database& lab = session.database();
+  calibration::HistoryPruning pruning;
+  if (request.olderThan) pruning.before = utcText(*request.olderThan * secondsOfDay);
+  pruning.keep = static_cast<std::size_t>(request.keep.value_or(0));
+  const auto old = lab.prunable(pruning);
+  if (!request.asJson) printData(old.empty() ? "No entry is to go.\n" : entriesTable(old));
+  const std::string entries = counted(old.size(), "entry", "entries");
+  if (!request.isDryRun && !old.empty()) {
+    requireConsent("Remove " + entries + " for good?", request.consent);
+    lab.prune(old);
     noteStored();
   }
-  if (options.asJson) {
-    return printData(jsonText({{"database", session.path()},
-                               {"removed", entriesJson(old)},
-                               {"dryRun", options.isDryRun}}));
+  if (request.asJson) {
+    return printData(report::jsonText({{"database", session.path()},
+                                       {"removed", entriesJson(old)},
+                                       {"dryRun", request.isDryRun}}));
   }
-  if (options.isDryRun) return printData("\nDry run: nothing was changed.\n");
-  if (!old.empty()) printData("\nRemoved " + counted(old.size(), "entry", "entries") + ".\n");
+  if (request.isDryRun) return printData("\nDry run: nothing was changed.\n");
+  if (!old.empty()) printData("\nRemoved " + entries + ".\n");
 }
 
 void addCount(Command& command, const std::string& name, std::optional<std::int64_t>& value,
@@ -92,22 +87,22 @@ void addCount(Command& command, const std::string& name, std::optional<std::int6
   });
 }
 
-void history(const HistoryOptions& options) {
-  if (options.meter.empty() && (!options.series.empty() || options.reCalID >= 0)) {
+void showHistory(const HistoryRequest& request) {
+  if (request.meter.empty() && (!request.series.empty() || request.calibration >= 0)) {
     throw Trouble(ExitCode::usage, "--series and --calibration need a meter",
                   "give --meter SN as well");
   }
-  const bool hasFilter = !options.meter.empty();
+  const bool hasFilter = !request.meter.empty();
   const bool hasPruneOption =
-      options.olderThan || options.keep || options.isDryRun || options.consent.isGiven;
-  if (!options.isPruning && hasPruneOption) {
+      request.olderThan || request.keep || request.isDryRun || request.consent.isGiven;
+  if (!request.isPruning && hasPruneOption) {
     throw Trouble(ExitCode::usage, "--older-than, --keep, --dry-run and --yes belong to --prune",
                   "add --prune");
   }
-  if (!options.isPruning) return list(options);
+  if (!request.isPruning) return list(request);
   if (hasFilter)
     throw Trouble(ExitCode::usage, "--prune takes no meter", "give --older-than DAYS or --keep N");
-  prune(options);
+  prune(request);
 }
 
 }  // namespace
@@ -116,19 +111,19 @@ void addHistoryCommand(Program& program) {
   Command command = program.add("history",
                                 "Show what commands have replaced or deleted, newest "
                                 "first; --prune removes old entries for good");
-  const auto options = std::make_shared<HistoryOptions>();
-  addDatabase(command, options->curves);
-  addMeter(command, options->meter, false);
-  addSeries(command, options->series, false);
-  addCalibration(command, options->reCalID);
-  command.addFlag("--prune", options->isPruning, "Remove old entries");
-  addCount(command, "--older-than", options->olderThan, mostDays, "DAYS",
+  const auto request = std::make_shared<HistoryRequest>();
+  addDatabase(command, request->curves);
+  addMeter(command, request->meter, false);
+  addSeries(command, request->series, false);
+  addCalibration(command, request->calibration);
+  command.addFlag("--prune", request->isPruning, "Remove old entries");
+  addCount(command, "--older-than", request->olderThan, mostDays, "DAYS",
            "Prune entries older than this many days");
-  addCount(command, "--keep", options->keep, mostEntries, "N", "Always keep the newest N entries");
-  addConsent(command, options->consent);
-  addDryRun(command, options->isDryRun);
-  addJson(command, options->asJson);
-  command.onRun([options] { history(*options); });
+  addCount(command, "--keep", request->keep, mostEntries, "N", "Always keep the newest N entries");
+  addConsent(command, request->consent);
+  addDryRun(command, request->isDryRun);
+  addJson(command, request->asJson);
+  command.onRun([request] { showHistory(*request); });
 }
 
 }  // namespace pelmora::cli

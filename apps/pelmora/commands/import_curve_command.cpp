@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
-#include "apps/pelmora/command_line.h"
+#include "apps/pelmora/command_change.h"
 #include "apps/pelmora/commands/commands.h"
-#include "apps/pelmora/options/common_options.h"
-#include "apps/pelmora/curve_session.h"
-#include "apps/pelmora/output/fit_output.h"
 #include "apps/pelmora/input/input_file.h"
-#include "apps/pelmora/saved_file.h"
-#include "apps/pelmora/stored_change.h"
-#include "apps/pelmora/temporary_folder.h"
+#include "apps/pelmora/options/common_options.h"
+#include "apps/pelmora/output/standard_output.h"
 #include "apps/pelmora/output/text_table.h"
+#include "apps/pelmora/saved_file.h"
 #include "apps/pelmora/trouble.h"
+#include "report/json_values.h"
 
 #include <nlohmann/json.hpp>
 
@@ -19,58 +17,21 @@
 namespace pelmora::cli {
 namespace {
 
-struct ImportCurveOptions {
+struct ImportCurveRequest {
   DatabaseOption curves;
   std::string meter, series, file;
-  std::int16_t reCalID = -1;
+  std::int16_t calibration = calibration::latestCalibration;
   bool asJson = false, isDryRun = false;
 };
 
-// Before anything is stored: the text as the component reads it, and the folder where the file is
-// to be renamed. Nobody else is kept waiting meanwhile.
-//
-// Errors: Trouble badInput; file and database are as they were.
-void requireUsable(CurveSession& session, const ImportCurveOptions& options,
-                   const std::string& text) {
-  const std::string& file = options.file;
-  const TemporaryFolder folder;  // the component renames what it reads: it gets a copy
-  session.messages().forget();
-  bool isEmpty = true;
-  const PointArray points = session.data().readTCresults(folder.write("results", text), isEmpty);
-  session.progress().clear();
-  const std::string remedy =
-      "expected are three header lines and then lines of two numbers with blanks between them, "
-      "each line ended by CR LF; nothing was changed";
-  session.messages().throwIfAny(ExitCode::badInput,
-                                "'" + file + "' cannot be read as a TableCurve result", remedy);
-  if (points.size() < 2) {
-    throw Trouble(ExitCode::badInput, "'" + file + "' holds " + counted(points.size(), "point"),
-                  "at least two are stored; nothing was changed");
-  }
-  if (options.isDryRun || isFolderWritable(file)) return;
+// Before anything is stored: the file is to be renamed afterwards.
+void requireRenaming(const std::string& file) {
+  if (isFolderWritable(file)) return;
   throw Trouble(ExitCode::badInput,
                 "'" + file + "' cannot be renamed to '" + freeSavedName(file) +
                     "' when its points are stored: its folder cannot be written",
                 "copy the file to a folder of your own and import it from there; nothing was "
                 "changed");
-}
-
-// Removes the curve and adds the points to the merged ones, in the change.
-PointArray store(StoredChange& change, const MeterInfo& meter, const std::string& series,
-                 const std::string& text) {
-  CurveSession& session = change.session();
-  const std::int32_t seriesID = session.requireSeriesID(meter, series);
-  change.keep(history::fittedCurve(meter.MeterID, seriesID));
-  const TemporaryFolder folder;
-  session.messages().forget();
-  bool isEmpty = true;
-  PointArray points = session.data().ImportCurvedData(folder.write("results", text), series,
-                                                      meter.SerialNumber, isEmpty, meter.ReCalID);
-  session.progress().clear();
-  session.messages().throwIfAny(ExitCode::database,
-                                "importing the curve of series '" + series + "'",
-                                "nothing was changed, and the file has its name");
-  return points;
 }
 
 std::string renamed(const std::string& file, const std::string& database) {
@@ -84,31 +45,32 @@ std::string renamed(const std::string& file, const std::string& database) {
   }
 }
 
-void importCurve(const ImportCurveOptions& options) {
-  const std::string text = readInputFile(options.file);
-  CurveSession session(options.curves, Access::write);
-  requireUsable(session, options, text);
-
-  StoredChange change(session, "import-curve", options.isDryRun);
+void importCurve(const ImportCurveRequest& request) {
+  const PointArray points =
+      calibration::resultPoints(readInputFile(request.file), "'" + request.file + "'");
+  if (!request.isDryRun) requireRenaming(request.file);
+  Session session(request.curves, calibration::Mode::write);
+  calibration::Database& lab = session.database();
+  CommandChange change(session, "import-curve", request.isDryRun);
   change.begin();
-  const MeterInfo meter = session.requireMeter(options.meter, options.reCalID);
-  const PointArray points = store(change, meter, options.series, text);
+  const calibration::Meter meter = lab.meter(request.meter, request.calibration);
+  (void)lab.importResult(meter, request.series, points);
   change.finish();
   const std::string kept =
-      options.isDryRun ? freeSavedName(options.file) : renamed(options.file, session.path());
-  if (options.asJson) {
-    nlohmann::json value{{"meter", meterJson(meter)},
-                         {"series", options.series},
+      request.isDryRun ? freeSavedName(request.file) : renamed(request.file, session.path());
+  if (request.asJson) {
+    nlohmann::json value{{"meter", report::meterJson(meter)},
+                         {"series", request.series},
                          {"keptFile", kept},
-                         {"points", pointsJson(points)}};
+                         {"points", report::pointsJson(points)}};
     change.addTo(value);
-    return printData(jsonText(value));
+    return printData(report::jsonText(value));
   }
-  printData(wrapped("Read " + counted(points.size(), "point") + " for series '" + options.series +
-                        "', meter " + meter.SerialNumber + ", calibration " +
-                        std::to_string(meter.ReCalID) +
+  printData(wrapped("Read " + counted(points.size(), "point") + " for series '" + request.series +
+                        "', meter " + meter.serial + ", calibration " +
+                        std::to_string(meter.calibration) +
                         ": removed its curve and added the points to its merged points. The file " +
-                        (options.isDryRun ? "would be kept as " : "is kept as ") + kept + ".",
+                        (request.isDryRun ? "would be kept as " : "is kept as ") + kept + ".",
                     0) +
             change.closingText());
 }
@@ -121,18 +83,18 @@ void addImportCurveCommand(Program& program) {
       "Read the fitted points of a TableCurve result file: the series' curve is removed and the "
       "points are added to its merged points. When that is stored, the file is renamed with .sav "
       "behind its name, or .sav.1, .sav.2 ... where there is such a file.");
-  const auto options = std::make_shared<ImportCurveOptions>();
-  addDatabase(command, options->curves);
+  const auto request = std::make_shared<ImportCurveRequest>();
+  addDatabase(command, request->curves);
   addPath(command,
           {"RESULTS", "FILE",
            "Result file: three header lines, then Roshko and Strouhal in each line", true},
-          options->file);
-  addMeter(command, options->meter, true);
-  addSeries(command, options->series, true);
-  addCalibration(command, options->reCalID);
-  addDryRun(command, options->isDryRun);
-  addJson(command, options->asJson);
-  command.onRun([options] { importCurve(*options); });
+          request->file);
+  addMeter(command, request->meter, true);
+  addSeries(command, request->series, true);
+  addCalibration(command, request->calibration);
+  addDryRun(command, request->isDryRun);
+  addJson(command, request->asJson);
+  command.onRun([request] { importCurve(*request); });
 }
 
 }  // namespace pelmora::cli

@@ -1,48 +1,40 @@
 // SPDX-License-Identifier: MIT
-#include "apps/pelmora/command_line.h"
 #include "apps/pelmora/commands/commands.h"
-#include "apps/pelmora/options/common_options.h"
-#include "apps/pelmora/output/fit_output.h"
 #include "apps/pelmora/last_words.h"
-#include "apps/pelmora/trouble.h"
-#include "history/kept_tables.h"
+#include "apps/pelmora/options/common_options.h"
+#include "apps/pelmora/output/standard_output.h"
+#include "report/json_values.h"
+
+#include <pelmora/calibration/database.h>
 
 #include <nlohmann/json.hpp>
 
-#include <filesystem>
 #include <memory>
 
 namespace pelmora::cli {
 namespace {
 
-struct InitOptions {
+struct InitRequest {
   std::string path;
   bool asJson = false;
 };
 
-void init(const InitOptions& options) {
-  try {
-    createCurveDatabase(options.path);
-    const ConnectionPtr curves = openDatabase(options.path);
-    Transaction transaction(curves);
-    history::createHistoryTables(curves);
-    transaction.commit();
-    noteStored();
-  } catch (const Error& error) {
-    throw Trouble(ExitCode::database, error.what(), "");
-  }
-  if (options.asJson) return printData(jsonText({{"database", options.path}, {"created", true}}));
-  printData("Created the curve database " + options.path + ".\n");
+void init(const InitRequest& request) {
+  (void)calibration::create(request.path);
+  noteStored();
+  if (request.asJson)
+    return printData(report::jsonText({{"database", request.path}, {"created", true}}));
+  printData("Created the curve database " + request.path + ".\n");
 }
 
 }  // namespace
 
 void addInitCommand(Program& program) {
   Command command = program.add("init", "Create a new, empty curve database");
-  const auto options = std::make_shared<InitOptions>();
-  addDatabase(command, options->path);
-  addJson(command, options->asJson);
-  command.onRun([options] { init(*options); });
+  const auto request = std::make_shared<InitRequest>();
+  addDatabase(command, request->path);
+  addJson(command, request->asJson);
+  command.onRun([request] { init(*request); });
 }
 
 }  // namespace pelmora::cli

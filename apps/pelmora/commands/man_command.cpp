@@ -2,7 +2,7 @@
 #include "apps/pelmora/command_line.h"
 #include "apps/pelmora/commands/commands.h"
 #include "apps/pelmora/description/man_page.h"
-#include "apps/pelmora/suggestion.h"
+#include "base/suggestion.h"
 #include "apps/pelmora/trouble.h"
 #include "base/version.h"
 

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "apps/pelmora/command_line.h"
+#include "apps/pelmora/command_change.h"
 #include "apps/pelmora/commands/commands.h"
 #include "apps/pelmora/options/common_options.h"
-#include "apps/pelmora/output/fit_output.h"
-#include "apps/pelmora/output/history_output.h"
 #include "apps/pelmora/options/strict_number.h"
-#include "apps/pelmora/stored_change.h"
-#include "apps/pelmora/trouble.h"
+#include "apps/pelmora/output/history_output.h"
+#include "apps/pelmora/output/standard_output.h"
+#include "report/json_values.h"
 
 #include <nlohmann/json.hpp>
 
@@ -16,49 +15,31 @@
 namespace pelmora::cli {
 namespace {
 
-struct RestoreOptions {
+struct RestoreRequest {
   DatabaseOption curves;
   std::vector<std::string> entries;
   bool isDryRun = false, asJson = false;
 };
 
-Trouble restoreTrouble(const CurveSession& session, std::int64_t entryID, const Error& error) {
-  if (error.number() == history::noSuchEntry) {
-    return {ExitCode::unknownName, std::string(error.what()) + " in '" + session.path() + "'",
-            "list the entries with 'pelmora history'; nothing was changed"};
-  }
-  const std::string doing = "restoring entry " + std::to_string(entryID) + ": ";
-  const ExitCode code =
-      error.number() == history::standsInTheWay ? ExitCode::badInput : ExitCode::database;
-  return {code, doing + error.what(), "nothing was changed"};
-}
-
-void restore(const RestoreOptions& options) {
-  std::vector<std::int64_t> ids;
-  for (const std::string& text : options.entries) {
+void restore(const RestoreRequest& request) {
+  std::vector<calibration::HistoryEntryId> ids;
+  for (const std::string& text : request.entries)
     ids.push_back(integerOption("ENTRY", text, 1, std::numeric_limits<std::int64_t>::max()));
-  }
-  CurveSession session(options.curves, Access::write);
+  Session session(request.curves, calibration::Mode::write);
   std::string text;
-  nlohmann::json restored = nlohmann::json::array();
-  StoredChange change(session, "restore", options.isDryRun);
+  nlohmann::json list = nlohmann::json::array();
+  CommandChange change(session, "restore", request.isDryRun);
   change.begin();
-  for (const std::int64_t id : ids) {
-    try {
-      const history::RestoreOutcome outcome =
-          history::restore(session.connection(), change.kept(), id);
-      change.noteEntry(outcome.KeptAs);
-      text += (text.empty() ? "" : "\n") + restoredTable(outcome);
-      restored.push_back(restoredJson(outcome));
-    } catch (const Error& error) {
-      throw restoreTrouble(session, id, error);
-    }
+  for (const calibration::HistoryEntryId id : ids) {
+    const calibration::Restored restored = session.database().restore(id);
+    text += (text.empty() ? "" : "\n") + restoredTable(restored);
+    list.push_back(restoredJson(restored));
   }
   change.finish();
-  if (!options.asJson) return printData(text + "\n" + change.closingText());
-  nlohmann::json value{{"database", session.path()}, {"restored", restored}};
+  if (!request.asJson) return printData(text + "\n" + change.closingText());
+  nlohmann::json value{{"database", session.path()}, {"restored", list}};
   change.addTo(value);
-  printData(jsonText(value));
+  printData(report::jsonText(value));
 }
 
 }  // namespace
@@ -68,14 +49,14 @@ void addRestoreCommand(Program& program) {
                                 "Bring back what a command has replaced or deleted, with "
                                 "its ids. What is there now is kept in turn, so that a "
                                 "restore can be undone by another one.");
-  const auto options = std::make_shared<RestoreOptions>();
-  addDatabase(command, options->curves);
+  const auto request = std::make_shared<RestoreRequest>();
+  addDatabase(command, request->curves);
   command.addValues(
       {"ENTRY", "N", "Numbers of entries as shown by 'pelmora history'; first to last"},
-      options->entries);
-  addDryRun(command, options->isDryRun);
-  addJson(command, options->asJson);
-  command.onRun([options] { restore(*options); });
+      request->entries);
+  addDryRun(command, request->isDryRun);
+  addJson(command, request->asJson);
+  command.onRun([request] { restore(*request); });
 }
 
 }  // namespace pelmora::cli

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/options/usage_trouble.h"
 
-#include "apps/pelmora/suggestion.h"
+#include "base/suggestion.h"
 
 #include <string>
 #include <vector>

@@ -11,7 +11,7 @@ namespace pelmora::cli {
 namespace {
 
 using Align = TextTable::Align;
-using history::Entry;
+using calibration::HistoryEntry;
 
 struct TableWords {
   const char *table, *name, *key;
@@ -42,6 +42,21 @@ const TableWords* wordsOf(const std::string& table) {
   return nullptr;
 }
 
+std::string rowsName(const std::string& table) {
+  const TableWords* found = wordsOf(table);
+  return found == nullptr ? table : found->name;
+}
+
+std::string rowsKey(const std::string& table) {
+  const TableWords* found = wordsOf(table);
+  return found == nullptr ? table : found->key;
+}
+
+std::size_t rowsOf(const HistoryEntry& entry, const std::string& table) {
+  const auto found = entry.rows.find(table);
+  return found == entry.rows.end() ? 0 : found->second;
+}
+
 std::string countText(std::size_t count) { return count == 0 ? "-" : std::to_string(count); }
 
 // "2026-11-21T14:05:09Z" as "2026-11-21 14:05"
@@ -53,23 +68,30 @@ std::string minuteText(std::string time) {
 
 }  // namespace
 
-std::string rowsName(const std::string& table) {
-  const TableWords* found = wordsOf(table);
-  return found == nullptr ? table : found->name;
+std::vector<NamedCount> namedCounts(const RowCounts& rows) {
+  std::vector<NamedCount> list;
+  for (const TableWords& entry : words) {
+    if (const auto found = rows.find(entry.table); found != rows.end())
+      list.push_back({entry.name, found->second});
+  }
+  for (const auto& [table, count] : rows) {
+    if (wordsOf(table) == nullptr) list.push_back({table, count});
+  }
+  return list;
 }
 
-std::string rowsKey(const std::string& table) {
-  const TableWords* found = wordsOf(table);
-  return found == nullptr ? table : found->key;
+nlohmann::json countsJson(const RowCounts& rows) {
+  nlohmann::json counts = nlohmann::json::object();
+  for (const auto& [table, count] : rows) counts[rowsKey(table)] = count;
+  return counts;
 }
 
-std::string placeText(const std::string& serialNumber, int reCalID, const std::string& seriesName) {
-  const std::string calibration =
-      "meter " + serialNumber + ", calibration " + std::to_string(reCalID);
-  return seriesName.empty() ? calibration : "series '" + seriesName + "' of " + calibration;
+std::string placeText(const std::string& serial, int calibration, const std::string& series) {
+  const std::string meter = "meter " + serial + ", calibration " + std::to_string(calibration);
+  return series.empty() ? meter : "series '" + series + "' of " + meter;
 }
 
-std::string entriesTable(const std::vector<Entry>& entries) {
+std::string entriesTable(const std::vector<HistoryEntry>& entries) {
   TextTable table({{"#", Align::right},
                    {"Changed (UTC)", Align::right},
                    {"Command", Align::left},
@@ -80,52 +102,54 @@ std::string entriesTable(const std::vector<Entry>& entries) {
                    {"Merged", Align::right},
                    {"Curve", Align::right},
                    {"User", Align::left}});
-  for (const Entry& entry : entries) {
+  for (const HistoryEntry& entry : entries) {
     std::size_t raw = 0;
-    for (const char* part : {"raw1", "raw2", "raw3", "raw4"}) raw += entry.rowsOf(part);
-    table.addRow({std::to_string(entry.ID), minuteText(entry.Note.ChangedAt), entry.Note.Command,
-                  entry.SerialNumber, std::to_string(entry.ReCalID),
-                  entry.SeriesName.empty() ? "(all)" : entry.SeriesName, countText(raw),
-                  countText(entry.rowsOf("merge")), countText(entry.rowsOf("curve")),
-                  entry.Note.UserName.empty() ? "-" : entry.Note.UserName});
+    for (const char* part : {"raw1", "raw2", "raw3", "raw4"}) raw += rowsOf(entry, part);
+    table.addRow({std::to_string(entry.id), minuteText(entry.changedAt), entry.command,
+                  entry.serial, std::to_string(entry.calibration),
+                  entry.series.empty() ? "(all)" : entry.series, countText(raw),
+                  countText(rowsOf(entry, "merge")), countText(rowsOf(entry, "curve")),
+                  entry.userName.empty() ? "-" : entry.userName});
   }
   return table.text();
 }
 
-nlohmann::json entryJson(const Entry& entry) {
-  nlohmann::json rows = nlohmann::json::object();
-  for (const auto& [table, count] : entry.Rows) rows[rowsKey(table)] = count;
-  return {
-      {"entry", entry.ID},
-      {"changedAt", entry.Note.ChangedAt},
-      {"command", entry.Note.Command},
-      {"meter", entry.SerialNumber},
-      {"calibration", entry.ReCalID},
-      {"series", entry.SeriesName.empty() ? nlohmann::json() : nlohmann::json(entry.SeriesName)},
-      {"user", entry.Note.UserName},
-      {"softwareVersion", entry.Note.Version},
-      {"rows", rows}};
+nlohmann::json entryJson(const HistoryEntry& entry) {
+  return {{"entry", entry.id},
+          {"changedAt", entry.changedAt},
+          {"command", entry.command},
+          {"meter", entry.serial},
+          {"calibration", entry.calibration},
+          {"series", entry.series.empty() ? nlohmann::json() : nlohmann::json(entry.series)},
+          {"user", entry.userName},
+          {"softwareVersion", entry.version},
+          {"rows", countsJson(entry.rows)}};
 }
 
-std::string restoredTable(const history::RestoreOutcome& outcome) {
-  const Entry& entry = outcome.Restored;
-  std::string text =
-      wrapped("Entry " + std::to_string(entry.ID) + ": " +
-                  placeText(entry.SerialNumber, entry.ReCalID, entry.SeriesName) + ", as before '" +
-                  entry.Note.Command + "' of " + entry.Note.ChangedAt,
-              0);
+nlohmann::json entriesJson(const std::vector<HistoryEntry>& entries) {
+  nlohmann::json list = nlohmann::json::array();
+  for (const HistoryEntry& entry : entries) list.push_back(entryJson(entry));
+  return list;
+}
+
+std::string restoredTable(const calibration::Restored& restored) {
+  const HistoryEntry& entry = restored.entry;
+  std::string text = wrapped("Entry " + std::to_string(entry.id) + ": " +
+                                 placeText(entry.serial, entry.calibration, entry.series) +
+                                 ", as before '" + entry.command + "' of " + entry.changedAt,
+                             0);
   TextTable table({{"Rows", Align::left}, {"Replaced", Align::right}, {"Restored", Align::right}});
-  for (const auto& [name, before, now] : outcome.Tables) {
+  for (const auto& [name, before, now] : restored.tables) {
     if (before + now > 0) table.addRow({rowsName(name), countText(before), countText(now)});
   }
   return text + "\n" + table.text();
 }
 
-nlohmann::json restoredJson(const history::RestoreOutcome& outcome) {
+nlohmann::json restoredJson(const calibration::Restored& restored) {
   nlohmann::json rows = nlohmann::json::object();
-  for (const auto& [name, before, now] : outcome.Tables)
+  for (const auto& [name, before, now] : restored.tables)
     rows[rowsKey(name)] = {{"replaced", before}, {"restored", now}};
-  nlohmann::json value = entryJson(outcome.Restored);
+  nlohmann::json value = entryJson(restored.entry);
   value["rows"] = rows;
   return value;
 }

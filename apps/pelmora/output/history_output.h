@@ -2,30 +2,38 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "history/deleting.h"
-#include "history/entries.h"
-#include "history/restoring.h"
+#include <pelmora/calibration/history.h>
 
 #include <nlohmann/json_fwd.hpp>
 
+#include <cstddef>
+#include <map>
 #include <string>
 #include <vector>
 
 namespace pelmora::cli {
 
-// What the rows of a given table are: "raw part 1", "curve points" ...
-[[nodiscard]] std::string rowsName(const std::string& table);
-// The same in JSON, where names are never changed: "raw1", "curve" ...
-[[nodiscard]] std::string rowsKey(const std::string& table);
+// Rows by table, of a removal or an entry.
+using RowCounts = std::map<std::string, std::size_t>;
 
-[[nodiscard]] std::string entriesTable(const std::vector<history::Entry>& entries);
-[[nodiscard]] nlohmann::json entryJson(const history::Entry& entry);
+struct NamedCount {
+  std::string name;  // for people: "raw part 1", "curve points" ...
+  std::size_t rows = 0;
+};
+// In the order in which a reader expects them.
+[[nodiscard]] std::vector<NamedCount> namedCounts(const RowCounts& rows);
+// In JSON, where names are never changed: "raw1", "curve" ...
+[[nodiscard]] nlohmann::json countsJson(const RowCounts& rows);
+
+[[nodiscard]] std::string entriesTable(const std::vector<calibration::HistoryEntry>& entries);
+[[nodiscard]] nlohmann::json entryJson(const calibration::HistoryEntry& entry);
+[[nodiscard]] nlohmann::json entriesJson(const std::vector<calibration::HistoryEntry>& entries);
 
 // "series 'Rotor A' of meter M1, calibration 0", "meter M1, calibration 0"
-[[nodiscard]] std::string placeText(const std::string& serialNumber, int reCalID,
-                                    const std::string& seriesName);
+[[nodiscard]] std::string placeText(const std::string& serial, int calibration,
+                                    const std::string& series);
 
-[[nodiscard]] std::string restoredTable(const history::RestoreOutcome& outcome);
-[[nodiscard]] nlohmann::json restoredJson(const history::RestoreOutcome& outcome);
+[[nodiscard]] std::string restoredTable(const calibration::Restored& restored);
+[[nodiscard]] nlohmann::json restoredJson(const calibration::Restored& restored);
 
 }  // namespace pelmora::cli

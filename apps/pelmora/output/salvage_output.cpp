@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/output/salvage_output.h"
 
-#include "apps/pelmora/output/fit_output.h"
 #include "apps/pelmora/output/text_table.h"
 
 #include <nlohmann/json.hpp>

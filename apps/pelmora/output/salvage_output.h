@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "doctor/integrity.h"
+#include <pelmora/salvage.h>
 
 #include <nlohmann/json_fwd.hpp>
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <pelmora/calibration/curve.h>
+#include <pelmora/calibration/examination.h>
 #include <pelmora/calibration/failure.h>
 #include <pelmora/calibration/fit.h>
 #include <pelmora/calibration/history.h>
@@ -138,6 +139,14 @@ class PELMORA_API Database {
   Imported importRuns(const Meter& meter, const Stand& stand, const std::vector<StandRun>& runs,
                       const ImportOptions& options = {}, const Observer& observer = {});
 
+  // Takes over the points of a result file (see resultPoints): removes the curve of the series and
+  // adds the points to its merged points.
+  //
+  // Result: the history entry of the previous curve and merged points; 0 if there were none.
+  // Errors: NotFound; BadData for fewer than two points.
+  HistoryEntryId importResult(const Meter& meter, const std::string& series,
+                              const PointArray& points);
+
   // Stores points as raw part `part` (1 to 4) of a series, in place of that part's old points.
   // Creates the series if needed. Exclusions last if the part's points, excluded ones included or
   // left out, are stored once more; other points end them.
@@ -213,15 +222,32 @@ class PELMORA_API Database {
   // Result: in `rows`, the deleted rows by table; in `id`, the entry that brings them back.
   HistoryEntry remove(const Meter& meter, const std::string& series);
   HistoryEntry remove(const Meter& meter);
+  // What these would delete; changes nothing. Deleting a removal that was shown deletes that and
+  // nothing else.
+  //
+  // Errors: Changed if any of its rows has changed since or is gone; then nothing is deleted.
+  [[nodiscard]] Removal removal(const Meter& meter, const std::string& series) const;
+  [[nodiscard]] Removal removal(const Meter& meter) const;
+  HistoryEntry remove(const Removal& shown);
 
   // Everything that was replaced or deleted, newest first.
   [[nodiscard]] std::vector<HistoryEntry> history(const HistoryFilter& filter = {}) const;
   // Brings back what an entry holds, with its ids. What it replaces is kept in turn.
   //
-  // Errors: NotFound for the entry; Exists if something else has taken its place.
+  // Errors: NotFound for the entry; NotRestorable.
   Restored restore(HistoryEntryId entry);
   // Removes entries for good and returns them.
   std::vector<HistoryEntry> prune(const HistoryPruning& pruning);
+  // What that would remove; changes nothing. Pruning the entries that were shown removes no others.
+  [[nodiscard]] std::vector<HistoryEntry> prunable(const HistoryPruning& pruning) const;
+  void prune(const std::vector<HistoryEntry>& entries);
+
+  // Checks the contents: orphaned rows, invalid numbers, duplicates, outdated curves, missing
+  // indexes ... Findings in order of severity; empty if all is well. See damageOf() for the file.
+  [[nodiscard]] std::vector<Finding> examine() const;
+  // Repairs what is safe to repair: makes missing indexes and tables, removes orphaned rows. The
+  // history keeps what it removes.
+  Repaired repair();
 
   // On a session that is already open; for the service itself.
   explicit Database(std::shared_ptr<Session> session);

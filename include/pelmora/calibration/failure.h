@@ -52,6 +52,14 @@ class PELMORA_API Exists : public Failure {
   ~Exists() override;
 };
 
+// A history entry that cannot be restored: what its rows belong to was deleted, or something else
+// has taken their place.
+class PELMORA_API NotRestorable : public Exists {
+ public:
+  using Exists::Exists;
+  ~NotRestorable() override;
+};
+
 // Others kept the database locked for longer than the caller was willing to wait.
 class PELMORA_API Locked : public Failure {
  public:

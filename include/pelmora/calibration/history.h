@@ -5,6 +5,7 @@
 #include <pelmora/calibration/values.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -21,6 +22,15 @@ struct HistoryEntry {
   std::string serial, series;  // series is empty for a whole calibration
   int calibration = 0;
   std::map<std::string, std::size_t> rows;  // kept, by table; no tables without rows
+};
+
+// What Database::remove() would delete.
+struct Removal {
+  Meter meter;
+  std::string series;  // empty: the whole calibration
+  std::int32_t seriesID = 0;
+  std::map<std::string, std::size_t> rows;  // by table; no tables without rows
+  std::uint64_t basis = 0;                  // fingerprint of these rows
 };
 
 // Empty: any.

@@ -5,6 +5,8 @@
 #include <pelmora/calibration/points.h>
 #include <pelmora/calibration/stand.h>
 #include <pelmora/calibration/values.h>
+#include <pelmora/export.h>
+#include <pelmora/types.h>
 
 #include <array>
 #include <cstddef>
@@ -44,5 +46,14 @@ struct StoredPoints {
   std::size_t excluded = 0;  // points of the part whose exclusion lasts
   std::vector<DroppedExclusion> dropped;
 };
+
+// The points of a result file of the outside program TableCurve: three header lines, then Roshko
+// and Strouhal in each line, separated by blanks, in the number format of the process's locale;
+// each line ends in CR LF. Sorted by Roshko.
+//
+// place: what a message calls the text, for example "file 'results.txt'".
+// Errors: BadData, with the line, for anything else, and for fewer than two points.
+[[nodiscard]] PELMORA_API PointArray resultPoints(const std::string& text,
+                                                  const std::string& place);
 
 }  // namespace pelmora::calibration
