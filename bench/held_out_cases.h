@@ -1,5 +1,5 @@
-// A second generator of simulated calibrations, written apart from reference_cases.h: nothing was
-// tuned to it.
+// A second generator of simulated calibrations, written apart from reference_cases.h; see
+// bench/README.md for what was looked at while tuning.
 // SPDX-License-Identifier: MIT
 #pragma once
 

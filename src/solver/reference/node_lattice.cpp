@@ -134,6 +134,7 @@ std::vector<SharedNode> visitLattice(const Knots& knots, const ReferencePriors& 
                                      double offsets, const LatticeRange& range, double depth) {
   LikelihoodPass pass(knots, priors, offsets);
   const bool all = knots.knots.size() <= range.allUpToKnots;
+  const double reach = all ? range.negligible : range.negligibleInLong;
   auto lattice = std::make_unique<Lattice>(knots, pass, range, 0);
   if (all) {
     lattice->visitAll();
@@ -143,17 +144,17 @@ std::vector<SharedNode> visitLattice(const Knots& knots, const ReferencePriors& 
   // What a climb has seen, the best and its neighbours, tells whether the spacing is too wide.
   const double enough = all ? range.fewestNodes : range.fewestNodes / 2;
   bool halved = false;
-  for (int halvings = 1; halvings <= range.mostHalvings &&
-                         sharingNodes(lattice->shares(range.negligible, 0)) < enough;
+  for (int halvings = 1;
+       halvings <= range.mostHalvings && sharingNodes(lattice->shares(reach, 0)) < enough;
        ++halvings) {
     const Place best = lattice->best();
     lattice = std::make_unique<Lattice>(knots, pass, range, halvings);
     lattice->climbFrom({2 * best.length, 2 * best.amplitude, 2 * best.growth});
-    if (all) lattice->spread(range.negligible);
+    if (all) lattice->spread(reach);
     halved = true;
   }
-  if (halved || !all) lattice->spread(range.negligible);
-  return lattice->shares(range.negligible, halved || !all ? 0 : depth);
+  if (halved || !all) lattice->spread(reach);
+  return lattice->shares(reach, halved || !all ? 0 : depth);
 }
 
 }  // namespace pelmora::solver::reference

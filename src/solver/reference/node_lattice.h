@@ -22,6 +22,8 @@ struct LatticeRange {
   int growths = 3;
   // A node less likely than the best by this factor (ln) has no share.
   double negligible = 7;
+  // The same beyond allUpToKnots, where many points leave little to average over.
+  double negligibleInLong = 4;
   // The spacing is halved, around the best node, until so many nodes share the weight.
   double fewestNodes = 5;
   int mostHalvings = 8;
