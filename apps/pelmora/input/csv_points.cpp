@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/input/csv_points.h"
 
-#include "apps/pelmora/input/csv_lines.h"
 #include "apps/pelmora/input/input_file.h"
 #include "apps/pelmora/interruption.h"
 #include "apps/pelmora/options/strict_number.h"
 #include "apps/pelmora/trouble.h"
+#include "base/csv_reader.h"
 #include "base/text_flaw.h"
 
 #include <algorithm>
@@ -77,10 +77,13 @@ class PointFile {
 
   std::optional<Fields> next() {
     try {
-      return lines_.next();
-    } catch (const Trouble& trouble) {
-      throw bad("file '" + path_ + "', " + trouble.what(), trouble.remedy());
+      if (!lines_.next(record_)) return std::nullopt;
+    } catch (const CsvError& error) {
+      throw bad("file '" + path_ + "', " + error.place() + ": " + error.problem(), error.remedy());
     }
+    Fields fields;
+    for (CsvField& field : record_) fields.push_back(std::move(field.text));
+    return fields;
   }
 
   void chooseColumns(const Fields& first) {
@@ -174,7 +177,8 @@ class PointFile {
 
   const std::string& path_;
   const PointColumns& wanted_;
-  CsvLines lines_;
+  CsvReader lines_;
+  std::vector<CsvField> record_;
   Fields names_;
   bool hasHeader_ = true;
   std::size_t xColumn_ = 0, yColumn_ = 1;

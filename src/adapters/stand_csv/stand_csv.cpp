@@ -63,8 +63,8 @@ bool isStandCsv(const std::string& path) {
   if (!start) return false;
   // The rest of the record may be cut anywhere; only its first field counts.
   const std::size_t end = start->find_first_of(",\r\n");
-  stand::CsvReader reader(std::string_view(*start).substr(0, end));
-  std::vector<stand::CsvField> fields;
+  CsvReader reader(std::string_view(*start).substr(0, end));
+  std::vector<CsvField> fields;
   try {
     return reader.next(fields) && stand::isFirstColumn(fields.front().text);
   } catch (const Error&) {

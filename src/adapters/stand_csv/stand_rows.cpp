@@ -2,6 +2,7 @@
 #include "adapters/stand_csv/stand_rows.h"
 
 #include "base/run_time_error.h"
+#include "base/text_flaw.h"
 
 #include <algorithm>
 #include <charconv>
@@ -79,12 +80,13 @@ std::string StandRows::place() const {
 
 void StandRows::readHeader() {
   constexpr const char* remedy = " The first line must name JobRecordID and V1 to V37.";
-  if (!reader_.next(fields_)) throw rowError("File '" + path_ + "' is empty." + remedy);
+  if (!readRecord()) throw rowError("File '" + path_ + "' is empty." + remedy);
   std::array<bool, columnCount> isFound{};
   for (const CsvField& field : fields_) {
     const auto column = columnNamed(field.text);
     if (!column)
-      throw rowError(place() + ": '" + field.text + "' is no column of a stand export." + remedy);
+      throw rowError(place() + ": '" + shortened(field.text) +
+                     "' is not a column of a stand export." + remedy);
     if (std::exchange(isFound[*column], true)) {
       throw rowError(place() + ": column " + columnName(*column) + " is there twice." + remedy);
     }
@@ -97,12 +99,17 @@ void StandRows::readHeader() {
   if (!missing.empty()) throw rowError(place() + ": missing column " + missing + "." + remedy);
 }
 
-bool StandRows::next(std::array<Value, columnCount>& row) {
+bool StandRows::readRecord() {
   try {
-    if (!reader_.next(fields_)) return false;
-  } catch (const Error& error) {
-    throw rowError("File '" + path_ + "': " + error.what());
+    return reader_.next(fields_);
+  } catch (const CsvError& error) {
+    throw rowError("File '" + path_ + "', " + error.place() + ": " + error.problem() + "; " +
+                   error.remedy() + ".");
   }
+}
+
+bool StandRows::next(std::array<Value, columnCount>& row) {
+  if (!readRecord()) return false;
   if (fields_.size() != columnCount) {
     throw rowError(place() + ": " + std::to_string(fields_.size()) + " fields instead of " +
                    std::to_string(columnCount) +
@@ -122,7 +129,7 @@ Value StandRows::value(std::size_t column, const CsvField& field) const {
   const auto number = wholeText<double>(text);
   if (number && std::isfinite(*number)) return *number;
   throw rowError(
-      place() + ", column " + columnName(column) + ": '" + field.text +
+      place() + ", column " + columnName(column) + ": '" + shortened(field.text) +
       "' is not a number. Write a number with a decimal point, or leave the field empty.");
 }
 

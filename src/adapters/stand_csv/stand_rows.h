@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "adapters/stand_csv/csv_reader.h"
+#include "base/csv_reader.h"
 #include "store/curve_schema.h"
 
 #include <pelmora/types.h>
@@ -33,6 +33,7 @@ class StandRows {
   bool next(std::array<Value, columnCount>& row);
 
  private:
+  bool readRecord();
   void readHeader();
   [[nodiscard]] Value value(std::size_t column, const CsvField& field) const;
   [[nodiscard]] std::string place() const;

@@ -140,10 +140,10 @@ TEST(stand_csv, a_wrong_header_says_what_is_wrong) {
   expectSaid(StandExport(""), 321, {"is empty", "JobRecordID and V1 to V37"});
   expectSaid(StandExport("JobRecordID,V1,V2\n"), 321, {"line 1", "missing column V3, V4"});
   expectSaid(StandExport(standHeader() + ",V5\n"), 321, {"line 1", "V5 is there twice"});
-  expectSaid(StandExport(standHeader() + ",V38\n"), 321, {"line 1", "'V38' is no column"});
+  expectSaid(StandExport(standHeader() + ",V38\n"), 321, {"line 1", "'V38' is not a column"});
   std::string semicolons = standHeader();
   std::ranges::replace(semicolons, ',', ';');
-  expectSaid(StandExport(semicolons), 321, {"line 1", "is no column"});
+  expectSaid(StandExport(semicolons), 321, {"line 1", "is not a column"});
 }
 
 TEST(stand_csv, a_row_of_another_length_is_told_by_its_line) {
@@ -177,7 +177,20 @@ TEST(stand_csv, blanks_quotes_and_signs_around_numbers_are_fine) {
 }
 
 TEST(stand_csv, a_quote_that_is_never_closed_is_told_by_its_line) {
-  expectSaid(StandExport(standHeader() + "\n" + exportLine("\"1")), 13, {"Line 2", "never closed"});
+  expectSaid(StandExport(standHeader() + "\n" + exportLine("\"1")), 13,
+             {"line 2, field 1", "a quote is not closed"});
+}
+
+TEST(stand_csv, text_behind_a_quote_is_told_by_file_line_and_field) {
+  const StandExport file(standHeader() + "\n" + exportLine("\"1\"x"));
+  expectSaid(file, 13, {"stand.csv", "line 2, field 1", "'x' follows a closing quote"});
+}
+
+TEST(stand_csv, a_long_field_is_quoted_in_part) {
+  const std::string start = standHeader() + "\n", field(100'000, 'q');
+  const std::string quoted = "'" + field.substr(0, 60) + "...'";
+  expectSaid(StandExport(start + exportLine("2", {{4, field.c_str()}})), 13, {"column V4", quoted});
+  expectSaid(StandExport(standHeader() + "," + field + "\n"), 321, {"line 1", quoted});
 }
 
 TEST(stand_csv, a_missing_file_is_named) {

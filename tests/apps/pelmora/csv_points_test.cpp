@@ -120,7 +120,18 @@ TEST_F(csv_points, may_be_32767_and_no_more) {
 }
 
 TEST_F(csv_points, refuse_a_quote_that_is_not_closed) {
-  EXPECT_THAT(refusal("x,y\n\"1,2\n"), HasSubstr("line 2: a quote is not closed"));
+  EXPECT_THAT(refusal("x,y\n\"1,2\n"), HasSubstr("line 2, field 1: a quote is not closed"));
+}
+
+TEST_F(csv_points, refuse_text_behind_a_closing_quote) {
+  const std::string line = refusal("x,y\n1,10\n\"2\"x,20\n");
+  EXPECT_THAT(line, HasSubstr("line 3, field 1: 'x' follows a closing quote"));
+  EXPECT_THAT(line, HasSubstr(path));
+}
+
+TEST_F(csv_points, count_lines_that_end_in_carriage_returns) {
+  EXPECT_EQ(read("x,y\r1,10\r2,20\r"), (PointArray{{1, 10}, {2, 20}}));
+  EXPECT_THAT(refusal("x,y\r1,10\r2,abc\r"), HasSubstr("line 3, column y"));
 }
 
 TEST(row_filter, splits_at_the_first_equals_sign) {
