@@ -6,6 +6,7 @@
 #include "adapters/sqlite/schema_guard.h"
 #include "base/plain_reading.h"
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,6 +23,7 @@ class DatabaseHandle {
   DatabaseHandle(const std::string& file, OpenMode mode, const Patience& patience = {});
 
   [[nodiscard]] sqlite3* get() const { return database_.get(); }
+  void setLockPatience(std::chrono::milliseconds limit) const { lockWait_->setLimit(limit); }
   // Runs statements in SQLite's own SQL. Errors: Error.
   void run(const char* statements) const;
 

@@ -27,6 +27,7 @@ class LockWait {
   LockWait& operator=(const LockWait&) = delete;
 
   void handle(sqlite3* database);
+  void setLimit(std::chrono::milliseconds limit) { patience_.limit = limit; }
 
  private:
   static int call(void* self, int count) noexcept;

@@ -41,7 +41,7 @@ std::shared_ptr<sqlite::SqliteSession> readTable(const MemoryTable& table) {
 
 ConnectionPtr memoryTableConnection(MemoryTable table) {
   return std::make_shared<sqlite::SqliteConnection>(
-      [table = std::move(table)] { return readTable(table); });
+      [table = std::move(table)](const Patience&) { return readTable(table); });
 }
 
 }  // namespace pelmora

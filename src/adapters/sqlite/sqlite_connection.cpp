@@ -30,7 +30,7 @@ SqliteConnection::~SqliteConnection() {
 void SqliteConnection::open() {
   if (session_)
     throw Error(sql::alreadyOpen, "Pelmora", "Operation is not allowed when the object is open.");
-  session_ = openSession_();
+  session_ = openSession_(patience_);
 }
 
 void SqliteConnection::close() {
@@ -119,6 +119,11 @@ void SqliteConnection::rollback() noexcept {
   if (session_) session_->rollback();
 }
 
+void SqliteConnection::setLockPatience(std::chrono::milliseconds limit) {
+  patience_.limit = limit;
+  if (session_) session_->handle().setLockPatience(limit);
+}
+
 std::vector<IntegrityProblem> SqliteConnection::integrityProblems(std::size_t most) {
   return pelmora::sqlite::integrityProblems(session().database(), most);
 }
@@ -126,9 +131,11 @@ std::vector<IntegrityProblem> SqliteConnection::integrityProblems(std::size_t mo
 }  // namespace sqlite
 
 ConnectionPtr sqliteConnection(const std::string& path, const Patience& patience) {
-  return std::make_shared<sqlite::SqliteConnection>([path, patience] {
-    return std::make_shared<sqlite::SqliteSession>(sqlite::checkedSqliteFile(path), patience);
-  });
+  return std::make_shared<sqlite::SqliteConnection>(
+      [path](const Patience& now) {
+        return std::make_shared<sqlite::SqliteSession>(sqlite::checkedSqliteFile(path), now);
+      },
+      patience);
 }
 
 }  // namespace pelmora

@@ -5,26 +5,33 @@
 #include "adapters/sql_dialect/syntax_tree.h"
 #include "store/connection.h"
 #include "store/integrity.h"
+#include "store/lock_patience.h"
 #include "store/table_design.h"
 #include "store/transactions.h"
 
+#include <pelmora/patience.h>
+
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace pelmora::sqlite {
 
 class SqliteSession;
 
-using OpenSession = std::function<std::shared_ptr<SqliteSession>()>;
+using OpenSession = std::function<std::shared_ptr<SqliteSession>(const Patience&)>;
 
 // Record sets keep working on their rows after close(); storing rows is then Error 3709.
 class SqliteConnection : public Connection,
                          public TableDesign,
                          public Transactions,
+                         public LockPatience,
                          public IntegrityCheck {
  public:
-  explicit SqliteConnection(OpenSession openSession) : openSession_(std::move(openSession)) {}
+  explicit SqliteConnection(OpenSession openSession, Patience patience = {})
+      : openSession_(std::move(openSession)), patience_(std::move(patience)) {}
   ~SqliteConnection() override;
   SqliteConnection(const SqliteConnection&) = delete;
   SqliteConnection& operator=(const SqliteConnection&) = delete;
@@ -50,6 +57,9 @@ class SqliteConnection : public Connection,
   void commit() override;
   void rollback() noexcept override;
 
+  [[nodiscard]] std::chrono::milliseconds lockPatience() const override { return patience_.limit; }
+  void setLockPatience(std::chrono::milliseconds limit) override;
+
   [[nodiscard]] std::vector<IntegrityProblem> integrityProblems(std::size_t most) override;
 
  private:
@@ -58,6 +68,7 @@ class SqliteConnection : public Connection,
   void insertElsewhere(const sql::Statement& statement, const std::string& file);
 
   OpenSession openSession_;
+  Patience patience_;
   std::shared_ptr<SqliteSession> session_;
 };
 

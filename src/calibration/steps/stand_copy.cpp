@@ -3,7 +3,11 @@
 
 #include "base/number_text.h"
 #include "base/run_time_error.h"
+#include "store/lock_patience.h"
 
+#include <pelmora/patience.h>
+
+#include <algorithm>
 #include <chrono>
 #include <thread>
 
@@ -31,11 +35,38 @@ std::string copySecondJob(std::int32_t CalSetupID, const NameText& path, const s
 // processor to others where a driver answers at once.
 constexpr std::chrono::milliseconds breath(5);
 
+// The driver waits for a lock before it says so, and meanwhile no message of the host is processed:
+// here the copy waits in its place. Who has asked for more patience than a connection has by itself
+// is taken at his word.
+class BriefDriverWait {
+ public:
+  explicit BriefDriverWait(Connection& connection)
+      : driver_(dynamic_cast<LockPatience*>(&connection)) {
+    if (driver_ != nullptr && driver_->lockPatience() > Patience().limit) driver_ = nullptr;
+    if (driver_ == nullptr) return;
+    before_ = driver_->lockPatience();
+    driver_->setLockPatience(std::min(before_, brief));
+  }
+  ~BriefDriverWait() {
+    if (driver_ != nullptr) driver_->setLockPatience(before_);
+  }
+  BriefDriverWait(const BriefDriverWait&) = delete;
+  BriefDriverWait& operator=(const BriefDriverWait&) = delete;
+
+ private:
+  static constexpr std::chrono::milliseconds brief{20};
+
+  LockPatience* driver_;
+  std::chrono::milliseconds before_{};
+};
+
 // Runs a step again and again while the database is locked by another user.
 template <class Step>
-void untilUnlocked(const LockWait& wait, const Observer& observer, Step&& step) {
+void untilUnlocked(Connection& connection, const LockWait& wait, const Observer& observer,
+                   Step&& step) {
   for (;;) {
     try {
+      const BriefDriverWait brief(connection);
       step();
       return;
     } catch (const Error& error) {
@@ -52,14 +83,14 @@ void untilUnlocked(const LockWait& wait, const Observer& observer, Step&& step) 
 }  // namespace
 
 void openUnlocked(Connection& connection, const LockWait& wait, const Observer& observer) {
-  untilUnlocked(wait, observer, [&] {
+  untilUnlocked(connection, wait, observer, [&] {
     if (!connection.isOpen()) connection.open();
   });
 }
 
 void removeMeasurements(Connection& curves, std::int32_t CalSetupID, const LockWait& wait,
                         const Observer& observer) {
-  untilUnlocked(wait, observer, [&] {
+  untilUnlocked(curves, wait, observer, [&] {
     curves.execute("Delete * from CalDataPoint where CalDataPoint.calsetupid=" +
                    numberText(CalSetupID));
   });
@@ -69,7 +100,7 @@ void removeMeasurements(Connection& curves, std::int32_t CalSetupID, const LockW
 void copyMeasurements(Connection& stand, const StandJobs& jobs, const LockWait& wait,
                       const Observer& observer) {
   const auto copy = [&](const auto& statement, const std::string& job) {
-    untilUnlocked(wait, observer,
+    untilUnlocked(stand, wait, observer,
                   [&] { stand.execute(statement(jobs.CalSetupID, jobs.path(), job)); });
     observer.breathe();
   };

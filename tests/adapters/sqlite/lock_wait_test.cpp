@@ -3,6 +3,7 @@
 #include "adapters/sqlite/lock_wait.h"
 
 #include "base/run_time_error.h"
+#include "store/lock_patience.h"
 #include "tests/support/curve_file.h"
 #include "tests/support/plain_sqlite.h"
 
@@ -42,6 +43,18 @@ TEST_F(lock_wait, lasts_until_the_other_has_finished) {
   waiting->execute("Insert into Fluids (Name) VALUES ('a')");
   EXPECT_EQ(file_.count("Fluids"), 1);
   EXPECT_GE(looks, 5);
+}
+
+TEST_F(lock_wait, can_be_shortened_on_an_open_connection) {
+  const Transaction other(file_.connection);
+  const ConnectionPtr waiting = patient(24h);
+  auto& patience = dynamic_cast<LockPatience&>(*waiting);
+  patience.setLockPatience(20ms);
+  EXPECT_EQ(patience.lockPatience(), 20ms);
+  EXPECT_EQ(failureOf([&] { waiting->execute("Delete * from meter"); }).number, genericFailure);
+  waiting->close();
+  waiting->open();
+  EXPECT_EQ(failureOf([&] { waiting->execute("Delete * from meter"); }).number, genericFailure);
 }
 
 TEST_F(lock_wait, lasts_for_one_who_reads_as_well) {
