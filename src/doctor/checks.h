@@ -20,6 +20,8 @@ void checkTables(const ConnectionPtr& curves, Findings& findings);   // missing-
 void checkIndexes(const ConnectionPtr& curves, Findings& findings);  // missing-indexes
 void checkOrphans(const ConnectionPtr& curves, Findings& findings);  // orphaned-rows, stray-rows
 void checkNumbers(const ConnectionPtr& curves, Findings& findings);  // unusable-numbers
+void checkNaming(const ConnectionPtr& curves,
+                 Findings& findings);  // unnamed-series, unusable-calibration-numbers
 void checkNames(const ConnectionPtr& curves,
                 Findings& findings);  // duplicate-series, duplicate-calibrations
 void checkPoints(const ConnectionPtr& curves, Findings& findings);         // series-without-points

@@ -9,8 +9,8 @@ namespace pelmora::doctor {
 
 std::vector<Finding> examine(const ConnectionPtr& curves) {
   Findings findings;
-  for (const auto check : {checkSalvagedParts, checkNumbers, checkNames, checkOrphans, checkPoints,
-                           checkCurveAges, checkIndexes, checkTables}) {
+  for (const auto check : {checkSalvagedParts, checkNumbers, checkNaming, checkNames, checkOrphans,
+                           checkPoints, checkCurveAges, checkIndexes, checkTables}) {
     check(curves, findings);
   }
   std::stable_sort(findings.begin(), findings.end(),

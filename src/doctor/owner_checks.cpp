@@ -68,6 +68,29 @@ void checkNames(const ConnectionPtr& curves, Findings& findings) {
        false, "which of them is read is not defined: delete those that are not wanted"});
 }
 
+void checkNaming(const ConnectionPtr& curves, Findings& findings) {
+  const auto series = read(
+      curves, "Select COUNT(*) AS n, MIN(ID) AS first from series where name IS NULL OR name=''");
+  if (const std::int64_t count = wholeOf(series->value(0)); count > 0) {
+    findings.push_back({"unnamed-series", Severity::error, static_cast<std::size_t>(count),
+                        "Series without a name, which nobody can ask for",
+                        "series " + std::to_string(wholeOf(series->value(1))), false,
+                        "give them names with a database tool, or remove them there"});
+  }
+  // Texts stand above all numbers.
+  const auto meters = read(curves,
+                           "Select ID, SerialNumber from meter where ReCalID IS NULL OR "
+                           "ReCalID>32767 OR ReCalID<0 ORDER BY ID");
+  if (meters->atEnd()) return;
+  findings.push_back(
+      {"unusable-calibration-numbers", Severity::error,
+       static_cast<std::size_t>(meters->recordCount()),
+       "Calibrations whose number (ReCalID) is empty, a text, or not between 0 and "
+       "32767",
+       "meter '" + textOf(meters->value(1)) + "', ID " + std::to_string(wholeOf(meters->value(0))),
+       false, "set the number in table meter with a database tool"});
+}
+
 void checkPoints(const ConnectionPtr& curves, Findings& findings) {
   std::size_t count = 0;
   std::int64_t first = 0;

@@ -22,8 +22,7 @@ class SeriesBlocks {
 
  private:
   ConnectionPtr curves_;
-  // Without its index every look at a table reads all of it: then one look has to do.
-  bool isIndexed_ = true;
+  std::int64_t size_;  // most series of a block
   bool isFirst_ = true;
   std::int64_t after_ = 0;
   history::Ids ids_;

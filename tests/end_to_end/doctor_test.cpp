@@ -4,6 +4,8 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
+
 namespace pelmora::test {
 namespace {
 
@@ -87,6 +89,36 @@ TEST_F(doctor, finds_series_and_calibrations_of_the_same_name) {
       "DELETE FROM series WHERE ID = 6; DELETE FROM raw1 WHERE seriesID = 6;"
       "INSERT INTO meter (SerialNumber, ReCalID) VALUES ('m1', 0)");
   EXPECT_EQ(finding("duplicate-calibrations", "error")["count"], 1);
+}
+
+TEST_F(doctor, finds_series_without_a_name) {
+  execute(
+      "INSERT INTO series (ID, name, meterid) VALUES (8, NULL, 1), (9, '', 2);"
+      "INSERT INTO raw1 VALUES (8, 1, 2), (9, 1, 2)");
+  const auto found = finding("unnamed-series", "error");
+  EXPECT_EQ(found["count"], 2);
+  EXPECT_EQ(found["example"], "series 8");
+}
+
+TEST_F(doctor, finds_calibration_numbers_that_are_none) {
+  execute("UPDATE meter SET ReCalID = 'first' WHERE SerialNumber = 'P'");
+  const auto found = finding("unusable-calibration-numbers", "error");
+  EXPECT_EQ(found["count"], 1);
+  EXPECT_EQ(found["example"], "meter 'P', ID 2");
+  execute("UPDATE meter SET ReCalID = NULL WHERE SerialNumber = 'P'");
+  EXPECT_EQ(finding("unusable-calibration-numbers", "error")["count"], 1);
+}
+
+TEST_F(doctor, finds_the_same_without_an_index_of_the_points) {
+  execute("INSERT INTO series (name, meterid) VALUES ('Empty', 2)");
+  done({"raw", curves, write("q.csv", "1,3\n2,5\n"), "--meter", "M1", "--series", "Rotor A",
+        "--part", "2"});
+  auto expected = examined(5)["findings"];
+  execute("DROP INDEX raw1_series; DROP INDEX curve_series");
+  for (auto& found : examined(5)["findings"]) {
+    if (found["id"] == "missing-indexes") continue;
+    EXPECT_NE(std::find(expected.begin(), expected.end(), found), expected.end()) << found;
+  }
 }
 
 TEST_F(doctor, finds_series_without_points) {

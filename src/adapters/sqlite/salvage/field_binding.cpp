@@ -10,6 +10,13 @@
 
 namespace pelmora::sqlite::salvage {
 
+std::string numberedNames(const char* name, std::size_t count) {
+  std::string names;
+  for (std::size_t i = 0; i < count; ++i)
+    names += (i == 0 ? "" : ", ") + std::string(name) + std::to_string(i);
+  return names;
+}
+
 void bindField(PreparedStatement& statement, int parameter, const Field& field) {
   if (const auto* whole = std::get_if<std::int64_t>(&field)) {
     statement.bind(parameter, *whole);

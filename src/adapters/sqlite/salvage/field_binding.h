@@ -4,6 +4,9 @@
 
 #include "adapters/sqlite/salvage/record.h"
 
+#include <cstddef>
+#include <string>
+
 namespace pelmora::sqlite {
 class PreparedStatement;
 }
@@ -12,6 +15,8 @@ namespace pelmora::sqlite::salvage {
 
 // The field must live until the statement is reset or bound anew.
 void bindField(PreparedStatement& statement, int parameter, const Field& field);
+// "c0, c1, c2": names for the columns of a table that holds fields.
+[[nodiscard]] std::string numberedNames(const char* name, std::size_t count);
 [[nodiscard]] Field fieldAt(const PreparedStatement& statement, int column);
 
 }  // namespace pelmora::sqlite::salvage

@@ -84,7 +84,9 @@ void addMeters(const DatabaseHandle& output, SalvageReport& report) {
       "SUM(p.seriesID IS NOT NULL AND NOT p.isKnown) "
       "FROM main.meter AS m LEFT JOIN main.series AS s ON s.meterid = m.ID "
       "LEFT JOIN (SELECT seriesID, MAX(rowsLost IS NOT NULL) AS isKnown FROM temp.salvage_parts "
-      "GROUP BY seriesID) AS p ON p.seriesID = s.ID GROUP BY m.ID ORDER BY m.ID");
+      "GROUP BY seriesID) AS p ON p.seriesID = s.ID GROUP BY m.ID "
+      // Damaged ones first.
+      "ORDER BY COUNT(p.seriesID) = 0, m.ID");
   while (meters.step()) {
     report.Meters.push_back({textAt(meters, 0), sqlite3_column_int64(meters.get(), 1),
                              countAt(meters, 2), countAt(meters, 3), countAt(meters, 4)});

@@ -5,40 +5,16 @@
 #include "base/text_case.h"
 #include "adapters/sqlite/prepared_statement.h"
 #include "adapters/sqlite/salvage/field_binding.h"
+#include "adapters/sqlite/salvage/row_print.h"
 
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <bit>
-#include <cmath>
-#include <functional>
 #include <string_view>
 #include <utility>
 
 namespace pelmora::sqlite::salvage {
 namespace {
-
-std::uint64_t printOf(const Field& field) {
-  if (const auto* whole = std::get_if<std::int64_t>(&field))
-    return std::hash<double>()(static_cast<double>(*whole));
-  if (const auto* real = std::get_if<double>(&field)) return std::hash<double>()(*real);
-  if (const auto* text = std::get_if<std::string>(&field)) return std::hash<std::string>()(*text);
-  if (const auto* blob = std::get_if<Blob>(&field)) return std::hash<std::string>()(blob->bytes);
-  return 1;
-}
-
-// Independent of the order in which rows come: they are added up.
-class RowPrint {
- public:
-  void add(const Field& field) {
-    constexpr std::uint64_t odd = 0x9E3779B97F4A7C15U;
-    print_ = (std::rotl(print_, 23) ^ printOf(field)) * odd;
-  }
-  [[nodiscard]] std::uint64_t value() const { return print_ ^ (print_ >> 29U); }
-
- private:
-  std::uint64_t print_ = 0;
-};
 
 // The row's id, which is the last field of a key; nothing if it is none.
 const std::int64_t* idOf(const Record& key, const StoredIndex& index) {
@@ -46,26 +22,7 @@ const std::int64_t* idOf(const Record& key, const StoredIndex& index) {
   return std::get_if<std::int64_t>(&key.back());
 }
 
-std::string numberedNames(const char* name, std::size_t count) {
-  std::string names;
-  for (std::size_t i = 0; i < count; ++i)
-    names += (i == 0 ? "" : ", ") + std::string(name) + std::to_string(i);
-  return names;
-}
-
 }  // namespace
-
-void DamageList::add(const std::string& text) {
-  if (known_.contains(text) || ++count_ > most_) return;
-  known_.insert(text);
-  texts_.push_back(text);
-}
-
-std::vector<std::string> DamageList::take() {
-  if (count_ > most_)
-    texts_.push_back("... and " + std::to_string(count_ - most_) + " more damaged places");
-  return std::move(texts_);
-}
 
 TableSalvage::TableSalvage(const StoredTable& table, int number, const PageFile& file,
                            PageClaims& claims, const DatabaseHandle& output, DamageList& damage)

@@ -3,12 +3,12 @@
 #pragma once
 
 #include "adapters/sqlite/database_handle.h"
+#include "adapters/sqlite/salvage/damage_list.h"
 #include "adapters/sqlite/salvage/stored_schema.h"
 #include "store/salvage.h"
 
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -17,19 +17,6 @@ class PreparedStatement;
 }
 
 namespace pelmora::sqlite::salvage {
-
-// Where the names of what is damaged go; each is named once.
-class DamageList {
- public:
-  void add(const std::string& text);
-  [[nodiscard]] std::vector<std::string> take();
-
- private:
-  static constexpr std::size_t most_ = 50;
-  std::size_t count_ = 0;
-  std::set<std::string> known_;
-  std::vector<std::string> texts_;
-};
 
 // Brings the rows of a table into the table of the same name of `output`. An index that is whole
 // knows every row that there was: a row that it does not know is left out, and what remains of its
