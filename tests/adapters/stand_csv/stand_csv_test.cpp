@@ -189,8 +189,9 @@ TEST(stand_csv, text_behind_a_quote_is_told_by_file_line_and_field) {
 TEST(stand_csv, a_long_field_is_quoted_in_part) {
   const std::string start = standHeader() + "\n", field(100'000, 'q');
   const std::string quoted = "'" + field.substr(0, 60) + "...'";
-  expectSaid(StandExport(start + exportLine("2", {{4, field.c_str()}})), 13, {"column V4", quoted});
-  expectSaid(StandExport(standHeader() + "," + field + "\n"), 321, {"line 1", quoted});
+  expectSaid(StandExport(start + exportLine("2", {{4, field.c_str()}})), 13,
+             {"column V4", quoted.c_str()});
+  expectSaid(StandExport(standHeader() + "," + field + "\n"), 321, {"line 1", quoted.c_str()});
 }
 
 TEST(stand_csv, a_missing_file_is_named) {
