@@ -33,6 +33,7 @@ void addCommands(Program& program) {
   addImportCommand(program);
   addImportCurveCommand(program);
   addRawCommand(program);
+  addPlotCommand(program);
   addPointsCommand(program);
   addExcludeCommand(program);
   addIncludeCommand(program);

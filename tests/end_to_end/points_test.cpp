@@ -119,6 +119,19 @@ TEST_F(points_command, the_history_brings_a_point_back) {
   EXPECT_EQ(rotorA("points", {"--json"}).json(), before);
 }
 
+TEST_F(points_command, a_new_import_says_what_became_of_the_exclusions) {
+  const auto import = [&](const std::string& job) {
+    return done({"import", curves, "--meter", "M1", "--stand", data("stand-dual-rotor.csv"),
+                 "--job", job, "--fluid", "spirit", "--operator", "Ada"})
+        .output;
+  };
+  rotorA("exclude", {"--part", "1", "--point", "3", "--reason", "air in the line"});
+  EXPECT_THAT(import("1007"), HasSubstr("1 point stays excluded"));
+  EXPECT_EQ(point(3)["state"], "excluded");
+  EXPECT_THAT(import("1001"), HasSubstr("No longer excluded: part 1, point 3"));
+  EXPECT_EQ(point(3)["state"], "used");
+}
+
 TEST_F(points_command, what_cannot_be_done_is_said_in_one_line) {
   const auto wrong = [&](int code, const Arguments& more) {
     return trouble(code, of("exclude", curves, more));

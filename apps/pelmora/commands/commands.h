@@ -17,6 +17,7 @@ void addFitCommand(Program& program);
 void addShowCommand(Program& program);
 void addCalibrateCommand(Program& program);
 void addReportCommand(Program& program);
+void addPlotCommand(Program& program);
 void addPointsCommand(Program& program);
 void addExcludeCommand(Program& program);
 void addIncludeCommand(Program& program);

@@ -6,6 +6,7 @@
 #include "apps/pelmora/options/names.h"
 #include "apps/pelmora/options/strict_number.h"
 #include "apps/pelmora/output/standard_output.h"
+#include "apps/pelmora/output/point_output.h"
 #include "apps/pelmora/output/text_table.h"
 #include "report/json_values.h"
 
@@ -51,9 +52,12 @@ void raw(const RawRequest& request) {
   const bool mayRegister = request.registerMeter && request.calibration < 0;
   const calibration::Meter meter = mayRegister ? lab.registerMeter(request.meter)
                                                : lab.meter(request.meter, request.calibration);
-  (void)lab.storeRaw(meter, request.series, request.part, points);
+  const calibration::StoredPoints stored =
+      lab.storeRaw(meter, request.series, request.part, points);
   change.finish();
-  if (!request.asJson) return printData(summary(request, meter, points) + change.closingText());
+  if (!request.asJson)
+    return printData(summary(request, meter, points) +
+                     exclusionText(stored.excluded, stored.dropped) + change.closingText());
   nlohmann::json value{{"meter", report::meterJson(meter)},
                        {"series", request.series},
                        {"rawPart", request.part},

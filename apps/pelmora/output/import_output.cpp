@@ -2,6 +2,7 @@
 #include "apps/pelmora/output/import_output.h"
 
 #include "apps/pelmora/output/run_table.h"
+#include "apps/pelmora/output/point_output.h"
 #include "apps/pelmora/output/text_table.h"
 #include "report/json_values.h"
 
@@ -39,7 +40,7 @@ std::string importText(const std::string& database, const ImportOutcome& outcome
               0) +
       "\n" + runTable(imported.runs) + derivedTable(imported.series);
   for (const std::string& note : outcome.notes) text += wrapped("note: " + note, 0);
-  return text;
+  return text + exclusionText(imported.excludedAgain, imported.dropped);
 }
 
 nlohmann::json importJson(const ImportOutcome& outcome) {

@@ -139,6 +139,14 @@ std::string droppedLines(const std::vector<DroppedExclusion>& dropped) {
   return text;
 }
 
+std::string exclusionText(std::size_t excluded, const std::vector<DroppedExclusion>& dropped) {
+  if (excluded == 0) return droppedLines(dropped);
+  return wrapped(std::to_string(excluded) +
+                     (excluded == 1 ? " point stays excluded." : " points stay excluded."),
+                 0) +
+         droppedLines(dropped);
+}
+
 nlohmann::json droppedJson(const DroppedExclusion& dropped) {
   nlohmann::json value = changedPointJson(dropped.point);
   value["job"] = orNull(dropped.job);

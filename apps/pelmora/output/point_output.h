@@ -25,6 +25,9 @@ namespace pelmora::cli {
 
 // A paragraph for each exclusion that an operation has ended.
 [[nodiscard]] std::string droppedLines(const std::vector<calibration::DroppedExclusion>& dropped);
+// What became of exclusions when points came again; empty if there were none.
+[[nodiscard]] std::string exclusionText(std::size_t excluded,
+                                        const std::vector<calibration::DroppedExclusion>& dropped);
 [[nodiscard]] nlohmann::json droppedJson(const calibration::DroppedExclusion& dropped);
 
 // "none", "current", "outdated", "unknown": the names in JSON, which never change.
