@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/import_runs.h"
 
+#include "apps/pelmora/failure_trouble.h"
 #include "apps/pelmora/options/names.h"
 
 namespace pelmora::cli {
@@ -57,8 +58,14 @@ ImportOutcome importRuns(CommandChange& change, const ImportRequest& request) {
   settings.stand = options.standNumber;
   settings.position = options.position;
   ImportOutcome outcome;
-  outcome.imported =
-      lab.importRuns(meter, stand, standRuns(request.runs), settings, session.observer());
+  try {
+    outcome.imported =
+        lab.importRuns(meter, stand, standRuns(request.runs), settings, session.observer());
+  } catch (const calibration::BadData& failure) {
+    const Trouble why = troubleOf(failure);
+    throw Trouble(why.code(), why.what(),
+                  why.remedy() + (why.remedy().empty() ? "" : "; ") + "nothing was imported");
+  }
   outcome.isNewCalibration = options.newCalibration || !isKnown;
   if (const std::string& job = outcome.imported.jobWithoutRotorB; !job.empty()) {
     outcome.notes.push_back(
