@@ -7,7 +7,6 @@
 #include "apps/pelmora/last_words.h"
 #include "apps/pelmora/options/program.h"
 #include "apps/pelmora/output/standard_output.h"
-#include "apps/pelmora/temporary_folder.h"
 #include "apps/pelmora/output/terminal_colour.h"
 #include "apps/pelmora/trouble.h"
 
@@ -99,7 +98,6 @@ int run(int argc, const char* const* argv) noexcept {
   noteNothingStored();
   const InterruptionHandlers handlers;
   try {
-    removeAbandonedFolders();
     return runWithTroubleTold(argc, argv);
   } catch (...) {
     return sayOutOfMemory();  // no other error is left: to tell of it took memory too

@@ -182,6 +182,15 @@ TEST(command_line, knows_its_parser_in_one_room) {
   }
 }
 
+// What the hosts' component shows and keeps for its thread is not for commands: they call the
+// service.
+TEST(command_line, does_without_the_component) {
+  const Names component{"pelmora/pelmora.h", "pelmora/raw_data.h", "pelmora/platform.h",
+                        "pelmora/dialog.h"};
+  for (const Include& include : includesOf(placeOf("apps/pelmora")))
+    EXPECT_FALSE(component.contains(include.target)) << include.file << ": " << include.target;
+}
+
 TEST(includes_check, finds_an_include_that_points_up) {
   const FolderRule& rule = rules().at("store");
   EXPECT_NE(why("store", rule, {"store/x.cpp", "component/start_fit.h", true}), "");

@@ -78,25 +78,6 @@ TEST_F(interruption, of_a_fit_changes_nothing) {
   EXPECT_THAT(terminal.shown(), HasSubstr("interrupted: nothing was stored"));
 }
 
-TEST_F(interruption, that_killed_a_run_of_before_leaves_a_folder_that_the_next_run_removes) {
-  fs::create_directory(temporary + "/pelmora-work-abcdef");
-  std::ofstream(temporary + "/pelmora-work-abcdef/file") << "left";
-  done({"show", curves});
-  EXPECT_EQ(entries(), 0);
-}
-
-TEST_F(interruption, tidies_up_through_no_symbolic_link_and_under_no_other_name) {
-  const std::string kept = scratch.file("kept");
-  fs::create_directory(kept);
-  std::ofstream(kept + "/file") << "mine";
-  fs::create_directory_symlink(kept, temporary + "/pelmora-work-abcdef");
-  fs::create_directory(temporary + "/pelmora-other");
-  std::ofstream(temporary + "/pelmora-work-file") << "no folder";
-  done({"show", curves});
-  EXPECT_EQ(entries(), 3);
-  EXPECT_EQ(contentsOf(kept + "/file"), "mine");
-}
-
 TEST_F(interruption, of_a_wait_for_a_lock_changes_nothing) {
   sqlite3* other = nullptr;
   ASSERT_EQ(sqlite3_open(curves.c_str(), &other), SQLITE_OK);
