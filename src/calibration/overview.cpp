@@ -92,13 +92,14 @@ void Database::overview(const std::function<void(const MeterOverview&)>& visit) 
   session_->asking("listing the meters of '" + location() + "'", [&] {
     Connection& connection = session_->connection();
     const auto visitWhere = [&](const std::string& condition) {
-      visitRows(*readRows(connection,
-                          "Select meter.ID, meter.SerialNumber, meter.SerialNumberAdjusted, "
-                          "meter.ReCalID, series.ID, series.name from meter LEFT JOIN series ON "
-                          "meter.ID = series.meterid where " +
-                              condition +
-                              " ORDER BY meter.SerialNumber, meter.ReCalID, meter.ID, series.name"),
-                location(), visit);
+      visitRows(
+          *readRows(connection,
+                    "Select meter.ID, meter.SerialNumber, meter.SerialNumberAdjusted, "
+                    "meter.ReCalID, series.ID, series.name from meter LEFT JOIN series ON "
+                    "meter.ID = series.meterid where " +
+                        condition +
+                        " ORDER BY meter.SerialNumber, meter.ReCalID DESC, meter.ID, series.name"),
+          location(), visit);
     };
     visitWhere("meter.SerialNumber IS NULL");
     for (std::string beyond = "SerialNumber IS NOT NULL";;) {

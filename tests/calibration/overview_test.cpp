@@ -32,7 +32,7 @@ TEST_F(Overviews, list_calibrations_with_their_series_in_order) {
     db.storeRaw(again, name, 1, smoothPoints(3));
   EXPECT_EQ(overviewOf(db),
             (std::vector<MeterOverview>{
-                {first, {}}, {again, {"Ratio", "rotor A", "Rotor B"}}, {second, {}}}));
+                {again, {"Ratio", "rotor A", "Rotor B"}}, {first, {}}, {second, {}}}));
   EXPECT_EQ(db.serials(), (std::vector<std::string>{"m1", "O'Neil"}));
 }
 
@@ -47,7 +47,7 @@ TEST_F(Overviews, lose_no_meter_between_two_portions) {
   ASSERT_EQ(list.size(), 10000U);
   for (std::size_t i = 1; i < list.size(); ++i) {
     const Meter &a = list[i - 1].meter, &b = list[i].meter;
-    EXPECT_LT(std::pair(a.serial, a.calibration), std::pair(b.serial, b.calibration));
+    EXPECT_LT(std::pair(a.serial, -a.calibration), std::pair(b.serial, -b.calibration));
   }
   for (const MeterOverview& overview : list)
     EXPECT_EQ(overview.series, std::vector<std::string>{"S"});

@@ -97,8 +97,8 @@ class PELMORA_API Database {
   // Errors: NotFound; its remedy suggests similar names.
   [[nodiscard]] std::vector<Meter> meters() const;  // every calibration, by serial and number
   [[nodiscard]] std::vector<std::string> serials() const;  // in alphabetical order
-  // Calls `visit` with every calibration, by serial and number. Reads some at a time, so that the
-  // memory that it needs does not grow with their number.
+  // Calls `visit` with every calibration, by serial, the latest first. Reads some at a time, so
+  // that the memory that it needs does not grow with their number.
   //
   // Errors: BadData if a series has no name or a calibration no number.
   void overview(const std::function<void(const MeterOverview&)>& visit) const;
