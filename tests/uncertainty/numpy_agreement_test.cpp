@@ -149,6 +149,7 @@ TEST(numpy_agreement, of_the_reference_curve) {
   ref::ReferenceOptions options;
   options.robust = false;
   options.fluidOffsets = c->at("offsets");
+  options.drag = c->at("drag");
   const double lowestShare =
       *std::min_element(x.begin(), x.end()) / *std::max_element(x.begin(), x.end());
   options.lattice = {grid["lengths"][0],
