@@ -6,6 +6,8 @@
 #include "store/meter_lookup.h"
 #include "store/meter_registry.h"
 
+#include <utility>
+
 namespace pelmora {
 namespace {
 
@@ -102,10 +104,24 @@ std::int32_t setMeterSN(const OperationContext& context, const std::string& Mete
   context.trap("Error in RawData:setMeterSN", [&] {
     context.raiseStatusUpdate("Saving meter serial number " + MeterSerialNumber);
     OperationConnection connection(context, nullptr);
-    const std::int16_t ReCalID =
-        nextReCalID(FindLastCalID(context, MeterSerialNumber, connection.pointer()));
+    const auto lookUp = [&] {
+      return nextReCalID(FindLastCalID(context, MeterSerialNumber, connection.pointer()));
+    };
+    std::int16_t ReCalID = lookUp();
     if (MeterSNAdjusted.empty()) MeterSNAdjusted = MeterSerialNumber;
-    meterId = addCalibration(connection, hostsName(MeterSerialNumber), MeterSNAdjusted, ReCalID);
+    const NameText MeterSN = hostsName(MeterSerialNumber);
+    for (;;) {
+      const auto added = addNewCalibration(connection, MeterSN, MeterSNAdjusted, ReCalID);
+      if (added) {
+        meterId = *added;
+        return;
+      }
+      // Another host has added one since the look-up. Where the number stays the same it is the
+      // look-up that failed; a row is added on every call.
+      const std::int16_t before = std::exchange(ReCalID, lookUp());
+      if (ReCalID == before) break;
+    }
+    meterId = addCalibration(connection, MeterSN, MeterSNAdjusted, ReCalID);
   });
   return meterId;
 }

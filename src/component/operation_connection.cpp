@@ -23,6 +23,10 @@ class OperationRecordset : public Recordset {
   void addRow(std::span<const std::string_view> fields, std::span<const Value> values) override {
     rows_->addRow(fields, values);
   }
+  bool addNewRow(std::string_view field, std::span<const std::string_view> fields,
+                 std::span<const Value> values) override {
+    return rows_->addNewRow(field, fields, values);
+  }
   void updateBatch() override { rows_->updateBatch(); }
   void requery() override { rows_->requery(); }
   void close() override { rows_->close(); }

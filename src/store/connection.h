@@ -40,12 +40,25 @@ class PELMORA_API Recordset {
   // once and becomes the current row, generated key included; with LockType::batchOptimistic it is
   // kept until updateBatch. `fields` and `values` have equal length; other columns stay null.
   virtual void addRow(std::span<const std::string_view> fields, std::span<const Value> values) = 0;
+  // Adds the row as LockType::optimistic does, unless a row that the statement selects by now,
+  // which another user may have added since, has the same value in `field`: then nothing is stored
+  // and the result is false. A database that cannot look and add in one step adds the row.
+  [[nodiscard]] virtual bool addNewRow(std::string_view field,
+                                       std::span<const std::string_view> fields,
+                                       std::span<const Value> values);
   // Stores all kept rows in one transaction: all of them or, where it throws, none.
   virtual void updateBatch() = 0;
   // Runs the statement again.
   virtual void requery() = 0;
   virtual void close() = 0;
 };
+
+inline bool Recordset::addNewRow(std::string_view /*field*/,
+                                 std::span<const std::string_view> fields,
+                                 std::span<const Value> values) {
+  addRow(fields, values);
+  return true;
+}
 
 // A database, open or not yet open. Statements are in the curve database's own dialect and passed
 // on as they stand; one call runs one statement.

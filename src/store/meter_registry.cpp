@@ -21,8 +21,13 @@ std::int16_t nextReCalID(const MeterInfo& latest) {
   return static_cast<std::int16_t>(latest.ReCalID + 1);
 }
 
-std::int32_t addCalibration(Connection& connection, const NameText& MeterSN,
-                            const std::string& MeterSNAdjusted, std::int16_t ReCalID) {
+namespace {
+
+// `add` gets the record set, the fields and their values.
+template <class Add>
+std::optional<std::int32_t> addedCalibration(Connection& connection, const NameText& MeterSN,
+                                             const std::string& MeterSNAdjusted,
+                                             std::int16_t ReCalID, Add&& add) {
   auto rows = readRows(
       connection,
       "select id, serialnumber, serialNumberAdjusted, recalid from meter where serialnumber = " +
@@ -30,8 +35,28 @@ std::int32_t addCalibration(Connection& connection, const NameText& MeterSN,
   constexpr std::array<std::string_view, 3> fields{"serialnumber", "serialnumberadjusted",
                                                    "ReCalID"};
   const std::array<Value, 3> values{MeterSN.name(), MeterSNAdjusted, std::int64_t{ReCalID}};
-  rows->addRow(fields, values);
+  if (!add(*rows, fields, values)) return std::nullopt;
   return toInt32(rows->value("id"));
+}
+
+}  // namespace
+
+std::int32_t addCalibration(Connection& connection, const NameText& MeterSN,
+                            const std::string& MeterSNAdjusted, std::int16_t ReCalID) {
+  return *addedCalibration(connection, MeterSN, MeterSNAdjusted, ReCalID,
+                           [](Recordset& rows, const auto& fields, const auto& values) {
+                             rows.addRow(fields, values);
+                             return true;
+                           });
+}
+
+std::optional<std::int32_t> addNewCalibration(Connection& connection, const NameText& MeterSN,
+                                              const std::string& MeterSNAdjusted,
+                                              std::int16_t ReCalID) {
+  return addedCalibration(connection, MeterSN, MeterSNAdjusted, ReCalID,
+                          [](Recordset& rows, const auto& fields, const auto& values) {
+                            return rows.addNewRow("recalid", fields, values);
+                          });
 }
 
 std::int32_t findOrAddSeriesRow(Connection& connection, const NameText& SeriesName,
@@ -41,7 +66,7 @@ std::int32_t findOrAddSeriesRow(Connection& connection, const NameText& SeriesNa
   if (rows->recordCount() == 0) {
     constexpr std::array<std::string_view, 2> fields{"name", "meterid"};
     const std::array<Value, 2> values{SeriesName.name(), std::int64_t{MeterID}};
-    rows->addRow(fields, values);
+    if (!rows->addNewRow("name", fields, values)) rows->requery();
   }
   return toInt32(rows->value("id"));
 }

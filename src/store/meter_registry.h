@@ -8,6 +8,7 @@
 #include <pelmora/types.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace pelmora {
@@ -20,7 +21,15 @@ namespace pelmora {
 [[nodiscard]] std::int32_t addCalibration(Connection& connection, const NameText& MeterSN,
                                           const std::string& MeterSNAdjusted, std::int16_t ReCalID);
 
-// Finds the series of a meter by name, or adds it; returns its id.
+// The same. Nothing is added or returned where another user has added the calibration of that
+// number since it was looked up.
+[[nodiscard]] std::optional<std::int32_t> addNewCalibration(Connection& connection,
+                                                            const NameText& MeterSN,
+                                                            const std::string& MeterSNAdjusted,
+                                                            std::int16_t ReCalID);
+
+// Finds the series of a meter by name, or adds it, and never a second one beside that of another
+// user who adds it at the same time; returns its id.
 [[nodiscard]] std::int32_t findOrAddSeriesRow(Connection& connection, const NameText& SeriesName,
                                               std::int32_t MeterID);
 

@@ -163,6 +163,36 @@ TEST_F(shared_database, stays_whole_while_two_hosts_of_four_threads_store) {
   }
 }
 
+// Threads of one number have the same series in both processes.
+TEST_F(shared_database, gets_no_series_and_no_calibration_twice) {
+  const int series = isLong() ? 60 : 20;
+  done({"init", curves});
+  done(raw("first", points("a.csv", 2)));
+  for (int round = 0; round < rounds(); ++round) {
+    const auto host = [&](const std::string& output) {
+      return Running({PELMORA_HOST, curves, "R" + std::to_string(round), "4",
+                      std::to_string(series), "register"},
+                     scratch.file(output));
+    };
+    Running a = host("a.txt"), b = host("b.txt");
+    EXPECT_EQ(a.exitCode(), 0) << text("a.txt");
+    EXPECT_EQ(b.exitCode(), 0) << text("b.txt");
+    EXPECT_EQ(asked("SELECT count(*) FROM (SELECT 1 FROM series GROUP BY meterid, name HAVING "
+                    "count(*) > 1)"),
+              "0");
+    EXPECT_EQ(asked("SELECT count(*) FROM (SELECT 1 FROM meter GROUP BY SerialNumber, ReCalID "
+                    "HAVING count(*) > 1)"),
+              "0");
+    // Every call has added a calibration, and each has its own number.
+    const std::string all = std::to_string(8 * series * (round + 1));
+    EXPECT_EQ(asked("SELECT count(*) || ' ' || (max(ReCalID) + 1) FROM meter WHERE SerialNumber = "
+                    "'Shared'"),
+              all + " " + all);
+    expectWhole(4 * series * (round + 1) + 1);
+    if (HasFailure()) FAIL() << "in round " << round;
+  }
+}
+
 TEST_F(shared_database, is_written_by_twenty_processes_at_once_without_a_refusal) {
   constexpr int writers = 20;
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(isLong() ? 30 : 3);

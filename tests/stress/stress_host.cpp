@@ -1,5 +1,6 @@
 // A host with several threads: stress_host CURVES NAME THREADS SERIES stores SERIES series in each
-// thread, with its own object and its own connections, and prints how often it was refused.
+// thread, with its own object and its own connections, and prints how often it was refused. With a
+// fifth argument each thread registers a calibration of meter "Shared" before each series.
 // SPDX-License-Identifier: MIT
 #include <pelmora/pelmora.h>
 
@@ -25,7 +26,7 @@ PointArray points(int seed) {
   return table;
 }
 
-void store(const std::string& path, const std::string& name, int count) {
+void store(const std::string& path, const std::string& name, int count, bool registers) {
   bool isRefused = false;
   platform().messageBox = [&](const std::string&, int, const std::string&) {
     isRefused = true;
@@ -34,6 +35,7 @@ void store(const std::string& path, const std::string& name, int count) {
   RawData data;
   data.dbDirSetByString(path);
   for (int i = 0; i < count; ++i) {
+    while (registers && data.setMeterSN("Shared") == 0) ++refusals;
     const std::string series = name + "-" + std::to_string(i);
     // A refused operation has stored nothing, the series without its points, or, where its look-up
     // of the meter was refused, everything under no meter.
@@ -50,10 +52,11 @@ void store(const std::string& path, const std::string& name, int count) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 5) return 2;
+  if (argc != 5 && argc != 6) return 2;
   std::vector<std::jthread> threads;
   for (int i = 0; i < std::atoi(argv[3]); ++i) {
-    threads.emplace_back(store, argv[1], argv[2] + ("-" + std::to_string(i)), std::atoi(argv[4]));
+    threads.emplace_back(store, argv[1], argv[2] + ("-" + std::to_string(i)), std::atoi(argv[4]),
+                         argc == 6);
   }
   threads.clear();
   std::printf("%d\n", refusals.load());

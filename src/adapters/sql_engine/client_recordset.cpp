@@ -119,26 +119,46 @@ RowBatch ClientRecordset::newBatch(std::span<const std::string_view> fields) {
 
 void ClientRecordset::addRow(std::span<const std::string_view> fields,
                              std::span<const Value> values) {
-  requireOpen();
-  if (fields.size() != values.size() || fields.empty())
-    throw makeError(RunTimeError::invalidArgument);
-  const bool isOneAtATime = lock_ == LockType::optimistic;
-  if (kept_.empty() || !std::ranges::equal(kept_.back().fields, fields))
-    kept_.push_back(newBatch(fields));
-  RowBatch& batch = kept_.back();
-  for (std::size_t i = 0; i < values.size(); ++i) requireStorable(values[i], batch.columns[i]);
-  batch.rows.appendRow(values);
-  if (!isOneAtATime) return;
+  keep(fields, values);
+  if (lock_ != LockType::optimistic) return;
   const RowBatch row = std::move(kept_.back());
   kept_.clear();
   storeAtOnce(row);
 }
 
-void ClientRecordset::storeAtOnce(const RowBatch& batch) {
-  const RowStore stored = source_->storeAndRead(*outputTable_, batch, *translation_);
-  for (std::size_t i = 0; i < fields_.size(); ++i) stored.read(0, i, current_[i]);
+bool ClientRecordset::addNewRow(std::string_view field, std::span<const std::string_view> fields,
+                                std::span<const Value> values) {
+  const auto given =
+      std::ranges::find_if(fields, [&](std::string_view name) { return equalNames(name, field); });
+  if (given == fields.end() || lock_ != LockType::optimistic)
+    throw makeError(RunTimeError::invalidArgument);
+  keep(fields, values);
+  const RowBatch row = std::move(kept_.back());
+  kept_.clear();
+  const RowInTheWay inTheWay{statement_, fieldIndex(field),
+                             values[static_cast<std::size_t>(given - fields.begin())]};
+  return storeAtOnce(row, &inTheWay);
+}
+
+void ClientRecordset::keep(std::span<const std::string_view> fields,
+                           std::span<const Value> values) {
+  requireOpen();
+  if (fields.size() != values.size() || fields.empty())
+    throw makeError(RunTimeError::invalidArgument);
+  if (kept_.empty() || !std::ranges::equal(kept_.back().fields, fields))
+    kept_.push_back(newBatch(fields));
+  RowBatch& batch = kept_.back();
+  for (std::size_t i = 0; i < values.size(); ++i) requireStorable(values[i], batch.columns[i]);
+  batch.rows.appendRow(values);
+}
+
+bool ClientRecordset::storeAtOnce(const RowBatch& batch, const RowInTheWay* unless) {
+  const auto stored = source_->storeAndRead(*outputTable_, batch, *translation_, unless);
+  if (!stored) return false;
+  for (std::size_t i = 0; i < fields_.size(); ++i) stored->read(0, i, current_[i]);
   rows_.appendRow(current_);
   row_ = rows_.rows() - 1;
+  return true;
 }
 
 void ClientRecordset::updateBatch() {

@@ -26,6 +26,8 @@ class ClientRecordset : public Recordset {
   void moveNext() override;
   [[nodiscard]] const Value& value(std::size_t field) const override;
   void addRow(std::span<const std::string_view> fields, std::span<const Value> values) override;
+  [[nodiscard]] bool addNewRow(std::string_view field, std::span<const std::string_view> fields,
+                               std::span<const Value> values) override;
   void updateBatch() override;
   void requery() override;
   void close() override;
@@ -35,8 +37,9 @@ class ClientRecordset : public Recordset {
   [[nodiscard]] const SelectStatement& select() const;
   void requireOpen() const;
   [[nodiscard]] const TableShape& outputTable();
+  void keep(std::span<const std::string_view> fields, std::span<const Value> values);
   [[nodiscard]] RowBatch newBatch(std::span<const std::string_view> fields);
-  void storeAtOnce(const RowBatch& batch);
+  bool storeAtOnce(const RowBatch& batch, const RowInTheWay* unless = nullptr);
 
   std::shared_ptr<RowSource> source_;
   std::string statement_;

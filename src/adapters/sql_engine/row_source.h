@@ -7,6 +7,7 @@
 #include "adapters/sql_engine/statement_translations.h"
 
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -26,6 +27,13 @@ struct SelectedRows {
   RowStore rows{0};
 };
 
+// What a record set's own SELECT must not deliver by the time when a row is added.
+struct RowInTheWay {
+  const std::string& statement;
+  std::size_t field;
+  const Value& value;
+};
+
 class RowSource {
  public:
   virtual ~RowSource() = default;
@@ -36,9 +44,12 @@ class RowSource {
   // Stores all rows in one transaction. Errors: Error; nothing is then stored.
   virtual void store(const TableShape& table, std::span<const RowBatch> batches) = 0;
   // Stores a batch of one row. Delivers the row as it is stored, generated key included, in the
-  // columns of the translated SELECT.
-  [[nodiscard]] virtual RowStore storeAndRead(const TableShape& table, const RowBatch& row,
-                                              const Translation& select) = 0;
+  // columns of the translated SELECT. Nothing, and nothing is stored, where there is a row that
+  // `unless` describes; looking and adding are one step.
+  [[nodiscard]] virtual std::optional<RowStore> storeAndRead(const TableShape& table,
+                                                             const RowBatch& row,
+                                                             const Translation& select,
+                                                             const RowInTheWay* unless) = 0;
 };
 
 }  // namespace pelmora::sql

@@ -7,6 +7,7 @@
 #include "adapters/sqlite/sqlite_renderer.h"
 #include "adapters/sqlite/sqlite_rows.h"
 #include "adapters/sqlite/transaction.h"
+#include "base/text_case.h"
 
 #include <sqlite3.h>
 
@@ -172,10 +173,26 @@ void SqliteSession::store(const sql::TableShape& table, std::span<const sql::Row
   transaction.commit();
 }
 
-sql::RowStore SqliteSession::storeAndRead(const sql::TableShape& table, const sql::RowBatch& row,
-                                          const sql::Translation& select) {
+bool SqliteSession::isThere(const sql::RowInTheWay& row) {
+  const sql::SelectedRows now = select(row.statement);
+  Value value;
+  for (std::size_t i = 0; i < now.rows.rows(); ++i) {
+    now.rows.read(i, row.field, value);
+    const auto *there = std::get_if<std::string>(&value),
+               *wanted = std::get_if<std::string>(&row.value);
+    const bool areTexts = there != nullptr && wanted != nullptr;
+    if (areTexts ? equalNames(*there, *wanted) : value == row.value) return true;
+  }
+  return false;
+}
+
+std::optional<sql::RowStore> SqliteSession::storeAndRead(const sql::TableShape& table,
+                                                         const sql::RowBatch& row,
+                                                         const sql::Translation& select,
+                                                         const sql::RowInTheWay* unless) {
   requireWritable();
   Transaction transaction(handle());
+  if (unless != nullptr && isThere(*unless)) return std::nullopt;
   insertRows(*this, table, row);
   sql::RowStore stored(0);
   {

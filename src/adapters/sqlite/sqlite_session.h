@@ -61,8 +61,10 @@ class SqliteSession : public sql::RowSource {
   [[nodiscard]] sql::SelectedRows select(const std::string& statement) override;
   [[nodiscard]] sql::TableShape tableToChange(const std::string& name) override;
   void store(const sql::TableShape& table, std::span<const sql::RowBatch> batches) override;
-  [[nodiscard]] sql::RowStore storeAndRead(const sql::TableShape& table, const sql::RowBatch& row,
-                                           const sql::Translation& select) override;
+  [[nodiscard]] std::optional<sql::RowStore> storeAndRead(const sql::TableShape& table,
+                                                          const sql::RowBatch& row,
+                                                          const sql::Translation& select,
+                                                          const sql::RowInTheWay* unless) override;
 
   // The next row. Errors: those of PreparedStatement::step and of the dialect's functions.
   bool step(PreparedStatement& statement);
@@ -70,6 +72,7 @@ class SqliteSession : public sql::RowSource {
  private:
   SqliteSession(const std::string& file, OpenMode mode, const Patience& patience);
   void forgetSchema() noexcept;
+  [[nodiscard]] bool isThere(const sql::RowInTheWay& row);
 
   std::string file_;
   StatementFault fault_;

@@ -108,6 +108,14 @@ TEST_F(SetRawOf, an_unknown_meter_goes_under_meter_minus_one) {
               testing::Contains("read select * from series where name = 'Ratio' and meterid=-1"));
 }
 
+TEST_F(SetRawOf, a_meter_whose_look_up_fails_goes_under_no_meter_behind_its_box) {
+  script->fail(findMeter, refused);
+  EXPECT_TRUE(set());
+  EXPECT_THAT(boxes, ElementsAre(errorBox("Error in RawData:findMeterInfo", "Syntax error")));
+  EXPECT_THAT(log(),
+              testing::Contains("read select * from series where name = 'Ratio' and meterid=0"));
+}
+
 TEST_F(SetRawOf, a_meter_of_the_master_list_goes_under_that_lists_id) {
   script->answers.clear();
   script->answer(findMaster, {{"ID", "ReCalID"}, {{std::int64_t{40}, std::int64_t{2}}}});
