@@ -5,6 +5,7 @@
 #include <pelmora/export.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -43,6 +44,9 @@ struct SolverSettings {
   double ResidualTolerance = 0;
   std::vector<double>
       StartValues;  // one per parameter, in alphabetical order; empty: the engine's own
+  // Asked again and again while an equation is fitted; true ends its fit without a solution. Empty:
+  // never.
+  std::function<bool()> StopRequested = {};
 };
 
 // One equation, one fit. Shapes: n points, p parameters.

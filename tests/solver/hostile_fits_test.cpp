@@ -57,6 +57,25 @@ TEST(hostile_fits, start_values_that_are_not_finite_are_no_solution) {
   EXPECT_FALSE(fitOf("a*exp(b*x)", someX, someY, {1, std::nan("")})->solutionFound());
 }
 
+TEST(hostile_fits, a_fit_that_is_asked_to_stop_ends_without_a_solution) {
+  auto model = createSolver()->createModel();
+  model->Definition = {"Test", "a*exp(b*x)+c*exp(d*x)"};
+  int asked = 0;
+  model->Settings.StopRequested = [&asked] { return ++asked > 5; };
+  std::vector<double> x, y;
+  for (int i = 1; i <= 40; ++i) {
+    x.push_back(i);
+    y.push_back(2 * std::exp(-0.1 * i) + 0.5 * std::exp(-0.02 * i) + 0.001 * (i % 3));
+  }
+  model->attach(test::dataOf(x, y));
+  EXPECT_FALSE(model->solutionFound());
+  EXPECT_NE(model->failureReason().find("stopped"), std::string::npos) << model->failureReason();
+  EXPECT_LT(asked, 20);
+  model->Settings.StopRequested = {};
+  model->attach(test::dataOf(x, y));
+  EXPECT_TRUE(model->solutionFound()) << model->failureReason();
+}
+
 TEST(hostile_fits, huge_and_tiny_numbers_are_survived) {
   for (const char* text : {"a+b*x", "a+b*ln(x)+c/ln(x)", "a*exp(-b*x)", "a*x^9+b*x"}) {
     fitOf(text, {1e-300, 1e-150, 1, 1e150, 1e300}, {1e300, -1e300, 1e-300, 0, 5});

@@ -103,6 +103,8 @@ RunEnd CatalogueFit::runEquations(const Running& running) {
                               static_cast<std::int16_t>(last + 1));
     if (fitEquation(running, index) && endsRun(running, slots_[index])) break;
   }
+  // The last equation may have been the one that was stopped.
+  if (running.run.stopRequested && running.run.stopRequested()) return RunEnd::stopped;
   return RunEnd::complete;
 }
 
@@ -120,6 +122,7 @@ bool CatalogueFit::fitEquation(const Running& running, std::size_t index) {
   model.Settings.First = iterationLimit;
   model.Settings.Second = numberOfStarts;
   model.Settings.ResidualTolerance = residualTolerance;
+  model.Settings.StopRequested = running.run.stopRequested;
 
   running.observer.status("Started fitting with equation: " + model.Definition.Name);
   model.attach(data_);

@@ -37,7 +37,7 @@ struct CatalogueRun {
   std::shared_ptr<FitEngine> engine;
   // Where the engine writes log.txt about an equation without a solution; null: nowhere.
   const std::string* logFolder = nullptr;
-  // Asked before each equation; true ends the run. Empty: never.
+  // Asked before each equation and while one is fitted; true ends the run. Empty: never.
   std::function<bool()> stopRequested = {};
   // Where accepted equations are predicted. Empty: NumberOfFittedPoints rows evenly spaced in
   // log10.

@@ -24,6 +24,11 @@ constexpr double mostPolish = 1e7;
 // Shares of the sum of y^2 and of another residual sum of squares.
 constexpr double exactFit = 1e-28, sameMinimum = 1e-6;
 
+void requireNotStopped(const SolverSettings& settings) {
+  if (settings.StopRequested && settings.StopRequested())
+    throw NoSolution{"the fit was stopped before it came to an end"};
+}
+
 }  // namespace
 
 NonlinearEnd lowestMinimum(const RegressionModel& model,
@@ -36,6 +41,7 @@ NonlinearEnd lowestMinimum(const RegressionModel& model,
   const bool canProject = std::find(linear.begin(), linear.end(), true) != linear.end();
   double evaluationsLeft = mostWork / model.work();
   search.evaluationsLeft = &evaluationsLeft;
+  search.stopRequested = settings.StopRequested;
   std::vector<SearchEnd> ends;
   for (const auto& start : starts) {
     if (!ends.empty() && evaluationsLeft <= 0) break;
@@ -45,6 +51,7 @@ NonlinearEnd lowestMinimum(const RegressionModel& model,
       search.projected.clear();
     }
     ends.push_back(searchFrom(model, start, search));
+    requireNotStopped(settings);
   }
   std::erase_if(ends, [](const SearchEnd& end) { return !std::isfinite(end.residualSquares); });
   if (ends.empty())
@@ -55,6 +62,7 @@ NonlinearEnd lowestMinimum(const RegressionModel& model,
   double workLeft = mostPolish;
   std::string reason, firstReason;
   for (const SearchEnd& end : ends) {
+    requireNotStopped(settings);
     if (auto minimum = polish(model, end.parameters, workLeft, reason)) {
       const int iterations = end.iterations + minimum->iterations;
       return {std::move(minimum->parameters), std::move(minimum->fit), iterations};

@@ -47,7 +47,8 @@ class Search {
     model_.evaluate(point, residuals_, slopes);
   }
   [[nodiscard]] bool isExhausted() const {
-    return settings_.evaluationsLeft != nullptr && *settings_.evaluationsLeft <= 0;
+    if (settings_.evaluationsLeft != nullptr && *settings_.evaluationsLeft <= 0) return true;
+    return settings_.stopRequested && settings_.stopRequested();
   }
 
   // Solves for the projected parameters at `point`; the residual squares there, infinite where the

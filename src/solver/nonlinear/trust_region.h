@@ -4,6 +4,7 @@
 
 #include "solver/nonlinear/regression_model.h"
 
+#include <functional>
 #include <vector>
 
 namespace pelmora::solver {
@@ -14,6 +15,8 @@ struct SearchSettings {
   std::vector<bool> projected;  // parameters that are solved for directly at each step; empty: none
   // Evaluations that all searches together may still make; none: no limit.
   double* evaluationsLeft = nullptr;
+  // True ends the search where it is. Empty: never.
+  std::function<bool()> stopRequested = {};
 };
 
 // Where a search ended. residualSquares is infinite where no finite point was found.
