@@ -36,6 +36,10 @@ struct ReportOptions {
                                                  ReportKind kind,
                                                  const ReportOptions& options = {});
 
+// The plot of a fit, as an SVG picture: what the report shows once the fit is stored. Points that
+// the merge left out are marked.
+[[nodiscard]] PELMORA_API std::string plotOf(const Fit& fit);
+
 // Writes the report to a file, whose extension decides the kind. An existing file is replaced once
 // the new one is complete.
 //
