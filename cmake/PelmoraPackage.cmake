@@ -1,12 +1,14 @@
-# Debian packages, made by cpack: `pelmora` (program, library, message window) and `libpelmora-dev` (what a
-# host is built with). `cmake --workflow --preset package` makes both.
-foreach(package pelmora libpelmora-dev)
-  set(component program)
-  if(package STREQUAL "libpelmora-dev")
-    set(component development)
-  endif()
-  install(FILES LICENSE RENAME copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} COMPONENT ${component})
-endforeach()
+# Debian packages, made by cpack: `pelmora` (program, library, message window), `libpelmora-dev` (what a host is built
+# with) and, where it is built, `python3-pelmora`. `cmake --workflow --preset package` makes them.
+set(documentation ${CMAKE_INSTALL_DATADIR}/doc)
+install(FILES LICENSE RENAME copyright DESTINATION ${documentation}/pelmora COMPONENT program)
+install(FILES LICENSE RENAME copyright DESTINATION ${documentation}/libpelmora-dev COMPONENT development)
+set(CPACK_COMPONENTS_ALL program development)
+if(TARGET pelmora_python)
+  install(FILES LICENSE RENAME copyright DESTINATION ${documentation}/python3-pelmora COMPONENT python EXCLUDE_FROM_ALL)
+  install(FILES THIRD_PARTY.md DESTINATION ${documentation}/python3-pelmora COMPONENT python EXCLUDE_FROM_ALL)
+  list(APPEND CPACK_COMPONENTS_ALL python)
+endif()
 install(FILES CHANGELOG.md THIRD_PARTY.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/pelmora COMPONENT program)
 
 set(CPACK_GENERATOR DEB)
@@ -18,7 +20,6 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "calibration curves of turbine flow meters
 set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
-set(CPACK_COMPONENTS_ALL program development)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
@@ -41,5 +42,14 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "pelmora (= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
 "Development files: headers, CMake package and pkg-config file for
 applications that keep and fit curves through the Pelmora library.")
+
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-pelmora)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "pelmora (= ${PROJECT_VERSION}), python3 (>= 3.9), python3-numpy")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-pandas, python3-matplotlib, python3-tqdm")
+set(CPACK_DEBIAN_PYTHON_DESCRIPTION
+"Calibration curves of turbine flow meters in Python: keep, derive, fit and
+report them with arrays and pandas frames in and out.")
 
 include(CPack)

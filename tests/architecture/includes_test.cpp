@@ -53,6 +53,7 @@ const std::map<std::string, FolderRule>& rules() {
       {"adapters/ado", {{"base", "store", "adapters/os"}, {"windows"}}},
       {"bindings/com",
        {{"base", "ui", "adapters/os", "adapters/ado"}, {"windows", "cxxabi.h", "xmmintrin.h"}}},
+      {"bindings/python", {{}, {"pybind11"}}},
       {"wiring",
        {{"base", "ui", "store", "adapters/os", "adapters/sqlite", "adapters/stand_csv", "solver",
          "band", "adapters/dialog", "adapters/ado"},

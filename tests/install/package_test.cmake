@@ -92,3 +92,18 @@ if(PKG_CONFIG)
     message(FATAL_ERROR "pkg-config names ${headers}, where the headers are not")
   endif()
 endif()
+
+# The module finds the library where the package `pelmora` has put it.
+if(PYTHON)
+  open_package(python3-pelmora)
+  expect_files(lib/python3/dist-packages/pelmora/__init__.py lib/python3/dist-packages/pelmora/py.typed
+    share/doc/python3-pelmora/copyright)
+  expect_field(Depends "pelmora \\(= ${VERSION}\\)")
+  expect_field(Depends "python3-numpy")
+  expect_field(Section "^python\n$")
+  run(${CMAKE_COMMAND} -E env PYTHONPATH=${folder}/root/usr/lib/python3/dist-packages
+    ${PYTHON} -c "import pelmora, sys; sys.stdout.write(pelmora.__version__ + pelmora.__file__)")
+  if(NOT output STREQUAL "${VERSION}${folder}/root/usr/lib/python3/dist-packages/pelmora/__init__.py")
+    message(FATAL_ERROR "the unpacked package says ${output}")
+  endif()
+endif()

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#include "bindings/python/module/errors.h"
+
+#include "bindings/python/module/conversion.h"
+
+#include <pelmora/calibration/failure.h>
+
+#include <exception>
+
+namespace pelmora::python {
+namespace {
+
+namespace cal = pelmora::calibration;
+
+// Derived classes first.
+const char* classOf(const cal::Failure& failure) {
+  if (dynamic_cast<const cal::NotFound*>(&failure)) return "NotFound";
+  if (dynamic_cast<const cal::Exists*>(&failure)) return "Exists";
+  if (dynamic_cast<const cal::Locked*>(&failure)) return "Locked";
+  if (dynamic_cast<const cal::Damaged*>(&failure)) return "Damaged";
+  if (dynamic_cast<const cal::Unusable*>(&failure)) return "Unusable";
+  if (dynamic_cast<const cal::BadData*>(&failure)) return "BadData";
+  if (dynamic_cast<const cal::OutOfRange*>(&failure)) return "OutOfRange";
+  if (dynamic_cast<const cal::NoFit*>(&failure)) return "NoFit";
+  if (dynamic_cast<const cal::Changed*>(&failure)) return "Changed";
+  if (dynamic_cast<const cal::Cancelled*>(&failure)) return "Cancelled";
+  return "Error";
+}
+
+void raise(const char* name, const std::string& what, const std::string& where,
+           const std::string& remedy) {
+  const py::object type = py::module_::import("pelmora.errors").attr(name);
+  const py::object error =
+      type(textOf(what), py::arg("where") = textOf(where), py::arg("remedy") = textOf(remedy));
+  PyErr_SetObject(type.ptr(), error.ptr());
+}
+
+}  // namespace
+
+void translateErrors() {
+  py::register_exception_translator([](std::exception_ptr thrown) {
+    try {
+      if (thrown) std::rethrow_exception(thrown);
+    } catch (const cal::Failure& failure) {
+      raise(classOf(failure), failure.what(), failure.where(), failure.remedy());
+    } catch (const Error& error) {
+      constexpr std::int32_t outOfMemory = 7;
+      if (error.number() == outOfMemory) {
+        PyErr_NoMemory();
+        return;
+      }
+      raise("Error", error.what(), "", "");
+    }
+  });
+}
+
+}  // namespace pelmora::python

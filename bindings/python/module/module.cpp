@@ -1,0 +1,15 @@
+// The module `_pelmora`: the calibration service as the package `pelmora` uses it.
+// SPDX-License-Identifier: MIT
+#include "bindings/python/module/bindings.h"
+#include "bindings/python/module/errors.h"
+
+PYBIND11_MODULE(_pelmora, module) {
+  using namespace pelmora::python;
+  module.doc() = "The calibration service; use the package pelmora.";
+  module.attr("__version__") = PELMORA_VERSION;
+  translateErrors();
+  bindCurve(module);
+  bindFit(module);
+  bindValues(module);
+  bindDatabase(module);
+}

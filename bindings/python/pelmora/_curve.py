@@ -1,0 +1,262 @@
+"""Curves."""
+# SPDX-License-Identifier: MIT
+from __future__ import annotations
+
+from collections.abc import Callable, Mapping, Sequence
+from typing import TYPE_CHECKING, Any, Literal, Optional, Union, overload
+
+from . import _numbers
+from ._records import json_text, pandas_module
+from .errors import BadData, NotFound
+
+if TYPE_CHECKING:
+    import numpy as np
+    import numpy.typing as npt
+    import pandas
+
+    from . import _pelmora
+
+    Floats = npt.NDArray[np.float64]
+    Many = Union[Floats, Sequence[float]]
+
+
+class Parameter(float):
+    """The value of a parameter, a float, with its standard error."""
+
+    name: str
+    stderr: float
+
+    def __new__(cls, name: str, value: float, stderr: float) -> Parameter:
+        parameter = super().__new__(cls, value)
+        parameter.name, parameter.stderr = name, stderr
+        return parameter
+
+    def __getnewargs__(self) -> tuple[str, float, float]:  # type: ignore[override]
+        return self.name, float(self), self.stderr
+
+    @property
+    def value(self) -> float:
+        """The value alone."""
+        return float(self)
+
+    def __repr__(self) -> str:
+        return f"{float(self):.9g} +/- {self.stderr:.3g}"
+
+
+class CurveEquation:
+    """The equation of a curve and what is known of its parameters."""
+
+    def __init__(self, record: Mapping[str, Any], coverage: float) -> None:
+        self.name: str = record["name"]
+        self.expression: str = record["expression"]
+        self.params: dict[str, Parameter] = {name: Parameter(name, value, error)
+                                             for name, value, error in record["parameters"]}
+        self.covar: Floats = record["covar"]
+        # How many standard uncertainties the half-widths of the table are.
+        self.coverage = coverage
+
+
+class Curve:
+    """A calibration curve: Strouhal as a function of Roshko (both without a unit).
+
+    A curve is its table, read as a flow computer reads it: linearly between neighbouring points. ``curve(x)`` takes a
+    number, a list, an array of any shape or a pandas Series, and returns the same form; a Series keeps its index.
+
+    Curves come from ``fit.curve`` and ``series.curve``; they do not change when the database does.
+    """
+
+    def __init__(self, table: _pelmora.Curve, name: str, equation: Callable[[], Optional[CurveEquation]], *,
+                 stale: bool = False, title: str = "", picture: Optional[Callable[[], str]] = None) -> None:
+        self._table, self._name, self._title, self._stale = table, name, title, stale
+        self._find_equation, self._picture = equation, picture
+        self._equation: Optional[CurveEquation] = None
+
+    @property
+    def name(self) -> str:
+        """The name of its equation; empty if it is not known."""
+        return self._name
+
+    @property
+    def range(self) -> tuple[float, float]:
+        """The lowest and the highest Roshko number of the table."""
+        return self._table.range
+
+    @property
+    def table(self) -> Floats:
+        """The table, shape (n, 2): Roshko, rising, and Strouhal. Read-only; no copy."""
+        return self._table.table
+
+    @property
+    def stale(self) -> bool:
+        """Whether the points of the series have changed since this curve was fitted and stored."""
+        return self._stale
+
+    @property
+    def expression(self) -> str:
+        """The equation in x, the Roshko number. Errors: as for `params`."""
+        return self._require_equation().expression
+
+    @property
+    def params(self) -> dict[str, Parameter]:
+        """The parameters by their letters; each is a float with ``stderr``.
+
+        A database keeps the table of a curve, not its parameters: for a stored curve they are those of the same fit
+        made again.
+
+        Errors: NotFound if the curve has no equation, or a new fit does not give the stored curve again.
+        """
+        return dict(self._require_equation().params)
+
+    @property
+    def covar(self) -> Floats:
+        """The covariance matrix of the parameters, shape (p, p), in their order; (0, 0) if it is not known.
+
+        Errors: as for `params`.
+        """
+        return self._require_equation().covar
+
+    @overload
+    def __call__(self, x: float, *, extrapolate: bool = False) -> float: ...
+
+    @overload
+    def __call__(self, x: Many, *, extrapolate: bool = False) -> Floats: ...
+
+    @overload
+    def __call__(self, x: Any, *, extrapolate: bool = False) -> Any: ...
+
+    def __call__(self, x: Any, *, extrapolate: bool = False) -> Any:
+        return self.eval(x, extrapolate=extrapolate)
+
+    @overload
+    def eval(self, x: float, *, extrapolate: bool = False) -> float: ...
+
+    @overload
+    def eval(self, x: Many, *, extrapolate: bool = False) -> Floats: ...
+
+    @overload
+    def eval(self, x: Any, *, extrapolate: bool = False) -> Any: ...
+
+    def eval(self, x: Any, *, extrapolate: bool = False) -> Any:
+        """Strouhal at the Roshko numbers x.
+
+        extrapolate: beyond the range, continue the straight line through the two outermost points.
+
+        Errors: OutOfRange (a ValueError) outside `range` unless extrapolate; BadData for NaN.
+        """
+        return _numbers.through(x, "strouhal", lambda places: self._table.strouhal(places, extrapolate))
+
+    @overload
+    def eval_uncertainty(self, x: float, k: float = 2, kind: Literal["confidence", "prediction"] = "confidence",
+                         ) -> float: ...
+
+    @overload
+    def eval_uncertainty(self, x: Many, k: float = 2, kind: Literal["confidence", "prediction"] = "confidence",
+                         ) -> Floats: ...
+
+    @overload
+    def eval_uncertainty(self, x: Any, k: float = 2, kind: Literal["confidence", "prediction"] = "confidence",
+                         ) -> Any: ...
+
+    def eval_uncertainty(self, x: Any, k: float = 2, kind: str = "confidence") -> Any:
+        """Half-widths k u of a band around the curve at the Roshko numbers x, in units of Strouhal.
+
+        u is a standard uncertainty from the scatter of the points: of the curve ("confidence"), or of one more
+        measurement ("prediction"). In a trusted fit the distance between the curve and the reference curve is part of
+        it. The uncertainty of the stand is not.
+
+        Errors: BadData for another kind; NotFound if it is not known for this curve; as for `eval`.
+        """
+        if kind not in ("confidence", "prediction"):
+            raise BadData(f"there is no band of kind {kind!r}", where="kind",
+                          remedy="use 'confidence' or 'prediction'")
+        if not self._table.has_bands:
+            raise NotFound("the uncertainty of this curve is not known", where=self._title,
+                           remedy="fit the series again")
+        scale = k / self._require_equation().coverage
+
+        def half_widths(places: Floats) -> Floats:
+            return self._table.half_widths(places, kind == "prediction") * scale
+
+        return _numbers.through(x, kind, half_widths)
+
+    @overload
+    def inverse(self, y: float, *, extrapolate: bool = False) -> float: ...
+
+    @overload
+    def inverse(self, y: Many, *, extrapolate: bool = False) -> Floats: ...
+
+    @overload
+    def inverse(self, y: Any, *, extrapolate: bool = False) -> Any: ...
+
+    def inverse(self, y: Any, *, extrapolate: bool = False) -> Any:
+        """Roshko at the Strouhal numbers y.
+
+        Errors: BadData if the curve turns, so that there is no single answer, and for NaN; OutOfRange for a Strouhal
+        number that the table does not reach, unless extrapolate.
+        """
+        return _numbers.through(y, "roshko", lambda values: self._table.roshko(values, extrapolate))
+
+    @overload
+    def derivative(self, x: float, *, extrapolate: bool = False) -> float: ...
+
+    @overload
+    def derivative(self, x: Many, *, extrapolate: bool = False) -> Floats: ...
+
+    @overload
+    def derivative(self, x: Any, *, extrapolate: bool = False) -> Any: ...
+
+    def derivative(self, x: Any, *, extrapolate: bool = False) -> Any:
+        """d Strouhal / d Roshko at the Roshko numbers x: the slope of the table's segment, which is constant between
+        two points; at a point, of the segment above it.
+
+        Errors: as for `eval`.
+        """
+        return _numbers.through(x, "derivative", lambda places: self._table.slope(places, extrapolate))
+
+    def to_frame(self) -> pandas.DataFrame:
+        """The table with the columns roshko and strouhal. Needs pandas."""
+        return pandas_module().DataFrame(self.table, columns=["roshko", "strouhal"])
+
+    def to_dict(self) -> dict[str, Any]:
+        """Name, range and table; with the expression and the parameters if they are known."""
+        values: dict[str, Any] = {"name": self.name, "range": self.range, "stale": self.stale,
+                                  "table": self.table.tolist(), "expression": None, "params": None}
+        try:
+            equation = self._require_equation()
+        except NotFound:
+            return values
+        values["expression"] = equation.expression
+        values["params"] = {name: {"value": value.value, "stderr": value.stderr}
+                            for name, value in equation.params.items()}
+        return values
+
+    def to_json(self) -> str:
+        """As to_dict()."""
+        return json_text(self.to_dict())
+
+    def plot(self, ax: Any = None, *, k: float = 2, **kwargs: Any) -> Any:
+        """Draws the curve with its confidence band of k standard uncertainties; returns the Axes.
+
+        ax: matplotlib Axes; new ones if None. kwargs: for the line. Needs matplotlib.
+        """
+        from ._plots import plot_curve
+
+        return plot_curve(self, ax, k, **kwargs)
+
+    def __repr__(self) -> str:
+        low, high = self.range
+        of = f" of {self._title}" if self._title else ""
+        stale = ", stale" if self.stale else ""
+        return f"<Curve{of}: {self.name or 'equation unknown'}, Roshko {low:.6g} to {high:.6g}{stale}>"
+
+    def _repr_html_(self) -> Optional[str]:
+        return self._picture() if self._picture is not None else None
+
+    def _require_equation(self) -> CurveEquation:
+        if self._equation is None:
+            self._equation = self._find_equation()
+        if self._equation is None:
+            raise NotFound("the equation of this curve is not known: it is not kept with the curve, and a new fit "
+                           "with its settings gives another curve", where=self._title, remedy="fit the series again")
+        return self._equation
+

@@ -1,0 +1,248 @@
+"""Curve databases."""
+# SPDX-License-Identifier: MIT
+from __future__ import annotations
+
+import os
+from collections.abc import Iterable, Sequence
+from typing import TYPE_CHECKING, Any, Optional, Union
+
+from . import _pelmora
+from ._fit import Fit
+from ._history import HistoryEntry, Refit, RefitResult, Restored, entries_of, restored_of
+from ._meter import Meter, Run
+from ._points import DroppedExclusion, dropped_of
+from ._progress import Progress, progress_function
+from ._records import Record, Table
+from .errors import BadData, MissingFile, NoFit, NotFound
+
+if TYPE_CHECKING:
+    from types import TracebackType
+
+    from ._series import Series
+
+    Path = Union[str, os.PathLike[str]]
+
+
+class Import(Record):
+    """What an import stored."""
+
+    meter: Meter
+    is_new_calibration: bool
+    #: All runs of the calibration.
+    runs: Table[Run]
+    #: For each derived series the number of points in raw parts 1 to 4.
+    series: dict[str, tuple[int, int, int, int]]
+    #: Points whose exclusion lasts, and exclusions of points that did not come again.
+    excluded_again: int
+    dropped: Table[DroppedExclusion]
+    #: The reason why only Rotor A was derived; empty otherwise.
+    job_without_rotor_b: str
+    #: The history entries of what was replaced.
+    kept: list[int]
+
+
+class Calibration(Record):
+    """What `Database.calibrate` did: an import and a fit of every derived series."""
+
+    imported: Import
+    #: By series.
+    fits: dict[str, Fit]
+    #: Series without a curve, and why.
+    failed: dict[str, str]
+
+    @property
+    def meter(self) -> Meter:
+        """The calibration."""
+        return self.imported.meter
+
+
+class Database:
+    """An open curve database; `pelmora.open` and `pelmora.create` give one. A context manager that closes it.
+
+    Several can be open at once, on the same file too. One that is used from several threads lets one operation at a
+    time through; the interpreter lock is free while the library works, and Ctrl-C ends the operation: what it would
+    have stored is then not stored.
+
+    Errors, besides those listed for each operation: Locked if others hold the database for longer than `wait`;
+    Unusable if it cannot be read or written; Damaged.
+    """
+
+    def __init__(self, database: _pelmora.Database, mode: str, wait: float) -> None:
+        self._database, self._mode, self._wait = database, mode, wait
+
+    @property
+    def location(self) -> str:
+        """The location as it was given."""
+        return self._database.location
+
+    @property
+    def mode(self) -> str:
+        """ "r" or "w". """
+        return self._mode
+
+    @property
+    def closed(self) -> bool:
+        """Whether it is closed."""
+        return not self._database.is_open
+
+    def close(self) -> None:
+        """Closes it; closing twice does no harm."""
+        self._database.close()
+
+    def __enter__(self) -> Database:
+        return self
+
+    def __exit__(self, kind: Optional[type[BaseException]], error: Optional[BaseException],
+                 trace: Optional[TracebackType]) -> None:
+        self.close()
+
+    def meters(self) -> list[Meter]:
+        """Every calibration of every meter, by serial number and number of the calibration."""
+        return [Meter(self._database, key) for key in self._database.meters()]
+
+    def calibrations(self, serial: str) -> list[Meter]:
+        """The calibrations of a meter, oldest first."""
+        return [Meter(self._database, key) for key in self._database.calibrations(serial)]
+
+    def meter(self, serial: str, calibration: Optional[int] = None) -> Meter:
+        """A calibration of a meter; the latest if no number is given.
+
+        Errors: NotFound (a KeyError); its remedy suggests similar names.
+        """
+        return Meter(self._database, self._database.meter(serial, -1 if calibration is None else calibration))
+
+    def register(self, serial: str, new_calibration: bool = False) -> Meter:
+        """The latest calibration of a meter, which is registered if it is unknown; with new_calibration, its next one.
+
+        Errors: BadData for an empty name or one with control characters.
+        """
+        return Meter(self._database, self._database.register(serial, new_calibration))
+
+    def import_runs(self, serial: str, *, stand: Path, runs: Iterable[Sequence[str]], operator: str = "",
+                    stand_number: Optional[int] = None, date: Optional[str] = None, new_calibration: bool = False,
+                    position: Optional[int] = None, status: Any = None) -> Import:
+        """Copies runs of a stand into the latest calibration of a meter, which is registered if it is unknown, and
+        derives Rotor A and, if all runs have readings of rotor B, Rotor B, Rotor Sum and Ratio.
+
+        stand: the stand's database, or its export as CSV with the header JobRecordID,V1..V37.
+        runs: job and fluid of each, at most four: [("1001", "Mineral spirit"), ("1002", "Glycol mix")]. A run in a
+            fluid that the calibration already has replaces the earlier one.
+        operator: who ran them. stand_number, position: numbers that are stored with the runs.
+        date: the date of an import cannot be set yet; only None is accepted.
+
+        Errors: NotFound for the stand or a job; BadData, with job, point and column, for readings that are missing,
+            are texts or divide by zero, for a fluid given twice and for more than four fluids.
+        """
+        if date is not None:
+            raise BadData("the date of an import cannot be set yet", where="date",
+                          remedy="leave it out: the runs get today's date")
+        pairs = [_run_of(run, operator) for run in runs]
+        if not pairs:
+            raise BadData("there are no runs to import", where="runs",
+                          remedy='pass job and fluid of each, such as [("1001", "Mineral spirit")]')
+        record = self._database.import_runs(serial, os.fspath(stand), pairs, new_calibration,
+                                            -1 if stand_number is None else stand_number,
+                                            -1 if position is None else position, self._wait, status)
+        record["meter"] = Meter(self._database, record["meter"])
+        record["dropped"] = dropped_of(record["dropped"])
+        record["runs"] = Table((Run(**run) for run in record["runs"]), Run)
+        return Import(**record)
+
+    def calibrate(self, serial: str, *, stand: Path, runs: Iterable[Sequence[str]], operator: str = "",
+                  stand_number: Optional[int] = None, date: Optional[str] = None, new_calibration: bool = False,
+                  position: Optional[int] = None, progress: Progress = None, **fit: Any) -> Calibration:
+        """import_runs, then a fit of every derived series, the ratio as a ratio.
+
+        fit: keyword arguments of `Series.fit`, such as band=0.2.
+
+        A series that no equation fits is listed in `failed`; the others are stored.
+        """
+        imported = self.import_runs(serial, stand=stand, runs=runs, operator=operator, stand_number=stand_number,
+                                    date=date, new_calibration=new_calibration, position=position)
+        fits: dict[str, Fit] = {}
+        failed: dict[str, str] = {}
+        for name in imported.series:
+            settings: dict[str, Any] = {"ratio": name == "Ratio", "progress": progress, **fit}
+            try:
+                fits[name] = imported.meter.series[name].fit(**settings)
+            except NoFit as error:
+                failed[name] = str(error)
+        return Calibration(imported=imported, fits=fits, failed=failed)
+
+    def history(self, serial: str = "", *, series: str = "") -> Table[HistoryEntry]:
+        """Everything that was replaced or deleted, newest first; of one meter or series if they are given."""
+        return entries_of(self._database.history(serial, series, None))
+
+    def restore(self, entry: Union[int, HistoryEntry]) -> Restored:
+        """Brings back what a history entry holds; what it replaces is kept in turn.
+
+        Errors: NotFound for the entry; Exists if something else has taken its place.
+        """
+        return restored_of(self._database.restore(entry.id if isinstance(entry, HistoryEntry) else entry))
+
+    def prune(self, *, before: Optional[str] = None, keep: int = 0) -> Table[HistoryEntry]:
+        """Removes history entries for good and returns them.
+
+        before: only entries older than this, ISO 8601 in UTC. keep: this many of the newest always stay.
+        """
+        return entries_of(self._database.prune(before, keep))
+
+    def refit(self, series: Optional[Iterable[Series]] = None, *, progress: Progress = None,
+              jobs: Optional[int] = None, threshold: float = 0.01, dry_run: bool = False) -> Refit:
+        """Fits series again, each with the settings of its stored curve, and stores every curve that has changed.
+
+        series: None for every series of every calibration.
+        jobs: number of threads; None: one for each core. threshold: shift from which a curve counts as changed, in
+            per cent. dry_run: stores nothing.
+        progress: a function of (done, of), a tqdm bar, or True.
+        """
+        tasks = [] if series is None else [(one.meter._key, one.name) for one in series]
+        results, is_cancelled, _ = self._database.refit(tasks, series is None, jobs or os.cpu_count() or 1, threshold,
+                                                        dry_run, progress_function(progress))
+        return Refit(Table((RefitResult(**record) for record in results), RefitResult), is_cancelled)
+
+    def __repr__(self) -> str:
+        return f"<Database {self.location!r}, {'closed' if self.closed else 'mode ' + repr(self._mode)}>"
+
+
+def _run_of(run: Sequence[str], operator: str) -> tuple[str, str, str]:
+    if isinstance(run, str) or len(run) not in (2, 3):
+        raise BadData(f"the run {run!r} is not a pair of job and fluid", where="runs",
+                      remedy='pass pairs, such as ("1001", "Mineral spirit")')
+    job, fluid = str(run[0]), str(run[1])
+    return job, fluid, str(run[2]) if len(run) == 3 else operator
+
+
+def _opened(location: Path, mode: str, wait: float, user: str, create: bool) -> Database:
+    if mode not in ("r", "w"):
+        raise BadData(f"there is no mode {mode!r}", where="mode", remedy="pass 'r' to read or 'w' to change things")
+    if not 0 <= wait < 1e9:
+        raise BadData(f"the wait is {wait!r} seconds", where="wait", remedy="pass 0 or more, such as 30")
+    return Database(_pelmora.Database(os.fspath(location), mode == "w", float(wait), user, create), mode, wait)
+
+
+def open(location: Path, mode: str = "w", *, wait: float = 30, user: str = "") -> Database:
+    """Opens a curve database.
+
+    location: the path of a file. mode: "r" to read, "w" to change things too.
+    wait: how long to wait while other programs have locked it, in seconds.
+    user: who works with it, for the history; the user of the process by default.
+
+    Errors: MissingFile (a NotFound, KeyError and FileNotFoundError); Unusable if it is no curve database; Locked.
+
+    >>> with pelmora.open("curves.db") as db:
+    ...     db.meter("M1").series["Rotor A"].curve(120.0)
+    """
+    try:
+        return _opened(location, mode, wait, user, False)
+    except NotFound as error:
+        raise MissingFile(error.what, where=error.where,
+                          remedy=error.remedy and "check the path, or make a new one with pelmora.create") from None
+
+
+def create(location: Path, *, wait: float = 30, user: str = "") -> Database:
+    """Creates a new, empty curve database and opens it.
+
+    Errors: Exists (a FileExistsError) if there is one; Unusable.
+    """
+    return _opened(location, "w", wait, user, True)

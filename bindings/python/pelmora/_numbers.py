@@ -1,0 +1,127 @@
+"""Numbers as callers have them - scalars, lists, arrays, pandas Series - and back in the same form."""
+# SPDX-License-Identifier: MIT
+from __future__ import annotations
+
+from collections.abc import Callable
+from typing import TYPE_CHECKING, Any
+
+from .errors import BadData, NotFound
+
+if TYPE_CHECKING:
+    import numpy as np
+    import numpy.typing as npt
+
+    Floats = npt.NDArray[np.float64]
+
+
+def is_series(values: Any) -> bool:
+    """Whether the values are a pandas Series; pandas need not be there."""
+    return hasattr(values, "index") and hasattr(values, "to_numpy") and not isinstance(values, (list, tuple))
+
+
+def label(values: Any, position: int) -> str:
+    """Where a value is, as its owner would look for it."""
+    return f"index {values.index[position]!r}" if is_series(values) else f"position {position}"
+
+
+def numbers(values: Any, name: str) -> Floats:
+    """The values as float64 in one dimension. Errors: BadData for anything that is not a number."""
+    import numpy as np
+
+    array = np.asarray(values)
+    if array.ndim != 1:
+        what = "a single number" if array.ndim == 0 else f"an array of shape {array.shape}"
+        raise BadData(f"{name} is {what}", where=name, remedy="pass one column: a list, an array or a Series")
+    if array.dtype.kind in "fiu":
+        return np.ascontiguousarray(array, dtype=np.float64)
+    if array.dtype.kind == "O":
+        converted = np.empty(len(array))
+        for position, value in enumerate(array.tolist()):
+            converted[position] = _number(value, values, position, name)
+        return converted
+    if array.size == 0:
+        return np.empty(0)
+    held = {"U": "texts", "S": "texts", "b": "truth values", "M": "dates", "m": "times", "c": "complex numbers"}
+    shown = f", {array[0].item()!r} to begin with" if array.dtype.kind in "US" else ""
+    raise BadData(f"{name} holds {held.get(array.dtype.kind, str(array.dtype))}, not numbers{shown}", where=name,
+                  remedy="check that it is the right column; pandas.to_numeric turns texts into numbers")
+
+
+def _number(value: Any, values: Any, position: int, name: str) -> float:
+    if value is None or type(value).__name__ == "NAType":
+        return float("nan")
+    if isinstance(value, (bool, str)) or not hasattr(value, "__float__"):
+        raise BadData(f"{name} has {value!r} at {label(values, position)}, which is not a number", where=name,
+                      remedy="check that it is the right column; pandas.to_numeric(..., errors='coerce') turns "
+                             "texts into numbers and the rest into NaN, dropna() drops those")
+    return float(value)
+
+
+def finite(values: Any, name: str) -> Floats:
+    """As numbers(), and none of them missing. Errors: BadData, with the first bad place."""
+    import numpy as np
+
+    array = numbers(values, name)
+    bad = ~np.isfinite(array)
+    if bad.any():
+        first, count = int(bad.argmax()), int(bad.sum())
+        what = "NaN" if np.isnan(array[first]) else "infinite"
+        several = f", and {count - 1} more" if count > 1 else ""
+        raise BadData(f"{name} is {what} at {label(values, first)}{several}", where=name,
+                      remedy="leave those points out first: frame.dropna() for a frame, "
+                             "x[numpy.isfinite(x)] for an array")
+    return array
+
+
+def columns(roshko: Any, strouhal: Any) -> tuple[Floats, Floats]:
+    """Two columns of one set of points. Errors: BadData."""
+    x, y = finite(roshko, "roshko"), finite(strouhal, "strouhal")
+    if len(x) != len(y):
+        raise BadData(f"roshko has {len(x)} values and strouhal {len(y)}", where="roshko, strouhal",
+                      remedy="pass two columns of the same points")
+    if is_series(roshko) and is_series(strouhal) and not roshko.index.equals(strouhal.index):
+        raise BadData("roshko and strouhal have different indexes", where="roshko, strouhal",
+                      remedy="take both from one frame, or pass them as arrays if their order is right")
+    if len(x) < 2:
+        count = "is one point" if len(x) == 1 else "are no points"
+        raise BadData(f"there {count}", where="roshko, strouhal", remedy="pass at least two")
+    return x, y
+
+
+def column_of(data: Any, column: Any, name: str) -> Any:
+    """The column of a frame or mapping that a caller has named; without data, what was passed."""
+    if data is None:
+        if isinstance(column, str):
+            raise BadData(f"{name} is the text {column!r}", where=name,
+                          remedy="pass numbers, or a frame as data= to name its columns")
+        return column
+    if not isinstance(column, str):
+        return column
+    if column in data:
+        return data[column]
+    from difflib import get_close_matches
+
+    known = [str(key) for key in data]
+    near = get_close_matches(column, known, n=3)
+    remedy = "did you mean " + " or ".join(map(repr, near)) + "?" if near else "its columns are " + ", ".join(known[:8])
+    raise NotFound(f"the data has no column {column!r}", where=name, remedy=remedy)
+
+
+def through(values: Any, name: str, function: Callable[[Floats], Floats]) -> Any:
+    """function(array) in the form of the values: a float for a number, a Series with its index for a Series."""
+    import numpy as np
+
+    if isinstance(values, (int, float)) and not isinstance(values, bool):
+        return float(function(np.array([values], dtype=np.float64))[0])
+    if is_series(values):
+        return _series_like(values, function(numbers(values, name)), name)
+    array = np.asarray(values)
+    if array.ndim == 0:
+        return float(function(numbers([array.item()], name))[0])
+    if array.ndim == 1:
+        return function(numbers(values, name))
+    return function(numbers(array.ravel(), name)).reshape(array.shape)
+
+
+def _series_like(values: Any, results: Floats, name: str) -> Any:
+    return type(values)(results, index=values.index, name=name)

@@ -1,0 +1,181 @@
+"""Series of a meter."""
+# SPDX-License-Identifier: MIT
+from __future__ import annotations
+
+from collections.abc import Iterable
+from typing import TYPE_CHECKING, Any, Optional, Union
+
+from . import _pelmora
+from ._curve import Curve, CurveEquation
+from ._fit import Fit
+from ._history import HistoryEntry, entries_of
+from ._points import ExclusionChange, Point, change_of, selection
+from ._progress import Progress, progress_function
+from ._records import Table, json_text
+from ._settings import Equations, fit_settings
+from .errors import NotFound
+
+if TYPE_CHECKING:
+    import numpy as np
+    import numpy.typing as npt
+
+    from ._meter import Meter
+
+    Floats = npt.NDArray[np.float64]
+
+
+class Series:
+    """A series of a meter's calibration, such as "Rotor A": raw points in up to four parts, and at most one curve.
+
+    A Series is a place in the database: its properties read what is stored now.
+    """
+
+    def __init__(self, database: _pelmora.Database, meter: Meter, name: str) -> None:
+        self._database, self._meter, self._name = database, meter, name
+
+    @property
+    def name(self) -> str:
+        """The name."""
+        return self._name
+
+    @property
+    def meter(self) -> Meter:
+        """The calibration that it belongs to."""
+        return self._meter
+
+    @property
+    def parts(self) -> dict[int, Floats]:
+        """The raw parts that have points, by number (1 to 4), each of shape (n, 2). Read-only; no copies."""
+        stored = self._stored()
+        return {part: points for part in range(1, 5) if len(points := stored.raw(part))}
+
+    @property
+    def merged(self) -> Floats:
+        """The merged points stored with the curve, shape (n, 2); (0, 2) without a curve."""
+        return self._stored().merged
+
+    @property
+    def curve(self) -> Curve:
+        """The stored curve, with its uncertainty if the same fit gives it again.
+
+        Errors: NotFound if none is stored.
+        """
+        stored = self._stored()
+        return Curve(self._database.curve(self._meter._key, self._name), stored.equation,
+                     lambda: self._equation_of(stored), stale=self._database.is_outdated(stored), title=self._title(),
+                     picture=self._repr_html_)
+
+    @property
+    def report(self) -> str:
+        """The report stored with the curve; empty without one."""
+        return self._stored().report.replace("\r\n", "\n")
+
+    @property
+    def settings(self) -> Optional[dict[str, Any]]:
+        """The settings of the stored curve's fit; None if they were not kept."""
+        return self._stored().settings
+
+    def fit(self, *, band: float = 0.3, points: int = 40, min: Optional[float] = None, max: Optional[float] = None,
+            fit_min: Optional[float] = None, fit_max: Optional[float] = None, choose: str = "trusted",
+            equations: Optional[Equations] = None, only: Union[str, Iterable[str]] = (),
+            without: Union[str, Iterable[str]] = (), max_order: Optional[int] = None, ratio: bool = False,
+            store: bool = True, inverted: bool = False, merge_band: Optional[float] = None, cut_overlap: bool = True,
+            ignore_residuals: bool = False, outside: str = "refuse", progress: Progress = None,
+            status: Any = None) -> Fit:
+        """Merges the raw parts, fits them and stores the curve in place of the previous one, which the history keeps.
+
+        store: False only fits; store(fit) stores it later. The other arguments: as for `pelmora.fit`.
+
+        Errors: NotFound if the series is gone; NoFit if no equation passes the tests, then nothing is stored;
+            Changed if the points were changed by somebody else meanwhile; OutOfRange, BadData.
+        """
+        settings = fit_settings(band=band, points=points, min=min, max=max, fit_min=fit_min, fit_max=fit_max,
+                                choose=choose, equations=equations, only=only, without=without, max_order=max_order,
+                                ratio=ratio, inverted=inverted, merge_band=merge_band, cut_overlap=cut_overlap,
+                                ignore_residuals=ignore_residuals, outside=outside)
+        fit = Fit(self._database.fit(self._stored(), settings, status, progress_function(progress)))
+        if not fit.accepted:
+            raise fit.no_fit()
+        if store:
+            self.store(fit)
+        return fit
+
+    @property
+    def points(self) -> Table[Point]:
+        """Every raw point, excluded ones too, by part and number; to_frame() for pandas."""
+        return Table((Point(**record) for record in self._database.points(self._meter._key, self._name)), Point)
+
+    def exclude(self, *, part: Optional[int] = None, number: Union[None, int, Iterable[int]] = None, reason: str,
+                below: Optional[float] = None, above: Optional[float] = None,
+                between: Optional[tuple[float, float]] = None, also_in: Iterable[str] = (),
+                derived: bool = False) -> ExclusionChange:
+        """Leaves points out: they leave the raw parts and are kept with the reason, the user and the time until
+        `include` puts them back. A stored curve is then stale.
+
+        part, number: a point as `points` lists it, or several of one part. below, above, between: Roshko, of all
+            parts or of one.
+        reason: in words; for those who read the report.
+        also_in: names of other series from which the same points are left out. derived: from every series that was
+            derived from the same readings.
+
+        Errors: BadData for an empty reason and for points that do not exist; NotFound for a series.
+        """
+        wanted = selection(part, number, below, above, between, also_in, derived)
+        return change_of(self._database.exclude(self._meter._key, self._name, wanted, reason))
+
+    def include(self, *, part: Optional[int] = None, number: Union[None, int, Iterable[int]] = None,
+                below: Optional[float] = None, above: Optional[float] = None,
+                between: Optional[tuple[float, float]] = None, also_in: Iterable[str] = (),
+                derived: bool = False) -> ExclusionChange:
+        """Puts excluded points back where they were. The arguments: as for `exclude`.
+
+        Errors: as for `exclude`.
+        """
+        wanted = selection(part, number, below, above, between, also_in, derived)
+        return change_of(self._database.include(self._meter._key, self._name, wanted))
+
+    def store(self, fit: Fit) -> int:
+        """Stores the curve of a fit of this series; returns the history entry of the previous one, 0 if none.
+
+        Errors: NoFit; Changed if the points have changed since; BadData for a fit of points from no database.
+        """
+        return self._database.store(fit._result)
+
+    def history(self) -> Table[HistoryEntry]:
+        """What was replaced or deleted of this series, newest first."""
+        return entries_of(self._database.history(self._meter.serial, self._name, self._meter.calibration))
+
+    def delete(self) -> HistoryEntry:
+        """Deletes the series; the entry that is returned brings it back."""
+        return HistoryEntry(**self._database.remove(self._meter._key, self._name))
+
+    def to_dict(self) -> dict[str, Any]:
+        """Name, meter, raw parts and the stored curve."""
+        try:
+            curve = self.curve.to_dict()
+        except NotFound:
+            curve = None
+        return {"serial": self._meter.serial, "calibration": self._meter.calibration, "name": self._name,
+                "parts": {part: points.tolist() for part, points in self.parts.items()}, "curve": curve}
+
+    def to_json(self) -> str:
+        """As to_dict()."""
+        return json_text(self.to_dict())
+
+    def __repr__(self) -> str:
+        return f"<Series {self._title()}>"
+
+    def _repr_html_(self) -> str:
+        return self._database.picture(self._meter._key, [self._name])
+
+    def _title(self) -> str:
+        return f"{self._name!r} of meter {self._meter.serial!r}, calibration {self._meter.calibration}"
+
+    def _stored(self) -> _pelmora.StoredSeries:
+        return self._database.series(self._meter._key, self._name)
+
+    def _equation_of(self, stored: _pelmora.StoredSeries) -> Optional[CurveEquation]:
+        repeated, is_stored, _ = self._database.repeat(stored)
+        if not is_stored or not repeated.accepted:
+            return None
+        return CurveEquation(repeated.equations()[0], repeated.coverage)

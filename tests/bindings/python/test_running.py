@@ -1,0 +1,154 @@
+"""The library works beside the interpreter: signals, callbacks, threads. Nothing here depends on how fast it is."""
+# SPDX-License-Identifier: MIT
+import signal
+import sqlite3
+import subprocess
+import sys
+import textwrap
+import threading
+
+import numpy as np
+import pytest
+
+import pelmora
+from conftest import measured
+
+
+def locked(path):
+    connection = sqlite3.connect(path, isolation_level=None, check_same_thread=False)
+    connection.execute("BEGIN EXCLUSIVE")
+    return connection
+
+
+def test_control_c_ends_a_wait_and_nothing_is_stored(db):
+    """Without an answer to the signal, the wait would last longer than the time limit of the test."""
+    holder = locked(db.location)
+    script = textwrap.dedent(f"""
+        import sys, pelmora
+        print("waiting", flush=True)
+        try:
+            pelmora.open({db.location!r}, wait=3000).register("M1")
+        except KeyboardInterrupt:
+            sys.exit(77)
+        """)
+    process = subprocess.Popen([sys.executable, "-c", script], stdout=subprocess.PIPE)
+    assert process.stdout.readline() == b"waiting\n"
+    try:
+        process.wait(1)
+    except subprocess.TimeoutExpired:
+        pass
+    process.send_signal(signal.SIGINT)
+    assert process.wait(120) == 77
+    holder.close()
+    assert db.meters() == []
+
+
+def test_a_signal_handler_runs_while_the_library_works(db):
+    """The handler frees the lock for which the library waits."""
+    holder = locked(db.location)
+    previous = signal.signal(signal.SIGALRM, lambda *_: holder.close())
+    try:
+        signal.setitimer(signal.ITIMER_REAL, 0.2)
+        with pelmora.open(db.location, wait=250) as other:
+            other.register("M1")
+    finally:
+        signal.signal(signal.SIGALRM, previous)
+    assert [meter.serial for meter in db.meters()] == ["M1"]
+
+
+def test_a_locked_database_is_refused_after_the_wait(db):
+    holder = locked(db.location)
+    with pytest.raises(pelmora.Locked) as caught:
+        pelmora.open(db.location, wait=0.05).register("M1")
+    assert isinstance(caught.value, TimeoutError) and caught.value.remedy
+    holder.close()
+
+
+def test_another_thread_runs_while_the_library_waits(db):
+    """A thread that must run to free the lock would never get the interpreter otherwise."""
+    holder = locked(db.location)
+    threading.Timer(0.2, holder.close).start()
+    with pelmora.open(db.location, wait=250) as other:
+        assert other.register("M1").serial == "M1"
+
+
+def test_progress_counts_to_its_end(points):
+    steps = []
+    pelmora.fit(*points, progress=lambda done, of: steps.append((done, of)))
+    assert steps == sorted(steps) and steps[-1][0] == steps[-1][1]
+
+
+def test_status_is_text(points):
+    texts = []
+    pelmora.fit(*points, status=texts.append)
+    assert texts and all(isinstance(text, str) for text in texts)
+
+
+@pytest.mark.parametrize("make", [lambda tqdm: tqdm(disable=False, file=open("/dev/null", "w")), lambda tqdm: tqdm,
+                                  lambda tqdm: True])
+def test_a_tqdm_bar_follows(points, make):
+    tqdm = pytest.importorskip("tqdm").tqdm
+    bar = make(tqdm)
+    pelmora.fit(*points, progress=bar)
+    if isinstance(bar, tqdm):
+        assert bar.n == bar.total > 0
+
+
+def test_an_exception_of_a_callback_ends_the_operation(db):
+    for number in range(8):
+        db.register(f"M{number}").add_series("K", *measured(seed=number))
+
+    class Enough(Exception):
+        pass
+
+    def stop(done, of):
+        raise Enough
+
+    with pytest.raises(Enough):
+        db.refit(progress=stop, jobs=1)
+    assert len(db.meters()) == 8
+
+
+def test_a_callback_that_uses_its_own_database_is_refused_and_does_not_hang(series, db):
+    with pytest.raises(pelmora.Error, match="busy.*callback"):
+        series.fit(progress=lambda done, of: db.meters())
+    assert db.meters()
+
+
+def test_several_databases_in_several_threads(tmp_path):
+    failures = []
+
+    def work(number):
+        try:
+            with pelmora.create(tmp_path / f"{number}.db") as own:
+                expected = pelmora.fit(*measured(seed=number)).curve.table
+                for _ in range(5):
+                    series = own.register("M1").add_series("K", *measured(seed=number))
+                    assert np.array_equal(series.fit().curve.table, expected)
+        except BaseException as failure:
+            failures.append(failure)
+
+    threads = [threading.Thread(target=work, args=(number,)) for number in range(6)]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    assert failures == []
+
+
+def test_one_database_in_several_threads_lets_one_operation_at_a_time_through(db):
+    failures = []
+
+    def work(number):
+        try:
+            series = db.register(f"M{number}").add_series("K", *measured(seed=number))
+            assert len(series.fit().merged) == len(series.parts[1])
+        except BaseException as failure:
+            failures.append(failure)
+
+    threads = [threading.Thread(target=work, args=(number,)) for number in range(8)]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    assert failures == [] and len(db.meters()) == 8
