@@ -48,9 +48,11 @@ TEST_F(plot_command, fits_into_the_window) {
   unsetenv("COLUMNS");
   unsetenv("LINES");
   std::size_t rows = 0;
-  for (std::string line; std::getline(lines, line); ++rows)
-    if (rows > 0 && line.find("Series") == std::string::npos)
+  for (std::string line; std::getline(lines, line); ++rows) {
+    if (rows > 0 && line.find("Series") == std::string::npos) {
       EXPECT_LE(columnsOf(line), 61U) << line;
+    }
+  }
   EXPECT_LE(rows, 30U);
   EXPECT_GE(rows, 25U);
 }
