@@ -31,9 +31,9 @@ set(CPACK_DEBIAN_PROGRAM_DESCRIPTION
 "Keeps, derives, fits and reports the calibration curves of turbine flow
 meters: the command line pelmora, the library that it uses, and the window
 that shows a host application's messages.")
-# The libraries' packages come from dpkg-shlibdeps, which finds our own library in the build folder.
+# The libraries' packages come from dpkg-shlibdeps, which finds our own in the build folder.
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR} ${PROJECT_BINARY_DIR}/src/report)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)  # for packages of hosts
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libpelmora-dev)
