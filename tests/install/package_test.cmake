@@ -102,7 +102,7 @@ if(PYTHON)
   expect_field(Depends "python3-numpy")
   expect_field(Section "^python\n$")
   run(${CMAKE_COMMAND} -E env PYTHONPATH=${folder}/root/usr/lib/python3/dist-packages
-    ${PYTHON} -c "import pelmora, sys; sys.stdout.write(pelmora.__version__ + pelmora.__file__)")
+    ${PYTHON} -c "import pelmora, sys\nsys.stdout.write(pelmora.__version__ + pelmora.__file__)")
   if(NOT output STREQUAL "${VERSION}${folder}/root/usr/lib/python3/dist-packages/pelmora/__init__.py")
     message(FATAL_ERROR "the unpacked package says ${output}")
   endif()
