@@ -183,11 +183,12 @@ TEST_F(shared_database, gets_no_series_and_no_calibration_twice) {
     EXPECT_EQ(asked("SELECT count(*) FROM (SELECT 1 FROM meter GROUP BY SerialNumber, ReCalID "
                     "HAVING count(*) > 1)"),
               "0");
-    // Every call has added a calibration, and each has its own number.
-    const std::string all = std::to_string(8 * series * (round + 1));
-    EXPECT_EQ(asked("SELECT count(*) || ' ' || (max(ReCalID) + 1) FROM meter WHERE SerialNumber = "
-                    "'Shared'"),
-              all + " " + all);
+    // Every call has added a calibration, and each has its own number: none is missing up to the
+    // last. A call that is refused after it has added one is made again, so there may be more.
+    const int all = 8 * series * (round + 1);
+    EXPECT_GE(std::stoi(asked("SELECT count(*) FROM meter WHERE SerialNumber = 'Shared'")), all);
+    EXPECT_EQ(asked("SELECT count(*) - max(ReCalID) FROM meter WHERE SerialNumber = 'Shared'"),
+              "1");
     expectWhole(4 * series * (round + 1) + 1);
     if (HasFailure()) FAIL() << "in round " << round;
   }
