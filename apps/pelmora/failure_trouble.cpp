@@ -42,6 +42,10 @@ Trouble troubleOf(const calibration::Failure& failure) {
     return {codeOf(failure), failure.what(), whatIsStored()};
   if (isKind<calibration::NoCurve>(failure))
     return {ExitCode::badInput, failure.what(), "fit it with 'pelmora fit'"};
+  if (isKind<calibration::Damaged>(failure)) {
+    return {codeOf(failure), failure.what(),
+            failure.remedy() + " with 'pelmora doctor " + failure.where() + " --salvage NEW.db'"};
+  }
   return {codeOf(failure), failure.what(), failure.remedy()};
 }
 
