@@ -114,10 +114,11 @@ class Trials {
  private:
   void runBlock(std::size_t block) {
     RandomStream random(options_.seed, block);
+    Sampler sampler = sampler_;
     std::vector<double> drawn(inputs_);
     const std::span<double> values(values_.data() + block * blockTrials, blockTrials);
     for (double& value : values) {
-      sampler_.draw(random, drawn);
+      sampler.draw(random, drawn);
       value = model_(drawn);
       if (!std::isfinite(value)) {
         refuse("the measurement model has no value for some of its inputs",

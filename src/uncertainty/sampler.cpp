@@ -135,10 +135,9 @@ Sampler::Sampler(std::span<const Input> inputs, std::span<const Correlation> cor
   }
 }
 
-void Sampler::draw(RandomStream& random, std::span<double> drawn) const {
-  thread_local std::vector<double> normals, scales;
-  normals.assign(draws_.size(), 0.0);
-  scales.assign(draws_.size(), 0.0);
+void Sampler::draw(RandomStream& random, std::span<double> drawn) {
+  normals_.assign(draws_.size(), 0.0);
+  scales_.assign(draws_.size(), 0.0);
   for (std::size_t i = 0; i < draws_.size(); ++i) {
     const Draw& each = draws_[i];
     const double half = each.standardUncertainty * halfWidthDivisor(each.distribution);
@@ -154,10 +153,10 @@ void Sampler::draw(RandomStream& random, std::span<double> drawn) const {
         continue;
       case Distribution::normal: break;
     }
-    normals[i] = random.normal();
+    normals_[i] = random.normal();
     double joint = 0;
-    for (std::size_t k = 0; k <= i; ++k) joint += each.factor[k] * normals[k];
-    double& scale = scales[each.group];
+    for (std::size_t k = 0; k <= i; ++k) joint += each.factor[k] * normals_[k];
+    double& scale = scales_[each.group];
     if (scale == 0) {
       scale = std::isinf(each.degreesOfFreedom)
                   ? 1

@@ -32,13 +32,13 @@ class RandomStream {
   bool hasSpare_ = false;
 };
 
-// Draws all inputs together. A value: copies what it needs.
+// Draws all inputs together. A value: copies what it needs, one for each thread.
 class Sampler {
  public:
   // Errors: as monteCarlo.
   Sampler(std::span<const Input> inputs, std::span<const Correlation> correlations);
   // Shape:  drawn: one value per input.
-  void draw(RandomStream& random, std::span<double> drawn) const;
+  void draw(RandomStream& random, std::span<double> drawn);
 
  private:
   struct Draw {
@@ -48,6 +48,7 @@ class Sampler {
     std::vector<double> factor;  // row of the Cholesky factor of the correlations, up to itself
   };
   std::vector<Draw> draws_;
+  std::vector<double> normals_, scales_;  // of one draw
 };
 
 }  // namespace pelmora::uncertainty
