@@ -70,18 +70,22 @@ std::string lockHolder(const std::string& database) {
 Patience patienceWith(const std::string& database, std::chrono::milliseconds wait,
                       Progress& progress) {
   using namespace std::chrono_literals;
-  return {.limit = wait, .goesOn = [database, &progress, shown = -1LL](auto waited) mutable {
-            if (isInterrupted()) return false;
-            const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(waited).count();
-            // Short waits are nobody's concern.
-            if (waited < 500ms || seconds == shown) return true;
-            shown = seconds;
-            // The file's name alone: a terminal's line has no room for its folders.
-            progress.showWait("waiting for " + lockHolder(database) + " to unlock " +
-                              std::filesystem::path(database).filename().string() + " (" +
-                              std::to_string(seconds) + " s)");
-            return true;
-          }};
+  return {.limit = wait,
+          .goesOn =
+              [database, &progress, shown = -1LL](auto waited) mutable {
+                if (isInterrupted()) return false;
+                const auto seconds =
+                    std::chrono::duration_cast<std::chrono::seconds>(waited).count();
+                // Short waits are nobody's concern.
+                if (waited < 500ms || seconds == shown) return true;
+                shown = seconds;
+                // The file's name alone: a terminal's line has no room for its folders.
+                progress.showWait("waiting for " + lockHolder(database) + " to unlock " +
+                                  std::filesystem::path(database).filename().string() + " (" +
+                                  std::to_string(seconds) + " s)");
+                return true;
+              },
+          .stopRequested = isInterrupted};
 }
 
 }  // namespace pelmora::cli

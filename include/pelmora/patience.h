@@ -1,4 +1,4 @@
-// How long to wait for a database that somebody else has locked.
+// How long an operation may wait for a locked database, and who may end it.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -17,6 +17,9 @@ struct Patience {
   // Called before each pause of a wait with the time that has passed. False ends the wait. It must
   // neither throw nor use the connection.
   std::function<bool(std::chrono::milliseconds waited)> goesOn;
+  // Called often while a statement reads. True ends it with error 0x80004004. It must neither throw
+  // nor use the connection.
+  std::function<bool()> stopRequested{};
 };
 
 // As openDatabase(location), for a connection that waits with this patience: when it is opened, and

@@ -46,9 +46,10 @@ std::vector<IntegrityProblem> damageOf(const std::string& location, const Patien
                      [&] { return doctor::damageOf(location, patience); });
 }
 
-SalvageReport salvage(const std::string& location, const std::string& newLocation) {
+SalvageReport salvage(const std::string& location, const std::string& newLocation,
+                      const Patience& patience) {
   return readingFile("salvaging '" + location + "'", location,
-                     [&] { return salvageDatabase(location, newLocation); });
+                     [&] { return salvageDatabase(location, newLocation, patience); });
 }
 
 std::vector<Finding> Database::examine() const {

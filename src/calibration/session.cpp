@@ -24,6 +24,9 @@ std::string nameOfUser(const std::string& given) {
   return {};
 }
 
+// What an engine throws where Patience::stopRequested ended a statement.
+constexpr auto stoppedReading = static_cast<std::int32_t>(0x80004004U);
+
 bool isAny(const Error& error, std::initializer_list<RunTimeError> numbers) {
   for (const RunTimeError number : numbers) {
     if (error.number() == static_cast<std::int32_t>(number)) return true;
@@ -39,6 +42,7 @@ void throwFailure(const std::string& doing, const std::string& location, const E
   if (number == genericFailure) {
     throw Locked({what, location, "try again when other programs have finished with it"}, number);
   }
+  if (number == stoppedReading) throw Cancelled({what, location, ""}, number);
   if (isAny(error, {RunTimeError::invalidFileFormat})) {
     throw Damaged({what, location, "restore it from a copy, or bring over what can be read"},
                   number);

@@ -20,7 +20,8 @@ std::vector<IntegrityProblem> damageOf(const std::string& path, const Patience& 
     curves = openDatabase(path, patience);
   } catch (const Error& error) {
     if (error.number() != unknownFormat) throw;
-    const SalvageReport held = salvageDatabase(path);  // throws where it never was a database
+    const SalvageReport held =
+        salvageDatabase(path, {}, patience);  // throws where it never was a database
     if (held.Tables.empty()) throw;
     return {{"The file cannot be opened as a database any more", 1, error.what()}};
   }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <pelmora/export.h>
+#include <pelmora/patience.h>
 #include <pelmora/salvage.h>
 
 #include <string>
@@ -15,8 +16,10 @@ namespace pelmora {
 // the database would do.
 //
 // Errors: Error 53, 70, 75 if `path` cannot be read, 321 if nothing of it is a database, 58
-//         where there is a file at `newPath`, genericFailure where `path` is locked.
+//         where there is a file at `newPath`, genericFailure where `path` stays locked,
+//         0x80004004 where the patience asked for an end.
 [[nodiscard]] PELMORA_API SalvageReport salvageDatabase(const std::string& path,
-                                                        const std::string& newPath = {});
+                                                        const std::string& newPath = {},
+                                                        const Patience& patience = {});
 
 }  // namespace pelmora

@@ -58,10 +58,10 @@ void createCurveDatabase(const std::string& path) {
 #endif
 }
 
-SalvageReport salvageDatabase(const std::string& path,
-                              [[maybe_unused]] const std::string& newPath) {
+SalvageReport salvageDatabase(const std::string& path, [[maybe_unused]] const std::string& newPath,
+                              [[maybe_unused]] const Patience& patience) {
 #if defined(PELMORA_HAS_SQLITE)
-  return salvageSqliteFile(path, newPath);
+  return salvageSqliteFile(path, newPath, patience);
 #else
   throw noDriver(path);
 #endif

@@ -3,6 +3,7 @@
 #include "tests/calibration/service_fixture.h"
 #include "tests/support/plain_sqlite.h"
 
+#include <filesystem>
 #include <fstream>
 
 namespace pelmora::calibration::test {
@@ -122,6 +123,29 @@ TEST_F(Repairs, a_file_that_never_was_a_database_is_unusable) {
   (void)failureOf<Unusable>([&] { (void)damageOf(file); });
   (void)failureOf<Unusable>([&] { (void)salvage(file); });
   (void)failureOf<NotFound>([&] { (void)damageOf(path() + ".none"); });
+}
+
+TEST_F(Repairs, an_examination_ends_when_it_is_asked_to) {
+  sql("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 20000) "
+      "INSERT INTO raw1 SELECT 1, i, i FROM n");
+  bool isStopRequested = false;
+  OpenOptions options;
+  options.patience.stopRequested = [&] { return isStopRequested; };
+  Database db(path(), options);
+  EXPECT_FALSE(hasProblems(db.examine()));
+  isStopRequested = true;
+  (void)failureOf<Cancelled>([&] { (void)db.examine(); });
+  (void)failureOf<Cancelled>([&] { (void)damageOf(path(), options.patience); });
+}
+
+TEST_F(Repairs, a_salvage_that_is_ended_leaves_nothing_behind) {
+  const std::string there = path() + ".salvaged";
+  int pages = 0;
+  Patience patience;
+  patience.stopRequested = [&] { return ++pages > 20; };
+  (void)failureOf<Cancelled>([&] { (void)salvage(path(), there, patience); });
+  EXPECT_FALSE(std::filesystem::exists(there));
+  EXPECT_TRUE(salvage(path(), there).isWhole());
 }
 
 }  // namespace

@@ -116,10 +116,19 @@ auto readingFile(Body&& body) {
   }
 }
 
+// Brings what can be read into `newPath`, or only counts it.
+SalvageReport salvaged(const DatabaseOption& curves, const std::string& newPath = {}) {
+  Progress progress;
+  return readingFile([&] {
+    return calibration::salvage(curves.path, newPath,
+                                patienceWith(curves.path, curves.wait, progress));
+  });
+}
+
 // Says what a damaged file still holds; nothing else can be checked then.
 void describeDamage(const DoctorRequest& request, const std::vector<IntegrityProblem>& problems) {
   const std::string& path = request.curves.path;
-  const SalvageReport held = readingFile([&] { return calibration::salvage(path); });
+  const SalvageReport held = salvaged(request.curves);
   const char* remedy = "restore it from a copy, or bring over what can be read with --salvage NEW";
   if (request.asJson) {
     const Finding finding{
@@ -146,19 +155,18 @@ void salvage(const DoctorRequest& request) {
                   "salvage first and repair the new database then");
   }
   const std::string& path = request.curves.path;
-  const SalvageReport salvaged =
-      readingFile([&] { return calibration::salvage(path, request.salvage); });
+  const SalvageReport report = salvaged(request.curves, request.salvage);
   if (request.asJson) {
-    nlohmann::json value = salvageJson(salvaged);
+    nlohmann::json value = salvageJson(report);
     value["database"] = path;
     value["newDatabase"] = request.salvage;
     printData(jsonText(value));
   } else {
     printData(wrapped("Brought over from " + path + " into " + request.salvage + ":", 0) + "\n" +
-              salvageText(salvaged) +
-              (salvaged.isWhole() ? "\n" + wrapped("Nothing is missing.", 0) : ""));
+              salvageText(report) +
+              (report.isWhole() ? "\n" + wrapped("Nothing is missing.", 0) : ""));
   }
-  if (salvaged.isWhole()) return;
+  if (report.isWhole()) return;
   throw Trouble(ExitCode::badInput, "not everything in '" + path + "' could be read",
                 "'" + request.salvage + "' holds what is listed above");
 }

@@ -41,7 +41,7 @@ struct Repaired {
 // damaged file may fail to open, and other checks may stumble over the damage. Reads the whole
 // file.
 //
-// Errors: NotFound; Locked; Unusable if the file is not a database at all.
+// Errors: NotFound; Locked; Cancelled; Unusable if the file is not a database at all.
 [[nodiscard]] PELMORA_API std::vector<IntegrityProblem> damageOf(const std::string& location,
                                                                  const Patience& patience = {});
 
@@ -49,8 +49,10 @@ struct Repaired {
 // a curve database there that contains it, with rows and ids as they were; rows with any damage are
 // left out. The damaged file is not changed. If it fails, nothing is left behind.
 //
-// Errors: NotFound; Exists for `newLocation`; Locked; Unusable if nothing of it is a database.
+// Errors: NotFound; Exists for `newLocation`; Locked; Cancelled; Unusable if nothing of it is a
+// database.
 [[nodiscard]] PELMORA_API SalvageReport salvage(const std::string& location,
-                                                const std::string& newLocation = {});
+                                                const std::string& newLocation = {},
+                                                const Patience& patience = {});
 
 }  // namespace pelmora::calibration

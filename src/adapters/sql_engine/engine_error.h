@@ -7,6 +7,8 @@
 namespace pelmora::sql {
 
 inline constexpr std::int32_t updateRefused = static_cast<std::int32_t>(0x80040E09U);
+// The caller has asked for an end.
+inline constexpr std::int32_t stopped = static_cast<std::int32_t>(0x80004004U);
 inline constexpr std::int32_t constraintFailed = static_cast<std::int32_t>(0x80040E2FU);
 inline constexpr std::int32_t notUpdatable = 3251;
 inline constexpr std::int32_t connectionClosed = 3709;

@@ -24,7 +24,8 @@ void DatabaseHandle::Close::operator()(sqlite3* database) const noexcept {
 }
 
 DatabaseHandle::DatabaseHandle(const std::string& file, OpenMode mode, const Patience& patience)
-    : lockWait_(std::make_unique<LockWait>(patience)), guard_(std::make_unique<SchemaGuard>()) {
+    : lockWait_(std::make_unique<LockWait>(patience)),
+      guard_(std::make_unique<SchemaGuard>(patience.stopRequested)) {
   if (mode != OpenMode::memory) file_.emplace(filePath(file));
   sqlite3* opened = nullptr;
   const char* name = mode == OpenMode::memory ? ":memory:" : file.c_str();
@@ -43,7 +44,7 @@ DatabaseHandle::DatabaseHandle(const std::string& file, OpenMode mode, const Pat
 
 void DatabaseHandle::run(const char* statements) const {
   bool runsSchemaCode = false;
-  const StatementRun running(guard_.get(), runsSchemaCode, true);
+  const StatementRun running(guard_.get(), runsSchemaCode, true, false);
   const int code = sqlite3_exec(get(), statements, nullptr, nullptr, nullptr);
   if (code != SQLITE_OK) throw sqliteError(code, get());
 }

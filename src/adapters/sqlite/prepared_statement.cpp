@@ -18,7 +18,7 @@ void PreparedStatement::Finalize::operator()(sqlite3_stmt* statement) const noex
 PreparedStatement::PreparedStatement(sqlite3* database, std::string_view sql)
     : database_(database), guard_(SchemaGuard::of(database)) {
   if (sql.size() > std::numeric_limits<int>::max()) throw sqliteError(SQLITE_TOOBIG, nullptr);
-  const StatementRun preparing(guard_, runsSchemaCode_, false);
+  const StatementRun preparing(guard_, runsSchemaCode_, false, false);
   sqlite3_stmt* prepared = nullptr;
   check(sqlite3_prepare_v2(database, sql.data(), static_cast<int>(sql.size()), &prepared, nullptr));
   statement_.reset(prepared);
@@ -56,7 +56,8 @@ void PreparedStatement::bind(int parameter, const Value& value) {
 }
 
 bool PreparedStatement::step() {
-  const StatementRun running(guard_, runsSchemaCode_, sqlite3_stmt_busy(get()) == 0);
+  const StatementRun running(guard_, runsSchemaCode_, sqlite3_stmt_busy(get()) == 0,
+                             sqlite3_column_count(get()) > 0);
   const int code = sqlite3_step(get());
   if (code == SQLITE_ROW) return true;
   if (code == SQLITE_DONE) return false;

@@ -121,6 +121,10 @@ int SchemaGuard::authorize(void* self, int action, const char* /*first*/, const 
 
 int SchemaGuard::progress(void* self) noexcept {
   auto& guard = *static_cast<SchemaGuard*>(self);
+  if (guard.isReading_ && guard.stopRequested_ && guard.stopRequested_()) {
+    guard.wasStopped_ = true;
+    return 1;
+  }
   if (guard.runsSchemaCode_ == nullptr || !*guard.runsSchemaCode_) return 0;
   try {
     return guard.mayGoOn() ? 0 : 1;
@@ -144,16 +148,20 @@ std::string SchemaGuard::lastSchemaCode() const {
   return "view or trigger '" + std::string(codeName_.data()) + "'";
 }
 
-StatementRun::StatementRun(SchemaGuard* guard, bool& flag, bool isNew) noexcept : guard_(guard) {
+StatementRun::StatementRun(SchemaGuard* guard, bool& flag, bool isNew, bool isReading) noexcept
+    : guard_(guard) {
   if (guard_ == nullptr) return;
+  guard_->wasStopped_ = false;
   runsSchemaCodeBefore_ = std::exchange(guard_->runsSchemaCode_, &flag);
   isNewBefore_ = std::exchange(guard_->isNewRun_, isNew);
+  isReadingBefore_ = std::exchange(guard_->isReading_, isReading);
 }
 
 StatementRun::~StatementRun() {
   if (guard_ == nullptr) return;
   guard_->runsSchemaCode_ = runsSchemaCodeBefore_;
   guard_->isNewRun_ = isNewBefore_;
+  guard_->isReading_ = isReadingBefore_;
 }
 
 }  // namespace pelmora::sqlite

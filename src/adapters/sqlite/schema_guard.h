@@ -1,10 +1,12 @@
-// What the views and triggers of a foreign database may do.
+// What the views and triggers of a foreign database may do, and how a long statement is ended.
 // SPDX-License-Identifier: MIT
 #pragma once
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <utility>
 
 struct sqlite3;
 
@@ -16,7 +18,9 @@ namespace pelmora::sqlite {
 // statement. Statements that run no such code are not counted.
 class SchemaGuard {
  public:
-  SchemaGuard() = default;
+  // stopRequested: as of Patience; may be empty.
+  explicit SchemaGuard(std::function<bool()> stopRequested = {})
+      : stopRequested_(std::move(stopRequested)) {}
   ~SchemaGuard();
   SchemaGuard(const SchemaGuard&) = delete;
   SchemaGuard& operator=(const SchemaGuard&) = delete;
@@ -29,6 +33,8 @@ class SchemaGuard {
 
   // The view or trigger that was prepared last: "view or trigger 'meter'".
   [[nodiscard]] std::string lastSchemaCode() const;
+  // Whether the last statement was ended because its caller asked for that.
+  [[nodiscard]] bool wasStopped() const { return wasStopped_; }
 
  private:
   static int authorize(void* self, int action, const char* first, const char* second,
@@ -42,7 +48,8 @@ class SchemaGuard {
   // SQLite hands no statement to its callbacks: what is prepared or run is noted here.
   friend class StatementRun;
   bool* runsSchemaCode_ = nullptr;
-  bool isNewRun_ = false;
+  bool isNewRun_ = false, isReading_ = false, wasStopped_ = false;
+  std::function<bool()> stopRequested_;
   std::array<char, 128> codeName_{};
 };
 
@@ -51,8 +58,9 @@ class StatementRun {
  public:
   // guard: of the connection; may be null. runsSchemaCode: of the statement; becomes true where
   // preparing it finds a view or trigger. isNew: whether the statement starts, rather than going on
-  // with its next row.
-  StatementRun(SchemaGuard* guard, bool& runsSchemaCode, bool isNew) noexcept;
+  // with its next row. isReading: only what reads is ended at the caller's wish; a commit that has
+  // begun must say what became of it.
+  StatementRun(SchemaGuard* guard, bool& runsSchemaCode, bool isNew, bool isReading) noexcept;
   ~StatementRun();
   StatementRun(const StatementRun&) = delete;
   StatementRun& operator=(const StatementRun&) = delete;
@@ -60,7 +68,7 @@ class StatementRun {
  private:
   SchemaGuard* guard_;
   bool* runsSchemaCodeBefore_ = nullptr;
-  bool isNewBefore_ = false;
+  bool isNewBefore_ = false, isReadingBefore_ = false;
 };
 
 }  // namespace pelmora::sqlite

@@ -28,6 +28,7 @@ namespace pelmora {
 void createSqliteCurveDatabase(const std::string& path);
 
 // As salvageDatabase.
-[[nodiscard]] SalvageReport salvageSqliteFile(const std::string& path, const std::string& newPath);
+[[nodiscard]] SalvageReport salvageSqliteFile(const std::string& path, const std::string& newPath,
+                                              const Patience& patience);
 
 }  // namespace pelmora

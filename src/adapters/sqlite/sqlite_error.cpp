@@ -38,6 +38,11 @@ std::string schemaCode(sqlite3* database) {
   return guard == nullptr ? "A view or trigger" : "The " + guard->lastSchemaCode();
 }
 
+bool wasStopped(sqlite3* database) {
+  const SchemaGuard* const guard = SchemaGuard::of(database);
+  return guard != nullptr && guard->wasStopped();
+}
+
 Error notAllowed(sqlite3* database, const std::string& file, const std::string& native) {
   return {untrustedSchema, "Pelmora",
           schemaCode(database) + " of " + file +
@@ -63,6 +68,7 @@ Error errorAbout(int code, sqlite3* database, const std::string& file) {
                   " and its folder can be written." + native};
     case SQLITE_AUTH: return notAllowed(database, file, native);
     case SQLITE_INTERRUPT:
+      if (wasStopped(database)) return stoppedReading(file);
       return {untrustedSchema, "Pelmora",
               schemaCode(database) + " of " + file +
                   " was stopped because it did not come to an end. Remove it, or use another "
@@ -98,6 +104,10 @@ Error errorAbout(int code, sqlite3* database, const std::string& file) {
 }
 
 }  // namespace
+
+Error stoppedReading(const std::string& file) {
+  return {sql::stopped, "Pelmora", "Reading " + file + " was stopped."};
+}
 
 Error sqliteError(int code, sqlite3* database) {
   return errorAbout(code, database, filesOf(database));

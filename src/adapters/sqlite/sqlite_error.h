@@ -21,6 +21,9 @@ using sql::updateRefused;
 // Code in the schema of a file was refused or stopped.
 inline constexpr std::int32_t untrustedSchema = static_cast<std::int32_t>(0x80040E09U);
 
+// The caller asked for an end while `file` ("file 'x.db'") was read.
+[[nodiscard]] Error stoppedReading(const std::string& file);
+
 // The error of `code`, which `database` (may be null) has just reported. genericFailure is used for
 // a locked database alone, because callers try again on it.
 [[nodiscard]] Error sqliteError(int code, sqlite3* database);

@@ -13,11 +13,11 @@
 #include <filesystem>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace pelmora::sqlite::salvage {
 namespace {
 
-constexpr int lockWait_ms = 250;
 constexpr std::uint32_t smallestPage = 512, largestPage = 65536;
 // Enough to tell page sizes apart.
 constexpr std::uint64_t probedPages = 200;
@@ -43,7 +43,8 @@ std::string checkedPath(const std::string& path) {
 
 void PageFile::Close::operator()(sqlite3* database) const noexcept { sqlite3_close_v2(database); }
 
-PageFile::PageFile(const std::string& path) {
+PageFile::PageFile(const std::string& path, Patience patience)
+    : path_(path), stopRequested_(patience.stopRequested), lockWait_(std::move(patience)) {
   const std::string name = checkedPath(path);
   sqlite3* opened = nullptr;
   const int code =
@@ -65,7 +66,7 @@ PageFile::PageFile(const std::string& path) {
 // An interrupted change is undone first, and what waits in a log beside the file is brought into
 // it, as any other program that opens the file would do. Then the file is locked for reading.
 void PageFile::settle(const std::string& path) {
-  sqlite3_busy_timeout(database_.get(), lockWait_ms);
+  lockWait_.handle(database_.get());
   sqlite3_exec(database_.get(), "PRAGMA wal_checkpoint(TRUNCATE)", nullptr, nullptr, nullptr);
   const int code = sqlite3_exec(database_.get(), "BEGIN; SELECT 1 FROM sqlite_master LIMIT 1",
                                 nullptr, nullptr, nullptr);
@@ -75,6 +76,7 @@ void PageFile::settle(const std::string& path) {
 bool PageFile::readBytes(std::uint64_t offset, std::size_t size,
                          std::vector<std::uint8_t>& bytes) const {
   if (offset + size > size_) return false;
+  if (stopRequested_ && stopRequested_()) throw stoppedReading("file '" + path_ + "'");
   bytes.resize(size);
   return file_->pMethods->xRead(file_, bytes.data(), static_cast<int>(size),
                                 static_cast<sqlite3_int64>(offset)) == SQLITE_OK;

@@ -2,7 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "adapters/sqlite/lock_wait.h"
+
+#include <pelmora/patience.h>
+
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -29,10 +34,11 @@ using PageNumber = std::uint32_t;  // from 1; 0: none
 // so damaged that no other program can use it either.
 class PageFile {
  public:
-  // Errors: Error 53 missing, 70 or 75 if it cannot be read, 321 if nothing in it looks like
-  // a
+  // Reading ends with sql::stopped where the patience says so.
+  //
+  // Errors: Error 53 missing, 70 or 75 if it cannot be read, 321 if nothing in it looks like a
   //         page of a database, genericFailure where another user has locked it.
-  explicit PageFile(const std::string& path);
+  explicit PageFile(const std::string& path, Patience patience = {});
 
   // Bytes of a page that rows may use.
   [[nodiscard]] std::uint32_t usableSize() const { return usableSize_; }
@@ -52,6 +58,9 @@ class PageFile {
   [[nodiscard]] std::uint64_t plausiblePages(std::uint32_t pageSize) const;
   void findPageSize(const std::string& path);
 
+  std::string path_;
+  std::function<bool()> stopRequested_;
+  LockWait lockWait_;
   std::unique_ptr<sqlite3, Close> database_;
   sqlite3_file* file_ = nullptr;
   std::uint64_t size_ = 0;

@@ -171,12 +171,13 @@ SalvageReport salvageInto(const PageFile& file, const DatabaseHandle& output) {
 }  // namespace
 }  // namespace sqlite::salvage
 
-SalvageReport salvageSqliteFile(const std::string& path, const std::string& newPath) {
+SalvageReport salvageSqliteFile(const std::string& path, const std::string& newPath,
+                                const Patience& patience) {
   using sqlite::DatabaseHandle;
   using sqlite::OpenMode;
   std::optional<sqlite::UnfinishedFile> unfinished;
   if (!newPath.empty()) unfinished.emplace(newPath);
-  const sqlite::salvage::PageFile file(path);
+  const sqlite::salvage::PageFile file(path, patience);
   // Without a name SQLite makes a file that goes away with its connection.
   SalvageReport report;
   {
