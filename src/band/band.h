@@ -17,7 +17,7 @@ namespace pelmora {
 //   fails. A point with a coordinate that is not finite fails.
 // - Where the table has several points at the raw point's x, any value between them will do.
 // - A table without points, of different lengths or with a value that is not finite fails, and so
-//   does a band that is negative or no number.
+//   does a band that is negative or NaN.
 // - TestRatioCurve: finite, and y never rises as x rises; points of equal x may stand in any order.
 // - TestPoint without SetSegment, or beside the segment's range of x, answers no.
 //

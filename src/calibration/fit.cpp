@@ -2,13 +2,14 @@
 // SPDX-License-Identifier: MIT
 #include "band/band.h"
 #include "base/readable_number.h"
+#include "calibration/fit_inputs.h"
 #include "calibration/fit_watch.h"
 #include "calibration/merging.h"
 #include "calibration/session.h"
 #include "calibration/steps/catalogue_fit.h"
 #include "calibration/stored_fit.h"
-#include "points/point_fingerprint.h"
 #include "calibration/trust/trusted_fit.h"
+#include "points/point_fingerprint.h"
 #include "solver/solver.h"
 
 #include <pelmora/own_tables.h>
@@ -25,10 +26,7 @@ PointArray pointsToFit(const Fit& fit) {
   if (!settings.fitMin && !settings.fitMax) return fit.merged;
   std::vector<std::size_t> inside;
   for (std::size_t i = 0; i < fit.merged.size(); ++i) {
-    const double roshko = fit.merged(i, 0);
-    const bool isBelow = settings.fitMin && roshko < *settings.fitMin;
-    const bool isAbove = settings.fitMax && roshko > *settings.fitMax;
-    if (!isBelow && !isAbove) inside.push_back(i);
+    if (!isOutsideFitRange(settings, fit.merged(i, 0))) inside.push_back(i);
   }
   if (inside.size() < 2) {
     throw OutOfRange({"fewer than two points of " + nameOf(fit) + " are inside the range to fit",
@@ -70,20 +68,8 @@ void settleRange(Fit& fit) {
   fit.isWholeRange = fit.min == lowest && fit.max == highest;
 }
 
-std::vector<steps::Equation> catalogueOf(const std::vector<ModelDefinition>& equations) {
-  std::vector<steps::Equation> catalogue;
-  for (auto equation = equations.rbegin(); equation != equations.rend(); ++equation)
-    catalogue.push_back({equation->Name, equation->Expression});
-  return catalogue;
-}
-
 void fitCatalogue(Fit& fit, const steps::Observer& watch, const Observer& observer) {
-  steps::CatalogueSettings settings{static_cast<float>(fit.settings.band),
-                                    fit.settings.points,
-                                    fit.meter.serial,
-                                    fit.series,
-                                    fit.settings.ratio,
-                                    fit.settings.ignoreResiduals};
+  steps::CatalogueSettings settings = catalogueSettings(fit);
   steps::CatalogueFit catalogue;
   catalogue.useEquations(catalogueOf(equationsToTry(fit.settings)));
   const steps::CatalogueRun run{

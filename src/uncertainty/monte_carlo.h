@@ -30,10 +30,10 @@ struct MonteCarloResult {
   [[nodiscard]] double halfWidth() const { return (high - low) / 2; }
 };
 
-// The result depends on the seed and not on the number of threads: each block of 10,000 trials has
-// a generator of its own. Normal inputs with finite degrees of freedom are drawn from Student's
-// distribution; correlated inputs must be normal and are drawn together, with one common scale
-// where they share their degrees of freedom (JCGM 102:2011, 5.3.2).
+// Any number of threads gives the same result, because each block of 10,000 trials has a generator
+// of its own, started from MonteCarloOptions. Normal inputs with finite degrees of freedom are
+// drawn from Student's distribution; correlated inputs must be normal and are drawn together, with
+// one common scale where they share their degrees of freedom (JCGM 102:2011, 5.3.2).
 //
 // Memory: 8 bytes a trial.
 // Errors: as requireInputs; BadData if a correlated input is not normal, correlated inputs differ

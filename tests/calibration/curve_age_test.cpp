@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "store/connection.h"
 #include "tests/calibration/service_fixture.h"
+#include "tests/support/earlier_settings.h"
 
 #include <pelmora/curve_settings.h>
-#include <pelmora/own_tables.h>
 
 namespace pelmora::calibration::test {
 namespace {
@@ -77,22 +77,7 @@ TEST_F(CurveAges, the_settings_of_another_curve_say_nothing) {
 }
 
 TEST_F(CurveAges, the_settings_of_an_earlier_version_can_be_read) {
-  createTable(db_.connection(), {"pelmora_fit_settings",
-                                 {{"SeriesID", OwnColumnType::whole},
-                                  {"BandPercent", OwnColumnType::real},
-                                  {"Points", OwnColumnType::whole},
-                                  {"MinRoshko", OwnColumnType::real},
-                                  {"MaxRoshko", OwnColumnType::real},
-                                  {"RatioCurve", OwnColumnType::whole},
-                                  {"Inverted", OwnColumnType::whole},
-                                  {"IgnoreResiduals", OwnColumnType::whole},
-                                  {"Equations", OwnColumnType::text},
-                                  {"SoftwareVersion", OwnColumnType::text},
-                                  {"FittedAt", OwnColumnType::text}}});
-  db_.connection()->execute(
-      "Insert into pelmora_fit_settings (SeriesID, BandPercent, Points, SoftwareVersion, FittedAt) "
-      "VALUES (" +
-      std::to_string(stored().id) + ", 0.5, 12, '1', '2026-01-01')");
+  pelmora::test::keepEarlierSettings(db_.connection(), stored().id, "0.5");
   ASSERT_TRUE(stored().settings);
   EXPECT_EQ(stored().settings->BandPercent, 0.5);
   EXPECT_FALSE(stored().settings->MergeBandPercent);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "base/run_time_error.h"
 #include "tests/history/history_fixture.h"
+#include "tests/support/earlier_settings.h"
 
 #include <pelmora/curve_settings.h>
 
@@ -85,21 +86,7 @@ TEST_F(kept_change, of_a_fit_with_settings_keeps_them_too) {
 
 // Versions before the choice of a rule made this table without its columns.
 TEST_F(kept_change, of_settings_that_an_earlier_version_stored_keeps_them_too) {
-  createTable(curves.connection, {"pelmora_fit_settings",
-                                  {{"SeriesID", OwnColumnType::whole},
-                                   {"BandPercent", OwnColumnType::real},
-                                   {"Points", OwnColumnType::whole},
-                                   {"MinRoshko", OwnColumnType::real},
-                                   {"MaxRoshko", OwnColumnType::real},
-                                   {"RatioCurve", OwnColumnType::whole},
-                                   {"Inverted", OwnColumnType::whole},
-                                   {"IgnoreResiduals", OwnColumnType::whole},
-                                   {"Equations", OwnColumnType::text},
-                                   {"SoftwareVersion", OwnColumnType::text},
-                                   {"FittedAt", OwnColumnType::text}}});
-  curves.execute(
-      "Insert into pelmora_fit_settings (SeriesID, BandPercent, Points, SoftwareVersion, FittedAt) "
-      "VALUES (1, 0.3, 30, '1.0', 'then')");
+  keepEarlierSettings(curves.connection, 1, "0.3");
   const auto before = keptCurveSettings(curves.connection, 1);
   const auto id = change("fit", fittedCurve(1, 1), {"Delete * from pelmora_fit_settings"});
   CurveSettings now;

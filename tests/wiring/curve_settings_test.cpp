@@ -1,6 +1,7 @@
 // The settings of a fit beside its curve, in a real curve database.
 // SPDX-License-Identifier: MIT
 #include "store/connection.h"
+#include "tests/support/earlier_settings.h"
 #include "tests/support/scratch_folder.h"
 
 #include <pelmora/curve_settings.h>
@@ -59,21 +60,7 @@ TEST_F(curve_settings, tell_the_whole_range_and_the_built_in_equations_by_their_
 
 // An earlier version made the table; a program that only reads cannot add columns to it.
 TEST_F(curve_settings, of_an_earlier_version_have_no_choice) {
-  createTable(curves, {"pelmora_fit_settings",
-                       {{"SeriesID", OwnColumnType::whole},
-                        {"BandPercent", OwnColumnType::real},
-                        {"Points", OwnColumnType::whole},
-                        {"MinRoshko", OwnColumnType::real},
-                        {"MaxRoshko", OwnColumnType::real},
-                        {"RatioCurve", OwnColumnType::whole},
-                        {"Inverted", OwnColumnType::whole},
-                        {"IgnoreResiduals", OwnColumnType::whole},
-                        {"Equations", OwnColumnType::text},
-                        {"SoftwareVersion", OwnColumnType::text},
-                        {"FittedAt", OwnColumnType::text}}});
-  curves->execute(
-      "Insert into pelmora_fit_settings (SeriesID, BandPercent, Points, SoftwareVersion, FittedAt) "
-      "VALUES (7, 0.3, 30, '1.0', 'then')");
+  keepEarlierSettings(curves, 7, "0.3");
   CurveSettings expected;
   expected.BandPercent = 0.3;
   expected.Points = 30;

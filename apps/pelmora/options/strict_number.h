@@ -13,7 +13,7 @@ namespace pelmora::cli {
 [[nodiscard]] std::optional<double> strictNumber(std::string_view text);
 [[nodiscard]] std::optional<std::int64_t> strictInteger(std::string_view text);
 
-// What is wrong with a text that is no number, and how to write it.
+// What is wrong with a text that cannot be read as a number, and how to write it.
 [[nodiscard]] std::string notANumber(std::string_view text);
 
 // The value of an option. Errors: Trouble usage that names the option.

@@ -31,11 +31,11 @@ void requireStorable(const Value& value, const ColumnShape& column) {
   };
   if (const auto* real = std::get_if<double>(&value)) {
     if (std::isnan(*real))
-      throw fail(RunTimeError::typeMismatch, "Type mismatch: a value that is not a number");
+      throw fail(RunTimeError::typeMismatch, "Type mismatch: the value is not a number");
     if (std::isinf(*real)) throw fail(RunTimeError::overflow, "Overflow: an infinite value");
   } else if (const auto* text = std::get_if<std::string>(&value)) {
     if (column.kind == ColumnKind::number && !isNumber(*text)) {
-      throw fail(RunTimeError::typeMismatch, "Type mismatch: a text that is no number");
+      throw fail(RunTimeError::typeMismatch, "Type mismatch: the text is not a number");
     }
   }
 }

@@ -3,6 +3,7 @@
 
 #include "band/band.h"
 #include "base/readable_number.h"
+#include "calibration/fit_inputs.h"
 #include "calibration/steps/catalogue_fit.h"
 #include "calibration/trust/reference_judge.h"
 #include "calibration/trust/reference_report.h"
@@ -27,17 +28,12 @@ constexpr std::size_t fewestFlows = 4;
 // The linear reading of the table may take this part of the test band.
 constexpr double readingShareOfBand = 0.25;
 
-bool isOutside(const Fit& fit, double roshko) {
-  return (fit.settings.fitMin && roshko < *fit.settings.fitMin) ||
-         (fit.settings.fitMax && roshko > *fit.settings.fitMax);
-}
-
 // What about the points makes a trusted curve impossible; empty if nothing does.
 std::string troubleOf(const Fit& fit, std::span<const steps::PartPoint> origins) {
   std::vector<double> places;
   for (std::size_t i = 0; i < fit.merged.size(); ++i) {
     const double roshko = fit.merged(i, 0);
-    if (isOutside(fit, roshko)) continue;
+    if (isOutsideFitRange(fit.settings, roshko)) continue;
     if (!(roshko > 0)) {
       return "point " + std::to_string(origins[i].Number) + " of part " +
              std::to_string(origins[i].Part) + " has Roshko " + significantText(roshko, 4) +
@@ -57,7 +53,7 @@ ReferenceCurve referenceOf(const Fit& fit, std::span<const steps::PartPoint> ori
   std::vector<std::uint8_t> outside;
   for (std::size_t i = 0; i < fit.merged.size(); ++i) {
     parts.push_back(origins[i].Part);
-    outside.push_back(isOutside(fit, fit.merged(i, 0)) ? 1 : 0);
+    outside.push_back(isOutsideFitRange(fit.settings, fit.merged(i, 0)) ? 1 : 0);
   }
   return solver::reference::fitReference(
       {fit.merged.column(0), fit.merged.column(1), parts, outside});
@@ -181,17 +177,9 @@ bool fitTrusted(Fit& fit, std::span<const steps::PartPoint> origins, const steps
     fit.trust->table.push_back({grid[i], at.value, at.curveSd, at.newPointSd});
   }
 
-  steps::CatalogueSettings settings{static_cast<float>(fit.settings.band),
-                                    fit.settings.points,
-                                    fit.meter.serial,
-                                    fit.series,
-                                    fit.settings.ratio,
-                                    fit.settings.ignoreResiduals};
-  std::vector<steps::Equation> equations;  // runs walk a catalogue from its last entry down
-  for (auto equation = tried.rbegin(); equation != tried.rend(); ++equation)
-    equations.push_back({equation->Name, equation->Expression});
+  steps::CatalogueSettings settings = catalogueSettings(fit);
   steps::CatalogueFit catalogue;
-  catalogue.useEquations(std::move(equations));
+  catalogue.useEquations(catalogueOf(tried));
   const steps::FitLabels labels{"Roshko", "Strouhal"};
   const steps::CatalogueRun run{fit.fitted, fit.min,       fit.max, labels, createSolver(),
                                 nullptr,    stopRequested, grid,    true};

@@ -20,6 +20,24 @@ def locked(path):
     return connection
 
 
+def failures_in_threads(count, work):
+    """What went wrong when `work(number)` ran in so many threads at once."""
+    failures = []
+
+    def guarded(number):
+        try:
+            work(number)
+        except BaseException as failure:
+            failures.append(failure)
+
+    threads = [threading.Thread(target=guarded, args=(number,)) for number in range(count)]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    return failures
+
+
 def test_control_c_ends_a_wait_and_nothing_is_stored(db):
     """Without an answer to the signal, the wait would last longer than the time limit of the test."""
     holder = locked(db.location)
@@ -116,39 +134,20 @@ def test_a_callback_that_uses_its_own_database_is_refused_and_does_not_hang(seri
 
 
 def test_several_databases_in_several_threads(tmp_path):
-    failures = []
-
     def work(number):
-        try:
-            with pelmora.create(tmp_path / f"{number}.db") as own:
-                expected = pelmora.fit(*measured(seed=number)).curve.table
-                for _ in range(5):
-                    series = own.register("M1").add_series("K", *measured(seed=number))
-                    assert np.array_equal(series.fit().curve.table, expected)
-        except BaseException as failure:
-            failures.append(failure)
+        with pelmora.create(tmp_path / f"{number}.db") as own:
+            expected = pelmora.fit(*measured(seed=number)).curve.table
+            for _ in range(5):
+                series = own.register("M1").add_series("K", *measured(seed=number))
+                assert np.array_equal(series.fit().curve.table, expected)
 
-    threads = [threading.Thread(target=work, args=(number,)) for number in range(6)]
-    for thread in threads:
-        thread.start()
-    for thread in threads:
-        thread.join()
-    assert failures == []
+    assert failures_in_threads(6, work) == []
 
 
 def test_one_database_in_several_threads_lets_one_operation_at_a_time_through(db):
-    failures = []
-
     def work(number):
-        try:
-            series = db.register(f"M{number}").add_series("K", *measured(seed=number))
-            assert len(series.fit().merged) == len(series.parts[1])
-        except BaseException as failure:
-            failures.append(failure)
+        series = db.register(f"M{number}").add_series("K", *measured(seed=number))
+        assert len(series.fit().merged) == len(series.parts[1])
 
-    threads = [threading.Thread(target=work, args=(number,)) for number in range(8)]
-    for thread in threads:
-        thread.start()
-    for thread in threads:
-        thread.join()
-    assert failures == [] and len(db.meters()) == 8
+    assert failures_in_threads(8, work) == []
+    assert len(db.meters()) == 8
