@@ -1,5 +1,5 @@
-# Debian packages, made by cpack: `pelmora` (program, library, message window), `libpelmora-dev` (what a host is built
-# with) and, where it is built, `python3-pelmora`. `cmake --workflow --preset package` makes them.
+# Debian packages, made by cpack: `pelmora` (program, library, message window, reader of Access files), `libpelmora-dev`
+# (what a host is built with) and, where it is built, `python3-pelmora`. `cmake --workflow --preset package` makes them.
 set(documentation ${CMAKE_INSTALL_DATADIR}/doc)
 install(FILES LICENSE RENAME copyright DESTINATION ${documentation}/pelmora COMPONENT program)
 install(FILES LICENSE RENAME copyright DESTINATION ${documentation}/libpelmora-dev COMPONENT development)
@@ -29,8 +29,8 @@ set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME pelmora)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PROGRAM_DESCRIPTION
 "Keeps, derives, fits and reports the calibration curves of turbine flow
-meters: the command line pelmora, the library that it uses, and the window
-that shows a host application's messages.")
+meters: the command line pelmora, the library that it uses, the window
+that shows a host application's messages, and a reader of Access files.")
 # The libraries' packages come from dpkg-shlibdeps, which finds our own in the build folder.
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR} ${PROJECT_BINARY_DIR}/src/report)

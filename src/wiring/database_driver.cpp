@@ -5,11 +5,16 @@
 #include "base/plain_reading.h"
 #include "base/run_time_error.h"
 #include "store/connection.h"
+#include "store/foreign_tables.h"
 #include "store/salvage.h"
 
 #if defined(PELMORA_HAS_SQLITE)
 #include "adapters/sqlite/sqlite_database.h"
 #include "adapters/stand_csv/stand_csv.h"
+#endif
+
+#if defined(PELMORA_HAS_ACCESS)
+#include "adapters/access/access_database.h"
 #endif
 
 #if defined(PELMORA_HAS_ADO)
@@ -30,6 +35,9 @@ ConnectionPtr databaseConnection([[maybe_unused]] const std::string& location,
                                  [[maybe_unused]] const Patience& patience) {
 #if defined(PELMORA_HAS_ADO)
   if (isAccessLocation(location)) return accessConnection(location);
+#endif
+#if defined(PELMORA_HAS_ACCESS)
+  if (isAccessFile(location)) return accessFileConnection(location);
 #endif
 #if defined(PELMORA_HAS_SQLITE)
   if (isStandCsv(location)) return standCsvConnection(location);
@@ -62,6 +70,14 @@ SalvageReport salvageDatabase(const std::string& path, [[maybe_unused]] const st
                               [[maybe_unused]] const Patience& patience) {
 #if defined(PELMORA_HAS_SQLITE)
   return salvageSqliteFile(path, newPath, patience);
+#else
+  throw noDriver(path);
+#endif
+}
+
+void readAccessFile(const std::string& path, [[maybe_unused]] ForeignTables& into) {
+#if defined(PELMORA_HAS_ACCESS)
+  readAccessTables(path, into);
 #else
   throw noDriver(path);
 #endif

@@ -29,13 +29,15 @@ struct MemorySample {
   static constexpr bool isWritable = false;
 
   static ConnectionPtr connection() {
-    MemoryTable table{"Sample", {{"ID", true}, {"Label", false}, {"Amount", true}}, {}};
-    table.read = [](const MemoryTable::AddRow& addRow) {
-      addRow(std::array{Value(std::int64_t{1}), Value("one"), Value(1.5)});
-      addRow(std::array{Value(std::int64_t{2}), Value("TWO"), Value()});
-      addRow(std::array{Value(std::int64_t{3}), Value("drei"), Value(-3.0)});
-    };
-    return memoryTableConnection(table);
+    return memoryConnection(
+        {[](MemoryTables& tables) {
+           using enum OwnColumnType;
+           tables.beginTable({"Sample", {{"ID", real}, {"Label", text}, {"Amount", real}}});
+           tables.addRow(std::array{Value(std::int64_t{1}), Value("one"), Value(1.5)});
+           tables.addRow(std::array{Value(std::int64_t{2}), Value("TWO"), Value()});
+           tables.addRow(std::array{Value(std::int64_t{3}), Value("drei"), Value(-3.0)});
+         },
+         "Sample can only be read."});
   }
 };
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/dialog/window_host.h"
 
-#include "adapters/dialog/helper_location.h"
 #include "adapters/dialog/helper_process.h"
+#include "adapters/os/helper_program.h"
 #include "base/run_time_error.h"
 
 #include <cstdlib>
@@ -57,8 +57,8 @@ std::optional<int> WindowHost::show(const WindowRequest& request) {
   const char* display = std::getenv("DISPLAY");
   if (display == nullptr || *display == '\0') throw windowFailure("There is no display");
   if (Clock::now() < refusedUntil_) throw windowFailure("The display did not answer a moment ago");
-  const std::string program =
-      settings_.helperProgram.empty() ? helperBesideLibrary() : settings_.helperProgram;
+  const std::string program = settings_.helperProgram.empty() ? os::helperProgram("pelmora-dialog")
+                                                              : settings_.helperProgram;
   if (program.empty()) throw windowFailure("The program that shows windows is not installed");
   const std::string wire = toWire(request);
   if (wire.size() > wireHeaderSize + wireBodyLimit)

@@ -12,7 +12,7 @@
 namespace pelmora::dialog {
 
 struct WindowSettings {
-  // Empty: where the library looks for it (helper_location.h).
+  // Empty: where the library looks for it (os/helper_program.h).
   std::string helperProgram;
   // From the start of the helper until its window is on the screen.
   std::chrono::milliseconds readyWithin{3000};

@@ -1,31 +1,33 @@
-// One table that a reader of another file format delivers, as a database to read from.
+// Tables that a reader of another file format delivers, as a database to read from.
 // SPDX-License-Identifier: MIT
 #pragma once
 
 #include <pelmora/database.h>
+#include <pelmora/own_tables.h>
 #include <pelmora/types.h>
 
 #include <functional>
 #include <span>
 #include <string>
-#include <vector>
 
 namespace pelmora {
 
-struct MemoryTable {
-  struct Column {
-    std::string name;
-    bool isNumber = true;  // otherwise values stay as they come
-  };
-  using AddRow = std::function<void(std::span<const Value>)>;
-
-  std::string name;
-  std::vector<Column> columns;
-  std::function<void(const AddRow&)> read;  // delivers all rows; may throw Error
+// Receives tables one after the other.
+class MemoryTables {
+ public:
+  virtual ~MemoryTables() = default;
+  virtual void beginTable(const OwnTable& table) = 0;
+  // A row of the latest table, in the order of its columns.
+  virtual void addRow(std::span<const Value> values) = 0;
 };
 
-// Reads the table on every open(), into memory. Its rows can be read and inserted into a database
-// file (INSERT ... IN 'file'), not changed.
-[[nodiscard]] ConnectionPtr memoryTableConnection(MemoryTable table);
+struct MemoryDatabase {
+  std::function<void(MemoryTables&)> read;  // delivers all tables; may throw Error
+  std::string whyReadOnly;                  // and what to do, for who tries to change a table
+};
+
+// Reads the tables on every open(), into memory. Their rows can be read and inserted into a
+// database file (INSERT ... IN 'file'), not changed.
+[[nodiscard]] ConnectionPtr memoryConnection(MemoryDatabase database);
 
 }  // namespace pelmora

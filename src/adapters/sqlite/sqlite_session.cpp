@@ -89,10 +89,8 @@ const DatabaseHandle& SqliteSession::handle() const {
 }
 
 void SqliteSession::requireWritable() const {
-  if (isFrozen_) {
-    throw Error(
-        updateRefused, "Pelmora",
-        "Operation must use an updateable query. The tables of this database can only be read.");
+  if (whyFrozen_) {
+    throw Error(updateRefused, "Pelmora", "Operation must use an updateable query. " + *whyFrozen_);
   }
   if (inTransaction_ && sqlite3_get_autocommit(database()) != 0) {
     throw Error(updateRefused, "Pelmora",

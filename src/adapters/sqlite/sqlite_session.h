@@ -41,8 +41,9 @@ class SqliteSession : public sql::RowSource {
   // Empty for a database in memory.
   [[nodiscard]] const std::string& file() const { return file_; }
 
-  // From now on the database's own tables may only be read.
-  void freeze() { isFrozen_ = true; }
+  // From now on the database's own tables may only be read; `why` is said to who tries to change
+  // them.
+  void freeze(const std::string& why) { whyFrozen_ = why; }
   // Errors: Error updateRefused if the tables may only be read, or if the engine has undone the
   //         transaction that is open: what follows must not be stored alone.
   void requireWritable() const;
@@ -84,7 +85,7 @@ class SqliteSession : public sql::RowSource {
   // Design statements that are known to have nothing to do, for as long as this version holds.
   std::set<std::string> designed_;
   std::int64_t designedVersion_ = -1;
-  bool isFrozen_ = false;
+  std::optional<std::string> whyFrozen_;
   bool inTransaction_ = false;
 };
 

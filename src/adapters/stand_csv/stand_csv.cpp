@@ -7,6 +7,7 @@
 #include "base/file_text.h"
 #include "base/plain_reading.h"
 #include "base/run_time_error.h"
+#include "store/curve_schema.h"
 
 #include <array>
 #include <cstdint>
@@ -48,11 +49,12 @@ std::string contents(const std::string& path) {
   return text;
 }
 
-void readRows(const std::string& path, const MemoryTable::AddRow& addRow) {
+void readRows(const std::string& path, MemoryTables& tables) {
   const std::string text = contents(path);
   stand::StandRows rows(path, text);
   std::array<Value, stand::columnCount> row;
-  while (rows.next(row)) addRow(row);
+  tables.beginTable({"DataPoint", standTableColumns()});
+  while (rows.next(row)) tables.addRow(row);
 }
 
 }  // namespace
@@ -73,13 +75,8 @@ bool isStandCsv(const std::string& path) {
 }
 
 ConnectionPtr standCsvConnection(const std::string& path) {
-  MemoryTable table;
-  table.name = "DataPoint";
-  for (std::size_t i = 0; i < stand::columnCount; ++i) {
-    table.columns.push_back({stand::columnName(i), i > 0});
-  }
-  table.read = [path](const MemoryTable::AddRow& addRow) { readRows(path, addRow); };
-  return memoryTableConnection(std::move(table));
+  return memoryConnection({[path](MemoryTables& tables) { readRows(path, tables); },
+                           "The tables of this database can only be read."});
 }
 
 }  // namespace pelmora

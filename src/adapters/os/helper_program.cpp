@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "adapters/dialog/helper_location.h"
+#include "adapters/os/helper_program.h"
 
 #include "adapters/os/library_folder.h"
 
@@ -7,16 +7,16 @@
 
 #include <filesystem>
 
-namespace pelmora::dialog {
+namespace pelmora::os {
 
-std::string helperBesideLibrary() {
+std::string helperProgram(const std::string& name) {
   const std::filesystem::path folder = libraryFolder();
   if (!folder.is_absolute()) return {};
   for (const auto& place : {folder, folder / PELMORA_HELPER_FROM_LIBRARY}) {
-    const auto program = place / "pelmora-dialog";
+    const auto program = place / name;
     if (access(program.c_str(), X_OK) == 0) return program.string();
   }
   return {};
 }
 
-}  // namespace pelmora::dialog
+}  // namespace pelmora::os

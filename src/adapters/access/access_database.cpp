@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#include "adapters/access/access_database.h"
+
+#include "adapters/sqlite/memory_table.h"
+#include "adapters/sqlite/sqlite_file.h"
+#include "base/run_time_error.h"
+
+#include <string_view>
+
+namespace pelmora {
+namespace {
+
+constexpr const char* readOnlyRemedy =
+    "An Access file can only be read here. Change it in Access, or copy it into a new curve "
+    "database with 'pelmora import-access' and change that.";
+
+// Puts every table into memory, and refuses a file of which anything is lost.
+class WholeTables : public ForeignTables {
+ public:
+  WholeTables(const std::string& path, MemoryTables& memory) : path_(path), memory_(memory) {}
+
+  void beginTable(const ForeignTable& table) override {
+    table_ = table.Design.Name;
+    if (!table.Design.Columns.empty()) memory_.beginTable(table.Design);
+  }
+  void addRow(std::span<const Value> values) override { memory_.addRow(values); }
+  void endTable() override { table_.clear(); }
+  void leaveOut(const LeftOut& part) override {
+    if (part.What == LeftOut::Kind::unsupported) return;  // statements that name it will say so
+    std::string place = table_.empty() ? "" : "table " + table_;
+    if (!part.Place.empty()) place += (place.empty() ? "" : ", ") + part.Place;
+    throw Error(static_cast<std::int32_t>(RunTimeError::invalidFileFormat), "Pelmora",
+                "The Access file '" + path_ + "' is damaged: " + place + ": " + part.Reason +
+                    ". Repair it in Access, or restore it from a copy.");
+  }
+
+ private:
+  const std::string& path_;
+  MemoryTables& memory_;
+  std::string table_;
+};
+
+}  // namespace
+
+bool isAccessFile(const std::string& path) {
+  constexpr std::size_t nameAt = 4;
+  constexpr std::string_view jet = "Standard Jet DB";
+  constexpr std::string_view ace = "Standard ACE DB";
+  const auto start = sqlite::startOfFile(path, nameAt + jet.size());
+  if (!start || start->size() < nameAt) return false;
+  const std::string_view name = std::string_view(*start).substr(nameAt);
+  return name == jet || name == ace;
+}
+
+ConnectionPtr accessFileConnection(const std::string& path,
+                                   const access::ProgramSettings& settings) {
+  return memoryConnection({[path, settings](MemoryTables& memory) {
+                             WholeTables tables(path, memory);
+                             readAccessTables(path, tables, settings);
+                           },
+                           readOnlyRemedy});
+}
+
+}  // namespace pelmora

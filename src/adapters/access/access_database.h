@@ -1,0 +1,29 @@
+// Access files as databases to read from.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "adapters/access/access_program.h"
+#include "store/foreign_tables.h"
+
+#include <pelmora/database.h>
+
+#include <string>
+
+namespace pelmora {
+
+// Whether the file at `path` (UTF-8) begins like an Access database. False where it cannot be read.
+[[nodiscard]] bool isAccessFile(const std::string& path);
+
+// A connection to the file, not yet opened. open() reads all tables into memory; the file itself is
+// never changed, and statements that would change a table are errors that say what to do.
+//
+// Errors: of open(): those of readAccessFile; also Error 321 where anything in the file is damaged:
+//         nothing is given out that may not be all of it.
+[[nodiscard]] ConnectionPtr accessFileConnection(const std::string& path,
+                                                 const access::ProgramSettings& settings = {});
+
+// As readAccessFile of store/foreign_tables.h.
+void readAccessTables(const std::string& path, ForeignTables& into,
+                      const access::ProgramSettings& settings = {});
+
+}  // namespace pelmora

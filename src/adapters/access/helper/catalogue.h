@@ -1,0 +1,20 @@
+// The tables of a file.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "adapters/access/helper/table_rows.h"
+
+namespace pelmora::access {
+
+struct CatalogueEntry {
+  std::string name;
+  std::uint32_t page = 0;  // 0: the table is in another file, this one only has a link
+};
+
+// The tables that users see, from the file's own table of all objects. What of it cannot be read is
+// told to `leftOut`.
+// Errors: Unreadable where there is none.
+[[nodiscard]] std::vector<CatalogueEntry> readCatalogue(
+    const PageFile& file, const std::function<void(const LeftOutNote&)>& leftOut);
+
+}  // namespace pelmora::access

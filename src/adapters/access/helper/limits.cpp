@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#include "adapters/access/helper/limits.h"
+
+#include <sys/resource.h>
+
+#include <cerrno>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+
+namespace pelmora::access {
+namespace {
+
+constexpr rlim_t mostOpenFiles = 16;
+
+template <class Resource>
+void limit(Resource resource, rlim_t most, rlim_t grace = 0) {
+  const rlimit both{most, most + grace};
+  if (setrlimit(resource, &both) != 0)
+    throw std::runtime_error(std::string("its resources cannot be limited: ") +
+                             std::strerror(errno));
+}
+
+}  // namespace
+
+void limitResources(std::size_t memoryMegabytes, std::size_t processorSeconds) {
+  // The address sanitizer reserves terabytes for itself.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+  limit(RLIMIT_AS, memoryMegabytes << 20);
+  limit(RLIMIT_NPROC, 0);
+#endif
+  limit(RLIMIT_CPU, processorSeconds, 1);  // SIGXCPU first, which says why
+  limit(RLIMIT_NOFILE, mostOpenFiles);
+  limit(RLIMIT_FSIZE, 0);
+  limit(RLIMIT_CORE, 0);
+}
+
+}  // namespace pelmora::access

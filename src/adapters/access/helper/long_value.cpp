@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+#include "adapters/access/helper/long_value.h"
+
+#include "adapters/access/helper/data_page.h"
+#include "adapters/access/message.h"
+
+#include <set>
+
+namespace pelmora::access {
+namespace {
+
+// A field holds the length and in its top byte where the value lies, a place, and four bytes that
+// say nothing about the value.
+constexpr std::size_t fieldHead = 12;
+constexpr std::size_t placeAt = 4;
+constexpr std::size_t nextPlaceSize = 4;
+enum class Storage : std::uint8_t { chain = 0x00, oneRow = 0x40, here = 0x80 };
+
+void append(std::vector<unsigned char>& value, Bytes bytes) {
+  value.insert(value.end(), bytes.begin(), bytes.end());
+}
+
+// Each row of a chain begins with the place of the next one.
+void followChain(const PageFile& file, RowPlace place, std::size_t length,
+                 std::vector<unsigned char>& value) {
+  std::set<RowPlace> seen;
+  while (place.page != 0) {
+    if (!seen.insert(place).second) throw Damage("the long value leads in a circle");
+    const DataPage page(file, place.page, DataPage::longValues);
+    const Bytes row = page.row(place.row);
+    if (page.kind(place.row) != DataPage::RowKind::own)
+      throw Damage("the long value is deleted at " + placeText(place));
+    place = rowPlaceAt(row, 0);
+    append(value, row.subspan(nextPlaceSize));
+    if (value.size() > length) return;  // wrong already
+  }
+}
+
+}  // namespace
+
+std::vector<unsigned char> longValue(const PageFile& file, Bytes field) {
+  if (field.size() < fieldHead) throw Damage("the long value is cut off");
+  const std::size_t length = u24(field, 0);
+  std::vector<unsigned char> value;
+  switch (static_cast<Storage>(field[3])) {
+    case Storage::here: append(value, field.subspan(fieldHead)); break;
+    case Storage::oneRow: {
+      const RowPlace place = rowPlaceAt(field, placeAt);
+      const DataPage page(file, place.page, DataPage::longValues);
+      append(value, page.row(place.row));
+      if (page.kind(place.row) != DataPage::RowKind::own)
+        throw Damage("the long value is deleted at " + placeText(place));
+      break;
+    }
+    case Storage::chain: followChain(file, rowPlaceAt(field, placeAt), length, value); break;
+    default: throw Damage("the long value is in a place of an unknown kind");
+  }
+  if (value.size() != length) {
+    throw Damage("the long value has " + std::to_string(value.size()) + " bytes in place of " +
+                 std::to_string(length));
+  }
+  return value;
+}
+
+}  // namespace pelmora::access

@@ -1,0 +1,34 @@
+// The fields of one row.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "adapters/access/helper/table_definition.h"
+
+#include <optional>
+
+namespace pelmora::access {
+
+// A row: its number of columns, the fixed fields, the others, where each of those begins, how many
+// there are, and a bit for each column that is set where it is not null.
+class RowFields {
+ public:
+  // `row` must outlive the object. Errors: Damage where the row cannot be one of the table.
+  RowFields(const AccessTable& table, Bytes row);
+
+  // Nothing for null. Errors: Damage.
+  [[nodiscard]] std::optional<Bytes> field(const AccessColumn& column) const;
+  // The bit of a column: a yes/no has no other value.
+  [[nodiscard]] bool bit(const AccessColumn& column) const;
+
+ private:
+  void readVariable(Bytes before);
+  [[nodiscard]] Bytes fixedField(const AccessColumn& column) const;
+  [[nodiscard]] Bytes variableField(const AccessColumn& column, bool isNull) const;
+  // Where variable field `i` begins, counted from the begin of the row.
+  [[nodiscard]] std::size_t variableStart(std::size_t i) const;
+
+  Bytes row_, bits_, starts_;
+  std::size_t columns_ = 0, variableCount_ = 0, fixedEnd_ = 0;
+};
+
+}  // namespace pelmora::access

@@ -1,0 +1,40 @@
+// What a file says about one of its tables.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "adapters/access/helper/page_file.h"
+
+#include <string>
+#include <vector>
+
+namespace pelmora::access {
+
+struct AccessColumn {
+  std::string name;
+  int type = 0;            // MDB_BOOL ...
+  std::size_t size = 0;    // in bytes
+  std::size_t number = 0;  // of its bit in a row
+  bool isFixed = false;
+  std::size_t fixedAt = 0;   // where a fixed one lies in a row
+  std::size_t variable = 0;  // which of the others it is
+  unsigned scale = 0;        // digits behind the point of a decimal
+};
+
+struct AccessTable {
+  std::string name;
+  std::uint32_t page = 0;
+  std::uint64_t rows = 0;
+  std::size_t mostColumns = 0;  // that a row can have, deleted columns included
+  std::vector<AccessColumn> columns;
+  std::vector<std::uint32_t> dataPages;  // in ascending order
+};
+
+// Reads the definition through the library, and checks that it can be true.
+// Errors: Damage.
+[[nodiscard]] AccessTable readDefinition(const PageFile& file, const std::string& name,
+                                         std::uint32_t page);
+
+// Bytes of a value of a type that always takes as many; 0 for one that does not, or is unknown.
+[[nodiscard]] std::size_t sizeOfType(int type);
+
+}  // namespace pelmora::access

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+#include "adapters/os/child_program.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <system_error>
+#include <thread>
+
+extern char** environ;
+
+namespace pelmora::os {
+namespace {
+
+// The two tables that posix_spawn wants, released together.
+class SpawnPlan {
+ public:
+  explicit SpawnPlan(int socket) {
+    posix_spawn_file_actions_init(&files_);
+    posix_spawnattr_init(&attributes_);
+    posix_spawn_file_actions_adddup2(&files_, socket, STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&files_, socket, STDOUT_FILENO);
+    posix_spawn_file_actions_addopen(&files_, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+#if defined(__GLIBC__)
+#if __GLIBC_PREREQ(2, 34)
+    // Files that the host opened without close-on-exec; its locks and pipes are none of ours.
+    posix_spawn_file_actions_addclosefrom_np(&files_, STDERR_FILENO + 1);
+#endif
+#endif
+    sigset_t none;
+    sigset_t all;
+    sigemptyset(&none);
+    sigfillset(&all);
+    posix_spawnattr_setsigmask(&attributes_, &none);
+    posix_spawnattr_setsigdefault(&attributes_, &all);
+    posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+  }
+  ~SpawnPlan() {
+    posix_spawn_file_actions_destroy(&files_);
+    posix_spawnattr_destroy(&attributes_);
+  }
+  SpawnPlan(const SpawnPlan&) = delete;
+  SpawnPlan& operator=(const SpawnPlan&) = delete;
+
+  int start(std::string program, std::vector<std::string>& arguments, pid_t& process) {
+    std::vector<char*> words{program.data()};
+    for (std::string& argument : arguments) words.push_back(argument.data());
+    words.push_back(nullptr);
+    return posix_spawn(&process, program.c_str(), &files_, &attributes_, words.data(), environ);
+  }
+
+ private:
+  posix_spawn_file_actions_t files_{};
+  posix_spawnattr_t attributes_{};
+};
+
+}  // namespace
+
+ChildProgram::ChildProgram(const std::string& program, std::vector<std::string> arguments) {
+  std::array<int, 2> ends{};
+  if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0)
+    throw std::system_error(errno, std::generic_category());
+  const int problem = SpawnPlan(ends[1]).start(program, arguments, process_);
+  close(ends[1]);
+  if (problem != 0) {
+    close(ends[0]);
+    throw std::system_error(problem, std::generic_category(), program);
+  }
+  socket_ = ends[0];
+}
+
+ChildProgram::~ChildProgram() {
+  close(socket_);
+  // Killed only while it is known to be our child: a host that reaps every child itself may have
+  // taken it already, and its number may be another's by now.
+  if (process_ == -1 || waitpid(process_, nullptr, WNOHANG) != 0) return;
+  kill(process_, SIGKILL);
+  while (waitpid(process_, nullptr, 0) < 0 && errno == EINTR) {
+  }
+}
+
+bool ChildProgram::waitFor(short events, Clock::time_point deadline) const {
+  pollfd watched{socket_, events, 0};
+  for (;;) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
+    const int ready = poll(&watched, 1, static_cast<int>(std::clamp<long>(left, 0, 60'000)));
+    if (ready > 0) return true;
+    if (ready < 0 && errno != EINTR) throw std::system_error(errno, std::generic_category());
+    if (Clock::now() >= deadline) return false;
+  }
+}
+
+int ChildProgram::endingSignal() {
+  // A program that has closed its socket is about to end, unless it means no good.
+  constexpr int mostTries = 200;
+  constexpr std::chrono::milliseconds breath(5);
+  int status = 0;
+  for (int tries = 0; process_ != -1 && tries < mostTries; ++tries) {
+    const pid_t reaped = waitpid(process_, &status, WNOHANG);
+    if (reaped != 0) process_ = -1;
+    if (reaped > 0) return WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    if (reaped == 0) std::this_thread::sleep_for(breath);
+  }
+  return 0;
+}
+
+}  // namespace pelmora::os

@@ -1,0 +1,55 @@
+// The tables of another database program's file, read from beginning to end.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <pelmora/export.h>
+#include <pelmora/own_tables.h>
+#include <pelmora/types.h>
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+namespace pelmora {
+
+struct ForeignTable {
+  OwnTable Design;         // no columns where none can be read
+  std::uint64_t Rows = 0;  // as the file itself counts them
+};
+
+// What of a file does not come over.
+struct LeftOut {
+  enum class Kind {
+    damage,      // rows, or the place they were in
+    value,       // one value; it is null in its row
+    unsupported  // nothing is damaged, but this reader cannot read it
+  };
+  Kind What = Kind::damage;
+  std::uint64_t Rows = 0;  // that are missing because of it, where that is known
+  std::string Place;       // in the table, or in the file outside of a table; may be empty
+  std::string Reason;
+};
+
+// Receives what is read. Tables come one after the other.
+class ForeignTables {
+ public:
+  virtual ~ForeignTables() = default;
+  virtual void beginTable(const ForeignTable& table) = 0;
+  // In the order of the table's columns.
+  virtual void addRow(std::span<const Value> values) = 0;
+  virtual void endTable() = 0;
+  // In a table, or outside of all of them.
+  virtual void leaveOut(const LeftOut& part) = 0;
+};
+
+// Reads all tables of the Access file at `path`, in a process of its own that a damaged file may
+// end but not this one. Whatever is in the file and does not come over is told to `into`.
+// Exceptions of `into` end the reading.
+//
+// Errors: Error 53 if the file is missing, 70 if it cannot be read, 321 if it is not an Access
+// file,
+//         or so damaged, or of such a kind, that none of it can be read; 91 if this build cannot
+//         read Access files. The description says what to do.
+PELMORA_API void readAccessFile(const std::string& path, ForeignTables& into);
+
+}  // namespace pelmora

@@ -1,0 +1,74 @@
+// Damaged files: whatever is missing is told, and only the reading program ends.
+// SPDX-License-Identifier: MIT
+#include "base/file_text.h"
+#include "tests/adapters/access/damage.h"
+#include "tests/support/scratch_folder.h"
+
+#include <gtest/gtest.h>
+
+namespace pelmora::test {
+namespace {
+
+constexpr std::uint32_t filesOfAKind = 16;  // the survey takes many more
+
+class damaged_access_file : public testing::TestWithParam<std::pair<const char*, DamageKind>> {};
+
+TEST_P(damaged_access_file, loses_nothing_in_silence) {
+  const auto [name, kind] = GetParam();
+  const std::string bytes = readWholeFile(accessData(name));
+  const CollectedTables original = readAll(accessData(name));
+  const ScratchFolder folder;
+  const std::string path = folder.file("damaged.mdb");
+  for (std::uint32_t seed = 1; seed <= filesOfAKind; ++seed) {
+    writeBytes(path, damaged(bytes, kind, seed));
+    const Outcome outcome = readDamaged(path, original);
+    EXPECT_NE(outcome.ending, Ending::silent) << name << ", " << nameOf(kind) << ", seed " << seed;
+    if (kind != DamageKind::flippedBits) {
+      EXPECT_NE(outcome.ending, Ending::changed)
+          << name << ", " << nameOf(kind) << ", seed " << seed;
+    }
+    const bool isTold = outcome.ending == Ending::refused || outcome.ending == Ending::told;
+    EXPECT_EQ(outcome.message.empty(), !isTold);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(files, damaged_access_file,
+                         testing::Values(std::pair{"curves.mdb", DamageKind::cutOff},
+                                         std::pair{"curves.mdb", DamageKind::flippedBits},
+                                         std::pair{"curves.mdb", DamageKind::zeroedPages},
+                                         std::pair{"stand.mdb", DamageKind::cutOff},
+                                         std::pair{"stand.mdb", DamageKind::flippedBits},
+                                         std::pair{"stand.mdb", DamageKind::zeroedPages}));
+
+struct OnePageDamaged {
+  // The numbers of the pages whose first bytes and owner are these.
+  static std::vector<std::size_t> pagesOf(const std::string& bytes, const std::string& start) {
+    std::vector<std::size_t> pages;
+    for (std::size_t at = 0; at < bytes.size(); at += 4096) {
+      if (bytes.compare(at, start.size(), start) == 0) pages.push_back(at);
+    }
+    return pages;
+  }
+};
+
+// The page of series' definition has its number in the list of tables: 57 in this file.
+TEST(damaged_access_row, that_is_marked_as_deleted_is_missed_by_the_files_own_count) {
+  std::string bytes = readWholeFile(accessData("curves.mdb"));
+  std::size_t marked = 0;
+  for (const std::size_t page : OnePageDamaged::pagesOf(bytes, std::string("\x01\x01", 2))) {
+    if (bytes.compare(page + 4, 4, std::string("\x39\0\0\0", 4)) != 0) continue;
+    bytes[page + 14 + 1] = static_cast<char>(bytes[page + 14 + 1] | 0xC0);
+    ++marked;
+  }
+  ASSERT_EQ(marked, 1U);
+  const ScratchFolder folder;
+  writeBytes(folder.file("a.mdb"), bytes);
+  const CollectedTables read = readAll(folder.file("a.mdb"));
+  ASSERT_EQ(read.tables.at("series").leftOut.size(), 1U);
+  EXPECT_EQ(read.tables.at("series").leftOut[0].Reason, "the file counts 4 rows, but 3 were found");
+  EXPECT_EQ(read.tables.at("series").leftOut[0].Rows, 1U);
+  EXPECT_EQ(read.tables.at("series").rows.size(), 3U);
+}
+
+}  // namespace
+}  // namespace pelmora::test
