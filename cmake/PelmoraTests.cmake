@@ -85,3 +85,12 @@ function(pelmora_test folder)
   endforeach()
   pelmora_run_tests(${name}_test ${folder}/ SHARDS ${arg_SHARDS} LABELS ${arg_LABELS})
 endfunction()
+
+# pelmora_beside(wiring_test pelmora-access): the helper program lies beside the test program, where the library that is
+# linked into it looks for its helpers.
+function(pelmora_beside program helper)
+  add_dependencies(${program} ${helper})
+  add_custom_command(TARGET ${program} POST_BUILD VERBATIM
+    COMMAND ${CMAKE_COMMAND} -E create_symlink $<TARGET_FILE:${helper}>
+      $<TARGET_FILE_DIR:${program}>/$<TARGET_FILE_NAME:${helper}>)
+endfunction()

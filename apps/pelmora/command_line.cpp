@@ -31,6 +31,7 @@ void addCommands(Program& program) {
   addInitCommand(program);
   addImportCommand(program);
   addImportCurveCommand(program);
+  addImportAccessCommand(program);
   addRawCommand(program);
   addPlotCommand(program);
   addPointsCommand(program);

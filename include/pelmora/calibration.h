@@ -10,6 +10,7 @@
 #include <pelmora/calibration/fit.h>
 #include <pelmora/calibration/history.h>
 #include <pelmora/calibration/import.h>
+#include <pelmora/calibration/import_access.h>
 #include <pelmora/calibration/observer.h>
 #include <pelmora/calibration/points.h>
 #include <pelmora/calibration/ranking.h>

@@ -68,6 +68,14 @@ void createCurveDatabase(const std::string& path) {
 
 SalvageReport salvageDatabase(const std::string& path, [[maybe_unused]] const std::string& newPath,
                               [[maybe_unused]] const Patience& patience) {
+#if defined(PELMORA_HAS_ACCESS)
+  if (isAccessFile(path)) {
+    throw Error(static_cast<std::int32_t>(RunTimeError::invalidFileFormat), "Pelmora",
+                "'" + path +
+                    "' is an Access file. Repair it in Access, or copy what can be read into "
+                    "a new curve database with 'pelmora import-access'.");
+  }
+#endif
 #if defined(PELMORA_HAS_SQLITE)
   return salvageSqliteFile(path, newPath, patience);
 #else

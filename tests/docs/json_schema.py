@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """What every command writes with --json is as the schema of the documentation says, no member more or less.
 
-json_schema.py PROGRAM DATA SCHEMA: ends with 0, or with 1 and what differs; 77 where Python's jsonschema is missing.
+json_schema.py PROGRAM DATA SCHEMA ACCESS_FILE: ends with 0, or with 1 and what differs; 77 where Python's jsonschema is
+missing. Without ACCESS_FILE, this build has no reader of such files.
 """
 # SPDX-License-Identifier: MIT
 import copy
@@ -19,6 +20,7 @@ except ImportError:
     sys.exit(77)
 
 PROGRAM, DATA, SCHEMA = sys.argv[1:4]
+ACCESS_FILE = sys.argv[4] if len(sys.argv) > 4 else None
 BAND_FAILED, MOVED, PROBLEMS = 6, 9, 5  # exit codes of commands that write their JSON all the same
 
 
@@ -44,8 +46,9 @@ def outputs(folder):
         file.write("one\ntwo\nthree\n" + "".join(f"{x} {2 + x / 100}\n" for x in range(1, 9)))
 
     def run(command, *arguments, code=0):
-        ended = subprocess.run([PROGRAM, command, *([curves] if command != "report" else [curves, "-o", "-"]), *arguments,
-                                "--json"], capture_output=True, text=True, encoding="utf-8")
+        files = {"report": [curves, "-o", "-"], "import-access": []}.get(command, [curves])
+        ended = subprocess.run([PROGRAM, command, *files, *arguments, "--json"], capture_output=True, text=True,
+                               encoding="utf-8")
         if ended.returncode != code:
             raise AssertionError(f"{command} ended with {ended.returncode}, not {code}: {ended.stderr}")
         return json.loads(ended.stdout)
@@ -65,6 +68,11 @@ def outputs(folder):
     yield "include", run("include", *spoiled, "--part", "1", "--point", "3", "--with-derived")
     yield "restore", run("restore", str(run("history")["entries"][0]["entry"]))
     yield "import-curve", run("import-curve", result, "--meter", "V", "--series", "Shedding")
+    if ACCESS_FILE:
+        yield "import-access", run("import-access", ACCESS_FILE, os.path.join(folder, "copy.db"))
+        with open(ACCESS_FILE, "rb") as file, open(os.path.join(folder, "cut.mdb"), "wb") as cut:
+            cut.write(file.read()[:-4096])
+        yield "import-access", run("import-access", cut.name, os.path.join(folder, "part.db"), code=PROBLEMS)
     yield "fit", run("fit", *series)
     yield "fit", run("fit", *series, "--band", "0.01", code=BAND_FAILED)
     yield "refit", run("refit", "--all", code=BAND_FAILED)
@@ -127,6 +135,8 @@ def main():
                 failures.append(f"{name}: {error.json_path}: {error.message[:300]}")
             if validator.is_valid(without_a_member(value)):
                 failures.append(f"{name}: the schema does not notice a member that is renamed")
+    if not ACCESS_FILE:
+        seen.add("import-access")
     for name in commands_with_json() - {name.split()[0] for name in seen}:
         failures.append(f"{name}: takes --json and has no example here")
     for name in set(schema["$defs"]["commands"]) - seen:

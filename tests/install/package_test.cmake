@@ -43,7 +43,8 @@ endfunction()
 
 open_package(pelmora)
 expect_files(bin/pelmora ${LIBDIR}/libpelmora.so.0 share/man/man1/pelmora.1 share/man/man1/pelmora-fit.1
-  share/man/man1/pelmora-import-curve.1 share/bash-completion/completions/pelmora ${ZSH_FOLDER}/_pelmora
+  share/man/man1/pelmora-import-curve.1 share/man/man1/pelmora-import-access.1
+  share/bash-completion/completions/pelmora ${ZSH_FOLDER}/_pelmora
   share/fish/vendor_completions.d/pelmora.fish share/doc/pelmora/copyright share/doc/pelmora/CHANGELOG.md
   share/doc/pelmora/THIRD_PARTY.md share/pelmora/pelmora.schema.json)
 if(DIALOG)

@@ -9,6 +9,7 @@ namespace pelmora::cli {
 void addInitCommand(Program& program);
 void addImportCommand(Program& program);
 void addImportCurveCommand(Program& program);
+void addImportAccessCommand(Program& program);
 void addRawCommand(Program& program);
 void addCompareCommand(Program& program);
 void addEvaluateCommand(Program& program);

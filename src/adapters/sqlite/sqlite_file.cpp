@@ -8,6 +8,7 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <filesystem>
 #include <string_view>
@@ -20,7 +21,7 @@ namespace sqlite {
 
 namespace {
 
-enum class Contents { unreadable, empty, other, sqlite };
+enum class Contents { unreadable, empty, access, other, sqlite };
 
 // A file that SQLite's access to the operating system has opened for reading.
 class OpenFile {
@@ -62,10 +63,15 @@ class OpenFile {
 
 Contents contentsOf(const std::string& path) {
   constexpr std::string_view header("SQLite format 3\0", 16);
-  const auto start = startOfFile(path, header.size());
+  constexpr std::array<std::string_view, 2> accessNames{"Standard Jet D", "Standard ACE D"};
+  constexpr std::size_t nameAt = 4;
+  const auto start = startOfFile(path, nameAt + accessNames[0].size());
   if (!start) return Contents::unreadable;
   if (start->empty()) return Contents::empty;
-  return *start == header ? Contents::sqlite : Contents::other;
+  if (start->starts_with(header)) return Contents::sqlite;
+  const std::string_view name = std::string_view(*start).substr(std::min(nameAt, start->size()));
+  const bool isAccess = std::ranges::find(accessNames, name) != accessNames.end();
+  return isAccess ? Contents::access : Contents::other;
 }
 
 }  // namespace
@@ -118,6 +124,11 @@ std::string checkedSqliteFile(const std::string& path) {
           RunTimeError::invalidFileFormat,
           "Unrecognized database format '" + path +
               "': the file is empty. Create a curve database there first, or name another file.");
+    case Contents::access:
+      throw fail(RunTimeError::invalidFileFormat,
+                 "'" + path +
+                     "' is an Access file, which can only be read here. Copy it into a new curve "
+                     "database with 'pelmora import-access' and change that.");
     case Contents::other:
       throw fail(RunTimeError::invalidFileFormat,
                  "Unrecognized database format '" + path +

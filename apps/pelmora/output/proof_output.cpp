@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: MIT
+#include "apps/pelmora/output/proof_output.h"
+
+#include "apps/pelmora/output/text_table.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <array>
+#include <cinttypes>
+#include <cstdio>
+
+namespace pelmora::cli {
+namespace {
+
+using Align = TextTable::Align;
+using calibration::ProofGap;
+using calibration::ProofSheet;
+using calibration::ProofTable;
+
+// A terminal shows so many gaps; JSON has all.
+constexpr std::size_t mostGapsShown = 30;
+
+std::string hexText(std::uint64_t number) {
+  std::array<char, 17> text{};
+  std::snprintf(text.data(), text.size(), "%016" PRIx64, number);
+  return text.data();
+}
+
+std::string checksumText(const ProofTable& table) {
+  if (table.checksumRead == table.checksumWritten) return hexText(table.checksumRead);
+  return "differs";
+}
+
+std::string gapText(const ProofGap& gap) {
+  std::string place = gap.table.empty() ? "" : "table " + gap.table;
+  if (!gap.place.empty()) place += (place.empty() ? "" : ", ") + gap.place;
+  return place + ": " + gap.reason + ".";
+}
+
+std::string gapsText(const ProofSheet& sheet) {
+  if (sheet.missing.empty()) return "";
+  std::string text = "\n" + wrapped("Missing:", 0);
+  const std::size_t shown = std::min(sheet.missing.size(), mostGapsShown);
+  for (std::size_t i = 0; i < shown; ++i) text += wrapped(gapText(sheet.missing[i]), 2);
+  if (shown < sheet.missing.size())
+    text += wrapped(
+        "... and " + std::to_string(sheet.missing.size() - shown) + " more; --json lists all", 2);
+  return text;
+}
+
+std::string othersText(const ProofSheet& sheet) {
+  if (sheet.otherTables.empty()) return "";
+  std::string names;
+  for (const std::string& name : sheet.otherTables) names += (names.empty() ? "" : ", ") + name;
+  return "\n" +
+         wrapped("Tables that are not part of a curve database, not copied: " + names + ".", 0);
+}
+
+}  // namespace
+
+std::string proofText(const ProofSheet& sheet) {
+  TextTable table({{"Table", Align::left},
+                   {"Expected", Align::right},
+                   {"Read", Align::right},
+                   {"Written", Align::right},
+                   {"Empty values", Align::right},
+                   {"Checksum", Align::left}});
+  for (const ProofTable& proof : sheet.tables) {
+    table.addRow({proof.name, proof.expected ? std::to_string(*proof.expected) : "unknown",
+                  std::to_string(proof.read), std::to_string(proof.written),
+                  std::to_string(proof.empty), checksumText(proof)});
+  }
+  return table.text() + gapsText(sheet) + othersText(sheet);
+}
+
+nlohmann::json proofJson(const ProofSheet& sheet) {
+  nlohmann::json value{{"complete", sheet.isComplete()},
+                       {"tables", nlohmann::json::array()},
+                       {"missing", nlohmann::json::array()},
+                       {"otherTables", sheet.otherTables}};
+  for (const ProofTable& table : sheet.tables) {
+    value["tables"].push_back(
+        {{"table", table.name},
+         {"expected", table.expected ? nlohmann::json(*table.expected) : nlohmann::json()},
+         {"read", table.read},
+         {"written", table.written},
+         {"emptyValues", table.empty},
+         {"checksumRead", hexText(table.checksumRead)},
+         {"checksumWritten", hexText(table.checksumWritten)}});
+  }
+  for (const ProofGap& gap : sheet.missing) {
+    value["missing"].push_back(
+        {{"table", gap.table.empty() ? nlohmann::json() : nlohmann::json(gap.table)},
+         {"place", gap.place},
+         {"reason", gap.reason}});
+  }
+  return value;
+}
+
+}  // namespace pelmora::cli

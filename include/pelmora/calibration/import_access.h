@@ -1,0 +1,68 @@
+// Bringing a whole curve database over from an Access file, with a proof of what came over.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <pelmora/calibration/database.h>
+#include <pelmora/calibration/observer.h>
+#include <pelmora/export.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace pelmora::calibration {
+
+struct ProofTable {
+  std::string name;
+  // Rows, as the file itself counts them; absent if damage has made the count unreadable.
+  std::optional<std::uint64_t> expected{};
+  std::uint64_t read = 0;     // rows that could be read
+  std::uint64_t written = 0;  // rows that the new database gives back
+  // Values of the rows that were written that are empty. Files have no checksums: a value that
+  // damage has marked as empty cannot be told from one that always was.
+  std::uint64_t empty = 0;
+  // Of every number and text that was read for this table, and of those that the new database gives
+  // back, in whatever order the rows come. Equal for equal values, numbers bit for bit.
+  std::uint64_t checksumRead = 0, checksumWritten = 0;
+
+  [[nodiscard]] bool isWhole() const {
+    return read == expected && written == expected && checksumWritten == checksumRead;
+  }
+};
+
+// A row, a value, a table or a page of the file that did not come over.
+struct ProofGap {
+  std::string table;  // empty: it concerns the whole file
+  std::string place;  // "page 33, row 4, column V5"; may be empty
+  std::string reason;
+};
+
+struct ProofSheet {
+  std::vector<ProofTable> tables;  // all tables of a curve database
+  std::vector<ProofGap> missing;
+  std::vector<std::string> otherTables;  // of the file, which are not part of a curve database
+
+  [[nodiscard]] bool isComplete() const;
+};
+
+inline bool ProofSheet::isComplete() const {
+  for (const ProofTable& table : tables) {
+    if (!table.isWhole()) return false;
+  }
+  return missing.empty();
+}
+
+// Reads the Access file at `path` and writes its curve database to `location`, with all ids, in one
+// transaction. If there is no file at `location`, a curve database is created; an existing one must
+// be empty. A row or value that cannot be read or stored is left out and listed; everything else is
+// copied.
+//
+// Errors: NotFound if there is no file at `path`; Damaged if it is not an Access file or cannot be
+//         read at all; Unusable if this build cannot read Access files; BadData if the file holds
+//         no curve database; Exists if the curve database at `location` holds rows; Locked;
+//         Cancelled. Nothing is stored then.
+PELMORA_API ProofSheet importAccess(const std::string& path, const std::string& location,
+                                    OpenOptions options = {}, const Observer& observer = {});
+
+}  // namespace pelmora::calibration

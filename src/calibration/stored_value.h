@@ -1,0 +1,25 @@
+// Values of other databases in columns of a curve database.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "store/curve_schema.h"
+
+#include <pelmora/types.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace pelmora::calibration {
+
+// The value as a column of the type keeps it, nothing where it would come out as another one: a
+// fraction in a column of whole numbers, a word in one of numbers.
+[[nodiscard]] std::optional<Value> storedValue(const Value& value, OwnColumnType type);
+
+// For messages: shortened, and exact for numbers.
+[[nodiscard]] std::string valueText(const Value& value);
+
+// By name, without regard to case.
+[[nodiscard]] std::optional<std::size_t> columnOf(const SchemaTable& table, std::string_view name);
+
+}  // namespace pelmora::calibration

@@ -1,0 +1,108 @@
+// A curve database from an Access file.
+// SPDX-License-Identifier: MIT
+#include "base/file_text.h"
+#include "store/curve_schema.h"
+#include "tests/support/curve_database.h"
+#include "tests/support/places.h"
+
+#include <pelmora/calibration/database.h>
+#include <pelmora/calibration/failure.h>
+#include <pelmora/calibration/import_access.h>
+
+namespace pelmora::test {
+namespace {
+
+namespace cal = pelmora::calibration;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+std::string oldFile(const std::string& name) {
+  return sourceFolder() + "/tests/data/access/" + name;
+}
+
+class import_access : public testing::Test {
+ protected:
+  const ScratchFolder scratch;
+  const std::string curves = scratch.file("curves.db");
+};
+
+TEST_F(import_access, brings_every_row_over_with_its_ids) {
+  const cal::ProofSheet sheet = cal::importAccess(oldFile("curves.mdb"), curves);
+  EXPECT_TRUE(sheet.isComplete());
+  EXPECT_THAT(sheet.missing, IsEmpty());
+  EXPECT_EQ(sheet.tables.size(), curveTables().size());
+  const ConnectionPtr from = openDatabase(oldFile("curves.mdb"));
+  const ConnectionPtr to = openDatabase(curves);
+  for (const SchemaTable& table : curveTables()) {
+    EXPECT_EQ(linesOf(*to, "select * from " + table.Name),
+              linesOf(*from, "select * from " + table.Name))
+        << table.Name;
+  }
+}
+
+TEST_F(import_access, counts_rows_as_the_file_and_the_new_database_do) {
+  const cal::ProofSheet sheet = cal::importAccess(oldFile("curves.mdb"), curves);
+  std::map<std::string, std::uint64_t> rows;
+  for (const cal::ProofTable& table : sheet.tables) {
+    EXPECT_EQ(table.expected, table.read) << table.name;
+    EXPECT_EQ(table.written, table.read) << table.name;
+    EXPECT_EQ(table.checksumWritten, table.checksumRead) << table.name;
+    rows[table.name] = table.written;
+  }
+  EXPECT_EQ(rows["meter"], 5U);
+  EXPECT_EQ(rows["raw1"], 173U);
+  EXPECT_EQ(rows["raw3"], 0U);
+  EXPECT_EQ(rows["CalDataPoint"], 83U);
+}
+
+TEST_F(import_access, what_comes_over_can_be_used_and_changed) {
+  (void)cal::importAccess(oldFile("curves.mdb"), curves);
+  cal::Database lab = cal::open(curves);
+  const cal::Meter meter = lab.registerMeter("NEW-1");
+  EXPECT_GT(meter.id, 5);
+  EXPECT_EQ(linesOf(*lab.connection(), "select seriesID from curve where seriesID=2").size(), 21U);
+}
+
+TEST_F(import_access, lists_what_a_damaged_file_has_lost) {
+  std::string bytes = readWholeFile(oldFile("curves.mdb"));
+  // The first page of raw1's rows: a page of rows that belongs to the definition on page 60.
+  std::size_t zeroed = 0;
+  for (std::size_t at = 0; at < bytes.size() && zeroed == 0; at += 4096) {
+    if (bytes.compare(at, 2, "\x01\x01") != 0 ||
+        bytes.compare(at + 4, 4, std::string("\x3C\0\0\0", 4)) != 0)
+      continue;
+    std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), 4096, '\0');
+    ++zeroed;
+  }
+  ASSERT_EQ(zeroed, 1U);
+  std::ofstream(scratch.file("damaged.mdb"), std::ios::binary) << bytes;
+  const cal::ProofSheet sheet = cal::importAccess(scratch.file("damaged.mdb"), curves);
+  EXPECT_FALSE(sheet.isComplete());
+  ASSERT_EQ(sheet.missing.size(), 2U);
+  EXPECT_EQ(sheet.missing[0].table, "raw1");
+  EXPECT_THAT(sheet.missing[0].reason, HasSubstr("is damaged"));
+  EXPECT_THAT(sheet.missing[1].reason, HasSubstr("the file counts 173 rows"));
+  for (const cal::ProofTable& table : sheet.tables)
+    EXPECT_EQ(table.isWhole(), table.name != "raw1");
+}
+
+TEST_F(import_access, leaves_no_file_behind_where_it_fails) {
+  EXPECT_THROW((void)cal::importAccess(oldFile("stand.mdb"), curves), cal::BadData);
+  EXPECT_THROW((void)cal::importAccess(oldFile("README.md"), curves), cal::Damaged);
+  EXPECT_THROW((void)cal::importAccess(scratch.file("nowhere.mdb"), curves), cal::NotFound);
+  EXPECT_TRUE(std::filesystem::is_empty(scratch.path()));
+}
+
+TEST_F(import_access, does_not_mix_two_databases) {
+  (void)cal::importAccess(oldFile("curves.mdb"), curves);
+  EXPECT_THROW((void)cal::importAccess(oldFile("curves.mdb"), curves), cal::Exists);
+  EXPECT_EQ(linesOf(*openDatabase(curves), "select ID from meter").size(), 5U);
+}
+
+TEST_F(import_access, fills_an_empty_curve_database) {
+  createCurveDatabase(curves);
+  EXPECT_TRUE(cal::importAccess(oldFile("curves.mdb"), curves).isComplete());
+}
+
+}  // namespace
+}  // namespace pelmora::test

@@ -1,0 +1,163 @@
+// A whole curve database from an Access file.
+// SPDX-License-Identifier: MIT
+#include "tests/end_to_end/command.h"
+
+#include <algorithm>
+#include <map>
+
+namespace pelmora::test {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+class import_access_command : public CommandTest {
+ protected:
+  static std::string accessFile(const std::string& name) {
+    return data("../../tests/data/access/" + name);
+  }
+  // A copy of the file with a page of zeros in place of the first page of raw1's rows: a page of
+  // rows (1, 1) of the table that page 60 defines.
+  [[nodiscard]] std::string damagedFile() const {
+    std::string bytes = contentsOf(accessFile("curves.mdb"));
+    for (std::size_t at = 0; at < bytes.size(); at += 4096) {
+      if (bytes.compare(at, 2, "\x01\x01") != 0) continue;
+      if (bytes.compare(at + 4, 4, std::string("\x3C\0\0\0", 4)) != 0) continue;
+      std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), 4096, '\0');
+      return write("damaged.mdb", bytes);
+    }
+    ADD_FAILURE() << "no such page";
+    return "";
+  }
+  [[nodiscard]] std::map<std::string, std::uint64_t> counts(const nlohmann::json& sheet,
+                                                            const char* member) const {
+    std::map<std::string, std::uint64_t> rows;
+    for (const auto& table : sheet["tables"]) rows[table["table"]] = table[member];
+    return rows;
+  }
+};
+
+TEST_F(import_access_command, proves_that_every_row_of_the_file_was_written) {
+  const auto sheet = done({"import-access", accessFile("curves.mdb"), curves, "--json"}).json();
+  EXPECT_TRUE(sheet["complete"]);
+  EXPECT_TRUE(sheet["missing"].empty());
+  // The writer of the file counted them, in the README of the data.
+  const std::map<std::string, std::uint64_t> rows{
+      {"meter", 5},          {"masterMeterList", 1}, {"series", 4},
+      {"raw1", 173},         {"raw2", 173},          {"raw3", 0},
+      {"raw4", 0},           {"merge", 45},          {"curve", 21},
+      {"DataFitResults", 1}, {"Fluids", 2},          {"Operator", 3},
+      {"CalSetup", 4},       {"CalDataPoint", 83}};
+  for (const char* count : {"expected", "read", "written"})
+    EXPECT_EQ(counts(sheet, count), rows) << count;
+  for (const auto& table : sheet["tables"])
+    EXPECT_EQ(table["checksumRead"], table["checksumWritten"]) << table["table"];
+}
+
+TEST_F(import_access_command, keeps_ids_and_numbers_as_the_file_has_them) {
+  done({"import-access", accessFile("curves.mdb"), curves});
+  const auto shown =
+      done({"show", curves, "--meter", "TF-10021", "--series", "TF-10021 recal 2", "--json"})
+          .json();
+  EXPECT_EQ(shown["seriesId"], 2);
+  std::vector<std::vector<double>> written;
+  const auto rows = rowsOf(accessFile("curves.raw1.csv"));
+  for (const auto& row : rows) {
+    if (row[0] == "2") written.push_back({std::stod(row[1]), std::stod(row[2])});
+  }
+  ASSERT_EQ(written.size(), 45U);
+  EXPECT_EQ(shown["raw"][0].get<std::vector<std::vector<double>>>(), written);
+}
+
+TEST_F(import_access_command, prints_a_proof_sheet_for_people) {
+  const std::string text = done({"import-access", accessFile("curves.mdb"), curves}).output;
+  EXPECT_THAT(text, HasSubstr("raw1                  173   173      173"));
+  EXPECT_THAT(text, HasSubstr("Nothing is missing."));
+}
+
+TEST_F(import_access_command, copies_the_rest_of_a_damaged_file_and_ends_with_5) {
+  const std::string file = damagedFile();
+  const CommandResult result = run({"import-access", file, curves, "--json"});
+  EXPECT_EQ(result.exitCode, 5);
+  EXPECT_THAT(result.error, HasSubstr("not everything in '" + file + "' was copied"));
+  const auto sheet = result.json();
+  EXPECT_FALSE(sheet["complete"]);
+  auto written = counts(sheet, "written");
+  EXPECT_LT(written["raw1"], 173U);
+  EXPECT_EQ(written["raw2"], 173U);
+  EXPECT_EQ(counts(sheet, "expected")["raw1"], 173U);
+  ASSERT_FALSE(sheet["missing"].empty());
+  for (const auto& gap : sheet["missing"]) {
+    EXPECT_EQ(gap["table"], "raw1");
+    EXPECT_NE(gap["reason"], "");
+  }
+}
+
+TEST_F(import_access_command, leaves_nothing_behind_if_it_cannot_read_the_file) {
+  EXPECT_THAT(trouble(5, {"import-access", accessFile("stand.mdb"), curves}),
+              HasSubstr("holds no curve database"));
+  EXPECT_THAT(trouble(5, {"import-access", write("text.mdb", "no database"), curves}),
+              HasSubstr("Unrecognized database format"));
+  EXPECT_THAT(trouble(3, {"import-access", scratch.file("missing.mdb"), curves}),
+              HasSubstr("Could not find file"));
+  EXPECT_FALSE(std::filesystem::exists(curves));
+}
+
+TEST_F(import_access_command, does_not_mix_two_databases) {
+  done({"import-access", accessFile("curves.mdb"), curves});
+  const std::string before = contentsOf(curves);
+  EXPECT_THAT(trouble(3, {"import-access", accessFile("curves.mdb"), curves}),
+              HasSubstr("already holds rows"));
+  EXPECT_EQ(contentsOf(curves), before);
+}
+
+TEST_F(import_access_command, access_file_is_a_curve_database_to_read) {
+  const std::string file = accessFile("curves.mdb");
+  done({"import-access", file, curves});
+  const Arguments series{"--meter", "TF-10021", "--series", "TF-10021 recal 2", "--json"};
+  for (const char* command : {"show", "points", "export"}) {
+    auto of = [&](const std::string& database) {
+      Arguments arguments{command, database};
+      arguments.insert(arguments.end(), series.begin(), series.end());
+      auto json = done(arguments).json();
+      json.erase("database");
+      return json;
+    };
+    EXPECT_EQ(of(file), of(curves)) << command;
+  }
+  EXPECT_EQ(done({"show", file, "--json"}).json()["meters"],
+            done({"show", curves, "--json"}).json()["meters"]);
+}
+
+TEST_F(import_access_command, change_of_an_access_file_is_refused_with_what_to_do) {
+  const std::string bytes = contentsOf(accessFile("curves.mdb"));
+  const std::string file = write("old.mdb", bytes);
+  const Arguments series{"--meter", "TF-10021", "--series", "TF-10021 recal 2"};
+  for (const char* command : {"fit", "delete"}) {
+    Arguments arguments{command, file};
+    arguments.insert(arguments.end(), series.begin(), series.end());
+    if (command == std::string("delete")) arguments.emplace_back("--yes");
+    EXPECT_THAT(trouble(3, arguments), AllOf(HasSubstr("An Access file can only be read here"),
+                                             HasSubstr("'pelmora import-access'")))
+        << command;
+  }
+  EXPECT_EQ(contentsOf(file), bytes);
+}
+
+TEST_F(import_access_command, damaged_access_file_is_refused_as_a_database) {
+  const std::string file = damagedFile();
+  EXPECT_THAT(trouble(3, {"show", file}),
+              AllOf(HasSubstr("is damaged: table raw1"), HasSubstr("Repair it in Access")));
+  EXPECT_THAT(trouble(3, {"doctor", file}), HasSubstr("'pelmora import-access'"));
+}
+
+TEST_F(import_access_command, runs_come_from_an_access_stand) {
+  init();
+  const auto imported = done({"import", curves, "--meter", "M1", "--stand", accessFile("stand.mdb"),
+                              "--job", "1043", "--fluid", "spirit", "--json"})
+                            .json();
+  EXPECT_EQ(imported["series"][0]["rawPoints"], nlohmann::json({40, 0, 0, 0}));
+}
+
+}  // namespace
+}  // namespace pelmora::test

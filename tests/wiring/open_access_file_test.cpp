@@ -1,0 +1,60 @@
+// Access files through the driver that a location gets.
+// SPDX-License-Identifier: MIT
+#include "tests/support/curve_database.h"
+#include "tests/support/places.h"
+
+#include <pelmora/calibration/database.h>
+#include <pelmora/calibration/stand.h>
+
+namespace pelmora::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+std::string accessFile(const std::string& name) {
+  return sourceFolder() + "/tests/data/access/" + name;
+}
+
+TEST(open_access_file, reads_what_the_file_holds) {
+  const ConnectionPtr stand = openDatabase(accessFile("stand.mdb"));
+  EXPECT_THAT(
+      linesOf(*stand,
+              "select JobRecordID, COUNT(V1) AS points from DataPoint group by JobRecordID"),
+      ElementsAre("1042|25", "1043|40", "1057|32"));
+}
+
+TEST(open_access_file, refuses_changes_with_what_to_do) {
+  const ConnectionPtr curves = openDatabase(accessFile("curves.mdb"));
+  try {
+    curves->execute("Delete * from series");
+    ADD_FAILURE() << "deleted";
+  } catch (const Error& error) {
+    EXPECT_THAT(error.what(), HasSubstr("Change it in Access"));
+  }
+}
+
+TEST(open_access_file, serves_operations_that_only_read) {
+  namespace cal = pelmora::calibration;
+  const cal::Database lab = cal::open(accessFile("curves.mdb"), {.mode = cal::Mode::read});
+  EXPECT_EQ(lab.meters().size(), 5U);
+  const cal::Meter meter = lab.meter("tf-10021");
+  EXPECT_THAT(lab.seriesOf(meter), ElementsAre("TF-10021 recal 2"));
+  EXPECT_EQ(lab.points(meter, "TF-10021 recal 2").size(), 90U);
+  EXPECT_EQ(lab.curve(meter, "TF-10021 recal 2")(50.0).strouhal, 1.1137835);
+  EXPECT_EQ(cal::Stand(accessFile("stand.mdb")).jobs().size(), 3U);
+}
+
+TEST(open_access_file, is_no_target_of_a_stands_rows) {
+  const ConnectionPtr stand = openDatabase(accessFile("stand.mdb"));
+  try {
+    stand->execute("INSERT INTO CalDataPoint ( CalSetupID, V1 ) IN '" + accessFile("curves.mdb") +
+                   "' SELECT 1 as CalSetupID, V1 FROM DataPoint;");
+    ADD_FAILURE() << "inserted";
+  } catch (const Error& error) {
+    EXPECT_THAT(error.what(), HasSubstr("is an Access file, which can only be read here"));
+  }
+}
+
+}  // namespace
+}  // namespace pelmora::test
