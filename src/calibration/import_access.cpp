@@ -22,7 +22,7 @@ namespace {
 
 constexpr std::size_t rowsOfABatch = 1000;
 
-// Added up over the rows, so that their order does not count; -0 is a number of its own.
+// Added up over the rows, so that their order does not matter. 0 and -0 differ.
 std::uint64_t checksumOf(std::span<const Value> row) {
   WordMixer mixer;
   for (const Value& value : row) {
@@ -136,7 +136,7 @@ class CurveTables : public ForeignTables {
     return "row " + std::to_string(proof_.read) + " of those read";
   }
 
-  // An id that two rows have would refuse them both.
+  // The database would refuse a whole batch because of one duplicate ID.
   bool hasOwnKey(const std::vector<Value>& row) {
     if (schema_->Columns.front().Type != OwnColumnType::key) return true;
     const auto* id = std::get_if<std::int64_t>(&row.front());
@@ -173,7 +173,7 @@ class CurveTables : public ForeignTables {
   std::vector<std::string> sources_;
   std::vector<std::optional<std::size_t>> targets_;
   std::vector<std::string_view> fields_;
-  std::map<std::size_t, std::size_t> homeless_;  // values of source columns that we have not
+  std::map<std::size_t, std::size_t> homeless_;  // values of source columns that we do not have
   std::set<std::int64_t> keys_;
   std::unique_ptr<Recordset> rows_;
   std::size_t batch_ = 0;
@@ -226,7 +226,7 @@ ProofSheet importInto(const std::string& path, const Database& lab, const Observ
   return sheet;
 }
 
-// The service's errors for those of reading the file and of storing.
+// Turns errors of reading the file and of storing into the service's own.
 [[noreturn]] void throwTranslated(const Error& error, const std::string& path,
                                   const std::string& location) {
   const auto is = [&](RunTimeError number) {

@@ -11,7 +11,7 @@
 namespace pelmora::calibration {
 namespace {
 
-// The largest whole numbers that a double holds one by one.
+// Up to here, a double holds every whole number.
 constexpr double mostWhole = 9007199254740992.0;
 
 template <class Number>

@@ -12,8 +12,8 @@
 
 namespace pelmora::calibration {
 
-// The value as a column of the type keeps it, nothing where it would come out as another one: a
-// fraction in a column of whole numbers, a word in one of numbers.
+// The value as a column of the type stores it. Nothing if it would change: a fraction in a column
+// of whole numbers, a word in a column of numbers.
 [[nodiscard]] std::optional<Value> storedValue(const Value& value, OwnColumnType type);
 
 // For messages: shortened, and exact for numbers.

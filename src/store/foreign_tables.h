@@ -17,7 +17,7 @@ struct ForeignTable {
   std::uint64_t Rows = 0;  // as the file itself counts them
 };
 
-// What of a file does not come over.
+// A part of a file that could not be read.
 struct LeftOut {
   enum class Kind {
     damage,      // rows, or the place they were in
@@ -25,7 +25,7 @@ struct LeftOut {
     unsupported  // nothing is damaged, but this reader cannot read it
   };
   Kind What = Kind::damage;
-  std::uint64_t Rows = 0;  // that are missing because of it, where that is known
+  std::uint64_t Rows = 0;  // that are missing because of it, if known
   std::string Place;       // in the table, or in the file outside of a table; may be empty
   std::string Reason;
 };
@@ -42,14 +42,13 @@ class ForeignTables {
   virtual void leaveOut(const LeftOut& part) = 0;
 };
 
-// Reads all tables of the Access file at `path`, in a process of its own that a damaged file may
-// end but not this one. Whatever is in the file and does not come over is told to `into`.
+// Reads all tables of the Access file at `path`, in a process of its own: a damaged file can crash
+// that process, but not this one. Everything in the file that cannot be read is reported to `into`.
 // Exceptions of `into` end the reading.
 //
-// Errors: Error 53 if the file is missing, 70 if it cannot be read, 321 if it is not an Access
-// file,
-//         or so damaged, or of such a kind, that none of it can be read; 91 if this build cannot
-//         read Access files. The description says what to do.
+// Errors: Error 53 if the file is missing; 321 if it is not an Access file, or if none of it can be
+//         read because of damage or its version; 91 if this build cannot read Access files. The
+//         description says what to do.
 PELMORA_API void readAccessFile(const std::string& path, ForeignTables& into);
 
 }  // namespace pelmora

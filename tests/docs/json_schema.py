@@ -2,7 +2,7 @@
 """What every command writes with --json is as the schema of the documentation says, no member more or less.
 
 json_schema.py PROGRAM DATA SCHEMA ACCESS_FILE: ends with 0, or with 1 and what differs; 77 where Python's jsonschema is
-missing. Without ACCESS_FILE, this build has no reader of such files.
+missing. Leave ACCESS_FILE out if this build cannot read Access files.
 """
 # SPDX-License-Identifier: MIT
 import copy

@@ -52,7 +52,7 @@ TEST(open_access_file, is_no_target_of_a_stands_rows) {
                    "' SELECT 1 as CalSetupID, V1 FROM DataPoint;");
     ADD_FAILURE() << "inserted";
   } catch (const Error& error) {
-    EXPECT_THAT(error.what(), HasSubstr("is an Access file, which can only be read here"));
+    EXPECT_THAT(error.what(), HasSubstr("is an Access file, which cannot be changed here"));
   }
 }
 

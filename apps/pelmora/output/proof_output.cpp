@@ -18,7 +18,7 @@ using calibration::ProofGap;
 using calibration::ProofSheet;
 using calibration::ProofTable;
 
-// A terminal shows so many gaps; JSON has all.
+// The most that a terminal shows; JSON has all of them.
 constexpr std::size_t mostGapsShown = 30;
 
 std::string hexText(std::uint64_t number) {

@@ -1,4 +1,4 @@
-// What came over from an Access file, for people and as JSON.
+// The proof sheet of a copied database, for people and as JSON.
 // SPDX-License-Identifier: MIT
 #pragma once
 

@@ -1,4 +1,4 @@
-// Bringing a whole curve database over from an Access file, with a proof of what came over.
+// Copying a whole curve database from an Access file, with a proof of what was copied.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -19,8 +19,8 @@ struct ProofTable {
   std::optional<std::uint64_t> expected{};
   std::uint64_t read = 0;     // rows that could be read
   std::uint64_t written = 0;  // rows that the new database gives back
-  // Values of the rows that were written that are empty. Files have no checksums: a value that
-  // damage has marked as empty cannot be told from one that always was.
+  // Empty values in the rows that were written. Access files have no checksums: a value that damage
+  // has marked as empty looks like one that always was.
   std::uint64_t empty = 0;
   // Of every number and text that was read for this table, and of those that the new database gives
   // back, in whatever order the rows come. Equal for equal values, numbers bit for bit.
@@ -31,7 +31,7 @@ struct ProofTable {
   }
 };
 
-// A row, a value, a table or a page of the file that did not come over.
+// A row, a value, a table or a page of the file that was not copied.
 struct ProofGap {
   std::string table;  // empty: it concerns the whole file
   std::string place;  // "page 33, row 4, column V5"; may be empty

@@ -5,8 +5,6 @@
 #include "adapters/sqlite/sqlite_file.h"
 #include "base/run_time_error.h"
 
-#include <string_view>
-
 namespace pelmora {
 namespace {
 
@@ -14,7 +12,7 @@ constexpr const char* readOnlyRemedy =
     "An Access file can only be read here. Change it in Access, or copy it into a new curve "
     "database with 'pelmora import-access' and change that.";
 
-// Puts every table into memory, and refuses a file of which anything is lost.
+// Puts every table into memory. Refuses a file with any damage.
 class WholeTables : public ForeignTables {
  public:
   WholeTables(const std::string& path, MemoryTables& memory) : path_(path), memory_(memory) {}
@@ -43,13 +41,8 @@ class WholeTables : public ForeignTables {
 }  // namespace
 
 bool isAccessFile(const std::string& path) {
-  constexpr std::size_t nameAt = 4;
-  constexpr std::string_view jet = "Standard Jet DB";
-  constexpr std::string_view ace = "Standard ACE DB";
-  const auto start = sqlite::startOfFile(path, nameAt + jet.size());
-  if (!start || start->size() < nameAt) return false;
-  const std::string_view name = std::string_view(*start).substr(nameAt);
-  return name == jet || name == ace;
+  const auto start = sqlite::startOfFile(path, sqlite::accessStartSize);
+  return start && sqlite::isAccessStart(*start);
 }
 
 ConnectionPtr accessFileConnection(const std::string& path,

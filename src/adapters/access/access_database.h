@@ -17,8 +17,8 @@ namespace pelmora {
 // A connection to the file, not yet opened. open() reads all tables into memory; the file itself is
 // never changed, and statements that would change a table are errors that say what to do.
 //
-// Errors: of open(): those of readAccessFile; also Error 321 where anything in the file is damaged:
-//         nothing is given out that may not be all of it.
+// Errors: open() throws those of readAccessFile, and Error 321 if anything in the file is damaged,
+//         so that no table is ever returned in part.
 [[nodiscard]] ConnectionPtr accessFileConnection(const std::string& path,
                                                  const access::ProgramSettings& settings = {});
 

@@ -65,10 +65,10 @@ std::optional<Message> AccessProgram::next() {
       }
       receive();
     }
-  } catch (const Nonsense& nonsense) {
-    throw cannotRead(path_, std::string("its reader talks nonsense, ") + nonsense.what());
+  } catch (const InvalidMessage& invalid) {
+    throw cannotRead(path_, std::string("its reader sent an invalid message: ") + invalid.what());
   } catch (const std::system_error& error) {
-    throw cannotRead(path_, std::string("its reader was lost, ") + error.what());
+    throw cannotRead(path_, std::string("the connection to its reader failed: ") + error.what());
   }
 }
 
@@ -77,7 +77,7 @@ void AccessProgram::receive() {
   taken_ = 0;
   if (!child_.waitFor(POLLIN, os::ChildProgram::Clock::now() + settings_.silence)) {
     throw cannotRead(
-        path_, "its reader said nothing for " + std::to_string(settings_.silence.count()) + " s");
+        path_, "its reader sent nothing for " + std::to_string(settings_.silence.count()) + " s");
   }
   std::array<char, 64 * 1024> buffer;
   const ssize_t size = recv(child_.socket(), buffer.data(), buffer.size(), MSG_DONTWAIT);

@@ -1,4 +1,4 @@
-// The program that reads an Access file, and what it says.
+// The program that reads an Access file, and its messages.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -15,11 +15,12 @@ struct ProgramSettings {
   std::string program;  // empty: where the library looks for it (os/helper_program.h)
   std::size_t memoryMegabytes = 512;
   std::size_t processorSeconds = 300;
-  std::chrono::seconds silence{120};  // the longest wait for its next word
+  std::chrono::seconds silence{120};  // the longest wait for its next message
 };
 
-// Errors: Error 321 where the program ends before it is done, breaks one of its limits or talks
-//         nonsense, 91 where there is no program. The descriptions name the file.
+// Errors: Error 321 if the program ends early, exceeds one of its limits or sends an invalid
+// message,
+//         91 if the program is missing. The descriptions name the file.
 class AccessProgram {
  public:
   AccessProgram(std::string path, ProgramSettings settings);

@@ -13,7 +13,7 @@ namespace {
 
 using namespace access;
 
-// The program has read a file of unknown origin: what it says is checked like the file itself.
+// The file may have corrupted the program that read it, so its messages are checked as well.
 class Delivery {
  public:
   explicit Delivery(ForeignTables& into) : into_(into) {}
@@ -57,7 +57,7 @@ class Delivery {
 
  private:
   static void expect(bool holds, const char* what) {
-    if (!holds) throw Nonsense(what);
+    if (!holds) throw InvalidMessage(what);
   }
   static void expectText(const std::string& text) {
     expect(isUtf8(text) && text.find('\0') == std::string::npos, "a text that is not UTF-8");
@@ -95,10 +95,11 @@ void readAccessTables(const std::string& path, ForeignTables& into,
   while (const auto message = program.next()) {
     try {
       std::visit(delivery, *message);
-    } catch (const Nonsense& nonsense) {
+    } catch (const InvalidMessage& invalid) {
       throw Error(static_cast<std::int32_t>(RunTimeError::invalidFileFormat), "Pelmora",
-                  "The Access file '" + path + "' cannot be read: its reader talks nonsense, " +
-                      nonsense.what() + ".");
+                  "The Access file '" + path +
+                      "' cannot be read: its reader sent an invalid message: " + invalid.what() +
+                      ".");
     }
   }
 }

@@ -78,7 +78,7 @@ class Reader {
       case 1: return static_cast<std::int64_t>(number(8));
       case 2: return std::bit_cast<double>(number(8));
       case 3: return text();
-      default: throw Nonsense("a value of an unknown kind");
+      default: throw InvalidMessage("a value of an unknown kind");
     }
   }
 
@@ -91,7 +91,7 @@ class Reader {
       const auto type = static_cast<OwnColumnType>(number(1));
       if (type != OwnColumnType::whole && type != OwnColumnType::real &&
           type != OwnColumnType::text && type != OwnColumnType::anything)
-        throw Nonsense("a column of an unknown type");
+        throw InvalidMessage("a column of an unknown type");
       column.Type = type;
     }
   }
@@ -102,7 +102,7 @@ class Reader {
   void read(LeftOutNote& note) {
     const std::uint64_t kind = number(1);
     if (kind > static_cast<std::uint64_t>(LeftOutNote::Kind::unsupported))
-      throw Nonsense("a note of an unknown kind");
+      throw InvalidMessage("a note of an unknown kind");
     note.kind = static_cast<LeftOutNote::Kind>(kind);
     note.rows = number(8);
     note.place = text();
@@ -116,13 +116,13 @@ class Reader {
   Message whole() {
     Part part;
     read(part);
-    if (!bytes_.empty()) throw Nonsense("a message with more than its fields");
+    if (!bytes_.empty()) throw InvalidMessage("a message with more than its fields");
     return part;
   }
 
  private:
   std::string_view take(std::size_t count) {
-    if (count > bytes_.size()) throw Nonsense("a message that ends early");
+    if (count > bytes_.size()) throw InvalidMessage("a message that ends early");
     const std::string_view part = bytes_.substr(0, count);
     bytes_.remove_prefix(count);
     return part;
@@ -138,7 +138,7 @@ Message decoded(std::size_t kind, std::string_view fields, std::index_sequence<K
       ((kind == Kinds &&
         (message = Reader(fields).whole<std::variant_alternative_t<Kinds, Message>>(), true)) ||
        ...);
-  if (!isKnown) throw Nonsense("a message of an unknown kind");
+  if (!isKnown) throw InvalidMessage("a message of an unknown kind");
   return message;
 }
 
@@ -159,8 +159,9 @@ std::optional<Message> takeMessage(std::string_view& bytes) {
   Reader head(bytes.substr(0, headSize));
   const auto kind = static_cast<std::size_t>(head.number(1));
   const auto size = static_cast<std::size_t>(head.number(headSize - 1));
-  if (kind >= std::variant_size_v<Message>) throw Nonsense("a message of an unknown kind");
-  if (size > longestMessage) throw Nonsense("a message of " + std::to_string(size) + " bytes");
+  if (kind >= std::variant_size_v<Message>) throw InvalidMessage("a message of an unknown kind");
+  if (size > longestMessage)
+    throw InvalidMessage("a message of " + std::to_string(size) + " bytes");
   if (bytes.size() - headSize < size) return std::nullopt;
   Message message = decoded(kind, bytes.substr(headSize, size),
                             std::make_index_sequence<std::variant_size_v<Message>>());

@@ -1,4 +1,4 @@
-// What the program that reads Access files tells the library, and its form on the way.
+// The messages from the program that reads Access files to the library, and their encoding.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -51,13 +51,13 @@ using Message = std::variant<TableStart, TableRow, LeftOutNote, TableEnd, FileFa
 inline constexpr std::size_t longestText = std::size_t{64} << 20;
 inline constexpr std::size_t longestMessage = std::size_t{256} << 20;
 
-struct Nonsense : std::runtime_error {
+struct InvalidMessage : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
 [[nodiscard]] std::string encoded(const Message& message);
-// Takes the message at the front of `bytes`; nothing, and nothing taken, while it is incomplete.
-// Errors: Nonsense for bytes that no message begins with.
+// Removes the message at the front of `bytes`; returns nothing and removes nothing while it is
+// incomplete. Errors: InvalidMessage for bytes that cannot be the start of a message.
 [[nodiscard]] std::optional<Message> takeMessage(std::string_view& bytes);
 
 }  // namespace pelmora::access

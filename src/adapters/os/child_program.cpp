@@ -99,7 +99,8 @@ bool ChildProgram::waitFor(short events, Clock::time_point deadline) const {
 }
 
 int ChildProgram::endingSignal() {
-  // A program that has closed its socket is about to end, unless it means no good.
+  // A program that has closed its socket normally ends at once; one that does not is not waited
+  // for.
   constexpr int mostTries = 200;
   constexpr std::chrono::milliseconds breath(5);
   int status = 0;

@@ -11,9 +11,8 @@
 namespace pelmora::os {
 
 // Starts a program whose standard input and output are one socket to here. It inherits nothing
-// else: no open files, no blocked or ignored signals; its standard error is discarded. Nothing it
-// does or suffers raises a signal here other than the SIGCHLD of its end; when the object goes, the
-// program is ended and reaped.
+// else: no open files, no blocked or ignored signals; its standard error is discarded. It raises
+// no signal here other than the SIGCHLD of its end. The destructor ends and reaps the program.
 //
 // Errors of all operations: std::system_error.
 class ChildProgram {
@@ -28,8 +27,8 @@ class ChildProgram {
   [[nodiscard]] int socket() const { return socket_; }
   // Waits until poll() finds one of `events` at the socket; false if the deadline passes first.
   [[nodiscard]] bool waitFor(short events, Clock::time_point deadline) const;
-  // The signal that ended the program, which has closed its socket; 0 where it ended by itself, or
-  // where the host has reaped it already.
+  // The signal that ended the program, once it has closed its socket; 0 if it ended by itself, or
+  // if the host has reaped it already.
   [[nodiscard]] int endingSignal();
 
  private:

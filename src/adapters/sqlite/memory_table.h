@@ -23,7 +23,7 @@ class MemoryTables {
 
 struct MemoryDatabase {
   std::function<void(MemoryTables&)> read;  // delivers all tables; may throw Error
-  std::string whyReadOnly;                  // and what to do, for who tries to change a table
+  std::string whyReadOnly;                  // and what to do, for those who try to change a table
 };
 
 // Reads the tables on every open(), into memory. Their rows can be read and inserted into a

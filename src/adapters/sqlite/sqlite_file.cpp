@@ -8,7 +8,6 @@
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <filesystem>
 #include <string_view>
@@ -63,18 +62,21 @@ class OpenFile {
 
 Contents contentsOf(const std::string& path) {
   constexpr std::string_view header("SQLite format 3\0", 16);
-  constexpr std::array<std::string_view, 2> accessNames{"Standard Jet D", "Standard ACE D"};
-  constexpr std::size_t nameAt = 4;
-  const auto start = startOfFile(path, nameAt + accessNames[0].size());
+  const auto start = startOfFile(path, std::max(header.size(), accessStartSize));
   if (!start) return Contents::unreadable;
   if (start->empty()) return Contents::empty;
   if (start->starts_with(header)) return Contents::sqlite;
-  const std::string_view name = std::string_view(*start).substr(std::min(nameAt, start->size()));
-  const bool isAccess = std::ranges::find(accessNames, name) != accessNames.end();
-  return isAccess ? Contents::access : Contents::other;
+  return isAccessStart(*start) ? Contents::access : Contents::other;
 }
 
 }  // namespace
+
+bool isAccessStart(std::string_view start) {
+  constexpr std::size_t nameAt = 4;
+  if (start.size() < nameAt) return false;
+  const std::string_view name = start.substr(nameAt);
+  return name.starts_with("Standard Jet DB") || name.starts_with("Standard ACE DB");
+}
 
 std::optional<std::string> startOfFile(const std::string& path, std::size_t size) {
   std::error_code failure;
@@ -127,8 +129,8 @@ std::string checkedSqliteFile(const std::string& path) {
     case Contents::access:
       throw fail(RunTimeError::invalidFileFormat,
                  "'" + path +
-                     "' is an Access file, which can only be read here. Copy it into a new curve "
-                     "database with 'pelmora import-access' and change that.");
+                     "' is an Access file, which cannot be changed here. Copy it into a new curve "
+                     "database with 'pelmora import-access', and use that.");
     case Contents::other:
       throw fail(RunTimeError::invalidFileFormat,
                  "Unrecognized database format '" + path +

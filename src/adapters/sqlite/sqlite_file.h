@@ -7,12 +7,17 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace pelmora::sqlite {
 
 // At most the first `size` bytes of a regular file; nothing if it cannot be read. SQLite opens
 // and closes the file: it knows which files the process holds locks on, and keeps those locks.
 [[nodiscard]] std::optional<std::string> startOfFile(const std::string& path, std::size_t size);
+
+// Whether a file with these first bytes is an Access database; `start` has accessStartSize bytes.
+inline constexpr std::size_t accessStartSize = 19;
+[[nodiscard]] bool isAccessStart(std::string_view start);
 
 // The absolute path, which SQLite can mistake neither for a URI nor for ":memory:".
 //

@@ -41,8 +41,8 @@ class SqliteSession : public sql::RowSource {
   // Empty for a database in memory.
   [[nodiscard]] const std::string& file() const { return file_; }
 
-  // From now on the database's own tables may only be read; `why` is said to who tries to change
-  // them.
+  // From now on the database's own tables may only be read. `why` goes into the error of statements
+  // that would change them.
   void freeze(const std::string& why) { whyFrozen_ = why; }
   // Errors: Error updateRefused if the tables may only be read, or if the engine has undone the
   //         transaction that is open: what follows must not be stored alone.

@@ -1,4 +1,4 @@
-// Whatever the reading program does, the host gets a message.
+// However the reading program ends, the host gets a message.
 // SPDX-License-Identifier: MIT
 #include "tests/adapters/access/collected_tables.h"
 #include "tests/support/curve_file.h"
@@ -49,19 +49,19 @@ TEST_F(access_program, that_ends_early_ends_in_a_message) {
   expectWords(failure(shell("exit 0")), 321, "its reader ended in the middle");
 }
 
-TEST_F(access_program, that_talks_nonsense_ends_in_a_message) {
-  expectWords(failure(shell("echo hello, this is not a message")), 321, "nonsense");
-  expectWords(failure(shell("exec cat /dev/zero")), 321, "nonsense");
+TEST_F(access_program, that_sends_invalid_messages_ends_in_a_message) {
+  expectWords(failure(shell("echo hello, this is not a message")), 321, "invalid message");
+  expectWords(failure(shell("exec cat /dev/zero")), 321, "invalid message");
 }
 
 TEST_F(access_program, that_is_missing_ends_in_a_message) {
   expectWords(failure({"/nowhere/pelmora-access"}), 91, "does not start");
 }
 
-TEST_F(access_program, that_says_nothing_is_not_waited_for_forever) {
+TEST_F(access_program, that_sends_nothing_is_not_waited_for_forever) {
   access::ProgramSettings settings = shell("exec sleep 600");
   settings.silence = std::chrono::seconds(1);
-  expectWords(failure(settings), 321, "said nothing for 1 s");
+  expectWords(failure(settings), 321, "sent nothing for 1 s");
 }
 
 TEST_F(access_program, that_takes_too_long_is_ended) {

@@ -1,4 +1,4 @@
-// Files of another writer against what it says it has written.
+// Files by another writer, compared with its own CSV export.
 // SPDX-License-Identifier: MIT
 #include "base/csv_reader.h"
 #include "base/file_text.h"
@@ -29,14 +29,14 @@ std::string printed(const char* format, double number) {
   return text.data();
 }
 
-// A midnight has no time in our text.
+// Our text of a midnight has no time.
 std::string ourDate(std::string text) {
   std::ranges::replace(text, 'T', ' ');
   const std::string midnight = " 00:00:00";
   return text.ends_with(midnight) ? text.substr(0, text.size() - midnight.size()) : text;
 }
 
-// A field of the CSV file as the reader should give it, and what it gives.
+// Compares a field of the CSV file with the value that was read.
 void expectSame(const CsvField& written, const Value& read, const std::string& column,
                 const std::string& place) {
   if (written.text.empty() && !written.isQuoted) {
@@ -77,7 +77,7 @@ TEST_P(access_values, are_those_that_were_written) {
   CollectedTables read = readAll(accessData(file + ".mdb"));
   EXPECT_TRUE(read.ofTheFile.empty());
   for (auto& [name, table] : read.tables) {
-    // Written in this order, read where it now lies: numbers of its own tell the rows apart.
+    // Moved rows are read in another order than they were written.
     if (name == "Churn") {
       std::ranges::sort(table.rows, {},
                         [](const auto& row) { return std::get<std::int64_t>(row[0]); });

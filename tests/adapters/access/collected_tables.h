@@ -1,4 +1,4 @@
-// Everything that a reader of another file format delivers, kept.
+// Keeps everything that a reader of another file format delivers.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -35,7 +35,7 @@ struct CollectedTables : ForeignTables {
   CollectedTable* open = nullptr;
 };
 
-// The program beside the library, for tests that link its inside.
+// The program of this build, for tests that link the library's internals.
 inline access::ProgramSettings builtProgram() { return {buildFolder() + "/pelmora-access"}; }
 inline std::string accessData(const std::string& name) {
   return sourceFolder() + "/tests/data/access/" + name;

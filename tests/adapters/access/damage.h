@@ -48,15 +48,15 @@ inline std::string damaged(std::string bytes, DamageKind kind, std::uint32_t see
 
 enum class Ending {
   refused,  // an error
-  told,     // rows or values are missing, and a note says so
+  listed,   // rows or values are missing, and a note lists them
   whole,    // nothing is missing and nothing is different: the damage is elsewhere
-  changed,  // every row is there, but bits inside a value are different: files have no checksums
-  silent    // a row or a table is missing, and nothing says so
+  changed,  // every row is there, but bits inside a value are different: there are no checksums
+  silent    // a row or a table is missing, and no note lists it
 };
 inline const char* nameOf(Ending ending) {
   switch (ending) {
     case Ending::refused: return "refused";
-    case Ending::told: return "loss listed";
+    case Ending::listed: return "loss listed";
     case Ending::whole: return "all there";
     case Ending::changed: return "value changed";
     case Ending::silent: return "silent loss";
@@ -87,12 +87,12 @@ inline Outcome readDamaged(const std::string& path, const CollectedTables& origi
   } catch (const Error& error) {
     return {Ending::refused, error.what()};
   }
-  const auto told = [](const std::string& place, const LeftOut& part) {
-    return Outcome{Ending::told, place + ", " + part.Place + ": " + part.Reason};
+  const auto listed = [](const std::string& place, const LeftOut& part) {
+    return Outcome{Ending::listed, place + ", " + part.Place + ": " + part.Reason};
   };
-  if (!read.ofTheFile.empty()) return told("the file", read.ofTheFile.front());
+  if (!read.ofTheFile.empty()) return listed("the file", read.ofTheFile.front());
   for (const auto& [name, table] : read.tables) {
-    if (!table.leftOut.empty()) return told(name, table.leftOut.front());
+    if (!table.leftOut.empty()) return listed(name, table.leftOut.front());
   }
   if (areSame(read, original)) return {Ending::whole, ""};
   const bool isLess =

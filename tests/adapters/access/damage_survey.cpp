@@ -15,7 +15,7 @@ using namespace pelmora::test;
 
 constexpr std::array names{"curves.mdb", "stand.mdb", "types.mdb"};
 constexpr std::array kinds{DamageKind::cutOff, DamageKind::flippedBits, DamageKind::zeroedPages};
-constexpr std::array endings{Ending::refused, Ending::told, Ending::whole, Ending::changed,
+constexpr std::array endings{Ending::refused, Ending::listed, Ending::whole, Ending::changed,
                              Ending::silent};
 
 int survey(std::uint32_t files, std::uint32_t seed, const std::string& scratch) {

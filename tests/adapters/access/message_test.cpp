@@ -48,10 +48,10 @@ TEST(access_message, is_not_taken_before_it_is_complete) {
   }
 }
 
-TEST(access_message, nonsense_is_refused) {
+TEST(access_message, invalid_bytes_are_refused) {
   const auto refuse = [](std::string bytes) {
     std::string_view left = bytes;
-    EXPECT_THROW(static_cast<void>(takeMessage(left)), Nonsense) << bytes;
+    EXPECT_THROW(static_cast<void>(takeMessage(left)), InvalidMessage) << bytes;
   };
   refuse("Hello world");                           // no such kind
   refuse(std::string("\x04\xFF\xFF\xFF\xFF", 5));  // 4 GB

@@ -1,4 +1,4 @@
-// Reading numbers from the bytes of a file that nobody vouches for.
+// Reading numbers from the bytes of a file that may be damaged anywhere.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -11,14 +11,14 @@
 
 namespace pelmora::access {
 
-// What is wrong with a part of the file; the rest may be whole.
+// A part of the file is damaged; the rest may be intact.
 struct Damage : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
 using Bytes = std::span<const unsigned char>;
 
-// All of them: Damage where the bytes end too early.
+// Errors of all functions below: Damage if the bytes end too early.
 [[nodiscard]] inline Bytes part(Bytes bytes, std::size_t at, std::size_t size) {
   if (at > bytes.size() || size > bytes.size() - at) throw Damage("it ends early");
   return bytes.subspan(at, size);

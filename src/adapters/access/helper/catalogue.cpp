@@ -11,7 +11,7 @@ namespace {
 constexpr std::uint32_t cataloguePage = 2;
 constexpr std::int64_t tableObject = 1;
 constexpr std::array<std::int64_t, 2> linkObjects{4, 6};
-// Tables of the system itself have one of these flags, so do tables in the making.
+// Set on system tables and on temporary ones.
 constexpr std::int64_t systemFlags = 0x80000002;
 constexpr std::int64_t typeBits = 0x7F;
 constexpr std::int64_t pageBits = 0x00FFFFFF;
@@ -22,7 +22,7 @@ std::int64_t wholeIn(const Value& value) {
   return *whole;
 }
 
-// A user's table with such a flag is damaged, but can be read.
+// A table with another name that has such a flag is a user's table whose entry is damaged.
 bool isSystemName(std::string_view name) {
   return name.starts_with("MSys") || name.starts_with("~") || name.starts_with("f_");
 }

@@ -11,9 +11,9 @@ struct CatalogueEntry {
   std::uint32_t page = 0;  // 0: the table is in another file, this one only has a link
 };
 
-// The tables that users see, from the file's own table of all objects. What of it cannot be read is
-// told to `leftOut`.
-// Errors: Unreadable where there is none.
+// The tables that users see, from the file's own table of all objects. Entries that cannot be read
+// are reported to `leftOut`.
+// Errors: Unreadable if the list of objects itself cannot be read.
 [[nodiscard]] std::vector<CatalogueEntry> readCatalogue(
     const PageFile& file, const std::function<void(const LeftOutNote&)>& leftOut);
 

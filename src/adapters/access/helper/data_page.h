@@ -12,14 +12,14 @@ class DataPage {
  public:
   enum class RowKind {
     own = 0x0000,
-    elsewhere = 0x4000,  // only says where the row lies now, after it had outgrown its place
-    target = 0x8000,     // a row that another entry leads to, or a deleted one
+    elsewhere = 0x4000,  // a reference to where the row lies now: it had outgrown its place
+    target = 0x8000,     // a row that another entry refers to, or a deleted one
     deleted = 0xC000
   };
   // Owner of the pages that hold long texts.
   static constexpr std::uint32_t longValues = 0x4C41564C;  // "LVAL"
 
-  // Errors: Damage where the page is not one of `owner`, a table's page number or longValues.
+  // Errors: Damage if the page is not one of `owner`, a table's page number or longValues.
   DataPage(const PageFile& file, std::uint32_t number, std::uint32_t owner);
 
   [[nodiscard]] std::size_t rowCount() const { return rowCount_; }

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t unitsOfAnyLength = std::numeric_limits<std::size_t>::max();
 
-// SQL has no such numbers: what would come out is another value, or none.
+// SQL stores no such numbers; they would silently become null.
 double finite(double number) {
   if (!std::isfinite(number)) throw Damage("it is not a finite number");
   return number;

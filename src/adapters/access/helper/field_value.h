@@ -11,10 +11,10 @@
 
 namespace pelmora::access {
 
-// What becomes of a column: whole numbers, numbers bit for bit, texts; a yes/no is 1 or 0. Currency
-// and decimals are texts with all of their digits, dates "yyyy-mm-dd" and " hh:mm:ss" unless that
-// is midnight, identities texts in braces, binary data 0x and hexadecimal digits. Nothing for a
-// column that cannot be read.
+// The type that a column gets: whole numbers, numbers bit for bit, texts; a yes/no is 1 or 0.
+// Currency and decimals are texts with all of their digits, dates "yyyy-mm-dd" and " hh:mm:ss"
+// unless that is midnight, identities texts in braces, binary data 0x and hexadecimal digits.
+// Nothing for a column that cannot be read.
 [[nodiscard]] std::optional<OwnColumnType> typeFor(const AccessColumn& column);
 
 // A field that is not null, of any column but a yes/no.

@@ -1,4 +1,4 @@
-// What this process may use: a damaged file must not take more.
+// Limits of what this process may use, whatever the file makes it do.
 // SPDX-License-Identifier: MIT
 #pragma once
 

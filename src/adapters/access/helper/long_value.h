@@ -8,8 +8,8 @@
 
 namespace pelmora::access {
 
-// The bytes that a row's field of such a column leads to.
-// Errors: Damage, also where their number is not what the field says.
+// The bytes that a row's field of such a column refers to.
+// Errors: Damage, also if their number differs from the one in the field.
 [[nodiscard]] std::vector<unsigned char> longValue(const PageFile& file, Bytes field);
 
 }  // namespace pelmora::access

@@ -1,6 +1,6 @@
 // pelmora-access MEMORY_MB SECONDS FILE: reads an Access file and writes its tables to standard
-// output, in the form of adapters/access/message.h. Exit code: 0 whenever the last message was
-// written. SPDX-License-Identifier: MIT
+// output, in the form of adapters/access/message.h. Exit code: 0 if the last message was written.
+// SPDX-License-Identifier: MIT
 #include "adapters/access/helper/catalogue.h"
 #include "adapters/access/helper/field_value.h"
 #include "adapters/access/helper/limits.h"
@@ -32,7 +32,7 @@ class Output {
     while (!left.empty()) {
       const ssize_t written = write(file_, left.data(), left.size());
       if (written < 0 && errno == EINTR) continue;
-      if (written < 0) std::_Exit(EXIT_FAILURE);  // nobody listens any more
+      if (written < 0) std::_Exit(EXIT_FAILURE);  // the host has gone
       left.remove_prefix(static_cast<std::size_t>(written));
     }
     bytes_.clear();
@@ -53,8 +53,8 @@ void sendTable(const PageFile& file, const CatalogueEntry& entry, Output& output
   start.name = entry.name;
   try {
     if (entry.page == 0) {
-      notes.push_back({LeftOutNote::Kind::unsupported, 0, "",
-                       "it is only a link, the table itself is in another file"});
+      notes.push_back(
+          {LeftOutNote::Kind::unsupported, 0, "", "it is a link to a table in another file"});
     } else {
       table = readDefinition(file, entry.name, entry.page);
     }
@@ -90,7 +90,8 @@ void sendFile(const std::string& path, Output& output) {
   }
   const auto entries = readCatalogue(file, leftOut);
   for (const CatalogueEntry& entry : entries) sendTable(file, entry, output);
-  if (file.hasChanged()) throw Unreadable("another program has changed it meanwhile. Try again");
+  if (file.hasChanged())
+    throw Unreadable("another program changed it while it was read. Try again");
   output.send(AllRead{entries.size()});
 }
 
@@ -103,9 +104,9 @@ std::size_t argumentNumber(const char* text) {
   return number;
 }
 
-// What the library prints must not come between messages; what it finds in the environment must not
-// change how a file is read.
-void keepToItself() {
+// Keeps the library from printing between the messages, and the environment from changing how a
+// file is read.
+void isolateLibrary() {
   for (const char* name : {"MDBPATH", "MDBOPTS", "MDBICONV", "MDB_JET3_CHARSET", "MDB_ICONV"})
     unsetenv(name);
   const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
@@ -115,7 +116,7 @@ void keepToItself() {
 
 int run(char** arguments) {
   Output output(dup(STDOUT_FILENO));
-  keepToItself();
+  isolateLibrary();
   std::size_t memory = 0;
   try {
     memory = argumentNumber(arguments[1]);

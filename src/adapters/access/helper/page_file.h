@@ -25,15 +25,16 @@ enum class PageKind : std::uint8_t { data = 1, table = 2, usageMap = 5 };
 
 class PageFile {
  public:
-  // Errors: Unreadable for what is not an Access file, or is one that this reader does not know.
+  // Errors: Unreadable for a file that is not an Access file, or of a version that is not
+  // supported.
   explicit PageFile(const std::string& path);
 
   // The library's handle on the file.
   [[nodiscard]] MdbHandle* library() const { return handle_.get(); }
-  // Of whole pages; a file that was cut off in the middle of a page has bytes behind them.
+  // Whole pages only; a file that was cut off in the middle of a page has bytes behind them.
   [[nodiscard]] std::uint32_t pageCount() const { return pageCount_; }
   [[nodiscard]] std::size_t bytesBehind() const { return bytesBehind_; }
-  // Errors: Damage where the file has no such page or it is of another kind.
+  // Errors: Damage if the file has no such page or it is of another kind.
   [[nodiscard]] Page page(std::uint32_t number, PageKind kind) const;
   // Whether the file's size or time has changed since it was opened.
   [[nodiscard]] bool hasChanged() const;

@@ -12,19 +12,19 @@ namespace pelmora::access {
 // there are, and a bit for each column that is set where it is not null.
 class RowFields {
  public:
-  // `row` must outlive the object. Errors: Damage where the row cannot be one of the table.
+  // `row` must outlive the object. Errors: Damage if the row cannot be one of the table.
   RowFields(const AccessTable& table, Bytes row);
 
   // Nothing for null. Errors: Damage.
   [[nodiscard]] std::optional<Bytes> field(const AccessColumn& column) const;
-  // The bit of a column: a yes/no has no other value.
+  // The bit of a column, which is the whole value of a yes/no.
   [[nodiscard]] bool bit(const AccessColumn& column) const;
 
  private:
   void readVariable(Bytes before);
   [[nodiscard]] Bytes fixedField(const AccessColumn& column) const;
   [[nodiscard]] Bytes variableField(const AccessColumn& column, bool isNull) const;
-  // Where variable field `i` begins, counted from the begin of the row.
+  // Where variable field `i` begins, counted from the start of the row.
   [[nodiscard]] std::size_t variableStart(std::size_t i) const;
 
   Bytes row_, bits_, starts_;

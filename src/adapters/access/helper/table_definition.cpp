@@ -21,7 +21,7 @@ struct FreeTable {
   void operator()(MdbTableDef* table) const noexcept { mdb_free_tabledef(table); }
 };
 
-// The library follows the chain of pages wherever it leads. Errors: Damage.
+// The library would follow a damaged chain of pages forever. Errors: Damage.
 void checkChain(const PageFile& file, std::uint32_t first) {
   std::set<std::uint32_t> seen;
   std::size_t bytes = 0;

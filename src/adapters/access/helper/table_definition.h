@@ -1,4 +1,4 @@
-// What a file says about one of its tables.
+// The definition of a table.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -29,12 +29,12 @@ struct AccessTable {
   std::vector<std::uint32_t> dataPages;  // in ascending order
 };
 
-// Reads the definition through the library, and checks that it can be true.
+// Reads the definition through the library, and checks that it is consistent.
 // Errors: Damage.
 [[nodiscard]] AccessTable readDefinition(const PageFile& file, const std::string& name,
                                          std::uint32_t page);
 
-// Bytes of a value of a type that always takes as many; 0 for one that does not, or is unknown.
+// The bytes of a value, for types of a fixed size; 0 for all others.
 [[nodiscard]] std::size_t sizeOfType(int type);
 
 }  // namespace pelmora::access

@@ -14,9 +14,9 @@ struct RowReceiver {
   std::function<void(const LeftOutNote&)> leftOut;
 };
 
-// The values of `columns` in every row, in the order of the pages; a row that has moved comes where
-// it was first. A value that cannot be read is null and has a note; so has a row or a page of rows
-// that cannot be read, and a table with fewer or more rows than its own count says.
+// The values of `columns` in every row, in the order of the pages; a moved row comes in
+// its first place. A value that cannot be read is null and has a note. Rows and pages that cannot
+// be read have a note too, and so has a table whose number of rows differs from its own count.
 // Returns the number of rows.
 std::uint64_t readRows(const PageFile& file, const AccessTable& table,
                        const std::vector<AccessColumn>& columns, const RowReceiver& into);

@@ -4,8 +4,8 @@
 namespace pelmora::access {
 namespace {
 
-// A map is a bit for each page: either from a first page on in the map itself, or on pages of their
-// own, whose numbers the map lists.
+// A map has one bit per page. The bits follow the number of the first page, or lie on pages of
+// their own, whose numbers the map lists.
 enum class MapKind : std::uint8_t { here = 0, onPages = 1 };
 constexpr std::size_t mapHead = 1;
 constexpr std::size_t pageHead = 4;
