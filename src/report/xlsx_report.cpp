@@ -2,9 +2,9 @@
 #include "report/xlsx_report.h"
 
 #include "report/report_tables.h"
+#include "report/spreadsheet_library.h"
 
 #include <unistd.h>
-#include <xlsxwriter.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -23,9 +23,12 @@ namespace {
 
 constexpr double narrowest = 8, widest = 48;  // characters
 
+const SpreadsheetLibrary& library() { return spreadsheetLibrary(); }
+
 void require(lxw_error error) {
   if (error != LXW_NO_ERROR)
-    throw std::runtime_error(std::string("the workbook cannot be made: ") + lxw_strerror(error));
+    throw std::runtime_error(std::string("the workbook cannot be made: ") +
+                             library().lxw_strerror(error));
 }
 
 // The library writes files alone: one of our own, gone with its object.
@@ -61,7 +64,7 @@ std::time_t timeOf(const std::string& text) {
 }
 
 struct CloseWorkbook {
-  void operator()(lxw_workbook* book) const { workbook_close(book); }
+  void operator()(lxw_workbook* book) const { library().workbook_close(book); }
 };
 
 // A cell's text must be XML: control characters but line breaks and tabs are not.
@@ -78,36 +81,38 @@ std::string xmlText(const std::string& text) {
 double write(lxw_worksheet* sheet, lxw_row_t row, lxw_col_t column, const Value& value) {
   constexpr double digits = 14;
   if (const auto* whole = std::get_if<std::int64_t>(&value)) {
-    require(worksheet_write_number(sheet, row, column, static_cast<double>(*whole), nullptr));
+    require(
+        library().worksheet_write_number(sheet, row, column, static_cast<double>(*whole), nullptr));
     return narrowest;
   }
   if (const auto* real = std::get_if<double>(&value)) {
-    require(worksheet_write_number(sheet, row, column, *real, nullptr));
+    require(library().worksheet_write_number(sheet, row, column, *real, nullptr));
     return digits;
   }
   const auto* text = std::get_if<std::string>(&value);
   if (text == nullptr) return 0;
-  require(worksheet_write_string(sheet, row, column, xmlText(*text).c_str(), nullptr));
+  require(library().worksheet_write_string(sheet, row, column, xmlText(*text).c_str(), nullptr));
   return static_cast<double>(text->size());
 }
 
 void addSheet(lxw_workbook* book, lxw_format* bold, const ReportTable& table) {
-  lxw_worksheet* sheet = workbook_add_worksheet(book, table.name.c_str());
+  lxw_worksheet* sheet = library().workbook_add_worksheet(book, table.name.c_str());
   if (sheet == nullptr)
     throw std::runtime_error("the workbook cannot be made: no sheet '" + table.name + "'");
   for (std::size_t c = 0; c < table.columns.size(); ++c) {
     const auto column = static_cast<lxw_col_t>(c);
-    require(worksheet_write_string(sheet, 0, column, table.columns[c].c_str(), bold));
+    require(library().worksheet_write_string(sheet, 0, column, table.columns[c].c_str(), bold));
     double width = std::max(narrowest, static_cast<double>(table.columns[c].size()) + 2);
     for (std::size_t r = 0; r < table.rows.size(); ++r)
       width = std::max(width,
                        write(sheet, static_cast<lxw_row_t>(r) + 1, column, table.rows[r][c]) + 2);
-    require(worksheet_set_column(sheet, column, column, std::min(width, widest), nullptr));
+    require(
+        library().worksheet_set_column(sheet, column, column, std::min(width, widest), nullptr));
   }
-  worksheet_freeze_panes(sheet, 1, 0);
+  library().worksheet_freeze_panes(sheet, 1, 0);
   if (!table.rows.empty()) {
-    worksheet_autofilter(sheet, 0, 0, static_cast<lxw_row_t>(table.rows.size()),
-                         static_cast<lxw_col_t>(table.columns.size()) - 1);
+    library().worksheet_autofilter(sheet, 0, 0, static_cast<lxw_row_t>(table.rows.size()),
+                                   static_cast<lxw_col_t>(table.columns.size()) - 1);
   }
 }
 
@@ -115,15 +120,15 @@ void addSheet(lxw_workbook* book, lxw_format* bold, const ReportTable& table) {
 
 std::string xlsxReport(const Report& report) {
   const ScratchFile file;
-  std::unique_ptr<lxw_workbook, CloseWorkbook> book(workbook_new(file.path().c_str()));
+  std::unique_ptr<lxw_workbook, CloseWorkbook> book(library().workbook_new(file.path().c_str()));
   if (!book) throw std::runtime_error("the workbook cannot be made: no memory");
   lxw_doc_properties properties{};
   properties.created = timeOf(report.createdAt);
-  require(workbook_set_properties(book.get(), &properties));
-  lxw_format* bold = workbook_add_format(book.get());
-  format_set_bold(bold);
+  require(library().workbook_set_properties(book.get(), &properties));
+  lxw_format* bold = library().workbook_add_format(book.get());
+  library().format_set_bold(bold);
   for (const ReportTable& table : reportTables(report)) addSheet(book.get(), bold, table);
-  require(workbook_close(book.release()));
+  require(library().workbook_close(book.release()));
   return file.content();
 }
 

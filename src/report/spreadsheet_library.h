@@ -1,0 +1,29 @@
+// The library that writes workbooks, loaded when the first one is written: it brings a library of
+// cryptography along, whose start takes longer than most commands.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <xlsxwriter.h>
+
+namespace pelmora::report {
+
+// Its functions that a report needs, under their own names.
+struct SpreadsheetLibrary {
+  decltype(&::lxw_strerror) lxw_strerror;
+  decltype(&::workbook_new) workbook_new;
+  decltype(&::workbook_close) workbook_close;
+  decltype(&::workbook_set_properties) workbook_set_properties;
+  decltype(&::workbook_add_format) workbook_add_format;
+  decltype(&::workbook_add_worksheet) workbook_add_worksheet;
+  decltype(&::format_set_bold) format_set_bold;
+  decltype(&::worksheet_write_number) worksheet_write_number;
+  decltype(&::worksheet_write_string) worksheet_write_string;
+  decltype(&::worksheet_set_column) worksheet_set_column;
+  decltype(&::worksheet_freeze_panes) worksheet_freeze_panes;
+  decltype(&::worksheet_autofilter) worksheet_autofilter;
+};
+
+// Errors: std::runtime_error if it cannot be loaded. Safe from several threads.
+[[nodiscard]] const SpreadsheetLibrary& spreadsheetLibrary();
+
+}  // namespace pelmora::report
