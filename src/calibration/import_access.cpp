@@ -45,25 +45,29 @@ class CurveTables : public ForeignTables {
     name_ = table.Design.Name;
     showStep();
     isOpen_ = true;
+    proof_ = {};
+    proof_.name = name_;
+    if (!table.Design.Columns.empty()) proof_.expected = table.Rows;
     schema_ = curveTable(name_);
-    if (schema_ == nullptr) return sheet_.otherTables.push_back(name_);
+    if (schema_ == nullptr) return;
     if (!begun_.insert(schema_->Name).second) {
       missing("", "the file has a second table of that name");
       schema_ = nullptr;
       return;
     }
     name_ = schema_->Name;
-    proof_ = {};
     proof_.name = name_;
-    if (!table.Design.Columns.empty()) proof_.expected = table.Rows;
     map(table.Design.Columns);
     keys_.clear();
     rows_ = openForBatch(curves_, "Select * from " + name_);
   }
 
   void addRow(std::span<const Value> values) override {
-    if (schema_ == nullptr) return;
     ++proof_.read;
+    if (schema_ == nullptr) {
+      proof_.checksumRead += checksumOf(values);
+      return;
+    }
     std::vector<Value> row(schema_->Columns.size());
     for (std::size_t i = 0; i < targets_.size(); ++i) {
       if (values[i].index() == 0) continue;
@@ -95,6 +99,8 @@ class CurveTables : public ForeignTables {
       rows_->close();
       rows_.reset();
       sheet_.tables.push_back(proof_);
+    } else {
+      sheet_.otherTables.push_back(proof_);
     }
     schema_ = nullptr;
     isOpen_ = false;
@@ -204,6 +210,21 @@ void requireEmpty(Connection& curves, const std::string& location) {
   }
 }
 
+NoCurveDatabase withoutCurves(const std::string& path, ProofSheet sheet) {
+  const std::string noTables = "no table meter and no table series";
+  if (sheet.missing.empty()) {
+    sheet.missing.push_back({"", "", "the file has " + noTables});
+    return {{"the Access file '" + path + "' holds no curve database: it has " + noTables, path,
+             "name a curve database; 'pelmora import' takes runs from a stand's database"},
+            std::move(sheet)};
+  }
+  const ProofGap first = sheet.missing.front();
+  return {{"no curve database can be read from the Access file '" + path +
+               "': " + (first.place.empty() ? "" : first.place + ": ") + first.reason,
+           path, "repair it in Access, or use an older copy of it"},
+          std::move(sheet)};
+}
+
 ProofSheet importInto(const std::string& path, const Database& lab, const Observer& observer) {
   const ConnectionPtr& curves = lab.connection();
   ProofSheet sheet;
@@ -211,12 +232,8 @@ ProofSheet importInto(const std::string& path, const Database& lab, const Observ
   requireEmpty(*curves, lab.location());
   CurveTables tables(*curves, sheet, observer);
   readAccessFile(path, tables);
-  if (!tables.hasBegun("meter") && !tables.hasBegun("series")) {
-    throw BadData({"the Access file '" + path +
-                       "' holds no curve database: it has no table meter and no table series",
-                   path,
-                   "name a curve database; 'pelmora import' takes runs from a stand's database"});
-  }
+  if (!tables.hasBegun("meter") && !tables.hasBegun("series"))
+    throw withoutCurves(path, std::move(sheet));
   for (const SchemaTable& table : curveTables()) {
     if (!tables.hasBegun(table.Name))
       sheet.missing.push_back({table.Name, "", "the file has no such table"});
@@ -240,6 +257,10 @@ ProofSheet importInto(const std::string& path, const Database& lab, const Observ
 }
 
 }  // namespace
+
+NoCurveDatabase::NoCurveDatabase(FailureText text, ProofSheet sheet)
+    : BadData(std::move(text)), sheet_(std::move(sheet)) {}
+NoCurveDatabase::~NoCurveDatabase() = default;
 
 ProofSheet importAccess(const std::string& path, const std::string& location, OpenOptions options,
                         const Observer& observer) {

@@ -93,6 +93,42 @@ TEST_F(import_access, leaves_no_file_behind_where_it_fails) {
   EXPECT_TRUE(std::filesystem::is_empty(scratch.path()));
 }
 
+TEST_F(import_access, counts_the_tables_of_a_file_without_a_curve_database) {
+  try {
+    (void)cal::importAccess(oldFile("types.mdb"), curves);
+    ADD_FAILURE() << "imported";
+  } catch (const cal::NoCurveDatabase& other) {
+    // The writer of the file counted them, in the README of the data.
+    std::map<std::string, std::uint64_t> rows;
+    for (const cal::ProofTable& table : other.sheet().otherTables) {
+      EXPECT_EQ(table.expected, table.read) << table.name;
+      rows[table.name] = table.read;
+    }
+    EXPECT_EQ(rows, (std::map<std::string, std::uint64_t>{
+                        {"AllTypes", 7}, {"Memos", 48}, {"Churn", 320}, {"order by", 2}}));
+    EXPECT_FALSE(other.sheet().isComplete());
+  }
+}
+
+TEST_F(import_access, damage_that_hides_all_tables_is_named) {
+  std::string bytes = readWholeFile(oldFile("curves.mdb"));
+  // The first page of the list of tables: a page of rows that belongs to the definition on page 2.
+  for (std::size_t at = 0; at < bytes.size(); at += 4096) {
+    if (bytes.compare(at, 2, "\x01\x01") == 0 &&
+        bytes.compare(at + 4, 4, std::string("\x02\0\0\0", 4)) == 0)
+      std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), 4096, '\0');
+  }
+  std::ofstream(scratch.file("damaged.mdb"), std::ios::binary) << bytes;
+  try {
+    (void)cal::importAccess(scratch.file("damaged.mdb"), curves);
+    ADD_FAILURE() << "imported";
+  } catch (const cal::NoCurveDatabase& damaged) {
+    EXPECT_THAT(damaged.what(), HasSubstr("no curve database can be read"));
+    EXPECT_THAT(damaged.what(), HasSubstr("the list of tables"));
+    EXPECT_THAT(damaged.remedy(), HasSubstr("repair it in Access"));
+  }
+}
+
 TEST_F(import_access, does_not_mix_two_databases) {
   (void)cal::importAccess(oldFile("curves.mdb"), curves);
   EXPECT_THROW((void)cal::importAccess(oldFile("curves.mdb"), curves), cal::Exists);

@@ -93,6 +93,13 @@ TEST_F(import_access_command, copies_the_rest_of_a_damaged_file_and_ends_with_5)
   }
 }
 
+TEST_F(import_access_command, shows_what_a_file_without_a_curve_database_holds) {
+  const CommandResult result = run({"import-access", accessFile("stand.mdb"), curves});
+  EXPECT_EQ(result.exitCode, 5);
+  EXPECT_THAT(result.output, AllOf(HasSubstr("Not part of a curve database"),
+                                   HasSubstr("DataPoint        97    97")));
+}
+
 TEST_F(import_access_command, leaves_nothing_behind_if_it_cannot_read_the_file) {
   EXPECT_THAT(trouble(5, {"import-access", accessFile("stand.mdb"), curves}),
               HasSubstr("holds no curve database"));

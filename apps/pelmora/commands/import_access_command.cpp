@@ -27,6 +27,18 @@ struct ImportAccessRequest {
   bool asJson = false;
 };
 
+void print(const ImportAccessRequest& request, const std::string& heading,
+           const calibration::ProofSheet& sheet) {
+  if (request.asJson) {
+    nlohmann::json value = proofJson(sheet);
+    value["file"] = request.file;
+    value["database"] = request.curves.path;
+    return printData(report::jsonText(value));
+  }
+  printData(wrapped(heading, 0) + "\n" + proofText(sheet) +
+            (sheet.isComplete() ? "\n" + wrapped("Nothing is missing.", 0) : ""));
+}
+
 calibration::ProofSheet imported(const ImportAccessRequest& request) {
   Progress progress;
   calibration::OpenOptions options;
@@ -39,6 +51,9 @@ calibration::ProofSheet imported(const ImportAccessRequest& request) {
   try {
     return calibration::importAccess(request.file, request.curves.path, std::move(options),
                                      observer);
+  } catch (const calibration::NoCurveDatabase& other) {
+    print(request, "Read from " + request.file + ":", other.sheet());
+    throw Trouble(ExitCode::badInput, other.what(), other.remedy() + "; nothing was stored");
   } catch (const calibration::NotFound& missing) {
     throw Trouble(ExitCode::database, missing.what(), missing.remedy());
   } catch (const calibration::Damaged& damaged) {
@@ -49,16 +64,7 @@ calibration::ProofSheet imported(const ImportAccessRequest& request) {
 void importAccess(const ImportAccessRequest& request) {
   const calibration::ProofSheet sheet = imported(request);
   noteStored();
-  if (request.asJson) {
-    nlohmann::json value = proofJson(sheet);
-    value["file"] = request.file;
-    value["database"] = request.curves.path;
-    printData(report::jsonText(value));
-  } else {
-    printData(wrapped("Copied from " + request.file + " into " + request.curves.path + ":", 0) +
-              "\n" + proofText(sheet) +
-              (sheet.isComplete() ? "\n" + wrapped("Nothing is missing.", 0) : ""));
-  }
+  print(request, "Copied from " + request.file + " into " + request.curves.path + ":", sheet);
   if (sheet.isComplete()) return;
   throw Trouble(ExitCode::badInput, "not everything in '" + request.file + "' was copied",
                 "'" + request.curves.path +

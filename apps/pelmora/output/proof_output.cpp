@@ -32,15 +32,38 @@ std::string checksumText(const ProofTable& table) {
   return "differs";
 }
 
+std::string expectedText(const ProofTable& table) {
+  return table.expected ? std::to_string(*table.expected) : "unknown";
+}
+
+nlohmann::json expectedJson(const ProofTable& table) {
+  return table.expected ? nlohmann::json(*table.expected) : nlohmann::json();
+}
+
+std::string copiedText(const ProofSheet& sheet) {
+  if (sheet.tables.empty()) return "";
+  TextTable table({{"Table", Align::left},
+                   {"Expected", Align::right},
+                   {"Read", Align::right},
+                   {"Written", Align::right},
+                   {"Empty values", Align::right},
+                   {"Checksum", Align::left}});
+  for (const ProofTable& proof : sheet.tables) {
+    table.addRow({proof.name, expectedText(proof), std::to_string(proof.read),
+                  std::to_string(proof.written), std::to_string(proof.empty), checksumText(proof)});
+  }
+  return table.text();
+}
+
 std::string gapText(const ProofGap& gap) {
   std::string place = gap.table.empty() ? "" : "table " + gap.table;
   if (!gap.place.empty()) place += (place.empty() ? "" : ", ") + gap.place;
-  return place + ": " + gap.reason + ".";
+  return (place.empty() ? "" : place + ": ") + gap.reason + ".";
 }
 
 std::string gapsText(const ProofSheet& sheet) {
   if (sheet.missing.empty()) return "";
-  std::string text = "\n" + wrapped("Missing:", 0);
+  std::string text = wrapped("Missing:", 0);
   const std::size_t shown = std::min(sheet.missing.size(), mostGapsShown);
   for (std::size_t i = 0; i < shown; ++i) text += wrapped(gapText(sheet.missing[i]), 2);
   if (shown < sheet.missing.size())
@@ -51,43 +74,46 @@ std::string gapsText(const ProofSheet& sheet) {
 
 std::string othersText(const ProofSheet& sheet) {
   if (sheet.otherTables.empty()) return "";
-  std::string names;
-  for (const std::string& name : sheet.otherTables) names += (names.empty() ? "" : ", ") + name;
-  return "\n" +
-         wrapped("Tables that are not part of a curve database, not copied: " + names + ".", 0);
+  TextTable table({{"Table", Align::left},
+                   {"Expected", Align::right},
+                   {"Read", Align::right},
+                   {"Checksum", Align::left}});
+  for (const ProofTable& other : sheet.otherTables) {
+    table.addRow(
+        {other.name, expectedText(other), std::to_string(other.read), hexText(other.checksumRead)});
+  }
+  return wrapped("Not part of a curve database, and not copied:", 0) + "\n" + table.text();
 }
 
 }  // namespace
 
 std::string proofText(const ProofSheet& sheet) {
-  TextTable table({{"Table", Align::left},
-                   {"Expected", Align::right},
-                   {"Read", Align::right},
-                   {"Written", Align::right},
-                   {"Empty values", Align::right},
-                   {"Checksum", Align::left}});
-  for (const ProofTable& proof : sheet.tables) {
-    table.addRow({proof.name, proof.expected ? std::to_string(*proof.expected) : "unknown",
-                  std::to_string(proof.read), std::to_string(proof.written),
-                  std::to_string(proof.empty), checksumText(proof)});
+  std::string text;
+  for (const std::string& section : {copiedText(sheet), gapsText(sheet), othersText(sheet)}) {
+    if (!section.empty()) text += (text.empty() ? "" : "\n") + section;
   }
-  return table.text() + gapsText(sheet) + othersText(sheet);
+  return text;
 }
 
 nlohmann::json proofJson(const ProofSheet& sheet) {
   nlohmann::json value{{"complete", sheet.isComplete()},
                        {"tables", nlohmann::json::array()},
                        {"missing", nlohmann::json::array()},
-                       {"otherTables", sheet.otherTables}};
+                       {"otherTables", nlohmann::json::array()}};
   for (const ProofTable& table : sheet.tables) {
-    value["tables"].push_back(
-        {{"table", table.name},
-         {"expected", table.expected ? nlohmann::json(*table.expected) : nlohmann::json()},
-         {"read", table.read},
-         {"written", table.written},
-         {"emptyValues", table.empty},
-         {"checksumRead", hexText(table.checksumRead)},
-         {"checksumWritten", hexText(table.checksumWritten)}});
+    value["tables"].push_back({{"table", table.name},
+                               {"expected", expectedJson(table)},
+                               {"read", table.read},
+                               {"written", table.written},
+                               {"emptyValues", table.empty},
+                               {"checksumRead", hexText(table.checksumRead)},
+                               {"checksumWritten", hexText(table.checksumWritten)}});
+  }
+  for (const ProofTable& table : sheet.otherTables) {
+    value["otherTables"].push_back({{"table", table.name},
+                                    {"expected", expectedJson(table)},
+                                    {"read", table.read},
+                                    {"checksumRead", hexText(table.checksumRead)}});
   }
   for (const ProofGap& gap : sheet.missing) {
     value["missing"].push_back(

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <pelmora/calibration/database.h>
+#include <pelmora/calibration/failure.h>
 #include <pelmora/calibration/observer.h>
 #include <pelmora/export.h>
 
@@ -23,7 +24,7 @@ struct ProofTable {
   // has marked as empty looks like one that always was.
   std::uint64_t empty = 0;
   // Of every number and text that was read for this table, and of those that the new database gives
-  // back, in whatever order the rows come. Equal for equal values, numbers bit for bit.
+  // back, in any order of the rows. Equal for equal values, numbers bit for bit.
   std::uint64_t checksumRead = 0, checksumWritten = 0;
 
   [[nodiscard]] bool isWhole() const {
@@ -41,7 +42,9 @@ struct ProofGap {
 struct ProofSheet {
   std::vector<ProofTable> tables;  // all tables of a curve database
   std::vector<ProofGap> missing;
-  std::vector<std::string> otherTables;  // of the file, which are not part of a curve database
+  // Those of the file that are not part of a curve database. They are read and counted, not copied;
+  // `written`, `empty` and `checksumWritten` are 0.
+  std::vector<ProofTable> otherTables;
 
   [[nodiscard]] bool isComplete() const;
 };
@@ -53,15 +56,27 @@ inline bool ProofSheet::isComplete() const {
   return missing.empty();
 }
 
+// The file holds no curve database, or its tables cannot be found because of damage.
+class PELMORA_API NoCurveDatabase : public BadData {
+ public:
+  NoCurveDatabase(FailureText text, ProofSheet sheet);
+  ~NoCurveDatabase() override;
+
+  // What the file holds instead.
+  [[nodiscard]] const ProofSheet& sheet() const noexcept { return sheet_; }
+
+ private:
+  ProofSheet sheet_;
+};
+
 // Reads the Access file at `path` and writes its curve database to `location`, with all ids, in one
 // transaction. If there is no file at `location`, a curve database is created; an existing one must
 // be empty. A row or value that cannot be read or stored is left out and listed; everything else is
 // copied.
 //
 // Errors: NotFound if there is no file at `path`; Damaged if it is not an Access file or cannot be
-//         read at all; Unusable if this build cannot read Access files; BadData if the file holds
-//         no curve database; Exists if the curve database at `location` holds rows; Locked;
-//         Cancelled. Nothing is stored then.
+//         read at all; Unusable if this build cannot read Access files; NoCurveDatabase; Exists if
+//         the curve database at `location` holds rows; Locked; Cancelled. Nothing is stored then.
 PELMORA_API ProofSheet importAccess(const std::string& path, const std::string& location,
                                     OpenOptions options = {}, const Observer& observer = {});
 

@@ -70,5 +70,38 @@ TEST(damaged_access_row, that_is_marked_as_deleted_is_missed_by_the_files_own_co
   EXPECT_EQ(read.tables.at("series").rows.size(), 3U);
 }
 
+// The places, in the bytes of a file, of fields that refer to a long value in a row of its own: its
+// length, the kind of storage, row and page, and four unused bytes.
+std::vector<std::size_t> longFields(const std::string& bytes) {
+  std::vector<std::size_t> fields;
+  for (std::size_t at = 0; at + 12 <= bytes.size(); ++at) {
+    if (bytes[at + 3] != 0x40 || bytes[at + 7] != 0 || bytes[at + 2] != 0) continue;
+    const std::size_t page = 4096 * (static_cast<unsigned char>(bytes[at + 5]) +
+                                     256U * static_cast<unsigned char>(bytes[at + 6]));
+    if (page != 0 && page < bytes.size() && bytes.compare(page + 4, 4, "LVAL") == 0)
+      fields.push_back(at);
+  }
+  return fields;
+}
+
+TEST(damaged_access_memo, that_two_rows_refer_to_is_read_once) {
+  const std::string bytes = readWholeFile(accessData("types.mdb"));
+  const std::vector<std::size_t> fields = longFields(bytes);
+  ASSERT_GT(fields.size(), 4U);
+  const CollectedTables original = readAll(accessData("types.mdb"));
+  const ScratchFolder folder;
+  std::size_t found = 0;
+  for (std::size_t i = 1; i < fields.size(); ++i) {
+    std::string damaged = bytes;
+    damaged.replace(fields[i], 8, bytes, fields[i - 1], 8);
+    writeBytes(folder.file("a.mdb"), damaged);
+    const Outcome outcome = readDamaged(folder.file("a.mdb"), original);
+    EXPECT_NE(outcome.ending, Ending::changed);
+    EXPECT_NE(outcome.ending, Ending::silent);
+    if (outcome.message.find("is used twice") != std::string::npos) ++found;
+  }
+  EXPECT_GT(found, 4U);
+}
+
 }  // namespace
 }  // namespace pelmora::test

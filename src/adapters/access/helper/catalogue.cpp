@@ -87,7 +87,8 @@ std::vector<CatalogueEntry> readCatalogue(const PageFile& file,
       report({LeftOutNote::Kind::damage, 0, "", damage.what()});
     }
   };
-  (void)readRows(file, table, columns, {add, report});
+  LongValues longValues(file);
+  (void)readRows(file, table, columns, longValues, {add, report});
   return entries;
 }
 

@@ -3,7 +3,6 @@
 
 #include "adapters/access/helper/exact_text.h"
 #include "adapters/access/helper/jet_text.h"
-#include "adapters/access/helper/long_value.h"
 
 #include <bit>
 #include <cmath>
@@ -47,7 +46,7 @@ std::optional<OwnColumnType> typeFor(const AccessColumn& column) {
   }
 }
 
-Value fieldValue(const PageFile& file, const AccessColumn& column, Bytes field) {
+Value fieldValue(LongValues& longValues, const AccessColumn& column, Bytes field) {
   const std::size_t size = sizeOfType(column.type);
   if (size != 0 && field.size() != size) throw Damage("it has a wrong size");
   switch (column.type) {
@@ -59,9 +58,9 @@ Value fieldValue(const PageFile& file, const AccessColumn& column, Bytes field) 
     case MDB_DOUBLE: return finite(std::bit_cast<double>(numberAt(field, 0, 8)));
     case MDB_DATETIME: return dateText(finite(std::bit_cast<double>(numberAt(field, 0, 8))));
     case MDB_BINARY: return hexText(field);
-    case MDB_OLE: return hexText(longValue(file, field));
+    case MDB_OLE: return hexText(longValues.read(field));
     case MDB_TEXT: return textOf(field, column.size / 2);
-    case MDB_MEMO: return textOf(longValue(file, field), unitsOfAnyLength);
+    case MDB_MEMO: return textOf(longValues.read(field), unitsOfAnyLength);
     case MDB_REPID: return identityText(field);
     case MDB_NUMERIC: return decimalText(field, column.scale);
     default: throw Damage("it is of an unknown type");

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "adapters/access/helper/long_value.h"
 #include "adapters/access/helper/table_definition.h"
 
 #include <pelmora/own_tables.h>
@@ -19,6 +20,6 @@ namespace pelmora::access {
 
 // A field that is not null, of any column but a yes/no.
 // Errors: Damage.
-[[nodiscard]] Value fieldValue(const PageFile& file, const AccessColumn& column, Bytes field);
+[[nodiscard]] Value fieldValue(LongValues& longValues, const AccessColumn& column, Bytes field);
 
 }  // namespace pelmora::access

@@ -1,11 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/access/helper/long_value.h"
 
-#include "adapters/access/helper/data_page.h"
-#include "adapters/access/message.h"
-
-#include <set>
-
 namespace pelmora::access {
 namespace {
 
@@ -20,39 +15,44 @@ void append(std::vector<unsigned char>& value, Bytes bytes) {
   value.insert(value.end(), bytes.begin(), bytes.end());
 }
 
-// Each row of a chain begins with the place of the next one.
-void followChain(const PageFile& file, RowPlace place, std::size_t length,
-                 std::vector<unsigned char>& value) {
-  std::set<RowPlace> seen;
-  while (place.page != 0) {
-    if (!seen.insert(place).second) throw Damage("the long value leads in a circle");
-    const DataPage page(file, place.page, DataPage::longValues);
-    const Bytes row = page.row(place.row);
-    if (page.kind(place.row) != DataPage::RowKind::own)
-      throw Damage("the long value is deleted at " + placeText(place));
-    place = rowPlaceAt(row, 0);
-    append(value, row.subspan(nextPlaceSize));
-    if (value.size() > length) return;  // wrong already
-  }
-}
-
 }  // namespace
 
-std::vector<unsigned char> longValue(const PageFile& file, Bytes field) {
+Bytes LongValues::take(const DataPage& page, RowPlace place) {
+  const Bytes row = page.row(place.row);
+  if (page.kind(place.row) != DataPage::RowKind::own)
+    throw Damage("the long value is deleted at " + placeText(place));
+  if (!taken_.insert(place).second)
+    throw Damage("the long value at " + placeText(place) + " is used twice");
+  return row;
+}
+
+std::vector<unsigned char> LongValues::oneRow(RowPlace place) {
+  const DataPage page(file_, place.page, DataPage::longValues);
+  std::vector<unsigned char> value;
+  append(value, take(page, place));
+  return value;
+}
+
+// Each row of a chain begins with the place of the next one.
+std::vector<unsigned char> LongValues::chain(RowPlace place, std::size_t length) {
+  std::vector<unsigned char> value;
+  while (place.page != 0 && value.size() <= length) {
+    const DataPage page(file_, place.page, DataPage::longValues);
+    const Bytes row = take(page, place);
+    place = rowPlaceAt(row, 0);
+    append(value, row.subspan(nextPlaceSize));
+  }
+  return value;
+}
+
+std::vector<unsigned char> LongValues::read(Bytes field) {
   if (field.size() < fieldHead) throw Damage("the long value is cut off");
   const std::size_t length = u24(field, 0);
   std::vector<unsigned char> value;
   switch (static_cast<Storage>(field[3])) {
     case Storage::here: append(value, field.subspan(fieldHead)); break;
-    case Storage::oneRow: {
-      const RowPlace place = rowPlaceAt(field, placeAt);
-      const DataPage page(file, place.page, DataPage::longValues);
-      append(value, page.row(place.row));
-      if (page.kind(place.row) != DataPage::RowKind::own)
-        throw Damage("the long value is deleted at " + placeText(place));
-      break;
-    }
-    case Storage::chain: followChain(file, rowPlaceAt(field, placeAt), length, value); break;
+    case Storage::oneRow: value = oneRow(rowPlaceAt(field, placeAt)); break;
+    case Storage::chain: value = chain(rowPlaceAt(field, placeAt), length); break;
     default: throw Damage("the long value is in a place of an unknown kind");
   }
   if (value.size() != length) {

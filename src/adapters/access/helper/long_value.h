@@ -2,14 +2,32 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "adapters/access/helper/page_file.h"
+#include "adapters/access/helper/data_page.h"
 
+#include <set>
 #include <vector>
 
 namespace pelmora::access {
 
-// The bytes that a row's field of such a column refers to.
-// Errors: Damage, also if their number differs from the one in the field.
-[[nodiscard]] std::vector<unsigned char> longValue(const PageFile& file, Bytes field);
+// Knows which places have been read: a value belongs to one field, so that all values together are
+// no longer than the file, whatever damaged fields refer to.
+class LongValues {
+ public:
+  // `file` must outlive the object.
+  explicit LongValues(const PageFile& file) : file_(file) {}
+
+  // The bytes that a row's field of such a column refers to.
+  // Errors: Damage, also if their number differs from the one in the field, or if another field has
+  //         the value already.
+  [[nodiscard]] std::vector<unsigned char> read(Bytes field);
+
+ private:
+  [[nodiscard]] Bytes take(const DataPage& page, RowPlace place);
+  [[nodiscard]] std::vector<unsigned char> oneRow(RowPlace place);
+  [[nodiscard]] std::vector<unsigned char> chain(RowPlace place, std::size_t length);
+
+  const PageFile& file_;
+  std::set<RowPlace> taken_;
+};
 
 }  // namespace pelmora::access

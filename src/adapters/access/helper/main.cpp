@@ -43,7 +43,8 @@ class Output {
   std::string bytes_;
 };
 
-void sendTable(const PageFile& file, const CatalogueEntry& entry, Output& output) {
+void sendTable(const PageFile& file, const CatalogueEntry& entry, LongValues& longValues,
+               Output& output) {
   const auto leftOut = [&](const LeftOutNote& note) { output.send(note); };
   AccessTable table;
   table.name = entry.name;
@@ -75,8 +76,8 @@ void sendTable(const PageFile& file, const CatalogueEntry& entry, Output& output
   for (const LeftOutNote& note : notes) leftOut(note);
   std::uint64_t sent = 0;
   if (!readable.empty()) {
-    sent =
-        readRows(file, table, readable, {[&](const TableRow& row) { output.send(row); }, leftOut});
+    const auto row = [&](const TableRow& one) { output.send(one); };
+    sent = readRows(file, table, readable, longValues, {row, leftOut});
   }
   output.send(TableEnd{sent});
 }
@@ -86,10 +87,11 @@ void sendFile(const std::string& path, Output& output) {
   const auto leftOut = [&](const LeftOutNote& note) { output.send(note); };
   if (file.bytesBehind() != 0) {
     leftOut({LeftOutNote::Kind::damage, 0, "the end of the file",
-             "it was cut off in the middle of page " + std::to_string(file.pageCount())});
+             "the file ends in the middle of page " + std::to_string(file.pageCount())});
   }
   const auto entries = readCatalogue(file, leftOut);
-  for (const CatalogueEntry& entry : entries) sendTable(file, entry, output);
+  LongValues longValues(file);
+  for (const CatalogueEntry& entry : entries) sendTable(file, entry, longValues, output);
   if (file.hasChanged())
     throw Unreadable("another program changed it while it was read. Try again");
   output.send(AllRead{entries.size()});

@@ -13,8 +13,9 @@ namespace {
 class TableScan {
  public:
   TableScan(const PageFile& file, const AccessTable& table,
-            const std::vector<AccessColumn>& columns, const RowReceiver& into)
-      : file_(file), table_(table), columns_(columns), into_(into) {}
+            const std::vector<AccessColumn>& columns, LongValues& longValues,
+            const RowReceiver& into)
+      : file_(file), table_(table), columns_(columns), longValues_(longValues), into_(into) {}
 
   std::uint64_t run() {
     std::vector<LeftOutNote> pages;
@@ -94,15 +95,16 @@ class TableScan {
     for (const LeftOutNote& one : notes) into_.leftOut(one);
   }
 
-  Value valueOf(const RowFields& fields, const AccessColumn& column) const {
+  Value valueOf(const RowFields& fields, const AccessColumn& column) {
     if (column.type == MDB_BOOL) return std::int64_t{fields.bit(column) ? 1 : 0};
     const auto field = fields.field(column);
-    return field ? fieldValue(file_, column, *field) : Value();
+    return field ? fieldValue(longValues_, column, *field) : Value();
   }
 
   const PageFile& file_;
   const AccessTable& table_;
   const std::vector<AccessColumn>& columns_;
+  LongValues& longValues_;
   const RowReceiver& into_;
   std::set<RowPlace> targets_;
   std::uint64_t sent_ = 0, leftOut_ = 0;
@@ -111,8 +113,9 @@ class TableScan {
 }  // namespace
 
 std::uint64_t readRows(const PageFile& file, const AccessTable& table,
-                       const std::vector<AccessColumn>& columns, const RowReceiver& into) {
-  return TableScan(file, table, columns, into).run();
+                       const std::vector<AccessColumn>& columns, LongValues& longValues,
+                       const RowReceiver& into) {
+  return TableScan(file, table, columns, longValues, into).run();
 }
 
 }  // namespace pelmora::access

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "adapters/access/helper/long_value.h"
 #include "adapters/access/helper/table_definition.h"
 #include "adapters/access/message.h"
 
@@ -19,6 +20,7 @@ struct RowReceiver {
 // be read have a note too, and so has a table whose number of rows differs from its own count.
 // Returns the number of rows.
 std::uint64_t readRows(const PageFile& file, const AccessTable& table,
-                       const std::vector<AccessColumn>& columns, const RowReceiver& into);
+                       const std::vector<AccessColumn>& columns, LongValues& longValues,
+                       const RowReceiver& into);
 
 }  // namespace pelmora::access
