@@ -70,6 +70,28 @@ TEST(damaged_access_row, that_is_marked_as_deleted_is_missed_by_the_files_own_co
   EXPECT_EQ(read.tables.at("series").rows.size(), 3U);
 }
 
+// Page 60 of this file defines the table raw1: three columns, no texts.
+TEST(damaged_access_row, that_has_more_than_its_number_of_columns_is_listed) {
+  std::string bytes = readWholeFile(accessData("curves.mdb"));
+  std::size_t cut = 0;
+  for (const std::size_t page : OnePageDamaged::pagesOf(bytes, std::string("\x01\x01", 2))) {
+    if (bytes.compare(page + 4, 4, std::string("\x3C\0\0\0", 4)) != 0 || cut != 0) continue;
+    const std::size_t row = page + static_cast<unsigned char>(bytes[page + 14]) +
+                            256U * static_cast<unsigned char>(bytes[page + 15]);
+    ASSERT_EQ(bytes[row], 3);
+    bytes[row] = 1;
+    ++cut;
+  }
+  ASSERT_EQ(cut, 1U);
+  const ScratchFolder folder;
+  writeBytes(folder.file("a.mdb"), bytes);
+  const CollectedTables read = readAll(folder.file("a.mdb"));
+  const std::vector<LeftOut>& leftOut = read.tables.at("raw1").leftOut;
+  ASSERT_EQ(leftOut.size(), 2U);
+  EXPECT_NE(leftOut[0].Place.find("column Roshko"), std::string::npos) << leftOut[0].Place;
+  EXPECT_EQ(leftOut[0].Reason, "its row's number of columns is damaged");
+}
+
 // The places, in the bytes of a file, of fields that refer to a long value in a row of its own: its
 // length, the kind of storage, row and page, and four unused bytes.
 std::vector<std::size_t> longFields(const std::string& bytes) {

@@ -11,7 +11,10 @@ constexpr std::size_t startSize = 2;
 
 }  // namespace
 
-RowFields::RowFields(const AccessTable& table, Bytes row) : row_(row), columns_(u16(row, 0)) {
+RowFields::RowFields(const AccessTable& table, Bytes row)
+    : row_(row),
+      columns_(u16(row, 0)),
+      hasDeletedColumns_(table.columns.size() < table.mostColumns) {
   if (columns_ == 0 || columns_ > table.mostColumns)
     throw Damage("its number of columns is damaged");
   const std::size_t bitBytes = (columns_ + 7) / 8;
@@ -51,13 +54,23 @@ bool RowFields::bit(const AccessColumn& column) const {
 }
 
 std::optional<Bytes> RowFields::field(const AccessColumn& column) const {
-  if (column.number >= columns_) return std::nullopt;
+  if (column.number >= columns_) {
+    if (contradicts(column)) throw Damage("its row's number of columns is damaged");
+    return std::nullopt;
+  }
   const bool isNull = !bit(column);
   // The bytes of a fixed field that is null may be those of an earlier value.
   if (column.isFixed) return isNull ? std::nullopt : std::optional(fixedField(column));
   const Bytes own = variableField(column, isNull);
   if (isNull && !own.empty()) throw Damage("it is marked as empty, but there is a value");
   return isNull ? std::nullopt : std::optional(own);
+}
+
+// The place of a deleted column may be in use again.
+bool RowFields::contradicts(const AccessColumn& column) const {
+  if (hasDeletedColumns_) return false;
+  return column.isFixed ? head + column.fixedAt + column.size <= fixedEnd_
+                        : column.variable < variableCount_;
 }
 
 Bytes RowFields::fixedField(const AccessColumn& column) const {

@@ -22,6 +22,8 @@ class RowFields {
 
  private:
   void readVariable(Bytes before);
+  // Whether the row says that it is older than the column, and holds something for it all the same.
+  [[nodiscard]] bool contradicts(const AccessColumn& column) const;
   [[nodiscard]] Bytes fixedField(const AccessColumn& column) const;
   [[nodiscard]] Bytes variableField(const AccessColumn& column, bool isNull) const;
   // Where variable field `i` begins, counted from the start of the row.
@@ -29,6 +31,7 @@ class RowFields {
 
   Bytes row_, bits_, starts_;
   std::size_t columns_ = 0, variableCount_ = 0, fixedEnd_ = 0;
+  bool hasDeletedColumns_ = false;
 };
 
 }  // namespace pelmora::access
