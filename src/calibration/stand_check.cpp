@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "calibration/stand_check.h"
 
+#include "calibration/session.h"
 #include "store/point_rows.h"
 
 #include <pelmora/calibration/failure.h>
@@ -26,13 +27,21 @@ constexpr std::array<Reading, 6> commonReadings{{{1, "time of the reference", fa
 constexpr std::array<Reading, 2> rotorBReadings{
     {{20, "time of rotor B", false}, {21, "pulses of rotor B", false}}};
 
+ValueTable pointsOf(const Stand& stand, const std::string& job, const std::string& place) {
+  try {
+    return standPoints(stand.connection(), job);
+  } catch (const Error& error) {
+    throwFailure(place + ": its points cannot be read", stand.location(), error);
+  }
+}
+
 // The points of one job.
 class JobCheck {
  public:
   JobCheck(const Stand& stand, const std::string& job)
       : location_(stand.location()),
         place_("stand '" + stand.location() + "', job " + job),
-        points_(standPoints(stand.connection(), job)) {
+        points_(pointsOf(stand, job, place_)) {
     if (points_.rows() <= static_cast<std::size_t>(mostPoints)) return;
     throw BadData({place_ + ": " + std::to_string(points_.rows()) +
                        " points; a series holds at most " + std::to_string(mostPoints),

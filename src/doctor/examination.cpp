@@ -3,16 +3,37 @@
 
 #include "doctor/checks.h"
 
+#include "store/table_design.h"
+
 #include <algorithm>
 
 namespace pelmora::doctor {
 
+namespace {
+
+// Of a database that cannot be changed, indexes and own tables are not missed.
+void examineDesign(const ConnectionPtr& curves, Findings& findings) {
+  if (!isReadOnly(curves)) {
+    checkIndexes(curves, findings);
+    checkTables(curves, findings);
+    return;
+  }
+  for (Finding& finding : findings) {
+    if (!finding.canBeRepaired) continue;
+    finding.canBeRepaired = false;
+    finding.remedy = "copy it into a new curve database and repair that";
+  }
+}
+
+}  // namespace
+
 std::vector<Finding> examine(const ConnectionPtr& curves) {
   Findings findings;
   for (const auto check : {checkSalvagedParts, checkNumbers, checkNaming, checkNames, checkOrphans,
-                           checkPoints, checkCurveAges, checkIndexes, checkTables}) {
+                           checkPoints, checkCurveAges}) {
     check(curves, findings);
   }
+  examineDesign(curves, findings);
   std::stable_sort(findings.begin(), findings.end(),
                    [](const Finding& a, const Finding& b) { return a.severity > b.severity; });
   return findings;

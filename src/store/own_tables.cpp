@@ -48,6 +48,8 @@ void createIndex(const ConnectionPtr& curves, const TableIndex& index) {
   designOf(curves).createIndex(index);
 }
 
+bool isReadOnly(const ConnectionPtr& curves) { return designOf(curves).isReadOnly(); }
+
 ReadView::ReadView(ConnectionPtr curves) : curves_(std::move(curves)) {
   transactionsOf(curves_).beginReading();
 }

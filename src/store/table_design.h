@@ -19,6 +19,10 @@ class PELMORA_API TableDesign {
   [[nodiscard]] virtual bool hasIndex(std::string_view table,
                                       std::span<const std::string> columns) const = 0;
   virtual void createIndex(const TableIndex& index) = 0;
+  // Whether nobody can change the tables through this connection.
+  [[nodiscard]] virtual bool isReadOnly() const = 0;
 };
+
+[[nodiscard]] PELMORA_API bool isReadOnly(const ConnectionPtr& curves);
 
 }  // namespace pelmora

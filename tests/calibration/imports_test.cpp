@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/calibration/service_fixture.h"
+#include "tests/support/plain_sqlite.h"
 #include "tests/support/stand_export.h"
 
 #include <fstream>
@@ -58,6 +59,20 @@ TEST_F(Imports, fluids_and_operators_may_have_apostrophes) {
                        {{"1001", "Ada's oil", "O'Neil"}});
   EXPECT_EQ(db_.runs(meter_).front().fluid, "Ada's oil");
   EXPECT_EQ(db_.runs(meter_).front().operatorName, "O'Neil");
+}
+
+TEST_F(Imports, a_stand_without_a_column_is_named) {
+  const std::string file = path() + ".stand.db";
+  {
+    pelmora::test::PlainSqlite other(file);
+    other.run("create table DataPoint (JobRecordID, V1); insert into DataPoint values (7, 1.5)");
+  }
+  const Stand stand(file);
+  const auto failure = failureOf<pelmora::calibration::Unusable>([&] {
+    (void)db_.importRuns(meter_, stand, {{"7", "oil", ""}});
+  });
+  EXPECT_THAT(failure.what(), HasSubstr("stand.db', job 7: its points cannot be read"));
+  EXPECT_THAT(failure.what(), HasSubstr("'V2' is no column of DataPoint"));
 }
 
 TEST_F(Imports, a_reading_that_cannot_be_used_stops_everything) {

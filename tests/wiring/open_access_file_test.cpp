@@ -45,6 +45,17 @@ TEST(open_access_file, serves_operations_that_only_read) {
   EXPECT_EQ(cal::Stand(accessFile("stand.mdb")).jobs().size(), 3U);
 }
 
+TEST(open_access_file, is_examined_without_repairs_that_it_does_not_allow) {
+  namespace cal = pelmora::calibration;
+  const cal::Database lab = cal::open(accessFile("curves.mdb"), {.mode = cal::Mode::read});
+  const std::vector<cal::Finding> findings = lab.examine();
+  EXPECT_FALSE(findings.empty());
+  for (const cal::Finding& finding : findings) {
+    EXPECT_FALSE(finding.canBeRepaired) << finding.id;
+    EXPECT_NE(finding.remedy, "") << finding.id;
+  }
+}
+
 TEST(open_access_file, is_no_target_of_a_stands_rows) {
   const ConnectionPtr stand = openDatabase(accessFile("stand.mdb"));
   try {

@@ -105,6 +105,8 @@ void SqliteConnection::createIndex(const TableIndex& index) {
   session().design(createIndexStatement(index));
 }
 
+bool SqliteConnection::isReadOnly() const { return session().isFrozen(); }
+
 void SqliteConnection::begin() { session().begin(); }
 
 void SqliteConnection::beginReading() { session().beginReading(); }

@@ -50,6 +50,7 @@ class SqliteConnection : public Connection,
   [[nodiscard]] bool hasIndex(std::string_view table,
                               std::span<const std::string> columns) const override;
   void createIndex(const TableIndex& index) override;
+  [[nodiscard]] bool isReadOnly() const override;
 
   void begin() override;
   void beginReading() override;

@@ -44,6 +44,7 @@ class SqliteSession : public sql::RowSource {
   // From now on the database's own tables may only be read. `why` goes into the error of statements
   // that would change them.
   void freeze(const std::string& why) { whyFrozen_ = why; }
+  [[nodiscard]] bool isFrozen() const { return whyFrozen_.has_value(); }
   // Errors: Error updateRefused if the tables may only be read, or if the engine has undone the
   //         transaction that is open: what follows must not be stored alone.
   void requireWritable() const;
