@@ -1,5 +1,6 @@
 // Access files through the driver that a location gets.
 // SPDX-License-Identifier: MIT
+#include "component/import_caldb.h"
 #include "tests/support/curve_database.h"
 #include "tests/support/places.h"
 
@@ -65,6 +66,32 @@ TEST(open_access_file, is_no_target_of_a_stands_rows) {
   } catch (const Error& error) {
     EXPECT_THAT(error.what(), HasSubstr("is an Access file, which cannot be changed here"));
   }
+}
+
+class access_stand : public CurveDatabaseTest {};
+
+TEST_F(access_stand, gives_hosts_the_points_of_a_job) {
+  addMeter(7, "M1", 0);
+  CalibrationImport wanted;
+  wanted.MeterSN = "M1";
+  wanted.JobID_RawA = {"1043"};
+  wanted.JobID_RawB = {""};
+  wanted.FluidName = {"Oil"};
+  wanted.OperatorName = {"Ada"};
+  wanted.Create_RotorA = true;
+  const ConnectionPtr stand = openDatabase(accessFile("stand.mdb"));
+  const MeterInfo meter = importCaldb(context, wanted, stand, curves());
+  EXPECT_THAT(boxes, testing::IsEmpty());
+  EXPECT_THAT(lines("select COUNT(*) AS points from CalDataPoint where JobRecordID = 1043"),
+              ElementsAre("40"));
+  // The range that the writer of the file gives in the README of the data.
+  ASSERT_FALSE(meter.Series.empty());
+  const auto range =
+      lines("select MIN(Roshko) AS low, MAX(Roshko) AS high from raw1 where seriesID = " +
+            std::to_string(meter.Series[0].SeriesID));
+  ASSERT_EQ(range.size(), 1U);
+  EXPECT_NEAR(std::stod(range[0]), 40.0, 0.0005);
+  EXPECT_NEAR(std::stod(range[0].substr(range[0].find('|') + 1)), 6000.0, 0.0005);
 }
 
 }  // namespace
