@@ -5,6 +5,7 @@
 #include "calibration/point_selection.h"
 #include "calibration/series_lookup.h"
 #include "calibration/steps/derivation.h"
+#include "store/field_value.h"
 
 #include <algorithm>
 

@@ -2,11 +2,11 @@
 #include "calibration/point_selection.h"
 
 #include "base/readable_number.h"
+#include "store/field_value.h"
 
 #include <pelmora/calibration/failure.h>
 
 #include <cmath>
-#include <limits>
 
 namespace pelmora::calibration {
 namespace {
@@ -42,12 +42,6 @@ bool isInRange(const PointSelection& selection, double roshko) {
 }
 
 }  // namespace
-
-double numberOrNan(const Value& value) {
-  if (const auto* whole = std::get_if<std::int64_t>(&value)) return static_cast<double>(*whole);
-  const auto* real = std::get_if<double>(&value);
-  return real == nullptr ? std::numeric_limits<double>::quiet_NaN() : *real;
-}
 
 SelectedNumbers selectedNumbers(const PointSelection& selection, const WholeParts& parts,
                                 const std::string& place) {

@@ -22,7 +22,4 @@ using SelectedNumbers = std::array<std::set<std::size_t>, 4>;  // by part
 [[nodiscard]] SelectedNumbers selectedNumbers(const PointSelection& selection,
                                               const WholeParts& parts, const std::string& place);
 
-// Not a number for a value that is none.
-[[nodiscard]] double numberOrNan(const Value& value);
-
 }  // namespace pelmora::calibration

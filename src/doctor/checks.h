@@ -26,6 +26,8 @@ void checkNames(const ConnectionPtr& curves,
                 Findings& findings);  // duplicate-series, duplicate-calibrations
 void checkPoints(const ConnectionPtr& curves, Findings& findings);         // series-without-points
 void checkSalvagedParts(const ConnectionPtr& curves, Findings& findings);  // incomplete-series
-void checkCurveAges(const ConnectionPtr& curves, Findings& findings);      // outdated-curves
+void checkExclusions(const ConnectionPtr& curves,
+                     Findings& findings);                              // exclusions-not-in-force
+void checkCurveAges(const ConnectionPtr& curves, Findings& findings);  // outdated-curves
 
 }  // namespace pelmora::doctor

@@ -30,7 +30,7 @@ void examineDesign(const ConnectionPtr& curves, Findings& findings) {
 std::vector<Finding> examine(const ConnectionPtr& curves) {
   Findings findings;
   for (const auto check : {checkSalvagedParts, checkNumbers, checkNaming, checkNames, checkOrphans,
-                           checkPoints, checkCurveAges}) {
+                           checkPoints, checkExclusions, checkCurveAges}) {
     check(curves, findings);
   }
   examineDesign(curves, findings);

@@ -7,6 +7,7 @@
 #include "store/reading.h"
 #include "store/table_design.h"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -52,6 +53,15 @@ std::vector<ExcludedRow> readExcludedPoints(Connection& curves, int part, std::i
                     textOf(rows->value("Rest"))});
   }
   return list;
+}
+
+bool areInForce(const std::vector<ExcludedRow>& excluded, std::size_t restPoints,
+                const std::string& restFingerprint) {
+  const std::size_t all = restPoints + excluded.size();
+  return std::ranges::all_of(excluded, [&](const ExcludedRow& row) {
+    return row.Rest == restFingerprint && row.Number >= 1 &&
+           static_cast<std::size_t>(row.Number) <= all;
+  });
 }
 
 void replaceExcludedPoints(Connection& curves, int part, std::int32_t SeriesID,

@@ -4,6 +4,7 @@
 
 #include "store/connection.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -25,6 +26,10 @@ struct ExcludedRow {
 // part: 1 to 4. By number; none if the tables are missing.
 [[nodiscard]] std::vector<ExcludedRow> readExcludedPoints(Connection& curves, int part,
                                                           std::int32_t SeriesID);
+// Whether the points were left out of a part of which exactly these points remained: so many, with
+// this fingerprint. If not, another program has stored the part again since.
+[[nodiscard]] bool areInForce(const std::vector<ExcludedRow>& excluded, std::size_t restPoints,
+                              const std::string& restFingerprint);
 // Makes the tables if there is something to store.
 //
 // Errors: Error 3251 if the database cannot have own tables.

@@ -31,6 +31,12 @@ double toDouble(const Value& value) {
   throw makeError(RunTimeError::invalidNull);
 }
 
+double numberOrNan(const Value& value) {
+  if (const auto* whole = std::get_if<std::int64_t>(&value)) return static_cast<double>(*whole);
+  const auto* real = std::get_if<double>(&value);
+  return real == nullptr ? std::numeric_limits<double>::quiet_NaN() : *real;
+}
+
 std::int32_t toInt32(const Value& value) { return toInteger<std::int32_t>(value); }
 std::int16_t toInt16(const Value& value) { return toInteger<std::int16_t>(value); }
 

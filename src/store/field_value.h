@@ -18,6 +18,9 @@ namespace pelmora {
 [[nodiscard]] std::int32_t toInt32(const Value& value);
 [[nodiscard]] std::int16_t toInt16(const Value& value);
 
+// Not a number for null and for texts.
+[[nodiscard]] double numberOrNan(const Value& value);
+
 // Null gives an empty text.
 [[nodiscard]] std::string toText(const Value& value);
 

@@ -61,7 +61,7 @@ const std::map<std::string, FolderRule>& rules() {
          "adapters/access", "solver", "band", "adapters/dialog", "adapters/ado"},
         {}}},
       {"history", {{"base", "store"}, {}}},
-      {"doctor", {{"history", "store"}, {}}},
+      {"doctor", {{"history", "store", "points"}, {}}},
       {"report", {{"base", "curves"}, {"nlohmann", "xlsxwriter.h", "posix"}}},
       {"apps/pelmora", {{"base", "curves", "report"}, {"CLI", "nlohmann", "posix"}}},
       {"include/pelmora", {}},

@@ -3,13 +3,13 @@
 
 #include "base/number_text.h"
 #include "points/point_fingerprint.h"
+#include "store/field_value.h"
 #include "store/reading.h"
 
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
-#include <limits>
 #include <string_view>
 
 namespace pelmora::calibration::steps {
@@ -21,16 +21,11 @@ bool isNumber(const Value& value) {
   return std::holds_alternative<std::int64_t>(value) || std::holds_alternative<double>(value);
 }
 
-double numberOf(const Value& value) {
-  if (const auto* whole = std::get_if<std::int64_t>(&value)) return static_cast<double>(*whole);
-  const auto* real = std::get_if<double>(&value);
-  return real == nullptr ? std::numeric_limits<double>::quiet_NaN() : *real;
-}
-
 // To the last bit: -0 is not 0. Engines may deliver a whole number either way.
 bool isSame(const Value& a, const Value& b) {
   if (!isNumber(a) || !isNumber(b)) return a == b;
-  return std::bit_cast<std::uint64_t>(numberOf(a)) == std::bit_cast<std::uint64_t>(numberOf(b));
+  return std::bit_cast<std::uint64_t>(numberOrNan(a)) ==
+         std::bit_cast<std::uint64_t>(numberOrNan(b));
 }
 
 std::vector<WholePoint> readRawRows(Connection& curves, int part, std::int32_t SeriesID) {
@@ -50,25 +45,17 @@ std::string fingerprintOfRest(const std::vector<WholePoint>& points) {
   std::size_t i = 0;
   for (const WholePoint& point : points) {
     if (point.Exclusion) continue;
-    rest(i, 0) = numberOf(point.Roshko);
-    rest(i, 1) = numberOf(point.Strouhal);
+    rest(i, 0) = numberOrNan(point.Roshko);
+    rest(i, 1) = numberOrNan(point.Strouhal);
     ++i;
   }
   return fingerprintOf({&rest, 1});
 }
 
-bool fit(const std::vector<ExcludedRow>& excluded, std::size_t restPoints,
-         const std::string& rest) {
-  const std::size_t all = restPoints + excluded.size();
-  return std::ranges::all_of(excluded, [&](const ExcludedRow& row) {
-    return row.Rest == rest && row.Number >= 1 && static_cast<std::size_t>(row.Number) <= all;
-  });
-}
-
 }  // namespace
 
 bool belongTo(const std::vector<ExcludedRow>& excluded, const PointArray& rest) {
-  return excluded.empty() || fit(excluded, rest.size(), fingerprintOf({&rest, 1}));
+  return excluded.empty() || areInForce(excluded, rest.size(), fingerprintOf({&rest, 1}));
 }
 
 WholePart readRawPart(Connection& curves, int part, std::int32_t SeriesID) {
@@ -79,7 +66,7 @@ WholePart readWholePart(Connection& curves, int part, std::int32_t SeriesID) {
   WholePart whole = readRawPart(curves, part, SeriesID);
   auto excluded = readExcludedPoints(curves, part, SeriesID);
   if (excluded.empty()) return whole;
-  if (!fit(excluded, whole.Points.size(), fingerprintOfRest(whole.Points))) {
+  if (!areInForce(excluded, whole.Points.size(), fingerprintOfRest(whole.Points))) {
     whole.Adrift = std::move(excluded);
     return whole;
   }
