@@ -96,7 +96,8 @@ std::optional<Table> aiccOf(const Fit& fit) {
   const calibration::EquationList one =
       calibration::EquationList::parse(best->Name + "\t" + best->Expression, "the study");
   const std::array<PointArray, 1> points{fit.fitted};
-  return tableOf(calibration::fit(points, {.band = 100, .equations = one}));
+  return tableOf(
+      calibration::fit(points, {.band = 100, .choice = Choice::adjustedR2, .equations = one}));
 }
 
 constexpr std::array<const char*, 4> rules{"adjusted-r2", "AICc", "reference", "trusted"};

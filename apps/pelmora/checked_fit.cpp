@@ -60,17 +60,21 @@ calibration::Fit fitInRange(Session& session, const calibration::StoredSeries& s
 }
 
 CheckedFit tryFit(Session& session, const calibration::Meter& meter, const std::string& series,
-                  const FitSettings& settings, const RangeQuestion& ask) {
+                  const FitWish& wish, const RangeQuestion& ask) {
   const calibration::StoredSeries stored = session.database().series(meter, series);
   CheckedFit result;
   try {
-    result.fit = fitInRange(session, stored, settings, ask);
-    if (!result.fit.accepted()) result.trouble = noCurveTrouble(result.fit);
+    result.fit = fitInRange(session, stored, wish.settings, ask);
+    if (!result.fit.accepted()) {
+      result.trouble = noCurveTrouble(result.fit);
+    } else if (wish.isStrict && !result.fit.outcome.Warnings.empty()) {
+      result.trouble = warningTrouble(result.fit);
+    }
   } catch (const calibration::NoFit& failure) {
     result.fit.meter = meter;
     result.fit.series = series;
     result.fit.seriesID = stored.id;
-    result.fit.settings = settings;
+    result.fit.settings = wish.settings;
     const Trouble why = troubleOf(failure);
     result.trouble = Trouble(why.code(), why.what(), why.remedy() + "; no curve was stored");
   }
@@ -88,10 +92,10 @@ Trouble changedTrouble(const calibration::Meter& meter, const std::string& serie
 
 // The calibration and the series may have been deleted and made anew: their names count.
 CheckedFit fittedAgain(Session& session, const calibration::Meter& meter, const std::string& series,
-                       const FitSettings& settings) {
+                       const FitWish& wish) {
   try {
     const calibration::Meter now = session.database().meter(meter.serial, meter.calibration);
-    CheckedFit result = tryFit(session, now, series, settings, {});
+    CheckedFit result = tryFit(session, now, series, wish, {});
     result.changedMeanwhile = true;
     return result;
   } catch (const calibration::Failure& failure) {
@@ -104,19 +108,18 @@ CheckedFit fittedAgain(Session& session, const calibration::Meter& meter, const 
 }  // namespace
 
 CheckedFit fitSeries(CommandChange& change, const calibration::Meter& meter,
-                     const std::string& series, const FitSettings& settings,
-                     const RangeQuestion& ask) {
+                     const std::string& series, const FitWish& wish, const RangeQuestion& ask) {
   Session& session = change.session();
-  CheckedFit result = tryFit(session, meter, series, settings, ask);
+  CheckedFit result = tryFit(session, meter, series, wish, ask);
   if (result.trouble) return result;
   change.begin();
   try {
     (void)session.database().store(result.fit);
   } catch (const calibration::Changed&) {
-    FitSettings again = settings;
+    FitWish again = wish;
     // The operator's word for the range of the points, whatever it is, still counts.
     if (result.fit.settings.outside == RangePolicy::wholeRange)
-      again.outside = RangePolicy::wholeRange;
+      again.settings.outside = RangePolicy::wholeRange;
     result = fittedAgain(session, meter, series, again);
     if (result.trouble) return result;
     (void)session.database().store(result.fit);

@@ -18,11 +18,16 @@ struct CheckedFit {
   std::optional<Trouble> trouble;  // no curve: why, and what would help
 };
 
+struct FitWish {
+  calibration::FitSettings settings;
+  bool isStrict = false;  // a curve with a warning is trouble and is not stored
+};
+
 // Shows the text, which says how the range and the points disagree, and returns the answer.
 using RangeQuestion = std::function<calibration::RangePolicy(const std::string& text)>;
 
 // Fits the series and stores its curve in place of the old one, which the history keeps. If no
-// equation passes, the old one stays. Nothing is final before change.finish().
+// curve results, the old one stays. Nothing is final before change.finish().
 //
 // The fit holds nobody up, unless `change` has begun. If another program has changed the points
 // when the lock is taken, the series of that name is fitted again as it is now, and
@@ -31,8 +36,7 @@ using RangeQuestion = std::function<calibration::RangePolicy(const std::string& 
 // ask: for settings that refuse a range beyond the points; empty: nobody is asked.
 // Errors: Trouble and Failure, of the second fit too; nothing is stored then.
 [[nodiscard]] CheckedFit fitSeries(CommandChange& change, const calibration::Meter& meter,
-                                   const std::string& series,
-                                   const calibration::FitSettings& settings,
+                                   const std::string& series, const FitWish& wish,
                                    const RangeQuestion& ask = {});
 
 }  // namespace pelmora::cli

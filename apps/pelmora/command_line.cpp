@@ -39,6 +39,7 @@ void addCommands(Program& program) {
   addIncludeCommand(program);
   addFitCommand(program);
   addRefitCommand(program);
+  addEquationsCommand(program);
   addEvaluateCommand(program);
   addCompareCommand(program);
   addExportCommand(program);

@@ -12,7 +12,7 @@ enum class ExitCode {
   database = 3,        // a database is missing, foreign, locked or cannot be written
   unknownName = 4,     // no such meter, calibration, series, job or history entry
   badInput = 5,        // a file's or a database's data cannot be used
-  notFitted = 6,       // no equation passed the tests
+  notFitted = 6,       // no equation passed the tests, or --strict refuses the curve
   rangeRefused = 7,    // the range asked for lies outside the raw points
   declined = 8,        // a question was not answered with yes
   outOfTolerance = 9,  // curves differ by more than was allowed
@@ -22,7 +22,7 @@ inline constexpr const char* exitCodeHelp =
     "Exit codes: 0 done; 1 unexpected error, no memory left, or standard output\n"
     "closed or full; 2 wrong command line; 3 database missing, foreign, locked or\n"
     "not writable; 4 unknown meter, calibration, series, job or history entry; 5 bad\n"
-    "data in a file or a database; 6 no equation passed; 7 range outside the raw\n"
+    "data in a file or a database; 6 no curve passed; 7 range outside the raw\n"
     "points; 8 not confirmed; 9 curve out of tolerance; 129 ended by SIGHUP;\n"
     "130 ended by SIGINT; 143 ended by SIGTERM.";
 

@@ -2,6 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pelmora/calibration/advice.h>
+#include <pelmora/calibration/choice.h>
+#include <pelmora/calibration/coverage.h>
 #include <pelmora/calibration/curve.h>
 #include <pelmora/calibration/database.h>
 #include <pelmora/calibration/equations.h>
@@ -17,4 +20,5 @@
 #include <pelmora/calibration/refit.h>
 #include <pelmora/calibration/repeat.h>
 #include <pelmora/calibration/stand.h>
+#include <pelmora/calibration/trust.h>
 #include <pelmora/calibration/values.h>

@@ -86,6 +86,8 @@ void fitCatalogue(Fit& fit, const steps::Observer& watch, const Observer& observ
 Fit fitParts(Fit fit, std::span<const PointArray> parts, std::span<const ExcludedPoint> excluded,
              const Observer& observer) {
   const std::vector<steps::PartPoint> origins = mergeRawParts(fit, parts, excluded, observer);
+  for (const steps::PartPoint& origin : origins)
+    fit.places.push_back({origin.Part, static_cast<std::size_t>(origin.Number)});
   fit.fitted = pointsToFit(fit);
   settleRange(fit);
   const steps::Observer watch = stepsOf(observer);

@@ -128,13 +128,16 @@ const char* pointStateKey(PointState state) {
 }
 
 std::vector<RawPoint> Database::points(const Meter& meter, const std::string& series) const {
-  const StoredSeries stored = this->series(meter, series);
-  return session_->asking("listing the points of " + placeOf(meter, stored.name), [&] {
-    std::vector<RawPoint> list = wholePoints(stored);
-    addJobs(RunJobs(*session_, meter), stored.name, list);
-    addFitRange(stored, list);
-    addResiduals(stored, list);
-    addCuts(stored, list);
+  return points(this->series(meter, series));
+}
+
+std::vector<RawPoint> Database::points(const StoredSeries& series) const {
+  return session_->asking("listing the points of " + placeOf(series.meter, series.name), [&] {
+    std::vector<RawPoint> list = wholePoints(series);
+    addJobs(RunJobs(*session_, series.meter), series.name, list);
+    addFitRange(series, list);
+    addResiduals(series, list);
+    addCuts(series, list);
     addSigmas(list);
     return list;
   });

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "calibration/repeated_fit.h"
 #include "calibration/session.h"
 #include "calibration/steps/fit_report.h"
 
@@ -87,13 +88,34 @@ FitSettings settingsToRepeat(const CurveSettings& kept) {
   return settings;
 }
 
-Repeated Database::repeat(const StoredSeries& series, const UnkeptSettings& unkept,
-                          const Observer& observer) const {
+FitSettings SettingsChange::appliedTo(FitSettings settings) const {
+  settings.choice = choice.value_or(settings.choice);
+  if (fitMin) settings.fitMin = fitMin;
+  if (fitMax) settings.fitMax = fitMax;
+  if (only) settings.only = *only;
+  if (without) settings.without = *without;
+  if (maxOrder) settings.maxOrder = maxOrder;
+  if (mergeBand) settings.mergeBand = mergeBand;
+  settings.cutsOverlap = cutsOverlap.value_or(settings.cutsOverlap);
+  return settings;
+}
+
+bool SettingsChange::isInForceIn(const FitSettings& settings) const {
+  return (!choice || settings.choice == *choice) && (!fitMin || settings.fitMin == fitMin) &&
+         (!fitMax || settings.fitMax == fitMax) && (!only || settings.only == *only) &&
+         (!without || settings.without == *without) &&
+         (!maxOrder || settings.maxOrder == maxOrder) &&
+         (!mergeBand || settings.mergeBand == mergeBand) &&
+         (!cutsOverlap || settings.cutsOverlap == *cutsOverlap);
+}
+
+Repeated repeatWith(const Database& lab, const StoredSeries& series, const UnkeptSettings& unkept,
+                    const SettingsChange& change, const Observer& observer) {
   Repeated repeated;
   repeated.settingsAreKept = series.settings && !series.curve.empty();
   repeated.settings = repeated.settingsAreKept ? *series.settings : assumedSettings(series, unkept);
   try {
-    repeated.fit = fit(series, settingsToRepeat(repeated.settings), observer);
+    repeated.fit = lab.fit(series, change.appliedTo(settingsToRepeat(repeated.settings)), observer);
     repeated.trouble = repeated.fit.reason();
     repeated.distancePercent = largestDistance(series.curve, repeated.fit.curve);
   } catch (const BadData& failure) {
@@ -104,6 +126,11 @@ Repeated Database::repeat(const StoredSeries& series, const UnkeptSettings& unke
     repeated.trouble = failure.what();
   }
   return repeated;
+}
+
+Repeated Database::repeat(const StoredSeries& series, const UnkeptSettings& unkept,
+                          const Observer& observer) const {
+  return repeatWith(*this, series, unkept, {}, observer);
 }
 
 Curve Database::curve(const Meter& meter, const std::string& series) const {

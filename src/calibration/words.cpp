@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "base/readable_number.h"
 
+#include <pelmora/calibration/advice.h>
 #include <pelmora/calibration/choice.h>
+#include <pelmora/calibration/values.h>
 #include <pelmora/calibration/words.h>
 
 namespace pelmora::calibration {
@@ -15,6 +17,30 @@ std::optional<Choice> choiceOf(std::string_view key) {
     if (key == choiceKey(choice)) return choice;
   }
   return std::nullopt;
+}
+
+const char* curveAgeKey(CurveAge age) {
+  switch (age) {
+    case CurveAge::none: return "none";
+    case CurveAge::current: return "current";
+    case CurveAge::outdated: return "outdated";
+    case CurveAge::unknown: break;
+  }
+  return "unknown";
+}
+
+const char* adviceKey(AdviceKind kind) {
+  switch (kind) {
+    case AdviceKind::checkPoint: return "checkPoint";
+    case AdviceKind::leaveOutEquation: return "leaveOutEquation";
+    case AdviceKind::beginAboveOne: return "beginAboveOne";
+    case AdviceKind::measure: return "measure";
+    case AdviceKind::morePoints: return "morePoints";
+    case AdviceKind::widerBand: return "widerBand";
+    case AdviceKind::trustedChoice: return "trustedChoice";
+    case AdviceKind::moreData: return "moreData";
+  }
+  return "unknown";
 }
 
 const char* verdictKey(EquationVerdict verdict) {

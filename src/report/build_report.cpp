@@ -17,6 +17,8 @@
 namespace pelmora::report {
 namespace {
 
+using calibration::Choice;
+
 // Two fits of the same points on two machines differ in their last digits; a curve that differs by
 // more than a ten-thousandth of a per cent came from other points, settings or software.
 constexpr double sameCurvePercent = 1e-4;
@@ -101,6 +103,8 @@ class SeriesBuilder {
     report_.settingsAreKept = series_.settingsAreKept;
     report_.storedText = stored_.Summary;
     std::erase(report_.storedText, '\r');
+    report_.curveAge = series_.age;
+    report_.points = series_.points;
     addPoints();
     addFit();
     addComparison();
@@ -125,6 +129,11 @@ class SeriesBuilder {
     if (report_.curve.empty()) {
       remark("noCurve", "No curve is stored for this series; its points are shown as they are.");
     }
+    if (series_.age == calibration::CurveAge::outdated) {
+      remark("outdated",
+             "The stored curve is older than its raw points: they have changed since it was "
+             "fitted.");
+    }
     if (const std::size_t strange = merged.left(); strange > 0) {
       remark("otherRawPoints",
              std::to_string(strange) + " of " + std::to_string(stored_.Merged.size()) +
@@ -135,7 +144,8 @@ class SeriesBuilder {
 
   void addFit() {
     const FitOutcome& outcome = series_.refit.outcome;
-    report_.equations = calibration::ranking(outcome);
+    report_.equations = calibration::ranking(
+        outcome, calibration::choiceOf(series_.settings.Choice).value_or(Choice::adjustedR2));
     if (outcome.Chosen) report_.chosen = outcome.Equations[*outcome.Chosen].Name;
     if (!series_.refit.trouble.empty()) remark("notFitted", sentence(series_.refit.trouble));
     if (!report_.curve.empty()) compareWithRefit();

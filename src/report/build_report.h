@@ -30,6 +30,8 @@ struct SeriesInput {
   Refit refit;
   std::optional<PreviousSeries>
       previous;  // of the latest earlier calibration with this series' curve
+  calibration::CurveAge age = calibration::CurveAge::unknown;
+  std::vector<calibration::RawPoint> points{};
 };
 
 struct ReportInput {

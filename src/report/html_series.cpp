@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "report/html_series.h"
 
+#include "report/html_points.h"
 #include "report/html_table.h"
 #include "report/markup.h"
 #include "report/plot_legend.h"
@@ -8,12 +9,15 @@
 #include "report/series_plot.h"
 #include "report/verdict_words.h"
 
+#include <pelmora/calibration/choice.h>
+
 #include <algorithm>
 
 namespace pelmora::report {
 namespace {
 
-constexpr std::size_t onePage = 100;  // points of a predicted table that fit on a printed page
+constexpr std::size_t mostRejected = 5;  // equations of a ranking
+constexpr std::size_t onePage = 100;     // points of a predicted table that fit on a printed page
 constexpr int determinationDigits = 6, valueDigits = 7, errorDigits = 3;
 
 std::string remarks(const SeriesReport& series) {
@@ -37,7 +41,14 @@ std::string settings(const SeriesReport& series) {
   if (used.RatioCurve) text += ", rotor ratio";
   if (used.Inverted) text += ", merged from the other end";
   if (used.IgnoreResiduals) text += ", without the residual test";
+  if (used.FitMin || used.FitMax)
+    text += ", fitted to the points of Roshko " + end(used.FitMin, "lowest") + " to " +
+            end(used.FitMax, "highest");
+  if (used.KeepsOverlap) text += ", merged without a cut";
+  if (used.MergeBandPercent)
+    text += ", merged within " + significantText(*used.MergeBandPercent, 4) + " %";
   text += used.Equations ? ", equations of a file" : ", built-in equations";
+  text += ", chosen by the rule " + (used.Choice.empty() ? "adjusted-r2" : used.Choice);
   if (series.settingsAreKept)
     text += ". Fitted " + used.FittedAt + " with version " + used.SoftwareVersion + ".";
   else if (!series.curve.empty())
@@ -90,8 +101,14 @@ std::string equations(const SeriesReport& series) {
                    {"Worst %", true},
                    {"at Roshko", true}},
                   "keep");
+  const bool isTrusted =
+      series.settings.Choice == calibration::choiceKey(calibration::Choice::trusted);
+  std::size_t rejected = 0;
+  EquationVerdict last = EquationVerdict::chosen;
   for (const RankedEquation& ranked : series.equations) {
     const EquationOutcome& equation = ranked.outcome;
+    const std::string why = rejection(equation);
+    if (!why.empty() && ++rejected > mostRejected) continue;
     const bool isSolved = hasSolution(equation);
     const auto number = [&](const std::string& text) { return isSolved ? text : std::string("-"); };
     table.addRow({std::to_string(ranked.rank) + ". " + equation.Name, verdictText(equation.Verdict),
@@ -102,9 +119,15 @@ std::string equations(const SeriesReport& series) {
                   number(percentText(equation.WorstResidualRatio * 100)),
                   number(significantText(equation.WorstResidualX, 6))},
                  equation.Verdict == EquationVerdict::chosen ? "best" : "");
-    if (const std::string why = rejection(equation); !why.empty())
-      table.addNote(withShortNumbers(why));
+    // By the rule 'trusted', equations that fail in one way come one after the other, nearest
+    // first.
+    const bool isSaid = isTrusted && equation.Verdict == last;
+    if (!why.empty() && !isSaid) table.addNote(withShortNumbers(why));
+    last = equation.Verdict;
   }
+  if (rejected > mostRejected)
+    table.addNote(std::to_string(rejected - mostRejected) +
+                  " more that were rejected are in the report as CSV, JSON or a workbook");
   return "<h3>Equations</h3>\n" + table.take();
 }
 
@@ -197,8 +220,8 @@ std::string comparison(const SeriesReport& series) {
 
 std::string htmlSeries(const SeriesReport& series, const std::string& id) {
   std::string html = "<section class=\"series\" id=\"" + id + "\">\n<h2>" + escaped(series.name) +
-                     "</h2>\n" + remarks(series) + settings(series) + plot(series) +
-                     equations(series) + parameters(series) + comparison(series) +
+                     "</h2>\n" + remarks(series) + settings(series) + htmlLeftOutPoints(series) +
+                     plot(series) + equations(series) + parameters(series) + comparison(series) +
                      predictedTable(series);
   if (!series.storedText.empty()) {
     html += "<details><summary>Stored report</summary><pre>" + escaped(series.storedText) +

@@ -16,27 +16,32 @@ std::string classAttribute(const std::string& cssClass) {
 
 }  // namespace
 
-// End tags that HTML lets one leave out are left out: they are a third of a table of numbers.
+// End tags that HTML lets one leave out are left out: they are a third of a table of numbers. For
+// the same reason cells of text are marked, not those of numbers.
 HtmlTable::HtmlTable(std::string caption, std::vector<HtmlColumn> columns, std::string cssClass)
     : columns_(std::move(columns)),
       isAllNumbers_(
           std::all_of(columns_.begin(), columns_.end(), [](const auto& c) { return c.isNumber; })) {
-  if (isAllNumbers_) cssClass += cssClass.empty() ? "num" : " num";
+  if (std::ranges::any_of(columns_, &HtmlColumn::isNumber))
+    cssClass += cssClass.empty() ? "num" : " num";
   const std::string label = " aria-label=\"" + escaped(caption) + "\"";
   html_ = isAllNumbers_ ? "<div><table" + label
                         : "<div class=scroll tabindex=0 role=group" + label + "><table";
   html_ += classAttribute(cssClass) + ">\n<thead><tr>";
   for (const HtmlColumn& column : columns_)
     html_ +=
-        "<th scope=col" + classAttribute(column.isNumber ? "n" : "") + ">" + escaped(column.title);
+        "<th scope=col" + classAttribute(column.isNumber ? "" : "t") + ">" + escaped(column.title);
   html_ += "\n<tbody>\n";
 }
 
 void HtmlTable::addRow(const std::vector<std::string>& cells, const std::string& cssClass) {
   html_ += "<tr" + classAttribute(cssClass) + ">";
   for (std::size_t i = 0; i < cells.size(); ++i) {
-    html_ += i == 0 && !columns_[i].isNumber ? "<th scope=row" : "<td";
-    html_ += (columns_[i].isNumber && !isAllNumbers_ ? " class=n>" : ">") + escaped(cells[i]);
+    if (columns_[i].isNumber)
+      html_ += "<td>";
+    else
+      html_ += i == 0 ? "<th scope=row>" : "<td class=t>";
+    html_ += escaped(cells[i]);
   }
   html_ += "\n";
 }

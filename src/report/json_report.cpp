@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "report/json_report.h"
 
+#include "report/json_null.h"
 #include "report/json_values.h"
 
 #include <nlohmann/json.hpp>
@@ -11,12 +12,6 @@ namespace {
 using nlohmann::json;
 
 constexpr const char* schemaName = "pelmora-report/1";
-
-template <class T>
-json orNull(const std::optional<T>& value) {
-  return value ? json(*value) : json();
-}
-json orNull(const std::string& text) { return text.empty() ? json() : json(text); }
 
 json pointJson(const MeasuredPoint& point) {
   return {{"roshko", point.roshko},
@@ -58,6 +53,14 @@ json settingsJson(const SeriesReport& series) {
           {"ratio", settings.RatioCurve},
           {"inverted", settings.Inverted},
           {"ignoreResiduals", settings.IgnoreResiduals},
+          {"choose", settings.Choice.empty() ? "adjusted-r2" : settings.Choice},
+          {"fitMin", orNull(settings.FitMin)},
+          {"fitMax", orNull(settings.FitMax)},
+          {"only", settings.Only},
+          {"without", settings.Without},
+          {"maxOrder", orNull(settings.MaxOrder)},
+          {"mergeBand", orNull(settings.MergeBandPercent)},
+          {"cutsOverlap", !settings.KeepsOverlap},
           {"equations", orNull(settings.Equations)},
           {"softwareVersion", orNull(settings.SoftwareVersion)},
           {"fittedAt", orNull(settings.FittedAt)}};
@@ -86,13 +89,17 @@ json seriesJson(const SeriesReport& series) {
     equations.push_back(equationJson(equation.outcome));
     equations.back()["rank"] = equation.rank;
   }
+  json points = json::array();
+  for (const calibration::RawPoint& point : series.points) points.push_back(rawPointJson(point));
   for (const Remark& remark : series.remarks)
     remarks.push_back({{"kind", remark.kind}, {"text", remark.text}});
   return {{"name", series.name},
           {"seriesId", series.seriesID},
           {"rawDataSha256", series.rawDataHash},
           {"raw", partsJson(series.parts)},
+          {"rawPoints", points},
           {"merged", merged},
+          {"curveAge", calibration::curveAgeKey(series.curveAge)},
           {"curve", curveJson(series.curve)},
           {"settings", settingsJson(series)},
           {"equations", equations},

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "report/json_values.h"
 
+#include "report/json_null.h"
 #include "report/verdict_words.h"
 
 #include <nlohmann/json.hpp>
@@ -84,6 +85,27 @@ json warningJson(const CurveWarning& warning) {
           {"toRoshko", warning.ToX},
           {"percent", warning.Percent},
           {"text", warning.Text}};
+}
+
+json rawPointJson(const calibration::RawPoint& point) {
+  json exclusion;
+  if (point.exclusion) {
+    exclusion = {{"reason", point.exclusion->reason},
+                 {"user", point.exclusion->userName},
+                 {"excludedAt", point.exclusion->excludedAt}};
+  }
+  return {{"part", point.part},
+          {"number", point.number},
+          {"job", orNull(point.job)},
+          {"fluid", orNull(point.fluid)},
+          {"roshko", point.roshko},
+          {"strouhal", point.strouhal},
+          {"residualPercent", orNull(point.residualPercent)},
+          {"sigmas", orNull(point.sigmas)},
+          {"suspect", point.isDistrusted},
+          {"state", calibration::pointStateKey(point.state)},
+          {"cutPercent", orNull(point.cutPercent)},
+          {"exclusion", exclusion}};
 }
 
 std::string jsonText(const json& value) {

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pelmora/calibration/points.h>
 #include <pelmora/calibration/values.h>
 #include <pelmora/curve_database.h>
 #include <pelmora/fit_outcome.h>
@@ -20,6 +21,7 @@ namespace pelmora::report {
 [[nodiscard]] nlohmann::json setupsJson(const std::vector<CalSetupInfo>& setups);
 [[nodiscard]] nlohmann::json runsJson(const std::vector<calibration::Run>& runs);
 [[nodiscard]] nlohmann::json equationJson(const EquationOutcome& equation);
+[[nodiscard]] nlohmann::json rawPointJson(const calibration::RawPoint& point);
 [[nodiscard]] nlohmann::json warningJson(const CurveWarning& warning);
 
 // Indented, ending in a line end; numbers in their shortest exact form, non-finite ones null.

@@ -101,7 +101,9 @@ ReportInput inputOf(const Database& lab, const Meter& meter,
          repeated.settings,
          repeated.settingsAreKept,
          {repeated.fit.outcome, repeated.fit.merged, repeated.fit.curve, repeated.trouble},
-         previousOf(lab, earlier, stored.name)});
+         previousOf(lab, earlier, stored.name),
+         stored.age,
+         lab.points(stored)});
   }
   return input;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <pelmora/calibration/curve.h>
+#include <pelmora/calibration/points.h>
 #include <pelmora/calibration/ranking.h>
 #include <pelmora/curve_database.h>
 #include <pelmora/fit_outcome.h>
@@ -54,6 +55,9 @@ struct SeriesReport {
   std::vector<RawPart> parts;
   std::vector<MeasuredPoint> merged;
   std::vector<CurvePoint> curve;  // as stored; empty if none is
+  calibration::CurveAge curveAge = calibration::CurveAge::none;
+  // Every raw point with its state, excluded ones too, by part and number.
+  std::vector<calibration::RawPoint> points;
   CurveSettings settings;
   bool settingsAreKept = false;  // else they are the defaults, or those of the report's options
   std::vector<RankedEquation> equations;

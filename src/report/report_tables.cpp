@@ -40,24 +40,52 @@ ReportTable setupsTable(const Report& report) {
 
 ReportTable seriesTable(const Report& report) {
   ReportTable table{"series",
-                    {"series", "chosen", "bandPercent", "count", "min", "max", "ratio", "inverted",
-                     "ignoreResiduals", "settingsKept", "softwareVersion", "fittedAt",
-                     "rawDataSha256", "previousCalibration", "date", "meanShiftPercent",
-                     "lowestShiftPercent", "highestShiftPercent"},
+                    {"series",
+                     "chosen",
+                     "bandPercent",
+                     "count",
+                     "min",
+                     "max",
+                     "ratio",
+                     "inverted",
+                     "ignoreResiduals",
+                     "settingsKept",
+                     "softwareVersion",
+                     "fittedAt",
+                     "rawDataSha256",
+                     "previousCalibration",
+                     "date",
+                     "meanShiftPercent",
+                     "lowestShiftPercent",
+                     "highestShiftPercent",
+                     "choose",
+                     "curveAge"},
                     {}};
   for (const SeriesReport& series : report.series) {
     const CurveSettings& settings = series.settings;
     const bool hasShift = series.previous && !series.previous->shifts.empty();
     const auto shift = [&](double value) { return hasShift ? number(value) : Value(); };
     const PreviousCurve previous = series.previous.value_or(PreviousCurve());
-    table.rows.push_back(
-        {text(series.name), text(series.chosen), number(settings.BandPercent),
-         whole(settings.Points), number(settings.Min), number(settings.Max),
-         whole(settings.RatioCurve), whole(settings.Inverted), whole(settings.IgnoreResiduals),
-         whole(series.settingsAreKept), text(settings.SoftwareVersion), text(settings.FittedAt),
-         text(series.rawDataHash), series.previous ? whole(previous.reCalID) : Value(),
-         text(previous.date), shift(previous.meanPercent), shift(previous.lowest.percent),
-         shift(previous.highest.percent)});
+    table.rows.push_back({text(series.name),
+                          text(series.chosen),
+                          number(settings.BandPercent),
+                          whole(settings.Points),
+                          number(settings.Min),
+                          number(settings.Max),
+                          whole(settings.RatioCurve),
+                          whole(settings.Inverted),
+                          whole(settings.IgnoreResiduals),
+                          whole(series.settingsAreKept),
+                          text(settings.SoftwareVersion),
+                          text(settings.FittedAt),
+                          text(series.rawDataHash),
+                          series.previous ? whole(previous.reCalID) : Value(),
+                          text(previous.date),
+                          shift(previous.meanPercent),
+                          shift(previous.lowest.percent),
+                          shift(previous.highest.percent),
+                          Value(settings.Choice.empty() ? "adjusted-r2" : settings.Choice),
+                          Value(calibration::curveAgeKey(series.curveAge))});
   }
   return table;
 }
@@ -79,6 +107,27 @@ ReportTable points(const Report& report) {
       table.rows.push_back({text(series.name), Value("merged"), Value(), Value(), Value(),
                             number(point.roshko), number(point.strouhal),
                             number(point.deviationPercent)});
+    }
+  }
+  return table;
+}
+
+// Every raw point, those that were left out too.
+ReportTable rawPoints(const Report& report) {
+  ReportTable table{
+      "rawPoints",
+      {"series", "part", "number", "job", "fluid", "roshko", "strouhal", "residualPercent",
+       "sigmas", "suspect", "state", "cutPercent", "reason", "user", "excludedAt"},
+      {}};
+  for (const SeriesReport& series : report.series) {
+    for (const calibration::RawPoint& point : series.points) {
+      const calibration::Exclusion exclusion = point.exclusion.value_or(calibration::Exclusion());
+      table.rows.push_back(
+          {text(series.name), whole(point.part), whole(static_cast<std::int64_t>(point.number)),
+           text(point.job), text(point.fluid), number(point.roshko), number(point.strouhal),
+           number(point.residualPercent), number(point.sigmas), whole(point.isDistrusted),
+           Value(calibration::pointStateKey(point.state)), number(point.cutPercent),
+           text(exclusion.reason), text(exclusion.userName), text(exclusion.excludedAt)});
     }
   }
   return table;
@@ -170,10 +219,9 @@ ReportTable reports(const Report& report) {
 }  // namespace
 
 std::vector<ReportTable> reportTables(const Report& report) {
-  return {calibrationTable(report), setupsTable(report), seriesTable(report),
-          points(report),           curve(report),       equations(report),
-          parameters(report),       warnings(report),    shifts(report),
-          reports(report)};
+  return {calibrationTable(report), setupsTable(report), seriesTable(report), points(report),
+          rawPoints(report),        curve(report),       equations(report),   parameters(report),
+          warnings(report),         shifts(report),      reports(report)};
 }
 
 }  // namespace pelmora::report

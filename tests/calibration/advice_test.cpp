@@ -37,6 +37,8 @@ TEST(Advice, about_one_bad_point_names_it_and_never_a_wider_band) {
     EXPECT_EQ(list[0].kind, AdviceKind::checkPoint);
     ASSERT_THAT(list[0].points, SizeIs(1));
     EXPECT_DOUBLE_EQ(list[0].points[0].roshko, spoiled(9, 0));
+    EXPECT_EQ(list[0].points[0].part, 1);
+    EXPECT_EQ(list[0].points[0].number, 10U);
     EXPECT_GT(list[0].points[0].sigmas(), 10);
     EXPECT_THAT(list[0].text, AllOf(HasSubstr("sigma above its neighbours"), HasSubstr("Roshko")));
     EXPECT_EQ(adviceOf(list, AdviceKind::widerBand), nullptr);
@@ -75,14 +77,18 @@ TEST(Advice, about_the_equation_that_ended_the_run_is_to_leave_it_out) {
 
 TEST(Advice, about_a_band_is_only_one_that_is_not_much_wider) {
   const PointArray noisy = withNoise(smoothPoints(40), 2e-3);
-  const Fit narrow = calibration::fit(std::vector{noisy}, {.band = 0.01});
+  const Fit narrow =
+      calibration::fit(std::vector{noisy}, {.band = 0.01, .choice = Choice::adjustedR2});
   EXPECT_EQ(adviceOf(adviceFor(narrow), AdviceKind::widerBand), nullptr);
-  const Fit close = calibration::fit(std::vector{noisy}, {.band = 0.25});
+  const Fit close =
+      calibration::fit(std::vector{noisy}, {.band = 0.25, .choice = Choice::adjustedR2});
   ASSERT_FALSE(close.accepted());
   const auto list = adviceFor(close);
   const Advice* band = adviceOf(list, AdviceKind::widerBand);
   ASSERT_NE(band, nullptr);
-  EXPECT_TRUE(calibration::fit(std::vector{noisy}, {.band = *band->band}).accepted());
+  EXPECT_TRUE(
+      calibration::fit(std::vector{noisy}, {.band = *band->band, .choice = Choice::adjustedR2})
+          .accepted());
 }
 
 TEST(Advice, says_once_what_six_equations_say) {

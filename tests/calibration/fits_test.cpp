@@ -27,7 +27,8 @@ TEST_F(Fits, are_those_of_the_component_to_the_last_digit) {
   const Meter meter = importedMeter(db);
   for (const std::string& name : db.seriesOf(meter)) {
     const bool isRatio = name == "Ratio";
-    const Fit fit = db.fit(meter, name, {.band = 0.3, .ratio = isRatio});
+    const Fit fit =
+        db.fit(meter, name, {.band = 0.3, .ratio = isRatio, .choice = Choice::adjustedR2});
     ASSERT_TRUE(fit.accepted()) << name << ": " << fit.reason();
 
     platform().messageBox = [](const std::string&, int, const std::string&) { return 1; };
@@ -111,7 +112,7 @@ TEST_F(Fits, refuse_points_that_are_none) {
 TEST_F(Fits, say_in_a_clause_why_there_is_no_curve) {
   PointArray spoiled = smoothPoints(20);
   spoiled(9, 1) *= 1.05;
-  const Fit fit = calibration::fit(std::vector{spoiled});
+  const Fit fit = calibration::fit(std::vector{spoiled}, {.choice = Choice::adjustedR2});
   EXPECT_FALSE(fit.accepted());
   EXPECT_THAT(fit.reason(), HasSubstr("band"));
   EXPECT_TRUE(fit.curve.empty());

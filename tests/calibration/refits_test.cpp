@@ -94,15 +94,15 @@ TEST_F(Refits, name_what_other_programs_stored_without_a_name_or_number) {
 class RefitsBesideAnotherProgram : public Refits {
  protected:
   RefitResult refitWhile(const std::function<void(Database& other)>& change) {
-    constexpr double changedPercent = 0.01;
+    const RefitOptions options;
     const auto session = std::make_shared<Session>(path(), OpenOptions{});
     const Database lab(session);
-    RefitCurve curve = fitAgain(lab, readAgain(lab, *session, {meter_, "A"}), changedPercent);
+    RefitCurve curve = fitAgain(lab, readAgain(lab, *session, {meter_, "A"}), options);
     EXPECT_TRUE(curve.isToBeStored());
     Database other = open(path());
     change(other);
     session->begin("refit");
-    storeAgain(lab, *session, changedPercent, curve);
+    storeAgain(lab, *session, options, curve);
     session->commit();
     return curve.result;
   }
@@ -150,6 +150,37 @@ TEST_F(Refits, store_nothing_in_a_dry_run) {
   EXPECT_EQ(outcome.results[1].kind, RefitResultKind::changed);
   EXPECT_TRUE(outcome.kept.empty());
   EXPECT_EQ(db_.series(meter_, "B").curve, before);
+}
+
+TEST_F(Refits, change_the_settings_that_are_kept_and_keep_the_new_ones) {
+  RefitOptions options;
+  options.change.fitMin = 20;
+  options.change.without = {{"Polynomial 2nd Order"}};
+  const RefitOutcome outcome = db_.refit({{meter_, "A"}}, options);
+  EXPECT_TRUE(outcome.results[0].isStored);
+  EXPECT_NE(outcome.results[0].equation, "Polynomial 2nd Order");
+  const StoredSeries stored = db_.series(meter_, "A");
+  EXPECT_GE(stored.curve(0, 0), 20);
+  EXPECT_EQ(stored.settings->FitMin, 20);
+  EXPECT_FALSE(db_.refit({{meter_, "A"}}, options).results[0].isStored);
+  // A rule that chooses the same equation is kept, too.
+  RefitOptions rule;
+  rule.change.choice = Choice::adjustedR2;
+  (void)db_.refit({{meter_, "B"}}, rule);
+  EXPECT_EQ(db_.series(meter_, "B").settings->Choice, "adjusted-r2");
+}
+
+TEST_F(Refits, store_no_curve_with_a_warning_if_they_must_not) {
+  PointArray spoiled = smoothPoints(12);
+  for (std::size_t i = 0; i < spoiled.size(); ++i) spoiled(i, 1) *= i % 2 == 0 ? 1.0002 : 0.9998;
+  spoiled(5, 1) *= 1.02;
+  db_.storeRaw(meter_, "B", 1, spoiled);
+  const PointArray before = db_.series(meter_, "B").curve;
+  const RefitOutcome strict = db_.refit(db_.allSeries(), {.isStrict = true});
+  EXPECT_EQ(strict.results[1].kind, RefitResultKind::notFitted);
+  EXPECT_THAT(strict.results[1].reason, testing::HasSubstr("Point 6 of part 1"));
+  EXPECT_EQ(db_.series(meter_, "B").curve, before);
+  EXPECT_TRUE(db_.refit(db_.allSeries()).results[1].isStored);
 }
 
 TEST_F(Refits, end_where_the_caller_asks_for_it) {

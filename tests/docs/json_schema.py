@@ -45,10 +45,11 @@ def outputs(folder):
     with open(result, "w", encoding="ascii", newline="\r\n") as file:
         file.write("one\ntwo\nthree\n" + "".join(f"{x} {2 + x / 100}\n" for x in range(1, 9)))
 
+    begin = {"report": [curves, "-o", "-"], "equations": [], "import-access": []}
+
     def run(command, *arguments, code=0):
-        files = {"report": [curves, "-o", "-"], "import-access": []}.get(command, [curves])
-        ended = subprocess.run([PROGRAM, command, *files, *arguments, "--json"], capture_output=True, text=True,
-                               encoding="utf-8")
+        ended = subprocess.run([PROGRAM, command, *begin.get(command, [curves]), *arguments,
+                                "--json"], capture_output=True, text=True, encoding="utf-8")
         if ended.returncode != code:
             raise AssertionError(f"{command} ended with {ended.returncode}, not {code}: {ended.stderr}")
         return json.loads(ended.stdout)
@@ -74,8 +75,10 @@ def outputs(folder):
             cut.write(file.read()[:-4096])
         yield "import-access", run("import-access", cut.name, os.path.join(folder, "part.db"), code=PROBLEMS)
     yield "fit", run("fit", *series)
-    yield "fit", run("fit", *series, "--band", "0.01", code=BAND_FAILED)
-    yield "refit", run("refit", "--all", code=BAND_FAILED)
+    yield "fit", run("fit", *series, "--band", "0.01", "--choose", "adjusted-r2", code=BAND_FAILED)
+    yield "fit", run("fit", "--meter", "V", "--series", "Shedding", "--fit-min", "8", "--strict", "--dry-run", code=BAND_FAILED)
+    yield "equations", run("equations")
+    yield "refit", run("refit", "--all")
     yield "refit", run("refit", "--meter", "M1", "--dry-run")
     yield "evaluate", run("evaluate", "5", "5000", *series)
     yield "compare", run("compare", *series)

@@ -69,7 +69,7 @@ class completion : public CommandTest {
 TEST_F(completion, of_bash_offers_commands_and_options) {
   EXPECT_THAT(bash({"im"}),
               AllOf(HasSubstr("import\n"), HasSubstr("import-curve\n"), Not(HasSubstr("init"))));
-  EXPECT_THAT(bash({"fit", curves, "--on"}), testing::Eq("--on-range\n"));
+  EXPECT_THAT(bash({"fit", curves, "--on-"}), testing::Eq("--on-range\n"));
   EXPECT_THAT(bash({"fit", curves, "--on-range", ""}), testing::Eq("abort\nretry\nignore\n"));
 }
 

@@ -58,7 +58,8 @@ TEST_F(curve_settings, stay_where_no_equation_passes) {
   const std::string query = "select * from pelmora_fit_settings order by SeriesID";
   const auto before = rows(query);
   ASSERT_EQ(before.size(), 4U);
-  trouble(6, {"fit", curves, "--meter", "M1", "--series", "Rotor A", "--band", "0.0001"});
+  trouble(6, {"fit", curves, "--meter", "M1", "--series", "Rotor A", "--band", "0.0001", "--choose",
+              "adjusted-r2"});
   EXPECT_EQ(rows(query), before);
 }
 

@@ -56,9 +56,9 @@ TEST_F(import_access_command, proves_that_every_row_of_the_file_was_written) {
 
 TEST_F(import_access_command, keeps_ids_and_numbers_as_the_file_has_them) {
   done({"import-access", accessFile("curves.mdb"), curves});
+  // On standard error: in the file, the merged points of this series are not those of its parts.
   const auto shown =
-      done({"show", curves, "--meter", "TF-10021", "--series", "TF-10021 recal 2", "--json"})
-          .json();
+      run({"show", curves, "--meter", "TF-10021", "--series", "TF-10021 recal 2", "--json"}).json();
   EXPECT_EQ(shown["seriesId"], 2);
   std::vector<std::vector<double>> written;
   const auto rows = rowsOf(accessFile("curves.raw1.csv"));
@@ -126,7 +126,7 @@ TEST_F(import_access_command, access_file_is_a_curve_database_to_read) {
     auto of = [&](const std::string& database) {
       Arguments arguments{command, database};
       arguments.insert(arguments.end(), series.begin(), series.end());
-      auto json = done(arguments).json();
+      auto json = run(arguments).json();
       json.erase("database");
       return json;
     };

@@ -111,7 +111,7 @@ TEST_F(report_command, leaves_the_old_file_where_the_report_fails) {
 TEST_F(report_command, repeats_a_fit_by_the_settings_that_were_kept) {
   const std::string equations = write("own.txt", "Third order\ta+b*ln(x)+c*ln(x)^2+d*ln(x)^3\n");
   done({"fit", curves, "--meter", "M1", "--series", "Rotor A", "--min", "60", "--max", "900",
-        "--band", "1", "--points", "17", "--equations", equations});
+        "--band", "1", "--points", "17", "--equations", equations, "--choose", "adjusted-r2"});
   std::filesystem::remove(equations);
   const auto series = model({"--series", "Rotor A"})["series"][0];
   EXPECT_EQ(series["chosen"], "Third order");
@@ -123,7 +123,7 @@ TEST_F(report_command, repeats_a_fit_by_the_settings_that_were_kept) {
 
 TEST_F(report_command, reads_settings_that_were_not_kept_from_report_and_curve) {
   done({"fit", curves, "--meter", "M1", "--series", "Rotor A", "--min", "60", "--max", "900",
-        "--band", "1", "--points", "30"});
+        "--band", "1", "--points", "30", "--choose", "adjusted-r2"});
   change("DROP TABLE pelmora_fit_settings");
   const auto series = model({"--series", "Rotor A"})["series"][0];
   EXPECT_EQ(series["settings"]["kept"], false);

@@ -49,7 +49,7 @@ TEST(plot_of_a_fit, marks_the_points_that_the_merge_left_out) {
 TEST(plot_of_a_fit, is_there_without_a_curve) {
   PointArray points = straightInTheLogarithm(12);
   points(5, 1) = 9;
-  const Fit fitted = fit(std::vector<PointArray>{points});
+  const Fit fitted = fit(std::vector<PointArray>{points}, {.choice = Choice::adjustedR2});
   ASSERT_FALSE(fitted.accepted());
   EXPECT_THAT(plotOf(fitted), HasSubstr("<svg"));
 }

@@ -20,8 +20,21 @@ struct CalibrateRequest {
   DatabaseOption curves;
   ImportOptions import;
   FitTests tests;
+  FitChoices choices;
   bool asJson = false, isDryRun = false;
 };
+
+// The fit of one series by itself, for what is suggested.
+FitCall callOf(const CalibrateRequest& request, const std::string& series) {
+  FitCall call{.database = request.curves.path,
+               .meter = request.import.meter,
+               .series = series,
+               .calibration = request.import.calibration,
+               .tests = request.tests,
+               .choices = request.choices};
+  call.ratio = series == "Ratio";
+  return call;
+}
 
 struct Calibrated {
   ImportOutcome import;
@@ -42,14 +55,17 @@ CheckedFit notRun(const calibration::Meter& meter, const calibration::DerivedSer
 }
 
 CheckedFit fitted(CommandChange& change, const calibration::Meter& meter,
-                  const calibration::DerivedSeries& derived, const FitTests& tests) {
+                  const calibration::DerivedSeries& derived, const CalibrateRequest& request) {
   const auto ownTrouble = [&](const Trouble& trouble) {
     // What is half stored must not stay.
     if (trouble.code() == ExitCode::database) throw Trouble(trouble);
     return notRun(meter, derived, trouble);
   };
   try {
-    return fitSeries(change, meter, derived.name, fitSettings(tests, derived.name == "Ratio"));
+    const bool isRatio = derived.name == "Ratio";
+    return fitSeries(
+        change, meter, derived.name,
+        {fitSettings(request.tests, request.choices, isRatio), request.choices.isStrict});
   } catch (const Trouble& trouble) {
     return ownTrouble(trouble);
   } catch (const calibration::Failure& failure) {
@@ -63,12 +79,25 @@ std::string storedCurvesText(const std::vector<CheckedFit>& fits, bool isDryRun)
   return isDryRun ? "Curves to be stored" : "Curves are stored";
 }
 
-std::string calibrationText(const std::string& database, const Calibrated& done, double band,
-                            bool isDryRun) {
+// "The merge cut 8 points of Rotor A and 8 of Rotor B"; empty if it cut none.
+std::string cutText(const std::vector<CheckedFit>& fits) {
+  std::string text;
+  for (const CheckedFit& checked : fits) {
+    if (checked.fit.cut.empty()) continue;
+    text += (text.empty() ? "The merge cut " + counted(checked.fit.cut.size(), "point")
+                          : ", " + std::to_string(checked.fit.cut.size())) +
+            " of " + checked.fit.series;
+  }
+  return text.empty() ? text : wrapped(text + "; 'pelmora points' lists them.", 0);
+}
+
+std::string calibrationText(const CalibrateRequest& request, const Calibrated& done, double band) {
+  const std::string& database = request.curves.path;
   const calibration::Meter& meter = done.import.imported.meter;
   std::string text =
       importText(database, done.import) + "\n" + chosenTable(done.fits) + "\n" +
-      wrapped(storedCurvesText(done.fits, isDryRun) + " in " + database + ", meter " +
+      cutText(done.fits) +
+      wrapped(storedCurvesText(done.fits, request.isDryRun) + " in " + database + ", meter " +
                   meter.serial + ", calibration " + std::to_string(meter.calibration) + "; band " +
                   significantText(band, 4) + " %.",
               0);
@@ -79,15 +108,17 @@ std::string calibrationText(const std::string& database, const Calibrated& done,
     } else if (!fit.outcome.Warnings.empty()) {
       text += "\n" + fit.series + "\n" + warningLines(fit);
     }
+    text += stepLines(fit, stepsFor(fit, callOf(request, fit.series)));
   }
   return text;
 }
 
-nlohmann::json calibrationJson(const std::string& database, const Calibrated& done) {
+nlohmann::json calibrationJson(const CalibrateRequest& request, const Calibrated& done) {
   nlohmann::json value = importJson(done.import);
-  value["database"] = database;
+  value["database"] = request.curves.path;
   value["fits"] = nlohmann::json::array();
-  for (const CheckedFit& checked : done.fits) value["fits"].push_back(fitJson(checked));
+  for (const CheckedFit& checked : done.fits)
+    value["fits"].push_back(fitJson(checked, callOf(request, checked.fit.series)));
   return value;
 }
 
@@ -111,21 +142,20 @@ void requireAll(const Calibrated& done) {
 void calibrate(const CalibrateRequest& request) {
   const ImportRequest runs = importRequest(request.import);
   // Read before anything is changed: Rotor A needs them in any case.
-  const calibration::FitSettings settings = fitSettings(request.tests, false);
+  const calibration::FitSettings settings = fitSettings(request.tests, request.choices, false);
   Session session(request.curves, calibration::Mode::write);
   CommandChange change(session, "calibrate", request.isDryRun);
   Calibrated done{importRuns(change, runs), {}};
   for (const calibration::DerivedSeries& derived : done.import.imported.series)
-    done.fits.push_back(fitted(change, done.import.imported.meter, derived, request.tests));
+    done.fits.push_back(fitted(change, done.import.imported.meter, derived, request));
   change.finish();
   session.progress().clear();
   if (request.asJson) {
-    nlohmann::json value = calibrationJson(session.path(), done);
+    nlohmann::json value = calibrationJson(request, done);
     change.addTo(value);
     printData(jsonText(value));
   } else {
-    printData(calibrationText(session.path(), done, settings.band, request.isDryRun) +
-              change.closingText());
+    printData(calibrationText(request, done, settings.band) + change.closingText());
   }
   requireAll(done);
 }
@@ -141,6 +171,7 @@ void addCalibrateCommand(Program& program) {
   addDatabase(command, request->curves);
   addImport(command, request->import);
   addFitTests(command, request->tests);
+  addFitChoices(command, request->choices, usualChoice());
   addDryRun(command, request->isDryRun);
   addJson(command, request->asJson);
   command.onRun([request] { calibrate(*request); });

@@ -12,6 +12,7 @@ void addImportCurveCommand(Program& program);
 void addImportAccessCommand(Program& program);
 void addRawCommand(Program& program);
 void addCompareCommand(Program& program);
+void addEquationsCommand(Program& program);
 void addEvaluateCommand(Program& program);
 void addExportCommand(Program& program);
 void addFitCommand(Program& program);

@@ -2,6 +2,7 @@
 #include "apps/pelmora/commands/commands.h"
 #include "apps/pelmora/options/common_options.h"
 #include "apps/pelmora/options/strict_number.h"
+#include "apps/pelmora/output/curve_note.h"
 #include "apps/pelmora/output/standard_output.h"
 #include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/session.h"
@@ -109,6 +110,8 @@ std::string comparisonJson(const CompareRequest& request, const Compared& result
                        {"series", result.now.name},
                        {"earlier", report::meterJson(result.earlier.meter)},
                        {"now", report::meterJson(result.now.meter)},
+                       {"earlierCurveAge", calibration::curveAgeKey(result.earlier.age)},
+                       {"curveAge", calibration::curveAgeKey(result.now.age)},
                        {"meanPercent", result.shift.meanPercent},
                        {"lowest", shiftJson(result.shift.lowest)},
                        {"highest", shiftJson(result.shift.highest)},
@@ -118,8 +121,18 @@ std::string comparisonJson(const CompareRequest& request, const Compared& result
   return report::jsonText(value);
 }
 
+// One line, though two curves may be old.
+void noteOldOne(const CompareRequest& request, const Compared& result) {
+  if (result.now.age == calibration::CurveAge::outdated)
+    return noteOldCurves(request.curves.path, request.calibration, {result.now});
+  const std::string& earlierPath =
+      request.otherPath.empty() ? request.curves.path : request.otherPath;
+  noteOldCurves(earlierPath, result.earlier.meter.calibration, {result.earlier});
+}
+
 void compare(const CompareRequest& request) {
   const Compared result = compared(request);
+  noteOldOne(request, result);
   printData(request.asJson ? comparisonJson(request, result) : comparisonText(request, result));
   const double largest = std::abs(result.shift.largest().percent);
   if (!request.tolerance || largest <= *request.tolerance) return;

@@ -2,6 +2,7 @@
 #include "apps/pelmora/commands/commands.h"
 #include "apps/pelmora/options/common_options.h"
 #include "apps/pelmora/options/strict_number.h"
+#include "apps/pelmora/output/curve_note.h"
 #include "apps/pelmora/output/standard_output.h"
 #include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/session.h"
@@ -97,10 +98,12 @@ void evaluate(const EvaluateRequest& request) {
   const Curve curve = lab.curve(series, session.observer());
   const std::vector<CurveValue> values = valuesAt(curve, numbers, request.isInverse);
   session.progress().clear();
+  noteOldCurves(session.path(), request.calibration, {series});
   if (!request.asJson) return printData(valuesText(curve, values, request.isInverse));
   printData(report::jsonText({{"database", session.path()},
                               {"meter", report::meterJson(meter)},
                               {"series", series.name},
+                              {"curveAge", calibration::curveAgeKey(series.age)},
                               {"halfWidthsOf", request.isInverse ? "roshko" : "strouhal"},
                               {"values", valuesJson(values)}}));
 }

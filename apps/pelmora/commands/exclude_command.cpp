@@ -64,7 +64,7 @@ std::string listed(const std::vector<std::string>& names) {
 }
 
 std::string nextSteps(const ExclusionRequest& request, const calibration::ExclusionChange& change,
-                      bool hasCurve) {
+                      calibration::CurveAge age) {
   std::string text;
   if (!change.sameReadings.empty()) {
     const bool areSeveral = change.sameReadings.size() > 1;
@@ -74,11 +74,16 @@ std::string nextSteps(const ExclusionRequest& request, const calibration::Exclus
             " not changed; add --with-derived to change " + (areSeveral ? "them" : "it") + " too.",
         0);
   }
-  if (!hasCurve || request.isDryRun) return text;
-  std::vector<std::string> words{"fit", request.curves.path};
+  if (request.isDryRun || age == calibration::CurveAge::current) return text;
+  // With the settings that are kept, if there is a curve.
+  const bool hasCurve = age != calibration::CurveAge::none;
+  std::vector<std::string> words{hasCurve ? "refit" : "fit", request.curves.path};
   addSeriesWords(words, request.meter, request.reCalID, request.series);
-  return text + wrapped("The stored curve is older than the points now. Fit it again:", 0) + "  " +
-         suggestedCommand(words) + "\n";
+  return text +
+         wrapped(hasCurve ? "The stored curve is older than the points now. Fit it again:"
+                          : "No curve is stored for the series yet. Fit it:",
+                 0) +
+         "  " + suggestedCommand(words) + "\n";
 }
 
 std::string headline(const ExclusionRequest& request, const calibration::ExclusionChange& change) {
@@ -111,9 +116,8 @@ void changeExclusions(const ExclusionRequest& request) {
   const calibration::StoredSeries stored = lab.series(meter, request.series);
   change.finish();
   if (!request.asJson) {
-    const bool isOld = stored.age == calibration::CurveAge::outdated;
     std::string text = headline(request, outcome) + droppedLines(outcome.dropped);
-    if (!outcome.points.empty()) text += "\n" + nextSteps(request, outcome, isOld);
+    if (!outcome.points.empty()) text += "\n" + nextSteps(request, outcome, stored.age);
     return printData(text + change.closingText());
   }
   nlohmann::json points = nlohmann::json::array(), dropped = nlohmann::json::array();
@@ -125,7 +129,7 @@ void changeExclusions(const ExclusionRequest& request) {
                        {"points", points},
                        {"sameReadings", outcome.sameReadings},
                        {"dropped", dropped},
-                       {"curve", curveAgeKey(stored.age)}};
+                       {"curve", calibration::curveAgeKey(stored.age)}};
   if (request.isExclusion) value["reason"] = request.reason;
   change.addTo(value);
   printData(report::jsonText(value));

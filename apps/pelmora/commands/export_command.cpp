@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/commands/commands.h"
 #include "apps/pelmora/options/common_options.h"
+#include "apps/pelmora/output/curve_note.h"
 #include "apps/pelmora/output/output_file.h"
 #include "apps/pelmora/output/standard_output.h"
 #include "apps/pelmora/session.h"
@@ -61,10 +62,15 @@ std::string tablesCsv(const std::vector<PointTable>& tables) {
 }
 
 std::string tablesJson(const std::string& database, const calibration::Meter& meter,
+                       const std::vector<calibration::StoredSeries>& all,
                        const std::vector<PointTable>& tables) {
   nlohmann::json value{{"database", database},
                        {"meter", report::meterJson(meter)},
+                       {"curveAges", nlohmann::json::array()},
                        {"tables", nlohmann::json::array()}};
+  for (const calibration::StoredSeries& series : all)
+    value["curveAges"].push_back(
+        {{"series", series.name}, {"curveAge", calibration::curveAgeKey(series.age)}});
   for (const PointTable& table : tables) {
     value["tables"].push_back({{"series", table.series},
                                {"points", table.kind},
@@ -78,9 +84,11 @@ void exportPoints(const ExportRequest& request) {
   Session session(request.curves, calibration::Mode::read);
   const calibration::Database& lab = session.database();
   const calibration::Meter meter = lab.meter(request.meter, request.calibration);
-  const auto tables = tablesOf(lab.everySeries(meter, request.series), request.what);
+  const auto all = lab.everySeries(meter, request.series);
+  const auto tables = tablesOf(all, request.what);
   const std::string text =
-      request.asJson ? tablesJson(session.path(), meter, tables) : tablesCsv(tables);
+      request.asJson ? tablesJson(session.path(), meter, all, tables) : tablesCsv(tables);
+  if (request.what != "raw") noteOldCurves(session.path(), request.calibration, all);
   if (request.output == "-") return printData(text);
   writeOutputFile(request.output, text);
 }

@@ -44,13 +44,11 @@ void list(const HistoryRequest& request) {
         report::jsonText({{"database", session.path()}, {"entries", entriesJson(entries)}}));
   }
   if (entries.empty()) return printData("Nothing that was replaced is kept here.\n");
-  printData(
-      entriesTable(entries) + "\n" +
-      wrapped(
-          "Points are those that were there before each command. Bring an entry's rows back with "
-          "'pelmora restore " +
-              session.path() + " #'.",
-          0));
+  printData(entriesTable(entries) + "\n" +
+            wrapped("Points are those that were there before each command, Out those that were "
+                    "excluded. Bring an entry's rows back with 'pelmora restore " +
+                        session.path() + " #'.",
+                    0));
 }
 
 void prune(const HistoryRequest& request) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/commands/commands.h"
 #include "apps/pelmora/options/common_options.h"
+#include "apps/pelmora/output/curve_note.h"
 #include "apps/pelmora/output/point_output.h"
 #include "apps/pelmora/output/series_drawing.h"
 #include "apps/pelmora/output/standard_output.h"
@@ -37,8 +38,7 @@ void plot(const PlotRequest& request) {
                      std::to_string(meter.calibration) + ": " + pointCounts(series.points);
   if (stored.curve.empty()) head += "; no stored curve";
   printData(wrapped(head, 0) + picture);
-  if (const std::string warning = stored.ageWarning(); !warning.empty())
-    std::fprintf(stderr, "pelmora: note: %s\n", oneLine(warning).c_str());
+  noteOldCurves(session.path(), request.reCalID, {stored});
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "apps/pelmora/output/point_output.h"
 #include "apps/pelmora/output/standard_output.h"
 #include "apps/pelmora/output/suggested_command.h"
+#include "apps/pelmora/output/suggested_exclusion.h"
 #include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/session.h"
 #include "report/json_values.h"
@@ -33,14 +34,8 @@ bool isSuspect(const calibration::RawPoint& point) {
 // The points that the smooth curve through the others distrusts, with what leaves them out.
 std::string suspectLines(const PointsRequest& request, const std::string& series,
                          const std::vector<calibration::RawPoint>& points) {
-  std::string text, commands;
-  std::vector<std::string> words;
-  const auto endCommand = [&] {
-    if (words.empty()) return;
-    words.insert(words.end(), {"--reason", "..."});
-    commands += "  " + suggestedCommand(words) + "\n";
-  };
-  int part = 0;
+  std::string text;
+  std::vector<SuspectPoint> suspects;
   for (const calibration::RawPoint& point : points) {
     if (!isSuspect(point)) continue;
     text +=
@@ -48,17 +43,14 @@ std::string suspectLines(const PointsRequest& request, const std::string& series
                     " at Roshko " + significantText(point.roshko, 6) + " lies " +
                     fixedText(std::fabs(*point.sigmas), 1) + " sigmas off its neighbours.",
                 0);
-    if (point.part != part) {
-      endCommand();
-      part = point.part;
-      words = {"exclude", request.curves.path};
-      addSeriesWords(words, request.meter, request.reCalID, series);
-      words.insert(words.end(), {"--part", std::to_string(part)});
-    }
-    words.insert(words.end(), {"--point", std::to_string(point.number)});
+    suspects.push_back({point.part, point.number, *point.sigmas});
   }
-  endCommand();
-  return text.empty() ? "" : "\n" + text + "If you know why, leave them out:\n" + commands;
+  if (text.empty()) return text;
+  text = "\n" + text + "If you know why, leave them out:\n";
+  for (const std::string& command :
+       exclusionCommands({request.curves.path, request.meter, request.reCalID, series}, suspects))
+    text += "  " + command + "\n";
+  return text;
 }
 
 std::string formerLines(const calibration::StoredSeries& stored) {
@@ -81,7 +73,7 @@ void listPoints(const PointsRequest& request) {
   const calibration::CurveAge age = lab.curveAge(stored);
   if (request.asJson) {
     nlohmann::json list = nlohmann::json::array();
-    for (const auto& point : points) list.push_back(rawPointJson(point));
+    for (const auto& point : points) list.push_back(report::rawPointJson(point));
     nlohmann::json former = nlohmann::json::array();
     for (const auto& point : stored.excludedBefore) {
       former.push_back(
@@ -93,7 +85,7 @@ void listPoints(const PointsRequest& request) {
     return printData(report::jsonText({{"database", session.path()},
                                        {"meter", report::meterJson(meter)},
                                        {"series", stored.name},
-                                       {"curve", curveAgeKey(age)},
+                                       {"curve", calibration::curveAgeKey(age)},
                                        {"points", list},
                                        {"excludedBefore", former}}));
   }
@@ -107,7 +99,7 @@ void listPoints(const PointsRequest& request) {
   if (!excluded.empty()) text += "\n" + excluded;
   text += suspectLines(request, stored.name, points);
   if (age == calibration::CurveAge::outdated) {
-    std::vector<std::string> words{"fit", request.curves.path};
+    std::vector<std::string> words{"refit", request.curves.path};
     addSeriesWords(words, request.meter, request.reCalID, stored.name);
     text += "\n" + wrapped("The stored curve is older than these points. Fit it again:", 0) + "  " +
             suggestedCommand(words) + "\n";

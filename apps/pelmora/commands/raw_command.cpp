@@ -6,6 +6,7 @@
 #include "apps/pelmora/options/names.h"
 #include "apps/pelmora/options/strict_number.h"
 #include "apps/pelmora/output/standard_output.h"
+#include "apps/pelmora/output/suggested_command.h"
 #include "apps/pelmora/output/point_output.h"
 #include "apps/pelmora/output/text_table.h"
 #include "report/json_values.h"
@@ -41,6 +42,14 @@ std::string summary(const RawRequest& request, const calibration::Meter& meter,
   return wrapped(text, 0);
 }
 
+// The fit that the points are for.
+std::string nextStep(const RawRequest& request) {
+  if (request.isDryRun) return {};
+  std::vector<std::string> words{"fit", request.curves.path};
+  addSeriesWords(words, request.meter, request.calibration, request.series);
+  return "Fit them: " + suggestedCommand(words) + "\n";
+}
+
 void raw(const RawRequest& request) {
   requireNewName("--meter", request.meter);
   requireNewName("--series", request.series);
@@ -57,7 +66,8 @@ void raw(const RawRequest& request) {
   change.finish();
   if (!request.asJson)
     return printData(summary(request, meter, points) +
-                     exclusionText(stored.excluded, stored.dropped) + change.closingText());
+                     exclusionText(stored.excluded, stored.dropped) + nextStep(request) +
+                     change.closingText());
   nlohmann::json value{{"meter", report::meterJson(meter)},
                        {"series", request.series},
                        {"rawPart", request.part},

@@ -3,6 +3,7 @@
 #include "apps/pelmora/interruption.h"
 #include "apps/pelmora/last_words.h"
 #include "apps/pelmora/options/common_options.h"
+#include "apps/pelmora/options/fit_options.h"
 #include "apps/pelmora/options/names.h"
 #include "apps/pelmora/options/strict_number.h"
 #include "apps/pelmora/output/refit_output.h"
@@ -33,6 +34,7 @@ struct RefitRequest {
   std::int16_t calibration = -1;
   std::size_t threads = std::max(1U, std::thread::hardware_concurrency());
   double changedPercent = calibration::RefitOptions().changedPercent;
+  FitChoices choices;
   bool all = false, isDryRun = false, asJson = false;
 };
 
@@ -99,6 +101,8 @@ void refit(const RefitRequest& request) {
   options.threads = std::clamp<std::size_t>(tasks.size(), 1, request.threads);
   options.changedPercent = request.changedPercent;
   options.isDryRun = request.isDryRun;
+  options.change = request.choices.change();
+  options.isStrict = request.choices.isStrict;
   options.portionStored = [&](std::size_t curves) { noteSeriesStored(curves, tasks.size()); };
   calibration::Observer observer;
   observer.progress = [&](std::size_t done, std::size_t of) {
@@ -141,6 +145,11 @@ void addRefitCommand(Program& program) {
         throw Trouble(ExitCode::usage, "--changed: '" + text + "' is negative",
                       "give per cent, 0 or more");
       });
+  addFitChoices(command, request->choices,
+                "as the curve was fitted; " + usualChoice() + " for a series without a curve");
+  command.setFooter(
+      "An option replaces the setting that is kept with each curve, and is kept with the new "
+      "curve. 'pelmora fit' begins with none.");
   addDryRun(command, request->isDryRun);
   addJson(command, request->asJson);
   command.onRun([request] { refit(*request); });

@@ -2,6 +2,8 @@
 #include "apps/pelmora/commands/commands.h"
 #include "apps/pelmora/input/fit_input.h"
 #include "apps/pelmora/options/common_options.h"
+#include "apps/pelmora/options/fit_options.h"
+#include "apps/pelmora/output/curve_note.h"
 #include "apps/pelmora/output/output_file.h"
 #include "apps/pelmora/output/standard_output.h"
 #include "apps/pelmora/output/text_table.h"
@@ -80,6 +82,7 @@ void writeReport(const ReportRequest& request) {
       lab, meter, reportKind,
       {request.series, unkeptSettings(request.unkept, series), session.observer()});
   session.progress().clear();
+  noteOldCurves(session.path(), request.calibration, lab.everySeries(meter, request.series));
   if (isStandardOutput) return printData(content);
   writeOutputFile(request.output, content);
   printData(wrapped("Wrote the report of meter " + meter.serial + ", calibration " +

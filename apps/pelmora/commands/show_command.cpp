@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/commands/commands.h"
 #include "apps/pelmora/options/common_options.h"
+#include "apps/pelmora/output/curve_note.h"
 #include "apps/pelmora/output/meter_list.h"
 #include "apps/pelmora/output/standard_output.h"
 #include "apps/pelmora/output/stored_tables.h"
@@ -35,10 +36,12 @@ void show(const ShowRequest& request) {
   const calibration::Meter meter = lab.meter(request.meter, request.calibration);
   if (!request.series.empty()) {
     const calibration::StoredSeries series = lab.series(meter, request.series);
+    noteOldCurves(session.path(), request.calibration, {series});
     return printData(request.asJson ? seriesJson(series) : seriesText(series));
   }
   const CalibrationContents contents{session.path(), meter, lab.runs(meter),
                                      lab.everySeries(meter)};
+  noteOldCurves(session.path(), request.calibration, contents.series);
   printData(request.asJson ? calibrationJson(contents) : calibrationText(contents));
 }
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "apps/pelmora/options/common_options.h"
+#include "apps/pelmora/options/fit_options.h"
 
 #include <pelmora/calibration/fit.h>
 
@@ -16,7 +16,11 @@ namespace pelmora::cli {
 // Errors: Trouble badInput for a file that cannot be read; BadData if it holds no equation.
 [[nodiscard]] calibration::EquationList readEquations(const std::string& source, bool ratio);
 
-// What is not given stays as FitSettings has it. Errors: the same.
-[[nodiscard]] calibration::FitSettings fitSettings(const FitTests& tests, bool ratio);
+// What is not given stays as FitSettings has it.
+//
+// Errors: the same; Trouble usage for the name of an equation that is not there, and if the options
+//         leave no equation to try.
+[[nodiscard]] calibration::FitSettings fitSettings(const FitTests& tests, const FitChoices& choices,
+                                                   bool ratio);
 
 }  // namespace pelmora::cli

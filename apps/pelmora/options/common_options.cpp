@@ -6,8 +6,6 @@
 #include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/trouble.h"
 
-#include <pelmora/calibration/fit.h>
-
 #include <cmath>
 #include <limits>
 
@@ -15,7 +13,6 @@ namespace pelmora::cli {
 namespace {
 
 constexpr double mostSeconds = 86400;
-const double usualBand = calibration::FitSettings().band;
 constexpr std::int64_t mostSmall = std::numeric_limits<std::int16_t>::max();
 
 }  // namespace
@@ -117,27 +114,6 @@ void addImport(Command& command, ImportOptions& options) {
   addCalibration(command, options.calibration);
   command.addFlag("--new-calibration", options.newCalibration,
                   "Start the meter's next calibration");
-}
-
-void addFitTests(Command& command, FitTests& options) {
-  command.addText({"--points", "N", "Points of the fitted curve (default 40)"},
-                  [&options](const std::string& text) {
-                    options.points =
-                        static_cast<std::int16_t>(integerOption("--points", text, 2, mostSmall));
-                  });
-  command.addText(
-      {"--band", "PERCENT",
-       "Band of the band test in per cent (default " + significantText(usualBand, 6) + ")"},
-      [&options](const std::string& text) {
-        options.band = numberOption("--band", text);
-        if (*options.band >= 0) return;
-        throw Trouble(ExitCode::usage, "--band: '" + text + "' is negative",
-                      "give per cent, 0 or more");
-      });
-  addPath(command,
-          {"--equations", "PATH",
-           "Equation file, or folder with 'equations.txt' and 'ratio equations.txt'"},
-          options.equations);
 }
 
 }  // namespace pelmora::cli

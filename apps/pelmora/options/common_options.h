@@ -48,12 +48,4 @@ struct ImportOptions {
 };
 void addImport(Command& command, ImportOptions& options);
 
-// What several commands share of a fit's options. Absent: not given.
-struct FitTests {
-  std::optional<double> band;
-  std::optional<std::int16_t> points;
-  std::string equations;  // folder or file; empty: the built-in equations
-};
-void addFitTests(Command& command, FitTests& options);
-
 }  // namespace pelmora::cli

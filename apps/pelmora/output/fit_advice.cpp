@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/output/fit_advice.h"
 
+#include "apps/pelmora/output/suggested_exclusion.h"
 #include "apps/pelmora/output/text_table.h"
 
 #include <pelmora/calibration/equations.h>
@@ -9,73 +10,131 @@
 namespace pelmora::cli {
 namespace {
 
+using calibration::Advice;
+using calibration::AdviceKind;
+using calibration::Fit;
+using calibration::JudgedPoint;
+
 bool takesLogarithm(const EquationOutcome& equation) {
   return equation.Expression.find("log(x)") != std::string::npos ||
          equation.Expression.find("ln(x)") != std::string::npos;
 }
 
-// A reciprocal of ln(x) has a pole at x = 1.
-bool hasPoleAtOne(const EquationOutcome& equation) {
-  return equation.Expression.find("/ln(x)") != std::string::npos ||
-         equation.Expression.find("/(ln(x))") != std::string::npos ||
-         equation.Expression.find("/log(x)") != std::string::npos;
+std::vector<std::string> exclusionsOf(const std::vector<JudgedPoint>& points, const FitCall& call) {
+  std::vector<SuspectPoint> suspects;
+  for (const JudgedPoint& point : points)
+    suspects.push_back({point.part, point.number, point.sigmas()});
+  return exclusionCommands({call.database, call.meter, call.calibration, call.series}, suspects);
 }
 
-bool isAround(const calibration::Fit& fit, double x) { return fit.min < x && fit.max > x; }
+std::vector<std::string> commandsFor(const Advice& advice, FitCall call) {
+  switch (advice.kind) {
+    case AdviceKind::checkPoint: return exclusionsOf(advice.points, call);
+    case AdviceKind::leaveOutEquation:
+    case AdviceKind::beginAboveOne: call.choices.without.push_back(advice.equation); break;
+    case AdviceKind::morePoints:
+      call.tests.points = static_cast<std::int16_t>(advice.tablePoints);
+      break;
+    case AdviceKind::widerBand: call.tests.band = advice.band; break;
+    case AdviceKind::trustedChoice: call.choices.given.choice = calibration::Choice::trusted; break;
+    case AdviceKind::measure:
+    case AdviceKind::moreData: return {};
+  }
+  return {fitCommand(call)};
+}
 
-}  // namespace
-
-std::string advice(const calibration::Fit& fit, const EquationOutcome& equation) {
-  const bool poleInRange = hasPoleAtOne(equation) && isAround(fit, 1);
-  const std::string aboveOne = "a range above 1 (--min 1.1), where 1/ln(x) has no pole";
-  switch (equation.Verdict) {
-    case EquationVerdict::noSolution: {
-      const auto parameters = calibration::parameterCount(equation.Expression);
-      if (!parameters) return "an expression that can be read (--equations)";
-      if (fit.fitted.size() <= *parameters) {
-        return "more points (it has " + counted(*parameters, "parameter") + ", the series " +
-               counted(fit.fitted.size(), "point") + ") or an equation file with fewer parameters";
-      }
-      if (takesLogarithm(equation) && !fit.fitted.empty() && fit.fitted(0, 0) <= 0) {
-        return "points with Roshko above 0, or an equation file without logarithms";
-      }
-      return "an equation file (--equations)";
-    }
-    case EquationVerdict::residualTestFailed:
-      return poleInRange ? aboveOne : "--ignore-residuals, or an equation file (--equations)";
-    case EquationVerdict::ratioTestFailed:
-      if (poleInRange) return aboveOne;
-      return "a narrower range (--min, --max), an equation file of lower orders (--equations), or "
-             "a fit without "
-             "--ratio";
-    case EquationVerdict::bandTestFailed: {
-      if (poleInRange) return aboveOne;
-      const auto band = calibration::passingBand(fit, equation);
-      return band ? "--band " + significantText(*band, 2)
-                  : "a narrower range (--min, --max) or more --points";
-    }
+// The same as an option, for the one line of trouble.
+std::string asOption(const Advice& advice) {
+  switch (advice.kind) {
+    case AdviceKind::leaveOutEquation:
+    case AdviceKind::beginAboveOne: return "--without '" + advice.equation + "'";
+    case AdviceKind::morePoints: return "--points " + std::to_string(advice.tablePoints);
+    case AdviceKind::widerBand: return "--band " + significantText(*advice.band, 2);
+    case AdviceKind::trustedChoice: return "--choose trusted";
     default: return {};
   }
 }
 
-std::string shortReason(const calibration::Fit& fit) {
+std::string sentence(std::string text) {
+  if (!text.empty() && text[0] >= 'a' && text[0] <= 'z')
+    text[0] = static_cast<char>(text[0] - 'a' + 'A');
+  return text;
+}
+
+std::string shortReason(const Fit& fit) {
   const EquationOutcome* best = calibration::nearestEquation(fit);
   if (best == nullptr) return "none was tried";
-  return "nearest was " + best->Name + " (" + calibration::rejection(*best) + ")";
+  std::string why = calibration::rejection(*best);
+  if (why.ends_with('.')) why.pop_back();
+  return "nearest was " + best->Name + " (" + withShortNumbers(why) + ")";
 }
 
-std::string shortAdvice(const calibration::Fit& fit) {
-  const EquationOutcome* best = calibration::nearestEquation(fit);
-  if (best == nullptr) return "check the equation file";
-  const std::string text = advice(fit, *best);
-  return text.empty() ? "try another range, band or an equation file" : "try " + text;
+std::string shortAdvice(const Fit& fit) {
+  const std::vector<Advice> list = calibration::adviceFor(fit);
+  if (list.empty() || list.front().kind == AdviceKind::moreData) {
+    const EquationOutcome* best = calibration::nearestEquation(fit);
+    const std::string wanted = best == nullptr ? "" : solutionAdvice(fit, *best);
+    if (!wanted.empty()) return "try " + wanted;
+    const auto& settings = fit.settings;
+    const bool isLimited = !settings.only.empty() || !settings.without.empty() || settings.maxOrder;
+    return isLimited ? "try more equations (--only, --without, --max-order)"
+                     : "look at the points with 'pelmora points'";
+  }
+  const std::string option = asOption(list.front());
+  return option.empty() ? list.front().text : "try " + option;
 }
 
-Trouble noCurveTrouble(const calibration::Fit& fit) {
-  return {ExitCode::notFitted,
-          "no equation passed the tests for series '" + fit.series + "' of meter '" +
-              fit.meter.serial + "': " + shortReason(fit),
+}  // namespace
+
+std::string solutionAdvice(const Fit& fit, const EquationOutcome& equation) {
+  if (equation.Verdict != EquationVerdict::noSolution) return {};
+  const auto parameters = calibration::parameterCount(equation.Expression);
+  if (!parameters) return "an expression that can be read (--equations)";
+  if (fit.fitted.size() <= *parameters) {
+    return "more points (it has " + counted(*parameters, "parameter") + ", the series " +
+           counted(fit.fitted.size(), "point") + ") or an equation file with fewer parameters";
+  }
+  if (takesLogarithm(equation) && !fit.fitted.empty() && fit.fitted(0, 0) <= 0)
+    return "points with Roshko above 0, or an equation file without logarithms";
+  return "an equation file (--equations)";
+}
+
+std::vector<AdvisedStep> stepsFor(const Fit& fit, const FitCall& call) {
+  std::vector<AdvisedStep> steps;
+  for (const Advice& advice : calibration::adviceFor(fit))
+    steps.push_back({advice, commandsFor(advice, call)});
+  return steps;
+}
+
+std::string stepLines(const Fit& fit, const std::vector<AdvisedStep>& steps) {
+  std::string lines;
+  for (const AdvisedStep& step : steps) {
+    // A warning has said so already.
+    if (fit.accepted() && step.commands.empty()) continue;
+    const bool hasWarned = fit.trust && step.advice.kind == AdviceKind::checkPoint;
+    const std::string text = hasWarned && fit.accepted()
+                                 ? "If you know what went wrong, leave the points out for good"
+                                 : sentence(step.advice.text);
+    lines += wrapped(text + (step.commands.empty() ? "." : ":"), 2);
+    for (const std::string& command : step.commands) lines += "    " + command + "\n";
+  }
+  return lines.empty() ? lines : "\nWhat would help\n" + lines;
+}
+
+Trouble noCurveTrouble(const Fit& fit) {
+  const std::string place = "series '" + fit.series + "' of meter '" + fit.meter.serial + "': ";
+  if (!fit.trouble.empty())
+    return {ExitCode::notFitted, "no curve for " + place + fit.trouble, "no curve was stored"};
+  return {ExitCode::notFitted, "no equation passed the tests for " + place + shortReason(fit),
           shortAdvice(fit) + "; no curve was stored"};
+}
+
+Trouble warningTrouble(const Fit& fit) {
+  const auto& warnings = fit.outcome.Warnings;
+  return {ExitCode::notFitted,
+          "the curve of series '" + fit.series + "' of meter '" + fit.meter.serial + "' has " +
+              counted(warnings.size(), "warning") + ": " + withShortNumbers(warnings.front().Text),
+          "leave --strict out to store it all the same; no curve was stored"};
 }
 
 }  // namespace pelmora::cli

@@ -99,17 +99,21 @@ std::string entriesTable(const std::vector<HistoryEntry>& entries) {
                    {"Cal", Align::right},
                    {"Series", Align::left},
                    {"Raw", Align::right},
+                   {"Out", Align::right},
                    {"Merged", Align::right},
                    {"Curve", Align::right},
                    {"User", Align::left}});
   for (const HistoryEntry& entry : entries) {
-    std::size_t raw = 0;
-    for (const char* part : {"raw1", "raw2", "raw3", "raw4"}) raw += rowsOf(entry, part);
-    table.addRow({std::to_string(entry.id), minuteText(entry.changedAt), entry.command,
-                  entry.serial, std::to_string(entry.calibration),
-                  entry.series.empty() ? "(all)" : entry.series, countText(raw),
-                  countText(rowsOf(entry, "merge")), countText(rowsOf(entry, "curve")),
-                  entry.userName.empty() ? "-" : entry.userName});
+    std::size_t raw = 0, excluded = 0;
+    for (const char* part : {"1", "2", "3", "4"}) {
+      raw += rowsOf(entry, std::string("raw") + part);
+      excluded += rowsOf(entry, std::string("pelmora_excluded") + part);
+    }
+    table.addRow(
+        {std::to_string(entry.id), minuteText(entry.changedAt), entry.command, entry.serial,
+         std::to_string(entry.calibration), entry.series.empty() ? "(all)" : entry.series,
+         countText(raw), countText(excluded), countText(rowsOf(entry, "merge")),
+         countText(rowsOf(entry, "curve")), entry.userName.empty() ? "-" : entry.userName});
   }
   return table.text();
 }

@@ -2,6 +2,7 @@
 #include "apps/pelmora/output/point_output.h"
 
 #include "apps/pelmora/output/text_table.h"
+#include "report/json_null.h"
 
 #include <nlohmann/json.hpp>
 
@@ -15,6 +16,7 @@ using calibration::DroppedExclusion;
 using calibration::PointState;
 using calibration::RawPoint;
 using Align = TextTable::Align;
+using report::orNull;
 
 std::string signedText(const std::optional<double>& value, int decimals) {
   if (!value) return "-";
@@ -33,11 +35,11 @@ std::size_t count(const std::vector<RawPoint>& points, PointState state) {
   return static_cast<std::size_t>(std::ranges::count(points, state, &RawPoint::state));
 }
 
-nlohmann::json orNull(const std::optional<double>& value) {
-  return value ? nlohmann::json(*value) : nlohmann::json();
-}
-nlohmann::json orNull(const std::string& text) {
-  return text.empty() ? nlohmann::json() : nlohmann::json(text);
+std::string exclusionLine(int part, std::size_t number, const calibration::Exclusion& exclusion) {
+  const std::string who = exclusion.userName.empty() ? "" : " by " + exclusion.userName;
+  return wrapped("Part " + std::to_string(part) + ", point " + std::to_string(number) +
+                     ": excluded" + who + " on " + exclusion.excludedAt + ": " + exclusion.reason,
+                 0);
 }
 
 }  // namespace
@@ -75,36 +77,27 @@ std::string pointCounts(const std::vector<RawPoint>& points) {
 std::string exclusionLines(const std::vector<RawPoint>& points) {
   std::string text;
   for (const RawPoint& point : points) {
-    if (!point.exclusion) continue;
-    const std::string who =
-        point.exclusion->userName.empty() ? "" : " by " + point.exclusion->userName;
-    text += wrapped("Part " + std::to_string(point.part) + ", point " +
-                        std::to_string(point.number) + ": excluded" + who + " on " +
-                        point.exclusion->excludedAt + ": " + point.exclusion->reason,
-                    0);
+    if (point.exclusion) text += exclusionLine(point.part, point.number, *point.exclusion);
   }
   return text;
 }
 
-nlohmann::json rawPointJson(const RawPoint& point) {
-  nlohmann::json exclusion;
-  if (point.exclusion) {
-    exclusion = {{"reason", point.exclusion->reason},
-                 {"user", point.exclusion->userName},
-                 {"excludedAt", point.exclusion->excludedAt}};
-  }
+std::string exclusionLines(const std::vector<calibration::ExcludedPoint>& points) {
+  std::string text;
+  for (const calibration::ExcludedPoint& point : points)
+    text += exclusionLine(point.part, point.number, point.exclusion);
+  return text;
+}
+
+nlohmann::json excludedPointJson(const calibration::ExcludedPoint& point) {
   return {{"part", point.part},
           {"number", point.number},
           {"job", orNull(point.job)},
-          {"fluid", orNull(point.fluid)},
           {"roshko", point.roshko},
           {"strouhal", point.strouhal},
-          {"residualPercent", orNull(point.residualPercent)},
-          {"sigmas", orNull(point.sigmas)},
-          {"suspect", point.isDistrusted},
-          {"state", calibration::pointStateKey(point.state)},
-          {"cutPercent", orNull(point.cutPercent)},
-          {"exclusion", exclusion}};
+          {"reason", point.exclusion.reason},
+          {"user", point.exclusion.userName},
+          {"excludedAt", point.exclusion.excludedAt}};
 }
 
 std::string changedPointsTable(const std::vector<ChangedPoint>& points) {
@@ -153,16 +146,6 @@ nlohmann::json droppedJson(const DroppedExclusion& dropped) {
   value["reason"] = dropped.reason;
   value["why"] = dropped.why;
   return value;
-}
-
-const char* curveAgeKey(calibration::CurveAge age) {
-  switch (age) {
-    case calibration::CurveAge::none: return "none";
-    case calibration::CurveAge::current: return "current";
-    case calibration::CurveAge::outdated: return "outdated";
-    case calibration::CurveAge::unknown: break;
-  }
-  return "unknown";
 }
 
 }  // namespace pelmora::cli

@@ -18,7 +18,8 @@ namespace pelmora::cli {
 [[nodiscard]] std::string pointCounts(const std::vector<calibration::RawPoint>& points);
 // A paragraph for each excluded point: by whom, when and why.
 [[nodiscard]] std::string exclusionLines(const std::vector<calibration::RawPoint>& points);
-[[nodiscard]] nlohmann::json rawPointJson(const calibration::RawPoint& point);
+[[nodiscard]] std::string exclusionLines(const std::vector<calibration::ExcludedPoint>& points);
+[[nodiscard]] nlohmann::json excludedPointJson(const calibration::ExcludedPoint& point);
 
 [[nodiscard]] std::string changedPointsTable(const std::vector<calibration::ChangedPoint>& points);
 [[nodiscard]] nlohmann::json changedPointJson(const calibration::ChangedPoint& point);
@@ -29,8 +30,5 @@ namespace pelmora::cli {
 [[nodiscard]] std::string exclusionText(std::size_t excluded,
                                         const std::vector<calibration::DroppedExclusion>& dropped);
 [[nodiscard]] nlohmann::json droppedJson(const calibration::DroppedExclusion& dropped);
-
-// "none", "current", "outdated", "unknown": the names in JSON, which never change.
-[[nodiscard]] const char* curveAgeKey(calibration::CurveAge age);
 
 }  // namespace pelmora::cli

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/output/stored_tables.h"
 
+#include "apps/pelmora/output/point_output.h"
 #include "apps/pelmora/output/run_table.h"
 #include "apps/pelmora/output/text_table.h"
 #include "report/json_values.h"
@@ -44,6 +45,25 @@ std::string curveTable(const PointArray& curve) {
   return table.text();
 }
 
+// How many points of which series; 'points' has the reasons.
+std::string excludedLine(const std::vector<StoredSeries>& all) {
+  std::string text;
+  for (const StoredSeries& series : all) {
+    if (series.excluded.empty()) continue;
+    text += (text.empty() ? "Excluded: " + counted(series.excluded.size(), "point")
+                          : ", " + std::to_string(series.excluded.size())) +
+            " of " + series.name;
+  }
+  return text.empty() ? text : wrapped(text + "; 'pelmora points' tells why.", 0);
+}
+
+json excludedJson(const StoredSeries& series) {
+  json list = json::array();
+  for (const calibration::ExcludedPoint& point : series.excluded)
+    list.push_back(excludedPointJson(point));
+  return list;
+}
+
 }  // namespace
 
 std::string calibrationText(const CalibrationContents& contents) {
@@ -67,7 +87,7 @@ std::string calibrationText(const CalibrationContents& contents) {
                 series.equation.empty() ? "-" : series.equation});
     table.addRow(std::move(row));
   }
-  return text + "\n" + table.text();
+  return text + "\n" + table.text() + excludedLine(contents.series);
 }
 
 std::string calibrationJson(const CalibrationContents& contents) {
@@ -80,6 +100,8 @@ std::string calibrationJson(const CalibrationContents& contents) {
                     {"rawPoints", counts},
                     {"mergedPoints", series.merged.size()},
                     {"curvePoints", series.curve.size()},
+                    {"excludedPoints", series.excluded.size()},
+                    {"curveAge", calibration::curveAgeKey(series.age)},
                     {"equation", equationName(series)}});
   }
   return report::jsonText({{"database", contents.database},
@@ -96,6 +118,7 @@ std::string seriesText(const StoredSeries& series) {
                                  " raw points, " + std::to_string(series.merged.size()) +
                                  " merged, " + std::to_string(series.curve.size()) + " fitted",
                              0);
+  text += exclusionLines(series.excluded);
   text += series.curve.empty() ? "No curve is stored for it yet: fit it with 'pelmora fit'.\n"
                                : "\n" + curveTable(series.curve);
   if (series.report.empty()) return text;
@@ -111,7 +134,9 @@ std::string seriesJson(const StoredSeries& series) {
                            {"series", series.name},
                            {"seriesId", series.id},
                            {"raw", raw},
+                           {"excluded", excludedJson(series)},
                            {"merged", report::pointsJson(series.merged)},
+                           {"curveAge", calibration::curveAgeKey(series.age)},
                            {"curve", report::pointsJson(series.curve)},
                            {"equation", equationName(series)},
                            {"report", series.report}});

@@ -23,6 +23,9 @@ enum class AdviceKind {
   moreData = 7           // the points are too few, or cannot be
 };
 
+// "checkPoint", "leaveOutEquation" ...: the names in JSON, which never change.
+[[nodiscard]] PELMORA_API const char* adviceKey(AdviceKind kind);
+
 // One thing to do. The fields that its kind names are filled.
 struct Advice {
   AdviceKind kind = AdviceKind::moreData;

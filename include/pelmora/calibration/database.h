@@ -160,6 +160,7 @@ class PELMORA_API Database {
   //
   // Errors: NotFound; BadData as for series().
   [[nodiscard]] std::vector<RawPoint> points(const Meter& meter, const std::string& series) const;
+  [[nodiscard]] std::vector<RawPoint> points(const StoredSeries& series) const;
 
   // Leaves points out of a series: they leave the raw parts, so that every program that reads them
   // sees the reduced series, and are kept with the reason, the user and the time. An exclusion

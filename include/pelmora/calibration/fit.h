@@ -49,13 +49,27 @@ struct FitSettings {
   std::optional<double> mergeBand{};
   bool cutsOverlap = true;       // false: the merge keeps every point
   bool ignoreResiduals = false;  // skip the residual test
-  Choice choice = Choice::adjustedR2;
+  Choice choice = Choice::trusted;
   RangePolicy outside = RangePolicy::refuse;
   // Built-in equations are those of `choice`, see EquationList::builtIn().
   EquationList equations{};
   // Names of equations: only these, or all but these. referenceCurveName counts as a name too.
   std::vector<std::string> only{}, without{};
   std::optional<int> maxOrder{};  // of polynomials
+};
+
+// Settings to take the place of others. Absent: as they are.
+struct SettingsChange {
+  std::optional<Choice> choice{};
+  std::optional<double> fitMin{}, fitMax{};
+  std::optional<std::vector<std::string>> only{}, without{};
+  std::optional<int> maxOrder{};
+  std::optional<double> mergeBand{};
+  std::optional<bool> cutsOverlap{};
+
+  [[nodiscard]] PELMORA_API FitSettings appliedTo(FitSettings settings) const;
+  // Whether `settings` would stay as they are.
+  [[nodiscard]] PELMORA_API bool isInForceIn(const FitSettings& settings) const;
 };
 
 // The name under which a trusted fit stores the reference curve itself.
@@ -81,6 +95,12 @@ struct CutPoint {
   std::optional<double> offPercent{};
 };
 
+// Where a merged point comes from.
+struct PointPlace {
+  int part = 0;            // 1 to 4
+  std::size_t number = 0;  // from 1, in the order of the part; excluded points are counted
+};
+
 // The result of a fit. Nothing of it is stored.
 struct Fit {
   Meter meter;  // empty if the points came from no database
@@ -93,6 +113,7 @@ struct Fit {
   bool isWholeRange = false;  // the curve covers exactly the merged points
   std::array<std::size_t, 4> rawPoints{};
   PointArray merged;
+  std::vector<PointPlace> places;  // of the merged points, in their order
   std::vector<CutPoint> cut;
   // The merged points that the equations were fitted to: all of them, unless fitMin or fitMax left
   // some out or a trusted fit distrusts some.

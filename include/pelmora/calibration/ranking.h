@@ -17,8 +17,8 @@ struct RankedEquation {
 
 // In this order: the chosen equation; those that passed, by descending adjusted R2, or by AICc in a
 // trusted fit; those that a test rejected, by descending adjusted R2; those without a solution;
-// those not tried. Ties stay in the order in
-// which the fit tries them, starting from the end of the catalogue.
+// those not tried. Ties stay in the order in which the fit tries them, starting from the end of the
+// catalogue.
 [[nodiscard]] PELMORA_API std::vector<RankedEquation> ranking(const FitOutcome& outcome,
                                                               Choice choice = Choice::adjustedR2);
 

@@ -53,6 +53,9 @@ enum class CurveAge {
   unknown = 3    // stored by a program that does not keep what it fitted
 };
 
+// "none", "current", "outdated", "unknown": the names in JSON, which never change.
+[[nodiscard]] PELMORA_API const char* curveAgeKey(CurveAge age);
+
 // Why a point was left out of its series, by whom and when.
 struct Exclusion {
   std::string reason, userName;

@@ -50,7 +50,7 @@ void fitTasks(Work& work) {
     RefitReading read = readAgain(lab, *session, work.tasks[index]);
     moment.reset();
     reading.unlock();  // others need not wait for the fit
-    RefitCurve curve = fitAgain(lab, std::move(read), work.options.changedPercent);
+    RefitCurve curve = fitAgain(lab, std::move(read), work.options);
     curve.index = index;
     if (!work.queue.send(std::move(curve))) return;
   }
@@ -114,7 +114,7 @@ class Portion {
       end_ = Clock::now() + longestPortion;
     }
     ++curves_;
-    storeAgain(lab_, session_, work_.options.changedPercent, curve);
+    storeAgain(lab_, session_, work_.options, curve);
     if (curve.result.isStored) ++unfinished_;
   }
   // Finishes it where it is large, lasts long, or would last long for want of a next curve.

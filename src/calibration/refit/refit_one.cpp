@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "calibration/refit/refit_one.h"
 
+#include "calibration/repeated_fit.h"
 #include "calibration/stored_fit.h"
 
 #include <algorithm>
@@ -65,25 +66,31 @@ RefitReading readAgain(const Database& lab, const Session& session, const RefitT
   return reading;
 }
 
-RefitCurve fitAgain(const Database& lab, RefitReading reading, double changedPercent) {
+RefitCurve fitAgain(const Database& lab, RefitReading reading, const RefitOptions& options) {
   RefitCurve curve = std::move(reading.curve);
   const auto& stored = reading.stored;
   if (!stored) return curve;
   curve.result.kind = hasPointsToFit(*stored) ? Kind::notFitted : Kind::unusable;
-  Repeated repeated = lab.repeat(*stored);
+  Repeated repeated = repeatWith(lab, *stored, {}, options.change, {});
   if (!repeated.fit.accepted()) {
     curve.result.reason = repeated.trouble;
     return curve;
   }
+  if (options.isStrict && !repeated.fit.outcome.Warnings.empty()) {
+    curve.result.reason = "a warning: " + repeated.fit.outcome.Warnings.front().Text;
+    return curve;
+  }
   curve.fit = std::move(repeated.fit);
-  compare(stored->curve, curve.fit.curve, changedPercent, curve.result);
+  compare(stored->curve, curve.fit.curve, options.changedPercent, curve.result);
   curve.result.equation = curve.fit.chosen().Name;
   curve.isSame = curve.fit.curve == stored->curve && curve.fit.merged == stored->merged &&
-                 curve.fit.report == stored->report;
+                 curve.fit.report == stored->report &&
+                 options.change.isInForceIn(settingsToRepeat(repeated.settings));
   return curve;
 }
 
-void storeAgain(const Database& lab, Session& session, double changedPercent, RefitCurve& curve) {
+void storeAgain(const Database& lab, Session& session, const RefitOptions& options,
+                RefitCurve& curve) {
   const RefitTask task = curve.result.task;
   bool isAsFitted = false;
   try {
@@ -92,7 +99,7 @@ void storeAgain(const Database& lab, Session& session, double changedPercent, Re
   }
   if (!isAsFitted) {
     const std::size_t index = curve.index;
-    curve = fitAgain(lab, readAgain(lab, session, task), changedPercent);
+    curve = fitAgain(lab, readAgain(lab, session, task), options);
     curve.index = index;
     curve.result.changedMeanwhile = true;
     if (!curve.isToBeStored()) return;

@@ -31,13 +31,15 @@ struct RefitReading {
 [[nodiscard]] RefitReading readAgain(const Database& lab, const Session& session,
                                      const RefitTask& task);
 
-// Fits what was read with the settings of its curve, without the database, and stores nothing. What
-// is wrong with the series is its result's reason.
-[[nodiscard]] RefitCurve fitAgain(const Database& lab, RefitReading reading, double changedPercent);
+// Fits what was read with the settings of its curve, after options.change, without the database,
+// and stores nothing. What is wrong with the series is its result's reason.
+[[nodiscard]] RefitCurve fitAgain(const Database& lab, RefitReading reading,
+                                  const RefitOptions& options);
 
 // Stores the curve in the change that is open: nobody else can write. Where another program has
 // changed the series, its curve or its settings since they were read, it is fitted again as it is
 // now, and the result says so.
-void storeAgain(const Database& lab, Session& session, double changedPercent, RefitCurve& curve);
+void storeAgain(const Database& lab, Session& session, const RefitOptions& options,
+                RefitCurve& curve);
 
 }  // namespace pelmora::calibration

@@ -2,6 +2,8 @@
 #include <pelmora/calibration/advice.h>
 
 #include "base/readable_number.h"
+#include "calibration/trust/trusted_fit.h"
+#include "curves/curve_checks.h"
 #include "curves/table_reading.h"
 #include "solver/reference/reference_curve.h"
 
@@ -9,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace pelmora::calibration {
 namespace {
@@ -17,35 +20,50 @@ using solver::reference::PointState;
 
 constexpr double widestBandAdvised = 3;  // times the test band
 
-// Points that contradict the others. A fit by adjusted R2 has not asked; a merged point is told by
-// its number among the merged points then, as part 0.
+// The merged points beside a reference curve that only the advice looks at: a fit by adjusted R2
+// has not asked for one.
+std::vector<JudgedPoint> judgedForAdvice(const Fit& fit) {
+  std::vector<int> parts;
+  std::vector<std::uint8_t> outside;
+  for (std::size_t i = 0; i < fit.merged.size(); ++i) {
+    const double roshko = fit.merged(i, 0);
+    parts.push_back(fit.places[i].part);
+    const bool isBelow = fit.settings.fitMin && roshko < *fit.settings.fitMin;
+    const bool isAbove = fit.settings.fitMax && roshko > *fit.settings.fitMax;
+    outside.push_back(isBelow || isAbove ? 1 : 0);
+  }
+  const auto reference =
+      solver::reference::fitReference({fit.merged.column(0), fit.merged.column(1), parts, outside});
+  const double unit = reference.summary().relative ? 100 : 1;
+  std::vector<JudgedPoint> judged;
+  for (const std::size_t i : reference.distrusted()) {
+    const auto& point = reference.points()[i];
+    judged.push_back({fit.places[i].part, fit.places[i].number, fit.merged(i, 0), fit.merged(i, 1),
+                      PointUse::distrusted, unit * point.residual, unit * point.leaveOneOut,
+                      unit * point.leaveOneOutSd});
+  }
+  return judged;
+}
+
+// Points that contradict the others, by part and number.
 std::vector<JudgedPoint> distrustedPoints(const Fit& fit) {
   std::vector<JudgedPoint> found;
   if (fit.trust) {
     std::ranges::copy_if(fit.trust->judged, std::back_inserter(found),
                          [](const JudgedPoint& p) { return p.use == PointUse::distrusted; });
-    return found;
-  }
-  try {
-    const auto reference =
-        solver::reference::fitReference({fit.fitted.column(0), fit.fitted.column(1)});
-    const double unit = reference.summary().relative ? 100 : 1;
-    for (const std::size_t i : reference.distrusted()) {
-      const auto& point = reference.points()[i];
-      found.push_back({0, i + 1, fit.fitted(i, 0), fit.fitted(i, 1), PointUse::distrusted,
-                       unit * point.residual, unit * point.leaveOneOut,
-                       unit * point.leaveOneOutSd});
+  } else if (fit.places.size() == fit.merged.size()) {
+    try {
+      found = judgedForAdvice(fit);
+    } catch (const Error&) {  // too few points, or a Roshko number that cannot be
     }
-  } catch (const Error&) {  // too few points, or a Roshko number that cannot be
   }
+  std::ranges::sort(found, {}, [](const JudgedPoint& p) { return std::pair(p.part, p.number); });
   return found;
 }
 
 std::string named(const JudgedPoint& point) {
-  const std::string place = "Roshko " + significantText(point.roshko, 5);
-  if (point.part == 0) return "the point at " + place;
-  return "point " + std::to_string(point.number) + " of part " + std::to_string(point.part) + " (" +
-         place + ")";
+  return "point " + std::to_string(point.number) + " of part " + std::to_string(point.part) +
+         " (Roshko " + significantText(point.roshko, 5) + ")";
 }
 
 Advice checkPoints(const Fit& fit, std::vector<JudgedPoint> points) {
@@ -157,9 +175,11 @@ std::vector<Advice> adviceFor(const Fit& fit) {
   if (hasBadPoints) list.push_back(checkPoints(fit, std::move(bad)));
   if (fit.settings.choice == Choice::adjustedR2) {
     adviseAboutEquations(fit, list);
-    list.push_back({.kind = AdviceKind::trustedChoice,
-                    .text = "fit by the rule 'trusted', which tries more equations and stores "
-                            "the smooth reference curve where none is sound"});
+    if (distinctLevels(fit.fitted.column(0)) >= fewestTrustedFlows) {
+      list.push_back({.kind = AdviceKind::trustedChoice,
+                      .text = "fit by the rule 'trusted', which tries more equations and stores "
+                              "the smooth reference curve where none is sound"});
+    }
   }
   if (!fit.accepted() && !hasBadPoints) adviseAboutBand(fit, list);
   adviseAboutWarnings(fit, list);
@@ -177,11 +197,16 @@ std::vector<Rejected> rejectedTogether(const Fit& fit) {
     const EquationOutcome& equation = ranked.outcome;
     const std::string why = rejection(equation);
     if (why.empty()) continue;
-    const bool isByPoint = equation.Verdict == EquationVerdict::bandTestFailed;
-    const double place = isByPoint ? worstPlace(fit, equation) : 0;
+    // A trusted fit has left out the points that are to blame for several equations: what else
+    // fails is too simple for the curve, or swings.
+    const bool isByPoint = equation.Verdict == EquationVerdict::bandTestFailed && !fit.trust;
+    const bool isTooSimple = fit.trust && (equation.Verdict == EquationVerdict::bandTestFailed ||
+                                           (equation.Verdict == EquationVerdict::notSound &&
+                                            equation.Parameters.size() < fit.trust->flows));
+    const double place = isByPoint ? worstPlace(fit, equation) : isTooSimple ? 1 : 0;
     const auto same = std::ranges::find_if(groups, [&](const Group& group) {
       return group.verdict == equation.Verdict && group.place == place &&
-             (isByPoint || group.rejected.why == why);
+             (isByPoint || isTooSimple || group.rejected.why == why);
     });
     if (same != groups.end()) {
       same->rejected.names.push_back(equation.Name);

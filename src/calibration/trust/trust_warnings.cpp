@@ -12,6 +12,8 @@ namespace {
 // size that is advised takes at most the smaller part.
 constexpr double warnedShareOfBand = 0.5;
 constexpr double advisedShareOfBand = 0.25;
+// A point this many sigmas off or less was named because of its neighbour, not by itself.
+constexpr double sigmasOfAPair = 3;
 
 std::string between(double from, double to) {
   return "between Roshko " + significantText(from, 4) + " and " + significantText(to, 4);
@@ -27,8 +29,9 @@ CurveWarning distrusted(const JudgedPoint& point, bool isRelative) {
                  std::to_string(point.part) + " (Roshko " + significantText(point.roshko, 5) +
                  ") is " + significantText(std::abs(point.sigmas()), 2) + " sigma, " +
                  significantText(warning.Percent, 2) + " %, " +
-                 (point.leaveOneOut > 0 ? "above" : "below") +
-                 " the curve of the others; the curve was fitted without it";
+                 (point.leaveOneOut > 0 ? "above" : "below") + " the curve of the others" +
+                 (std::abs(point.sigmas()) <= sigmasOfAPair ? ", beside another such point" : "") +
+                 "; the curve was fitted without it";
   return warning;
 }
 

@@ -24,7 +24,6 @@ namespace {
 using solver::reference::PointState;
 using solver::reference::ReferenceCurve;
 
-constexpr std::size_t fewestFlows = 4;
 // The linear reading of the table may take this part of the test band.
 constexpr double readingShareOfBand = 0.25;
 
@@ -42,10 +41,10 @@ std::string troubleOf(const Fit& fit, std::span<const steps::PartPoint> origins)
     places.push_back(roshko);
   }
   const std::size_t flows = distinctLevels(places);
-  if (flows >= fewestFlows) return {};
+  if (flows >= fewestTrustedFlows) return {};
   return std::to_string(flows) + (flows == 1 ? " distinct flow is" : " distinct flows are") +
-         " too few for a curve that can be trusted: measure at " + std::to_string(fewestFlows) +
-         " or more";
+         " too few for a curve that can be trusted: measure at " +
+         std::to_string(fewestTrustedFlows) + " or more";
 }
 
 ReferenceCurve referenceOf(const Fit& fit, std::span<const steps::PartPoint> origins) {

@@ -11,6 +11,9 @@
 
 namespace pelmora::calibration {
 
+// Distinct flows that a trusted curve needs.
+inline constexpr std::size_t fewestTrustedFlows = 4;
+
 // fit: merged points, settings and range; left with everything that results.
 // origins: one per merged point.
 //

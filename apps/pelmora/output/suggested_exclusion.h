@@ -1,0 +1,28 @@
+// The commands that leave suspect points out.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace pelmora::cli {
+
+struct SuspectPoint {
+  int part = 0;
+  std::size_t number = 0;
+  double sigmas = 0;  // off the other points
+};
+
+// The series as it was named; calibration: negative for the latest.
+struct NamedSeries {
+  std::string database, meter;
+  int calibration = -1;
+  std::string series;
+};
+
+// One for each raw part, with a reason that is true of all its points: it is kept with them.
+[[nodiscard]] std::vector<std::string> exclusionCommands(const NamedSeries& series,
+                                                         const std::vector<SuspectPoint>& points);
+
+}  // namespace pelmora::cli

@@ -1,0 +1,20 @@
+// What JSON says of a value that is not there.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include <optional>
+#include <string>
+
+namespace pelmora::report {
+
+template <class T>
+[[nodiscard]] nlohmann::json orNull(const std::optional<T>& value) {
+  return value ? nlohmann::json(*value) : nlohmann::json();
+}
+[[nodiscard]] inline nlohmann::json orNull(const std::string& text) {
+  return text.empty() ? nlohmann::json() : nlohmann::json(text);
+}
+
+}  // namespace pelmora::report

@@ -1,0 +1,144 @@
+// A curve that is older than its points, and points that were left out, are shown wherever they
+// matter.
+// SPDX-License-Identifier: MIT
+#include "tests/end_to_end/command.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <map>
+
+namespace pelmora::test {
+namespace {
+
+using nlohmann::json;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+using testing::StartsWith;
+
+// Meter M1 calibrated twice; then a point of Rotor A is left out, so that its curve is old.
+class old_curve : public CommandTest {
+ protected:
+  old_curve() {
+    init();
+    done(twoFluids());
+    done(twoFluids({"--new-calibration"}));
+    excluded = done({"exclude", curves, "--meter", "M1", "--series", "Rotor A", "--part", "1",
+                     "--point", "12", "--reason", "air in the line"})
+                   .output;
+  }
+  static Arguments rotorA(const std::string& command, const std::string& file,
+                          const Arguments& more = {}) {
+    Arguments arguments{command, file, "--meter", "M1", "--series", "Rotor A"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return arguments;
+  }
+  // Each command that reads curves.
+  std::vector<Arguments> readers(const Arguments& more = {}) const {
+    std::vector<Arguments> all{rotorA("evaluate", curves, {"100"}),
+                               rotorA("export", curves),
+                               rotorA("show", curves),
+                               rotorA("compare", curves),
+                               {"show", curves, "--meter", "M1"}};
+    for (Arguments& arguments : all) arguments.insert(arguments.end(), more.begin(), more.end());
+    return all;
+  }
+  json reported() const {
+    const CommandResult result = run(rotorA("report", curves, {"-o", "-", "--json"}));
+    EXPECT_EQ(result.exitCode, 0);
+    return result.json()["series"][0];
+  }
+
+  std::string excluded;
+};
+
+TEST_F(old_curve, never_passes_silently) {
+  auto all = readers();
+  all.push_back(rotorA("report", curves, {"-o", scratch.file("m1.html")}));
+  all.push_back(rotorA("plot", curves));
+  for (const Arguments& arguments : all) {
+    const CommandResult result = run(arguments);
+    EXPECT_EQ(result.exitCode, 0) << arguments[0];
+    EXPECT_THAT(result.error,
+                AllOf(StartsWith("pelmora: note: the curve of series 'Rotor A' of meter 'M1', "
+                                 "calibration 1, is older than its raw points"),
+                      HasSubstr("pelmora refit " + curves + " --meter M1 --series 'Rotor A'\n")))
+        << arguments[0];
+    EXPECT_EQ(std::ranges::count(result.error, '\n'), 1) << arguments[0];
+  }
+}
+
+TEST_F(old_curve, is_a_member_of_the_json) {
+  const auto jsonOf = [&](const Arguments& arguments) { return run(arguments).json(); };
+  const auto all = readers({"--json"});
+  EXPECT_EQ(jsonOf(all[0])["curveAge"], "outdated");
+  EXPECT_EQ(jsonOf(all[1])["curveAges"], (json{{{"series", "Rotor A"}, {"curveAge", "outdated"}}}));
+  EXPECT_EQ(jsonOf(all[2])["curveAge"], "outdated");
+  EXPECT_EQ(jsonOf(all[3])["curveAge"], "outdated");
+  EXPECT_EQ(jsonOf(all[3])["earlierCurveAge"], "current");
+  for (const json& series : jsonOf(all[4])["series"])
+    EXPECT_EQ(series["curveAge"], series["name"] == "Rotor A" ? "outdated" : "current");
+  const json series = reported();
+  EXPECT_EQ(series["curveAge"], "outdated");
+  EXPECT_EQ(series["warnings"][0]["kind"], "outdated");
+}
+
+TEST_F(old_curve, is_current_again_after_the_suggested_command) {
+  EXPECT_THAT(excluded, HasSubstr("pelmora refit " + curves + " --meter M1 --series 'Rotor A'"));
+  done(rotorA("refit", curves));
+  for (const Arguments& arguments : readers()) EXPECT_EQ(run(arguments).error, "") << arguments[0];
+  EXPECT_EQ(reported()["curveAge"], "current");
+}
+
+TEST_F(old_curve, does_not_matter_to_raw_points) {
+  EXPECT_EQ(run(rotorA("export", curves, {"--points", "raw"})).error, "");
+}
+
+TEST_F(old_curve, comes_with_the_points_that_were_left_out) {
+  EXPECT_THAT(run(rotorA("show", curves)).output, HasSubstr("air in the line"));
+  EXPECT_THAT(run({"show", curves, "--meter", "M1"}).output,
+              HasSubstr("Excluded: 1 point of Rotor A"));
+  const json shown = run(rotorA("show", curves, {"--json"})).json()["excluded"];
+  ASSERT_THAT(shown, SizeIs(1));
+  EXPECT_EQ(shown[0]["number"], 12);
+  EXPECT_EQ(shown[0]["reason"], "air in the line");
+  done(rotorA("refit", curves));
+  EXPECT_THAT(done({"history", curves}).output, HasSubstr("Out"));
+  const json points = reported()["rawPoints"];
+  ASSERT_THAT(points, SizeIs(48));
+  std::map<std::string, int> states;
+  for (const json& point : points) ++states[point["state"]];
+  EXPECT_EQ(states, (std::map<std::string, int>{{"cut", 8}, {"excluded", 1}, {"used", 39}}));
+  EXPECT_EQ(points[11]["exclusion"]["reason"], "air in the line");
+  for (const char* format : {"--html", "--csv"}) {
+    EXPECT_THAT(done(rotorA("report", curves, {"-o", "-", format})).output,
+                HasSubstr("air in the line"))
+        << format;
+  }
+}
+
+// A host that does not know exclusions stores the part again.
+TEST_F(old_curve, of_points_that_another_program_brought_back_is_found_by_the_doctor) {
+  const auto findings = [&] { return run({"doctor", curves, "--json"}).json()["findings"]; };
+  const auto isThere = [&] {
+    return std::ranges::any_of(findings(),
+                               [](const json& f) { return f["id"] == "exclusions-not-in-force"; });
+  };
+  EXPECT_FALSE(isThere());
+  sqlite3* database = nullptr;
+  ASSERT_EQ(sqlite3_open(curves.c_str(), &database), SQLITE_OK);
+  const char* again =
+      "insert into raw1 (SeriesID, Roshko, Strouhal) "
+      "select SeriesID, Roshko, Strouhal from pelmora_excluded1";
+  EXPECT_EQ(sqlite3_exec(database, again, nullptr, nullptr, nullptr), SQLITE_OK);
+  sqlite3_close(database);
+  EXPECT_TRUE(isThere());
+  EXPECT_THAT(run({"doctor", curves}).output,
+              AllOf(HasSubstr("raw part 1"), HasSubstr("Rotor A"), HasSubstr("pelmora points")));
+}
+
+}  // namespace
+}  // namespace pelmora::test
