@@ -75,6 +75,21 @@ TEST(Advice, about_the_equation_that_ended_the_run_is_to_leave_it_out) {
   EXPECT_THAT(advice->text, HasSubstr("leave out Bent: it ended the run before 1 equation"));
 }
 
+TEST(Advice, about_an_equation_with_a_pole_that_ended_the_run_is_given_once) {
+  PointArray around = withNoise(smoothPoints(30), 2e-5);
+  for (std::size_t i = 0; i < around.size(); ++i) around(i, 0) /= 100;
+  const EquationList own =
+      EquationList::parse("Pole\ta+b*ln(x)+c/ln(x)+d*ln(x)^2\nStraight\ta+b*log(x)\n", "text");
+  const Fit fit = calibration::fit(std::vector{around},
+                                   {.band = 1e-6, .choice = Choice::adjustedR2, .equations = own});
+  ASSERT_FALSE(fit.accepted());
+  const auto list = adviceFor(fit);
+  EXPECT_EQ(adviceOf(list, AdviceKind::beginAboveOne), nullptr);
+  const Advice* advice = adviceOf(list, AdviceKind::leaveOutEquation);
+  ASSERT_NE(advice, nullptr);
+  EXPECT_THAT(advice->text, HasSubstr("leave out Pole, which has a pole at Roshko 1: it ended"));
+}
+
 TEST(Advice, about_a_band_is_only_one_that_is_not_much_wider) {
   const PointArray noisy = withNoise(smoothPoints(40), 2e-3);
   const Fit narrow =

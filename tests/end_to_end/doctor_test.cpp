@@ -145,6 +145,18 @@ TEST_F(doctor, finds_curves_that_do_not_know_a_raw_part) {
             "series 'Rotor B' of meter 'M1', calibration 0");
 }
 
+TEST_F(doctor, finds_points_that_another_program_brought_back) {
+  done({"exclude", curves, "--meter", "P", "--series", "S", "--part", "1", "--point", "2",
+        "--reason", "air in the line"});
+  examined(0);
+  execute(
+      "INSERT INTO raw1 (seriesID, Roshko, Strouhal) SELECT ID, 3, 4 FROM series WHERE name = 'S'");
+  const auto found = finding("exclusions-not-in-force", "warning");
+  EXPECT_EQ(found["count"], 1);
+  EXPECT_THAT(found["example"].get<std::string>(), HasSubstr("raw part 1 of series 'S'"));
+  EXPECT_THAT(found["remedy"].get<std::string>(), HasSubstr("pelmora exclude"));
+}
+
 TEST_F(doctor, removes_orphaned_rows_and_keeps_them) {
   execute("DELETE FROM series WHERE ID = 1");  // what the component's own DeleteSeries leaves
   const auto found = finding("orphaned-rows", "warning");

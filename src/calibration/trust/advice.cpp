@@ -100,18 +100,21 @@ const EquationOutcome* endOfRun(const Fit& fit) {
 
 void adviseAboutEquations(const Fit& fit, std::vector<Advice>& list) {
   const bool isAroundOne = fit.min < 1 && fit.max > 1;
-  const EquationOutcome* end = endOfRun(fit);
+  const EquationOutcome* suspect = fit.accepted() ? &fit.chosen() : nearestEquation(fit);
+  const bool hasPole = suspect != nullptr && isAroundOne && hasPoleAtOne(*suspect);
+  // A curve that is accepted gains little from equations that were not tried.
+  const EquationOutcome* end = fit.accepted() ? nullptr : endOfRun(fit);
   if (end != nullptr) {
     const auto missed = std::ranges::count(fit.outcome.Equations, EquationVerdict::notTried,
                                            &EquationOutcome::Verdict);
     list.push_back({.kind = AdviceKind::leaveOutEquation,
-                    .text = "leave out " + end->Name + ": it ended the run before " +
-                            std::to_string(missed) +
+                    .text = "leave out " + end->Name +
+                            (hasPole && end == suspect ? ", which has a pole at Roshko 1" : "") +
+                            ": it ended the run before " + std::to_string(missed) +
                             (missed == 1 ? " equation was tried" : " equations were tried"),
                     .equation = end->Name});
   }
-  const EquationOutcome* suspect = fit.accepted() ? &fit.chosen() : nearestEquation(fit);
-  if (suspect != nullptr && isAroundOne && hasPoleAtOne(*suspect)) {
+  if (hasPole && suspect != end) {
     list.push_back({.kind = AdviceKind::beginAboveOne,
                     .text = "begin the range above Roshko 1, where " + suspect->Name +
                             " has a pole, or leave that equation out",

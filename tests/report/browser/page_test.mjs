@@ -26,7 +26,8 @@ function twoFluids() {
 function sixFlows() {
   run("init", curves);
   try {
-    run("calibrate", curves, "--meter", "M1", "--stand", stand, "--job", "1009", "--fluid", "Mineral spirit");
+    run("calibrate", curves, "--meter", "M1", "--stand", stand, "--job", "1009", "--fluid", "Mineral spirit",
+        "--choose", "adjusted-r2");
   } catch (error) {
     assert.equal(error.status, 6);
   }
