@@ -39,11 +39,12 @@ std::vector<double> placesOf(std::span<const double> table) {
 }  // namespace
 
 ReferenceJudge::ReferenceJudge(const solver::reference::ReferenceCurve& curve,
-                               std::span<const double> table, double bandPercent)
+                               std::span<const double> table, double bandPercent,
+                               const solver::reference::StopRequested& stop)
     : bandPercent_(bandPercent),
       tableX_(table.begin(), table.end()),
       coarseX_(placesOf(table)),
-      coarse_(curve.evaluate(coarseX_)) {
+      coarse_(curve.evaluate(coarseX_, stop)) {
   const std::size_t parts = (coarseX_.size() - 1) / (table.size() - 1);
   for (std::size_t i = 0; i < coarse_.size(); i += parts) table_.push_back(coarse_[i]);
   for (std::size_t i = 0; i < coarse_.size(); ++i) {

@@ -14,9 +14,9 @@ namespace pelmora::calibration {
 
 class ReferenceJudge {
  public:
-  // table: at least two Roshko numbers > 0, strictly rising.
+  // table: at least two Roshko numbers > 0, strictly rising.  Errors: Stopped.
   ReferenceJudge(const solver::reference::ReferenceCurve& curve, std::span<const double> table,
-                 double bandPercent);
+                 double bandPercent, const solver::reference::StopRequested& stop = {});
 
   // At the Roshko numbers of the table.
   [[nodiscard]] const std::vector<solver::reference::ReferenceEstimate>& table() const {

@@ -47,15 +47,18 @@ std::string troubleOf(const Fit& fit, std::span<const steps::PartPoint> origins)
          std::to_string(fewestTrustedFlows) + " or more";
 }
 
-ReferenceCurve referenceOf(const Fit& fit, std::span<const steps::PartPoint> origins) {
+ReferenceCurve referenceOf(const Fit& fit, std::span<const steps::PartPoint> origins,
+                           const solver::reference::StopRequested& stopRequested) {
   std::vector<int> parts;
   std::vector<std::uint8_t> outside;
   for (std::size_t i = 0; i < fit.merged.size(); ++i) {
     parts.push_back(origins[i].Part);
     outside.push_back(isOutsideFitRange(fit.settings, fit.merged(i, 0)) ? 1 : 0);
   }
+  solver::reference::ReferenceOptions options;
+  options.stopRequested = stopRequested;
   return solver::reference::fitReference(
-      {fit.merged.column(0), fit.merged.column(1), parts, outside});
+      {fit.merged.column(0), fit.merged.column(1), parts, outside}, options);
 }
 
 Trust trustOf(const Fit& fit, std::span<const steps::PartPoint> origins,
@@ -148,10 +151,9 @@ void describeBands(Fit& fit, const ReferenceJudge& judge) {
   }
 }
 
-}  // namespace
-
-bool fitTrusted(Fit& fit, std::span<const steps::PartPoint> origins, const steps::Observer& watch,
-                const std::function<bool()>& stopRequested) {
+// False where the fit was stopped between two equations.
+bool fitTrustedPoints(Fit& fit, std::span<const steps::PartPoint> origins,
+                      const steps::Observer& watch, const std::function<bool()>& stopRequested) {
   fit.trouble = troubleOf(fit, origins);
   if (!fit.trouble.empty()) return true;
   if (!(fit.min > 0)) {
@@ -159,17 +161,17 @@ bool fitTrusted(Fit& fit, std::span<const steps::PartPoint> origins, const steps
         {"the range begins at Roshko " + significantText(fit.min, 6), "", "begin it above 0"});
   }
   const std::vector<ModelDefinition> tried = equationsToTry(fit.settings);
-  const ReferenceCurve reference = referenceOf(fit, origins);
+  const ReferenceCurve reference = referenceOf(fit, origins, stopRequested);
   fit.trust = trustOf(fit, origins, reference);
   fit.fitted = usedPoints(*fit.trust);
   std::vector<double> grid = logSpacedGrid(fit.min, fit.max, fit.settings.points - 1);
-  ReferenceJudge judge(reference, grid, fit.settings.band);
+  ReferenceJudge judge(reference, grid, fit.settings.band, stopRequested);
   const std::vector<double> placed =
       placedGrid([&](std::span<const double> x) { return judge.values(x); }, fit.min, fit.max,
                  fit.settings.points - 1, readingShareOfBand * fit.settings.band);
   if (placed != grid) {
     grid = placed;
-    judge = ReferenceJudge(reference, grid, fit.settings.band);
+    judge = ReferenceJudge(reference, grid, fit.settings.band, stopRequested);
   }
   for (std::size_t i = 0; i < grid.size(); ++i) {
     const auto& at = judge.table()[i];
@@ -205,6 +207,17 @@ bool fitTrusted(Fit& fit, std::span<const steps::PartPoint> origins, const steps
   describeBands(fit, judge);
   fit.outcome.Warnings = trustWarnings(fit, judge, chosen);
   return true;
+}
+
+}  // namespace
+
+bool fitTrusted(Fit& fit, std::span<const steps::PartPoint> origins, const steps::Observer& watch,
+                const std::function<bool()>& stopRequested) {
+  try {
+    return fitTrustedPoints(fit, origins, watch, stopRequested);
+  } catch (const solver::reference::Stopped&) {
+    return false;
+  }
 }
 
 }  // namespace pelmora::calibration

@@ -58,8 +58,9 @@ TrustedFit fitTrusted(const FitSetting& setting, std::vector<std::size_t> used,
     fit.knots =
         gatherKnots(setting.x, setting.y, setting.fluid, used, setting.relative, setting.drag);
     fit.nodes = visitLattice(fit.knots, setting.priors, setting.offsets, setting.range,
-                             rule == nullptr ? 0 : scanDepth);
-    fit.left = leaveOut(fit.knots, setting.priors, setting.offsets, fit.nodes, rule != nullptr);
+                             rule == nullptr ? 0 : scanDepth, setting.stop);
+    fit.left = leaveOut(fit.knots, setting.priors, setting.offsets, fit.nodes, rule != nullptr,
+                        setting.stop);
     if (fit.distrusted.size() >= most) break;
     const auto worst = leastLikely(fit.knots, fit.left, limit, fit.distrusted.size() + 2 <= most);
     std::vector<std::size_t> fewer = used;

@@ -32,6 +32,7 @@ struct FitSetting {
   double drag;
   ReferencePriors priors;
   LatticeRange range;
+  StopRequested stop = {};
 };
 
 struct TrustedFit {

@@ -74,8 +74,8 @@ std::vector<Candidate> candidates(const Knots& knots) {
 }  // namespace
 
 LeftOut leaveOut(const Knots& knots, const ReferencePriors& priors, double offsets,
-                 const std::vector<SharedNode>& nodes, bool withPairs) {
-  LikelihoodPass pass(knots, priors, offsets);
+                 const std::vector<SharedNode>& nodes, bool withPairs, const StopRequested& stop) {
+  LikelihoodPass pass(knots, priors, offsets, stop);
   const double freedom = pass.degreesOfFreedom();
   const auto pairs = withPairs && freedom > 3 ? candidates(knots) : std::vector<Candidate>{};
   std::vector<LogWeightedMean> points(knots.z.size()), pairTails(pairs.size());

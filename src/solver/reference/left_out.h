@@ -35,8 +35,9 @@ struct LeftOut {
 //
 //   squares less u_S' e,   logDeterminant + ln|M_SS|,   f less the points of S.
 //
-// Cost: O(points) for each node.
+// Cost: O(points) for each node.  Errors: Stopped.
 [[nodiscard]] LeftOut leaveOut(const Knots& knots, const ReferencePriors& priors, double offsets,
-                               const std::vector<SharedNode>& nodes, bool withPairs);
+                               const std::vector<SharedNode>& nodes, bool withPairs,
+                               const StopRequested& stop = {});
 
 }  // namespace pelmora::solver::reference

@@ -131,8 +131,9 @@ double sharingNodes(const std::vector<SharedNode>& nodes) {
 }  // namespace
 
 std::vector<SharedNode> visitLattice(const Knots& knots, const ReferencePriors& priors,
-                                     double offsets, const LatticeRange& range, double depth) {
-  LikelihoodPass pass(knots, priors, offsets);
+                                     double offsets, const LatticeRange& range, double depth,
+                                     const StopRequested& stop) {
+  LikelihoodPass pass(knots, priors, offsets, stop);
   const bool all = knots.knots.size() <= range.allUpToKnots;
   const double reach = all ? range.negligible : range.negligibleInLong;
   auto lattice = std::make_unique<Lattice>(knots, pass, range, 0);

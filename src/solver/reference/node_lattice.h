@@ -41,8 +41,11 @@ struct SharedNode {
 // By rising length, so that neighbours share their steps. Where every node is visited, nodes of
 // share 0 are there as well up to `depth` (ln) below the best: they may come to count when points
 // are left out.
+//
+// Errors: Stopped.
 [[nodiscard]] std::vector<SharedNode> visitLattice(const Knots& knots,
                                                    const ReferencePriors& priors, double offsets,
-                                                   const LatticeRange& range, double depth);
+                                                   const LatticeRange& range, double depth,
+                                                   const StopRequested& stop = {});
 
 }  // namespace pelmora::solver::reference

@@ -81,8 +81,9 @@ bool isRelative(const ReferenceData& data, std::span<const std::size_t> used,
 
 }  // namespace
 
-std::vector<ReferenceCurve::OnScale> ReferenceCurve::onScale(
-    std::span<const double> t, std::span<const double> flowFraction) const {
+std::vector<ReferenceCurve::OnScale> ReferenceCurve::onScale(std::span<const double> t,
+                                                             std::span<const double> flowFraction,
+                                                             const StopRequested& stop) const {
   if (t.empty()) return {};
   MergedPlaces places(knots_, t);
   const double freedom = summary_.degreesOfFreedom;
@@ -91,6 +92,7 @@ std::vector<ReferenceCurve::OnScale> ReferenceCurve::onScale(
   std::vector<double> squares(t.size());
   double length = 0;
   for (const SharedNode& shared : nodes_) {
+    requireGoOn(stop);
     const Hyperparameters& h = shared.node.hyperparameters;
     if (h.length != length) places.setLength(length = h.length);
     const double unit = factor * factor * shared.node.squares / freedom;
@@ -108,7 +110,8 @@ std::vector<ReferenceCurve::OnScale> ReferenceCurve::onScale(
   return sum;
 }
 
-std::vector<ReferenceEstimate> ReferenceCurve::evaluate(std::span<const double> x) const {
+std::vector<ReferenceEstimate> ReferenceCurve::evaluate(std::span<const double> x,
+                                                        const StopRequested& stop) const {
   for (std::size_t i = 0; i < x.size(); ++i) {
     if (!(std::isfinite(x[i]) && x[i] > 0))
       throw refused("the Roshko number " + numberText(x[i]) + " is not positive and finite");
@@ -121,7 +124,7 @@ std::vector<ReferenceEstimate> ReferenceCurve::evaluate(std::span<const double> 
     t.push_back(std::log(x[i]) - knots_.origin);
     fraction.push_back(flowFractionAt(knots_, x[i]));
   }
-  const auto found = onScale(t, fraction);
+  const auto found = onScale(t, fraction, stop);
   std::vector<ReferenceEstimate> estimates(x.size());
   for (std::size_t k = 0; k < order.size(); ++k) {
     const OnScale& at = found[k];
@@ -144,7 +147,8 @@ ReferenceCurve fitReference(const ReferenceData& data, const ReferenceOptions& o
                            options.fluidOffsets,
                            options.drag,
                            options.priors,
-                           options.lattice};
+                           options.lattice,
+                           options.stopRequested};
   TrustedFit fit = fitTrusted(setting, used, options.robust ? &options.distrust : nullptr);
   ReferenceCurve curve;
   curve.offsets_ = options.fluidOffsets;
@@ -152,7 +156,7 @@ ReferenceCurve fitReference(const ReferenceData& data, const ReferenceOptions& o
   curve.nodes_ = std::move(fit.nodes);
   curve.distrusted_ = std::move(fit.distrusted);
   curve.summarise(fit.left);
-  curve.describePoints(data, fit.left);
+  curve.describePoints(data, fit.left, options.stopRequested);
   return curve;
 }
 
@@ -185,7 +189,8 @@ void ReferenceCurve::summarise(const LeftOut& left) {
   s.noiseLow = knots_.unit * std::sqrt(low);
 }
 
-void ReferenceCurve::describePoints(const ReferenceData& data, const LeftOut& left) {
+void ReferenceCurve::describePoints(const ReferenceData& data, const LeftOut& left,
+                                    const StopRequested& stop) {
   points_.resize(data.x.size());
   std::vector<bool> fitted(data.x.size(), false);
   const double factor = studentFactor(left.degreesOfFreedom - 1);
@@ -212,7 +217,7 @@ void ReferenceCurve::describePoints(const ReferenceData& data, const LeftOut& le
     t.push_back(std::log(data.x[i]) - knots_.origin);
     fraction.push_back(flowFractionAt(knots_, data.x[i]));
   }
-  const auto found = onScale(t, fraction);
+  const auto found = onScale(t, fraction, stop);
   for (std::size_t k = 0; k < others.size(); ++k) {
     ReferencePoint& point = points_[others[k]];
     point.residual = onRaw(scaled(knots_, t[k], data.y[others[k]]) - found[k].z);

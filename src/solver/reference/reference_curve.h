@@ -42,6 +42,7 @@ struct ReferenceOptions {
   double drag = 300;
   bool robust = true;
   DistrustRule distrust = {};
+  StopRequested stopRequested = {};  // ends the fit with Stopped
 };
 
 // At one x, in the unit of y. The band that holds the curve with 95.4 % probability is value
@@ -91,8 +92,9 @@ class ReferenceCurve {
   [[nodiscard]] const std::vector<std::size_t>& distrusted() const { return distrusted_; }
   // At any number of x > 0, in any order; beyond the points the straight line takes over and the
   // band widens. One call for many x is cheaper than many calls: O((points + x) nodes).
-  // Errors: number 5 for an x that is not finite and positive.
-  [[nodiscard]] std::vector<ReferenceEstimate> evaluate(std::span<const double> x) const;
+  // Errors: number 5 for an x that is not finite and positive; Stopped.
+  [[nodiscard]] std::vector<ReferenceEstimate> evaluate(std::span<const double> x,
+                                                        const StopRequested& stop = {}) const;
 
   [[nodiscard]] const std::vector<SharedNode>& nodes() const { return nodes_; }
 
@@ -108,15 +110,16 @@ class ReferenceCurve {
     double z, slope, curveVariance, noiseVariance;
   };
   [[nodiscard]] std::vector<OnScale> onScale(std::span<const double> t,
-                                             std::span<const double> flowFraction) const;
+                                             std::span<const double> flowFraction,
+                                             const StopRequested& stop) const;
   void summarise(const LeftOut& left);
-  void describePoints(const ReferenceData& data, const LeftOut& left);
+  void describePoints(const ReferenceData& data, const LeftOut& left, const StopRequested& stop);
   [[nodiscard]] double onRaw(double difference) const;
 };
 
 // Errors: number 5 (invalid argument) naming the point for lengths that differ, values that are
 //         not finite, x <= 0, y <= 0 on the relative scale; and where fewer than four points or
-//         three different x are used.
+//         three different x are used. Stopped where options.stopRequested asks for it.
 [[nodiscard]] ReferenceCurve fitReference(const ReferenceData& data,
                                           const ReferenceOptions& options = {});
 

@@ -2,6 +2,7 @@
 #include "solver/reference/restricted_likelihood.h"
 
 #include <cmath>
+#include <utility>
 
 namespace pelmora::solver::reference {
 namespace {
@@ -67,16 +68,19 @@ Columns observationAt(const Knots& knots, const Knot& knot, int columns) {
   return observed;
 }
 
-LikelihoodPass::LikelihoodPass(const Knots& knots, const ReferencePriors& priors, double offsets)
+LikelihoodPass::LikelihoodPass(const Knots& knots, const ReferencePriors& priors, double offsets,
+                               StopRequested stop)
     : knots_(knots),
       priors_(priors),
       offsets_(offsets),
+      stop_(std::move(stop)),
       columns_(columnsOf(knots, offsets)),
       degreesOfFreedom_(static_cast<double>(knots.z.size()) - 2 + priors.noiseDegrees),
       innovations_(knots.knots.size()),
       influences_(knots.knots.size()) {}
 
 Node LikelihoodPass::evaluate(const Hyperparameters& h, const std::vector<MaternStep>& steps) {
+  requireGoOn(stop_);
   SquareRootFilter filter(h.amplitude, columns_);
   TrendRegression regression(columns_, knots_.drag, offsets_);
   for (std::size_t k = 0; k < steps.size(); ++k) {
@@ -100,6 +104,7 @@ Node LikelihoodPass::evaluate(const Hyperparameters& h, const std::vector<Matern
 
 const std::vector<Influence>& LikelihoodPass::influences(const std::vector<MaternStep>& steps,
                                                          const TrendFit& trend) {
+  requireGoOn(stop_);
   const auto columns = static_cast<unsigned>(columns_);
   // What the later knots say about the state behind this one: score by column, and its variance.
   std::array<Vector3, mostColumns> score{};

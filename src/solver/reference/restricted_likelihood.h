@@ -4,6 +4,7 @@
 
 #include "solver/reference/hyperparameters.h"
 #include "solver/reference/knots.h"
+#include "solver/reference/stop.h"
 #include "solver/reference/trend_regression.h"
 
 #include <vector>
@@ -44,8 +45,9 @@ struct Influence {
 
 class LikelihoodPass {
  public:
-  LikelihoodPass(const Knots& knots, const ReferencePriors& priors, double offsets);
-  // steps: stepsBetween(knots, h.length).
+  LikelihoodPass(const Knots& knots, const ReferencePriors& priors, double offsets,
+                 StopRequested stop = {});
+  // steps: stepsBetween(knots, h.length).  Errors: Stopped.
   [[nodiscard]] Node evaluate(const Hyperparameters& h, const std::vector<MaternStep>& steps);
   // Of the node evaluated last, by knot; valid until the next call.
   [[nodiscard]] const std::vector<Influence>& influences(const std::vector<MaternStep>& steps,
@@ -56,6 +58,7 @@ class LikelihoodPass {
   const Knots& knots_;
   ReferencePriors priors_;
   double offsets_;
+  StopRequested stop_;
   int columns_;
   double degreesOfFreedom_;
   std::vector<Innovation> innovations_;

@@ -47,6 +47,25 @@ std::string refusal(const ReferenceData& data, const ReferenceOptions& options =
   return "";
 }
 
+TEST(reference_curve, is_given_up_in_front_of_any_pass_when_asked) {
+  const Series s = simulated(500, 0.001, 3);
+  int passes = 0;
+  ReferenceOptions options;
+  options.stopRequested = [&] {
+    ++passes;
+    return false;
+  };
+  const ReferenceCurve curve = fitReference({s.x, s.y}, options);
+  ASSERT_GT(passes, 30);
+  for (const int last : {1, passes / 2, passes}) {
+    int asked = 0;
+    options.stopRequested = [&] { return ++asked == last; };
+    EXPECT_THROW((void)fitReference({s.x, s.y}, options), Stopped);
+    EXPECT_EQ(asked, last);
+  }
+  EXPECT_THROW((void)curve.evaluate(s.x, [] { return true; }), Stopped);
+}
+
 TEST(reference_curve, follows_exact_points_and_their_derivative) {
   const Series s = simulated(40, 0, 1);
   const ReferenceCurve curve = fitReference({s.x, s.y});
