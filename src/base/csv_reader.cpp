@@ -4,6 +4,9 @@
 #include "base/run_time_error.h"
 #include "base/text_flaw.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace pelmora {
 
 namespace {
@@ -24,7 +27,8 @@ CsvError::CsvError(std::size_t line, std::size_t field, const std::string& probl
 
 CsvError::~CsvError() = default;
 
-CsvReader::CsvReader(std::string_view text, CsvStyle style) : text_(text), style_(style) {
+CsvReader::CsvReader(std::string_view text, CsvStyle style)
+    : text_(text), style_(std::move(style)) {
   constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
   if (text_.starts_with(byteOrderMark)) text_.remove_prefix(byteOrderMark.size());
 }
@@ -45,8 +49,16 @@ bool CsvReader::takeLineEnd() {
   return true;
 }
 
+bool CsvReader::takeComment() {
+  if (!style_.IsComment || at_ == text_.size()) return false;
+  const std::size_t end = std::min(text_.find_first_of("\r\n", at_), text_.size());
+  if (!style_.IsComment(text_.substr(at_, end - at_))) return false;
+  at_ = end;
+  return true;
+}
+
 bool CsvReader::next(std::vector<CsvField>& fields) {
-  while (takeLineEnd()) continue;
+  while (takeLineEnd() || takeComment()) continue;
   if (at_ == text_.size()) return false;
   recordLine_ = line_;
   fieldNumber_ = 0;

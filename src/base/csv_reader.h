@@ -6,6 +6,7 @@
 #include <pelmora/export.h>
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,6 +21,9 @@ struct CsvField {
 // How a text is to be read; what another program has written may differ.
 struct CsvStyle {
   char Separator = ',';
+  // Whether a line, given without its end, is a comment rather than the start of a record; none
+  // is where this is empty.
+  std::function<bool(std::string_view line)> IsComment = {};
 };
 
 // A place where the text is not CSV: "Line 3, field 2: 'x' follows a closing quote; put ...".
@@ -56,6 +60,7 @@ class PELMORA_API CsvReader {
   void readField(CsvField& field);
   void readQuoted(CsvField& field);
   bool takeLineEnd();
+  bool takeComment();
   [[nodiscard]] bool atLineEnd() const;
   [[nodiscard]] bool atFieldEnd() const;
 

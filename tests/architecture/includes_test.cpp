@@ -34,6 +34,7 @@ const std::map<std::string, FolderRule>& rules() {
       {"curves", {{"base", "points"}, {}}},
       {"units", {{"base"}, {}}},
       {"uncertainty", {{"base", "curves", "units"}, {}}},
+      {"sheets", {{"base", "units"}, {}}},
       {"tables", {{"base", "curves"}, {}}},
       {"calibration/steps", {{"base", "points", "store", "curves"}, {}}},
       {"calibration",

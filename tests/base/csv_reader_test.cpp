@@ -69,6 +69,19 @@ TEST(csv_reader, another_separator_may_be_chosen) {
   EXPECT_TRUE(fields[1].isQuoted);
 }
 
+TEST(csv_reader, comment_lines_may_be_left_out) {
+  const auto isComment = [](std::string_view line) { return line.starts_with('#'); };
+  CsvReader reader("# a \"title\nx,y\n#\r\n1,#2\n# end", {.IsComment = isComment});
+  std::vector<CsvField> fields;
+  ASSERT_TRUE(reader.next(fields));
+  EXPECT_EQ(fields[0].text, "x");
+  EXPECT_EQ(reader.line(), 2U);
+  ASSERT_TRUE(reader.next(fields));
+  EXPECT_EQ(fields[1].text, "#2");
+  EXPECT_EQ(reader.line(), 4U);
+  EXPECT_FALSE(reader.next(fields));
+}
+
 std::string failureOf(std::string_view text) {
   try {
     (void)records(text);

@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: MIT
+#include "sheets/field_number.h"
+
+#include "base/text_case.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <string>
+#include <system_error>
+
+namespace pelmora::sheets {
+namespace {
+
+// No-break space, thin space, narrow no-break space.
+constexpr std::array<std::string_view, 5> blanks{" ", "\t", "\xC2\xA0", "\xE2\x80\x89",
+                                                 "\xE2\x80\xAF"};
+constexpr std::array<std::string_view, 2> apostrophes{"'", "\xE2\x80\x99"};
+constexpr std::string_view minusSign = "\xE2\x88\x92";
+
+template <std::size_t count>
+std::string_view startsWithOne(std::string_view text,
+                               const std::array<std::string_view, count>& candidates) {
+  for (const std::string_view candidate : candidates) {
+    if (text.starts_with(candidate)) return candidate;
+  }
+  return {};
+}
+
+// Reads a text from its start and writes what std::from_chars understands.
+class Scan {
+ public:
+  Scan(std::string_view text, NumberStyle style) : rest_(text), style_(style) {}
+
+  std::optional<double> value() {
+    takeSign();
+    if (!takeWhole()) return std::nullopt;
+    const std::size_t wholeDigits = plain_.size() - (plain_.starts_with('-') ? 1 : 0);
+    std::size_t fraction = 0;
+    if (take(style_.decimal)) {
+      plain_ += '.';
+      fraction = takeDigits();
+    }
+    if (wholeDigits + fraction == 0 || !takeExponent() || !rest_.empty()) return std::nullopt;
+    double number = 0;
+    const char* const end = plain_.data() + plain_.size();
+    const auto [stop, code] = std::from_chars(plain_.data(), end, number);
+    if (code != std::errc() || stop != end || !std::isfinite(number)) return std::nullopt;
+    return number;
+  }
+
+ private:
+  bool take(char c) {
+    if (!rest_.starts_with(c)) return false;
+    rest_.remove_prefix(1);
+    return true;
+  }
+  std::size_t takeDigits() {
+    std::size_t count = 0;
+    for (; !rest_.empty() && isDigit(rest_.front()); rest_.remove_prefix(1), ++count)
+      plain_ += rest_.front();
+    return count;
+  }
+  void takeSign() {
+    if (rest_.starts_with(minusSign)) {
+      rest_.remove_prefix(minusSign.size());
+      plain_ = '-';
+    } else if (take('-')) {
+      plain_ = '-';
+    } else {
+      (void)take('+');
+    }
+  }
+  // What separates the next group of digits; empty if none follows.
+  [[nodiscard]] std::string_view groupSign() const {
+    if (const auto blank = startsWithOne(rest_, blanks); !blank.empty() && blank != "\t")
+      return blank;
+    if (const auto mark = startsWithOne(rest_, apostrophes); !mark.empty()) return mark;
+    const char other = style_.decimal == '.' ? ',' : '.';
+    return style_.groupsThousands && rest_.starts_with(other) ? rest_.substr(0, 1)
+                                                              : std::string_view();
+  }
+  bool takeWhole() {
+    const std::size_t first = takeDigits();
+    const std::string_view sign = groupSign();
+    if (sign.empty()) return true;
+    if (first == 0 || first > groupSize) return false;
+    while (rest_.starts_with(sign)) {
+      rest_.remove_prefix(sign.size());
+      if (takeDigits() != groupSize) return false;
+    }
+    return true;
+  }
+  bool takeExponent() {
+    if (!take('e') && !take('E')) return true;
+    plain_ += 'e';
+    if (take('-')) {
+      plain_ += '-';
+    } else {
+      (void)take('+');
+    }
+    return takeDigits() > 0;
+  }
+
+  std::string_view rest_;
+  NumberStyle style_;
+  std::string plain_;
+};
+
+}  // namespace
+
+std::string_view trimmed(std::string_view text) {
+  for (auto blank = startsWithOne(text, blanks); !blank.empty();
+       blank = startsWithOne(text, blanks))
+    text.remove_prefix(blank.size());
+  for (bool isGoingOn = true; isGoingOn;) {
+    isGoingOn = false;
+    for (const std::string_view blank : blanks) {
+      if (!text.ends_with(blank)) continue;
+      text.remove_suffix(blank.size());
+      isGoingOn = true;
+    }
+  }
+  return text;
+}
+
+std::optional<double> fieldNumber(std::string_view text, NumberStyle style) {
+  return Scan(trimmed(text), style).value();
+}
+
+bool isMissingValue(std::string_view text) {
+  constexpr std::array<std::string_view, 5> words{"nan", "n/a", "na", "null", "inf"};
+  text = trimmed(text);
+  return (text.size() > 1 && text.front() == '#') ||
+         std::ranges::any_of(words, [&](std::string_view word) { return equalNames(text, word); });
+}
+
+bool looksLikeNumber(std::string_view text) {
+  text = trimmed(text);
+  if (text.find_first_of("0123456789") == std::string_view::npos) return false;
+  return fieldNumber(text, {'.', true}).has_value() || fieldNumber(text, {',', true}).has_value();
+}
+
+}  // namespace pelmora::sheets

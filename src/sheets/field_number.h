@@ -1,0 +1,37 @@
+// The number in one field of a sheet.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+namespace pelmora::sheets {
+
+// Digits between two signs that group thousands.
+inline constexpr std::size_t groupSize = 3;
+
+[[nodiscard]] constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+struct NumberStyle {
+  char decimal = '.';
+  // Whether the other of '.' and ',' may group thousands. Blanks and apostrophes always may: they
+  // have no other meaning.
+  bool groupsThousands = false;
+};
+
+// Without blanks, tabs and no-break spaces at the ends.
+[[nodiscard]] std::string_view trimmed(std::string_view text);
+
+// Blanks around the number, a sign (also U+2212) and an exponent are allowed; groups have three
+// digits. Nothing for other text and for what a double cannot hold. The result is the double that
+// the same digits with a decimal point give.
+[[nodiscard]] std::optional<double> fieldNumber(std::string_view text, NumberStyle style);
+
+// What programs write in place of a number that there is not: "NaN", "n/a", "#DIV/0!".
+[[nodiscard]] bool isMissingValue(std::string_view text);
+
+// Whether it is a number in one style or another.
+[[nodiscard]] bool looksLikeNumber(std::string_view text);
+
+}  // namespace pelmora::sheets

@@ -1,0 +1,51 @@
+// The records of a sheet's text, comments left out.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "base/csv_reader.h"
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace pelmora::sheets {
+
+struct Record {
+  std::size_t line = 0;
+  std::vector<std::string> fields;  // without blanks at their ends
+  std::string comment;              // the last comment line right above, without its mark
+};
+
+// The fields up to the last one that is not empty.
+[[nodiscard]] std::size_t widthOf(const Record& record);
+
+// A line that begins with #, % or //. An error value of a spreadsheet ("#N/A;5") is none: its row
+// must not disappear.
+[[nodiscard]] bool isComment(std::string_view line);
+
+// The separator of a line such as "sep=;"; 0 for any other line.
+[[nodiscard]] char statedSeparator(std::string_view line);
+
+class RecordSource {
+ public:
+  // `text` must outlive this object.
+  RecordSource(std::string_view text, char separator);
+
+  // False at the end. Errors: SheetError.
+  bool next(Record& record);
+  // Comment lines so far.
+  [[nodiscard]] std::size_t comments() const { return comments_->count; }
+
+ private:
+  struct Comments {
+    std::size_t count = 0;
+    std::string last;
+  };
+  std::shared_ptr<Comments> comments_;
+  CsvReader reader_;
+  std::vector<CsvField> fields_;
+};
+
+}  // namespace pelmora::sheets
