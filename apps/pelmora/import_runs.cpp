@@ -2,6 +2,7 @@
 #include "apps/pelmora/import_runs.h"
 
 #include "apps/pelmora/failure_trouble.h"
+#include "apps/pelmora/input/sheet_input.h"
 #include "apps/pelmora/options/names.h"
 
 namespace pelmora::cli {
@@ -45,7 +46,8 @@ ImportOutcome importRuns(CommandChange& change, const ImportRequest& request) {
   const ImportOptions& options = request.options;
   Session& session = change.session();
   calibration::Database& lab = session.database();
-  const calibration::Stand stand = session.openStand(options.stand);
+  const calibration::Stand stand = session.openStand(options.stand, options.style);
+  if (stand.recognised()) sayRecognised(options.stand, *stand.recognised());
   for (const ListedRun& entry : request.runs) {
     if (!entry.secondJob.empty()) stand.requireJob(entry.secondJob);
   }
@@ -57,6 +59,8 @@ ImportOutcome importRuns(CommandChange& change, const ImportRequest& request) {
   settings.newCalibration = options.newCalibration && isKnown;
   settings.stand = options.standNumber;
   settings.position = options.position;
+  settings.date = options.date;
+  settings.update = options.update;
   ImportOutcome outcome;
   try {
     outcome.imported =
@@ -72,6 +76,11 @@ ImportOutcome importRuns(CommandChange& change, const ImportRequest& request) {
         "job " + job +
         " has no readings of rotor B (V20, V21), so Rotor B, Rotor Sum and Ratio are not derived");
   }
+  for (const calibration::KeptEntry& entry : outcome.imported.keptEntries) {
+    outcome.notes.push_back("the run in " + entry.fluid + " keeps its " + entry.what + " " +
+                            entry.kept + "; " + entry.given + " was given: --update replaces it");
+  }
+  for (const std::string& doubt : outcome.imported.doubts) sayNote(doubt);
   outcome.trouble = secondJobTrouble(request.runs);
   return outcome;
 }

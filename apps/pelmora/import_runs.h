@@ -24,7 +24,7 @@ struct ImportRequest {
 struct ImportOutcome {
   calibration::Imported imported;
   bool isNewCalibration = false;   // the meter was unknown, or --new-calibration was given
-  std::vector<std::string> notes;  // what was not derived, and why
+  std::vector<std::string> notes;  // what was not derived or replaced, and why
   std::optional<Trouble> trouble;  // second jobs that were left out; the rest is imported
 };
 

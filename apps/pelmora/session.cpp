@@ -2,6 +2,7 @@
 #include "apps/pelmora/session.h"
 
 #include "apps/pelmora/failure_trouble.h"
+#include "apps/pelmora/input/sheet_input.h"
 #include "apps/pelmora/interruption.h"
 #include "apps/pelmora/lock_holder.h"
 #include "apps/pelmora/options/names.h"
@@ -30,11 +31,14 @@ calibration::Observer Session::observer() {
   return observer;
 }
 
-calibration::Stand Session::openStand(const std::string& path) {
+calibration::Stand Session::openStand(const std::string& path, const sheets::Style& style) {
   try {
-    return calibration::Stand(path, patienceWith(path, curves_.wait, progress_));
+    return calibration::Stand(path, patienceWith(path, curves_.wait, progress_), style);
   } catch (const calibration::NotFound& missing) {
     throw Trouble(ExitCode::database, missing.what(), missing.remedy());
+  } catch (const calibration::UnreadableText& failure) {
+    throw Trouble(ExitCode::badInput, failure.what(),
+                  remedyWithOption(failure.remedy(), failure.doubt()));
   } catch (const calibration::Unusable&) {
     requireDatabasePath("--stand", path);  // where that is what the engine could not open
     throw;

@@ -31,7 +31,7 @@ class Session {
   // Opens a stand for reading, with the wait of the curve database.
   //
   // Errors: Trouble database; badInput for what a CSV export holds.
-  [[nodiscard]] calibration::Stand openStand(const std::string& path);
+  [[nodiscard]] calibration::Stand openStand(const std::string& path, const sheets::Style& style);
 
  private:
   DatabaseOption curves_;

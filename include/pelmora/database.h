@@ -13,7 +13,7 @@ class Connection;                                   // the abstract role of an o
 using ConnectionPtr = std::shared_ptr<Connection>;  // null: an absent connection
 
 // Opens the database at `location` with the driver for what is found there: an SQLite file, or a
-// stand export as CSV with the header JobRecordID,V1..V37 (read into memory).
+// stand's export as text with the columns JobRecordID, V1 to V37 (read into memory).
 //
 // Errors: Error if the location is missing, empty, locked or not a database. Never creates a file.
 PELMORA_API ConnectionPtr openDatabase(const std::string& location);

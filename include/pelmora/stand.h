@@ -4,12 +4,31 @@
 
 #include <pelmora/database.h>
 #include <pelmora/export.h>
+#include <pelmora/patience.h>
+#include <pelmora/sheet.h>
 #include <pelmora/types.h>
 
+#include <cstddef>
+#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace pelmora {
+
+struct OpenedStand {
+  ConnectionPtr connection;
+  // Of a text file: how it was read, and the lines of each job's points. Nothing for a database.
+  std::optional<sheets::Recognised> recognised;
+  std::map<std::string, std::vector<std::size_t>> lines;
+};
+
+// Opens a stand's database, or its export as a text file in the given style.
+//
+// Errors: Error, as of openDatabase(); SheetError for what a text file holds and for a workbook.
+[[nodiscard]] PELMORA_API OpenedStand openStand(const std::string& location,
+                                                const Patience& patience = {},
+                                                const sheets::Style& style = {});
 
 // The ids of all jobs with data points, in ascending order.
 //

@@ -1,8 +1,10 @@
 // Importing runs of a stand and deriving the series.
 // SPDX-License-Identifier: MIT
+#include "base/date_text.h"
 #include "base/text_case.h"
 #include "calibration/exclusions.h"
 #include "calibration/names.h"
+#include "calibration/roshko_size.h"
 #include "calibration/session.h"
 #include "calibration/stand_check.h"
 #include "calibration/steps/derivation.h"
@@ -12,6 +14,10 @@
 #include "store/reading.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
+#include <chrono>
+#include <ctime>
 
 namespace pelmora::calibration {
 namespace {
@@ -49,6 +55,50 @@ void requireRoom(const Meter& meter, const std::vector<Run>& before,
                  placeOf(meter), "import into a new calibration"});
 }
 
+// "2026-11-21" as the set-ups have it; empty stays empty.
+std::string storedDate(const std::string& iso) {
+  if (iso.empty()) return {};
+  const BadData bad(
+      {"'" + iso + "' is not a date", "", "write year-month-day, such as 2026-11-21"});
+  constexpr std::size_t length = 10;
+  if (iso.size() != length || iso[4] != '-' || iso[7] != '-') throw BadData(bad);
+  const auto number = [&](std::size_t at, std::size_t count) {
+    int value = 0;
+    const char* const begin = iso.data() + at;
+    const auto [end, code] = std::from_chars(begin, begin + count, value);
+    if (code != std::errc() || end != begin + count || value < 0) throw BadData(bad);
+    return value;
+  };
+  const std::chrono::year_month_day date{std::chrono::year(number(0, 4)),
+                                         std::chrono::month(static_cast<unsigned>(number(5, 2))),
+                                         std::chrono::day(static_cast<unsigned>(number(8, 2)))};
+  constexpr int firstYear = 1900;
+  if (!date.ok() || int{date.year()} < firstYear) throw BadData(bad);
+  std::tm parts{};
+  parts.tm_year = int{date.year()} - firstYear;
+  parts.tm_mon = static_cast<int>(unsigned{date.month()}) - 1;
+  parts.tm_mday = static_cast<int>(unsigned{date.day()});
+  return shortDateText(parts);
+}
+
+// What the run keeps of itself, where the import gives something else.
+std::vector<KeptEntry> keptEntries(const Run& known, const StandRun& given,
+                                   const ImportOptions& options, const std::string& date) {
+  std::vector<KeptEntry> entries;
+  const auto add = [&](const char* what, const std::string& kept, const std::string& wanted) {
+    if (!wanted.empty() && !equalNames(kept, wanted))
+      entries.push_back({known.fluid, what, kept, wanted});
+  };
+  const auto numberOrNone = [](int number) {
+    return number < 0 ? std::string() : std::to_string(number);
+  };
+  add("operator", known.operatorName, given.operatorName);
+  add("stand", numberOrNone(known.stand), numberOrNone(options.stand));
+  add("position", numberOrNone(known.position), numberOrNone(options.position));
+  add("date", known.date, date);
+  return entries;
+}
+
 void requireGoOn(const Meter& meter, const Observer& observer) {
   if (!observer.stop.stop_requested()) return;
   throw Cancelled({"the import into " + placeOf(meter) + " was cancelled", placeOf(meter), ""});
@@ -65,7 +115,9 @@ class Import {
         options_(options),
         observer_(observer) {}
 
-  void copyRuns() {
+  // before: the runs of the calibration.
+  void copyRuns(const std::vector<Run>& before, std::vector<KeptEntry>& kept) {
+    const std::string date = storedDate(options_.date);
     for (const StandRun& run : runs_) {
       requireGoOn(meter_, observer_);
       if (observer_.status) observer_.status("Copying job " + run.job);
@@ -74,6 +126,13 @@ class Import {
           session_.connection(),
           {meter_.id, options_.stand, options_.position, NameText::quoted(run.fluid)},
           operatorName);
+      const auto known = std::ranges::find(before, setUp, &Run::id);
+      if (known == before.end() || options_.update) {
+        steps::changeSetUp(session_.connection(), setUp, entriesOf(run, date));
+      } else {
+        const auto entries = keptEntries(*known, run, options_, date);
+        kept.insert(kept.end(), entries.begin(), entries.end());
+      }
       steps::copyStandRows(*stand_.connection(), session_.connection(), setUp, run.job);
     }
   }
@@ -101,6 +160,10 @@ class Import {
   }
 
  private:
+  [[nodiscard]] steps::SetUpEntries entriesOf(const StandRun& run, const std::string& date) const {
+    return {NameText::quoted(run.operatorName), options_.stand, options_.position, date};
+  }
+
   Session& session_;
   const Meter& meter_;
   const Stand& stand_;
@@ -120,14 +183,16 @@ Imported Database::importRuns(const Meter& meter, const Stand& stand,
   return session_->changing("import", "importing into " + placeOf(meter), [&] {
     imported.isNewCalibration = options.newCalibration;
     imported.meter = options.newCalibration ? registerMeter(meter.serial, true) : meter;
-    requireRoom(imported.meter, this->runs(imported.meter), wanted);
+    const std::vector<Run> before = this->runs(imported.meter);
+    requireRoom(imported.meter, before, wanted);
     const std::size_t keptBefore = session_->kept().size();
     if (!options.newCalibration) (void)session_->keep(history::importedRuns(meter.id));
     Import import(*session_, imported.meter, stand, wanted, options, observer);
-    import.copyRuns();
+    import.copyRuns(before, imported.keptEntries);
     const ExclusionsOfRuns exclusions(*session_, imported.meter);
     imported.series = import.derive(imported.jobWithoutRotorB.empty());
     imported.runs = this->runs(imported.meter);
+    imported.doubts = doubtsAbout(*session_, imported, stand, wanted);
     exclusions.applyAgain(imported);
     imported.kept.assign(session_->kept().begin() + static_cast<std::ptrdiff_t>(keptBefore),
                          session_->kept().end());

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "calibration/exclusions.h"
 #include "calibration/names.h"
+#include "calibration/roshko_size.h"
 #include "calibration/session.h"
 #include "calibration/steps/raw_points.h"
 #include "store/field_value.h"
@@ -55,6 +56,9 @@ StoredPoints Database::storeRaw(const Meter& meter, const std::string& series, i
     steps::removeRawPoints(connection, target);
     steps::insertRawPoints(connection, target, points);
     keepExclusions(*session_, name, before, stored);
+    stored.farFactor = pelmora::calibration::farFactor(
+        typicalRoshko(points), otherRoshkos(*session_, meter, {}, stored.seriesID, part));
+    stored.farPoints = pelmora::calibration::farPoints(points);
     return stored;
   });
 }

@@ -4,47 +4,78 @@
 #include <pelmora/stand.h>
 
 #include "base/run_time_error.h"
+#include "base/text_case.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 
 namespace pelmora::calibration {
 namespace {
 
-bool isCsvFile(const std::string& location) {
+bool isRegularFile(const std::string& location) {
   std::error_code ignored;
-  if (!std::filesystem::is_regular_file(location, ignored)) return false;
-  constexpr std::string_view ending = ".csv";
-  if (location.size() < ending.size()) return false;
-  for (std::size_t i = 0; i < ending.size(); ++i) {
-    char c = location[location.size() - ending.size() + i];
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    if (c != ending[i]) return false;
-  }
-  return true;
+  return std::filesystem::is_regular_file(location, ignored);
+}
+
+bool isEmptyFile(const std::string& location) {
+  std::error_code ignored;
+  return std::filesystem::file_size(location, ignored) == 0;
+}
+
+bool endsLikeText(const std::string& location) {
+  return std::ranges::any_of(std::array{".csv", ".txt", ".tsv"}, [&](std::string_view ending) {
+    return location.size() >= ending.size() &&
+           equalNames(std::string_view(location).substr(location.size() - ending.size()), ending);
+  });
 }
 
 }  // namespace
 
-Stand::Stand(const std::string& location, const Patience& patience) : location_(location) {
+UnreadableText::UnreadableText(const std::string& location, const sheets::SheetError& error)
+    : BadData({"the stand's data cannot be read: " + error.place() + ": " + error.problem(),
+               location, error.remedy()},
+              error.number()),
+      doubt_(error.doubt()) {}
+
+UnreadableText::~UnreadableText() = default;
+
+Stand::Stand(const std::string& location, const Patience& patience, const sheets::Style& style)
+    : location_(location) {
   try {
-    connection_ = openDatabase(location, patience);
-    jobs_ = standJobs(connection_);
+    opened_ = openStand(location, patience, style);
+    jobs_ = standJobs(opened_.connection);
+  } catch (const sheets::SheetError& error) {
+    throw UnreadableText(location, error);
   } catch (const Error& error) {
     if (error.number() == static_cast<std::int32_t>(RunTimeError::fileNotFound)) {
-      throw NotFound({error.what(), location, "name a stand's database or its CSV export"},
+      throw NotFound({error.what(), location, "name a stand's database or its export as text"},
                      error.number());
     }
-    if (isCsvFile(location)) {
+    const bool isText = isRegularFile(location) && endsLikeText(location);
+    if (isText && !isEmptyFile(location) &&
+        error.number() == static_cast<std::int32_t>(RunTimeError::invalidFileFormat)) {
+      throw BadData({"the stand's data cannot be read: no line at the start of '" + location +
+                         "' names the column JobRecordID",
+                     location, "add a header with JobRecordID, V1 to V5 and V12"},
+                    error.number());
+    }
+    if (isText) {
       throw BadData({"the stand's data cannot be read: " + std::string(error.what()), location, ""},
                     error.number());
     }
     throw Unusable(
         {"'" + location + "' cannot be used as a stand's data: " + error.what(), location,
-         "name a stand database or a CSV export with the header JobRecordID,V1..V37"},
+         "name a stand database or a text file with the columns JobRecordID, V1 to V37"},
         error.number());
   }
+}
+
+std::size_t Stand::lineOf(const std::string& job, std::size_t point) const {
+  const auto found = opened_.lines.find(job);
+  return found == opened_.lines.end() || point >= found->second.size() ? 0 : found->second[point];
 }
 
 void Stand::requireJob(const std::string& job) const {

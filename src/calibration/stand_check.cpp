@@ -39,7 +39,9 @@ ValueTable pointsOf(const Stand& stand, const std::string& job, const std::strin
 class JobCheck {
  public:
   JobCheck(const Stand& stand, const std::string& job)
-      : location_(stand.location()),
+      : stand_(stand),
+        job_(job),
+        location_(stand.location()),
         place_("stand '" + stand.location() + "', job " + job),
         points_(pointsOf(stand, job, place_)) {
     if (points_.rows() <= static_cast<std::size_t>(mostPoints)) return;
@@ -83,12 +85,26 @@ class JobCheck {
     if (isMissing(row, reading)) why = "is empty";
     if (text != nullptr) why = "is the text '" + *text + "'";
     if (!reading.mayBeZero && isZero(row, reading)) why = "is 0";
+    if (!reading.mayBeZero && isNegative(row, reading)) why = "is negative";
     if (why.empty()) return;
     throw BadData({place_ + ", point " + std::to_string(row + 1) + ": V" +
-                       std::to_string(reading.number) + " (" + reading.meaning + ") " + why,
+                       std::to_string(reading.number) + " (" + reading.meaning + ") " + why +
+                       lineText(row),
                    location_, "correct or remove the point at the stand"});
   }
 
+  [[nodiscard]] bool isNegative(std::size_t row, const Reading& reading) const {
+    const auto* real = std::get_if<double>(&value(row, reading));
+    const auto* whole = std::get_if<std::int64_t>(&value(row, reading));
+    return (real != nullptr && *real < 0) || (whole != nullptr && *whole < 0);
+  }
+  [[nodiscard]] std::string lineText(std::size_t row) const {
+    const std::size_t line = stand_.lineOf(job_, row);
+    return line == 0 ? "" : " (line " + std::to_string(line) + " of the file)";
+  }
+
+  const Stand& stand_;
+  const std::string& job_;
   std::string location_, place_;
   ValueTable points_;
 };

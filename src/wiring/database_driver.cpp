@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "wiring/database_driver.h"
 
+#include <pelmora/stand.h>
+
 #include "base/file_text.h"
 #include "base/plain_reading.h"
 #include "base/run_time_error.h"
@@ -20,6 +22,9 @@
 #if defined(PELMORA_HAS_ADO)
 #include "adapters/ado/ado_connection.h"
 #endif
+
+#include <memory>
+#include <utility>
 
 namespace pelmora {
 namespace {
@@ -54,6 +59,28 @@ ConnectionPtr openDatabase(const std::string& location, const Patience& patience
   if (!connection) throw noDriver(location);
   connection->open();
   return connection;
+}
+
+OpenedStand openStand(const std::string& location, const Patience& patience,
+                      [[maybe_unused]] const sheets::Style& style) {
+  OpenedStand stand;
+#if defined(PELMORA_HAS_SQLITE)
+  if (const std::string kind = workbookKind(location); !kind.empty()) {
+    throw sheets::SheetError("", "it is " + kind,
+                             "save the stand's data as CSV (File > Save As) and name that file")
+        .inFile(location, static_cast<std::int32_t>(RunTimeError::invalidFileFormat));
+  }
+  if (isStandCsv(location)) {
+    const auto reading = std::make_shared<StandReading>();
+    stand.connection = standCsvConnection(location, style, reading);
+    stand.connection->open();
+    stand.recognised = std::move(reading->recognised);
+    stand.lines = std::move(reading->lines);
+    return stand;
+  }
+#endif
+  stand.connection = openDatabase(location, patience);
+  return stand;
 }
 
 bool isOpenAsDatabase(const std::string& path) { return isDatabaseInUse(filePath(path)); }

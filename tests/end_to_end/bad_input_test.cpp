@@ -139,9 +139,16 @@ TEST_F(bad_points, text_for_a_number) {
   EXPECT_THAT(refusal("x,y\n1,2\n3,four\n"),
               AllOf(HasSubstr("bad.csv', line 3, column y"), HasSubstr("'four'")));
 }
-TEST_F(bad_points, decimal_commas) {
+TEST_F(bad_points, decimal_commas_between_commas) {
   EXPECT_THAT(refusal("x,y\n1,5,2,5\n"), HasSubstr("decimal point"));
-  EXPECT_THAT(refusal("x;y\n1,5;2,5\n"), HasSubstr("semicolons"));
+}
+TEST_F(bad_points, workbook) {
+  EXPECT_THAT(
+      refusal("PK\3\4........xl/workbook.xml"),
+      AllOf(HasSubstr("bad.csv"), HasSubstr("Excel workbook (.xlsx)"), HasSubstr("as CSV")));
+}
+TEST_F(bad_points, roshko_number_that_cannot_be) {
+  EXPECT_THAT(refusal("x,y\n1,2\n0,2\n"), HasSubstr("line 3, column x"));
 }
 TEST_F(bad_points, not_a_number) { EXPECT_THAT(refusal("1,2\n3,NaN\n"), HasSubstr("line 2")); }
 TEST_F(bad_points, missing_column) {

@@ -52,6 +52,16 @@ TEST_F(bad_stand, zero_reading) {
   EXPECT_THAT(refusal(5, standWith(2, 20, "0")), HasSubstr("point 1: V20 (time of rotor B) is 0"));
 }
 
+TEST_F(bad_stand, negative_reading) {
+  EXPECT_THAT(refusal(5, standWith(4, 5, "-1.5")),
+              HasSubstr("point 3: V5 (viscosity) is negative (line 4 of the file)"));
+}
+
+TEST_F(bad_stand, workbook) {
+  EXPECT_THAT(refusal(5, write("stand.xlsx", "PK\3\4........xl/workbook.xml")),
+              AllOf(HasSubstr("stand.xlsx"), HasSubstr("Excel workbook"), HasSubstr("as CSV")));
+}
+
 TEST_F(bad_stand, empty_reading) {
   EXPECT_THAT(refusal(5, standWith(3, 12, "")), HasSubstr("point 2: V12 (temperature) is empty"));
 }
@@ -74,14 +84,19 @@ TEST_F(bad_stand, wrong_header) {
   EXPECT_THAT(refusal(5, standWith(1, 7, "Volume")), HasSubstr("Volume"));
 }
 
+TEST_F(bad_stand, header_without_jobs) {
+  EXPECT_THAT(refusal(5, standWith(1, 0, "Job")),
+              AllOf(HasSubstr("names the column JobRecordID"), HasSubstr("V1 to V5 and V12")));
+}
+
 TEST_F(bad_stand, missing_column) {
   std::string text;
   for (auto row : rowsOf(data("stand-dual-rotor.csv"))) {
-    row.pop_back();
+    row.erase(row.begin() + 12);
     for (std::size_t i = 0; i < row.size(); ++i) text += (i == 0 ? "" : ",") + row[i];
     text += "\n";
   }
-  EXPECT_THAT(refusal(5, write("stand.csv", text)), AllOf(HasSubstr("V37"), HasSubstr("missing")));
+  EXPECT_THAT(refusal(5, write("stand.csv", text)), AllOf(HasSubstr("V12"), HasSubstr("missing")));
 }
 
 TEST_F(bad_stand, missing_empty_or_foreign_file) {

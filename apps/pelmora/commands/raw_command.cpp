@@ -2,6 +2,7 @@
 #include "apps/pelmora/command_change.h"
 #include "apps/pelmora/commands/commands.h"
 #include "apps/pelmora/input/csv_points.h"
+#include "apps/pelmora/input/sheet_input.h"
 #include "apps/pelmora/options/common_options.h"
 #include "apps/pelmora/options/names.h"
 #include "apps/pelmora/options/strict_number.h"
@@ -42,6 +43,23 @@ std::string summary(const RawRequest& request, const calibration::Meter& meter,
   return wrapped(text, 0);
 }
 
+void warnOfFarPoints(const std::string& file, const CsvPoints& read,
+                     const calibration::StoredPoints& stored) {
+  const auto warn = [&](std::size_t line, const std::string& what) {
+    sayNote("file '" + file + "', line " + std::to_string(line) + ", column " + read.roshkoColumn +
+            ": " + what + "; check the unit of the viscosity");
+  };
+  if (stored.farFactor != 1) {
+    warn(read.lines.front(), "from here on the Roshko numbers are " +
+                                 significantText(stored.farFactor, 2) +
+                                 " times those of the meter's other points");
+  }
+  for (const calibration::FarPoint& far : stored.farPoints) {
+    warn(read.lines[far.index], "the Roshko number is " + significantText(far.factor, 2) +
+                                    " times the median of the file");
+  }
+}
+
 // The fit that the points are for.
 std::string nextStep(const RawRequest& request) {
   if (request.isDryRun) return {};
@@ -53,7 +71,10 @@ std::string nextStep(const RawRequest& request) {
 void raw(const RawRequest& request) {
   requireNewName("--meter", request.meter);
   requireNewName("--series", request.series);
-  const PointArray points = readCsvPoints(request.file, request.columns);
+  const CsvPoints read = readCsvPoints(request.file, request.columns);
+  const PointArray& points = read.points;
+  sayRecognised(request.file, read.recognised);
+  if (!read.derivation.empty()) sayNote(read.derivation);
   Session session(request.curves, calibration::Mode::write);
   calibration::Database& lab = session.database();
   CommandChange change(session, "raw", request.isDryRun);
@@ -64,6 +85,7 @@ void raw(const RawRequest& request) {
   const calibration::StoredPoints stored =
       lab.storeRaw(meter, request.series, request.part, points);
   change.finish();
+  warnOfFarPoints(request.file, read, stored);
   if (!request.asJson)
     return printData(summary(request, meter, points) +
                      exclusionText(stored.excluded, stored.dropped) + nextStep(request) +
@@ -81,12 +103,17 @@ void raw(const RawRequest& request) {
 void addRawCommand(Program& program) {
   Command command = program.add(
       "raw",
-      "Store the points of a CSV file as a raw part of a series, in place of its old points. The "
+      "Store the points of a text file as a raw part of a series, in place of its old points. The "
       "meter must be "
       "known unless --register is given; the series is created if needed.");
   const auto request = std::make_shared<RawRequest>();
   addDatabase(command, request->curves);
-  addPath(command, {"POINTS", "FILE", "CSV file: x,y, a header line allowed", true}, request->file);
+  addPath(command,
+          {"POINTS", "FILE",
+           "Text file with columns for x and y, such as CSV; how it is written is "
+           "recognised",
+           true},
+          request->file);
   addMeter(command, request->meter, true);
   addSeries(command, request->series, true);
   command.addText({"--part", "N", "Raw part, 1 to 4 (default 1)"},
@@ -96,6 +123,13 @@ void addRawCommand(Program& program) {
   command.addText({"--x", "COLUMN", "Column of x: its name, or its number from 1 (default Roshko)"},
                   request->columns.x);
   command.addText({"--y", "COLUMN", "Column of y (default Strouhal)"}, request->columns.y);
+  command.addText(
+      {"--columns", "q=COLUMN,f=...",
+       "Derive x and y from the columns of flow (q), frequency (f), viscosity (nu) and, "
+       "if it is known, temperature (t), each with a unit in the header or here: "
+       "q=Flow:l/min,f=Freq:Hz,nu=Visc:cSt,t=Temp:C"},
+      [request](const std::string& text) { request->columns.derived = columnChoice(text); });
+  addSheetStyle(command, request->columns.style);
   command.addTexts(
       {"--where", "COLUMN=VALUE", "Take only rows whose column has this value; may be repeated"},
       request->filters);
@@ -104,6 +138,11 @@ void addRawCommand(Program& program) {
   addDryRun(command, request->isDryRun);
   addJson(command, request->asJson);
   command.onRun([request] {
+    const PointColumns& columns = request->columns;
+    if (columns.derived && (!columns.x.empty() || !columns.y.empty())) {
+      throw Trouble(ExitCode::usage, "--columns derives x and y, and --x or --y names them",
+                    "give one or the other");
+    }
     for (const std::string& filter : request->filters)
       request->columns.where.push_back(rowFilter(filter));
     raw(*request);

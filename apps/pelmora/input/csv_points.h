@@ -1,7 +1,10 @@
-// Points that a user brings as a CSV file.
+// Points that a user brings as a text file.
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "apps/pelmora/input/derived_columns.h"
+
+#include <pelmora/sheet.h>
 #include <pelmora/types.h>
 
 #include <optional>
@@ -17,16 +20,26 @@ inline constexpr std::size_t mostPoints = 32767;
 struct PointColumns {
   std::string x, y;  // header names, or numbers from 1; empty: see readCsvPoints
   std::vector<std::pair<std::string, std::string>> where;  // only rows whose column has this value
+  std::optional<ColumnChoice> derived = {};  // columns to derive x and y from, in place of x and y
+  sheets::Style style = {};                  // without names
 };
 
-// The points of a comma-separated file, in its order. The first line is a header unless it holds
-// numbers. Without names, x and y are the columns Roshko and Strouhal, or the only two.
+struct CsvPoints {
+  PointArray points;
+  sheets::Recognised recognised;
+  std::string derivation;          // from what x and y were derived; empty: they were read
+  std::vector<std::size_t> lines;  // of each point
+  std::string roshkoColumn;        // which determines the size of Roshko: its own or the viscosity
+};
+
+// The points of a text file, in its order. Without names, x and y are the columns Roshko and
+// Strouhal, or the only two.
 //
 // Errors: Trouble badInput that names file, line and column: no file, no such column, a line with
-// too
-//         few or too many fields, a text, NaN or infinity for a number, a y of zero, no points or
-//         more than mostPoints.
-[[nodiscard]] PointArray readCsvPoints(const std::string& path, const PointColumns& columns);
+//         too few or too many fields, a text, NaN or infinity for a number, an x that is not
+//         positive, a y of zero, no points or more than mostPoints; and where separator or decimal
+//         sign cannot be told.
+[[nodiscard]] CsvPoints readCsvPoints(const std::string& path, const PointColumns& columns);
 
 // "column=value". Errors: Trouble usage.
 [[nodiscard]] std::pair<std::string, std::string> rowFilter(const std::string& text);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/options/common_options.h"
 
+#include "apps/pelmora/input/sheet_input.h"
 #include "apps/pelmora/options/names.h"
 #include "apps/pelmora/options/strict_number.h"
 #include "apps/pelmora/output/text_table.h"
@@ -56,7 +57,8 @@ void addDatabase(Command& command, DatabaseOption& curves) {
 void addName(Command& command, const OptionText& option, std::string& name) {
   command.addText(option, [&name, names = option.names](const std::string& text) {
     requireName(names, text);
-    name = text;
+    const std::size_t first = text.find_first_not_of(' ');
+    name = text.substr(first, text.find_last_not_of(' ') - first + 1);
   });
 }
 
@@ -99,8 +101,12 @@ void addImport(Command& command, ImportOptions& options) {
   addMeter(command, options.meter, true);
   addPath(
       command,
-      {"--stand", "FILE", "Stand database, or CSV export with header JobRecordID,V1..V37", true},
+      {"--stand", "FILE",
+       "Stand database, or text file such as CSV with the columns JobRecordID, V1 to V5, V12 (and "
+       "V20, V21 of rotor B); how it is written is recognised",
+       true},
       options.stand);
+  addSheetStyle(command, options.style);
   command.addTexts({"--job", "A[:B]",
                     "Job of a run; repeat for each run (of two jobs A:B the import takes the first "
                     "and says so)",
@@ -112,6 +118,10 @@ void addImport(Command& command, ImportOptions& options) {
   addSmallInteger(command, "--stand-number", options.standNumber, 0, "Number of the stand");
   addSmallInteger(command, "--position", options.position, 0, "Position of the meter on the stand");
   addCalibration(command, options.calibration);
+  command.addText({"--date", "YYYY-MM-DD", "Date of the runs (default: today)"}, options.date);
+  command.addFlag("--update", options.update,
+                  "Give operator, stand number, position and date also to runs of fluids that the "
+                  "meter has already; otherwise these keep theirs");
   command.addFlag("--new-calibration", options.newCalibration,
                   "Start the meter's next calibration");
 }

@@ -6,6 +6,8 @@
 #include "apps/pelmora/options/database_option.h"
 #include "apps/pelmora/input/question.h"
 
+#include <pelmora/sheet.h>
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -44,7 +46,9 @@ struct ImportOptions {
   std::string meter, stand;
   std::vector<std::string> jobs, fluids, operators;
   std::int16_t calibration = -1, standNumber = -1, position = -1;
-  bool newCalibration = false;
+  bool newCalibration = false, update = false;
+  std::string date;
+  sheets::Style style;
 };
 void addImport(Command& command, ImportOptions& options);
 

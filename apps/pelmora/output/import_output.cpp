@@ -50,11 +50,13 @@ nlohmann::json importJson(const ImportOutcome& outcome) {
     series.push_back(
         {{"name", derived.name}, {"seriesId", derived.id}, {"rawPoints", derived.points}});
   }
+  std::vector<std::string> notes = outcome.notes;
+  notes.insert(notes.end(), outcome.imported.doubts.begin(), outcome.imported.doubts.end());
   return {{"meter", report::meterJson(outcome.imported.meter)},
           {"newCalibration", outcome.isNewCalibration},
           {"setups", report::runsJson(outcome.imported.runs)},
           {"series", series},
-          {"notes", outcome.notes},
+          {"notes", notes},
           {"error", outcome.trouble ? json(errorLine(*outcome.trouble)) : json()}};
 }
 

@@ -20,6 +20,17 @@ struct ImportOptions {
   // Import into a new calibration of the meter rather than the given one.
   bool newCalibration = false;
   std::int16_t stand = -1, position = -1;  // numbers that are stored with the runs
+  std::string date = {};                   // of the runs, as 2026-11-21; empty: today
+  // Give the operator, the stand, the position and the date above also to runs of fluids that the
+  // calibration has already. Otherwise these keep theirs, and Imported::keptEntries says so.
+  bool update = false;
+};
+
+// What a run of a known fluid has kept although the import said something else.
+struct KeptEntry {
+  std::string fluid;
+  std::string what;  // "operator", "stand", "position", "date"
+  std::string kept, given;
 };
 
 struct DerivedSeries {
@@ -36,7 +47,15 @@ struct Imported {
   std::string jobWithoutRotorB;   // the reason why only Rotor A was derived; empty if there is none
   std::size_t excludedAgain = 0;  // points whose exclusion lasts
   std::vector<DroppedExclusion> dropped;  // exclusions of points that did not come again
+  std::vector<KeptEntry> keptEntries;
+  std::vector<std::string> doubts;  // readings that put a run far from the meter's other runs
   std::vector<HistoryEntryId> kept;
+};
+
+// A point whose Roshko number is 10,000 times larger or smaller than those around it.
+struct FarPoint {
+  std::size_t index = 0;  // in the order of the points
+  double factor = 1;      // its Roshko number over the median of its raw part
 };
 
 struct StoredPoints {
@@ -45,6 +64,9 @@ struct StoredPoints {
   HistoryEntryId kept = 0;   // the entry of the part's previous points
   std::size_t excluded = 0;  // points of the part whose exclusion lasts
   std::vector<DroppedExclusion> dropped;
+  // Roshko over that of the meter's nearest other raw part; 1 unless they are 10,000 times apart.
+  double farFactor = 1;
+  std::vector<FarPoint> farPoints;
 };
 
 // The points of a result file of the outside program TableCurve: three header lines, then Roshko

@@ -2,9 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pelmora/calibration/failure.h>
 #include <pelmora/database.h>
 #include <pelmora/export.h>
 #include <pelmora/patience.h>
+#include <pelmora/sheet.h>
+#include <pelmora/stand.h>
 
 #include <chrono>
 #include <string>
@@ -12,25 +15,47 @@
 
 namespace pelmora::calibration {
 
+// A stand's text file that cannot be read as a table, or a workbook in place of one.
+class PELMORA_API UnreadableText : public BadData {
+ public:
+  UnreadableText(const std::string& location, const sheets::SheetError& error);
+  ~UnreadableText() override;
+
+  // What sheets::Style could state to settle it.
+  [[nodiscard]] sheets::SheetError::Doubt doubt() const noexcept { return doubt_; }
+
+ private:
+  sheets::SheetError::Doubt doubt_;
+};
+
 // Opened for reading by the constructor, closed by the destructor.
 class PELMORA_API Stand {
  public:
-  // A stand's database, or its export as CSV with the header JobRecordID,V1..V37.
+  // A stand's database, or its export as a text file with the columns JobRecordID and V1 to V37;
+  // of a text file `style` says what is not to be recognised.
   //
-  // Errors: NotFound, Unusable; BadData for the contents of a CSV export.
+  // Errors: NotFound, Unusable; UnreadableText, or other BadData for a text file that names no
+  //         JobRecordID.
   explicit Stand(const std::string& location,
-                 const Patience& patience = {.limit = std::chrono::seconds(30), .goesOn = {}});
+                 const Patience& patience = {.limit = std::chrono::seconds(30), .goesOn = {}},
+                 const sheets::Style& style = {});
 
   [[nodiscard]] const std::string& location() const { return location_; }
   // In rising order.
   [[nodiscard]] const std::vector<std::string>& jobs() const { return jobs_; }
   // Errors: NotFound, with the jobs that there are.
   void requireJob(const std::string& job) const;
-  [[nodiscard]] const ConnectionPtr& connection() const { return connection_; }
+  [[nodiscard]] const ConnectionPtr& connection() const { return opened_.connection; }
+  // How a text file was read; nothing for a database.
+  [[nodiscard]] const std::optional<sheets::Recognised>& recognised() const {
+    return opened_.recognised;
+  }
+  // The line of a job's point, from 0, in a text file; 0 for a database.
+  [[nodiscard]] std::size_t lineOf(const std::string& job, std::size_t point) const;
 
  private:
   std::string location_;
-  ConnectionPtr connection_;
+  OpenedStand opened_;
   std::vector<std::string> jobs_;
 };
 

@@ -15,6 +15,7 @@
 #include <fstream>
 #include <iterator>
 #include <system_error>
+#include <utility>
 
 namespace pelmora {
 
@@ -36,8 +37,8 @@ std::string contents(const std::string& path) {
   }
   std::error_code ignored;
   if (std::filesystem::file_size(filePath(path), ignored) > mostBytes && !ignored) {
-    throw Error(static_cast<std::int32_t>(RunTimeError::pathAccess), "Pelmora",
-                "File '" + path + "' is larger than 100 MB. Export fewer jobs at a time.");
+    throw sheets::SheetError("", "it is larger than 100 MB", "export fewer jobs at a time")
+        .inFile(path, static_cast<std::int32_t>(RunTimeError::pathAccess));
   }
   const PlainReading reading(filePath(path));
   std::ifstream file(filePath(path), std::ios::binary);
@@ -49,33 +50,45 @@ std::string contents(const std::string& path) {
   return text;
 }
 
-void readRows(const std::string& path, MemoryTables& tables) {
-  const std::string text = contents(path);
-  stand::StandRows rows(path, text);
+std::string jobText(const Value& job) {
+  const auto* whole = std::get_if<std::int64_t>(&job);
+  if (whole != nullptr) return std::to_string(*whole);
+  const auto* text = std::get_if<std::string>(&job);
+  return text == nullptr ? std::string() : *text;
+}
+
+void readRows(const std::string& path, const sheets::Style& style, StandReading* reading,
+              MemoryTables& tables) {
+  stand::StandRows rows(path, contents(path), style);
+  if (reading != nullptr) *reading = {rows.recognised(), {}};
   std::array<Value, stand::columnCount> row;
   tables.beginTable({"DataPoint", standTableColumns()});
-  while (rows.next(row)) tables.addRow(row);
+  while (rows.next(row)) {
+    if (reading != nullptr) reading->lines[jobText(row[0])].push_back(rows.line());
+    tables.addRow(row);
+  }
 }
 
 }  // namespace
 
 bool isStandCsv(const std::string& path) {
-  constexpr std::size_t enough = 64;
+  constexpr std::size_t enough = 1U << 16U;
   const auto start = sqlite::startOfFile(path, enough);
-  if (!start) return false;
-  // The rest of the record may be cut anywhere; only its first field counts.
-  const std::size_t end = start->find_first_of(",\r\n");
-  CsvReader reader(std::string_view(*start).substr(0, end));
-  std::vector<CsvField> fields;
-  try {
-    return reader.next(fields) && stand::isFirstColumn(fields.front().text);
-  } catch (const Error&) {
-    return false;
-  }
+  return start && sheets::namesColumn(*start, stand::columnName(0));
 }
 
-ConnectionPtr standCsvConnection(const std::string& path) {
-  return memoryConnection({[path](MemoryTables& tables) { readRows(path, tables); },
+std::string workbookKind(const std::string& path) {
+  constexpr std::size_t enough = 4096;
+  const auto start = sqlite::startOfFile(path, enough);
+  std::string kind = start ? sheets::foreignKind(*start) : std::string();
+  return kind.find("database") == std::string::npos ? kind : std::string();
+}
+
+ConnectionPtr standCsvConnection(const std::string& path, const sheets::Style& style,
+                                 std::shared_ptr<StandReading> reading) {
+  return memoryConnection({[path, style, reading = std::move(reading)](MemoryTables& tables) {
+                             readRows(path, style, reading.get(), tables);
+                           },
                            "The tables of this database can only be read."});
 }
 

@@ -2,13 +2,12 @@
 #include "adapters/stand_csv/stand_rows.h"
 
 #include "base/run_time_error.h"
+#include "base/text_case.h"
 #include "base/text_flaw.h"
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <cstdint>
-#include <optional>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -17,120 +16,107 @@ namespace pelmora::stand {
 
 namespace {
 
-Error fileError(std::int32_t number, const std::string& description) {
-  return {number, "Pelmora", description};
-}
+constexpr const char* headerRemedy =
+    "the header must name JobRecordID and the columns V1 to V5 and V12; others of V1 to V37 may be "
+    "left out";
 
-Error rowError(const std::string& description) {
-  return fileError(static_cast<std::int32_t>(RunTimeError::typeMismatch), description);
-}
+// What every series is derived from: V1 to V5 and the temperature.
+constexpr std::array<std::size_t, 7> requiredColumns{0, 1, 2, 3, 4, 5, 12};
+constexpr std::size_t viscosity = 5, temperature = 12;
 
-std::string_view trimmed(std::string_view text) {
-  const auto isBlank = [](char c) { return c == ' ' || c == '\t'; };
-  while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
-  while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
-  return text;
-}
+// Seconds, whatever the header says; a unit such as "-" says nothing.
+constexpr std::array<std::size_t, 3> timeColumns{1, 3, 20};
+constexpr std::array<std::string_view, 5> otherTimes{"ms", "us", "min", "h", "hr"};
 
-std::string lowerCase(std::string_view text) {
-  std::string result(text);
-  std::ranges::transform(result, result.begin(), [](char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  });
-  return result;
-}
+constexpr auto wrongFile = static_cast<std::int32_t>(RunTimeError::invalidFileFormat);
 
 std::optional<std::size_t> columnNamed(std::string_view name) {
-  const std::string wanted = lowerCase(trimmed(name));
   for (std::size_t column = 0; column < columnCount; ++column) {
-    if (lowerCase(columnName(column)) == wanted) return column;
+    if (equalNames(columnName(column), name)) return column;
   }
   return std::nullopt;
 }
 
-template <typename Number>
-std::optional<Number> wholeText(std::string_view text) {
-  Number number{};
-  if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
-  const auto [end, code] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (code != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  return number;
+bool isInOtherTime(std::size_t column, std::string_view unit) {
+  return std::ranges::find(timeColumns, column) != timeColumns.end() &&
+         std::ranges::any_of(otherTimes,
+                             [&](std::string_view other) { return equalNames(other, unit); });
+}
+
+Value jobOf(std::string_view text) {
+  std::int64_t number = 0;
+  std::string_view digits = text;
+  if (digits.starts_with('+') && !digits.starts_with("+-")) digits.remove_prefix(1);
+  const char* const last = digits.data() + digits.size();
+  const auto [end, code] = std::from_chars(digits.data(), last, number);
+  if (code == std::errc() && end == last) return number;
+  return std::string(text);
 }
 
 }  // namespace
 
 std::string columnName(std::size_t column) { return standTableColumns()[column].Name; }
 
-bool isFirstColumn(std::string_view headerField) {
-  return columnNamed(headerField) == std::size_t{0};
-}
-
-StandRows::StandRows(std::string path, std::string_view text)
-    : path_(std::move(path)), reader_(text) {
+StandRows::StandRows(std::string path, std::string bytes, const sheets::Style& style)
+    : path_(std::move(path)) {
+  if (bytes.empty())
+    throw sheets::SheetError("", "it is empty", headerRemedy).inFile(path_, wrongFile);
+  sheets::Style named = style;
+  named.names = {columnName(0)};
   try {
-    readHeader();
-  } catch (const Error& error) {
-    throw fileError(static_cast<std::int32_t>(RunTimeError::invalidFileFormat), error.what());
+    sheet_.emplace(std::move(bytes), named);
+  } catch (const sheets::SheetError& error) {
+    throw error.inFile(path_, error.number());
   }
-}
-
-std::string StandRows::place() const {
-  return "File '" + path_ + "', line " + std::to_string(reader_.line());
+  readHeader();
 }
 
 void StandRows::readHeader() {
-  constexpr const char* remedy = " The first line must name JobRecordID and V1 to V37.";
-  if (!readRecord()) throw rowError("File '" + path_ + "' is empty." + remedy);
+  const std::size_t line = recognised().headerLine;
+  const auto refuse = [&](const std::string& problem, const std::string& remedy) {
+    throw sheets::SheetError(line == 0 ? "" : "line " + std::to_string(line), problem, remedy)
+        .inFile(path_, wrongFile);
+  };
   std::array<bool, columnCount> isFound{};
-  for (const CsvField& field : fields_) {
-    const auto column = columnNamed(field.text);
-    if (!column)
-      throw rowError(place() + ": '" + shortened(field.text) +
-                     "' is not a column of a stand export." + remedy);
-    if (std::exchange(isFound[*column], true)) {
-      throw rowError(place() + ": column " + columnName(*column) + " is there twice." + remedy);
+  for (const sheets::Column& field : sheet_->columns()) {
+    const auto column = columnNamed(field.name);
+    if (!column) {
+      refuse("'" + shortened(field.text) + "' is not a column of a stand export",
+             "remove it, or name it as one of JobRecordID and V1 to V37");
+    }
+    if (std::exchange(isFound[*column], true))
+      refuse("column " + columnName(*column) + " is there twice", "remove one of them");
+    if (isInOtherTime(*column, field.unit)) {
+      refuse("column " + columnName(*column) + " is in " + field.unit,
+             "give the times V1, V3 and V20 in seconds");
     }
     columns_.push_back(*column);
   }
   std::string missing;
-  for (std::size_t column = 0; column < columnCount; ++column) {
+  for (const std::size_t column : requiredColumns) {
     if (!isFound[column]) missing += (missing.empty() ? "" : ", ") + columnName(column);
   }
-  if (!missing.empty()) throw rowError(place() + ": missing column " + missing + "." + remedy);
-}
-
-bool StandRows::readRecord() {
-  try {
-    return reader_.next(fields_);
-  } catch (const CsvError& error) {
-    throw rowError("File '" + path_ + "', " + error.place() + ": " + error.problem() + "; " +
-                   error.remedy() + ".");
-  }
+  if (!missing.empty()) refuse("missing column " + missing, headerRemedy);
 }
 
 bool StandRows::next(std::array<Value, columnCount>& row) {
-  if (!readRecord()) return false;
-  if (fields_.size() != columnCount) {
-    throw rowError(place() + ": " + std::to_string(fields_.size()) + " fields instead of " +
-                   std::to_string(columnCount) +
-                   ". Write numbers with a decimal point and one field for each column.");
+  try {
+    if (!sheet_->next(row_)) return false;
+    row.fill(Value());
+    for (std::size_t i = 0; i < columns_.size(); ++i) row[columns_[i]] = value(columns_[i], i);
+    return true;
+  } catch (const sheets::SheetError& error) {
+    throw error.inFile(path_, error.number());
   }
-  for (std::size_t i = 0; i < columnCount; ++i) row[columns_[i]] = value(columns_[i], fields_[i]);
-  return true;
 }
 
-Value StandRows::value(std::size_t column, const CsvField& field) const {
-  const std::string_view text = trimmed(field.text);
+Value StandRows::value(std::size_t column, std::size_t field) const {
+  const std::string& text = row_.fields[field];
   if (text.empty()) return {};
-  if (column == 0) {
-    if (const auto job = wholeText<std::int64_t>(text)) return *job;
-    return std::string(text);
-  }
-  const auto number = wholeText<double>(text);
-  if (number && std::isfinite(*number)) return *number;
-  throw rowError(
-      place() + ", column " + columnName(column) + ": '" + shortened(field.text) +
-      "' is not a number. Write a number with a decimal point, or leave the field empty.");
+  if (column == 0) return jobOf(text);
+  if (column == viscosity) return sheet_->requireNumber(row_, field, "cSt");
+  if (column == temperature) return sheet_->requireNumber(row_, field, "F");
+  return sheet_->requireNumber(row_, field);
 }
 
 }  // namespace pelmora::stand

@@ -2,15 +2,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "base/csv_reader.h"
 #include "store/curve_schema.h"
 
+#include <pelmora/sheet.h>
 #include <pelmora/types.h>
 
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace pelmora::stand {
@@ -18,29 +18,30 @@ namespace pelmora::stand {
 // JobRecordID, then V1 to V37.
 inline constexpr std::size_t columnCount = measuredValues + 1;
 [[nodiscard]] std::string columnName(std::size_t column);
-// Whether a header's field names the job column, without regard to case.
-[[nodiscard]] bool isFirstColumn(std::string_view headerField);
 
 class StandRows {
  public:
-  // Reads the header. `path` is for messages only; `text` must outlive this object.
-  // Errors: Error 321 for an empty text or a wrong header.
-  StandRows(std::string path, std::string_view text);
+  // Reads the header. `path` is for messages only.
+  // Errors: SheetError, number 321 for a wrong header and 13 for text that is not a table.
+  StandRows(std::string path, std::string bytes, const sheets::Style& style);
 
-  // The next row in the order of columnName; an empty field is null. A job identity that is a whole
-  // number is an integer, any other a text. False at the end.
-  // Errors: Error 13 for a row with too few or too many fields or a text in place of a number.
+  // The next row in the order of columnName; an empty field and one of a column that the file does
+  // not have are null. A job identity that is a whole number is an integer, any other a text.
+  // Viscosities and temperatures come in cSt and degrees Fahrenheit. False at the end.
+  // Errors: SheetError, number 13, for a row with too few or too many fields or a text in place of
+  //         a number.
   bool next(std::array<Value, columnCount>& row);
+  // Of the last row.
+  [[nodiscard]] std::size_t line() const { return row_.line; }
+  [[nodiscard]] const sheets::Recognised& recognised() const { return sheet_->recognised(); }
 
  private:
-  bool readRecord();
   void readHeader();
-  [[nodiscard]] Value value(std::size_t column, const CsvField& field) const;
-  [[nodiscard]] std::string place() const;
+  [[nodiscard]] Value value(std::size_t column, std::size_t field) const;
 
   std::string path_;
-  CsvReader reader_;
-  std::vector<CsvField> fields_;
+  std::optional<sheets::Sheet> sheet_;
+  sheets::Row row_;
   std::vector<std::size_t> columns_;  // of each field of a line
 };
 

@@ -7,6 +7,8 @@
 #include "store/meter_registry.h"
 #include "store/reading.h"
 
+#include <pelmora/calibration/derivation.h>
+
 namespace pelmora::calibration::steps {
 namespace {
 
@@ -105,3 +107,14 @@ void deriveSeries(Connection& connection, DerivedSeries series, const Derivation
 }
 
 }  // namespace pelmora::calibration::steps
+
+namespace pelmora::calibration {
+
+DerivedPoint derivedPoint(const Reading& reading) {
+  constexpr double reference = 70;
+  const double warmer = reading.temperature.value_or(reference) - reference;
+  return {reading.frequency / reading.viscosity * (1 + steps::roshkoAlpha * warmer),
+          reading.frequency / reading.flow * (1 + steps::strouhalAlpha * warmer)};
+}
+
+}  // namespace pelmora::calibration

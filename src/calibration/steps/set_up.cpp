@@ -21,6 +21,12 @@ std::int32_t findOrInsert(Connection& connection, const std::string& select,
   return toInt32(rows->value("ID"));
 }
 
+std::int32_t operatorID(Connection& connection, const NameText& OperatorName) {
+  const std::string name = OperatorName.literal();
+  return findOrInsert(connection, "Select * from Operator where name = " + name,
+                      "Insert into Operator (Name) VALUES (" + name + ")");
+}
+
 }  // namespace
 
 std::int32_t findOrAddSetUp(Connection& connection, const SetUp& setUp, NameText& OperatorName) {
@@ -35,10 +41,7 @@ std::int32_t findOrAddSetUp(Connection& connection, const SetUp& setUp, NameText
         findOrInsert(connection, "Select * from fluids where name = " + fluid,
                      "Insert into Fluids (Name) VALUES (" + fluid + ")");
     if (OperatorName.empty()) OperatorName = NameText::quoted("Unknown");
-    const std::string operatorName = OperatorName.literal();
-    const std::int32_t operatorId =
-        findOrInsert(connection, "Select * from Operator where name = " + operatorName,
-                     "Insert into Operator (Name) VALUES (" + operatorName + ")");
+    const std::int32_t operatorId = operatorID(connection, OperatorName);
     connection.execute(
         "Insert into Calsetup (meterID,Stand,MeterPosition,OperatorID,FluidID,DateTaken) VALUES(" +
         numberText(setUp.MeterID) + "," + numberText(setUp.StandID) + "," +
@@ -47,6 +50,20 @@ std::int32_t findOrAddSetUp(Connection& connection, const SetUp& setUp, NameText
     setups->requery();
   }
   return toInt32(setups->value("ID"));
+}
+
+void changeSetUp(Connection& connection, std::int32_t setUpID, const SetUpEntries& entries) {
+  std::string changes;
+  const auto set = [&](const std::string& column, const std::string& value) {
+    changes += (changes.empty() ? "" : ", ") + column + " = " + value;
+  };
+  if (!entries.OperatorName.empty())
+    set("OperatorID", numberText(operatorID(connection, entries.OperatorName)));
+  if (entries.StandID >= 0) set("Stand", numberText(entries.StandID));
+  if (entries.PositionID >= 0) set("MeterPosition", numberText(entries.PositionID));
+  if (!entries.DateTaken.empty()) set("DateTaken", "#" + entries.DateTaken + "#");
+  if (changes.empty()) return;
+  connection.execute("Update CalSetup Set " + changes + " where ID = " + numberText(setUpID));
 }
 
 std::vector<std::string> setUpsOf(Connection& connection, std::int32_t MeterID) {

@@ -24,6 +24,14 @@ struct SetUp {
 [[nodiscard]] std::int32_t findOrAddSetUp(Connection& connection, const SetUp& setUp,
                                           NameText& OperatorName);
 
+// What a set-up is to say; empty texts and numbers below 0 leave what is there.
+struct SetUpEntries {
+  NameText OperatorName;
+  std::int16_t StandID = -1, PositionID = -1;
+  std::string DateTaken = {};  // in the form of shortDateText()
+};
+void changeSetUp(Connection& connection, std::int32_t setUpID, const SetUpEntries& entries);
+
 // The ids of a meter's set-ups, as texts, by stand.
 [[nodiscard]] std::vector<std::string> setUpsOf(Connection& connection, std::int32_t MeterID);
 

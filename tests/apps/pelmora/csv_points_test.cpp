@@ -17,7 +17,7 @@ class csv_points : public testing::Test {
  protected:
   PointArray read(const std::string& text, const PointColumns& columns = {}) {
     std::ofstream(path, std::ios::binary) << text;
-    return readCsvPoints(path, columns);
+    return readCsvPoints(path, columns).points;
   }
   std::string refusal(const std::string& text, const PointColumns& columns = {}) {
     try {
@@ -77,10 +77,90 @@ TEST_F(csv_points, tell_a_text_in_the_first_line_from_a_header) {
   EXPECT_THAT(refusal("abc,10\n2,20\n"), HasSubstr("line 1, column 1: 'abc' is not a number"));
 }
 
-TEST_F(csv_points, refuse_decimal_commas) {
+TEST_F(csv_points, refuse_decimal_commas_between_commas) {
   EXPECT_THAT(refusal("x,y\n1,5,2,5\n"), HasSubstr("4 fields instead of 2"));
-  EXPECT_THAT(refusal("x,y\n\"1,5\",2\n"), HasSubstr("1.5"));
-  EXPECT_THAT(refusal("x;y\n1,5;2,5\n"), HasSubstr("semicolons"));
+}
+
+TEST_F(csv_points, may_have_decimal_commas) {
+  EXPECT_EQ(read("x,y\n\"1,5\",2\n"), (PointArray{{1.5, 2}}));
+  EXPECT_EQ(read("x;y\n1,5;2,5\n"), (PointArray{{1.5, 2.5}}));
+}
+
+TEST_F(csv_points, name_the_option_that_settles_a_doubt) {
+  EXPECT_THAT(refusal("x;y\n1.234;2\n"), HasSubstr("--decimal point or --decimal comma"));
+  EXPECT_THAT(refusal("1;2\t3\n4;5\t6\n"), HasSubstr("--separator semicolon"));
+  PointColumns columns;
+  columns.style.decimal = ',';
+  EXPECT_EQ(read("x;y\n1.234;2\n", columns), (PointArray{{1234, 2}}));
+}
+
+TEST_F(csv_points, refuse_a_roshko_number_that_is_not_positive) {
+  for (const char* x : {"0", "-3"}) {
+    EXPECT_THAT(refusal("Roshko,Strouhal\n1,2\n" + std::string(x) + ",2\n"),
+                HasSubstr("line 3, column Roshko: a Roshko number of " + std::string(x)));
+  }
+}
+
+class derived_points : public csv_points {
+ protected:
+  static PointColumns columns(const std::string& text) {
+    PointColumns columns;
+    columns.derived = columnChoice(text);
+    return columns;
+  }
+};
+
+// 3 gal/min at 60 Hz: 1200 pulses per gallon; 60 Hz at 1.5 cSt: 40 Hz/cSt.
+TEST_F(derived_points, come_from_flow_frequency_and_viscosity_in_any_units) {
+  const PointColumns named = columns("q=Flow,f=Freq,nu=Visc");
+  for (const char* text :
+       {"Flow [gpm],Freq [Hz],Visc [cSt]\n3,60,1.5\n", "Flow;Freq;Visc\ngpm;Hz;cSt\n3;60;1,5\n",
+        "Visc (m2/s)\tFreq (kHz)\tFlow (l/min)\n0.0000015\t0.06\t11.356235352\n"}) {
+    const PointArray points = read(text, named);
+    ASSERT_EQ(points.size(), 1U) << text;
+    EXPECT_NEAR(points(0, 0), 40, 1e-12) << text;
+    EXPECT_NEAR(points(0, 1), 1200, 1e-9) << text;
+  }
+  const PointArray cubic =
+      read("a,b,c\n0.68137412112,60,1.5\n", columns("q=a:m3/h,f=b [Hz],nu=3:mm2/s"));
+  EXPECT_NEAR(cubic(0, 0), 40, 1e-12);
+  EXPECT_NEAR(cubic(0, 1), 1200, 1e-9);
+}
+
+// The factors of docs/method.md: 1 + 1.92E-05 (t - 70) and 1 + 2.88E-05 (t - 70).
+TEST_F(derived_points, are_corrected_for_the_temperature) {
+  for (const char* text : {"q [gpm],f [Hz],nu [cSt],t [F]\n3,60,1.5,170\n",
+                           "q [gpm],f [Hz],nu [cSt],t [C]\n3,60,1.5,76.66666666666667\n"}) {
+    const PointArray points = read(text, columns("q=q,f=f,nu=nu,t=t"));
+    EXPECT_NEAR(points(0, 0), 40 * 1.00192, 1e-9) << text;
+    EXPECT_NEAR(points(0, 1), 1200 * 1.00288, 1e-8) << text;
+  }
+}
+
+TEST_F(derived_points, need_units_that_fit) {
+  const PointColumns named = columns("q=q,f=f,nu=nu");
+  EXPECT_THAT(refusal("q,f [Hz],nu [cSt]\n3,60,1.5\n", named),
+              testing::AllOf(HasSubstr("column 'q' has no unit"), HasSubstr("q=Flow:l/min")));
+  EXPECT_THAT(refusal("q [buckets],f [Hz],nu [cSt]\n3,60,1.5\n", named),
+              HasSubstr("'buckets' is not a known unit"));
+  EXPECT_THAT(refusal("q [C],f [Hz],nu [cSt]\n3,60,1.5\n", named), HasSubstr("temperature"));
+}
+
+TEST_F(derived_points, refuse_readings_that_cannot_be) {
+  const std::string header = "q [gpm],f [Hz],nu [cSt]\n3,60,1.5\n";
+  const PointColumns named = columns("q=q,f=f,nu=nu");
+  EXPECT_THAT(refusal(header + "3,60,0\n", named), HasSubstr("line 3, column nu [cSt]"));
+  EXPECT_THAT(refusal(header + "3,-60,1\n", named), HasSubstr("a frequency of -60 cannot be"));
+  EXPECT_THAT(refusal(header + "0,60,1\n", named), HasSubstr("a flow of 0"));
+}
+
+TEST(column_choice, splits_at_commas_before_the_next_key_alone) {
+  const ColumnChoice choice = columnChoice("q=Flow, hot:gpm, f=Freq,nu=V,t=T (C)");
+  EXPECT_EQ(choice.flow, "Flow, hot:gpm");
+  EXPECT_EQ(choice.frequency, "Freq");
+  EXPECT_EQ(choice.temperature, "T (C)");
+  for (const char* text : {"", "q=a,f=b", "q=a,f=b,nu=c,x=d", "q=a,q=b,f=c,nu=d", "q=,f=b,nu=c"})
+    EXPECT_THROW((void)columnChoice(text), Trouble) << text;
 }
 
 TEST_F(csv_points, refuse_nan_infinity_empty_fields_and_a_y_of_zero) {

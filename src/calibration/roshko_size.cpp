@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: MIT
+#include "calibration/roshko_size.h"
+
+#include "base/readable_number.h"
+#include "calibration/session.h"
+#include "calibration/steps/derivation.h"
+#include "calibration/steps/raw_points.h"
+#include "calibration/steps/set_up.h"
+#include "store/field_value.h"
+#include "store/name_text.h"
+#include "store/reading.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+namespace pelmora::calibration {
+namespace {
+
+constexpr double farApart = 1e4;
+constexpr int rawParts = 4;
+
+std::string tableOf(int part) { return "Raw" + std::to_string(part); }
+
+}  // namespace
+
+double typicalRoshko(const PointArray& points) {
+  std::vector<double> values;
+  if (points.empty()) return 0;
+  for (const double value : points.column(0)) {
+    if (value > 0) values.push_back(value);
+  }
+  if (values.empty()) return 0;
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+double farFactor(double roshko, std::span<const double> others) {
+  double nearest = 0;
+  for (const double other : others) {
+    if (other <= 0 || roshko <= 0) continue;
+    const double factor = roshko / other;
+    if (nearest == 0 || std::fabs(std::log(factor)) < std::fabs(std::log(nearest)))
+      nearest = factor;
+  }
+  if (nearest == 0) return 1;
+  return std::max(nearest, 1 / nearest) < farApart ? 1 : nearest;
+}
+
+std::vector<double> otherRoshkos(Session& session, const Meter& meter, const std::string& series,
+                                 std::int32_t exceptSeries, int exceptPart) {
+  std::vector<double> found;
+  const std::string ofSeries =
+      series.empty() ? "" : " and series.Name = " + NameText::quoted(series).literal();
+  auto rows = readRows(session.connection(),
+                       "Select series.ID from meter LEFT JOIN series ON meter.ID = series.MeterID "
+                       "where meter.SerialNumber = " +
+                           NameText::quoted(meter.serial).literal() + ofSeries);
+  for (; !rows->atEnd(); rows->moveNext()) {
+    if (isNull(rows->value(0))) continue;  // a calibration without series
+    const std::int32_t id = toInt32(rows->value(0));
+    for (int part = 1; part <= rawParts; ++part) {
+      if (id == exceptSeries && part == exceptPart) continue;
+      try {
+        found.push_back(typicalRoshko(steps::readPoints(session.connection(), tableOf(part), id)));
+      } catch (const Error&) {
+        continue;  // a part that cannot be read says nothing
+      }
+    }
+  }
+  return found;
+}
+
+std::vector<FarPoint> farPoints(const PointArray& points) {
+  std::vector<FarPoint> far;
+  const double typical = typicalRoshko(points);
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    const double factor = farFactor(points(i, 0), std::array{typical});
+    if (factor != 1) far.push_back({i, factor});
+  }
+  return far;
+}
+
+namespace {
+
+// The runs of one import.
+class Doubts {
+ public:
+  Doubts(Session& session, const Imported& imported, const Stand& stand)
+      : session_(session), imported_(imported), stand_(stand) {}
+
+  // part: the raw part of the run.
+  void look(const StandRun& run, int part, bool isOnlyJob) {
+    const DerivedSeries& rotorA = imported_.series.front();
+    const PointArray points = steps::readPoints(session_.connection(), tableOf(part), rotorA.id);
+    const double factor =
+        farFactor(typicalRoshko(points),
+                  otherRoshkos(session_, imported_.meter, rotorA.name, rotorA.id, part));
+    const std::string place = "job " + run.job + " (" + run.fluid + ")";
+    if (factor != 1) {
+      const std::size_t line = stand_.lineOf(run.job, 0);
+      say(place + " has Roshko numbers " + significantText(factor, 2) +
+          " times those of the meter's other runs" +
+          (line == 0 ? "" : ", from line " + std::to_string(line)));
+    }
+    if (!isOnlyJob) return;  // the points of a part then have no number in the job
+    for (const FarPoint& far : farPoints(points)) {
+      const std::size_t line = stand_.lineOf(run.job, far.index);
+      say(place + ", point " + std::to_string(far.index + 1) +
+          (line == 0 ? "" : " (line " + std::to_string(line) + ")") + " has a Roshko number " +
+          significantText(far.factor, 2) + " times the median of the run");
+    }
+  }
+  [[nodiscard]] std::vector<std::string> sentences() && { return std::move(sentences_); }
+
+ private:
+  void say(const std::string& what) {
+    sentences_.push_back(what + "; check the unit of V5 (viscosity): it is cSt");
+  }
+
+  Session& session_;
+  const Imported& imported_;
+  const Stand& stand_;
+  std::vector<std::string> sentences_;
+};
+
+}  // namespace
+
+std::vector<std::string> doubtsAbout(Session& session, const Imported& imported, const Stand& stand,
+                                     const std::vector<StandRun>& runs) {
+  if (imported.series.empty()) return {};
+  Doubts doubts(session, imported, stand);
+  const auto setUps = steps::setUpsOf(session.connection(), imported.meter.id);
+  for (std::size_t k = 0; k < setUps.size() && k < rawParts; ++k) {
+    std::vector<std::string> jobs;
+    if (!steps::jobsOf(session.connection(), setUps[k], jobs)) continue;
+    for (const StandRun& run : runs) {
+      if (std::ranges::find(jobs, run.job) != jobs.end())
+        doubts.look(run, static_cast<int>(k) + 1, jobs.size() == 1);
+    }
+  }
+  return std::move(doubts).sentences();
+}
+
+}  // namespace pelmora::calibration
