@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "uncertainty/curve_budget.h"
 
+#include "uncertainty/component_size.h"
 #include "uncertainty/convolution.h"
 #include "uncertainty/refusal.h"
 
@@ -10,26 +11,6 @@
 
 namespace pelmora::uncertainty {
 namespace {
-
-// A standard uncertainty as a share of the quantity, or in degrees F.
-double inputSize(const Component& component, const CurvePlace& place) {
-  const units::Unit& unit = *component.standard.unit;
-  if (unit.quantity == units::Quantity::relative)
-    return units::converted(component.standard.value, unit, units::unitOf("1"));
-  if (unit.quantity == units::Quantity::temperature)
-    return units::convertedDifference(component.standard.value, unit, units::unitOf("F"));
-  const std::optional<units::Measure>& value = component.cause == Cause::flow ? place.flow
-                                               : component.cause == Cause::viscosity
-                                                   ? place.viscosity
-                                                   : place.frequency;
-  if (!value || !(value->value > 0)) {
-    const std::string quantity(units::quantityName(unit.quantity));
-    refuse("the uncertainty of the " + std::string(causeName(component.cause)) + " is stated in " +
-               std::string(unit.symbol) + ", and its value is not known here",
-           "state the uncertainty in %, or give the " + quantity);
-  }
-  return units::convertedDifference(component.standard.value, unit, *value->unit) / value->value;
-}
 
 // The two errors of one cause: what rotor A and rotor B see. Equal where one error is behind both.
 struct InputPair {
@@ -159,8 +140,9 @@ CurveMeasurement curveMeasurement(const CurvePlace& place, const StandUncertaint
                          each.betweenRotors, each.betweenCalibrations});
     const bool isSplit = splitsByRotor(each, place.kind);
     for (int rotor = 0; rotor < (isSplit ? 2 : 1); ++rotor) {
-      made.inputs.push_back({std::string(causeName(each.cause)), 0, inputSize(each, place),
-                             each.distribution, each.degreesOfFreedom});
+      made.inputs.push_back({std::string(causeName(each.cause)), 0,
+                             componentSize(each, place.operating), each.distribution,
+                             each.degreesOfFreedom});
       made.rowOf.push_back(row);
     }
     if (isSplit && each.betweenRotors != 0)

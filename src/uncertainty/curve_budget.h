@@ -3,11 +3,11 @@
 #pragma once
 
 #include "curves/body_expansion.h"
+#include "uncertainty/component_size.h"
 #include "uncertainty/propagation.h"
 #include "uncertainty/stand_uncertainty.h"
 
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,7 +32,7 @@ struct CurvePlace {
   // threads at once.
   std::function<double(double)> curve;
   // The values that absolute uncertainties of the stand refer to.
-  std::optional<units::Measure> flow, viscosity, frequency;
+  OperatingPoint operating;
   double temperatureF = 70;
   BodyExpansion expansion;
 };

@@ -43,14 +43,61 @@ void requireNew(const std::vector<Named>& known, const Named& added, const std::
       where, "remove one of them, or give it another name");
 }
 
+bool isQuote(char c) { return c == '"' || c == '\''; }
+
+// TOML puts its texts in quotes; INI does not.
+std::string_view unquoted(std::string_view text) {
+  const bool isQuoted = text.size() > 1 && isQuote(text.front()) && text.back() == text.front();
+  return isQuoted ? text.substr(1, text.size() - 2) : text;
+}
+
+// A text in quotes and a number may be followed by a comment. In any other text, # is a character
+// like all others: "name = Stand #3".
+std::string_view valueOf(std::string_view text) {
+  if (text.empty()) return text;
+  if (isQuote(text.front())) {
+    const auto end = text.find(text.front(), 1);
+    if (end == std::string_view::npos) return text;
+    const std::string_view rest = withoutBlanks(text.substr(end + 1));
+    return rest.empty() || rest.front() == '#' ? text.substr(1, end - 1) : text;
+  }
+  constexpr std::string_view startsOfNumber = "0123456789+-.";
+  const bool isNumber = startsOfNumber.find(text.front()) != std::string_view::npos;
+  const auto comment = isNumber ? text.find('#') : std::string_view::npos;
+  return comment == std::string_view::npos ? text : withoutBlanks(text.substr(0, comment));
+}
+
+// [SECTION] without the comment behind it.
+std::string_view headOf(std::string_view line) {
+  const auto end = line.rfind(']');
+  if (end == std::string_view::npos) return line;
+  return withoutBlanks(line.substr(end + 1)).starts_with('#') ? line.substr(0, end + 1) : line;
+}
+
+// TOML's bare keys have no blanks: degrees_of_freedom, half_width.
+std::string nameOf(std::string_view text) {
+  std::string name(unquoted(withoutBlanks(text)));
+  std::replace(name.begin(), name.end(), '_', ' ');
+  return name == "half width" ? "half-width" : name;
+}
+
+// [flow: master meter] or TOML's [flow."master meter"].
+std::string sectionName(std::string_view text) {
+  const auto dot = text.find('.');
+  if (dot == std::string_view::npos || text.find(':') != std::string_view::npos)
+    return std::string(unquoted(text));
+  return std::string(withoutBlanks(text.substr(0, dot))) + ": " +
+         std::string(unquoted(withoutBlanks(text.substr(dot + 1))));
+}
+
 Setting settingOf(std::string_view line, std::size_t number, const std::string& where) {
   const auto equals = line.find('=');
   if (equals == std::string_view::npos) {
     refuseLine(number, quoted(line) + " is neither a section nor a setting", where,
                "write [SECTION] or NAME = VALUE");
   }
-  Setting setting{number, std::string(withoutBlanks(line.substr(0, equals))),
-                  std::string(withoutBlanks(line.substr(equals + 1)))};
+  Setting setting{number, nameOf(line.substr(0, equals)),
+                  std::string(valueOf(withoutBlanks(line.substr(equals + 1))))};
   if (setting.name.empty())
     refuseLine(number, "there is no name", where, "write NAME = VALUE, or leave the line out");
   if (setting.value.empty()) {
@@ -83,9 +130,10 @@ std::vector<Section> readSections(std::string_view text, const std::string& wher
     const std::string_view line = withoutBlanks(whole);
     if (line.empty() || line.front() == '#' || line.front() == ';') continue;
     if (line.front() == '[') {
-      if (line.back() != ']')
+      const std::string_view head = headOf(line);
+      if (head.back() != ']')
         refuseLine(number, quoted(line) + " has no closing bracket", where, "write [SECTION]");
-      Section section{number, std::string(withoutBlanks(line.substr(1, line.size() - 2))), {}};
+      Section section{number, sectionName(withoutBlanks(head.substr(1, head.size() - 2))), {}};
       if (section.name.empty())
         refuseLine(number, "the section has no name", where, "write [SECTION]");
       requireNew(sections, section, "section", where);

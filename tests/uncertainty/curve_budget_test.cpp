@@ -74,8 +74,8 @@ TEST(curve_budget, is_expanded_with_the_effective_degrees_of_freedom) {
 
 TEST(curve_budget, takes_absolute_uncertainties_at_the_operating_point) {
   CurvePlace place = rotor();
-  place.flow = units::readMeasure("120 l/min");
-  place.viscosity = units::readMeasure("1.2 cSt");
+  place.operating.flow = units::readMeasure("120 l/min");
+  place.operating.viscosity = units::readMeasure("1.2 cSt");
   const Budget flow = budgetOf(place, "[flow]\nstandard = 0.006 m3/h\n");  // 0.1 l/min
   EXPECT_NEAR(size(flow, 1), 1300 * 0.1 / 120, 1e-3);
   const Budget viscosity = budgetOf(place, "[viscosity]\nstandard = 0.012 mm2/s\n");

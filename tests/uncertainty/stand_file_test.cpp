@@ -79,6 +79,34 @@ TEST(stand_file, may_come_from_another_system) {
   EXPECT_EQ(readStandUncertainty(text, "").components.size(), 5U);
 }
 
+TEST(stand_file, may_be_written_in_toml) {
+  const StandUncertainty read = readStandUncertainty(
+      "# our stand\n"
+      "[stand] # of 2026\n"
+      "name = 'Stand # 3'\n"
+      "cmc = \"0.02 %\" # accredited\n"
+      "[flow.\"master meter\"]\n"
+      "expanded = \"0.06 %\"\n"
+      "k = 2 # normal\n"
+      "degrees_of_freedom = 30\n"
+      "[viscosity]\n"
+      "half_width = '1 %'\n"
+      "distribution = 'rectangular'\n",
+      "stand.toml");
+  EXPECT_EQ(read.name, "Stand # 3");
+  EXPECT_EQ(read.cmcPercent, 0.02);
+  ASSERT_EQ(read.components.size(), 2U);
+  EXPECT_EQ(read.components[0].label, "master meter");
+  EXPECT_EQ(read.components[0].degreesOfFreedom, 30);
+  EXPECT_NEAR(read.components[0].standard.value, 0.03, 1e-15);
+  EXPECT_EQ(read.components[1].distribution, Distribution::rectangular);
+}
+
+TEST(stand_file, keeps_a_number_sign_in_a_name_without_quotes) {
+  const char* text = "[stand]\nname = Stand #3\n[flow]\nstandard = 0.1 %\n";
+  EXPECT_EQ(readStandUncertainty(text, "").name, "Stand #3");
+}
+
 TEST(stand_file, takes_two_standard_deviations_by_default) {
   EXPECT_EQ(readStandUncertainty("[flow]\nstandard = 0.1 %\n", "").probability,
             twoSigmaProbability);
