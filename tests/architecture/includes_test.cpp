@@ -36,6 +36,7 @@ const std::map<std::string, FolderRule>& rules() {
       {"uncertainty", {{"base", "curves", "units"}, {}}},
       {"sheets", {{"base", "units"}, {}}},
       {"tables", {{"base", "curves"}, {}}},
+      {"flow", {{"base", "curves", "units", "uncertainty"}, {}}},
       {"calibration/steps", {{"base", "points", "store", "curves"}, {}}},
       {"calibration",
        {{"base", "points", "store", "curves", "solver", "solver/equations", "solver/reference",

@@ -1,0 +1,60 @@
+// The uncertainty of a volume flow that a calibrated meter shows in service.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "flow/volume_flow.h"
+#include "uncertainty/curve_budget.h"
+
+namespace pelmora::flow {
+
+// What the calibration says about the Strouhal number in use.
+//
+// calibration: of Strouhal, or of the sum of both rotors' (uncertainty::pairBudget, shared by the
+//              rotors).
+// steepness:   Roshko dStrouhal/dRoshko, summed over the rotors in use.
+struct CalibratedStrouhal {
+  const uncertainty::Budget* calibration = nullptr;
+  double steepness = 0;
+};
+
+// The calibration's rows with the sensitivity -q / Strouhal, and what the instruments in service
+// add: with s = steepness / Strouhal,
+//
+//   frequency q (1 - s),   viscosity q s,   temperature q (2.88E-5 - s (1.92E-5 - b)) per degree F
+//
+// (the two numbers being 3 and 2 times the body's linear expansion), repeatability, reproducibility
+// and model (installation) q. Where U of the calibration was raised to the laboratory's CMC, a row
+// makes up the difference. Nothing is shared with the stand: its instruments are others.
+//
+// instruments: a file like that of a stand.
+// Errors:      BadData if they state a reference flow, and as componentSize.
+[[nodiscard]] uncertainty::Budget flowBudget(double flow, const CalibratedStrouhal& strouhal,
+                                             const uncertainty::StandUncertainty& instruments,
+                                             const uncertainty::OperatingPoint& at,
+                                             const Service& service);
+
+// The budget of DualFlow::differencePercent, from each rotor's own calibration. What both
+// calibrations share cancels (uncertainty::pairBudget); viscosity and temperature act on both
+// rotors at once, so that only the difference of their steepness remains; the other instruments
+// count as Component::betweenRotors says.
+//
+// Errors: as flowBudget.
+[[nodiscard]] uncertainty::Budget differenceBudget(const DualFlow& flow,
+                                                   const CalibratedStrouhal& rotorA,
+                                                   const CalibratedStrouhal& rotorB,
+                                                   const uncertainty::StandUncertainty& instruments,
+                                                   const uncertainty::OperatingPoint& at,
+                                                   const Service& service);
+
+// The standard uncertainty of viscosityOfQuotient(), as a share of the viscosity: of the curve's
+// budget there, and of the two counters.
+//
+//   u(v) / v = u(quotient) / |x dquotient/dx|
+//
+// quotient: of Rotor Sum; steepness: x dquotient/dx.
+// Errors:   BadData if the curve is level there.
+[[nodiscard]] uncertainty::Component viscosityOfQuotientComponent(
+    const CalibratedStrouhal& quotient, const uncertainty::StandUncertainty& instruments,
+    const uncertainty::OperatingPoint& at);
+
+}  // namespace pelmora::flow
