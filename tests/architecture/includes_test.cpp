@@ -37,6 +37,7 @@ const std::map<std::string, FolderRule>& rules() {
       {"sheets", {{"base", "units"}, {}}},
       {"tables", {{"base", "curves"}, {}}},
       {"flow", {{"base", "curves", "units", "uncertainty"}, {}}},
+      {"drift", {{"base", "uncertainty"}, {}}},
       {"calibration/steps", {{"base", "points", "store", "curves"}, {}}},
       {"calibration",
        {{"base", "points", "store", "curves", "solver", "solver/equations", "solver/reference",

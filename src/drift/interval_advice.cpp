@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+#include "drift/interval_advice.h"
+
+#include <pelmora/calibration/failure.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace pelmora::drift {
+namespace {
+
+void requireHistory(std::span<const Calibrated> history, const IntervalAssumptions& assumptions) {
+  const auto refuse = [](const char* what, const char* remedy) {
+    throw calibration::BadData({what, "", remedy});
+  };
+  if (history.size() < 3)
+    refuse("an interval takes at least three calibrations", "keep the present interval until then");
+  if (!(assumptions.limitPercent > 0))
+    refuse("the limit of the drift is not above 0 %", "state what change the application allows");
+  if (history.front().budget.value == 0)
+    refuse("the first curve is zero there", "choose another Roshko number");
+  for (std::size_t i = 1; i < history.size(); ++i) {
+    if (!(history[i].years > history[i - 1].years))
+      refuse("the dates of the calibrations do not rise", "give each calibration its own date");
+  }
+}
+
+// The line of least squares through the values in per cent of the first one.
+struct Line {
+  double slope = 0, scatter = 0, spread = 0;  // spread: of the times, sum of squares
+};
+
+Line lineOf(std::span<const Calibrated> history) {
+  const auto n = static_cast<double>(history.size());
+  const double unit = std::abs(history.front().budget.value) / 100;
+  double meanTime = 0, meanValue = 0;
+  for (const Calibrated& each : history) {
+    meanTime += each.years / n;
+    meanValue += each.budget.value / unit / n;
+  }
+  Line line;
+  double joint = 0, squares = 0;
+  for (const Calibrated& each : history) {
+    const double t = each.years - meanTime, y = each.budget.value / unit - meanValue;
+    line.spread += t * t;
+    joint += t * y;
+  }
+  line.slope = joint / line.spread;
+  for (const Calibrated& each : history) {
+    const double y = each.budget.value / unit - meanValue;
+    squares += std::pow(y - line.slope * (each.years - meanTime), 2);
+  }
+  line.scatter = std::sqrt(squares / (n - 2));
+  return line;
+}
+
+}  // namespace
+
+IntervalAdvice adviseInterval(std::span<const Calibrated> history,
+                              const IntervalAssumptions& assumptions) {
+  requireHistory(history, assumptions);
+  IntervalAdvice advice;
+  advice.assumptions = assumptions;
+  advice.calibrations = history.size();
+  double independent = 0;
+  for (std::size_t i = 0; i < history.size(); ++i) {
+    const uncertainty::Budget& budget = history[i].budget;
+    independent = std::max(independent,
+                           100 * independentPart(budget) / std::abs(history.front().budget.value));
+    if (i > 0)
+      advice.longestSoFar = std::max(advice.longestSoFar, history[i].years - history[i - 1].years);
+  }
+  const Line line = lineOf(history);
+  advice.ratePercentPerYear = line.slope;
+  advice.dispersionPercent = std::max(line.scatter, independent);
+  advice.rateUncertainty = advice.dispersionPercent / std::sqrt(line.spread);
+  advice.coverageFactor =
+      uncertainty::coverageFactor(assumptions.probability, static_cast<double>(history.size()) - 2);
+
+  const auto reached = [&](double t) {
+    return std::abs(line.slope) * t +
+           advice.coverageFactor * std::hypot(advice.rateUncertainty * t, advice.dispersionPercent);
+  };
+  const double longest = assumptions.mostGrowth * advice.longestSoFar;
+  if (reached(0) >= assumptions.limitPercent) return advice;
+  advice.isCapped = reached(longest) <= assumptions.limitPercent;
+  double low = 0, high = longest;
+  for (int i = 0; i < 60 && !advice.isCapped; ++i) {
+    const double middle = (low + high) / 2;
+    (reached(middle) < assumptions.limitPercent ? low : high) = middle;
+  }
+  advice.years = advice.isCapped ? longest : low;
+  return advice;
+}
+
+}  // namespace pelmora::drift
