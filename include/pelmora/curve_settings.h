@@ -30,6 +30,7 @@ struct CurveSettings {
   std::string FittedAt;                    // UTC, ISO 8601: 2026-11-21T13:40:00Z
   std::optional<double> MergeBandPercent;  // absent: the component's rule
   bool KeepsOverlap = false;               // the merge cut no point
+  std::string Spacing;                     // of the table: "optimal"; "usual" or empty otherwise
   // Of the raw points that were fitted and of the curve, as hexadecimal digits; empty: not kept.
   std::string PointsFingerprint, CurveFingerprint;
 

@@ -32,8 +32,9 @@ std::vector<OrphanGroup> orphanGroups(const ConnectionPtr& curves) {
   }
   std::vector<OrphanGroup> groups;
   for (const std::int64_t id : meters) {
-    groups.push_back(
-        {history::importedRuns(static_cast<std::int32_t>(id)), "meter " + std::to_string(id)});
+    history::Scope rows = history::wholeCalibration(static_cast<std::int32_t>(id));
+    std::erase(rows.Tables, "meter");
+    groups.push_back({rows, "meter " + std::to_string(id)});
   }
   for (const std::int64_t id : series) {
     history::Scope rows = history::wholeSeries(0, static_cast<std::int32_t>(id));

@@ -58,8 +58,10 @@ Scope importedRuns(std::int32_t MeterID) {
 }
 
 Scope wholeCalibration(std::int32_t MeterID) {
-  return {MeterID, 0, joined({"meter"}, importedRuns(MeterID).Tables)};
+  return {MeterID, 0, joined({"meter", standUncertaintyTable}, importedRuns(MeterID).Tables)};
 }
+
+Scope statedUncertainty(std::int32_t MeterID) { return {MeterID, 0, {standUncertaintyTable}}; }
 
 std::string condition(const ConnectionPtr& curves, const Scope& scope, const KeptTable& table) {
   if (table.Name == "series" && scope.SeriesID != 0) return whereIn("ID", {scope.SeriesID});

@@ -32,6 +32,8 @@ struct Scope {
 [[nodiscard]] PELMORA_API Scope importedRuns(std::int32_t MeterID);
 // The same and the calibration itself.
 [[nodiscard]] PELMORA_API Scope wholeCalibration(std::int32_t MeterID);
+// The uncertainty of the stand.
+[[nodiscard]] PELMORA_API Scope statedUncertainty(std::int32_t MeterID);
 
 // " where ...": the rows of `table` that belong to the scope as the database is now.
 [[nodiscard]] PELMORA_API std::string condition(const ConnectionPtr& curves, const Scope& scope,

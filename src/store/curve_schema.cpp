@@ -87,7 +87,8 @@ SchemaTable fitSettings() {
            {"SoftwareVersion", text}, {"FittedAt", text},          {"MergeBand", real},
            {"KeepsOverlap", whole},   {"PointsFingerprint", text}, {"CurveFingerprint", text},
            {"Choice", text},          {"FitMinRoshko", real},      {"FitMaxRoshko", real},
-           {"OnlyEquations", text},   {"WithoutEquations", text},  {"MaxOrder", whole}},
+           {"OnlyEquations", text},   {"WithoutEquations", text},  {"MaxOrder", whole},
+           {"Spacing", text}},
           {{std::string(fitSettingsTable) + "_series", {"SeriesID"}}},
           {{"SeriesID", "series"}},
           asStored};
@@ -108,6 +109,18 @@ SchemaTable excludedPoints(const std::string& name) {
            {"Rest", text}},
           {{name + "_series", {"SeriesID"}}},
           {{"SeriesID", "series"}},
+          asStored};
+}
+
+SchemaTable standUncertainty() {
+  return {standUncertaintyTable,
+          {{"MeterID", whole},
+           {"SourceFile", text},
+           {"Content", text},
+           {"StoredAt", text},
+           {"UserName", text}},
+          {{std::string(standUncertaintyTable) + "_meter", {"MeterID"}}},
+          {{"MeterID", "meter"}},
           asStored};
 }
 
@@ -153,6 +166,12 @@ std::vector<SchemaTable> allOwnTables() {
       fitSettings(),
       {salvagedPartTable,
        {{"SeriesID", whole}, {"Part", text}, {"RowsRead", whole}, {"RowsLost", whole}},
+       {},
+       {},
+       asStored},
+      standUncertainty(),
+      {fluidLawTable,
+       {{"Name", text}, {"Content", text}, {"StoredAt", text}, {"UserName", text}},
        {},
        {},
        asStored},

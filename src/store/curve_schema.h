@@ -67,13 +67,17 @@ inline constexpr std::size_t measuredValues = 37;
 // brings back a raw part does the same with its excluded points.
 inline constexpr std::array<const char*, 4> excludedTables{
     "pelmora_excluded1", "pelmora_excluded2", "pelmora_excluded3", "pelmora_excluded4"};
+// What the stand contributes to the uncertainty of a calibration.
+inline constexpr const char* standUncertaintyTable = "pelmora_stand_uncertainty";
+// Viscosity laws of fluids, by name.
+inline constexpr const char* fluidLawTable = "pelmora_fluid_law";
 inline constexpr const char* fitSettingsTable = "pelmora_fit_settings";
 // Which parts of a series a salvage has left incomplete.
 inline constexpr const char* salvagedPartTable = "pelmora_salvaged_part";
 inline constexpr const char* historyEntryTable = "pelmora_history_entry";
 
 // The tables whose rows the history keeps: owners before what belongs to them.
-inline constexpr std::array<const char*, 16> keptTableNames{"meter",
+inline constexpr std::array<const char*, 17> keptTableNames{"meter",
                                                             "series",
                                                             "CalSetup",
                                                             "CalDataPoint",
@@ -88,7 +92,8 @@ inline constexpr std::array<const char*, 16> keptTableNames{"meter",
                                                             excludedTables[0],
                                                             excludedTables[1],
                                                             excludedTables[2],
-                                                            excludedTables[3]};
+                                                            excludedTables[3],
+                                                            standUncertaintyTable};
 // The table that keeps rows of that one: its columns behind KeptID, the order of the rows, and the
 // entry that they belong to.
 [[nodiscard]] PELMORA_API std::string historyTableOf(std::string_view name);

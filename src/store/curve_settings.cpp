@@ -85,6 +85,7 @@ std::optional<CurveSettings> keptCurveSettings(const ConnectionPtr& curves, std:
   settings.Without = listOf(laterColumn(*rows, "WithoutEquations"));
   const Value order = laterColumn(*rows, "MaxOrder");
   if (!isNull(order)) settings.MaxOrder = toInt32(order);
+  settings.Spacing = textOrNothing(laterColumn(*rows, "Spacing"));
   return settings;
 }
 
@@ -115,7 +116,8 @@ void keepCurveSettings(const ConnectionPtr& curves, std::int32_t SeriesID,
                           valueOf(settings.FitMax),
                           valueOf(settings.Only),
                           valueOf(settings.Without),
-                          settings.MaxOrder ? Value(std::int64_t{*settings.MaxOrder}) : Value()};
+                          settings.MaxOrder ? Value(std::int64_t{*settings.MaxOrder}) : Value(),
+                          valueOf(settings.Spacing)};
   std::vector<std::string_view> fields;
   for (const OwnColumn& column : table.Columns) fields.emplace_back(column.Name);
   // A record set rather than a statement: an equation file may hold apostrophes.

@@ -17,7 +17,7 @@ struct TableWords {
   const char *table, *name, *key;
 };
 
-constexpr std::array<TableWords, 16> words{
+constexpr std::array<TableWords, 17> words{
     {{"meter", "calibration", "calibrations"},
      {"series", "series", "series"},
      {"CalSetup", "set-ups", "setups"},
@@ -33,7 +33,8 @@ constexpr std::array<TableWords, 16> words{
      {"pelmora_excluded1", "excluded of part 1", "excluded1"},
      {"pelmora_excluded2", "excluded of part 2", "excluded2"},
      {"pelmora_excluded3", "excluded of part 3", "excluded3"},
-     {"pelmora_excluded4", "excluded of part 4", "excluded4"}}};
+     {"pelmora_excluded4", "excluded of part 4", "excluded4"},
+     {"pelmora_stand_uncertainty", "stand uncertainty", "standUncertainty"}}};
 
 const TableWords* wordsOf(const std::string& table) {
   for (const TableWords& entry : words) {
