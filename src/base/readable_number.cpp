@@ -27,6 +27,8 @@ std::string significantText(double value, int digits) {
   return numberOf(value, std::chars_format::general, digits);
 }
 
+std::string exactText(double value) { return numberOf(value); }
+
 std::string alignedText(double value, int digits) {
   if (!std::isfinite(value)) return "-";
   const int exponent = value == 0 ? 0 : static_cast<int>(std::floor(std::log10(std::fabs(value))));

@@ -13,7 +13,9 @@ namespace pelmora {
 [[nodiscard]] PELMORA_API std::string fixedText(double value, int decimals);
 // A number with this many significant digits, in the shorter of the plain and the exponent form.
 [[nodiscard]] PELMORA_API std::string significantText(double value, int digits);
-// The same with its zeros at the end, so that numbers of one size stand in line.
+// The shortest text that reads back as the same number.
+[[nodiscard]] PELMORA_API std::string exactText(double value);
+// As significantText(), with its zeros at the end, so that numbers of one size stand in line.
 [[nodiscard]] PELMORA_API std::string alignedText(double value, int digits);
 // A sentence whose decimal numbers of more than seven digits are rounded to six.
 [[nodiscard]] PELMORA_API std::string withShortNumbers(std::string_view sentence);

@@ -5,10 +5,12 @@
 #include "calibration/fit_inputs.h"
 #include "calibration/fit_watch.h"
 #include "calibration/merging.h"
+#include "calibration/optimal_table.h"
 #include "calibration/session.h"
 #include "calibration/steps/catalogue_fit.h"
 #include "calibration/stored_fit.h"
 #include "calibration/trust/trusted_fit.h"
+#include "curves/outcome_details.h"
 #include "points/point_fingerprint.h"
 #include "solver/solver.h"
 
@@ -81,6 +83,14 @@ void fitCatalogue(Fit& fit, const steps::Observer& watch, const Observer& observ
   fit.outcome = catalogue.outcome(settings.BandPercent);
   fit.curve = catalogue.curve();
   fit.report = catalogue.details();
+  if (fit.settings.spacing != PointSpacing::optimal || !fit.accepted()) return;
+  const FitModel* model = catalogue.model();
+  const CurveSamples samples = [model](std::span<const double> x) { return model->evaluate(x); };
+  const std::vector<double> grid = optimalGrid(fit, samples);
+  replaceTable(fit, grid, samples(grid));
+  fit.outcome.ConfidenceHalfWidth.clear();
+  fit.outcome.PredictionHalfWidth.clear();
+  pelmora::describeBands(*model, grid, fit.outcome);
 }
 
 Fit fitParts(Fit fit, std::span<const PointArray> parts, std::span<const ExcludedPoint> excluded,

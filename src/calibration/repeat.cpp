@@ -81,6 +81,7 @@ FitSettings settingsToRepeat(const CurveSettings& kept) {
   settings.only = kept.Only;
   settings.without = kept.Without;
   settings.maxOrder = kept.MaxOrder;
+  settings.spacing = spacingOf(kept.Spacing).value_or(PointSpacing::usual);
   if (kept.Equations) {
     settings.equations =
         EquationList::parse(*kept.Equations, "the text of the equations kept with the curve");
@@ -97,6 +98,7 @@ FitSettings SettingsChange::appliedTo(FitSettings settings) const {
   if (maxOrder) settings.maxOrder = maxOrder;
   if (mergeBand) settings.mergeBand = mergeBand;
   settings.cutsOverlap = cutsOverlap.value_or(settings.cutsOverlap);
+  settings.spacing = spacing.value_or(settings.spacing);
   return settings;
 }
 
@@ -106,7 +108,8 @@ bool SettingsChange::isInForceIn(const FitSettings& settings) const {
          (!without || settings.without == *without) &&
          (!maxOrder || settings.maxOrder == maxOrder) &&
          (!mergeBand || settings.mergeBand == mergeBand) &&
-         (!cutsOverlap || settings.cutsOverlap == *cutsOverlap);
+         (!cutsOverlap || settings.cutsOverlap == *cutsOverlap) &&
+         (!spacing || settings.spacing == *spacing);
 }
 
 Repeated repeatWith(const Database& lab, const StoredSeries& series, const UnkeptSettings& unkept,
@@ -131,31 +134,6 @@ Repeated repeatWith(const Database& lab, const StoredSeries& series, const Unkep
 Repeated Database::repeat(const StoredSeries& series, const UnkeptSettings& unkept,
                           const Observer& observer) const {
   return repeatWith(*this, series, unkept, {}, observer);
-}
-
-Curve Database::curve(const Meter& meter, const std::string& series) const {
-  return curve(this->series(meter, series));
-}
-
-Curve Database::curve(const StoredSeries& stored, const Observer& observer) const {
-  const std::string place = placeOf(stored.meter, stored.name);
-  std::vector<CurvePoint> points(stored.storedCurve().size());
-  const Repeated repeated = repeat(stored, {}, observer);
-  const FitOutcome& outcome = repeated.fit.outcome;
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    points[i] = {stored.curve(i, 0), stored.curve(i, 1), {}, {}};
-    if (!repeated.isStoredCurve()) continue;
-    if (i < outcome.ConfidenceHalfWidth.size())
-      points[i].confidence = outcome.ConfidenceHalfWidth[i];
-    if (i < outcome.PredictionHalfWidth.size())
-      points[i].prediction = outcome.PredictionHalfWidth[i];
-  }
-  try {
-    return Curve(std::move(points));
-  } catch (const BadData& failure) {
-    throw BadData({"the stored curve of " + place + " cannot be read: " + failure.what(),
-                   location(), "fit it again"});
-  }
 }
 
 }  // namespace pelmora::calibration

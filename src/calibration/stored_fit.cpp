@@ -25,6 +25,7 @@ CurveSettings settingsOf(const Fit& fit) {
   settings.Only = fit.settings.only;
   settings.Without = fit.settings.without;
   settings.MaxOrder = fit.settings.maxOrder;
+  settings.Spacing = spacingKey(fit.settings.spacing);
   settings.SoftwareVersion = version;
   settings.FittedAt = utcText();
   settings.MergeBandPercent = fit.settings.mergeBand;

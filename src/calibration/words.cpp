@@ -3,6 +3,7 @@
 
 #include <pelmora/calibration/advice.h>
 #include <pelmora/calibration/choice.h>
+#include <pelmora/calibration/fit.h>
 #include <pelmora/calibration/values.h>
 #include <pelmora/calibration/words.h>
 
@@ -15,6 +16,17 @@ const char* choiceKey(Choice choice) {
 std::optional<Choice> choiceOf(std::string_view key) {
   for (const Choice choice : {Choice::adjustedR2, Choice::trusted}) {
     if (key == choiceKey(choice)) return choice;
+  }
+  return std::nullopt;
+}
+
+const char* spacingKey(PointSpacing spacing) {
+  return spacing == PointSpacing::optimal ? "optimal" : "usual";
+}
+
+std::optional<PointSpacing> spacingOf(std::string_view key) {
+  for (const PointSpacing spacing : {PointSpacing::usual, PointSpacing::optimal}) {
+    if (key == spacingKey(spacing)) return spacing;
   }
   return std::nullopt;
 }

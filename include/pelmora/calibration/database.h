@@ -6,6 +6,8 @@
 #include <pelmora/calibration/examination.h>
 #include <pelmora/calibration/failure.h>
 #include <pelmora/calibration/fit.h>
+#include <pelmora/calibration/fitted_curve.h>
+#include <pelmora/calibration/flow.h>
 #include <pelmora/calibration/history.h>
 #include <pelmora/calibration/import.h>
 #include <pelmora/calibration/observer.h>
@@ -199,6 +201,31 @@ class PELMORA_API Database {
   // Errors: NoCurve if none is stored; BadData if the stored points are not a valid curve.
   [[nodiscard]] Curve curve(const Meter& meter, const std::string& series) const;
   [[nodiscard]] Curve curve(const StoredSeries& series, const Observer& observer = {}) const;
+
+  // The curve behind the stored table, with the uncertainty of the stand if one is stored: the
+  // equation or the reference curve, if a new fit with the same settings reproduces the table, else
+  // the table alone.
+  //
+  // Errors: as for curve().
+  [[nodiscard]] FittedCurve fittedCurve(const Meter& meter, const std::string& series) const;
+  [[nodiscard]] FittedCurve fittedCurve(const StoredSeries& series,
+                                        const Observer& observer = {}) const;
+
+  // The uncertainty of the stand that measured a calibration, kept with it.
+  //
+  // Errors: BadData for a text that is not understood; it names the line. Result of the changes:
+  //         the history entry of the previous statement, 0 if there was none.
+  [[nodiscard]] std::optional<StandStatement> standUncertainty(const Meter& meter) const;
+  HistoryEntryId setStandUncertainty(const Meter& meter, const StandStatement& statement);
+  HistoryEntryId removeStandUncertainty(const Meter& meter);
+
+  // Fluids with viscosity laws, by name, for flows in service. A set replaces the law of that name.
+  //
+  // Errors: NotFound, its remedy suggests similar names; BadData for an invalid law.
+  [[nodiscard]] std::vector<FluidLaw> fluidLaws() const;
+  [[nodiscard]] FluidLaw fluidLaw(const std::string& name) const;
+  void setFluidLaw(const FluidLaw& fluid);
+  void removeFluidLaw(const std::string& name);
 
   // Whether the stored curve belongs to the stored raw points. If StoredSeries::age does not know,
   // the fit is repeated: a curve that comes out again is current.

@@ -16,6 +16,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace pelmora::calibration {
@@ -27,16 +28,29 @@ enum class RangePolicy {
   extrapolate = 2  // as requested
 };
 
+// Where the points of a curve's table lie.
+enum class PointSpacing {
+  // Evenly in the logarithm of Roshko; a trusted fit moves them closer together where the curve
+  // bends if the even table, read linearly, would take more than a quarter of the band.
+  usual = 0,
+  // Where linear reading between them errs least.
+  optimal = 1
+};
+
+// "usual", "optimal": the names at the command line and in the database.
+[[nodiscard]] PELMORA_API const char* spacingKey(PointSpacing spacing);
+// Nothing for any other text.
+[[nodiscard]] PELMORA_API std::optional<PointSpacing> spacingOf(std::string_view key);
+
 struct FitSettings {
   // The range of the curve's table, Roshko: it crops the table, not the points. Absent: the end of
   // the fitted points.
   std::optional<double> min{}, max{};
   // Points beyond are not fitted.
   std::optional<double> fitMin{}, fitMax{};
-  // Of the curve's table, evenly spaced in the logarithm. A trusted fit moves them closer together
-  // where the curve bends if the even table, read linearly, would take more than a quarter of the
-  // band.
+  // Of the curve's table.
   std::int16_t points = 40;
+  PointSpacing spacing = PointSpacing::usual;
   // How far a raw point may lie from the curve, in per cent. Linear interpolation in 40 points over
   // the three and a half decades of two fluids uses up to 0.2 of it, the noise of a good
   // calibration the rest.
@@ -66,6 +80,7 @@ struct SettingsChange {
   std::optional<int> maxOrder{};
   std::optional<double> mergeBand{};
   std::optional<bool> cutsOverlap{};
+  std::optional<PointSpacing> spacing{};
 
   [[nodiscard]] PELMORA_API FitSettings appliedTo(FitSettings settings) const;
   // Whether `settings` would stay as they are.

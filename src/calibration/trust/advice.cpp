@@ -16,7 +16,7 @@
 namespace pelmora::calibration {
 namespace {
 
-using solver::reference::PointState;
+using ReferenceState = solver::reference::PointState;
 
 constexpr double widestBandAdvised = 3;  // times the test band
 

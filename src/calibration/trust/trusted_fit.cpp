@@ -4,6 +4,7 @@
 #include "band/band.h"
 #include "base/readable_number.h"
 #include "calibration/fit_inputs.h"
+#include "calibration/optimal_table.h"
 #include "calibration/steps/catalogue_fit.h"
 #include "calibration/trust/reference_judge.h"
 #include "calibration/trust/reference_report.h"
@@ -21,7 +22,7 @@
 namespace pelmora::calibration {
 namespace {
 
-using solver::reference::PointState;
+using ReferenceState = solver::reference::PointState;
 using solver::reference::ReferenceCurve;
 
 // The linear reading of the table may take this part of the test band.
@@ -74,9 +75,9 @@ Trust trustOf(const Fit& fit, std::span<const steps::PartPoint> origins,
   std::vector<double> places;
   for (std::size_t i = 0; i < fit.merged.size(); ++i) {
     const auto& point = reference.points()[i];
-    const PointUse use = point.state == PointState::used       ? PointUse::used
-                         : point.state == PointState::excluded ? PointUse::outside
-                                                               : PointUse::distrusted;
+    const PointUse use = point.state == ReferenceState::used       ? PointUse::used
+                         : point.state == ReferenceState::excluded ? PointUse::outside
+                                                                   : PointUse::distrusted;
     trust.judged.push_back({origins[i].Part, static_cast<std::size_t>(origins[i].Number),
                             fit.merged(i, 0), fit.merged(i, 1), use, unit * point.residual,
                             unit * point.leaveOneOut, unit * point.leaveOneOutSd});
@@ -142,6 +143,14 @@ bool mayStoreReference(const FitSettings& settings) {
   return (settings.only.empty() || isNamed(settings.only)) && !isNamed(settings.without);
 }
 
+void describeTable(Trust& trust, std::span<const double> grid, const ReferenceJudge& judge) {
+  trust.table.clear();
+  for (std::size_t i = 0; i < grid.size(); ++i) {
+    const auto& at = judge.table()[i];
+    trust.table.push_back({grid[i], at.value, at.curveSd, at.newPointSd});
+  }
+}
+
 void describeBands(Fit& fit, const ReferenceJudge& judge) {
   const std::vector<double> distances = judge.distances(fit.curve.column(1));
   for (std::size_t i = 0; i < distances.size(); ++i) {
@@ -149,6 +158,14 @@ void describeBands(Fit& fit, const ReferenceJudge& judge) {
     fit.outcome.ConfidenceHalfWidth.push_back(std::hypot(2 * at.curveSd, distances[i]));
     fit.outcome.PredictionHalfWidth.push_back(std::hypot(2 * at.newPointSd, distances[i]));
   }
+}
+
+// A table at other Roshko numbers in place of the one that the equations were judged at.
+void placeTable(Fit& fit, const std::vector<double>& grid, const ReferenceJudge& judge,
+                const std::vector<double>& chosen, bool isReference) {
+  describeTable(*fit.trust, grid, judge);
+  const auto fallen = isReference ? referenceTable(fit, judge) : std::nullopt;
+  replaceTable(fit, grid, fallen ? *fallen : chosen);
 }
 
 // False where the fit was stopped between two equations.
@@ -173,10 +190,7 @@ bool fitTrustedPoints(Fit& fit, std::span<const steps::PartPoint> origins,
     grid = placed;
     judge = ReferenceJudge(reference, grid, fit.settings.band, stopRequested);
   }
-  for (std::size_t i = 0; i < grid.size(); ++i) {
-    const auto& at = judge.table()[i];
-    fit.trust->table.push_back({grid[i], at.value, at.curveSd, at.newPointSd});
-  }
+  describeTable(*fit.trust, grid, judge);
 
   steps::CatalogueSettings settings = catalogueSettings(fit);
   steps::CatalogueFit catalogue;
@@ -204,6 +218,11 @@ bool fitTrustedPoints(Fit& fit, std::span<const steps::PartPoint> origins,
   if (mayStoreReference(fit.settings))
     addReferenceCurve(fit, reference, referenceTable(fit, judge));
   if (!fit.accepted()) return true;
+  if (fit.settings.spacing == PointSpacing::optimal) {
+    const std::vector<double> optimal = optimalGrid(fit, chosen);
+    judge = ReferenceJudge(reference, optimal, fit.settings.band, stopRequested);
+    placeTable(fit, optimal, judge, chosen(optimal), catalogue.model() == nullptr);
+  }
   describeBands(fit, judge);
   fit.outcome.Warnings = trustWarnings(fit, judge, chosen);
   return true;

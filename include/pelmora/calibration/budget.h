@@ -1,0 +1,64 @@
+// The uncertainty of a calibration curve: what it consists of, by the GUM.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <pelmora/export.h>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace pelmora::calibration {
+
+// One cause of uncertainty.
+struct BudgetRow {
+  // "fit", "reference flow", "viscosity", "temperature", "frequency", "repeatability",
+  // "reproducibility", "model", "table reading".
+  std::string cause;
+  std::string label;               // tells several of one cause apart; may be empty
+  double standardUncertainty = 0;  // in `unit`
+  std::string unit;                // empty: the unit of the value
+  std::string distribution;        // "normal", "rectangular", "triangular", "U-shaped"
+  char type = 'B';                 // 'A': from statistics of observations
+  double degreesOfFreedom = 0;     // may be infinite
+  double sensitivity = 0;          // contribution / standardUncertainty
+  double contribution = 0;         // standard uncertainty in the unit of the value, signed
+};
+
+// The budget of one value. U = k u, or the laboratory's CMC where this is larger.
+//
+// Units:  value, standardUncertainty and expanded in the unit of the value.
+struct Budget {
+  // The stand whose file the rows come from. Without a stand the budget contains the scatter of the
+  // points alone, which every output says.
+  std::string stand;
+  bool hasStand = false;
+  // Of a flow in service, with or without the uncertainty of the instruments there.
+  bool isOfFlow = false, hasInstruments = false;
+  double value = 0;
+  double standardUncertainty = 0, degreesOfFreedom = 0;  // effective (Welch-Satterthwaite)
+  double probability = 0, coverageFactor = 0;
+  double expanded = 0, expandedPercent = 0;
+  double cmcPercent = 0;
+  bool isCmc = false;        // U is the CMC
+  bool isConvolved = false;  // the coverage factor comes from the distributions of the rows
+  std::vector<BudgetRow> rows;
+
+  // U to two significant digits, never below the CMC; 0 if there is no uncertainty.
+  [[nodiscard]] PELMORA_API double roundedExpanded() const;
+  // The same in per cent of the value.
+  [[nodiscard]] PELMORA_API double roundedPercent() const;
+  // What U contains and what it does not, as a sentence: "U contains ...".
+  [[nodiscard]] PELMORA_API std::string contents() const;
+};
+
+// A check of a budget by drawing (JCGM 101).
+struct MonteCarloCheck {
+  double mean = 0, standardDeviation = 0;
+  double low = 0, high = 0;  // the interval that holds Budget::probability of the draws
+  std::size_t trials = 0;
+  bool isStable = false;  // to two digits of the standard deviation
+  [[nodiscard]] double halfWidth() const { return (high - low) / 2; }
+};
+
+}  // namespace pelmora::calibration

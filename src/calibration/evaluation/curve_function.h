@@ -1,0 +1,39 @@
+// What is behind a stored table: the function that was fitted.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <pelmora/calibration/fitted_curve.h>
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace pelmora::calibration {
+
+// The function at one Roshko number.
+struct FunctionValue {
+  double strouhal = 0, slope = 0, bend = 0;  // bend: the second derivative
+  std::optional<double> uncertainty;         // standard, of the curve itself
+  double degrees = 0;                        // of freedom, behind it
+  // Distance of a trusted equation from the reference curve, which sees what it cannot follow.
+  double departure = 0;
+};
+
+class CurveFunction {
+ public:
+  virtual ~CurveFunction() = default;
+  [[nodiscard]] virtual CurveSource source() const = 0;
+  [[nodiscard]] virtual std::vector<double> values(std::span<const double> roshko) const = 0;
+  [[nodiscard]] virtual std::vector<FunctionValue> at(std::span<const double> roshko) const = 0;
+};
+
+// Of the chosen equation, or of the reference curve where a trusted fit chose that. Makes the fit
+// of this one curve again.
+//
+// Errors: NoFit if the fit has no curve.
+[[nodiscard]] std::shared_ptr<const CurveFunction> functionOf(const Fit& fit);
+[[nodiscard]] std::shared_ptr<const CurveFunction> functionOf(const Curve& table);
+
+}  // namespace pelmora::calibration

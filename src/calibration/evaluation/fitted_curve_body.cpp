@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: MIT
+#include "calibration/evaluation/fitted_curve_body.h"
+
+#include "base/text_case.h"
+#include "uncertainty/stand_file.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace pelmora::calibration {
+namespace {
+
+using uncertainty::Cause;
+using uncertainty::SeriesKind;
+
+// The ends of a table and those of the points that it was fitted to differ by rounding.
+constexpr double sameEnd = 1e-9;
+constexpr int placesPerSegment = 33;
+
+SeriesKind seriesKindOf(const std::string& series, bool isRatio) {
+  if (equalNames(series, "Rotor Sum")) return SeriesKind::quotientAB;
+  if (isRatio || equalNames(series, "Ratio")) return SeriesKind::quotientBA;
+  return SeriesKind::rotor;
+}
+
+// Errors of all segments by places evenly spaced in ln x within each.
+std::vector<double> readingErrorsOf(const CurveFunction& function, const std::vector<double>& x,
+                                    const std::vector<double>& y, tables::Reading reading) {
+  const tables::TableReader read(x, y, reading);
+  std::vector<double> places;
+  for (std::size_t i = 0; i + 1 < x.size(); ++i) {
+    for (int k = 1; k < placesPerSegment; ++k)
+      places.push_back(x[i] * std::pow(x[i + 1] / x[i], static_cast<double>(k) / placesPerSegment));
+  }
+  const std::vector<double> truth = function.values(places);
+  std::vector<double> errors(x.size() - 1);
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    double& error = errors[i / (placesPerSegment - 1)];
+    error = std::max(error, 100 * std::abs(read(places[i]) / truth[i] - 1));
+  }
+  return errors;
+}
+
+}  // namespace
+
+tables::Reading readingOf(ReadAs reading) {
+  if (reading == ReadAs::log) return tables::Reading::logarithmic;
+  return reading == ReadAs::cubic ? tables::Reading::cubic : tables::Reading::linear;
+}
+
+FittedCurve::Body::Body(Curve curveTable, std::string curveName, const std::string& series,
+                        bool isRatio, std::shared_ptr<const CurveFunction> behind,
+                        const std::optional<StandStatement>& statement)
+    : table(std::move(curveTable)),
+      name(std::move(curveName)),
+      kind(seriesKindOf(series, isRatio)),
+      function(std::move(behind)),
+      hasStand(statement.has_value()),
+      readingErrors_(4) {
+  if (statement) stand = uncertainty::readStandUncertainty(statement->text, statement->file);
+}
+
+double FittedCurve::Body::settled(double roshko) const {
+  const double low = table.lowestRoshko(), high = table.highestRoshko();
+  if (roshko < low && roshko >= low - sameEnd * std::abs(low)) return low;
+  if (roshko > high && roshko <= high + sameEnd * std::abs(high)) return high;
+  return roshko;
+}
+
+bool FittedCurve::Body::isInside(double roshko) const {
+  return roshko >= table.lowestRoshko() && roshko <= table.highestRoshko();
+}
+
+tables::TableReader FittedCurve::Body::reader(ReadAs reading) const {
+  const PointArray points = table.table();
+  return {points.column(0), points.column(1), readingOf(reading)};
+}
+
+double FittedCurve::Body::readingErrorAt(double roshko, ReadAs reading) const {
+  std::vector<double> x, y;
+  for (const CurvePoint& point : table.points()) {
+    x.push_back(point.roshko);
+    y.push_back(point.strouhal);
+  }
+  std::vector<double>& errors = readingErrors_[static_cast<std::size_t>(reading)];
+  if (errors.empty()) errors = readingErrorsOf(*function, x, y, readingOf(reading));
+  const auto behind = std::upper_bound(x.begin() + 1, x.end() - 1, roshko);
+  return errors[static_cast<std::size_t>(behind - x.begin()) - 1];
+}
+
+void FittedCurve::Body::addDeparture(const FunctionValue& value,
+                                     uncertainty::StandUncertainty& to) const {
+  if (!(value.departure > 0)) return;
+  uncertainty::Component component;
+  component.cause = Cause::model;
+  component.label = "distance from the reference curve";
+  // U of two standard uncertainties reaches the reference curve.
+  component.standard = {100 * value.departure / 2 / std::abs(value.strouhal), &units::unitOf("%")};
+  component.evaluation = uncertainty::Evaluation::a;
+  to.components.push_back(component);
+}
+
+std::vector<FittedCurve::Body::Place> FittedCurve::Body::places(
+    std::span<const double> roshko, const EvaluateOptions& options) const {
+  std::optional<tables::TableReader> read;
+  if (options.reading != ReadAs::none) read = reader(options.reading);
+  std::vector<Place> found;
+  for (const FunctionValue& value : function->at(roshko)) {
+    const double x = roshko[found.size()];
+    Place made;
+    made.value = value;
+    made.stand = stand;
+    uncertainty::CurvePlace& place = made.place;
+    place.kind = kind;
+    place.roshko = x;
+    place.slope = value.slope;
+    place.strouhal = read ? (*read)(x) : value.strouhal;
+    place.fitUncertainty = value.uncertainty.value_or(0);
+    place.fitDegrees = value.degrees > 0 ? value.degrees : uncertainty::knownExactly;
+    place.temperatureF = options.temperatureF;
+    if (read) place.readingErrorPercent = readingErrorAt(x, options.reading);
+    place.curve = [y = place.strouhal, x, slope = value.slope, bend = value.bend](double at) {
+      return y + (at - x) * (slope + bend * (at - x) / 2);
+    };
+    if (options.viscosity) {
+      const double frequency =
+          x * *options.viscosity / place.expansion.roshkoFactor(options.temperatureF);
+      place.operating.viscosity = {*options.viscosity, &units::unitOf("cSt")};
+      place.operating.frequency = {frequency, &units::unitOf("Hz")};
+      if (kind == uncertainty::SeriesKind::rotor && place.strouhal > 0) {
+        place.operating.flow = {
+            frequency * place.expansion.strouhalFactor(options.temperatureF) / place.strouhal,
+            &units::unitOf("gal/s")};
+      }
+    }
+    addDeparture(value, made.stand);
+    found.push_back(std::move(made));
+  }
+  return found;
+}
+
+std::optional<uncertainty::Budget> FittedCurve::Body::budgetAt(
+    double roshko, const EvaluateOptions& options) const {
+  const double x = settled(roshko);
+  if (!isInside(x)) return std::nullopt;
+  const std::vector<Place> at = places({&x, 1}, options);
+  if (!at.front().value.uncertainty) return std::nullopt;
+  return uncertainty::curveBudget(at.front().place, at.front().stand);
+}
+
+}  // namespace pelmora::calibration

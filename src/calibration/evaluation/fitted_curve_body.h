@@ -1,0 +1,62 @@
+// What a fitted curve consists of, for the rooms of the service that compute with it.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "calibration/evaluation/curve_function.h"
+#include "tables/table_reader.h"
+#include "uncertainty/curve_budget.h"
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace pelmora::calibration {
+
+class FittedCurve::Body {
+ public:
+  Body(Curve curveTable, std::string curveName, const std::string& series, bool isRatio,
+       std::shared_ptr<const CurveFunction> behind, const std::optional<StandStatement>& statement);
+
+  Curve table;
+  std::string name;
+  std::vector<std::string> warnings;
+  uncertainty::SeriesKind kind = uncertainty::SeriesKind::rotor;
+  std::shared_ptr<const CurveFunction> function;
+  uncertainty::StandUncertainty stand;
+  bool hasStand = false;
+
+  // At the end if it is beyond it by no more than rounding.
+  [[nodiscard]] double settled(double roshko) const;
+  [[nodiscard]] bool isInside(double roshko) const;
+  [[nodiscard]] tables::TableReader reader(ReadAs reading) const;
+
+  // A place inside the table, with everything that a budget needs; without an uncertainty where it
+  // is not known.
+  struct Place {
+    FunctionValue value;
+    uncertainty::CurvePlace place;
+    uncertainty::StandUncertainty stand;
+  };
+  [[nodiscard]] std::vector<Place> places(std::span<const double> roshko,
+                                          const EvaluateOptions& options) const;
+
+  // Of the value there; absent beyond the table and where the uncertainty is not known.
+  [[nodiscard]] std::optional<uncertainty::Budget> budgetAt(double roshko,
+                                                            const EvaluateOptions& options) const;
+
+  // The largest error of reading the table from one of its points to the next, in per cent.
+  [[nodiscard]] double readingErrorAt(double roshko, ReadAs reading) const;
+
+ private:
+  void addDeparture(const FunctionValue& value, uncertainty::StandUncertainty& to) const;
+  mutable std::vector<std::vector<double>> readingErrors_;  // by reading, then by segment
+};
+
+// A budget as the service states it.
+[[nodiscard]] Budget publicBudget(const uncertainty::Budget& budget, bool hasStand);
+
+[[nodiscard]] tables::Reading readingOf(ReadAs reading);
+
+}  // namespace pelmora::calibration

@@ -1,0 +1,21 @@
+// The table of a fit where reading between its points errs least.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "curves/table_size.h"
+
+#include <pelmora/calibration/fit.h>
+
+#include <vector>
+
+namespace pelmora::calibration {
+
+// Roshko numbers from fit.min to fit.max for linear reading of the curve.
+//
+// Errors: BadData where the curve has no relative error.
+[[nodiscard]] std::vector<double> optimalGrid(const Fit& fit, const CurveSamples& curve);
+
+// Puts a table in place of the chosen equation's: curve, prediction and report of the fit.
+void replaceTable(Fit& fit, const std::vector<double>& roshko, const std::vector<double>& strouhal);
+
+}  // namespace pelmora::calibration
