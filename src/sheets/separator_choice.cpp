@@ -27,6 +27,7 @@ std::string nameOf(char separator) {
 struct Score {
   char separator = ',';
   std::ptrdiff_t numbers = 0;  // fields that are numbers, less what speaks against the separator
+  std::size_t broken = 0;      // fields with another separator in them
   std::size_t fields = 0;      // of records that have more than one
 };
 
@@ -36,7 +37,7 @@ std::optional<Score> scoreOf(std::string_view text, char separator) {
   constexpr std::ptrdiff_t costOfBroken = 2;
   std::string others(candidates);
   std::erase(others, separator);
-  Score score{separator, 0, 0};
+  Score score{separator};
   RecordSource records(text, separator);
   Record record;
   try {
@@ -48,6 +49,7 @@ std::optional<Score> scoreOf(std::string_view text, char separator) {
           ++score.numbers;
         } else if (field.find_first_of(others) != std::string::npos) {
           score.numbers -= costOfBroken;
+          ++score.broken;
         }
       }
     }
@@ -59,6 +61,7 @@ std::optional<Score> scoreOf(std::string_view text, char separator) {
 
 bool isBetter(const Score& a, const Score& b) {
   if (a.numbers != b.numbers) return a.numbers > b.numbers;
+  if (a.broken != b.broken) return a.broken < b.broken;
   return a.fields > b.fields;
 }
 
@@ -81,7 +84,9 @@ char chosenSeparator(std::string_view text) {
     if (isBetter(score, *best)) best = &score;
   }
   for (const Score& score : scores) {
-    if (&score == best || score.numbers < best->numbers || score.numbers == 0) continue;
+    if (&score == best || score.numbers < best->numbers || score.broken > best->broken ||
+        score.numbers == 0)
+      continue;
     throw SheetError("",
                      "the fields may be separated by a " + nameOf(best->separator) + " or by a " +
                          nameOf(score.separator),

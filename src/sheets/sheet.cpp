@@ -148,7 +148,8 @@ class Sheet::Content {
     if (count >= wanted && widthOf(record) <= wanted) return;
     const bool isDoubtful = recognised_.separator == ',' && count > wanted;
     throw SheetError("line " + std::to_string(record.line),
-                     std::to_string(count) + " fields instead of " + std::to_string(wanted),
+                     std::to_string(count) + (count == 1 ? " field" : " fields") + " instead of " +
+                         std::to_string(wanted),
                      isDoubtful ? "write numbers with a decimal point, or separate the fields by "
                                   "semicolons if commas are decimal signs"
                                 : "write one field for each column, and numbers with a decimal "

@@ -152,7 +152,7 @@ TEST_F(bad_points, roshko_number_that_cannot_be) {
 }
 TEST_F(bad_points, not_a_number) { EXPECT_THAT(refusal("1,2\n3,NaN\n"), HasSubstr("line 2")); }
 TEST_F(bad_points, missing_column) {
-  EXPECT_THAT(refusal("x,y\n1\n"), HasSubstr("line 2: 1 fields instead of 2"));
+  EXPECT_THAT(refusal("x,y\n1\n"), HasSubstr("line 2: 1 field instead of 2"));
 }
 TEST_F(bad_points, wrong_header) { EXPECT_THAT(refusal("a,b,c\n1,2,3\n"), HasSubstr("a, b, c")); }
 TEST_F(bad_points, unknown_column) {

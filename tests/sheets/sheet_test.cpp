@@ -151,6 +151,12 @@ TEST(sheet, two_separators_that_fit_equally_well_are_refused) {
   EXPECT_THAT(refusal(text, {.separator = ';'}).place(), HasSubstr("line 1, column 2"));
 }
 
+TEST(sheet, a_cut_row_does_not_change_the_separator) {
+  const SheetError error = refusal("Roshko;Strouhal\n100,5;1200,1\n200,5\n");
+  EXPECT_EQ(error.place(), "line 3");
+  EXPECT_THAT(error.problem(), HasSubstr("1 field instead of 2"));
+}
+
 TEST(sheet, texts_with_another_separator_do_not_mislead) {
   EXPECT_EQ(read("Flow, hot;Flow, cold\n100,5;2,25\n200;2,5\n").rows, twoPoints);
   Sheet sheet("x,y,note\n100.5,2.25,warm; steady\n200,2.5,cold; steady\n");

@@ -171,7 +171,7 @@ TEST_F(csv_points, refuse_nan_infinity_empty_fields_and_a_y_of_zero) {
 }
 
 TEST_F(csv_points, refuse_a_row_that_is_too_short) {
-  EXPECT_THAT(refusal("x,y\n1\n"), HasSubstr("line 2: 1 fields instead of 2"));
+  EXPECT_THAT(refusal("x,y\n1\n"), HasSubstr("line 2: 1 field instead of 2"));
 }
 
 TEST_F(csv_points, name_the_columns_there_are) {
