@@ -11,15 +11,24 @@
 #include "store/reading.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
+#include <numeric>
 #include <utility>
 
 namespace pelmora::calibration {
 namespace {
 
 constexpr double farApart = 1e4;
+// Between neighbours of one run, whose flows are never so far apart.
+constexpr double gapInRun = 1e3;
 constexpr int rawParts = 4;
+
+// Whether a wrong unit may be the reason; greater factors have others.
+bool isOfUnits(double factor, double least) {
+  constexpr double most = 1e9;
+  const double apart = std::max(factor, 1 / factor);
+  return apart >= least && apart <= most;
+}
 
 std::string tableOf(int part) { return "Raw" + std::to_string(part); }
 
@@ -46,7 +55,7 @@ double farFactor(double roshko, std::span<const double> others) {
       nearest = factor;
   }
   if (nearest == 0) return 1;
-  return std::max(nearest, 1 / nearest) < farApart ? 1 : nearest;
+  return isOfUnits(nearest, farApart) ? nearest : 1;
 }
 
 std::vector<double> otherRoshkos(Session& session, const Meter& meter, const std::string& series,
@@ -74,12 +83,28 @@ std::vector<double> otherRoshkos(Session& session, const Meter& meter, const std
 }
 
 std::vector<FarPoint> farPoints(const PointArray& points) {
-  std::vector<FarPoint> far;
-  const double typical = typicalRoshko(points);
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    const double factor = farFactor(points(i, 0), std::array{typical});
-    if (factor != 1) far.push_back({i, factor});
+  std::vector<std::size_t> order(points.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::ranges::sort(order, {}, [&](std::size_t i) { return points(i, 0); });
+  // Groups of points with gaps between them, as first and end in `order`.
+  std::vector<std::pair<std::size_t, std::size_t>> groups;
+  for (std::size_t k = 0; k < order.size(); ++k) {
+    const double roshko = points(order[k], 0);
+    if (!(roshko > 0)) continue;
+    if (groups.empty() || roshko / points(order[k - 1], 0) >= gapInRun) groups.emplace_back(k, k);
+    groups.back().second = k + 1;
   }
+  const auto sizeOf = [](const auto& group) { return group.second - group.first; };
+  const auto main = std::ranges::max_element(groups, {}, sizeOf);
+  if (main == groups.end() || std::ranges::count(groups, sizeOf(*main), sizeOf) > 1) return {};
+  const double median = points(order[main->first + sizeOf(*main) / 2], 0);
+  std::vector<FarPoint> far;
+  for (std::size_t k = groups.front().first; k < order.size(); ++k) {
+    const double factor = points(order[k], 0) / median;
+    const bool isOutside = k < main->first || k >= main->second;
+    if (isOutside && isOfUnits(factor, gapInRun)) far.push_back({order[k], factor});
+  }
+  std::ranges::sort(far, {}, &FarPoint::index);
   return far;
 }
 
@@ -110,7 +135,7 @@ class Doubts {
       const std::size_t line = stand_.lineOf(run.job, far.index);
       say(place + ", point " + std::to_string(far.index + 1) +
           (line == 0 ? "" : " (line " + std::to_string(line) + ")") + " has a Roshko number " +
-          significantText(far.factor, 2) + " times the median of the run");
+          significantText(far.factor, 2) + " times the median of the run's other points");
     }
   }
   [[nodiscard]] std::vector<std::string> sentences() && { return std::move(sentences_); }

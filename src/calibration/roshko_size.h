@@ -17,8 +17,8 @@ class Session;
 [[nodiscard]] double typicalRoshko(const PointArray& points);
 
 // How many times larger `roshko` is than the nearest of `others`; 1 where one is within a factor of
-// 10,000, or there is none. Fluids of calibrations differ by less than 1,000 in viscosity, units of
-// viscosity by 1,000,000.
+// 10,000, or there is none, or the factor is beyond what units explain (1e9). Fluids of
+// calibrations differ by less than 1,000 in viscosity, units of viscosity by 1,000,000.
 [[nodiscard]] double farFactor(double roshko, std::span<const double> others);
 
 // The typical Roshko numbers of all raw parts of the series with this name, or of all series if it
@@ -27,7 +27,8 @@ class Session;
                                                const std::string& series, std::int32_t exceptSeries,
                                                int exceptPart);
 
-// The points that are as far from the typical Roshko number of their part.
+// The points outside the largest group, where gaps of a factor of 1,000 separate groups. None if
+// two groups are the largest.
 [[nodiscard]] std::vector<FarPoint> farPoints(const PointArray& points);
 
 // One sentence for each imported run that is far from all others, and for each of its points that

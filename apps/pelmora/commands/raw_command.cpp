@@ -56,7 +56,7 @@ void warnOfFarPoints(const std::string& file, const CsvPoints& read,
   }
   for (const calibration::FarPoint& far : stored.farPoints) {
     warn(read.lines[far.index], "the Roshko number is " + significantText(far.factor, 2) +
-                                    " times the median of the file");
+                                    " times the median of the file's other points");
   }
 }
 

@@ -52,10 +52,10 @@ struct Imported {
   std::vector<HistoryEntryId> kept;
 };
 
-// A point whose Roshko number is 10,000 times larger or smaller than those around it.
+// A point whose Roshko number is 1,000 times larger or smaller than those of its part's others.
 struct FarPoint {
   std::size_t index = 0;  // in the order of the points
-  double factor = 1;      // its Roshko number over the median of its raw part
+  double factor = 1;      // its Roshko number over the median of the others
 };
 
 struct StoredPoints {
