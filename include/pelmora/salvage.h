@@ -27,7 +27,7 @@ struct SalvagedTable {
   std::uint64_t FromIndex = 0;  // of these, rows that an index alone still holds
   // Rows that cannot be read; nothing if their number is not known.
   std::optional<std::uint64_t> Lost;
-  std::uint64_t KnownLost = 0;  // at least so many
+  std::uint64_t KnownLost = 0;  // at least this many
   [[nodiscard]] bool isWhole() const { return Lost == 0U; }
 
   bool operator==(const SalvagedTable&) const = default;

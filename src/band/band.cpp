@@ -83,7 +83,7 @@ class SegmentBandTester : public BandTester {
     }
     const double percent = meantPercent(bandPercent);
     if (!(percent >= 0)) {
-      return failed("Band test failed: the band of " + numberText(bandPercent) + "% is no band.");
+      return failed("Band test failed: a band of " + numberText(bandPercent) + "% is not valid.");
     }
     std::size_t tested = 0, outside = 0, worst = 0;
     double worstPercent = 0;

@@ -32,7 +32,7 @@ void requirePoints(const Fit& fit, std::span<const PointArray> parts) {
   if (usable == 0) {
     throw BadData(
         {place + (fit.series.empty() ? " have" : " has") + " no raw part of two points or more",
-         place, "import a run or bring points"});
+         place, "import a run or store points"});
   }
   if (usable > static_cast<std::size_t>(mostPoints)) {
     throw BadData({place + (fit.series.empty() ? " are " : " has ") + std::to_string(usable) +

@@ -20,8 +20,8 @@ class RunJobs {
  public:
   // Errors: those of the database.
   RunJobs(Session& session, const Meter& meter);
-  // For the part with so many points, excluded ones included, of a series; empty for points that
-  // are no stand's: of a series that is not derived, or of another number than the run has.
+  // For the part of a series that has `points` points, excluded ones included; empty if they are
+  // not the stand's: if the series is not derived, or the run has another number of points.
   [[nodiscard]] PartJobs of(const std::string& series, int part, std::size_t points) const;
 
  private:

@@ -40,7 +40,7 @@ std::int32_t requireSeries(Session& session, const Meter& meter, const std::stri
   const auto known = seriesNames(session, meter);
   throw NotFound({placeOf(meter) + " has no series '" + name + "' in '" + session.location() + "'",
                   session.location(),
-                  known.empty() ? "it has no series yet: import or bring points first"
+                  known.empty() ? "it has no series yet: import or store points first"
                                 : suggestion(name, known)});
 }
 

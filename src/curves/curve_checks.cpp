@@ -167,7 +167,7 @@ void checkLevels(const CheckedCurve& curve, std::span<const double> sortedX,
   warnings.push_back({CurveWarningKind::fewLevels, sortedX.front(), sortedX.back(), 0,
                       numberText(curve.parameters) + " parameters were fitted to " +
                           numberText(levels) +
-                          " distinct x levels: between them the curve is not held by points"});
+                          " distinct x levels: between them no points support the curve"});
 }
 
 void checkExtrapolation(const CheckedCurve& curve, std::span<const double> sortedX,

@@ -58,7 +58,7 @@ CurveValue valueAt(const CurvePoint& a, const CurvePoint& b, double share) {
 }  // namespace
 
 void requireTable(std::span<const CurvePoint> curve) {
-  if (curve.size() < 2) throw refused("The curve has less than two points.");
+  if (curve.size() < 2) throw refused("The curve has fewer than two points.");
   for (std::size_t i = 1; i < curve.size(); ++i) {
     if (curve[i].roshko > curve[i - 1].roshko) continue;
     throw refused("The curve's Roshko numbers do not rise at " +
@@ -86,7 +86,7 @@ CurveValue roshkoAt(std::span<const CurvePoint> curve, double strouhal) {
   CurveValue value = valueAt(a, b, (strouhal - a.strouhal) / (b.strouhal - a.strouhal));
   value.strouhal = strouhal;
   if (value.isExtrapolated && value.roshko <= 0) {
-    throw OutOfRange({"Drawn on straight beyond its ends, the curve has Strouhal " +
+    throw OutOfRange({"Continued straight beyond its ends, the curve has Strouhal " +
                           significantText(strouhal, 6) + " at no Roshko number above 0.",
                       "", ""});
   }

@@ -23,7 +23,7 @@ std::vector<IntegrityProblem> damageOf(const std::string& path, const Patience& 
     const SalvageReport held =
         salvageDatabase(path, {}, patience);  // throws where it never was a database
     if (held.Tables.empty()) throw;
-    return {{"The file cannot be opened as a database any more", 1, error.what()}};
+    return {{"The file can no longer be opened as a database", 1, error.what()}};
   }
   auto* check = dynamic_cast<IntegrityCheck*>(curves.get());
   return check == nullptr ? std::vector<IntegrityProblem>() : check->integrityProblems(mostPlaces);

@@ -51,7 +51,7 @@ void checkNames(const ConnectionPtr& curves, Findings& findings) {
   if (!series->atEnd()) {
     findings.push_back({"duplicate-series", Severity::error,
                         static_cast<std::size_t>(series->recordCount()),
-                        "Names that several series of one calibration have",
+                        "Names shared by several series of one calibration",
                         seriesPlace(curves, wholeOf(series->value("first"))), false,
                         "which of them is read is not defined: delete those that are not wanted"});
   }
@@ -62,7 +62,7 @@ void checkNames(const ConnectionPtr& curves, Findings& findings) {
   if (meters->atEnd()) return;
   findings.push_back(
       {"duplicate-calibrations", Severity::error, static_cast<std::size_t>(meters->recordCount()),
-       "Calibrations that are there several times",
+       "Calibrations stored more than once",
        "meter '" + textOf(meters->value(0)) + "', calibration " +
            std::to_string(wholeOf(meters->value(1))),
        false, "which of them is read is not defined: delete those that are not wanted"});
@@ -109,7 +109,7 @@ void checkPoints(const ConnectionPtr& curves, Findings& findings) {
   if (count == 0) return;
   findings.push_back({"series-without-points", Severity::warning, count,
                       "Series without any points", seriesPlace(curves, first), false,
-                      "import or bring points, or remove it with 'pelmora delete'"});
+                      "import or store points, or remove it with 'pelmora delete'"});
 }
 
 }  // namespace pelmora::doctor

@@ -117,8 +117,8 @@ void checkNumbers(const ConnectionPtr& curves, Findings& findings) {
   }
   if (count == 0) return;
   findings.push_back({"unusable-numbers", Severity::error, count,
-                      "Points that are empty or no finite numbers", example, false,
-                      "bring the raw points again or import the run again, then fit"});
+                      "Points that are empty or not finite numbers", example, false,
+                      "store the raw points again or import the run again, then fit"});
 }
 
 void checkCurveAges(const ConnectionPtr& curves, Findings& findings) {

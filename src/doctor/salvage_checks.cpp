@@ -27,9 +27,9 @@ void checkSalvagedParts(const ConnectionPtr& curves, Findings& findings) {
   }
   if (incomplete.empty()) return;
   findings.push_back({"incomplete-series", Severity::error, incomplete.size(),
-                      "Series of which rows may be missing since a salvage",
+                      "Series that may have lost rows in a salvage",
                       seriesPlace(curves, *incomplete.begin()), false,
-                      "bring their points again from the stand or a copy and fit them, or remove "
+                      "store their points again from the stand or a copy and fit them, or remove "
                       "them with 'pelmora delete'"});
 }
 

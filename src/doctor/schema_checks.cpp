@@ -22,8 +22,8 @@ std::vector<TableIndex> neededIndexes(const ConnectionPtr& curves) {
 void checkTables(const ConnectionPtr& curves, Findings& findings) {
   if (history::hasHistoryTables(curves)) return;
   findings.push_back({"missing-history-tables", Severity::note, 1,
-                      "The tables of the history are not all there; the next command that replaces "
-                      "something makes them",
+                      "Some tables of the history are missing; the next command that replaces "
+                      "something creates them",
                       "", true, ""});
 }
 
@@ -36,7 +36,7 @@ void checkIndexes(const ConnectionPtr& curves, Findings& findings) {
   }
   if (count == 0) return;
   findings.push_back({"missing-indexes", Severity::note, count,
-                      "Indexes that make looking up slow by being missing", example, true, ""});
+                      "Missing indexes, which slow down look-ups", example, true, ""});
 }
 
 }  // namespace pelmora::doctor

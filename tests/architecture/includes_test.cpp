@@ -198,6 +198,15 @@ TEST(command_line, does_without_the_component) {
     EXPECT_FALSE(component.contains(include.target)) << include.file << ": " << include.target;
 }
 
+// The last series and the last results of a thread are the hosts': nothing of ours stores them.
+TEST(service_and_python, do_without_the_component) {
+  const Names component{"pelmora/pelmora.h", "pelmora/raw_data.h"};
+  for (const char* folder : {"calibration", "history", "doctor", "report", "bindings/python"}) {
+    for (const Include& include : includesOf(placeOf(folder)))
+      EXPECT_FALSE(component.contains(include.target)) << include.file << ": " << include.target;
+  }
+}
+
 TEST(includes_check, finds_an_include_that_points_up) {
   const FolderRule& rule = rules().at("store");
   EXPECT_NE(why("store", rule, {"store/x.cpp", "component/start_fit.h", true}), "");

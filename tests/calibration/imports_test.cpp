@@ -72,7 +72,7 @@ TEST_F(Imports, a_stand_without_a_column_is_named) {
     (void)db_.importRuns(meter_, stand, {{"7", "oil", ""}});
   });
   EXPECT_THAT(failure.what(), HasSubstr("stand.db', job 7: its points cannot be read"));
-  EXPECT_THAT(failure.what(), HasSubstr("'V2' is no column of DataPoint"));
+  EXPECT_THAT(failure.what(), HasSubstr("'V2' is not a column of DataPoint"));
 }
 
 TEST_F(Imports, a_reading_that_cannot_be_used_stops_everything) {

@@ -143,6 +143,17 @@ TEST_F(RefitsBesideAnotherProgram, tell_of_a_series_deleted_meanwhile) {
   EXPECT_FALSE(result.isStored);
 }
 
+TEST_F(RefitsBesideAnotherProgram, fit_a_series_that_was_made_anew_with_its_own_points) {
+  db_.storeRaw(meter_, "A", 1, shifted(2));
+  const RefitResult result = refitWhile([&](Database& other) {
+    (void)other.remove(meter_, "A");
+    other.storeRaw(meter_, "A", 1, shifted(5));
+  });
+  EXPECT_TRUE(result.changedMeanwhile);
+  EXPECT_EQ(result.kind, RefitResultKind::added);
+  EXPECT_EQ(db_.series(meter_, "A").merged, shifted(5));
+}
+
 TEST_F(Refits, store_nothing_in_a_dry_run) {
   const PointArray before = db_.series(meter_, "B").curve;
   db_.storeRaw(meter_, "B", 1, shifted(2));

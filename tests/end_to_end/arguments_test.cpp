@@ -29,9 +29,8 @@ TEST_F(arguments, never_take_the_next_option_for_an_empty_value) {
       "--job",  "1001", "--fluid=", "--dry-run"};
   EXPECT_THAT(trouble(2, import), HasSubstr("--fluid: the value is empty"));
   import[8] = "--fluid";
-  EXPECT_THAT(trouble(2, import),
-              AllOf(HasSubstr("--fluid: a value is missing in front of '--dry-run'"),
-                    HasSubstr("--fluid=--dry-run")));
+  EXPECT_THAT(trouble(2, import), AllOf(HasSubstr("--fluid: a value is missing before '--dry-run'"),
+                                        HasSubstr("--fluid=--dry-run")));
   EXPECT_EQ(done({"show", curves, "--json"}).json()["meters"].size(), 0U);
 }
 

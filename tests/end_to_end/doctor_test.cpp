@@ -1,6 +1,7 @@
 // Checking a curve database and mending it.
 // SPDX-License-Identifier: MIT
 #include "tests/end_to_end/command.h"
+#include "tests/end_to_end/running_command.h"
 
 #include <sqlite3.h>
 
@@ -201,6 +202,23 @@ TEST_F(doctor, makes_missing_indexes_and_history_tables) {
   EXPECT_EQ(value["problemsRemain"], false);
   examined(0, {"--repair"});
   EXPECT_EQ(examined(0)["findings"].size(), 0U);
+}
+
+TEST_F(doctor, needs_no_more_memory_for_more_series) {
+  if (std::string(PELMORA_FAILING_MEMORY).empty())
+    GTEST_SKIP() << "a sanitizer keeps what is freed";
+  const auto memory = [&] {
+    RunningCommand command({"doctor", curves}, {});
+    EXPECT_EQ(command.end(), 0);
+    return command.mostMemory();
+  };
+  const long before = memory();
+  execute(
+      "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 50000) "
+      "INSERT INTO series (name, meterid) SELECT 'N' || i, 2 FROM n;"
+      "INSERT INTO raw1 (seriesID, Roshko, Strouhal) SELECT ID, 1, 2 FROM series WHERE ID > 5");
+  constexpr long mostGrowth = 50'000 / 2;  // half a KiB a series; a list of their names takes more
+  EXPECT_LT(memory() - before, mostGrowth);
 }
 
 TEST_F(doctor, shows_a_table_of_80_columns_and_one_line_of_trouble) {

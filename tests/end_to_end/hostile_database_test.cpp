@@ -40,7 +40,7 @@ TEST_F(hostile_database, whose_trigger_does_not_end_is_refused_and_keeps_its_poi
       "CREATE TABLE t (a); INSERT INTO t VALUES (1),(2),(3),(4),(5),(6),(7),(8),(9),(10);"
       "CREATE TRIGGER bomb AFTER INSERT ON raw1 BEGIN INSERT INTO t SELECT 1 FROM t t0, t t1, "
       "t t2, t t3, t t4, t t5, t t6, t t7, t t8, t t9, t t10, t t11, t t12; END");
-  EXPECT_THAT(trouble(3, raw()), AllOf(HasSubstr("'bomb'"), HasSubstr("did not come to an end")));
+  EXPECT_THAT(trouble(3, raw()), AllOf(HasSubstr("'bomb'"), HasSubstr("ran too long")));
   prepare("DROP TRIGGER bomb");
   EXPECT_EQ(
       done({"show", curves, "--meter", "P", "--series", "S", "--json"}).json()["raw"][0].size(),

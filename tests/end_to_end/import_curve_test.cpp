@@ -100,6 +100,15 @@ TEST_F(import_curve, leaves_the_file_where_nothing_can_be_stored) {
   expectRefused(3, results("20 6\r\n10 5\r\n"), "no room");
 }
 
+// The longest name that a file may have: it has no room for ".sav".
+TEST_F(import_curve, renames_the_file_only_after_its_points_are_stored) {
+  const std::string file = write(std::string(255, 'r'), "one\r\ntwo\r\nthree\r\n20 6\r\n10 5\r\n");
+  EXPECT_THAT(trouble(1, command(file)),
+              AllOf(HasSubstr("the points are stored"), HasSubstr("cannot be renamed")));
+  EXPECT_EQ(stored()["merged"].size(), 2U);
+  EXPECT_TRUE(std::filesystem::exists(file));
+}
+
 TEST_F(import_curve, of_a_dry_run_names_the_file_and_leaves_it) {
   const std::string file = results("20 6\r\n10 5\r\n");
   const auto before = stored();

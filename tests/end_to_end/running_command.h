@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -39,10 +40,14 @@ class RunningCommand {
   // The exit code; minus the number of the signal that has killed it.
   [[nodiscard]] int end() {
     int status = 0;
-    waitpid(child_, &status, 0);
+    rusage usage{};
+    wait4(child_, &status, 0, &usage);
     child_ = -1;
+    mostMemory_ = usage.ru_maxrss;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
   }
+  // The most memory that it had, in KiB; known after its end.
+  [[nodiscard]] long mostMemory() const { return mostMemory_; }
 
  private:
   static void lead(int stream, const std::string& path) {
@@ -64,6 +69,7 @@ class RunningCommand {
   }
 
   pid_t child_;
+  long mostMemory_ = 0;
 };
 
 // Waits for something that another process brings about, up to a minute.

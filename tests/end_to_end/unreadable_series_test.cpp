@@ -119,6 +119,17 @@ TEST_F(unreadable_series, of_a_calibration_without_a_number_are_not_left_out) {
   EXPECT_EQ(run({"refit", curves, "--all"}).exitCode, 5);
 }
 
+// The import derives the parts of its own runs again; a further part stays as it is.
+TEST_F(unreadable_series, among_those_that_an_import_derives_end_a_calibration_with_a_name) {
+  done(twoFluids());
+  done({"raw", curves, write("p.csv", "1,2\n3,4\n"), "--meter", "M1", "--series", "Rotor B",
+        "--part", "3"});
+  sql("Update raw3 set Strouhal=NULL");
+  const CommandResult result = run(twoFluids());
+  EXPECT_EQ(result.exitCode, 5) << result.output;
+  EXPECT_THAT(result.error, AllOf(HasSubstr("series 'Rotor B'"), HasSubstr("cannot be read")));
+}
+
 TEST_F(unreadable_series, on_a_damaged_page_are_named) {
   damagePageOf(std::stod(strouhal("B", 301)));  // no whole number: those are stored shorter
   expectNamed("B");
@@ -131,7 +142,7 @@ TEST_F(unreadable_series, of_a_table_with_other_columns_are_not_left_out) {
                                                          {"refit", curves, "--all"}}) {
     const CommandResult result = run(command);
     EXPECT_THAT(result.exitCode, testing::AnyOf(3, 5)) << command[0] << result.output;
-    EXPECT_THAT(result.error, HasSubstr("no column of raw2")) << command[0];
+    EXPECT_THAT(result.error, HasSubstr("not a column of raw2")) << command[0];
   }
 }
 

@@ -122,6 +122,7 @@ TEST_F(decimal_comma, comes_with_a_date_that_is_understood) {
     return setups.empty() ? std::string("no set-up") : setups.front().DateTaken;
   };
   const std::string german = dateOf("M1");
+  EXPECT_THAT(german, testing::StartsWith("20")) << "a date of this century, year first";
   std::setlocale(LC_ALL, "C");
   EXPECT_EQ(german, dateOf("M2"));
   EXPECT_THAT(boxes, IsEmpty());

@@ -112,6 +112,10 @@ TEST_F(open_database, keeps_the_generic_failure_for_a_locked_database) {
   EXPECT_EQ(errorOf(scratch.file("curves.db")).number(), genericFailure_);
   sqlite3_close(other);
   EXPECT_TRUE(openDatabase(scratch.file("curves.db"))->isOpen());
+  for (const std::string& location :
+       {std::string(), scratch.file("missing.db"), scratch.path().string(),
+        fileWith("empty.db", ""), fileWith("letter.txt", "Dear Sir")})
+    EXPECT_NE(errorOf(location).number(), genericFailure_) << location;
 }
 
 TEST_F(open_database, opens_a_database_without_curve_tables_and_names_the_missing_one) {

@@ -31,7 +31,7 @@ struct DeleteRequest {
 void requireOneTarget(const DeleteRequest& request) {
   const bool isSeries = !request.series.empty(), isCalibration = request.calibration >= 0;
   if (!isSeries && !isCalibration && !request.wholeMeter) {
-    throw Trouble(ExitCode::usage, "it is not said what to delete of meter '" + request.meter + "'",
+    throw Trouble(ExitCode::usage, "nothing is named to delete from meter '" + request.meter + "'",
                   "give --series NAME, --calibration N or --whole-meter");
   }
   if (request.wholeMeter && (isSeries || isCalibration)) {

@@ -151,7 +151,7 @@ void describeDamage(const DoctorRequest& request, const std::vector<IntegrityPro
 
 void salvage(const DoctorRequest& request) {
   if (request.repairs || request.isDryRun) {
-    throw Trouble(ExitCode::usage, "--salvage goes without --repair and --dry-run",
+    throw Trouble(ExitCode::usage, "--salvage cannot be combined with --repair or --dry-run",
                   "salvage first and repair the new database then");
   }
   const std::string& path = request.curves.path;
@@ -211,8 +211,8 @@ void examine(const DoctorRequest& request) {
   if (!calibration::hasProblems(examination.after)) return;
   const bool helps = std::ranges::any_of(examination.after, &Finding::canBeRepaired);
   throw Trouble(ExitCode::badInput, "'" + session.path() + "' has problems",
-                helps ? "mend what is safe with --repair; the rest is told above"
-                      : "what helps is told above");
+                helps ? "repair what is safe with --repair; remedies for the rest are listed above"
+                      : "the remedies are listed above");
 }
 
 }  // namespace

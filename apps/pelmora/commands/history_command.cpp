@@ -53,7 +53,7 @@ void list(const HistoryRequest& request) {
 
 void prune(const HistoryRequest& request) {
   if (!request.olderThan && !request.keep) {
-    throw Trouble(ExitCode::usage, "--prune does not say what may go",
+    throw Trouble(ExitCode::usage, "--prune does not say which entries to remove",
                   "give --older-than DAYS, --keep N or both");
   }
   Session session(request.curves, calibration::Mode::write);
@@ -62,7 +62,7 @@ void prune(const HistoryRequest& request) {
   if (request.olderThan) pruning.before = utcText(*request.olderThan * secondsOfDay);
   pruning.keep = static_cast<std::size_t>(request.keep.value_or(0));
   const auto old = lab.prunable(pruning);
-  if (!request.asJson) printData(old.empty() ? "No entry is to go.\n" : entriesTable(old));
+  if (!request.asJson) printData(old.empty() ? "No entry is to be removed.\n" : entriesTable(old));
   const std::string entries = counted(old.size(), "entry", "entries");
   if (!request.isDryRun && !old.empty()) {
     requireConsent("Remove " + entries + " for good?", request.consent);

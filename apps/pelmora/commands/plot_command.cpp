@@ -33,7 +33,7 @@ void plot(const PlotRequest& request) {
   const std::string picture = drawing(series, drawingSize(), style, showsColour(stdout));
   if (picture.empty())
     throw Trouble(ExitCode::badInput, "series '" + stored.name + "' has nothing to draw",
-                  "import a run or bring points");
+                  "import a run or store points");
   std::string head = "Series '" + stored.name + "' of meter " + meter.serial + ", calibration " +
                      std::to_string(meter.calibration) + ": " + pointCounts(series.points);
   if (stored.curve.empty()) head += "; no stored curve";

@@ -89,8 +89,8 @@ class ArgumentWalk {
     const bool isOption = other && command_->get_option_no_throw(other->name) != nullptr &&
                           (value.starts_with("--") || value == other->name);
     if (isOption) {
-      throw Trouble(ExitCode::usage, option + ": a value is missing in front of '" + value + "'",
-                    "give it; one that reads like an option is written " + option + "=" + value);
+      throw Trouble(ExitCode::usage, option + ": a value is missing before '" + value + "'",
+                    "give a value; write one that looks like an option as " + option + "=" + value);
     }
     if (value.empty()) throw emptyValue(option);
     return value;
@@ -98,7 +98,7 @@ class ArgumentWalk {
 
   static Trouble emptyValue(const std::string& option) {
     return {ExitCode::usage, option + ": the value is empty",
-            "write it behind the option, or leave the option out"};
+            "write it after the option, or leave the option out"};
   }
   static Trouble needlessValue(const std::string& option) {
     return {ExitCode::usage, option + "=: the option takes no value", "write " + option + " alone"};

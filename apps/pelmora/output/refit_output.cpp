@@ -17,7 +17,7 @@ using Align = TextTable::Align;
 using calibration::RefitResult;
 using Kind = calibration::RefitResultKind;
 
-constexpr std::size_t mostRows = 40;  // of a list for people; JSON tells them all
+constexpr std::size_t mostRows = 40;  // of a list for people; JSON lists them all
 
 std::size_t countOf(const RefitSummary& summary, Kind kind) {
   return static_cast<std::size_t>(
@@ -52,7 +52,7 @@ std::vector<const RefitResult*> resultsOf(const RefitSummary& summary,
 
 std::string andMore(std::size_t all) {
   if (all <= mostRows) return "";
-  return "... and " + std::to_string(all - mostRows) + " more: --json tells them all.\n";
+  return "... and " + std::to_string(all - mostRows) + " more: --json lists them all.\n";
 }
 
 std::string changedTable(const RefitSummary& summary) {
@@ -106,8 +106,8 @@ std::string refitText(const RefitSummary& summary) {
                              0);
   const std::string threshold = significantText(summary.options.changedPercent, 4) + " %";
   text += countLine(countOf(summary, Kind::changed), "changed by more than " + threshold);
-  text += countLine(countOf(summary, Kind::kept), "within " + threshold + " of the curve before");
-  text += countLine(countOf(summary, Kind::added), "without a curve before");
+  text += countLine(countOf(summary, Kind::kept), "within " + threshold + " of the previous curve");
+  text += countLine(countOf(summary, Kind::added), "without a previous curve");
   text += countLine(countOf(summary, Kind::notFitted), "not fitted: the previous curve is kept");
   text += countLine(countOf(summary, Kind::unusable), "without raw points to fit");
   text += countLine(countOf(summary, Kind::unreadable), "that cannot be read");

@@ -14,7 +14,7 @@ namespace {
 
 using Align = TextTable::Align;
 
-// A terminal shows so many lines of a list; JSON has all.
+// The most lines of a list that a terminal shows; JSON has all.
 constexpr std::size_t mostLines = 30;
 
 std::string lostText(const SalvagedTable& table) {
@@ -101,7 +101,7 @@ std::string salvageText(const SalvageReport& report) {
     text += "\n" +
             wrapped(
                 "Not whole; do not use them before their points have been compared "
-                "with a copy or brought again:",
+                "with a copy or stored again:",
                 0) +
             listed(report.Series,
                    [](const SalvagedSeries& s) { return nameOf(s) + ": " + partsText(s); });

@@ -228,7 +228,7 @@ def open(location: Path, mode: str = "w", *, wait: float = 30, user: str = "") -
     wait: how long to wait while other programs have locked it, in seconds.
     user: who works with it, for the history; the user of the process by default.
 
-    Errors: MissingFile (a NotFound, KeyError and FileNotFoundError); Unusable if it is no curve database; Locked.
+    Errors: MissingFile (a NotFound, KeyError and FileNotFoundError); Unusable if it is not a curve database; Locked.
 
     >>> with pelmora.open("curves.db") as db:
     ...     db.meter("M1").series["Rotor A"].curve(120.0)

@@ -34,7 +34,7 @@ struct RawPoint {
   // How far it lies off the smooth curve through all other points that are used, in standard
   // deviations of a good point (solver/reference); absent if there are too few points for it.
   std::optional<double> sigmas{};
-  // Judged by all points together, it is no good one: 'sigmas' is large.
+  // All points together say that it is a bad one: 'sigmas' is large.
   bool isDistrusted = false;
   PointState state = PointState::used;
   std::optional<Exclusion> exclusion{};

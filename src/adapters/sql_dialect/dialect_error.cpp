@@ -49,7 +49,7 @@ Error missingOutputTable(std::string_view name) {
 Error missingColumn(std::string_view name, std::string_view places) {
   return {missingParameterNumber, "Pelmora",
           "No value given for one or more required parameters. " + quoted(name) +
-              " is no column of " + std::string(places) + "."};
+              " is not a column of " + std::string(places) + "."};
 }
 
 Error typeMismatch() {

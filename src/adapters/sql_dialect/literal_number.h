@@ -8,7 +8,7 @@
 
 namespace pelmora::sql {
 
-// Nothing where the whole text is no finite number.
+// Nothing unless the whole text is a finite number.
 [[nodiscard]] std::optional<double> numberOf(std::string_view text);
 
 // The digits of a whole number, as a text column holds it; nothing for other numbers and texts.

@@ -46,7 +46,7 @@ bool wasStopped(sqlite3* database) {
 Error notAllowed(sqlite3* database, const std::string& file, const std::string& native) {
   return {untrustedSchema, "Pelmora",
           schemaCode(database) + " of " + file +
-              " does what is not allowed to code that a database brings along. Remove it, or use "
+              " does something that code stored in a database may not do. Remove it, or use "
               "another database." +
               native};
 }
@@ -71,13 +71,13 @@ Error errorAbout(int code, sqlite3* database, const std::string& file) {
       if (wasStopped(database)) return stoppedReading(file);
       return {untrustedSchema, "Pelmora",
               schemaCode(database) + " of " + file +
-                  " was stopped because it did not come to an end. Remove it, or use another "
+                  " was stopped because it ran too long. Remove it, or use another "
                   "database." +
                   native};
     case SQLITE_CANTOPEN:
       return {updateRefused, "Pelmora",
-              "Operation must use an updateable query. Beside " + file +
-                  " no journal can be made; check that its folder can be written." + native};
+              "Operation must use an updateable query. No journal can be created beside " + file +
+                  "; check that its folder can be written." + native};
     case SQLITE_CONSTRAINT:
       return {constraintFailed, "Pelmora",
               "The changes you requested to the table were not successful because they would break "

@@ -114,7 +114,7 @@ std::string checkedSqliteFile(const std::string& path) {
   }
   if (!std::filesystem::is_regular_file(status)) {
     throw fail(RunTimeError::pathAccess,
-               "Could not open '" + path + "': it is no regular file. Name a database file.");
+               "Could not open '" + path + "': it is not a regular file. Name a database file.");
   }
   switch (contentsOf(path)) {
     case Contents::sqlite: break;
@@ -134,7 +134,7 @@ std::string checkedSqliteFile(const std::string& path) {
     case Contents::other:
       throw fail(RunTimeError::invalidFileFormat,
                  "Unrecognized database format '" + path +
-                     "': the file is no SQLite database. Name another file.");
+                     "': the file is not a SQLite database. Name another file.");
   }
   return utf8Text(std::filesystem::absolute(file));
 }

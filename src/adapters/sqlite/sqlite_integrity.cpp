@@ -46,7 +46,7 @@ std::string inWords(const std::string& finding, const std::map<std::string, std:
     if (tree != trees.end()) return "Pages of " + tree->second + " are damaged";
   }
   if (finding.find("never used") != std::string::npos)
-    return "Pages of the file belong to nothing any more";
+    return "Pages of the file no longer belong to anything";
   return "The database is damaged";
 }
 

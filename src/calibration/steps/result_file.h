@@ -11,7 +11,7 @@
 namespace pelmora::calibration::steps {
 
 // Reads a result file and renames it to its path with ".sav" behind it, in place of an earlier one.
-// False, after a text, where there is no such file.
+// False, after a status text, if there is no such file.
 // Errors: Error 75 and its like if the file cannot be read or renamed.
 bool takeResultFile(const std::string& sResultPath, std::string& text,
                     const Observer& observer = {});

@@ -24,7 +24,7 @@ struct LatticeRange {
   double negligible = 7;
   // The same beyond allUpToKnots, where many points leave little to average over.
   double negligibleInLong = 4;
-  // The spacing is halved, around the best node, until so many nodes share the weight.
+  // The spacing is halved, around the best node, until at least this many nodes share the weight.
   double fewestNodes = 5;
   int mostHalvings = 8;
   // Every node is visited up to this many knots; beyond, the best and its surroundings.

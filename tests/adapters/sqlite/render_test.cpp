@@ -209,8 +209,9 @@ TEST(render, a_missing_table_is_named) {
 }
 
 TEST(render, a_missing_column_is_a_missing_parameter) {
-  EXPECT_EQ(failure("Select * from DataPoint where JobRecordID=A17"),
-            "No value given for one or more required parameters. 'A17' is no column of DataPoint.");
+  EXPECT_EQ(
+      failure("Select * from DataPoint where JobRecordID=A17"),
+      "No value given for one or more required parameters. 'A17' is not a column of DataPoint.");
   EXPECT_EQ(failure("Select series.id from meter").substr(0, 51),
             "No value given for one or more required parameters.");
 }

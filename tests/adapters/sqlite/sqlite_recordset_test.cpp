@@ -155,16 +155,25 @@ TEST(sqlite_recordset, values_that_no_column_can_hold_are_refused_at_once) {
 TEST(sqlite_recordset, extreme_numbers_come_back_bit_by_bit) {
   const CurveFile file;
   const auto rows = batch(file, "Select * from raw1 where seriesID=1");
-  const std::array numbers{0.1, -0.0, 5e-324, 1.7976931348623157e308, 1.0 / 3, 123456789.123456789};
+  const std::array numbers{0.1, 5e-324, 1.7976931348623157e308, 1.0 / 3, 123456789.123456789};
   for (const double number : numbers) addPoint(*rows, number);
   rows->updateBatch();
   const auto read = file.select("Select roshko from raw1 where seriesID=1");
   for (const double number : numbers) {
     EXPECT_EQ(read->value(0), Value(number)) << number;
-    EXPECT_FALSE(std::signbit(number) && number != 0 &&
-                 !std::signbit(std::get<double>(read->value(0))));
     read->moveNext();
   }
+}
+
+// A column of real numbers keeps whole ones as integers.
+TEST(sqlite_recordset, minus_zero_comes_back_as_zero) {
+  const CurveFile file;
+  const auto rows = batch(file, "Select * from raw1 where seriesID=1");
+  addPoint(*rows, -0.0);
+  rows->updateBatch();
+  const Value read = file.select("Select roshko from raw1 where seriesID=1")->value(0);
+  EXPECT_EQ(read, Value(0.0));
+  EXPECT_FALSE(std::signbit(std::get<double>(read)));
 }
 
 TEST(sqlite_recordset, an_added_row_is_current_with_its_key) {

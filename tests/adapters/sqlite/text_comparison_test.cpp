@@ -82,7 +82,7 @@ TEST(text_comparison, a_name_in_double_quotes_is_a_text_and_never_a_column) {
   file.execute("Insert into Fluids (Name) VALUES ('ID')");
   EXPECT_EQ(found(file, "Name=\"id\""), 1);
   EXPECT_EQ(failureOf([&] { (void)found(file, "Nme='x'"); }).description,
-            "No value given for one or more required parameters. 'Nme' is no column of Fluids.");
+            "No value given for one or more required parameters. 'Nme' is not a column of Fluids.");
 }
 
 TEST(text_comparison, plus_joins_texts_and_ampersand_joins_anything) {

@@ -144,8 +144,10 @@ TEST_F(get_fitted_curve, passed_connection_is_used_and_left_open) {
 
 TEST_F(get_fitted_curve, failure_before_the_look_up_has_source_minus_one) {
   shared_.location = {};
-  EXPECT_EQ(getFitted().Source, -1);
-  EXPECT_EQ(getAll().Source, -1);
+  MeterInfo empty;
+  empty.Source = -1;
+  EXPECT_EQ(getFitted(), empty);
+  EXPECT_EQ(getAll(), empty);
   EXPECT_EQ(boxes(), (Journal{"Error in RawData:getFittedCurve\r\nEmpty database location|16|",
                               "Error in RawData:GetRaw\r\nEmpty database location|16|"}));
 }
