@@ -8,6 +8,7 @@
 #include "base/word_mixer.h"
 #include "calibration/session.h"
 #include "calibration/stored_value.h"
+#include "doctor/examination.h"
 #include "store/curve_schema.h"
 #include "store/foreign_tables.h"
 #include "store/reading.h"
@@ -239,6 +240,9 @@ ProofSheet importInto(const std::string& path, const Database& lab, const Observ
       sheet.missing.push_back({table.Name, "", "the file has no such table"});
   }
   for (ProofTable& proof : sheet.tables) prove(*curves, proof);
+  sheet.problems = doctor::examine(curves);
+  std::erase_if(sheet.problems,
+                [](const Finding& finding) { return finding.severity == Severity::note; });
   transaction.commit();
   return sheet;
 }

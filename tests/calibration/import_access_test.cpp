@@ -86,6 +86,31 @@ TEST_F(import_access, lists_what_a_damaged_file_has_lost) {
     EXPECT_EQ(table.isWhole(), table.name != "raw1");
 }
 
+TEST_F(import_access, shows_rows_that_belong_to_nothing_because_of_a_changed_id) {
+  std::string bytes = readWholeFile(oldFile("curves.mdb"));
+  // The first row of the first page of raw1: its number of columns, then seriesID.
+  for (std::size_t at = 0; at < bytes.size(); at += 4096) {
+    if (bytes.compare(at, 2, "\x01\x01") != 0 ||
+        bytes.compare(at + 4, 4, std::string("\x3C\0\0\0", 4)) != 0)
+      continue;
+    const std::size_t row = at + static_cast<unsigned char>(bytes[at + 14]) +
+                            256U * static_cast<unsigned char>(bytes[at + 15]);
+    ASSERT_EQ(bytes[row], 3);
+    bytes[row + 3] = 7;
+    break;
+  }
+  std::ofstream(scratch.file("damaged.mdb"), std::ios::binary) << bytes;
+  const auto problemsOf = [&](const std::string& file, const std::string& database) {
+    std::vector<std::string> ids;
+    for (const cal::Finding& problem : cal::importAccess(file, scratch.file(database)).problems)
+      ids.push_back(problem.id);
+    return ids;
+  };
+  EXPECT_THAT(problemsOf(scratch.file("damaged.mdb"), "a.db"), testing::Contains("orphaned-rows"));
+  EXPECT_THAT(problemsOf(oldFile("curves.mdb"), "b.db"),
+              testing::Not(testing::Contains("orphaned-rows")));
+}
+
 TEST_F(import_access, leaves_no_file_behind_where_it_fails) {
   EXPECT_THROW((void)cal::importAccess(oldFile("stand.mdb"), curves), cal::BadData);
   EXPECT_THROW((void)cal::importAccess(oldFile("README.md"), curves), cal::Damaged);

@@ -3,9 +3,9 @@
 #include "apps/pelmora/commands/commands.h"
 #include "apps/pelmora/lock_holder.h"
 #include "apps/pelmora/options/common_options.h"
+#include "apps/pelmora/output/finding_output.h"
 #include "apps/pelmora/output/salvage_output.h"
 #include "apps/pelmora/output/standard_output.h"
-#include "apps/pelmora/output/terminal_colour.h"
 #include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/trouble.h"
 #include "report/json_values.h"
@@ -31,16 +31,6 @@ struct DoctorRequest {
 // Without a repair, both are the same.
 using Examination = calibration::Repaired;
 
-// In JSON, where names are never changed, and for people.
-std::string severityText(Severity severity) {
-  switch (severity) {
-    case Severity::note: return "note";
-    case Severity::warning: return "warning";
-    case Severity::error: return "error";
-  }
-  return "error";
-}
-
 bool isLeft(const Examination& examination, const Finding& finding) {
   return std::any_of(examination.after.begin(), examination.after.end(),
                      [&](const Finding& left) { return left.id == finding.id; });
@@ -62,19 +52,6 @@ std::string repairText(const Examination& examination, const Finding& finding,
   return change.isDryRun() ? "would be" : "repaired";
 }
 
-std::string findingLines(const Finding& finding) {
-  const Colour colour = finding.severity == Severity::error     ? Colour::red
-                        : finding.severity == Severity::warning ? Colour::yellow
-                                                                : Colour::green;
-  std::string text =
-      coloured(stdout, colour, severityText(finding.severity)) + " " + finding.id + "\n" +
-      wrapped(finding.text + ": " + std::to_string(finding.count) +
-                  (finding.example.empty() ? "" : "; for example " + finding.example) + ".",
-              2);
-  if (!finding.remedy.empty()) text += wrapped("Remedy: " + finding.remedy + ".", 2);
-  return text;
-}
-
 std::string examinationText(const Examination& examination, const CommandChange& change,
                             const std::string& path) {
   if (examination.before.empty()) return wrapped("Nothing is wrong with " + path + ".", 0);
@@ -94,14 +71,9 @@ std::string examinationText(const Examination& examination, const CommandChange&
 nlohmann::json examinationJson(const Examination& examination) {
   nlohmann::json findings = nlohmann::json::array();
   for (const Finding& finding : examination.before) {
-    findings.push_back({{"id", finding.id},
-                        {"severity", severityText(finding.severity)},
-                        {"count", finding.count},
-                        {"text", finding.text},
-                        {"example", finding.example},
-                        {"repairable", finding.canBeRepaired},
-                        {"repaired", !isLeft(examination, finding)},
-                        {"remedy", finding.remedy}});
+    nlohmann::json value = findingJson(finding);
+    value["repaired"] = !isLeft(examination, finding);
+    findings.push_back(std::move(value));
   }
   return findings;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/output/proof_output.h"
 
+#include "apps/pelmora/output/finding_output.h"
 #include "apps/pelmora/output/text_table.h"
 
 #include <nlohmann/json.hpp>
@@ -72,6 +73,13 @@ std::string gapsText(const ProofSheet& sheet) {
   return text;
 }
 
+std::string problemsText(const ProofSheet& sheet) {
+  std::string text;
+  for (const calibration::Finding& finding : sheet.problems)
+    text += (text.empty() ? "" : "\n") + findingLines(finding);
+  return text.empty() ? "" : wrapped("Problems of the data in the file:", 0) + "\n" + text;
+}
+
 std::string othersText(const ProofSheet& sheet) {
   if (sheet.otherTables.empty()) return "";
   TextTable table({{"Table", Align::left},
@@ -89,7 +97,8 @@ std::string othersText(const ProofSheet& sheet) {
 
 std::string proofText(const ProofSheet& sheet) {
   std::string text;
-  for (const std::string& section : {copiedText(sheet), gapsText(sheet), othersText(sheet)}) {
+  for (const std::string& section :
+       {copiedText(sheet), gapsText(sheet), othersText(sheet), problemsText(sheet)}) {
     if (!section.empty()) text += (text.empty() ? "" : "\n") + section;
   }
   return text;
@@ -99,7 +108,10 @@ nlohmann::json proofJson(const ProofSheet& sheet) {
   nlohmann::json value{{"complete", sheet.isComplete()},
                        {"tables", nlohmann::json::array()},
                        {"missing", nlohmann::json::array()},
+                       {"problems", nlohmann::json::array()},
                        {"otherTables", nlohmann::json::array()}};
+  for (const calibration::Finding& finding : sheet.problems)
+    value["problems"].push_back(findingJson(finding));
   for (const ProofTable& table : sheet.tables) {
     value["tables"].push_back({{"table", table.name},
                                {"expected", expectedJson(table)},

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <pelmora/calibration/database.h>
+#include <pelmora/calibration/examination.h>
 #include <pelmora/calibration/failure.h>
 #include <pelmora/calibration/observer.h>
 #include <pelmora/export.h>
@@ -42,6 +43,9 @@ struct ProofGap {
 struct ProofSheet {
   std::vector<ProofTable> tables;  // all tables of a curve database
   std::vector<ProofGap> missing;
+  // What Database::examine() finds in the copied rows, notes left out: the file holds the same
+  // problems. Rows that nothing refers to may be a trace of damage that no count shows.
+  std::vector<Finding> problems;
   // Those of the file that are not part of a curve database. They are read and counted, not copied;
   // `written`, `empty` and `checksumWritten` are 0.
   std::vector<ProofTable> otherTables;

@@ -1,0 +1,19 @@
+// A finding of the doctor, for people and as JSON.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <pelmora/calibration/examination.h>
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <string>
+
+namespace pelmora::cli {
+
+// In JSON, where names are never changed, and for people.
+[[nodiscard]] std::string severityText(calibration::Severity severity);
+// Several lines: severity and check, what was found, and the remedy.
+[[nodiscard]] std::string findingLines(const calibration::Finding& finding);
+[[nodiscard]] nlohmann::json findingJson(const calibration::Finding& finding);
+
+}  // namespace pelmora::cli
