@@ -88,6 +88,24 @@ TEST_F(Imports, a_reading_that_cannot_be_used_stops_everything) {
   EXPECT_TRUE(db_.runs(meter_).empty());
 }
 
+TEST_F(Imports, a_stand_found_damaged_when_it_is_read_is_named) {
+  const std::string file = path() + ".stand";
+  pelmora::test::PlainSqlite(file).run("CREATE TABLE DataPoint (" + pelmora::test::standHeader() +
+                                       ");" + "INSERT INTO DataPoint VALUES (" +
+                                       pelmora::test::exportLine("7") + ")");
+  const Stand stand(file);
+  std::fstream bytes(file, std::ios::in | std::ios::out | std::ios::binary);
+  bytes.seekp(24) << "newer";  // the count of changes: whoever has read the file reads it again
+  bytes.seekp(4096) << "no page of a table";
+  bytes.close();
+  const auto failure = failureOf<Damaged>([&] {
+    (void)db_.importRuns(meter_, stand, {{"7", "oil", ""}});
+  });
+  EXPECT_THAT(failure.what(), HasSubstr("stand '" + file + "', job 7: its points cannot be read"));
+  EXPECT_EQ(failure.where(), file);
+  EXPECT_TRUE(db_.runs(meter_).empty());
+}
+
 TEST_F(Imports, without_rotor_B_there_is_rotor_A_alone) {
   const Stand stand = standOf({pelmora::test::exportLine("7", {{20, "0"}, {21, "0"}}),
                                pelmora::test::exportLine("7", {{20, "0"}, {21, "0"}})});
