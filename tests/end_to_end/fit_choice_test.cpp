@@ -177,8 +177,14 @@ TEST_F(fit_choice, is_of_the_points_in_the_range_to_fit) {
   EXPECT_EQ(refitted({"--fit-min", "50"})["stored"], true);
   EXPECT_NEAR(stored()["curve"].front()[0].get<double>(), std::pow(10, 1.7), 1e-4);
   EXPECT_EQ(kept()["fitMax"], 500.0);
-  // The table's range is another thing: all points are fitted.
-  EXPECT_EQ(fitted({"--min", "20", "--max", "500"})["fittedPoints"], 41);
+}
+
+TEST_F(fit_choice, says_that_the_range_crops_the_table_alone) {
+  const Arguments range{"--min", "20", "--max", "500"};
+  EXPECT_EQ(fitted(range)["fittedPoints"], 41);
+  const std::string text = done(command("fit", range)).output;
+  EXPECT_THAT(text, HasSubstr("cropped: 14 points beyond it are fitted all the same"));
+  EXPECT_THAT(done(command("fit", {"--fit-min", "20"})).output, Not(HasSubstr("cropped")));
 }
 
 TEST_F(fit_choice, refuses_a_range_to_fit_without_points) {

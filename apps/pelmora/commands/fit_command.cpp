@@ -58,6 +58,18 @@ std::string fitHeadline(const calibration::Fit& fit) {
                  0);
 }
 
+// That --min and --max crop the table alone; empty if no point lies beyond it.
+std::string cropLine(const calibration::Fit& fit) {
+  std::size_t beyond = 0;
+  for (const double roshko : fit.fitted.column(0))
+    beyond += roshko < fit.min || roshko > fit.max ? 1 : 0;
+  if (beyond == 0) return {};
+  return wrapped("The table is cropped: " + counted(beyond, "point") + " beyond it " +
+                     (beyond == 1 ? "is" : "are") +
+                     " fitted all the same (--fit-min, --fit-max leave points out)",
+                 0);
+}
+
 std::string fitText(const std::string& database, const CheckedFit& checked, bool isDryRun) {
   const calibration::Fit& fit = checked.fit;
   std::string text = fitHeadline(fit);
@@ -67,7 +79,7 @@ std::string fitText(const std::string& database, const CheckedFit& checked, bool
         "the series as it is now.",
         0);
   }
-  text += referenceLine(fit);
+  text += cropLine(fit) + referenceLine(fit);
   if (const std::string cut = cutLines(fit); !cut.empty()) text += "\n" + cut;
   if (!fit.outcome.Equations.empty()) text += "\n" + equationTable(fit);
   if (!checked.isStored) return text;
