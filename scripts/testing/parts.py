@@ -9,6 +9,7 @@ import pathlib
 import shutil
 import subprocess
 
+import fuzzing
 from results import Results, of_ctest
 from running import Failed, Meter, end_of, must, run
 
@@ -107,6 +108,21 @@ class WindowsPart(Part):
             raise
 
 
+class FuzzPart(Part):
+    """Every fuzz target for a short while; scripts/fuzz runs them for long."""
+
+    seconds = 20
+
+    def test(self):
+        outcomes = fuzzing.run_targets(fuzzing.targets(), self.seconds, jobs)
+        for outcome in outcomes:
+            if outcome.is_clean:
+                self.results.passed += 1
+            else:
+                self.results.failed.append(f"{self.name}: {outcome.target}, see build/fuzz/{outcome.target}.log")
+                self.report += outcome.last_lines + "\n"
+
+
 # The optimised library is tested on Linux; compiling it so twice more would take a quarter of the whole time.
 little_optimised = "-DPELMORA_OPTIMISATION=-O1"
 
@@ -121,6 +137,9 @@ def parts():
         WindowsPart("windows-x64", "the automation component for 64-bit Windows, under Wine", "windows-x64",
                     settings=[little_optimised]),
         WindowsPart("windows-x86", "the same for 32-bit Windows", "windows-x86", settings=[little_optimised]),
+        # Its targets run for a fixed time: while the next parts are built.
+        FuzzPart("fuzz", "everything that reads data from outside, fuzzed for 20 s a target", "fuzz",
+                 targets=["fuzz_targets"]),
         Part("sanitize", "all rooms and the command line under the address and undefined-behaviour sanitizers",
              "sanitize", select=["--label-exclude", not_under_sanitizers]),
         Part("tsan", "what starts threads, under the thread sanitizer", "tsan", select=["--label-regex", "threads"],

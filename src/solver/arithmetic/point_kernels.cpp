@@ -12,7 +12,7 @@ std::atomic<const PointKernels*> forced = nullptr;
 
 std::vector<const PointKernels*> runnablePointKernels() {
   std::vector<const PointKernels*> runnable{&plainPointKernels()};
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(_WIN32)
+#ifdef PELMORA_HAS_WIDE_KERNELS
   __builtin_cpu_init();
   if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma")) {
     runnable.push_back(&avx2PointKernels());

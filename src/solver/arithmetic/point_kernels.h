@@ -7,6 +7,11 @@
 #include <cstddef>
 #include <vector>
 
+// Clang has no pragma for the instruction set of a whole source.
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && !defined(_WIN32)
+#define PELMORA_HAS_WIDE_KERNELS
+#endif
+
 namespace pelmora::solver {
 
 // n double-double values behind two pointers.
@@ -94,7 +99,7 @@ void forcePointKernels(const PointKernels* kernels);
 [[nodiscard]] std::vector<const PointKernels*> runnablePointKernels();
 
 [[nodiscard]] const PointKernels& plainPointKernels();
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(_WIN32)
+#ifdef PELMORA_HAS_WIDE_KERNELS
 [[nodiscard]] const PointKernels& avx2PointKernels();
 [[nodiscard]] const PointKernels& avx512PointKernels();
 #endif

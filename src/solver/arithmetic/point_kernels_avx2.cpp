@@ -3,7 +3,7 @@
 #include "solver/arithmetic/double_double_functions.h"
 #include "solver/arithmetic/point_kernels.h"
 
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(_WIN32)
+#ifdef PELMORA_HAS_WIDE_KERNELS
 #include <immintrin.h>
 
 #pragma GCC target("avx2,fma")

@@ -1,0 +1,23 @@
+// A stand's CSV export of any content: opened and read, or refused with line and column.
+// SPDX-License-Identifier: MIT
+#include "fuzz/scratch_file.h"
+
+#include <pelmora/calibration.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace pelmora;
+  static const fuzz::ScratchFolder folder;
+  static const std::string path = folder.file("stand.csv");
+  fuzz::writeFile(path, "JobRecordID" + std::string(fuzz::textOf(data, size)));
+  try {
+    const calibration::Stand stand(path);
+    (void)stand.jobs();
+  } catch (const calibration::Failure& failure) {
+    if (std::string(failure.what()).empty()) __builtin_trap();
+  }
+  return 0;
+}
