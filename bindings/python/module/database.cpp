@@ -57,11 +57,14 @@ cal::Imported importInto(cal::Database& database, WantedImport wanted,
 
 py::dict importRuns(Laboratory& lab, const std::string& serial, const std::string& stand,
                     const std::vector<std::array<std::string, 3>>& runs, bool newCalibration,
-                    int standNumber, int position, double wait, const py::object& status) {
+                    int standNumber, int position, const std::string& date, bool update,
+                    double wait, const py::object& status) {
   WantedImport wanted{serial, stand, {}, {}, std::chrono::milliseconds(std::llround(wait * 1000))};
   wanted.options.newCalibration = newCalibration;
   wanted.options.stand = static_cast<std::int16_t>(standNumber);
   wanted.options.position = static_cast<std::int16_t>(position);
+  wanted.options.date = date;
+  wanted.options.update = update;
   for (const auto& [job, fluid, operatorName] : runs)
     wanted.runs.push_back({job, fluid, operatorName});
   return recordOf(
@@ -173,7 +176,7 @@ void bindChanges(py::class_<Laboratory>& type) {
           },
           "serial"_a, "new_calibration"_a)
       .def("import_runs", &importRuns, "serial"_a, "stand"_a, "runs"_a, "new_calibration"_a,
-           "stand_number"_a, "position"_a, "wait"_a, "status"_a)
+           "stand_number"_a, "position"_a, "date"_a, "update"_a, "wait"_a, "status"_a)
       .def(
           "store_raw",
           [](Laboratory& lab, const cal::Meter& meter, const std::string& series, int part,

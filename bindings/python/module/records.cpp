@@ -87,12 +87,18 @@ py::dict recordOf(const cal::Imported& imported) {
     const auto& points = derived.points;
     series[textOf(derived.name)] = py::make_tuple(points[0], points[1], points[2], points[3]);
   }
-  return py::dict("meter"_a = imported.meter, "is_new_calibration"_a = imported.isNewCalibration,
-                  "runs"_a = recordsOf(imported.runs), "series"_a = series,
-                  "excluded_again"_a = imported.excludedAgain,
-                  "dropped"_a = recordsOf(imported.dropped),
-                  "job_without_rotor_b"_a = textOf(imported.jobWithoutRotorB),
-                  "kept"_a = numbersOf(imported.kept));
+  py::list keptEntries, doubts;
+  for (const cal::KeptEntry& entry : imported.keptEntries) {
+    keptEntries.append(py::make_tuple(textOf(entry.fluid), textOf(entry.what), textOf(entry.kept),
+                                      textOf(entry.given)));
+  }
+  for (const std::string& doubt : imported.doubts) doubts.append(textOf(doubt));
+  return py::dict(
+      "meter"_a = imported.meter, "is_new_calibration"_a = imported.isNewCalibration,
+      "runs"_a = recordsOf(imported.runs), "series"_a = series,
+      "excluded_again"_a = imported.excludedAgain, "dropped"_a = recordsOf(imported.dropped),
+      "job_without_rotor_b"_a = textOf(imported.jobWithoutRotorB), "kept_entries"_a = keptEntries,
+      "doubts"_a = doubts, "kept"_a = numbersOf(imported.kept));
 }
 
 py::dict recordOf(const cal::StoredPoints& stored) {

@@ -37,6 +37,10 @@ class Import(Record):
     dropped: Table[DroppedExclusion]
     #: The reason why only Rotor A was derived; empty otherwise.
     job_without_rotor_b: str
+    #: What runs of known fluids have kept although the import said something else: fluid, what, kept, given.
+    kept_entries: list[tuple[str, str, str, str]]
+    #: Readings that put a run far from the meter's other runs, as sentences.
+    doubts: list[str]
     #: The history entries of what was replaced.
     kept: list[int]
 
@@ -120,29 +124,29 @@ class Database:
 
     def import_runs(self, serial: str, *, stand: Path, runs: Iterable[Sequence[str]], operator: str = "",
                     stand_number: Optional[int] = None, date: Optional[str] = None, new_calibration: bool = False,
-                    position: Optional[int] = None, status: Any = None) -> Import:
+                    position: Optional[int] = None, update: bool = False, status: Any = None) -> Import:
         """Copies runs of a stand into the latest calibration of a meter, which is registered if it is unknown, and
         derives Rotor A and, if all runs have readings of rotor B, Rotor B, Rotor Sum and Ratio.
 
-        stand: the stand's database, or its export as CSV with the header JobRecordID,V1..V37.
+        stand: the stand's database, or its export as text with the columns JobRecordID, V1 to V37.
         runs: job and fluid of each, at most four: [("1001", "Mineral spirit"), ("1002", "Glycol mix")]. A run in a
             fluid that the calibration already has replaces the earlier one.
         operator: who ran them. stand_number, position: numbers that are stored with the runs.
-        date: the date of an import cannot be set yet; only None is accepted.
+        date: of the runs, such as "2026-11-21"; today if it is None.
+        update: gives operator, stand_number, position and date also to runs of fluids that the calibration already
+            has. Otherwise these keep theirs, and `kept_entries` of the result lists them.
 
         Errors: NotFound for the stand or a job; BadData, with job, point and column, for readings that are missing,
             are texts or divide by zero, for a fluid given twice and for more than four fluids.
         """
-        if date is not None:
-            raise BadData("the date of an import cannot be set yet", where="date",
-                          remedy="leave it out: the runs get today's date")
         pairs = [_run_of(run, operator) for run in runs]
         if not pairs:
             raise BadData("there are no runs to import", where="runs",
                           remedy='pass job and fluid of each, such as [("1001", "Mineral spirit")]')
         record = self._database.import_runs(serial, os.fspath(stand), pairs, new_calibration,
                                             -1 if stand_number is None else stand_number,
-                                            -1 if position is None else position, self._wait, status)
+                                            -1 if position is None else position, date or "", update, self._wait,
+                                            status)
         record["meter"] = Meter(self._database, record["meter"])
         record["dropped"] = dropped_of(record["dropped"])
         record["runs"] = Table((Run(**run) for run in record["runs"]), Run)
@@ -150,7 +154,8 @@ class Database:
 
     def calibrate(self, serial: str, *, stand: Path, runs: Iterable[Sequence[str]], operator: str = "",
                   stand_number: Optional[int] = None, date: Optional[str] = None, new_calibration: bool = False,
-                  position: Optional[int] = None, progress: Progress = None, **fit: Any) -> Calibration:
+                  position: Optional[int] = None, update: bool = False, progress: Progress = None,
+                  **fit: Any) -> Calibration:
         """import_runs, then a fit of every derived series, the ratio as a ratio.
 
         fit: keyword arguments of `Series.fit`, such as band=0.2.
@@ -158,7 +163,7 @@ class Database:
         A series that no equation fits is listed in `failed`; the others are stored.
         """
         imported = self.import_runs(serial, stand=stand, runs=runs, operator=operator, stand_number=stand_number,
-                                    date=date, new_calibration=new_calibration, position=position)
+                                    date=date, new_calibration=new_calibration, position=position, update=update)
         fits: dict[str, Fit] = {}
         failed: dict[str, str] = {}
         for name in imported.series:

@@ -106,6 +106,15 @@ def test_runs_of_a_stand_are_imported_and_derived(db):
     assert sorted(db.meter("M1").series) == ["Ratio", "Rotor A", "Rotor B", "Rotor Sum"]
 
 
+def test_a_known_run_keeps_its_operator_unless_it_is_updated(db):
+    db.import_runs("M1", stand=STAND, runs=RUNS, operator="Ada", date="2025-03-04")
+    again = db.import_runs("M1", stand=STAND, runs=RUNS[:1], operator="Bob")
+    assert again.kept_entries == [("Mineral spirit", "operator", "Ada", "Bob")]
+    updated = db.import_runs("M1", stand=STAND, runs=RUNS[:1], operator="Bob", update=True)
+    assert updated.kept_entries == []
+    assert [(run.operator, "2025" in run.date) for run in updated.runs] == [("Bob", True), ("Ada", True)]
+
+
 def test_an_unknown_job_is_not_found_and_nothing_is_stored(db):
     with pytest.raises(pelmora.NotFound, match="9999"):
         db.import_runs("M1", stand=STAND, runs=[("9999", "Water")])
