@@ -33,8 +33,9 @@ meters: the command line pelmora, the library that it uses, the window
 that shows a host application's messages, and a reader of Access files.")
 # The libraries' packages come from dpkg-shlibdeps, which finds our own in the build folder.
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
-if(PELMORA_BUILD_CLI AND PELMORA_WITH_SQLITE)  # loaded when a workbook is written
-  set(CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS libxlsxwriter4)
+if(PELMORA_BUILD_CLI AND PELMORA_WITH_SQLITE)  # loaded when a workbook is written, when a certificate is read
+  set(CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS "libxlsxwriter4, libxml2")
+  set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS "weasyprint, xmlsec1")
 endif()
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR} ${PROJECT_BINARY_DIR}/src/report)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)  # for packages of hosts

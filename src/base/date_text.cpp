@@ -2,7 +2,7 @@
 #include "base/date_text.h"
 
 #include <array>
-#include <string_view>
+#include <charconv>
 
 namespace pelmora {
 namespace {
@@ -50,6 +50,21 @@ std::string todayText() {
   localtime_r(&now, &date);
 #endif
   return shortDateText(date);
+}
+
+bool isDay(std::string_view text) {
+  if (text.size() != 10 || text[4] != '-' || text[7] != '-') return false;
+  const auto number = [&](std::size_t at, std::size_t count) {
+    int value = -1;
+    const char* end = text.data() + at + count;
+    const auto [stop, trouble] = std::from_chars(text.data() + at, end, value);
+    return trouble == std::errc() && stop == end ? value : -1;
+  };
+  const int year = number(0, 4), month = number(5, 2), day = number(8, 2);
+  if (year < 1 || month < 1 || month > 12 || day < 1) return false;
+  constexpr std::array days{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  const bool isLeap = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+  return day <= days[static_cast<std::size_t>(month - 1)] + (month == 2 && isLeap ? 1 : 0);
 }
 
 }  // namespace pelmora

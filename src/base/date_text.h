@@ -1,9 +1,12 @@
-// Dates as the locale writes them.
+// Dates as texts.
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pelmora/export.h>
+
 #include <ctime>
 #include <string>
+#include <string_view>
 
 namespace pelmora {
 
@@ -13,5 +16,8 @@ namespace pelmora {
 
 // Today, local time.
 [[nodiscard]] std::string todayText();
+
+// Whether the text is a day of the calendar as ISO 8601 writes it: 2026-11-21.
+[[nodiscard]] PELMORA_API bool isDay(std::string_view text);
 
 }  // namespace pelmora

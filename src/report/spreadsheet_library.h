@@ -16,6 +16,7 @@ struct SpreadsheetLibrary {
   decltype(&::workbook_add_format) workbook_add_format;
   decltype(&::workbook_add_worksheet) workbook_add_worksheet;
   decltype(&::format_set_bold) format_set_bold;
+  decltype(&::format_set_num_format) format_set_num_format;
   decltype(&::worksheet_write_number) worksheet_write_number;
   decltype(&::worksheet_write_string) worksheet_write_string;
   decltype(&::worksheet_set_column) worksheet_set_column;
@@ -23,7 +24,7 @@ struct SpreadsheetLibrary {
   decltype(&::worksheet_autofilter) worksheet_autofilter;
 };
 
-// Errors: std::runtime_error if it cannot be loaded. Safe from several threads.
+// Errors: Unusable if it cannot be loaded. Safe from several threads.
 [[nodiscard]] const SpreadsheetLibrary& spreadsheetLibrary();
 
 }  // namespace pelmora::report

@@ -48,10 +48,23 @@ constexpr std::array table{
     Unit{"K", Quantity::temperature},
     Unit{"C", Quantity::temperature, 1, 1, 273.15},
     Unit{"F", Quantity::temperature, 5, 9, 459.67},
+    Unit{"Pa", Quantity::pressure},
+    Unit{"hPa", Quantity::pressure, 100},
+    Unit{"kPa", Quantity::pressure, 1000},
+    Unit{"MPa", Quantity::pressure, 1e6},
+    Unit{"bar", Quantity::pressure, 1e5},
+    Unit{"mbar", Quantity::pressure, 100},
+    Unit{"psi", Quantity::pressure, 4.4482216152605, 0.00064516},
+    Unit{"m", Quantity::length},
+    Unit{"cm", Quantity::length, 1, 100},
+    Unit{"mm", Quantity::length, 1, 1000},
+    Unit{"in", Quantity::length, 0.0254},
+    Unit{"1/K", Quantity::expansion},
+    Unit{"1/F", Quantity::expansion, 9, 5},
 };
 
 // Other spellings of the symbols above.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 22> spellings{{
+constexpr std::array<std::pair<std::string_view, std::string_view>, 24> spellings{{
     {"m^2/s", "m2/s"},
     {"m²/s", "m2/s"},
     {"mm^2/s", "mm2/s"},
@@ -74,6 +87,8 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 22> spelling
     {"1/m3", "pulses/m3"},
     {"°C", "C"},
     {"°F", "F"},
+    {"1/C", "1/K"},
+    {"1/°F", "1/F"},
 }};
 
 std::string quoted(std::string_view text) { return "'" + shortened(text) + "'"; }
@@ -105,9 +120,12 @@ std::string_view quantityName(Quantity quantity) {
     case Quantity::volumeFlow: return "volume flow";
     case Quantity::strouhal: return "pulses per volume";
     case Quantity::roshko: return "frequency over viscosity";
-    case Quantity::temperature: break;
+    case Quantity::temperature: return "temperature";
+    case Quantity::pressure: return "pressure";
+    case Quantity::length: return "length";
+    case Quantity::expansion: break;
   }
-  return "temperature";
+  return "expansion";
 }
 
 const Unit& unitOf(std::string_view symbol) {

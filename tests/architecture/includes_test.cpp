@@ -66,7 +66,10 @@ const std::map<std::string, FolderRule>& rules() {
         {}}},
       {"history", {{"base", "store"}, {}}},
       {"doctor", {{"history", "store", "points"}, {}}},
-      {"report", {{"base", "curves"}, {"nlohmann", "xlsxwriter.h", "posix"}}},
+      {"loading", {{}, {"posix"}}},
+      {"dcc", {{"base", "units", "loading"}, {"libxml"}}},
+      {"report",
+       {{"base", "curves", "dcc", "units", "loading"}, {"nlohmann", "xlsxwriter.h", "posix"}}},
       {"apps/pelmora", {{"base", "curves", "report"}, {"CLI", "nlohmann", "posix"}}},
       {"include/pelmora", {}},
   };
