@@ -45,6 +45,8 @@ void addCommands(Program& program) {
   addExportCommand(program);
   addShowCommand(program);
   addCalibrateCommand(program);
+  addMeterCommand(program);
+  addLaboratoryCommand(program);
   addReportCommand(program);
   addDeleteCommand(program);
   addDoctorCommand(program);

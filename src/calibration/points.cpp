@@ -54,6 +54,7 @@ void addJobs(const RunJobs& runs, const std::string& series, std::vector<RawPoin
       if (!isOfPart(point) || jobs.jobs.empty()) continue;
       point.job = jobs.jobs[point.number - 1];
       point.fluid = jobs.fluid;
+      if (!jobs.readings.empty()) point.reading = jobs.readings[point.number - 1];
     }
   }
 }
@@ -134,7 +135,10 @@ std::vector<RawPoint> Database::points(const Meter& meter, const std::string& se
 std::vector<RawPoint> Database::points(const StoredSeries& series) const {
   return session_->asking("listing the points of " + placeOf(series.meter, series.name), [&] {
     std::vector<RawPoint> list = wholePoints(series);
-    addJobs(RunJobs(*session_, series.meter), series.name, list);
+    const Details details = laboratory();
+    const auto nominal = details.find("nominal-flow-column");
+    addJobs(RunJobs(*session_, series.meter, nominal == details.end() ? "" : nominal->second),
+            series.name, list);
     addFitRange(series, list);
     addResiduals(series, list);
     addCuts(series, list);

@@ -58,7 +58,8 @@ Scope importedRuns(std::int32_t MeterID) {
 }
 
 Scope wholeCalibration(std::int32_t MeterID) {
-  return {MeterID, 0, joined({"meter", standUncertaintyTable}, importedRuns(MeterID).Tables)};
+  return {MeterID, 0,
+          joined({"meter", standUncertaintyTable, detailTable}, importedRuns(MeterID).Tables)};
 }
 
 Scope statedUncertainty(std::int32_t MeterID) { return {MeterID, 0, {standUncertaintyTable}}; }

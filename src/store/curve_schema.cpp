@@ -124,6 +124,14 @@ SchemaTable standUncertainty() {
           asStored};
 }
 
+SchemaTable details() {
+  return {detailTable,
+          {{"MeterID", whole}, {"Name", text}, {"Value", text}},
+          {{std::string(detailTable) + "_meter", {"MeterID"}}},
+          {{"MeterID", "meter"}},
+          asStored};
+}
+
 SchemaTable historyEntries() {
   return {historyEntryTable,
           {{"ID", key},
@@ -175,6 +183,8 @@ std::vector<SchemaTable> allOwnTables() {
        {},
        {},
        asStored},
+      {laboratoryTable, {{"Name", text}, {"Value", text}}, {}, {}, asStored},
+      details(),
       historyEntries()};
   for (const char* name : excludedTables) tables.push_back(excludedPoints(name));
   for (const char* name : keptTableNames) {

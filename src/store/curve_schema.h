@@ -71,13 +71,16 @@ inline constexpr std::array<const char*, 4> excludedTables{
 inline constexpr const char* standUncertaintyTable = "pelmora_stand_uncertainty";
 // Viscosity laws of fluids, by name.
 inline constexpr const char* fluidLawTable = "pelmora_fluid_law";
+// What certificates state of a calibration and of the laboratory.
+inline constexpr const char* detailTable = "pelmora_detail";
+inline constexpr const char* laboratoryTable = "pelmora_laboratory";
 inline constexpr const char* fitSettingsTable = "pelmora_fit_settings";
 // Which parts of a series a salvage has left incomplete.
 inline constexpr const char* salvagedPartTable = "pelmora_salvaged_part";
 inline constexpr const char* historyEntryTable = "pelmora_history_entry";
 
 // The tables whose rows the history keeps: owners before what belongs to them.
-inline constexpr std::array<const char*, 17> keptTableNames{"meter",
+inline constexpr std::array<const char*, 18> keptTableNames{"meter",
                                                             "series",
                                                             "CalSetup",
                                                             "CalDataPoint",
@@ -93,7 +96,8 @@ inline constexpr std::array<const char*, 17> keptTableNames{"meter",
                                                             excludedTables[1],
                                                             excludedTables[2],
                                                             excludedTables[3],
-                                                            standUncertaintyTable};
+                                                            standUncertaintyTable,
+                                                            detailTable};
 // The table that keeps rows of that one: its columns behind KeptID, the order of the rows, and the
 // entry that they belong to.
 [[nodiscard]] PELMORA_API std::string historyTableOf(std::string_view name);

@@ -23,6 +23,8 @@ void addPlotCommand(Program& program);
 void addPointsCommand(Program& program);
 void addExcludeCommand(Program& program);
 void addIncludeCommand(Program& program);
+void addMeterCommand(Program& program);
+void addLaboratoryCommand(Program& program);
 void addDeleteCommand(Program& program);
 void addDoctorCommand(Program& program);
 void addHistoryCommand(Program& program);

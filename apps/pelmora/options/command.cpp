@@ -69,6 +69,17 @@ void Command::addTexts(const OptionText& option, std::vector<std::string>& value
   addTextsTo(parser_, option, values);
 }
 
+void Command::addEachText(const OptionText& option, std::function<void(const std::string&)> take) {
+  const auto takeAll = [take = std::move(take)](const CLI::results_t& given) {
+    for (const std::string& text : given) take(text);
+    return true;
+  };
+  described(*parser_.add_option(option.names, takeAll, option.help)
+                 ->expected(1)
+                 ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll),
+            option);
+}
+
 void Command::addValues(const OptionText& option, std::vector<std::string>& values) {
   addTextsTo(parser_, option, values).expected(1, mostValues)->required();
 }

@@ -37,6 +37,8 @@ class Command {
   void addChoice(const OptionText& option, std::function<void(const std::string&)> take);
   // May be repeated, each time with one value, also "[a,b]".
   void addTexts(const OptionText& option, std::vector<std::string>& values);
+  // May be repeated; `take` gets each value.
+  void addEachText(const OptionText& option, std::function<void(const std::string&)> take);
   // A positional of one value or more; last of its command.
   void addValues(const OptionText& option, std::vector<std::string>& values);
 

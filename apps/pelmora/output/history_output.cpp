@@ -17,7 +17,7 @@ struct TableWords {
   const char *table, *name, *key;
 };
 
-constexpr std::array<TableWords, 17> words{
+constexpr std::array<TableWords, 18> words{
     {{"meter", "calibration", "calibrations"},
      {"series", "series", "series"},
      {"CalSetup", "set-ups", "setups"},
@@ -34,7 +34,8 @@ constexpr std::array<TableWords, 17> words{
      {"pelmora_excluded2", "excluded of part 2", "excluded2"},
      {"pelmora_excluded3", "excluded of part 3", "excluded3"},
      {"pelmora_excluded4", "excluded of part 4", "excluded4"},
-     {"pelmora_stand_uncertainty", "stand uncertainty", "standUncertainty"}}};
+     {"pelmora_stand_uncertainty", "stand uncertainty", "standUncertainty"},
+     {"pelmora_detail", "details", "details"}}};
 
 const TableWords* wordsOf(const std::string& table) {
   for (const TableWords& entry : words) {

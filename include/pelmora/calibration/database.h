@@ -3,6 +3,7 @@
 #pragma once
 
 #include <pelmora/calibration/curve.h>
+#include <pelmora/calibration/details.h>
 #include <pelmora/calibration/examination.h>
 #include <pelmora/calibration/failure.h>
 #include <pelmora/calibration/fit.h>
@@ -244,6 +245,17 @@ class PELMORA_API Database {
   // Every series of every calibration. What cannot be read of their names and numbers is empty or
   // -1, and such a series is RefitResultKind::unreadable.
   [[nodiscard]] std::vector<RefitTask> allSeries() const;
+
+  // What certificates state of the laboratory and of a calibration, see details.h. A set replaces
+  // the details that it names and removes those with an empty text.
+  //
+  // Errors: BadData for an unknown key, a detail of the other one, and a text that is not of its
+  //         kind. Result of setDetails: the history entry of the previous details, 0 if there were
+  //         none; those of the laboratory are not kept.
+  [[nodiscard]] Details laboratory() const;
+  void setLaboratory(const Details& changes);
+  [[nodiscard]] Details details(const Meter& meter) const;
+  HistoryEntryId setDetails(const Meter& meter, const Details& changes);
 
   // Deletes a series, or a calibration with everything that belongs to it.
   //

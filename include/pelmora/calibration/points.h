@@ -22,6 +22,16 @@ enum class PointState {
 // "used", "cut", "excluded", "outside range": the names in JSON, which never change.
 [[nodiscard]] PELMORA_API const char* pointStateKey(PointState state);
 
+// What the stand measured at a point, in the stand's own units; absent where it recorded no number.
+struct StandReading {
+  // Of the series' rotor; of both rotors together in a series that is made of both.
+  std::optional<double> frequency{};
+  std::optional<double> flow{};  // of the reference
+  std::optional<double> viscosity{}, temperature{};
+  // Of the column that the laboratory names as nominal flow (details.h).
+  std::optional<double> nominalFlow{};
+};
+
 // A raw point as it is listed. `number` is its place in the whole part: it stays the same while
 // other points are excluded and included.
 struct RawPoint {
@@ -40,6 +50,7 @@ struct RawPoint {
   std::optional<Exclusion> exclusion{};
   // For a cut point: how far off the merged points it lies.
   std::optional<double> cutPercent{};
+  std::optional<StandReading> reading{};  // absent for points that came from elsewhere
 };
 
 // Points of one series: everything that any of the members selects.
