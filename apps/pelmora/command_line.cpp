@@ -48,6 +48,7 @@ void addCommands(Program& program) {
   addMeterCommand(program);
   addLaboratoryCommand(program);
   addReportCommand(program);
+  addCheckDccCommand(program);
   addDeleteCommand(program);
   addDoctorCommand(program);
   addHistoryCommand(program);

@@ -5,6 +5,7 @@
 #include "base/utf8_text.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <new>
 
 namespace pelmora::cli {
@@ -26,6 +27,10 @@ std::string oneLine(std::string_view text) {
   }
   while (!line.empty() && line.back() == ' ') line.pop_back();
   return line;
+}
+
+void printNote(std::string_view text) {
+  std::fprintf(stderr, "pelmora: note: %s\n", oneLine(text).c_str());
 }
 
 std::string errorLine(const Trouble& trouble) {

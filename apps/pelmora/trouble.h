@@ -33,6 +33,9 @@ class Trouble : public std::runtime_error {
 // "pelmora: error: what; remedy", without a line end.
 [[nodiscard]] std::string errorLine(const Trouble& trouble);
 
+// Writes "pelmora: note: text" to standard error, in one line.
+void printNote(std::string_view text);
+
 // The remedy where stored data cannot be read.
 inline constexpr const char* lookForCause = "look for the cause with 'pelmora doctor'";
 

@@ -1,12 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "report/build_report.h"
 
-#include <pelmora/calibration/ranking.h>
-#include <pelmora/calibration/curve.h>
-#include "report/raw_data_hash.h"
 #include "base/readable_number.h"
 #include "curves/table_reading.h"
+#include "report/printed_values.h"
+#include "report/raw_data_hash.h"
+#include "report/report_details.h"
 #include "report/verdict_words.h"
+#include "units/unit.h"
+
+#include <pelmora/calibration/choice.h>
+#include <pelmora/calibration/curve.h>
+#include <pelmora/calibration/ranking.h>
+#include <pelmora/calibration/words.h>
 
 #include <algorithm>
 #include <array>
@@ -23,54 +29,39 @@ using calibration::Choice;
 // more than a ten-thousandth of a per cent came from other points, settings or software.
 constexpr double sameCurvePercent = 1e-4;
 
-// The series that an import derives from set-ups: their raw part k holds the points of the k-th
-// set-up.
-constexpr std::array<const char*, 4> derivedSeries{"Rotor A", "Rotor B", "Rotor Sum", "Ratio"};
-
-bool isDerived(const SeriesInfo& series) {
-  return std::find(derivedSeries.begin(), derivedSeries.end(), series.SeriesName) !=
-         derivedSeries.end();
+// How many merged points are not among the raw ones.
+std::size_t strangers(const calibration::StoredSeries& stored) {
+  std::map<std::pair<double, double>, std::size_t> left;
+  for (std::size_t i = 0; i < stored.merged.size(); ++i)
+    ++left[{stored.merged(i, 0), stored.merged(i, 1)}];
+  std::size_t count = stored.merged.size();
+  for (const PointArray& part : stored.raw) {
+    for (std::size_t i = 0; i < part.size(); ++i) {
+      const auto found = left.find({part(i, 0), part(i, 1)});
+      if (found == left.end() || found->second == 0) continue;
+      --found->second;
+      --count;
+    }
+  }
+  return count;
 }
 
-// Merged points that have not been told apart from a raw point yet.
-class MergedPoints {
- public:
-  explicit MergedPoints(const PointArray& merged) {
-    for (std::size_t i = 0; i < merged.size(); ++i) ++left_[{merged(i, 0), merged(i, 1)}];
-  }
-  // Whether the point is among them; it then counts as found.
-  bool take(double x, double y) {
-    const auto found = left_.find({x, y});
-    if (found == left_.end() || found->second == 0) return false;
-    --found->second;
-    return true;
-  }
-  [[nodiscard]] std::size_t left() const {
-    std::size_t count = 0;
-    for (const auto& [point, number] : left_) count += number;
-    return count;
-  }
-
- private:
-  std::map<std::pair<double, double>, std::size_t> left_;
-};
-
-std::vector<RawPart> rawParts(const ReportInput& input, const SeriesInfo& stored,
-                              const calibration::TableReading& curve, MergedPoints& merged) {
+std::vector<RawPart> rawParts(const std::vector<calibration::RawPoint>& points,
+                              const calibration::TableReading& curve) {
   std::vector<RawPart> parts;
-  for (std::size_t k = 0; k < stored.Raw.size(); ++k) {
-    const PointArray& points = stored.Raw[k].Points;
-    if (points.empty()) continue;
-    RawPart part{static_cast<int>(k) + 1, {}, {}};
-    if (isDerived(stored) && k < input.setups.size()) part.fluid = input.setups[k].Fluid;
-    for (std::size_t i = 0; i < points.size(); ++i) {
-      const double x = points(i, 0), y = points(i, 1);
-      const bool isCut = !stored.Merged.empty() && !merged.take(x, y);
-      part.points.push_back({x, y, isCut, curve.deviationPercent(x, y)});
-    }
-    parts.push_back(std::move(part));
+  for (const calibration::RawPoint& point : points) {
+    if (parts.empty() || parts.back().number != point.part)
+      parts.push_back({point.part, point.fluid, {}});
+    parts.back().points.push_back({point, curve.deviationPercent(point.roshko, point.strouhal)});
   }
   return parts;
+}
+
+std::optional<double> limitOf(const calibration::Details& details) {
+  const auto found = details.find("limit");
+  if (found == details.end()) return std::nullopt;
+  const units::Measure limit = units::readMeasure(found->second);
+  return units::converted(limit.value, *limit.unit, units::unitOf("%"));
 }
 
 // The largest distance of two tables with equal Roshko columns in per cent of the first; nothing
@@ -95,18 +86,17 @@ class SeriesBuilder {
       : input_(input), series_(series), stored_(series.stored) {}
 
   SeriesReport build() {
-    report_.name = stored_.SeriesName;
-    report_.seriesID = stored_.SeriesID;
-    const std::array<const SeriesInfo*, 1> self{&stored_};
+    report_.name = stored_.name;
+    report_.seriesID = stored_.id;
+    const std::array<const calibration::StoredSeries*, 1> self{&stored_};
     report_.rawDataHash = rawDataHash(self);
     report_.settings = series_.settings;
     report_.settingsAreKept = series_.settingsAreKept;
-    report_.storedText = stored_.Summary;
+    report_.storedText = stored_.report;
     std::erase(report_.storedText, '\r');
-    report_.curveAge = series_.age;
-    report_.points = series_.points;
-    addPoints();
+    report_.curveAge = stored_.age;
     addFit();
+    addPoints();
     addComparison();
     return std::move(report_);
   }
@@ -116,30 +106,56 @@ class SeriesBuilder {
     report_.remarks.push_back({kind, text});
   }
 
-  void addPoints() {
-    const calibration::TableReading curve(stored_.Fitted);
-    MergedPoints merged(stored_.Merged);
-    report_.parts = rawParts(input_, stored_, curve, merged);
-    for (std::size_t i = 0; i < stored_.Merged.size(); ++i) {
-      const double x = stored_.Merged(i, 0), y = stored_.Merged(i, 1);
-      report_.merged.push_back({x, y, false, curve.deviationPercent(x, y)});
-    }
-    for (std::size_t i = 0; i < stored_.Fitted.size(); ++i)
-      report_.curve.push_back({stored_.Fitted(i, 0), stored_.Fitted(i, 1), {}, {}});
+  void addCurve() {
+    for (std::size_t i = 0; i < stored_.curve.size(); ++i)
+      report_.curve.push_back({stored_.curve(i, 0), stored_.curve(i, 1), {}, {}});
     if (report_.curve.empty()) {
-      remark("noCurve", "No curve is stored for this series; its points are shown as they are.");
+      addAttempt();
+      const std::string shown = report_.attempt
+                                    ? "its points are shown with the best that a fit gives"
+                                    : "its points are shown as they are";
+      remark("noCurve", "No curve is stored for this series; " + shown + ".");
     }
-    if (series_.age == calibration::CurveAge::outdated) {
+    if (stored_.age == calibration::CurveAge::outdated) {
       remark("outdated",
              "The stored curve is older than its raw points: they have changed since it was "
              "fitted.");
     }
-    if (const std::size_t strange = merged.left(); strange > 0) {
+    if (const std::size_t strange = strangers(stored_); strange > 0) {
       remark("otherRawPoints",
-             std::to_string(strange) + " of " + std::to_string(stored_.Merged.size()) +
+             std::to_string(strange) + " of " + std::to_string(stored_.merged.size()) +
                  " merged points are not among the raw points: the raw points have been changed "
                  "since the merge.");
     }
+  }
+
+  // The fit's curve that nobody has stored, or else that of the best equation that has one.
+  void addAttempt() {
+    if (!series_.refit.curve.empty()) {
+      report_.attempt = Attempt{report_.chosen, true, {}, series_.refit.curve};
+      return;
+    }
+    for (const RankedEquation& ranked : report_.equations) {
+      const std::string& nearest = series_.refit.nearest;
+      if (ranked.outcome.Predicted.size() < 2 ||
+          (!nearest.empty() && ranked.outcome.Name != nearest))
+        continue;
+      report_.attempt = Attempt{ranked.outcome.Name, false,
+                                withShortNumbers(calibration::rejection(ranked.outcome)),
+                                ranked.outcome.Predicted};
+      return;
+    }
+  }
+
+  void addPoints() {
+    const calibration::TableReading curve(report_.attempt ? report_.attempt->curve : stored_.curve);
+    report_.parts = rawParts(series_.points, curve);
+    for (std::size_t i = 0; i < stored_.merged.size(); ++i) {
+      const double x = stored_.merged(i, 0), y = stored_.merged(i, 1);
+      report_.merged.push_back({x, y, curve.deviationPercent(x, y)});
+    }
+    report_.result =
+        resultOf(report_.parts, report_.curve.empty() ? std::nullopt : limitOf(input_.details));
   }
 
   void addFit() {
@@ -147,6 +163,7 @@ class SeriesBuilder {
     report_.equations = calibration::ranking(
         outcome, calibration::choiceOf(series_.settings.Choice).value_or(Choice::adjustedR2));
     if (outcome.Chosen) report_.chosen = outcome.Equations[*outcome.Chosen].Name;
+    addCurve();
     if (!series_.refit.trouble.empty()) remark("notFitted", sentence(series_.refit.trouble));
     if (!report_.curve.empty()) compareWithRefit();
     if (report_.curve.empty() && !series_.refit.curve.empty()) {
@@ -158,7 +175,7 @@ class SeriesBuilder {
   }
 
   void compareWithRefit() {
-    const auto distance = largestDistance(stored_.Fitted, series_.refit.curve);
+    const auto distance = largestDistance(stored_.curve, series_.refit.curve);
     if (distance && *distance <= sameCurvePercent) return addBands();
     const std::string with = series_.settingsAreKept
                                  ? "the settings of the stored curve"
@@ -187,8 +204,8 @@ class SeriesBuilder {
   void addComparison() {
     if (!series_.previous || report_.curve.empty()) return;
     report_.previous =
-        PreviousCurve{calibration::compareCurves(series_.previous->stored.Fitted, stored_.Fitted),
-                      series_.previous->reCalID, series_.previous->date};
+        PreviousCurve{calibration::compareCurves(series_.previous->curve, stored_.curve),
+                      series_.previous->calibration, series_.previous->date};
   }
 
   // From a capital letter to a full stop, long numbers rounded.
@@ -202,19 +219,25 @@ class SeriesBuilder {
 
   const ReportInput& input_;
   const SeriesInput& series_;
-  const SeriesInfo& stored_;
+  const calibration::StoredSeries& stored_;
   SeriesReport report_;
 };
 
 }  // namespace
 
 Report buildReport(const ReportInput& input) {
-  Report report{
-      input.meter, input.setups, input.database, input.softwareVersion, input.createdAt, {}, {}};
-  std::vector<const SeriesInfo*> stored;
+  Report report{input.meter,      input.runs,
+                input.laboratory, input.details,
+                input.database,   input.softwareVersion,
+                input.createdAt,  {},
+                input.history,    {}};
+  std::vector<const calibration::StoredSeries*> stored;
   for (const SeriesInput& series : input.series) {
     stored.push_back(&series.stored);
-    report.series.push_back(SeriesBuilder(input, series).build());
+    SeriesReport& made = report.series.emplace_back(SeriesBuilder(input, series).build());
+    made.roshkoTitle = withUnit(report, "Roshko number", "roshko-unit");
+    made.valueTitle =
+        isQuotient(made) ? "Ratio" : withUnit(report, "Strouhal number", "strouhal-unit");
   }
   report.rawDataHash = rawDataHash(stored);
   return report;

@@ -13,32 +13,34 @@ namespace pelmora::report {
 // A fit made for the report with the settings of the stored curve. It stores nothing.
 struct Refit {
   FitOutcome outcome;
-  PointArray merged, curve;  // no bounds where no equation passed
-  std::string trouble;       // why there is no curve, in words
+  PointArray curve;     // no bounds where no equation passed
+  std::string trouble;  // why there is no curve, in words
+  std::string nearest;  // name of the equation that came nearest to passing; empty if none did
 };
 
 struct PreviousSeries {
-  std::int16_t reCalID = 0;
+  int calibration = 0;
   std::string date;
-  SeriesInfo stored;
+  PointArray curve;
 };
 
 struct SeriesInput {
-  SeriesInfo stored;
+  calibration::StoredSeries stored;
+  std::vector<calibration::RawPoint> points;  // as Database::points lists them
   CurveSettings settings;
   bool settingsAreKept = false;
   Refit refit;
   std::optional<PreviousSeries>
       previous;  // of the latest earlier calibration with this series' curve
-  calibration::CurveAge age = calibration::CurveAge::unknown;
-  std::vector<calibration::RawPoint> points{};
 };
 
 struct ReportInput {
-  MeterInfo meter;
-  std::vector<CalSetupInfo> setups;
+  calibration::Meter meter;
+  std::vector<calibration::Run> runs;
+  calibration::Details laboratory, details;
   std::string database, softwareVersion, createdAt;
   std::vector<SeriesInput> series;
+  std::vector<calibration::HistoryEntry> history{};
 };
 
 // What is stored is shown as it is stored. Ranking, statistics, warnings and 95 % bands are of the

@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "report/csv_report.h"
 
+#include "base/suggestion.h"
+#include "base/text_flaw.h"
 #include "report/markup.h"
 #include "report/report_tables.h"
 
-#include <algorithm>
+#include <pelmora/calibration/failure.h>
+
+#include <vector>
 
 namespace pelmora::report {
 namespace {
@@ -29,31 +33,35 @@ std::string csvCell(const Value& value) {
   return quoted((isFormula ? "'" : "") + *text);
 }
 
-std::string csvReport(const Report& report) {
-  const auto tables = reportTables(report);
-  std::vector<std::string> columns;
-  for (const ReportTable& table : tables) {
-    for (const std::string& column : table.columns) {
-      if (std::find(columns.begin(), columns.end(), column) == columns.end())
-        columns.push_back(column);
-    }
-  }
-  std::string csv = "table";
-  for (const std::string& column : columns) csv += "," + column;
+namespace {
+
+std::string csvTable(const ReportTable& table, bool isNamed) {
+  std::string csv = isNamed ? "table" : "";
+  for (const std::string& column : table.columns) csv += (csv.empty() ? "" : ",") + column;
   csv += "\n";
-  for (const ReportTable& table : tables) {
-    for (const auto& row : table.rows) {
-      csv += table.name;
-      for (const std::string& column : columns) {
-        const auto found = std::find(table.columns.begin(), table.columns.end(), column);
-        csv += ",";
-        if (found != table.columns.end())
-          csv += csvCell(row[static_cast<std::size_t>(found - table.columns.begin())]);
-      }
-      csv += "\n";
-    }
+  for (const auto& row : table.rows) {
+    std::string line = isNamed ? table.name : "";
+    for (std::size_t i = 0; i < row.size(); ++i)
+      line += (i == 0 && !isNamed ? "" : ",") + csvCell(row[i]);
+    csv += line + "\n";
   }
   return csv;
+}
+
+}  // namespace
+
+std::string csvReport(const Report& report, const std::string& wanted) {
+  std::string csv;
+  std::vector<std::string> names;
+  for (const ReportTable& table : reportTables(report)) {
+    if (table.name == wanted) return csvTable(table, false);
+    names.push_back(table.name);
+    if (table.rows.empty()) continue;
+    csv += (csv.empty() ? "" : "\n") + csvTable(table, true);
+  }
+  if (wanted.empty()) return csv;
+  throw calibration::BadData(
+      {"a report has no table '" + shortened(wanted) + "'", "", suggestion(wanted, names)});
 }
 
 }  // namespace pelmora::report

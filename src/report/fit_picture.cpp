@@ -11,33 +11,39 @@ namespace pelmora::report {
 namespace {
 
 // The merged points and those that the merge left out, in one part: the fit keeps no more.
-PointArray rawPoints(const calibration::Fit& fit) {
-  PointArray points(fit.merged.size() + fit.cut.size());
-  std::size_t row = 0;
-  for (; row < fit.merged.size(); ++row) {
-    points(row, 0) = fit.merged(row, 0);
-    points(row, 1) = fit.merged(row, 1);
-  }
-  for (const calibration::CutPoint& cut : fit.cut) {
-    points(row, 0) = cut.roshko;
-    points(row++, 1) = cut.strouhal;
-  }
+std::vector<calibration::RawPoint> pointsOf(const calibration::Fit& fit) {
+  std::vector<calibration::RawPoint> points;
+  const auto add = [&](double roshko, double strouhal, calibration::PointState state) {
+    calibration::RawPoint point;
+    point.part = 1;
+    point.number = points.size() + 1;
+    point.roshko = roshko;
+    point.strouhal = strouhal;
+    point.state = state;
+    points.push_back(std::move(point));
+  };
+  for (std::size_t i = 0; i < fit.merged.size(); ++i)
+    add(fit.merged(i, 0), fit.merged(i, 1), calibration::PointState::used);
+  for (const calibration::CutPoint& cut : fit.cut)
+    add(cut.roshko, cut.strouhal, calibration::PointState::cut);
   return points;
 }
 
 SeriesInput seriesOf(const calibration::Fit& fit) {
   SeriesInput input;
-  input.stored.SeriesName = fit.series.empty() ? "Fit" : fit.series;
-  input.stored.SeriesID = fit.seriesID;
-  input.stored.Raw[0].Points = rawPoints(fit);
-  input.stored.Merged = fit.merged;
-  input.stored.Fitted = fit.curve;
-  input.stored.Summary = fit.report;
+  input.stored.name = fit.series.empty() ? "Fit" : fit.series;
+  input.stored.id = fit.seriesID;
+  input.stored.raw[0] = fit.merged;
+  input.stored.merged = fit.merged;
+  input.stored.curve = fit.curve;
+  input.stored.report = fit.report;
+  input.points = pointsOf(fit);
   input.settings.BandPercent = fit.settings.band;
   input.settings.Points = fit.settings.points;
   input.settings.RatioCurve = fit.settings.ratio;
   input.settingsAreKept = true;
-  input.refit = {fit.outcome, fit.merged, fit.curve, fit.reason()};
+  input.settings.Choice = calibration::choiceKey(fit.settings.choice);
+  input.refit = {fit.outcome, fit.curve, fit.reason(), ""};
   return input;
 }
 
@@ -48,7 +54,7 @@ namespace pelmora::calibration {
 
 std::string plotOf(const Fit& fit) {
   report::ReportInput input;
-  input.meter.SerialNumber = fit.meter.serial;
+  input.meter = fit.meter;
   input.softwareVersion = version;
   input.createdAt = utcText();
   input.series.push_back(report::seriesOf(fit));

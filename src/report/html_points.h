@@ -1,4 +1,4 @@
-// The raw points of a series that its curve was not fitted to, in a page.
+// The measured points of a series in tables.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -8,8 +8,12 @@
 
 namespace pelmora::report {
 
-// A list entry for each excluded point, with its reason, and for each row of neighbours that the
-// merge has cut or that lie outside the range; empty if the curve was fitted to all of them.
-[[nodiscard]] std::string htmlLeftOutPoints(const SeriesReport& series);
+// Beyond this many points of a series the page lists those that are not used and those that deviate
+// most, and says where the others are.
+inline constexpr std::size_t mostListedPoints = 400;
+
+[[nodiscard]] std::string htmlPoints(const Report& report, const SeriesReport& series);
+// Repeatability and hysteresis at each nominal flow; empty if there are none.
+[[nodiscard]] std::string htmlFlows(const Report& report, const SeriesReport& series);
 
 }  // namespace pelmora::report

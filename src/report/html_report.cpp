@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "report/html_report.h"
 
+#include "report/html_certificate.h"
 #include "report/html_series.h"
 #include "report/html_table.h"
 #include "report/markup.h"
 #include "report/page_files.h"
 #include "report/plot_data.h"
-#include "base/readable_number.h"
+#include "report/report_details.h"
 #include "report/series_plot.h"
 #include "report/sha256.h"
 #include "report/svg_report.h"
 #include "report/text_list.h"
-#include "report/verdict_words.h"
 
 #include <algorithm>
 
@@ -20,26 +20,47 @@ namespace {
 
 bool hasScripts() { return !packedScript().empty(); }
 
-// Each text once.
-template <class Member>
-std::string distinct(const Report& report, Member member) {
-  std::vector<std::string> texts;
-  for (const CalSetupInfo& setup : report.setups) {
-    const std::string text = member(setup);
-    if (!text.empty() && std::find(texts.begin(), texts.end(), text) == texts.end())
-      texts.push_back(text);
+// A text inside quotes of a style sheet.
+std::string cssString(const std::string& text) {
+  std::string result = "\"";
+  for (const char c : text) {
+    const auto code = static_cast<unsigned char>(c);
+    const bool isPlain = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') ||
+                         (c >= 'A' && c <= 'Z') || c == ' ' || c == ',' || code >= 0x80;
+    constexpr const char* hexDigits = "0123456789abcdef";
+    if (isPlain) {
+      result += c;
+    } else if (code >= 0x20 && code != 0x7F) {
+      result += std::string("\\") + hexDigits[code / 16] + hexDigits[code % 16] + " ";
+    } else {
+      result += "?";
+    }
   }
-  return joined(texts);
+  return result + "\"";
 }
 
-std::string numberOrNone(std::int32_t number) { return number < 0 ? "" : std::to_string(number); }
+// The serial number and the number of each printed page.
+std::string pageMargins(const Report& report) {
+  return "@media print{@page{@bottom-left{content:" + cssString(pageName(report)) +
+         "}@bottom-right{content:\"Page \" counter(page) \" of \" counter(pages)}}}";
+}
 
-std::string orNotRecorded(const std::string& text) { return text.empty() ? "not recorded" : text; }
-
-std::string style() {
+std::string style(const Report& report) {
   return ":root{" + lightColours() + "}@media screen and (prefers-color-scheme:dark){:root{" +
          darkColours() + "}}" + std::string(plotLibraryStyle()) + std::string(pageStyle()) +
-         plotStyle();
+         plotStyle() + pageMargins(report);
+}
+
+// For a program that knows no grid.
+std::string paperStyle() {
+  return ".blocks,.pair{display:table;width:100%}.block,.pair>div{display:table-cell;"
+         "padding-right:5mm}.block{width:33%}.pair>div{width:50%}dl.facts{display:block}"
+         ".sign{display:table;width:100%;table-layout:fixed;border-spacing:6mm 0;margin:9mm 0 2mm}"
+         ".sign div{display:table-cell;font-size:8pt;border-top:.3mm solid #4a5666}#series-1 "
+         ".plot{width:62%}"
+         ".legend li,.legend .key{display:inline}.legend "
+         "li{margin-right:5mm}"
+         ".scroll{overflow:visible}";
 }
 
 std::string policy(const std::string& css) {
@@ -60,38 +81,23 @@ std::string scripts(const Report& report) {
          "</script>\n";
 }
 
-std::string facts(const Report& report) {
-  const MeterInfo& meter = report.meter;
-  const auto fluid = [](const CalSetupInfo& s) { return s.Fluid; };
-  const auto person = [](const CalSetupInfo& s) { return s.Operator; };
-  const auto date = [](const CalSetupInfo& s) { return s.DateTaken; };
-  const auto stand = [](const CalSetupInfo& s) { return numberOrNone(s.Stand); };
-  const auto position = [](const CalSetupInfo& s) { return numberOrNone(s.Position); };
-  const auto jobs = [](const CalSetupInfo& s) { return joined(s.JobRecordIDs); };
-  return "<dl class=\"facts\">\n" + htmlFact("Meter", meter.SerialNumber) +
-         htmlFact("Adjusted serial number", meter.SerialNumberAdjusted) +
-         htmlFact("Calibration", std::to_string(meter.ReCalID)) +
-         htmlFact("Stand", orNotRecorded(distinct(report, stand))) +
-         htmlFact("Position", orNotRecorded(distinct(report, position))) +
-         htmlFact("Fluids", orNotRecorded(distinct(report, fluid))) +
-         htmlFact("Operators", orNotRecorded(distinct(report, person))) +
-         htmlFact("Dates", orNotRecorded(distinct(report, date))) +
-         htmlFact("Jobs", orNotRecorded(distinct(report, jobs))) +
-         htmlFact("Curve database", report.database) +
+// About the report itself.
+std::string origin(const Report& report) {
+  return "<dl class=\"facts\">\n" + htmlFact("Curve database", report.database) +
          htmlFact("Software", "pelmora " + report.softwareVersion) +
          htmlFact("Report made", report.createdAt) +
          htmlFact("SHA-256 of the raw points of all series", report.rawDataHash, "wide hash") +
          "</dl>\n";
 }
 
-std::string setups(const Report& report) {
-  if (report.setups.empty()) return {};
-  HtmlTable table("Set-ups",
+std::string runs(const Report& report) {
+  if (report.runs.empty()) return {};
+  HtmlTable table("Runs",
                   {{"Raw part", false},
                    {"Fluid", false},
                    {"Jobs", false},
                    {"Operator", false},
-                   {"Date", false},
+                   {"Imported", false},
                    {"Stand", true},
                    {"Position", true},
                    {"Points", true}},
@@ -99,55 +105,57 @@ std::string setups(const Report& report) {
   const auto orNone = [](const std::string& text) {
     return text.empty() ? std::string("-") : text;
   };
-  for (std::size_t k = 0; k < report.setups.size(); ++k) {
-    const CalSetupInfo& setup = report.setups[k];
-    table.addRow({k < 4 ? std::to_string(k + 1) : "-", orNone(setup.Fluid),
-                  orNone(joined(setup.JobRecordIDs)), orNone(setup.Operator),
-                  orNone(setup.DateTaken), orNone(numberOrNone(setup.Stand)),
-                  orNone(numberOrNone(setup.Position)), std::to_string(setup.Points)});
+  const auto number = [](int value) { return value < 0 ? "-" : std::to_string(value); };
+  for (std::size_t k = 0; k < report.runs.size(); ++k) {
+    const calibration::Run& run = report.runs[k];
+    table.addRow({k < 4 ? std::to_string(k + 1) : "-", orNone(run.fluid), orNone(joined(run.jobs)),
+                  orNone(run.operatorName), orNone(run.date), number(run.stand),
+                  number(run.position), std::to_string(run.points)});
   }
-  return "<h2>Set-ups</h2>\n" + table.take();
+  return "<h3>Runs</h3>\n" + table.take();
 }
 
-std::string summary(const Report& report) {
-  HtmlTable table("Results",
-                  {{"Series", false},
-                   {"Equation", false},
-                   {"Adj. R\u00B2", true},
-                   {"Worst %", true},
-                   {"Band %", true},
-                   {"Points", true},
-                   {"Shift %", true},
-                   {"Warnings", true}},
+// What was replaced since the calibration was imported.
+std::string changes(const Report& report) {
+  constexpr std::size_t mostListed = 20;
+  if (report.history.empty()) return {};
+  HtmlTable table("Changes",
+                  {{"Entry", false},
+                   {"Changed at (UTC)", false},
+                   {"Command", false},
+                   {"Series", false},
+                   {"User", false}},
                   "keep");
-  for (const SeriesReport& series : report.series) {
-    const EquationOutcome* chosen = nullptr;
-    for (const RankedEquation& equation : series.equations) {
-      if (equation.outcome.Verdict == EquationVerdict::chosen && !series.curve.empty())
-        chosen = &equation.outcome;
-    }
-    const bool hasShift = series.previous && !series.previous->shifts.empty();
-    table.addRow({series.name,
-                  chosen != nullptr      ? chosen->Name
-                  : series.curve.empty() ? "no curve stored"
-                                         : "not repeated",
-                  chosen != nullptr ? fixedText(chosen->Statistics.AdjustedRSquared, 6) : "-",
-                  chosen != nullptr ? percentText(chosen->WorstResidualRatio * 100) : "-",
-                  significantText(series.settings.BandPercent, 4),
-                  std::to_string(series.curve.size()),
-                  hasShift ? percentText(series.previous->meanPercent) : "-",
-                  std::to_string(series.remarks.size())});
+  const std::size_t listed = std::min(report.history.size(), mostListed);
+  for (std::size_t i = 0; i < listed; ++i) {
+    const calibration::HistoryEntry& entry = report.history[i];
+    table.addRow({std::to_string(entry.id), entry.changedAt, entry.command,
+                  entry.series.empty() ? "all" : entry.series,
+                  entry.userName.empty() ? "-" : entry.userName});
   }
-  return "<h2>Results</h2>\n" + table.take() +
-         "<p class=\"fine\">Worst: largest residual of the chosen equation at a merged point. "
-         "Roshko and Strouhal numbers are "
-         "in the units of the stand; the database keeps no units.</p>\n";
+  std::string html = "<h3>Changes</h3>\n" + table.take();
+  if (listed < report.history.size()) {
+    html += "<p class=\"fine\">The newest " + std::to_string(listed) + " of " +
+            std::to_string(report.history.size()) + " changes.</p>\n";
+  }
+  return html;
 }
 
-// On paper only, below the results.
-std::string signatures() {
-  return "<div class=\"sign\"><div>Calibrated by, date</div><div>Signature</div>"
-         "<div>Approved by, date</div><div>Signature</div></div>\n";
+std::string remarkLines(const Report& report) {
+  const auto lines = detailLines(report, "remark");
+  if (lines.empty()) return {};
+  std::string html = "<h2>Remarks</h2>\n";
+  for (const std::string& line : lines) html += "<p>" + escaped(line) + "</p>\n";
+  return html;
+}
+
+// On paper only, below the results: a line for each signatory.
+std::string signatures(const Report& report) {
+  auto names = detailLines(report, "signatory");
+  if (names.empty()) names = {"Calibrated by", "Approved by"};
+  std::string html = "<div class=\"sign\">";
+  for (const std::string& name : names) html += "<div>" + escaped(name) + "; date, signature</div>";
+  return html + "</div>\n";
 }
 
 std::string navigation(const Report& report) {
@@ -161,26 +169,29 @@ std::string navigation(const Report& report) {
 
 }  // namespace
 
-std::string htmlReport(const Report& report) {
-  const std::string css = style();
-  const std::string name = "Meter " + report.meter.SerialNumber + ", calibration " +
-                           std::to_string(report.meter.ReCalID);
+std::string htmlReport(const Report& report, const PageOptions& options) {
+  const bool isScripted = hasScripts() && !options.isPaper;
+  const std::string css = style(report) + (options.isPaper ? paperStyle() : "");
+  const std::string title = reportTitle(report), name = pageName(report);
   std::string html =
       "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
       "<meta http-equiv=\"Content-Security-Policy\" content=\"" +
       policy(css) +
       "\">\n"
       "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>" +
-      escaped(name) + " - calibration report</title>\n<style>" + css + "</style>\n";
-  if (hasScripts()) html += "<script>" + std::string(startScript()) + "</script>\n";
-  html += "</head>\n<body>\n<header>\n<h1>Calibration report</h1>\n<p class=\"sub\">" +
-          escaped(name) + "</p>\n" + facts(report) + "</header>\n" + navigation(report) +
+      escaped(name + " - " + title) + "</title>\n<style>" + css + "</style>\n";
+  if (isScripted) html += "<script>" + std::string(startScript()) + "</script>\n";
+  html += "</head>\n<body>\n<header>\n<h1>" + title + "</h1>\n<p class=\"sub\">" + escaped(name) +
+          "</p>\n" + htmlFacts(report) + "</header>\n" +
+          (options.isPaper ? "" : navigation(report)) +
           "<main>\n<svg width=\"0\" height=\"0\" aria-hidden=\"true\" class=\"defs\">" +
-          plotDefinitions() + "</svg>\n" + setups(report) + summary(report) + signatures();
+          plotDefinitions() + "</svg>\n" + htmlResults(report) + remarkLines(report) +
+          signatures(report);
   for (std::size_t i = 0; i < report.series.size(); ++i)
-    html += htmlSeries(report.series[i], sectionId(i));
-  html += "</main>\n";
-  return html + scripts(report) + "</body>\n</html>\n";
+    html += htmlSeries(report, report.series[i], sectionId(i), options);
+  html += "<footer>\n<h2>Origin</h2>\n" + runs(report) + changes(report) + origin(report) +
+          "</footer>\n</main>\n";
+  return html + (isScripted ? scripts(report) : "") + "</body>\n</html>\n";
 }
 
 }  // namespace pelmora::report

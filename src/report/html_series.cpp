@@ -1,24 +1,23 @@
 // SPDX-License-Identifier: MIT
 #include "report/html_series.h"
 
+#include "base/readable_number.h"
+#include "report/html_equations.h"
 #include "report/html_points.h"
 #include "report/html_table.h"
 #include "report/markup.h"
+#include "report/paper_picture.h"
 #include "report/plot_legend.h"
-#include "base/readable_number.h"
+#include "report/printed_values.h"
 #include "report/series_plot.h"
-#include "report/verdict_words.h"
-
-#include <pelmora/calibration/choice.h>
 
 #include <algorithm>
 
 namespace pelmora::report {
 namespace {
 
-constexpr std::size_t mostRejected = 5;  // equations of a ranking
-constexpr std::size_t onePage = 100;     // points of a predicted table that fit on a printed page
-constexpr int determinationDigits = 6, valueDigits = 7, errorDigits = 3;
+constexpr std::size_t onePage = 100;  // points of a predicted table that fit on a printed page
+constexpr int halfWidthDigits = 3;
 
 std::string remarks(const SeriesReport& series) {
   if (series.remarks.empty()) return "<p class=\"fine\">No warnings.</p>\n";
@@ -60,120 +59,70 @@ std::string settings(const SeriesReport& series) {
   return "<p class=\"fine\">" + escaped(text) + "</p>\n";
 }
 
-std::string plot(const SeriesReport& series) {
-  std::string legend;
+std::string legend(const SeriesReport& series, const PageOptions& options) {
+  std::string html;
   for (const LegendEntry& entry : legendOf(series)) {
-    legend += "<li><span class=\"key\" data-key=\"" + entry.key +
-              "\"><svg viewBox=\"0 0 24 12\" aria-hidden=\"true\">" + legendMark(entry) + "</svg>" +
-              escaped(entry.label) + "</span>";
+    const std::string mark =
+        "<svg width=\"24\" height=\"12\" viewBox=\"0 0 24 12\" aria-hidden=\"true\">" +
+        legendMark(entry) + "</svg>";
+    html += "<li><span class=\"key\" data-key=\"" + entry.key + "\">" +
+            (options.isPaper ? paperPicture(mark) : mark) + escaped(entry.label) + "</span>";
   }
-  const std::string name = escaped(series.name);
-  return "<figure class=\"fig\"><ul class=\"legend\">" + legend + "</ul>\n<div class=\"box\">" +
-         seriesPlot(series) +
-         "<div class=\"live\" tabindex=\"0\" role=\"application\" aria-label=\"Plot of " + name +
+  return "<ul class=\"legend\">" + html + "</ul>\n";
+}
+
+// Of the page's script.
+std::string controls(const SeriesReport& series) {
+  return "<div class=\"live\" tabindex=\"0\" role=\"application\" aria-label=\"Plot of " +
+         escaped(series.name) +
          ": left and right arrow step through the points, plus and minus zoom, Escape shows "
-         "all\"></div></div>\n"
-         "<p class=\"read\" role=\"status\"></p>\n"
+         "all\"></div>";
+}
+std::string tools() {
+  return "<p class=\"read\" role=\"status\"></p>\n"
          "<div class=\"tools\"><button type=\"button\" value=\".5\">Zoom in</button>"
          "<button type=\"button\" value=\"2\">Zoom out</button><button type=\"button\" "
          "value=\"reset\">Show all</button>"
          "<span class=\"fine\">Drag to zoom, double-click to show all; point at a mark or use the "
-         "arrow keys to read it.</span></div>"
-         "<figcaption>" +
-         std::string(
-             series.curve.empty()
-                 ? "Points by raw part."
-                 : "Points, curve and band; below, the residuals: distance of each point from the "
-                   "curve, which is "
-                   "read linearly between the points of its table, in per cent of the curve.") +
+         "arrow keys to read it.</span></div>";
+}
+
+std::string caption(const SeriesReport& series) {
+  if (!series.curve.empty()) {
+    return "Points, curve and band; below, the residuals: distance of each point from the curve, "
+           "which is read linearly between the points of its table, in per cent of the curve.";
+  }
+  if (!series.attempt) return "Points by raw part.";
+  const Attempt& attempt = *series.attempt;
+  return "Points and the best attempt, " + attempt.equation +
+         (attempt.isAccepted ? ", which is not stored" : ", which was not accepted") +
+         (attempt.reason.empty() ? "" : " (" + attempt.reason + ")") +
+         "; below, their distance from it in per cent.";
+}
+
+std::string plot(const SeriesReport& series, const PageOptions& options) {
+  const std::string picture = seriesPlot(series);
+  return "<figure class=\"fig\">" + legend(series, options) + "<div class=\"box\">" +
+         (options.isPaper ? paperPicture(picture) : picture + controls(series)) + "</div>\n" +
+         (options.isPaper ? "" : tools()) + "<figcaption>" + escaped(caption(series)) +
          "</figcaption></figure>\n";
-}
-
-std::string equations(const SeriesReport& series) {
-  if (series.equations.empty()) return {};
-  HtmlTable table("Ranking of the equations",
-                  {{"Equation", false},
-                   {"Verdict", false},
-                   {"Adj. R\u00B2", true},
-                   {"R\u00B2", true},
-                   {"s", true},
-                   {"AICc", true},
-                   {"Worst %", true},
-                   {"at Roshko", true}},
-                  "keep");
-  const bool isTrusted =
-      series.settings.Choice == calibration::choiceKey(calibration::Choice::trusted);
-  std::size_t rejected = 0;
-  EquationVerdict last = EquationVerdict::chosen;
-  for (const RankedEquation& ranked : series.equations) {
-    const EquationOutcome& equation = ranked.outcome;
-    const std::string why = rejection(equation);
-    if (!why.empty() && ++rejected > mostRejected) continue;
-    const bool isSolved = hasSolution(equation);
-    const auto number = [&](const std::string& text) { return isSolved ? text : std::string("-"); };
-    table.addRow({std::to_string(ranked.rank) + ". " + equation.Name, verdictText(equation.Verdict),
-                  number(fixedText(equation.Statistics.AdjustedRSquared, determinationDigits)),
-                  number(fixedText(equation.Statistics.RSquared, determinationDigits)),
-                  number(significantText(equation.Statistics.ResidualStandardError, 4)),
-                  equation.Aicc ? fixedText(*equation.Aicc, 2) : "-",
-                  number(percentText(equation.WorstResidualRatio * 100)),
-                  number(significantText(equation.WorstResidualX, 6))},
-                 equation.Verdict == EquationVerdict::chosen ? "best" : "");
-    // By the rule 'trusted', equations that fail in one way come one after the other, nearest
-    // first.
-    const bool isSaid = isTrusted && equation.Verdict == last;
-    if (!why.empty() && !isSaid) table.addNote(withShortNumbers(why));
-    last = equation.Verdict;
-  }
-  if (rejected > mostRejected)
-    table.addNote(std::to_string(rejected - mostRejected) +
-                  " more that were rejected are in the report as CSV, JSON or a workbook");
-  return "<h3>Equations</h3>\n" + table.take();
-}
-
-std::string parameters(const SeriesReport& series) {
-  const auto chosen = std::find_if(
-      series.equations.begin(), series.equations.end(),
-      [](const RankedEquation& e) { return e.outcome.Verdict == EquationVerdict::chosen; });
-  if (chosen == series.equations.end()) return {};
-  const EquationOutcome& equation = chosen->outcome;
-  HtmlTable table(
-      "Parameters of " + equation.Name,
-      {{"Parameter", false}, {"Value", true}, {"Standard error", true}, {"of the value, %", true}},
-      "keep points");
-  for (const FitParameter& parameter : equation.Parameters) {
-    table.addRow({parameter.Name, exactNumber(parameter.Value),
-                  significantText(parameter.StandardError, 6),
-                  parameter.Value == 0
-                      ? "-"
-                      : significantText(std::abs(parameter.StandardError / parameter.Value) * 100,
-                                        errorDigits)});
-  }
-  const FitStatistics& statistics = equation.Statistics;
-  return "<div class=keep><h3>Parameters of " + escaped(equation.Name) +
-         "</h3>\n<p><code>y = " + escaped(equation.Expression) +
-         "</code></p>\n<p class=\"fine\">n = " + std::to_string(statistics.Observations) +
-         ", s = " + significantText(statistics.ResidualStandardError, 6) +
-         ", residual sum of squares " + significantText(statistics.ResidualSumOfSquares, 6) +
-         (equation.Bic ? ", BIC " + fixedText(*equation.Bic, 2) : "") + ".</p>\n" + table.take() +
-         "</div>\n";
 }
 
 std::string halfOfTable(const SeriesReport& series, std::size_t begin, std::size_t end,
                         bool hasBands) {
   std::vector<HtmlColumn> columns{
-      {"No.", true}, {"Roshko", true}, {series.settings.RatioCurve ? "Ratio" : "Strouhal", true}};
+      {"No.", true}, {series.roshkoTitle, true}, {series.valueTitle, true}};
   if (hasBands) columns.insert(columns.end(), {{"\u00B1 conf.", true}, {"\u00B1 pred.", true}});
   HtmlTable table(
       "Predicted table, points " + std::to_string(begin + 1) + " to " + std::to_string(end),
       columns, "points predicted");
   for (std::size_t i = begin; i < end; ++i) {
     const CurvePoint& point = series.curve[i];
-    std::vector<std::string> cells{std::to_string(i + 1), alignedText(point.roshko, valueDigits),
-                                   alignedText(point.strouhal, valueDigits)};
+    std::vector<std::string> cells{std::to_string(i + 1), printedRoshko(point.roshko),
+                                   printedFactor(point.strouhal)};
     if (hasBands) {
       for (const auto& half : {point.confidence, point.prediction})
-        cells.push_back(half ? significantText(*half, errorDigits) : "-");
+        cells.push_back(half ? significantText(*half, halfWidthDigits) : "-");
     }
     table.addRow(cells);
   }
@@ -198,10 +147,16 @@ std::string predictedTable(const SeriesReport& series) {
          "</div>\n";
 }
 
-std::string comparison(const SeriesReport& series) {
+std::string budget(const SeriesReport& series) {
+  if (series.curve.empty()) return {};
+  return "<h3>Uncertainty budget</h3>\n<p>Not stated; the bands are those of the "
+         "fit alone.</p>\n";
+}
+
+std::string comparison(const SeriesReport& series, const PageOptions& options) {
   if (!series.previous) return {};
   const PreviousCurve& previous = *series.previous;
-  const std::string title = "<h3>Since calibration " + std::to_string(previous.reCalID) +
+  const std::string title = "<h3>Since calibration " + std::to_string(previous.calibration) +
                             (previous.date.empty() ? "" : " of " + escaped(previous.date)) +
                             "</h3>\n";
   if (previous.shifts.empty()) return title + "<p>The two curves have no range in common.</p>\n";
@@ -213,17 +168,20 @@ std::string comparison(const SeriesReport& series) {
          significantText(previous.shifts.back().roshko, 6) + ", the curve shifted by " +
          percentText(previous.meanPercent) + " % on average (over ln Roshko), from " +
          at(previous.lowest) + " to " + at(previous.highest) + ".</p>\n<figure>" +
-         comparisonPlot(series) + "</figure>\n";
+         (options.isPaper ? paperPicture(comparisonPlot(series)) : comparisonPlot(series)) +
+         "</figure>\n";
 }
 
 }  // namespace
 
-std::string htmlSeries(const SeriesReport& series, const std::string& id) {
+std::string htmlSeries(const Report& report, const SeriesReport& series, const std::string& id,
+                       const PageOptions& options) {
   std::string html = "<section class=\"series\" id=\"" + id + "\">\n<h2>" + escaped(series.name) +
-                     "</h2>\n" + remarks(series) + settings(series) + htmlLeftOutPoints(series) +
-                     plot(series) + equations(series) + parameters(series) + comparison(series) +
-                     predictedTable(series);
-  if (!series.storedText.empty()) {
+                     "</h2>\n" + remarks(series) + plot(series, options) + "<div class=\"sheet\">" +
+                     htmlPoints(report, series) + htmlFlows(report, series) + "</div>\n" +
+                     predictedTable(series) + budget(series) + htmlEquations(series) +
+                     comparison(series, options) + settings(series);
+  if (options.withStoredText && !series.storedText.empty()) {
     html += "<details><summary>Stored report</summary><pre>" + escaped(series.storedText) +
             "</pre></details>\n";
   }

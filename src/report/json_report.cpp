@@ -13,23 +13,76 @@ using nlohmann::json;
 
 constexpr const char* schemaName = "pelmora-report/1";
 
-json pointJson(const MeasuredPoint& point) {
+template <class Point>
+json pointJson(const Point& point) {
   return {{"roshko", point.roshko},
           {"strouhal", point.strouhal},
           {"deviationPercent", orNull(point.deviationPercent)}};
 }
 
+// As the raw tables hold them: without the excluded points.
 json partsJson(const std::vector<RawPart>& parts) {
   json list = json::array();
   for (const RawPart& part : parts) {
     json points = json::array();
     for (const MeasuredPoint& point : part.points) {
+      if (point.isExcluded()) continue;
       points.push_back(pointJson(point));
-      points.back()["cut"] = point.isCut;
+      points.back()["cut"] = point.isCut();
     }
     list.push_back({{"part", part.number}, {"fluid", orNull(part.fluid)}, {"points", points}});
   }
   return list;
+}
+
+json rawPointsJson(const std::vector<RawPart>& parts) {
+  json list = json::array();
+  for (const RawPart& part : parts) {
+    for (const MeasuredPoint& point : part.points) {
+      list.push_back(rawPointJson(point));
+      list.back()["deviationPercent"] = orNull(point.deviationPercent);
+    }
+  }
+  return list;
+}
+
+json resultJson(const SeriesResult& result) {
+  json flows = json::array();
+  for (const FlowResult& flow : result.flows) {
+    flows.push_back({{"part", flow.part},
+                     {"fluid", orNull(flow.fluid)},
+                     {"nominalFlow", flow.nominalFlow},
+                     {"points", flow.points},
+                     {"meanFactor", flow.meanFactor},
+                     {"repeatabilityPercent", orNull(flow.repeatabilityPercent)},
+                     {"hysteresisPercent", orNull(flow.hysteresisPercent)}});
+  }
+  return {{"used", result.used},
+          {"cut", result.cut},
+          {"excluded", result.excluded},
+          {"outsideRange", result.outside},
+          {"lowestRoshko", orNull(result.lowestRoshko)},
+          {"highestRoshko", orNull(result.highestRoshko)},
+          {"lowestFlow", orNull(result.lowestFlow)},
+          {"highestFlow", orNull(result.highestFlow)},
+          {"turndown", orNull(result.turndown)},
+          {"meanFactor", orNull(result.meanFactor)},
+          {"linearityPercent", orNull(result.linearityPercent)},
+          {"largestDeviationPercent", orNull(result.worstPercent)},
+          {"largestDeviationRoshko", result.worstPercent ? json(result.worstRoshko) : json()},
+          {"repeatabilityPercent", orNull(result.repeatabilityPercent)},
+          {"hysteresisPercent", orNull(result.hysteresisPercent)},
+          {"limitPercent", orNull(result.limitPercent)},
+          {"passes", orNull(result.passes)},
+          {"flows", flows}};
+}
+
+json attemptJson(const std::optional<Attempt>& attempt) {
+  if (!attempt) return nullptr;
+  return {{"equation", attempt->equation},
+          {"accepted", attempt->isAccepted},
+          {"reason", orNull(attempt->reason)},
+          {"curve", pointsJson(attempt->curve)}};
 }
 
 json curveJson(const std::vector<CurvePoint>& curve) {
@@ -74,7 +127,7 @@ json comparisonJson(const PreviousCurve& comparison) {
   json shifts = json::array();
   for (const Shift& shift : comparison.shifts) shifts.push_back(shiftJson(shift));
   const bool isEmpty = comparison.shifts.empty();
-  return {{"calibration", comparison.reCalID},
+  return {{"calibration", comparison.calibration},
           {"date", orNull(comparison.date)},
           {"shifts", shifts},
           {"meanPercent", isEmpty ? json() : json(comparison.meanPercent)},
@@ -82,23 +135,37 @@ json comparisonJson(const PreviousCurve& comparison) {
           {"highest", isEmpty ? json() : shiftJson(comparison.highest)}};
 }
 
+json historyJson(const std::vector<calibration::HistoryEntry>& history) {
+  json list = json::array();
+  for (const calibration::HistoryEntry& entry : history) {
+    list.push_back({{"entry", entry.id},
+                    {"changedAt", entry.changedAt},
+                    {"command", entry.command},
+                    {"series", orNull(entry.series)},
+                    {"user", entry.userName},
+                    {"softwareVersion", entry.version}});
+  }
+  return list;
+}
+
 json seriesJson(const SeriesReport& series) {
   json merged = json::array(), equations = json::array(), remarks = json::array();
-  for (const MeasuredPoint& point : series.merged) merged.push_back(pointJson(point));
+  for (const MergedPoint& point : series.merged) merged.push_back(pointJson(point));
   for (const RankedEquation& equation : series.equations) {
     equations.push_back(equationJson(equation.outcome));
     equations.back()["rank"] = equation.rank;
+    equations.back()["covariance"] = equation.outcome.Covariance;
   }
-  json points = json::array();
-  for (const calibration::RawPoint& point : series.points) points.push_back(rawPointJson(point));
   for (const Remark& remark : series.remarks)
     remarks.push_back({{"kind", remark.kind}, {"text", remark.text}});
   return {{"name", series.name},
           {"seriesId", series.seriesID},
           {"rawDataSha256", series.rawDataHash},
           {"raw", partsJson(series.parts)},
-          {"rawPoints", points},
+          {"rawPoints", rawPointsJson(series.parts)},
           {"merged", merged},
+          {"result", resultJson(series.result)},
+          {"attempt", attemptJson(series.attempt)},
           {"curveAge", calibration::curveAgeKey(series.curveAge)},
           {"curve", curveJson(series.curve)},
           {"settings", settingsJson(series)},
@@ -119,8 +186,11 @@ std::string jsonReport(const Report& report) {
                    {"softwareVersion", report.softwareVersion},
                    {"createdAt", report.createdAt},
                    {"meter", meterJson(report.meter)},
-                   {"setups", setupsJson(report.setups)},
+                   {"laboratory", report.laboratory},
+                   {"details", report.details},
+                   {"setups", runsJson(report.runs)},
                    {"rawDataSha256", report.rawDataHash},
+                   {"history", historyJson(report.history)},
                    {"series", series}});
 }
 

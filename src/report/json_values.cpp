@@ -16,26 +16,11 @@ json pointsJson(const PointArray& points) {
   return list;
 }
 
-json meterJson(const MeterInfo& meter) {
-  return {{"serialNumber", meter.SerialNumber},
-          {"serialNumberAdjusted", meter.SerialNumberAdjusted},
-          {"calibration", meter.ReCalID},
-          {"meterId", meter.MeterID}};
-}
-
 json meterJson(const calibration::Meter& meter) {
   return {{"serialNumber", meter.serial},
           {"serialNumberAdjusted", meter.adjusted},
           {"calibration", meter.calibration},
           {"meterId", meter.id}};
-}
-
-json setupsJson(const std::vector<CalSetupInfo>& setups) {
-  std::vector<calibration::Run> runs;
-  for (const CalSetupInfo& setup : setups)
-    runs.push_back({setup.ID, setup.Stand, setup.Position, setup.Operator, setup.Fluid,
-                    setup.DateTaken, setup.JobRecordIDs, setup.Points});
-  return runsJson(runs);
 }
 
 json runsJson(const std::vector<calibration::Run>& runs) {
@@ -88,7 +73,14 @@ json warningJson(const CurveWarning& warning) {
 }
 
 json rawPointJson(const calibration::RawPoint& point) {
-  json exclusion;
+  json exclusion, reading;
+  if (point.reading) {
+    reading = {{"nominalFlow", orNull(point.reading->nominalFlow)},
+               {"frequency", orNull(point.reading->frequency)},
+               {"flow", orNull(point.reading->flow)},
+               {"temperature", orNull(point.reading->temperature)},
+               {"viscosity", orNull(point.reading->viscosity)}};
+  }
   if (point.exclusion) {
     exclusion = {{"reason", point.exclusion->reason},
                  {"user", point.exclusion->userName},
@@ -105,7 +97,8 @@ json rawPointJson(const calibration::RawPoint& point) {
           {"suspect", point.isDistrusted},
           {"state", calibration::pointStateKey(point.state)},
           {"cutPercent", orNull(point.cutPercent)},
-          {"exclusion", exclusion}};
+          {"exclusion", exclusion},
+          {"reading", reading}};
 }
 
 std::string jsonText(const json& value) {

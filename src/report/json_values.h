@@ -4,7 +4,6 @@
 
 #include <pelmora/calibration/points.h>
 #include <pelmora/calibration/values.h>
-#include <pelmora/curve_database.h>
 #include <pelmora/fit_outcome.h>
 #include <pelmora/types.h>
 
@@ -16,9 +15,7 @@
 namespace pelmora::report {
 
 [[nodiscard]] nlohmann::json pointsJson(const PointArray& points);
-[[nodiscard]] nlohmann::json meterJson(const MeterInfo& meter);
 [[nodiscard]] nlohmann::json meterJson(const calibration::Meter& meter);
-[[nodiscard]] nlohmann::json setupsJson(const std::vector<CalSetupInfo>& setups);
 [[nodiscard]] nlohmann::json runsJson(const std::vector<calibration::Run>& runs);
 [[nodiscard]] nlohmann::json equationJson(const EquationOutcome& equation);
 [[nodiscard]] nlohmann::json rawPointJson(const calibration::RawPoint& point);

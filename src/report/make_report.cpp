@@ -2,10 +2,14 @@
 // SPDX-License-Identifier: MIT
 #include "base/time_text.h"
 #include "base/version.h"
+#include "dcc/dcc_check.h"
 #include "report/build_report.h"
 #include "report/csv_report.h"
+#include "report/dcc_report.h"
 #include "report/html_report.h"
 #include "report/json_report.h"
+#include "report/pdf_report.h"
+#include "report/signed_dcc.h"
 #include "report/svg_report.h"
 #include "report/xlsx_report.h"
 
@@ -25,33 +29,6 @@ using calibration::Database;
 using calibration::Meter;
 using calibration::StoredSeries;
 
-MeterInfo infoOf(const Meter& meter) {
-  MeterInfo info;
-  info.Source = 1;
-  info.MeterID = meter.id;
-  info.ReCalID = static_cast<std::int16_t>(meter.calibration);
-  info.SerialNumber = meter.serial;
-  info.SerialNumberAdjusted = meter.adjusted;
-  return info;
-}
-
-SeriesInfo infoOf(const StoredSeries& stored) {
-  SeriesInfo info;
-  info.SeriesName = stored.name;
-  info.SeriesID = stored.id;
-  for (std::size_t part = 0; part < stored.raw.size(); ++part)
-    info.Raw[part].Points = stored.raw[part];
-  info.Merged = stored.merged;
-  info.Fitted = stored.curve;
-  info.Summary = stored.report;
-  return info;
-}
-
-CalSetupInfo infoOf(const calibration::Run& run) {
-  return {run.id,           run.stand, run.position, run.fluid,
-          run.operatorName, run.date,  run.jobs,     run.points};
-}
-
 std::string datesOf(const std::vector<calibration::Run>& runs) {
   std::string text;
   for (const calibration::Run& run : runs) {
@@ -69,8 +46,7 @@ std::optional<PreviousSeries> previousOf(const Database& lab, const std::vector<
     if (std::find(names.begin(), names.end(), series) == names.end()) continue;
     const StoredSeries stored = lab.series(meter, series);
     if (stored.curve.size() < 2) continue;
-    return PreviousSeries{static_cast<std::int16_t>(meter.calibration), datesOf(lab.runs(meter)),
-                          infoOf(stored)};
+    return PreviousSeries{meter.calibration, datesOf(lab.runs(meter)), stored.curve};
   }
   return std::nullopt;
 }
@@ -85,25 +61,28 @@ std::vector<Meter> earlierCalibrations(const Database& lab, const Meter& meter) 
 ReportInput inputOf(const Database& lab, const Meter& meter,
                     const calibration::ReportOptions& options) {
   ReportInput input;
-  input.meter = infoOf(meter);
-  for (const calibration::Run& run : lab.runs(meter)) input.setups.push_back(infoOf(run));
+  input.meter = meter;
+  input.runs = lab.runs(meter);
+  input.laboratory = lab.laboratory();
+  input.details = lab.details(meter);
   input.database = std::filesystem::path(lab.location()).filename().string();
   input.softwareVersion = version;
   input.createdAt = utcText();
+  input.history = lab.history({.serial = meter.serial, .calibration = meter.calibration});
   const auto earlier = earlierCalibrations(lab, meter);
   auto all = lab.everySeries(meter, options.series);
   // As an import derives them: the rotors before what is made of them.
   if (options.series.empty()) std::ranges::sort(all, {}, &StoredSeries::id);
   for (const StoredSeries& stored : all) {
     const calibration::Repeated repeated = lab.repeat(stored, options.unkept, options.observer);
-    input.series.push_back(
-        {infoOf(stored),
-         repeated.settings,
-         repeated.settingsAreKept,
-         {repeated.fit.outcome, repeated.fit.merged, repeated.fit.curve, repeated.trouble},
-         previousOf(lab, earlier, stored.name),
-         stored.age,
-         lab.points(stored)});
+    const EquationOutcome* nearest = nearestEquation(repeated.fit);
+    input.series.push_back({stored,
+                            lab.points(stored),
+                            repeated.settings,
+                            repeated.settingsAreKept,
+                            {repeated.fit.outcome, repeated.fit.curve, repeated.trouble,
+                             nearest == nullptr ? "" : nearest->Name},
+                            previousOf(lab, earlier, stored.name)});
   }
   return input;
 }
@@ -114,12 +93,35 @@ ReportInput inputOf(const Database& lab, const Meter& meter,
 namespace pelmora::calibration {
 namespace {
 
-constexpr std::array<std::pair<std::string_view, ReportKind>, 5> endings{
+// Signed, if there is a signer.
+std::string digitalCertificate(const report::Report& report, const ReportOptions& options) {
+  std::string xml = report::dccReport(report);
+  if (!options.signer) return xml;
+  return report::signedDcc(xml, options.signer->keyFile, options.signer->certificateFile);
+}
+
+std::string pdfWithCertificate(const report::Report& report, const ReportOptions& options) {
+  std::string xml;
+  try {
+    xml = digitalCertificate(report, options);
+  } catch (const BadData& failure) {
+    // Nobody signs a certificate without knowing that it is missing.
+    if (options.signer) throw;
+    if (options.note)
+      options.note(std::string("no digital certificate is attached: ") + failure.what() +
+                   (failure.remedy().empty() ? "" : "; " + failure.remedy()));
+  }
+  return report::pdfReport(report, {options.storedText}, xml);
+}
+
+constexpr std::array<std::pair<std::string_view, ReportKind>, 7> endings{
     {{".html", ReportKind::html},
      {".json", ReportKind::json},
      {".csv", ReportKind::csv},
      {".xlsx", ReportKind::xlsx},
-     {".svg", ReportKind::svg}}};
+     {".svg", ReportKind::svg},
+     {".pdf", ReportKind::pdf},
+     {".xml", ReportKind::dcc}}};
 
 }  // namespace
 
@@ -134,15 +136,25 @@ std::optional<ReportKind> reportKindOf(const std::string& file) {
   return std::nullopt;
 }
 
+std::vector<CertificateFlaw> checkCertificate(const std::string& xml, const std::string& file,
+                                              std::optional<double> cmcPercent) {
+  std::vector<CertificateFlaw> flaws;
+  for (const dcc::Violation& each : dcc::checkCertificate(xml, file, {cmcPercent}))
+    flaws.push_back({each.line, each.what});
+  return flaws;
+}
+
 std::string makeReport(const Database& lab, const Meter& meter, ReportKind kind,
                        const ReportOptions& options) {
   const report::Report report = report::buildReport(report::inputOf(lab, meter, options));
   switch (kind) {
-    case ReportKind::html: return report::htmlReport(report);
+    case ReportKind::html: return report::htmlReport(report, {options.storedText});
     case ReportKind::json: return report::jsonReport(report);
-    case ReportKind::csv: return report::csvReport(report);
+    case ReportKind::csv: return report::csvReport(report, options.table);
     case ReportKind::xlsx: return report::xlsxReport(report);
     case ReportKind::svg: return report::svgReport(report);
+    case ReportKind::pdf: return pdfWithCertificate(report, options);
+    case ReportKind::dcc: return digitalCertificate(report, options);
   }
   return {};
 }
@@ -153,7 +165,7 @@ void writeReport(const Database& lab, const Meter& meter, const std::string& fil
   const auto kind = reportKindOf(file);
   if (!kind) {
     throw BadData({"the name '" + file + "' does not tell what kind of report it is to be", file,
-                   "end it in .html, .json, .csv, .xlsx or .svg"});
+                   "end it in .html, .pdf, .xml, .json, .csv, .xlsx or .svg"});
   }
   const std::string content = makeReport(lab, meter, *kind, options);
   const fs::path unfinished = file + ".unfinished";

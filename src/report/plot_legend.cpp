@@ -12,15 +12,23 @@ std::vector<LegendEntry> legendOf(const SeriesReport& series) {
   for (const RawPart& part : series.parts) {
     const std::string number = std::to_string(part.number);
     const std::string name = "Raw " + number + (part.fluid.empty() ? "" : ", " + part.fluid);
-    const auto cut = std::count_if(part.points.begin(), part.points.end(),
-                                   [](const MeasuredPoint& point) { return point.isCut; });
-    if (cut < static_cast<std::ptrdiff_t>(part.points.size()))
+    const auto cut = std::ranges::count_if(part.points, &MeasuredPoint::isCut);
+    const auto excluded = std::ranges::count_if(part.points, &MeasuredPoint::isExcluded);
+    if (cut + excluded < static_cast<std::ptrdiff_t>(part.points.size()))
       entries.push_back({"raw" + number, true, name});
     if (cut > 0)
       entries.push_back(
           {"cut" + number, true, name + ", cut by the merge (" + std::to_string(cut) + ")"});
+    if (excluded > 0)
+      entries.push_back(
+          {"out" + number, true, name + ", excluded (" + std::to_string(excluded) + ")"});
   }
   if (!series.merged.empty()) entries.push_back({"merged", true, "Merged"});
+  if (series.attempt) {
+    entries.push_back({"attempt", false,
+                       (series.attempt->isAccepted ? "Not stored: " : "Not accepted: ") +
+                           series.attempt->equation});
+  }
   if (series.curve.empty()) return entries;
   entries.push_back({"curve", false, "Fitted curve"});
   entries.push_back(

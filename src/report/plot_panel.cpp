@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
+#include <utility>
 
 namespace pelmora::report {
 namespace {
@@ -26,6 +28,24 @@ std::string text(const std::string& cssClass, double x, double y, const std::str
 
 // Tenths, which no screen or printer at this size tells from more.
 double pixel(double value) { return std::round(value * 10) / 10; }
+
+// At most about this many marks of one class: more only cover each other.
+constexpr std::size_t mostMarks = 1500;
+
+// One place in each square of a grid that is as fine as leaves not more marks than that.
+std::vector<PlotPoint> thinned(const std::vector<PlotPoint>& places) {
+  if (places.size() <= mostMarks) return places;
+  std::vector<PlotPoint> kept = places;
+  for (double square = 1; kept.size() > mostMarks; square *= 1.25) {
+    std::set<std::pair<long, long>> taken;
+    kept.clear();
+    for (const PlotPoint& place : places) {
+      if (taken.emplace(std::lround(place[0] / square), std::lround(place[1] / square)).second)
+        kept.push_back(place);
+    }
+  }
+  return kept;
+}
 
 bool isFinite(const PlotPoint& point) { return std::isfinite(point[0]) && std::isfinite(point[1]); }
 
@@ -114,7 +134,8 @@ void PlotPanel::drawMarkers(const std::string& cssClass, const std::vector<PlotP
       ++hidden_;
   }
   if (shown.empty()) return;
-  svg_ += "<path class=\"dots " + cssClass + "\" d=\"" + pathData(places(shown)) + "\"/>\n";
+  svg_ +=
+      "<path class=\"dots " + cssClass + "\" d=\"" + pathData(thinned(places(shown))) + "\"/>\n";
 }
 
 void PlotPanel::drawLine(const std::string& cssClass, const std::vector<PlotPoint>& points) {

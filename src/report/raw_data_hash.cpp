@@ -18,14 +18,14 @@ std::string exactText(double value) {
 
 }  // namespace
 
-std::string rawDataHash(std::span<const SeriesInfo* const> series) {
+std::string rawDataHash(std::span<const calibration::StoredSeries* const> series) {
   std::string lines;
-  for (const SeriesInfo* entry : series) {
-    for (std::size_t part = 0; part < entry->Raw.size(); ++part) {
-      const PointArray& points = entry->Raw[part].Points;
+  for (const calibration::StoredSeries* entry : series) {
+    for (std::size_t part = 0; part < entry->raw.size(); ++part) {
+      const PointArray& points = entry->raw[part];
       for (std::size_t i = 0; i < points.size(); ++i) {
-        lines += entry->SeriesName + '\t' + std::to_string(part + 1) + '\t' +
-                 exactText(points(i, 0)) + '\t' + exactText(points(i, 1)) + '\n';
+        lines += entry->name + '\t' + std::to_string(part + 1) + '\t' + exactText(points(i, 0)) +
+                 '\t' + exactText(points(i, 1)) + '\n';
       }
     }
   }

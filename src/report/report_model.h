@@ -2,13 +2,16 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "report/series_result.h"
+
 #include <pelmora/calibration/curve.h>
+#include <pelmora/calibration/details.h>
+#include <pelmora/calibration/history.h>
 #include <pelmora/calibration/points.h>
 #include <pelmora/calibration/ranking.h>
-#include <pelmora/curve_database.h>
-#include <pelmora/fit_outcome.h>
+#include <pelmora/calibration/values.h>
 #include <pelmora/curve_settings.h>
-#include <pelmora/types.h>
+#include <pelmora/fit_outcome.h>
 
 #include <cstdint>
 #include <optional>
@@ -21,19 +24,15 @@ using calibration::CurvePoint;
 using calibration::RankedEquation;
 using calibration::Shift;
 
-// A measured point. Per cent figures are of the curve, positive above it.
-struct MeasuredPoint {
-  double roshko = 0, strouhal = 0;
-  bool isCut = false;  // a raw point that the merge left out
-  // From the stored curve read as a table, linearly between its points, as the band test reads it;
-  // absent beyond the curve's ends.
-  std::optional<double> deviationPercent;
+struct RawPart {
+  int number = 0;                     // 1 to 4
+  std::string fluid;                  // empty where the series was not derived from a set-up
+  std::vector<MeasuredPoint> points;  // excluded ones, too
 };
 
-struct RawPart {
-  int number = 0;     // 1 to 4
-  std::string fluid;  // empty where the series was not derived from a set-up
-  std::vector<MeasuredPoint> points;
+struct MergedPoint {
+  double roshko = 0, strouhal = 0;
+  std::optional<double> deviationPercent{};  // as of MeasuredPoint
 };
 
 // What the reader must see before anything else of a series.
@@ -44,20 +43,30 @@ struct Remark {
 
 // From the same series' curve of an earlier calibration to this one.
 struct PreviousCurve : calibration::Comparison {
-  std::int16_t reCalID = 0;
+  int calibration = 0;
   std::string date;  // of the earlier calibration's set-ups; empty if they have none
+};
+
+// The best of a series that has no stored curve.
+struct Attempt {
+  std::string equation;
+  bool isAccepted = false;  // a fit gives this curve, and it was not stored
+  std::string reason;       // why it was not accepted
+  PointArray curve;
 };
 
 struct SeriesReport {
   std::string name;
+  std::string roshkoTitle, valueTitle;  // of axes and columns, with the units that are recorded
   std::int32_t seriesID = 0;
   std::string rawDataHash;  // SHA-256, see raw_data_hash.h
   std::vector<RawPart> parts;
-  std::vector<MeasuredPoint> merged;
+  std::vector<MergedPoint> merged;
   std::vector<CurvePoint> curve;  // as stored; empty if none is
+  // Without a stored curve; the deviations of the points are then from this one.
+  std::optional<Attempt> attempt;
+  SeriesResult result;
   calibration::CurveAge curveAge = calibration::CurveAge::none;
-  // Every raw point with its state, excluded ones too, by part and number.
-  std::vector<calibration::RawPoint> points;
   CurveSettings settings;
   bool settingsAreKept = false;  // else they are the defaults, or those of the report's options
   std::vector<RankedEquation> equations;
@@ -68,12 +77,14 @@ struct SeriesReport {
 };
 
 struct Report {
-  MeterInfo meter;
-  std::vector<CalSetupInfo> setups;
-  std::string database;  // file name
+  calibration::Meter meter;
+  std::vector<calibration::Run> runs;
+  calibration::Details laboratory, details;  // see details.h
+  std::string database;                      // file name
   std::string softwareVersion;
-  std::string createdAt;    // UTC, ISO 8601
-  std::string rawDataHash;  // of all series of this report
+  std::string createdAt;                           // UTC, ISO 8601
+  std::string rawDataHash;                         // of all series of this report
+  std::vector<calibration::HistoryEntry> history;  // of this calibration, the newest first
   std::vector<SeriesReport> series;
 };
 

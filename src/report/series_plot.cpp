@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "report/series_plot.h"
 
+#include "base/readable_number.h"
 #include "report/markup.h"
 #include "report/plot_panel.h"
-#include "base/readable_number.h"
 
 #include <cmath>
 
@@ -14,7 +14,6 @@ constexpr double leftMargin = 78, rightMargin = 12, topMargin = 12;
 constexpr double mainHeight = 290, panelGap = 22, deviationHeight = 140;
 constexpr double comparisonHeight = 130;
 constexpr double xMargin = 0.03, yMargin = 0.05;  // shares of an axis
-constexpr const char* xTitle = "Roshko number";
 
 PanelPlace placeAt(double top, double height) {
   return {leftMargin, top, plotWidth - leftMargin - rightMargin, height};
@@ -22,7 +21,8 @@ PanelPlace placeAt(double top, double height) {
 
 // The same lines and points in values of Strouhal or in per cent of the curve.
 struct Drawing {
-  std::vector<std::vector<PlotPoint>> kept, cut;  // for each raw part
+  std::vector<std::vector<PlotPoint>> kept, cut, out;  // for each raw part
+  std::vector<PlotPoint> attempt;
   std::vector<PlotPoint> merged, curve, bandAbove, bandBelow;
   std::vector<PlotPoint> confidenceAbove, confidenceBelow, predictionAbove, predictionBelow;
 };
@@ -30,13 +30,16 @@ struct Drawing {
 template <class YOf>
 void addPoints(const SeriesReport& series, Drawing& drawing, YOf yOf) {
   for (const RawPart& part : series.parts) {
-    std::vector<PlotPoint> kept, cut;
-    for (const MeasuredPoint& point : part.points)
-      (point.isCut ? cut : kept).push_back({point.roshko, yOf(point)});
+    std::vector<PlotPoint> kept, cut, out;
+    for (const MeasuredPoint& point : part.points) {
+      auto& to = point.isExcluded() ? out : point.isCut() ? cut : kept;
+      to.push_back({point.roshko, yOf(point)});
+    }
     drawing.kept.push_back(std::move(kept));
     drawing.cut.push_back(std::move(cut));
+    drawing.out.push_back(std::move(out));
   }
-  for (const MeasuredPoint& point : series.merged)
+  for (const MergedPoint& point : series.merged)
     drawing.merged.push_back({point.roshko, yOf(point)});
 }
 
@@ -52,7 +55,12 @@ void addHalfWidths(Drawing& drawing, const CurvePoint& point, double middle, dou
 
 Drawing inStrouhal(const SeriesReport& series) {
   Drawing drawing;
-  addPoints(series, drawing, [](const MeasuredPoint& point) { return point.strouhal; });
+  addPoints(series, drawing, [](const auto& point) { return point.strouhal; });
+  if (series.attempt) {
+    const PointArray& curve = series.attempt->curve;
+    for (std::size_t i = 0; i < curve.size(); ++i)
+      drawing.attempt.push_back({curve(i, 0), curve(i, 1)});
+  }
   const double share = series.settings.BandPercent / 100;
   for (const CurvePoint& point : series.curve) {
     drawing.curve.push_back({point.roshko, point.strouhal});
@@ -65,11 +73,14 @@ Drawing inStrouhal(const SeriesReport& series) {
 
 Drawing inPercent(const SeriesReport& series) {
   Drawing drawing;
-  addPoints(series, drawing, [](const MeasuredPoint& point) {
-    return point.deviationPercent.value_or(std::nan(""));
-  });
+  addPoints(series, drawing,
+            [](const auto& point) { return point.deviationPercent.value_or(std::nan("")); });
   for (const CurvePoint& point : series.curve)
     addHalfWidths(drawing, point, 0, 100 / std::fabs(point.strouhal));
+  if (series.attempt) {
+    const PointArray& curve = series.attempt->curve;
+    drawing.attempt = {{curve(0, 0), 0}, {curve(curve.size() - 1, 0), 0}};
+  }
   if (series.curve.empty()) return drawing;
   const auto level = [&](double percent) {
     return std::vector<PlotPoint>{{series.curve.front().roshko, percent},
@@ -85,12 +96,15 @@ void collect(std::vector<double>& values, const std::vector<PlotPoint>& points, 
   for (const PlotPoint& point : points) values.push_back(point[c]);
 }
 
-std::vector<double> valuesOf(const Drawing& drawing, std::size_t c, bool withCut) {
+std::vector<double> valuesOf(const Drawing& drawing, std::size_t c, bool withLeftOut) {
   std::vector<double> values;
   for (const auto& points : drawing.kept) collect(values, points, c);
-  for (const auto& points : drawing.cut) {
-    if (withCut) collect(values, points, c);
+  for (const auto* leftOut : {&drawing.cut, &drawing.out}) {
+    for (const auto& points : *leftOut) {
+      if (withLeftOut) collect(values, points, c);
+    }
   }
+  collect(values, drawing.attempt, c);
   collect(values, drawing.merged, c);
   collect(values, drawing.curve, c);
   for (const auto* points : {&drawing.bandAbove, &drawing.bandBelow}) collect(values, *points, c);
@@ -104,10 +118,12 @@ void draw(PlotPanel& panel, const Drawing& drawing, const std::vector<RawPart>& 
   panel.drawLine("band", drawing.bandAbove);
   panel.drawLine("band", drawing.bandBelow);
   panel.drawLine("curve", drawing.curve);
+  panel.drawLine("attempt", drawing.attempt);
   for (std::size_t k = 0; k < parts.size(); ++k) {
     const std::string number = std::to_string(parts[k].number);
     panel.drawMarkers("raw" + number, drawing.kept[k]);
     panel.drawMarkers("cut" + number, drawing.cut[k]);
+    panel.drawMarkers("out" + number, drawing.out[k]);
   }
   panel.drawMarkers("merged", drawing.merged);
 }
@@ -123,19 +139,19 @@ std::string opened(int height, const std::string& title) {
 std::string seriesPlot(const SeriesReport& series) {
   const Drawing above = inStrouhal(series), below = inPercent(series);
   const PlotScale x = PlotScale::logarithmic(valuesOf(above, 0, true), xMargin);
-  const bool hasCurve = !series.curve.empty();
+  const bool hasCurve = !series.curve.empty() || series.attempt;
   std::string svg = opened(
       hasCurve ? seriesPlotHeight : seriesPlotHeight - static_cast<int>(panelGap + deviationHeight),
       series.name + ": points" + (hasCurve ? ", fitted curve and residuals" : ""));
   PlotPanel main("strouhal", placeAt(topMargin, mainHeight), x,
                  PlotScale::linear(valuesOf(above, 1, true), yMargin));
-  main.drawAxes(xTitle, series.settings.RatioCurve ? "Ratio" : "Strouhal number", !hasCurve);
+  main.drawAxes(series.roshkoTitle, series.valueTitle, !hasCurve);
   draw(main, above, series.parts);
   svg += main.take();
   if (hasCurve) {
     PlotPanel residuals("percent", placeAt(topMargin + mainHeight + panelGap, deviationHeight), x,
                         PlotScale::linear(valuesOf(below, 1, false), yMargin));
-    residuals.drawAxes(xTitle, "Residual, %", true);
+    residuals.drawAxes(series.roshkoTitle, "Residual, %", true);
     draw(residuals, below, series.parts);
     residuals.noteHidden();
     svg += residuals.take();
@@ -153,10 +169,10 @@ std::string comparisonPlot(const SeriesReport& series) {
     y.push_back(shift.percent);
   }
   std::string svg = opened(comparisonPlotHeight, series.name + ": shift since calibration " +
-                                                     std::to_string(series.previous->reCalID));
+                                                     std::to_string(series.previous->calibration));
   PlotPanel panel("shift", placeAt(topMargin, comparisonHeight), PlotScale::logarithmic(x, xMargin),
                   PlotScale::linear(y, yMargin));
-  panel.drawAxes(xTitle, "Shift, %", true);
+  panel.drawAxes(series.roshkoTitle, "Shift, %", true);
   panel.drawLine("zero", {{x.front(), 0}, {x.back(), 0}});
   panel.drawLine("shift", shifts);
   return svg + panel.take() + "</svg>\n";
@@ -179,6 +195,8 @@ std::string plotDefinitions() {
     svg += marker("m" + std::to_string(k), shapes[k - 1]);
     svg += marker("c" + std::to_string(k),
                   "<path class=\"k" + std::to_string(k) + "\" d=\"M-4-4L4 4M-4 4L4-4\"/>");
+    svg += marker("o" + std::to_string(k),
+                  "<path class=\"k" + std::to_string(k) + "\" d=\"M-4 0H4M0-4V4M-4-4H4V4H-4Z\"/>");
   }
   return svg + marker("mm", "<circle class=\"km\" r=\"1.5\"/>") + "</defs>\n";
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "report/sha256.h"
 
+#include "report/base64.h"
+
 #include <algorithm>
 #include <bit>
 
@@ -85,18 +87,8 @@ std::string sha256Hex(std::string_view text) {
 }
 
 std::string sha256Base64(std::string_view text) {
-  constexpr const char* letters =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
   const auto bytes = sha256(text);
-  std::string result;
-  for (std::size_t i = 0; i < bytes.size(); i += 3) {
-    std::uint32_t group = 0;
-    for (std::size_t k = 0; k < 3; ++k)
-      group = group << 8U | (i + k < bytes.size() ? bytes[i + k] : 0U);
-    for (int shift = 18; shift >= 0; shift -= 6) result += letters[group >> shift & 63U];
-  }
-  result.back() = '=';  // 32 bytes leave one byte of the last group unused
-  return result;
+  return base64Text({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
 }  // namespace pelmora::report

@@ -36,9 +36,9 @@ std::string block(const SeriesReport& series, int& y) {
   svg += moved(0, y, seriesPlot(series));
   y += seriesPlotHeight;
   if (const std::string shift = comparisonPlot(series); !shift.empty()) {
-    svg +=
-        text("legend", 12, y + 12,
-             "Shift since calibration " + std::to_string(series.previous->reCalID) + ", per cent");
+    svg += text(
+        "legend", 12, y + 12,
+        "Shift since calibration " + std::to_string(series.previous->calibration) + ", per cent");
     svg += moved(0, y + 16, shift);
     y += 16 + comparisonPlotHeight;
   }
@@ -56,9 +56,12 @@ std::string plotStyle() {
          ".dots{fill:none;stroke:none}.raw1{marker:url(#m1)}.raw2{marker:url(#m2)}.raw3{marker:url("
          "#m3)}"
          ".raw4{marker:url(#m4)}.cut1{marker:url(#c1)}.cut2{marker:url(#c2)}.cut3{marker:url(#c3)}"
-         ".cut4{marker:url(#c4)}.merged{marker:url(#mm)}"
+         ".cut4{marker:url(#c4)}.out1{marker:url(#o1)}.out2{marker:url(#o2)}"
+         ".out3{marker:url(#o3)}.out4{marker:url(#o4)}.merged{marker:url(#mm)}"
          ".line{fill:none;stroke-width:1.5;stroke-linejoin:round}.curve,.shift{stroke:var(--ink)}"
-         ".band{stroke:var(--band);stroke-dasharray:6 4;stroke-width:1.25}.zero{stroke:var(--axis)}"
+         ".attempt{stroke:var(--ink);stroke-dasharray:2 "
+         "3}.band{stroke:var(--band);stroke-dasharray:6 "
+         "4;stroke-width:1.25}.zero{stroke:var(--axis)}"
          ".conf{fill:var(--ink);fill-opacity:.22}.pred{fill:var(--ink);fill-opacity:.09}"
          ".k1,.k2,.k3,.k4{fill:none;stroke-width:1.6}.k1{stroke:var(--p1)}.k2{stroke:var(--p2)}"
          ".k3{stroke:var(--p3)}.k4{stroke:var(--p4)}.km{fill:var(--ink)}.note{text-anchor:end;fill:"
@@ -89,8 +92,8 @@ std::string svgReport(const Report& report) {
          "svg .title{font-size:15px;font-weight:600}</style>\n" + plotDefinitions() +
          "<rect width=\"" + size + "\" fill=\"#fff\"/>\n" +
          text("legend", 12, 20,
-              "Meter " + report.meter.SerialNumber + ", calibration " +
-                  std::to_string(report.meter.ReCalID) + ", " + report.createdAt) +
+              "Meter " + report.meter.serial + ", calibration " +
+                  std::to_string(report.meter.calibration) + ", " + report.createdAt) +
          blocks + "</svg>\n";
 }
 

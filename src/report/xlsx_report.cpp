@@ -1,19 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "report/xlsx_report.h"
 
+#include "report/outside_program.h"
 #include "report/report_tables.h"
 #include "report/spreadsheet_library.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <ctime>
-#include <filesystem>
-#include <fstream>
 #include <iomanip>
-#include <iterator>
+#include <map>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
@@ -30,29 +25,6 @@ void require(lxw_error error) {
     throw std::runtime_error(std::string("the workbook cannot be made: ") +
                              library().lxw_strerror(error));
 }
-
-// The library writes files alone: one of our own, gone with its object.
-class ScratchFile {
- public:
-  ScratchFile() : path_((std::filesystem::temp_directory_path() / "pelmora-XXXXXX").string()) {
-    const int descriptor = mkstemp(path_.data());
-    if (descriptor < 0)
-      throw std::runtime_error("the workbook cannot be made: no temporary file; check TMPDIR");
-    close(descriptor);
-  }
-  ~ScratchFile() { std::remove(path_.c_str()); }
-  ScratchFile(const ScratchFile&) = delete;
-  ScratchFile& operator=(const ScratchFile&) = delete;
-
-  [[nodiscard]] const std::string& path() const { return path_; }
-  [[nodiscard]] std::string content() const {
-    std::ifstream file(path_, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  }
-
- private:
-  std::string path_;
-};
 
 // Of 2026-11-21T13:40:00Z; 0, which is now, where the text is another.
 std::time_t timeOf(const std::string& text) {
@@ -77,8 +49,27 @@ std::string xmlText(const std::string& text) {
   return result;
 }
 
+// How a column's numbers are shown; all of their digits stay in the cell.
+std::string numberFormat(const std::string& column) {
+  const auto endsWith = [&](std::string_view end) { return column.ends_with(end); };
+  if (endsWith("Percent")) return "0.000";
+  if (column == "roshko" || endsWith("Roshko") || column == "min" || column == "max")
+    return "0.0000";
+  if (column == "strouhal" || column == "meanFactor") return "0.0000";
+  if (endsWith("HalfWidth")) return "0.00000";
+  if (column == "sigmas") return "0.0";
+  if (column == "frequency") return "0.000";
+  if (column == "flow" || endsWith("Flow")) return "0.00000";
+  if (column == "temperature") return "0.00";
+  if (column == "viscosity") return "0.0000";
+  if (column == "r2" || column == "adjustedR2") return "0.000000";
+  if (column == "aicc" || column == "bic" || column == "turndown") return "0.00";
+  return {};
+}
+
 // Returns how many characters the cell takes.
-double write(lxw_worksheet* sheet, lxw_row_t row, lxw_col_t column, const Value& value) {
+double write(lxw_worksheet* sheet, lxw_row_t row, lxw_col_t column, const Value& value,
+             lxw_format* format) {
   constexpr double digits = 14;
   if (const auto* whole = std::get_if<std::int64_t>(&value)) {
     require(
@@ -86,7 +77,7 @@ double write(lxw_worksheet* sheet, lxw_row_t row, lxw_col_t column, const Value&
     return narrowest;
   }
   if (const auto* real = std::get_if<double>(&value)) {
-    require(library().worksheet_write_number(sheet, row, column, *real, nullptr));
+    require(library().worksheet_write_number(sheet, row, column, *real, format));
     return digits;
   }
   const auto* text = std::get_if<std::string>(&value);
@@ -95,17 +86,39 @@ double write(lxw_worksheet* sheet, lxw_row_t row, lxw_col_t column, const Value&
   return static_cast<double>(text->size());
 }
 
-void addSheet(lxw_workbook* book, lxw_format* bold, const ReportTable& table) {
+// One format for each way of showing numbers.
+class NumberFormats {
+ public:
+  explicit NumberFormats(lxw_workbook* book) : book_(book) {}
+  // Null for an empty one: the spreadsheet's general format.
+  lxw_format* of(const std::string& text) {
+    if (text.empty()) return nullptr;
+    lxw_format*& format = known_[text];
+    if (format == nullptr) {
+      format = library().workbook_add_format(book_);
+      library().format_set_num_format(format, text.c_str());
+    }
+    return format;
+  }
+
+ private:
+  lxw_workbook* book_;
+  std::map<std::string, lxw_format*> known_;
+};
+
+void addSheet(lxw_workbook* book, lxw_format* bold, NumberFormats& formats,
+              const ReportTable& table) {
   lxw_worksheet* sheet = library().workbook_add_worksheet(book, table.name.c_str());
   if (sheet == nullptr)
     throw std::runtime_error("the workbook cannot be made: no sheet '" + table.name + "'");
   for (std::size_t c = 0; c < table.columns.size(); ++c) {
     const auto column = static_cast<lxw_col_t>(c);
     require(library().worksheet_write_string(sheet, 0, column, table.columns[c].c_str(), bold));
+    lxw_format* format = formats.of(numberFormat(table.columns[c]));
     double width = std::max(narrowest, static_cast<double>(table.columns[c].size()) + 2);
     for (std::size_t r = 0; r < table.rows.size(); ++r)
-      width = std::max(width,
-                       write(sheet, static_cast<lxw_row_t>(r) + 1, column, table.rows[r][c]) + 2);
+      width = std::max(
+          width, write(sheet, static_cast<lxw_row_t>(r) + 1, column, table.rows[r][c], format) + 2);
     require(
         library().worksheet_set_column(sheet, column, column, std::min(width, widest), nullptr));
   }
@@ -119,17 +132,19 @@ void addSheet(lxw_workbook* book, lxw_format* bold, const ReportTable& table) {
 }  // namespace
 
 std::string xlsxReport(const Report& report) {
-  const ScratchFile file;
-  std::unique_ptr<lxw_workbook, CloseWorkbook> book(library().workbook_new(file.path().c_str()));
+  const ScratchFolder folder;  // the library writes files alone
+  std::unique_ptr<lxw_workbook, CloseWorkbook> book(
+      library().workbook_new(folder.file("report.xlsx").c_str()));
   if (!book) throw std::runtime_error("the workbook cannot be made: no memory");
   lxw_doc_properties properties{};
   properties.created = timeOf(report.createdAt);
   require(library().workbook_set_properties(book.get(), &properties));
   lxw_format* bold = library().workbook_add_format(book.get());
   library().format_set_bold(bold);
-  for (const ReportTable& table : reportTables(report)) addSheet(book.get(), bold, table);
+  NumberFormats formats(book.get());
+  for (const ReportTable& table : reportTables(report)) addSheet(book.get(), bold, formats, table);
   require(library().workbook_close(book.release()));
-  return file.content();
+  return folder.read("report.xlsx");
 }
 
 }  // namespace pelmora::report

@@ -21,7 +21,7 @@ except ImportError:
 
 PROGRAM, DATA, SCHEMA = sys.argv[1:4]
 ACCESS_FILE = sys.argv[4] if len(sys.argv) > 4 else None
-BAND_FAILED, MOVED, PROBLEMS = 6, 9, 5  # exit codes of commands that write their JSON all the same
+BAND_FAILED, MOVED, PROBLEMS, BAD_DATA = 6, 9, 5, 5  # exit codes of commands that write their JSON all the same
 
 
 def strict(schema):
@@ -45,7 +45,8 @@ def outputs(folder):
     with open(result, "w", encoding="ascii", newline="\r\n") as file:
         file.write("one\ntwo\nthree\n" + "".join(f"{x} {2 + x / 100}\n" for x in range(1, 9)))
 
-    begin = {"report": [curves, "-o", "-"], "equations": [], "import-access": []}
+    begin = {"report": [curves, "-o", "-"], "meter": ["set", curves], "laboratory": ["set", curves], "equations": [],
+             "import-access": [], "check-dcc": []}
 
     def run(command, *arguments, code=0):
         ended = subprocess.run([PROGRAM, command, *begin.get(command, [curves]), *arguments,
@@ -88,7 +89,13 @@ def outputs(folder):
     yield "show", run("show")
     yield "show --meter", run("show", "--meter", "M1")
     yield "show --series", run("show", *series)
+    yield "laboratory", run("laboratory", "--name", "L", "--nominal-flow-column", "V14")
+    yield "meter", run("meter", "--meter", "M1", "--maker", "A", "--remark", "one", "--limit", "0.3 %")
     yield "report", run("report", "--meter", "M1")
+    flawed = os.path.join(folder, "flawed.xml")
+    with open(flawed, "w", encoding="ascii") as file:
+        file.write("<digitalCalibrationCertificate><real><value>NaN</value></real></digitalCalibrationCertificate>")
+    yield "check-dcc", run("check-dcc", flawed, code=BAD_DATA)
     yield "report", run("report", "--meter", "V")
     yield "delete", run("delete", "--meter", "M1", "--series", "Ratio", "--yes")
     yield "delete", run("delete", "--meter", "M1", "--calibration", "0", "--yes")

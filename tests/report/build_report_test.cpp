@@ -25,27 +25,19 @@ std::vector<std::string> kinds(const SeriesReport& series) {
   return list;
 }
 
-TEST(build_report, marks_the_raw_points_that_the_merge_cut) {
-  const SeriesReport series = seriesOf(straightSeries());
-  ASSERT_EQ(series.parts.size(), 2U);
-  EXPECT_FALSE(series.parts[0].points[0].isCut);
-  EXPECT_FALSE(series.parts[0].points[1].isCut);
-  EXPECT_TRUE(series.parts[1].points[0].isCut);
-  EXPECT_FALSE(series.parts[1].points[1].isCut);
-}
-
-TEST(build_report, counts_a_raw_point_that_stands_twice_but_was_merged_once) {
+TEST(build_report, tells_the_state_of_each_point) {
   SeriesInput input = straightSeries();
-  input.stored.Raw[0].Points = PointArray{{1, 10}, {1, 10}, {50, 505}};
+  input.points[1].state = calibration::PointState::excluded;
+  input.points[1].exclusion = calibration::Exclusion{"air", "Ada", "2026-11-20T10:00:00Z"};
   const SeriesReport series = seriesOf(input);
-  EXPECT_FALSE(series.parts[0].points[0].isCut);
-  EXPECT_TRUE(series.parts[0].points[1].isCut);
-}
-
-TEST(build_report, cuts_nothing_before_a_merge) {
-  SeriesInput input = straightSeries();
-  input.stored.Merged = {};
-  EXPECT_FALSE(seriesOf(input).parts[1].points[0].isCut);
+  ASSERT_EQ(series.parts.size(), 2U);
+  EXPECT_FALSE(series.parts[0].points[0].isCut());
+  EXPECT_TRUE(series.parts[0].points[1].isExcluded());
+  EXPECT_EQ(series.parts[0].points[1].exclusion->reason, "air");
+  EXPECT_TRUE(series.parts[1].points[0].isCut());
+  EXPECT_EQ(series.result.used, 2U);
+  EXPECT_EQ(series.result.cut, 1U);
+  EXPECT_EQ(series.result.excluded, 1U);
 }
 
 TEST(build_report, tells_residuals_in_per_cent_of_the_curve_read_linearly) {
@@ -57,15 +49,10 @@ TEST(build_report, tells_residuals_in_per_cent_of_the_curve_read_linearly) {
 
 TEST(build_report, tells_no_residual_beyond_the_curve) {
   SeriesInput input = straightSeries();
-  input.stored.Raw[0].Points = PointArray{{0.5, 5}, {101, 1010}};
+  input.points = {rawPoint(1, 1, "water", 0.5, 5), rawPoint(1, 2, "water", 101, 1010)};
   const SeriesReport series = seriesOf(input);
   EXPECT_FALSE(series.parts[0].points[0].deviationPercent.has_value());
   EXPECT_FALSE(series.parts[0].points[1].deviationPercent.has_value());
-}
-
-TEST(build_report, names_the_fluids_of_series_that_an_import_derives) {
-  EXPECT_EQ(seriesOf(straightSeries()).parts[1].fluid, "oil");
-  EXPECT_EQ(seriesOf(straightSeries("Shedding")).parts[1].fluid, "");
 }
 
 TEST(build_report, has_nothing_to_remark_on_a_curve_that_is_repeated) {
@@ -101,18 +88,39 @@ TEST(build_report, says_that_a_refit_fails_where_a_curve_is_stored) {
   EXPECT_EQ(series.remarks[0].text, "No equation passed (worst at x = 1577.7).");
 }
 
-TEST(build_report, shows_a_series_without_a_curve_with_its_points_and_says_so) {
+TEST(build_report, shows_a_fit_that_is_not_stored_and_says_so) {
   SeriesInput input = straightSeries();
-  input.stored.Fitted = input.stored.Merged = {};
+  input.stored.curve = input.stored.merged = {};
   const SeriesReport series = seriesOf(input);
   EXPECT_THAT(kinds(series), ElementsAre("noCurve", "notStored"));
   EXPECT_EQ(series.parts[0].points.size(), 2U);
   EXPECT_THAT(series.curve, IsEmpty());
+  ASSERT_TRUE(series.attempt.has_value());
+  EXPECT_TRUE(series.attempt->isAccepted);
+  EXPECT_EQ(series.attempt->equation, "Line");
+}
+
+TEST(build_report, shows_the_best_attempt_of_a_series_that_has_no_fit) {
+  SeriesInput input = straightSeries();
+  input.stored.curve = input.stored.merged = input.refit.curve = {};
+  EquationOutcome& equation = input.refit.outcome.Equations[0];
+  equation.Verdict = EquationVerdict::bandTestFailed;
+  equation.Reason = "1 point outside";
+  input.refit.outcome.Chosen.reset();
+  ReportInput whole = reportOf(input);
+  whole.details = {{"limit", "100 %"}};
+  const SeriesReport series = buildReport(whole).series[0];
+  ASSERT_TRUE(series.attempt.has_value());
+  EXPECT_FALSE(series.attempt->isAccepted);
+  EXPECT_THAT(series.attempt->reason, HasSubstr("1 point outside"));
+  EXPECT_THAT(*series.parts[0].points[1].deviationPercent, DoubleNear(1, 1e-12));
+  // Nothing passes by a curve that nobody accepted.
+  EXPECT_FALSE(series.result.passes.has_value());
 }
 
 TEST(build_report, finds_raw_points_that_have_changed_since_the_merge) {
   SeriesInput input = straightSeries();
-  input.stored.Raw[0].Points(1, 1) = 506;
+  input.stored.raw[0](1, 1) = 506;
   const SeriesReport series = seriesOf(input);
   EXPECT_THAT(kinds(series), Contains("otherRawPoints"));
   EXPECT_THAT(series.remarks[0].text, HasSubstr("1 of 3 merged points"));
@@ -129,12 +137,10 @@ TEST(build_report, puts_the_warnings_of_the_fit_into_the_remarks) {
 
 TEST(build_report, compares_with_the_earlier_calibration) {
   SeriesInput input = straightSeries();
-  PreviousSeries previous{4, "2025-01-02", input.stored};
-  previous.stored.Fitted = PointArray{{10, 200}, {200, 4000}};
-  input.previous = previous;
+  input.previous = PreviousSeries{4, "2025-01-02", PointArray{{10, 200}, {200, 4000}}};
   const SeriesReport series = seriesOf(input);
   ASSERT_TRUE(series.previous.has_value());
-  EXPECT_EQ(series.previous->reCalID, 4);
+  EXPECT_EQ(series.previous->calibration, 4);
   EXPECT_EQ(series.previous->date, "2025-01-02");
   EXPECT_THAT(series.previous->meanPercent, DoubleNear(-50, 1e-12));
 }

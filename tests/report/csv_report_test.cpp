@@ -2,6 +2,8 @@
 #include "report/csv_report.h"
 #include "tests/report/sample_report.h"
 
+#include <pelmora/calibration/failure.h>
+
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -16,21 +18,40 @@ std::string csvOf(const std::string& series) {
   return csvReport(buildReport(reportOf(straightSeries(series))));
 }
 
-TEST(csv_report, has_one_header_and_as_many_fields_in_every_line) {
-  std::istringstream lines(csvOf("Rotor A"));
-  std::string header, line;
-  std::getline(lines, header);
-  EXPECT_TRUE(header.starts_with("table,"));
-  const auto fields = std::count(header.begin(), header.end(), ',');
-  while (std::getline(lines, line)) {
-    bool isQuoted = false;
-    std::ptrdiff_t commas = 0;
-    for (const char c : line) {
-      if (c == '"') isQuoted = !isQuoted;
-      if (c == ',' && !isQuoted) ++commas;
-    }
-    EXPECT_EQ(commas, fields) << line;
+std::ptrdiff_t commasOf(const std::string& line) {
+  bool isQuoted = false;
+  std::ptrdiff_t commas = 0;
+  for (const char c : line) {
+    if (c == '"') isQuoted = !isQuoted;
+    if (c == ',' && !isQuoted) ++commas;
   }
+  return commas;
+}
+
+TEST(csv_report, has_a_header_for_each_table_and_as_many_fields_in_its_lines) {
+  std::istringstream lines(csvOf("Rotor A"));
+  std::ptrdiff_t fields = -1;
+  int headers = 0;
+  for (std::string line; std::getline(lines, line);) {
+    if (line.empty()) {
+      fields = -1;
+    } else if (fields < 0) {
+      EXPECT_TRUE(line.starts_with("table,")) << line;
+      fields = commasOf(line);
+      ++headers;
+    } else {
+      EXPECT_EQ(commasOf(line), fields) << line;
+    }
+  }
+  EXPECT_GT(headers, 5);
+}
+
+TEST(csv_report, holds_one_table_alone) {
+  EXPECT_EQ(csvReport(buildReport(reportOf(straightSeries())), "merged"),
+            "series,roshko,strouhal,deviationPercent\nRotor A,1,10,0\nRotor A,50,505,1\n"
+            "Rotor A,100,1000,0\n");
+  EXPECT_THROW((void)csvReport(buildReport(reportOf(straightSeries())), "pionts"),
+               calibration::BadData);
 }
 
 TEST(csv_report, quotes_what_would_break_a_line) {

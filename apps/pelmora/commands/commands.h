@@ -23,6 +23,7 @@ void addPlotCommand(Program& program);
 void addPointsCommand(Program& program);
 void addExcludeCommand(Program& program);
 void addIncludeCommand(Program& program);
+void addCheckDccCommand(Program& program);
 void addMeterCommand(Program& program);
 void addLaboratoryCommand(Program& program);
 void addDeleteCommand(Program& program);

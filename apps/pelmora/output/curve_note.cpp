@@ -4,8 +4,6 @@
 #include "apps/pelmora/output/suggested_command.h"
 #include "apps/pelmora/trouble.h"
 
-#include <cstdio>
-
 namespace pelmora::cli {
 
 void noteOldCurves(const std::string& database, int calibration,
@@ -30,7 +28,7 @@ void noteOldCurves(const std::string& database, int calibration,
       " of meter '" + meter->serial + "', calibration " + std::to_string(meter->calibration) +
       (names.size() == 1 ? ", is older than its raw points" : ", are older than their raw points") +
       "; fit again: " + suggestedCommand(words);
-  std::fprintf(stderr, "pelmora: note: %s\n", oneLine(text).c_str());
+  printNote(text);
 }
 
 }  // namespace pelmora::cli

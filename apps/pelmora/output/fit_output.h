@@ -31,6 +31,5 @@ namespace pelmora::cli {
 using report::jsonText;
 using report::meterJson;
 using report::pointsJson;
-using report::setupsJson;
 
 }  // namespace pelmora::cli

@@ -104,8 +104,8 @@ class Meter:
         return self.series[name]
 
     def report(self, path: Union[str, os.PathLike[str]], *, series: Optional[list[str]] = None) -> str:
-        """Writes the report of the calibration; the ending of the name decides its kind: .html, .svg, .json, .csv or
-        .xlsx. Returns the path.
+        """Writes the report of the calibration; the ending of the name decides its kind: .html, .pdf, .xml (a
+        digital calibration certificate), .svg, .json, .csv or .xlsx. Returns the path.
 
         series: only these; None: all.
 

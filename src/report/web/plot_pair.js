@@ -8,6 +8,7 @@ var shapes = {
   raw2: function (c) { c.rect(-3.6, -3.6, 7.2, 7.2); },
   raw3: function (c) { c.moveTo(0, -4.6); c.lineTo(4.4, 3.4); c.lineTo(-4.4, 3.4); c.closePath(); },
   raw4: function (c) { c.moveTo(0, -4.9); c.lineTo(4.9, 0); c.lineTo(0, 4.9); c.lineTo(-4.9, 0); c.closePath(); },
+  out: function (c) { c.rect(-4, -4, 8, 8); c.moveTo(-4, 0); c.lineTo(4, 0); c.moveTo(0, -4); c.lineTo(0, 4); },
   cut: function (c) { c.moveTo(-4, -4); c.lineTo(4, 4); c.moveTo(-4, 4); c.lineTo(4, -4); },
   merged: function (c) { c.arc(0, 0, 1.5, 0, 7); }
 };
@@ -24,12 +25,28 @@ function curveOf(section) {
   return c;
 }
 
+// Points that came packed: two bytes for each x and y, steps between the ends.
+function unpacked(set) {
+  if (!set.packed) return set;
+  var bytes = atob(set.packed), step = function (at) { return (bytes.charCodeAt(at) + 256 * bytes.charCodeAt(at + 1)) / 65535; };
+  var between = function (ends, share, log) {
+    return log ? ends[0] * Math.pow(ends[1] / ends[0], share) : ends[0] + (ends[1] - ends[0]) * share;
+  };
+  set.x = []; set.y = [];
+  for (var i = 0; i < bytes.length; i += 4) {
+    set.x.push(between(set.xEnds, step(i), set.log));
+    set.y.push(between(set.yEnds, step(i + 2), false));
+  }
+  return set;
+}
+
 // One series: two plots over one x axis.
 function Pair(box, data) {
   this.box = box;
   this.data = data;
   this.hidden = {};
   data.curve = curveOf(document.getElementById(data.id));
+  if (data.attempt) data.curve = { x: data.attempt.x, y: data.attempt.y, c: [], q: [] };
   this.read = box.parentNode.querySelector(".read");
   this.panels = [].map.call(box.querySelectorAll(".panel"), function (g) {
     var d = g.dataset;
@@ -39,7 +56,7 @@ function Pair(box, data) {
   this.window = this.full.slice();
   this.points = [];
   data.points.forEach(function (set) {
-    if (!set.x) {
+    if (!unpacked(set).x) {
       this.points.slice().forEach(function (p) {
         if (p.key.indexOf("raw") === 0) this.points.push(Object.assign({}, p, { key: set.key, label: set.label }));
       }, this);
@@ -72,6 +89,7 @@ Pair.prototype.columns = function (panel) {
   if (!c.x.length) return [this.full, [null, null]];
   var middle = inPercent ? c.y.map(function () { return 0; }) : c.y;
   var list = [c.x, middle];
+  if (this.data.attempt) return list;
   [1, -1].forEach(function (sign) {
     list.push(c.y.map(function (y) { return inPercent ? sign * band * 100 : y * (1 + sign * band); }));
   });
@@ -92,7 +110,7 @@ Pair.prototype.yRange = function (panel, columns) {
   function take(value) { if (value !== null && isFinite(value)) { low = Math.min(low, value); high = Math.max(high, value); } }
   function within(x) { return x >= self.window[0] && x <= self.window[1]; }
   this.points.forEach(function (p) {
-    var isFar = panel.name === "percent" && p.key.indexOf("cut") === 0;
+    var isFar = panel.name === "percent" && /^(cut|out)/.test(p.key);
     if (within(p.x) && !self.hidden[p.key] && !isFar) take(self.shown(panel, p));
   });
   // A line may cross the window between two of its points.
@@ -117,7 +135,7 @@ Pair.prototype.build = function () {
       };
     };
     var edge = function (key) { return { scale: "y", width: 0, points: { show: false }, spanGaps: true, key: key }; };
-    var list = [{}, line("curve")];
+    var list = [{}, self.data.attempt ? line("attempt", [2, 3]) : line("curve")];
     if (columns.length > 2) list.push(line("band", [6, 4]), line("band", [6, 4]), edge("conf"), edge("conf"), edge("pred"), edge("pred"));
     var fill = function (share) { return function () { return colour("ink") + share; }; };
     var axis = function (more) {
@@ -141,7 +159,7 @@ Pair.prototype.build = function () {
       },
       filter: labelled, size: isLast ? 30 : 12
     });
-    if (isLast) x.label = "Roshko number";
+    if (isLast) x.label = self.data.xLabel;
     x.grid.filter = labelled;
     x.ticks.filter = function (u, splits) { return splits; };
     var y = axis({
@@ -183,12 +201,12 @@ Pair.prototype.draw = function (u, panel) {
   this.points.forEach(function (p, i) {
     var value = self.shown(panel, p);
     if (value === null || self.hidden[p.key] || p.x < self.window[0] || p.x > self.window[1]) return;
-    var isCut = p.key.indexOf("cut") === 0, isMerged = p.key === "merged";
+    var isMerged = p.key === "merged";
     c.save();
     c.translate(u.valToPos(p.x, "x", true), u.valToPos(value, "y", true));
     c.scale(ratio, ratio);
     c.beginPath();
-    shapes[isCut ? "cut" : p.key](c);
+    (shapes[p.key] || shapes[p.key.slice(0, 3)])(c);
     c.lineWidth = 1.6;
     c.strokeStyle = c.fillStyle = isMerged ? colour("ink") : colour("p" + p.key.slice(-1));
     if (isMerged) c.fill(); else c.stroke();

@@ -192,7 +192,8 @@ const cases = {
     const page = await open(sixFlows());
     assert.match(await section(page, 1).locator(".warn").textContent(), /distinct x levels/);
     assert.match(await section(page, 4).locator(".warn").textContent(), /No curve is stored/);
-    assert.equal(await section(page, 4).locator(".live canvas").count(), 1);
+    assert.equal(await section(page, 4).locator(".live canvas").count(), 2);
+    assert.match(await section(page, 4).locator("figcaption").textContent(), /best attempt, .*, which is not stored/);
     assert.deepEqual(trouble, []);
   },
 

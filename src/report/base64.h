@@ -1,0 +1,15 @@
+// Bytes as base64 text and back (RFC 4648).
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace pelmora::report {
+
+// With padding, without line breaks.
+[[nodiscard]] std::string base64Text(std::string_view bytes);
+// What is not of the alphabet, line breaks for example, is skipped.
+[[nodiscard]] std::string bytesOfBase64(std::string_view text);
+
+}  // namespace pelmora::report
