@@ -41,8 +41,29 @@ UseDamage TableSalvage::damageOf(const std::string& what) {
   };
 }
 
+// Columns of the affinity TEXT, which never hold a number: SQLite turns it into text when it is
+// stored. A row with one there comes from another table.
+//
+// Source: https://www.sqlite.org/datatype3.html, sections 3 and 3.1.
+void TableSalvage::findTextColumns() {
+  PreparedStatement types(output_.get(),
+                          "SELECT type LIKE '%CHAR%' OR type LIKE '%CLOB%' OR type LIKE '%TEXT%', "
+                          "type LIKE '%INT%' FROM pragma_table_info(?1) ORDER BY cid");
+  types.bind(1, std::string_view(table_.name));
+  while (types.step()) {
+    const bool isInteger = sqlite3_column_int(types.get(), 1) != 0;
+    isText_.push_back(sqlite3_column_int(types.get(), 0) != 0 && !isInteger);
+  }
+  isText_.resize(table_.columns.size());
+}
+
 bool TableSalvage::hasShape(const Record& row) const {
   if (row.size() > table_.columns.size()) return false;
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    const bool isNumber =
+        std::holds_alternative<std::int64_t>(row[i]) || std::holds_alternative<double>(row[i]);
+    if (isText_[i] && isNumber) return false;
+  }
   const auto key = static_cast<std::size_t>(table_.key);
   return table_.key < 0 || (key < row.size() && std::holds_alternative<std::monostate>(row[key]));
 }
@@ -114,6 +135,7 @@ void TableSalvage::bringOver() {
   insert_ = std::make_unique<PreparedStatement>(
       output_.get(), "INSERT OR IGNORE INTO main." + quotedName(table_.name) + " (" + columns +
                          ") VALUES (" + values + ")");
+  findTextColumns();
   chooseIndex();
   rows_ = summaryOfRows();
   const bool isSure =

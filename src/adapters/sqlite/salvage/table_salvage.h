@@ -50,6 +50,7 @@ class TableSalvage {
   };
   [[nodiscard]] Summary summaryOfIndex(const StoredIndex& index);
   [[nodiscard]] Summary summaryOfRows();
+  void findTextColumns();
   void chooseIndex();
   void loadEntries();
   [[nodiscard]] bool hasShape(const Record& row) const;
@@ -63,7 +64,8 @@ class TableSalvage {
   [[nodiscard]] UseDamage damageOf(const std::string& what);
 
   const StoredTable& table_;
-  std::string entries_;  // the temporary table
+  std::vector<bool> isText_;  // by column
+  std::string entries_;       // the temporary table
   PageClaims& claims_;
   TreeWalk walk_;
   const DatabaseHandle& output_;
