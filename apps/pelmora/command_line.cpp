@@ -47,6 +47,10 @@ void addCommands(Program& program) {
   addCalibrateCommand(program);
   addMeterCommand(program);
   addLaboratoryCommand(program);
+  addStandCommand(program);
+  addFlowCommand(program);
+  addDriftCommand(program);
+  addFluidCommand(program);
   addReportCommand(program);
   addCheckDccCommand(program);
   addDeleteCommand(program);

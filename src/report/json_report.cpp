@@ -114,6 +114,7 @@ json settingsJson(const SeriesReport& series) {
           {"maxOrder", orNull(settings.MaxOrder)},
           {"mergeBand", orNull(settings.MergeBandPercent)},
           {"cutsOverlap", !settings.KeepsOverlap},
+          {"spacing", settings.Spacing.empty() ? "usual" : settings.Spacing},
           {"equations", orNull(settings.Equations)},
           {"softwareVersion", orNull(settings.SoftwareVersion)},
           {"fittedAt", orNull(settings.FittedAt)}};

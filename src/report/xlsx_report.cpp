@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "report/xlsx_report.h"
 
+#include "base/time_text.h"
 #include "report/outside_program.h"
-#include "report/report_tables.h"
 #include "report/spreadsheet_library.h"
 
 #include <algorithm>
@@ -129,22 +129,28 @@ void addSheet(lxw_workbook* book, lxw_format* bold, NumberFormats& formats,
   }
 }
 
-}  // namespace
-
-std::string xlsxReport(const Report& report) {
+std::string workbookOf(const std::vector<ReportTable>& tables, std::time_t created) {
   const ScratchFolder folder;  // the library writes files alone
   std::unique_ptr<lxw_workbook, CloseWorkbook> book(
       library().workbook_new(folder.file("report.xlsx").c_str()));
   if (!book) throw std::runtime_error("the workbook cannot be made: no memory");
   lxw_doc_properties properties{};
-  properties.created = timeOf(report.createdAt);
+  properties.created = created;
   require(library().workbook_set_properties(book.get(), &properties));
   lxw_format* bold = library().workbook_add_format(book.get());
   library().format_set_bold(bold);
   NumberFormats formats(book.get());
-  for (const ReportTable& table : reportTables(report)) addSheet(book.get(), bold, formats, table);
+  for (const ReportTable& table : tables) addSheet(book.get(), bold, formats, table);
   require(library().workbook_close(book.release()));
   return folder.read("report.xlsx");
 }
+
+}  // namespace
+
+std::string xlsxReport(const Report& report) {
+  return workbookOf(reportTables(report), timeOf(report.createdAt));
+}
+
+std::string xlsxTable(const ReportTable& table) { return workbookOf({table}, timeOf(utcText())); }
 
 }  // namespace pelmora::report

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "report/report_model.h"
+#include "report/report_tables.h"
 
 #include <string>
 
@@ -13,5 +14,10 @@ namespace pelmora::report {
 //
 // Errors: std::runtime_error if the workbook cannot be made.
 [[nodiscard]] std::string xlsxReport(const Report& report);
+
+// A workbook of one table.
+//
+// Errors: as above.
+[[nodiscard]] std::string xlsxTable(const ReportTable& table);
 
 }  // namespace pelmora::report

@@ -46,11 +46,12 @@ def outputs(folder):
         file.write("one\ntwo\nthree\n" + "".join(f"{x} {2 + x / 100}\n" for x in range(1, 9)))
 
     begin = {"report": [curves, "-o", "-"], "meter": ["set", curves], "laboratory": ["set", curves], "equations": [],
-             "import-access": [], "check-dcc": []}
+             "import-access": [], "check-dcc": [], "stand": ["uncertainty", curves],
+             "fluid set": ["set", curves], "fluid show": ["show", curves]}
 
     def run(command, *arguments, code=0):
-        ended = subprocess.run([PROGRAM, command, *begin.get(command, [curves]), *arguments,
-                                "--json"], capture_output=True, text=True, encoding="utf-8")
+        ended = subprocess.run([PROGRAM, command.split()[0], *begin.get(command, [curves]), *arguments, "--json"],
+                               capture_output=True, text=True, encoding="utf-8")
         if ended.returncode != code:
             raise AssertionError(f"{command} ended with {ended.returncode}, not {code}: {ended.stderr}")
         return json.loads(ended.stdout)
@@ -81,7 +82,25 @@ def outputs(folder):
     yield "equations", run("equations")
     yield "refit", run("refit", "--all")
     yield "refit", run("refit", "--meter", "M1", "--dry-run")
+    stated = os.path.join(folder, "stand.ini")
+    with open(stated, "w", encoding="ascii") as file:
+        file.write("[stand]\nname = S\n[flow]\nstandard = 0.05 %\n[viscosity]\nhalf-width = 1 %\ndistribution = rectangular\n")
     yield "evaluate", run("evaluate", "5", "5000", *series)
+    yield "stand", run("stand", stated, "--meter", "M1")
+    yield "stand", run("stand", "--meter", "M1")
+    yield "stand", run("stand", "--meter", "M1", "--remove")
+    yield "evaluate", run("evaluate", "5", "--table", "--monte-carlo", "20000", *series)
+    yield "evaluate", run("evaluate", "1.05", "--inverse", "--meter", "M1", "--series", "Ratio")
+    yield "fluid", run("fluid set", "--name", "ISO 32", "--point", "40C:32cSt", "--point", "100C:5.4cSt")
+    yield "fluid", run("fluid set", "--name", "Water", "--law", "andrade", "--constant=-3.7188", "--constant", "578.919",
+                       "--constant=-137.546", "--from", "0C", "--to", "100C")
+    yield "fluid", run("fluid show", "--temperature", "60C")
+    yield "flow", run("flow", "--frequency", "600", "--viscosity", "1.2", *series)
+    yield "flow", run("flow", "--frequency", "600", "--frequency-b", "640", "--viscosity", "1.2", "--meter", "M1")
+    yield "flow", run("flow", "--frequency", "6e6", "--viscosity", "1.2", *series)
+    yield "drift", run("drift", *series)
+    yield "drift", run("drift", "--limit", "1", "--at", "100", *series)
+    yield "export --for", run("export", "--for", "linear", "--viscosity", "2", *series)
     yield "compare", run("compare", *series)
     yield "compare", run("compare", "--meter", "M1", "--series", "Rotor B", "--with", curves, "--from", "0",
                            "--tolerance", "1e-9", code=MOVED)

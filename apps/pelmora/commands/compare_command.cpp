@@ -3,6 +3,7 @@
 #include "apps/pelmora/options/common_options.h"
 #include "apps/pelmora/options/strict_number.h"
 #include "apps/pelmora/output/curve_note.h"
+#include "apps/pelmora/output/shift_output.h"
 #include "apps/pelmora/output/standard_output.h"
 #include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/session.h"
@@ -52,7 +53,31 @@ Meter earlierOf(const Database& lab, const CompareRequest& request, const Meter&
 struct Compared {
   StoredSeries earlier, now;
   Comparison shift;
+  // The place where the shift is largest against its uncertainty; absent if that is not known.
+  std::optional<calibration::CurveShift> clearest;
+  std::vector<std::string> warnings;
 };
+
+void addSignificance(const calibration::FittedCurve& earlier, const calibration::FittedCurve& now,
+                     Compared& result) {
+  std::vector<double> places{result.shift.lowest.roshko, result.shift.highest.roshko};
+  const auto& shifts = result.shift.shifts;
+  const std::size_t rows = std::min(mostRows, shifts.size());
+  for (std::size_t i = 0; i < rows; ++i)
+    places.push_back(shifts[rows == 1 ? 0 : i * (shifts.size() - 1) / (rows - 1)].roshko);
+  for (const double roshko : places) {
+    const auto shift = calibration::shiftOf(earlier, now, roshko);
+    if (!shift) continue;
+    if (!result.clearest || std::abs(shift->en) > std::abs(result.clearest->en))
+      result.clearest = shift;
+  }
+  const auto pass = [&](const std::string& which, const calibration::FittedCurve& curve) {
+    for (const std::string& warning : curve.warnings())
+      result.warnings.push_back(which + ": " + warning);
+  };
+  pass("calibration " + std::to_string(result.earlier.meter.calibration), earlier);
+  pass("calibration " + std::to_string(result.now.meter.calibration), now);
+}
 
 Compared compared(const CompareRequest& request) {
   Compared result;
@@ -61,8 +86,10 @@ Compared compared(const CompareRequest& request) {
   const Meter now = lab.meter(request.meter, request.calibration);
   result.now = lab.series(now, request.series);
   const PointArray& curve = result.now.storedCurve();
+  std::optional<calibration::FittedCurve> earlier;
   const auto readEarlier = [&](const Database& other) {
     result.earlier = other.series(earlierOf(other, request, now), request.series);
+    earlier = other.fittedCurve(result.earlier, session.observer());
   };
   if (request.otherPath.empty()) {
     readEarlier(lab);
@@ -71,10 +98,32 @@ Compared compared(const CompareRequest& request) {
     readEarlier(other.database());
   }
   result.shift = calibration::compareCurves(result.earlier.storedCurve(), curve);
-  if (!result.shift.shifts.empty()) return result;
+  if (!result.shift.shifts.empty()) {
+    addSignificance(*earlier, lab.fittedCurve(result.now, session.observer()), result);
+    session.progress().clear();
+    return result;
+  }
   throw Trouble(ExitCode::badInput,
                 "the two curves of series '" + result.now.name + "' have no range in common",
                 "fit them over ranges that overlap");
+}
+
+std::string significanceText(const Compared& result) {
+  if (!result.clearest) {
+    return wrapped(
+        "Whether the shift is significant is not known: a fit cannot be made again, or nothing but "
+        "what both calibrations share is uncertain.",
+        0);
+  }
+  const calibration::CurveShift& shift = *result.clearest;
+  return wrapped(std::string("The shift is ") + (shift.isSignificant() ? "" : "not ") +
+                     "significant: at Roshko " + significantText(shift.roshko, 6) + " it is " +
+                     percentText(shift.percent) +
+                     " % with U = " + significantText(shift.uncertaintyPercent, 2) +
+                     " % (k = " + fixedText(shift.coverageFactor, 2) +
+                     "), En = " + significantText(shift.en, 2) +
+                     ". U leaves out what the stand does to both alike.",
+                 0);
 }
 
 std::string comparisonText(const CompareRequest& request, const Compared& result) {
@@ -99,23 +148,30 @@ std::string comparisonText(const CompareRequest& request, const Compared& result
     const auto& shift = shifts[rows == 1 ? 0 : i * (shifts.size() - 1) / (rows - 1)];
     table.addRow({significantText(shift.roshko, 6), percentText(shift.percent)});
   }
-  return text + "\n" + summary.text() + "\n" + table.text();
+  text += "\n" + summary.text() + "\n" + table.text() + "\n" + significanceText(result);
+  for (const std::string& warning : result.warnings) text += wrapped("Warning, " + warning, 0);
+  return text;
 }
 
 std::string comparisonJson(const CompareRequest& request, const Compared& result) {
   const auto shiftJson = [](const Shift& shift) {
     return nlohmann::json{{"roshko", shift.roshko}, {"percent", shift.percent}};
   };
-  nlohmann::json value{{"database", request.curves.path},
-                       {"series", result.now.name},
-                       {"earlier", report::meterJson(result.earlier.meter)},
-                       {"now", report::meterJson(result.now.meter)},
-                       {"earlierCurveAge", calibration::curveAgeKey(result.earlier.age)},
-                       {"curveAge", calibration::curveAgeKey(result.now.age)},
-                       {"meanPercent", result.shift.meanPercent},
-                       {"lowest", shiftJson(result.shift.lowest)},
-                       {"highest", shiftJson(result.shift.highest)},
-                       {"shifts", nlohmann::json::array()}};
+  nlohmann::json value{
+      {"database", request.curves.path},
+      {"series", result.now.name},
+      {"earlier", report::meterJson(result.earlier.meter)},
+      {"now", report::meterJson(result.now.meter)},
+      {"earlierCurveAge", calibration::curveAgeKey(result.earlier.age)},
+      {"curveAge", calibration::curveAgeKey(result.now.age)},
+      {"meanPercent", result.shift.meanPercent},
+      {"lowest", shiftJson(result.shift.lowest)},
+      {"highest", shiftJson(result.shift.highest)},
+      {"significant",
+       result.clearest ? nlohmann::json(result.clearest->isSignificant()) : nlohmann::json()},
+      {"clearest", judgedShiftJson(result.clearest)},
+      {"warnings", result.warnings},
+      {"shifts", nlohmann::json::array()}};
   if (!request.otherPath.empty()) value["earlierDatabase"] = request.otherPath;
   for (const auto& shift : result.shift.shifts) value["shifts"].push_back(shiftJson(shift));
   return report::jsonText(value);

@@ -2,42 +2,70 @@
 #include "apps/pelmora/commands/commands.h"
 #include "apps/pelmora/options/common_options.h"
 #include "apps/pelmora/options/strict_number.h"
+#include "apps/pelmora/output/budget_output.h"
 #include "apps/pelmora/output/curve_note.h"
 #include "apps/pelmora/output/standard_output.h"
 #include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/session.h"
+#include "report/json_null.h"
 #include "report/json_values.h"
 
 #include <nlohmann/json.hpp>
 
+#include <cmath>
 #include <memory>
 
 namespace pelmora::cli {
 namespace {
 
-using calibration::Curve;
+using calibration::CurveEstimate;
+using calibration::CurveSource;
 using calibration::CurveValue;
+using calibration::EvaluateOptions;
+using calibration::FittedCurve;
+using calibration::MonteCarloCheck;
+using calibration::ReadAs;
 
 struct EvaluateRequest {
   DatabaseOption curves;
   std::string meter, series;
   std::vector<std::string> numbers;
   std::int16_t calibration = calibration::latestCalibration;
-  bool isInverse = false, asJson = false;
+  EvaluateOptions options;
+  std::int64_t trials = 0;
+  bool isInverse = false, showsBudget = false, asJson = false;
 };
 
-std::vector<double> numbersOf(const EvaluateRequest& request) {
-  std::vector<double> numbers;
-  for (const std::string& text : request.numbers)
-    numbers.push_back(numberOption(request.isInverse ? "STROUHAL" : "ROSHKO", text));
-  return numbers;
-}
+// A value of the curve beside the bands of its table.
+struct Evaluated {
+  CurveEstimate estimate;
+  CurveValue bands;
+  std::optional<MonteCarloCheck> check;
+  // From the unit of Strouhal to that of the value.
+  double scale = 1;
+};
 
-std::vector<CurveValue> valuesAt(const Curve& curve, const std::vector<double>& numbers,
-                                 bool isInverse) {
-  std::vector<CurveValue> values;
-  for (const double number : numbers)
-    values.push_back(isInverse ? curve.inverse(number) : curve(number));
+std::vector<Evaluated> evaluated(const FittedCurve& curve, const EvaluateRequest& request) {
+  std::vector<Evaluated> values;
+  for (const std::string& text : request.numbers) {
+    const double number = numberOption(request.isInverse ? "STROUHAL" : "ROSHKO", text);
+    Evaluated value;
+    value.estimate = request.isInverse ? curve.inverse(number, request.options)
+                                       : curve.at(number, request.options);
+    value.bands = request.isInverse ? curve.table().inverse(number) : curve.table()(number);
+    if (request.isInverse) {
+      // A level curve says nothing about the Roshko number.
+      if (value.estimate.slope == 0)
+        value.estimate.budget.reset();
+      else
+        value.scale = 1 / std::abs(value.estimate.slope);
+    }
+    if (request.trials > 0 && value.estimate.budget) {
+      value.check = curve.monteCarlo(value.estimate.roshko, request.options,
+                                     static_cast<std::size_t>(request.trials));
+    }
+    values.push_back(std::move(value));
+  }
   return values;
 }
 
@@ -45,26 +73,35 @@ std::string halfWidth(const std::optional<double>& width) {
   return width ? significantText(*width, 3) : "-";
 }
 
-std::string valuesText(const Curve& curve, const std::vector<CurveValue>& values, bool isInverse) {
-  const auto right = TextAlign::right;
-  const std::string of = isInverse ? "Roshko" : "Strouhal";
-  TextTable table({{isInverse ? "Strouhal" : "Roshko", right},
-                   {of, right},
-                   {"95 % confidence +-", right},
-                   {"95 % prediction +-", right},
-                   {""}});
-  bool isAnyExtrapolated = false;
-  for (const CurveValue& value : values) {
-    isAnyExtrapolated |= value.isExtrapolated;
-    const std::string roshko = significantText(value.roshko, 8),
-                      strouhal = significantText(value.strouhal, 8);
-    table.addRow({isInverse ? strouhal : roshko, isInverse ? roshko : strouhal,
-                  halfWidth(value.confidence), halfWidth(value.prediction),
-                  value.isExtrapolated ? "extrapolated" : ""});
+std::string sourceText(const FittedCurve& curve, ReadAs reading) {
+  if (reading != ReadAs::none) {
+    return "Read from the stored table of " + counted(curve.table().points().size(), "point") +
+           "; the reading error is part of U.";
   }
-  std::string text = table.text();
+  if (curve.source() == CurveSource::table) {
+    return "Read linearly from the stored table: a new fit does not give this curve again, so its "
+           "equation and its uncertainty are not known; fit the series again.";
+  }
+  return "Values of the " + std::string(curveSourceName(curve.source())) +
+         (curve.source() == CurveSource::equation ? " '" + curve.name() + "'" : "") + " itself.";
+}
+
+std::string notesText(const FittedCurve& curve, const std::vector<Evaluated>& values,
+                      ReadAs reading) {
+  std::string text = wrapped(sourceText(curve, reading), 0);
+  bool isAnyExtrapolated = false, hasBudget = false;
+  for (const Evaluated& value : values) {
+    isAnyExtrapolated |= value.estimate.isExtrapolated;
+    if (!value.estimate.budget || hasBudget) continue;
+    hasBudget = true;
+    text += wrapped(value.estimate.budget->contents(), 0);
+  }
+  text += wrapped(
+      "The 95 % bands contain the scatter of the points alone: of the curve (confidence), of one "
+      "more measured point (prediction).",
+      0);
   if (!isAnyExtrapolated) return text;
-  return text + "\n" +
+  return text +
          wrapped("Extrapolated: beyond the curve, which covers Roshko " +
                      significantText(curve.lowestRoshko(), 6) + " to " +
                      significantText(curve.highestRoshko(), 6) +
@@ -73,46 +110,123 @@ std::string valuesText(const Curve& curve, const std::vector<CurveValue>& values
                  0);
 }
 
-nlohmann::json numberOrNull(const std::optional<double>& number) {
-  return number ? nlohmann::json(*number) : nlohmann::json();
+std::string valuesText(const FittedCurve& curve, const std::vector<Evaluated>& values,
+                       const EvaluateRequest& request) {
+  const auto right = TextAlign::right;
+  const bool isInverse = request.isInverse;
+  TextTable table({{isInverse ? "Strouhal" : "Roshko", right},
+                   {isInverse ? "Roshko" : "Strouhal", right},
+                   {"U +-", right},
+                   {"U %", right},
+                   {"95 % conf. +-", right},
+                   {"95 % pred. +-", right},
+                   {""}});
+  std::string details;
+  for (const Evaluated& value : values) {
+    const CurveEstimate& at = value.estimate;
+    const std::string roshko = significantText(at.roshko, 8),
+                      strouhal = significantText(at.strouhal, 8);
+    const auto budget = at.budget;
+    std::string percent = expandedPercentText(budget);
+    if (isInverse && budget) {
+      percent =
+          significantText(100 * budget->roundedExpanded() * value.scale / std::abs(at.roshko), 2);
+    }
+    table.addRow({isInverse ? strouhal : roshko, isInverse ? roshko : strouhal,
+                  expandedText(budget, value.scale), percent, halfWidth(value.bands.confidence),
+                  halfWidth(value.bands.prediction), at.isExtrapolated ? "extrapolated" : ""});
+    if (request.showsBudget && budget) {
+      details += "\nStrouhal " + strouhal + " at Roshko " + roshko + ":\n" + budgetText(*budget);
+    }
+    if (value.check && budget) {
+      details +=
+          wrapped("Monte Carlo at Roshko " + roshko +
+                      ": U = " + significantText(value.check->halfWidth() * value.scale, 3) +
+                      " of " + std::to_string(value.check->trials) + " trials" +
+                      (value.check->isStable ? "" : ", not stable yet") + "; by the budget " +
+                      significantText(
+                          budget->coverageFactor * budget->standardUncertainty * value.scale, 3) +
+                      ".",
+                  0);
+    }
+  }
+  return table.text() + details + "\n" + notesText(curve, values, request.options.reading);
 }
 
-nlohmann::json valuesJson(const std::vector<CurveValue>& values) {
+nlohmann::json valuesJson(const std::vector<Evaluated>& values, bool isInverse) {
   nlohmann::json list = nlohmann::json::array();
-  for (const CurveValue& value : values) {
-    list.push_back({{"roshko", value.roshko},
-                    {"strouhal", value.strouhal},
-                    {"confidenceHalfWidth", numberOrNull(value.confidence)},
-                    {"predictionHalfWidth", numberOrNull(value.prediction)},
-                    {"extrapolated", value.isExtrapolated}});
+  for (const Evaluated& value : values) {
+    nlohmann::json each{{"roshko", value.estimate.roshko},
+                        {"strouhal", value.estimate.strouhal},
+                        {"confidenceHalfWidth", report::orNull(value.bands.confidence)},
+                        {"predictionHalfWidth", report::orNull(value.bands.prediction)},
+                        {"extrapolated", value.estimate.isExtrapolated}};
+    const auto of = isInverse ? std::optional(value.estimate.roshko) : std::nullopt;
+    addBudget(each, value.estimate.budget, value.scale, of);
+    if (value.check) each["monteCarlo"] = monteCarloJson(*value.check, value.scale);
+    list.push_back(std::move(each));
   }
   return list;
 }
 
 void evaluate(const EvaluateRequest& request) {
-  const std::vector<double> numbers = numbersOf(request);
   Session session(request.curves, calibration::Mode::read);
   const calibration::Database& lab = session.database();
   const calibration::Meter meter = lab.meter(request.meter, request.calibration);
   const calibration::StoredSeries series = lab.series(meter, request.series);
-  const Curve curve = lab.curve(series, session.observer());
-  const std::vector<CurveValue> values = valuesAt(curve, numbers, request.isInverse);
+  const FittedCurve curve = lab.fittedCurve(series, session.observer());
+  const std::vector<Evaluated> values = evaluated(curve, request);
   session.progress().clear();
   noteOldCurves(session.path(), request.calibration, {series});
-  if (!request.asJson) return printData(valuesText(curve, values, request.isInverse));
-  printData(report::jsonText({{"database", session.path()},
-                              {"meter", report::meterJson(meter)},
-                              {"series", series.name},
-                              {"curveAge", calibration::curveAgeKey(series.age)},
-                              {"halfWidthsOf", request.isInverse ? "roshko" : "strouhal"},
-                              {"values", valuesJson(values)}}));
+  if (!request.asJson) return printData(valuesText(curve, values, request));
+  const std::string reading = calibration::tableReadingKey(request.options.reading);
+  printData(
+      report::jsonText({{"database", session.path()},
+                        {"meter", report::meterJson(meter)},
+                        {"series", series.name},
+                        {"curveAge", calibration::curveAgeKey(series.age)},
+                        {"source", reading.empty() ? curveSourceName(curve.source()) : "table"},
+                        {"reading", reading.empty() ? nlohmann::json() : nlohmann::json(reading)},
+                        {"equation", curve.name()},
+                        {"halfWidthsOf", request.isInverse ? "roshko" : "strouhal"},
+                        {"values", valuesJson(values, request.isInverse)}}));
+}
+
+void addValueOptions(Command& command, const std::shared_ptr<EvaluateRequest>& request) {
+  command.addFlag("--inverse", request->isInverse,
+                  "Roshko at given Strouhal, if the curve has a single answer");
+  command.addFlag(
+      "--table",
+      [request] {
+        if (request->options.reading == ReadAs::none) request->options.reading = ReadAs::linear;
+      },
+      "Read the stored table as a flow computer does, instead of the curve itself; the reading "
+      "error is then part of U");
+  command.addChoice({"--read", "linear|log|cubic", "How --table reads it (default: linear)"},
+                    [request](const std::string& word) {
+                      request->options.reading = word == "log"     ? ReadAs::log
+                                                 : word == "cubic" ? ReadAs::cubic
+                                                                   : ReadAs::linear;
+                    });
+  command.addFlag("--budget", request->showsBudget, "Show the uncertainty budget of each value");
+  command.addText({"--monte-carlo", "N", "Check U with up to N draws of all errors"},
+                  [request](const std::string& text) {
+                    request->trials = integerOption("--monte-carlo", text, 1, 100'000'000);
+                  });
+  command.addText(
+      {"--viscosity", "CST",
+       "Viscosity of the fluid, for a stand whose uncertainty is stated in units rather "
+       "than in %"},
+      [request](const std::string& text) {
+        request->options.viscosity = numberOption("--viscosity", text);
+      });
 }
 
 }  // namespace
 
 void addEvaluateCommand(Program& program) {
-  Command command =
-      program.add("evaluate", "Read a stored curve at given Roshko numbers, with its uncertainty");
+  Command command = program.add(
+      "evaluate", "Evaluate a stored curve at given Roshko numbers, with its uncertainty");
   const auto request = std::make_shared<EvaluateRequest>();
   addDatabase(command, request->curves);
   command.addValues({"X", "NUMBER", "Roshko numbers; with --inverse Strouhal numbers"},
@@ -120,8 +234,7 @@ void addEvaluateCommand(Program& program) {
   addMeter(command, request->meter, true);
   addSeries(command, request->series, true);
   addCalibration(command, request->calibration);
-  command.addFlag("--inverse", request->isInverse,
-                  "Roshko at given Strouhal, if the curve has a single answer");
+  addValueOptions(command, request);
   addJson(command, request->asJson);
   command.onRun([request] { evaluate(*request); });
 }

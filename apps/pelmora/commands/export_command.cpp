@@ -1,27 +1,55 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/commands/commands.h"
 #include "apps/pelmora/options/common_options.h"
+#include "apps/pelmora/options/service_options.h"
+#include "apps/pelmora/options/strict_number.h"
 #include "apps/pelmora/output/curve_note.h"
+#include "apps/pelmora/output/flow_table_output.h"
 #include "apps/pelmora/output/output_file.h"
 #include "apps/pelmora/output/standard_output.h"
+#include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/session.h"
-#include "report/csv_report.h"
+#include "apps/pelmora/trouble.h"
 #include "report/json_values.h"
+#include "report/xlsx_report.h"
 
 #include <nlohmann/json.hpp>
 
+#include <cstdio>
 #include <memory>
 
 namespace pelmora::cli {
 namespace {
 
+using calibration::ReadAs;
+using calibration::TableForm;
+
+enum class FileKind { csv, xlsx, json };
+
 struct ExportRequest {
   DatabaseOption curves;
-  std::string meter, output = "-", what = "all";
+  std::string meter, output = "-", points, form;
   std::vector<std::string> series;
   std::int16_t calibration = calibration::latestCalibration;
+  calibration::TableOptions table;
+  FluidOptions fluid;
+  CsvForm csv;
   bool asJson = false;
 };
+
+FileKind kindOf(const ExportRequest& request) {
+  const std::string& file = request.output;
+  if (file == "-") return request.asJson ? FileKind::json : FileKind::csv;
+  if (file.ends_with(".json")) return FileKind::json;
+  if (!request.asJson && file.ends_with(".csv")) return FileKind::csv;
+  if (!request.asJson && file.ends_with(".xlsx")) return FileKind::xlsx;
+  if (request.asJson) {
+    throw Trouble(ExitCode::usage, "--output: '" + file + "' does not end in .json, as --json asks",
+                  "end the name in .json, or leave --json out");
+  }
+  throw Trouble(ExitCode::usage, "--output: '" + file + "' has no known ending",
+                "end the name in .csv, .xlsx or .json");
+}
 
 // One table of points of a series.
 struct PointTable {
@@ -49,16 +77,18 @@ std::vector<PointTable> tablesOf(const std::vector<calibration::StoredSeries>& a
   return tables;
 }
 
-std::string tablesCsv(const std::vector<PointTable>& tables) {
-  std::string text = "series,points,roshko,strouhal\n";
+report::ReportTable pointRows(const std::vector<PointTable>& tables) {
+  report::ReportTable made{"points", {"series", "points", "roshko", "strouhal"}, {}};
   for (const PointTable& table : tables) {
-    const std::string begin = report::csvCell(table.series) + "," + table.kind + ",";
     for (std::size_t i = 0; i < table.points.size(); ++i) {
-      text += begin + report::csvCell(table.points(i, 0)) + "," +
-              report::csvCell(table.points(i, 1)) + "\n";
+      std::vector<Value>& cells = made.rows.emplace_back(4);
+      cells[0] = table.series;
+      cells[1] = table.kind;
+      cells[2] = table.points(i, 0);
+      cells[3] = table.points(i, 1);
     }
   }
-  return text;
+  return made;
 }
 
 std::string tablesJson(const std::string& database, const calibration::Meter& meter,
@@ -66,11 +96,8 @@ std::string tablesJson(const std::string& database, const calibration::Meter& me
                        const std::vector<PointTable>& tables) {
   nlohmann::json value{{"database", database},
                        {"meter", report::meterJson(meter)},
-                       {"curveAges", nlohmann::json::array()},
+                       {"curveAges", curveAgesJson(all)},
                        {"tables", nlohmann::json::array()}};
-  for (const calibration::StoredSeries& series : all)
-    value["curveAges"].push_back(
-        {{"series", series.name}, {"curveAge", calibration::curveAgeKey(series.age)}});
   for (const PointTable& table : tables) {
     value["tables"].push_back({{"series", table.series},
                                {"points", table.kind},
@@ -79,35 +106,140 @@ std::string tablesJson(const std::string& database, const calibration::Meter& me
   return report::jsonText(value);
 }
 
-void exportPoints(const ExportRequest& request) {
+// What --points says: a number of points with --for, otherwise which points.
+std::string wantedPoints(const ExportRequest& request) {
+  if (request.points.empty()) return "all";
+  for (const char* word : {"all", "raw", "merged", "curve"}) {
+    if (request.points == word) return word;
+  }
+  throw Trouble(ExitCode::usage, "--points: '" + request.points + "' is not one of its values",
+                "give all, raw, merged or curve; a number of points goes with --for");
+}
+
+std::string contentOf(const ExportRequest& request, FileKind kind, const report::ReportTable& table,
+                      const std::string& json) {
+  if (kind == FileKind::json) return json;
+  return kind == FileKind::csv ? tableCsv(table, request.csv) : report::xlsxTable(table);
+}
+
+void writeContent(const ExportRequest& request, const std::string& content) {
+  if (request.output == "-") return printData(content);
+  writeOutputFile(request.output, content);
+}
+
+void exportPoints(const ExportRequest& request, FileKind kind, Session& session,
+                  const calibration::Meter& meter) {
+  const auto all = session.database().everySeries(meter, request.series);
+  const std::string which = wantedPoints(request);
+  const auto tables = tablesOf(all, which);
+  const std::string json =
+      kind == FileKind::json ? tablesJson(session.path(), meter, all, tables) : "";
+  if (which != "raw") noteOldCurves(session.path(), request.calibration, all);
+  writeContent(request, contentOf(request, kind, pointRows(tables), json));
+}
+
+// A table for a flow computer, of one series.
+void exportTable(const ExportRequest& request, FileKind kind, Session& session,
+                 const calibration::Meter& meter) {
+  const calibration::Database& lab = session.database();
+  if (request.series.size() != 1) {
+    throw Trouble(ExitCode::usage, "a table for a flow computer is of one series",
+                  "name it with --series NAME");
+  }
+  calibration::TableOptions options = request.table;
+  if (!request.points.empty()) {
+    constexpr std::int64_t mostPoints = 5000;
+    options.points =
+        static_cast<std::size_t>(integerOption("--points", request.points, 2, mostPoints));
+  }
+  options.form = request.form == "uvc"      ? TableForm::uvc
+                 : request.form == "linear" ? TableForm::linear
+                                            : TableForm::roshko;
+  options.viscosity = viscosityOf(request.fluid, lab);
+  options.celsius = celsiusOf(request.fluid);
+  options.expansionPerKelvin = request.fluid.expansionPerKelvin;
+  const calibration::StoredSeries series = lab.series(meter, request.series.front());
+  const calibration::FlowComputerTable table =
+      calibration::tableFor(lab.fittedCurve(series, session.observer()), options);
+  session.progress().clear();
+  noteOldCurves(session.path(), request.calibration, {series});
+  nlohmann::json json = flowTableJson(table);
+  json["database"] = session.path();
+  json["meter"] = report::meterJson(meter);
+  json["series"] = series.name;
+  json["curveAge"] = calibration::curveAgeKey(series.age);
+  writeContent(request, contentOf(request, kind, flowTable(table), report::jsonText(json)));
+  // The data have standard output to themselves.
+  const std::string summary = flowTableText(table);
+  if (request.output != "-")
+    return printData(wrapped("Wrote " + request.output + ".", 0) + summary);
+  std::fputs(summary.c_str(), stderr);
+}
+
+void runExport(const ExportRequest& request) {
+  const FileKind kind = kindOf(request);
+  if (request.form.empty()) (void)wantedPoints(request);
+  if (request.csv.separator == request.csv.decimal) {
+    throw Trouble(ExitCode::usage, "the separator and the decimal sign are the same",
+                  "give --separator semicolon or tab with --decimal comma");
+  }
   if (request.output != "-") requireOutputFile(request.output, request.curves.path);
   Session session(request.curves, calibration::Mode::read);
-  const calibration::Database& lab = session.database();
-  const calibration::Meter meter = lab.meter(request.meter, request.calibration);
-  const auto all = lab.everySeries(meter, request.series);
-  const auto tables = tablesOf(all, request.what);
-  const std::string text =
-      request.asJson ? tablesJson(session.path(), meter, all, tables) : tablesCsv(tables);
-  if (request.what != "raw") noteOldCurves(session.path(), request.calibration, all);
-  if (request.output == "-") return printData(text);
-  writeOutputFile(request.output, text);
+  const calibration::Meter meter = session.database().meter(request.meter, request.calibration);
+  if (request.form.empty()) return exportPoints(request, kind, session, meter);
+  exportTable(request, kind, session, meter);
+}
+
+void addTableOptions(Command& command, const std::shared_ptr<ExportRequest>& request) {
+  command.addChoice({"--for", "roshko|uvc|linear",
+                     "Write a table for a flow computer instead: Strouhal over Roshko, K over "
+                     "f/v (universal viscosity curve), or K over f in one fluid. Its points lie "
+                     "where reading between them errs least"},
+                    request->form);
+  command.addChoice({"--read", "linear|log|cubic",
+                     "How the flow computer reads between points (default: linear)"},
+                    [request](const std::string& word) {
+                      request->table.reading = word == "log"     ? ReadAs::log
+                                               : word == "cubic" ? ReadAs::cubic
+                                                                 : ReadAs::linear;
+                    });
+  command.addFlag("--even", request->table.evenly,
+                  "Space the points evenly in the logarithm instead");
+  addFluid(command, request->fluid);
+  command.addText({"--x-unit", "UNIT", "Unit of the first column (default Hz/cSt or Hz)"},
+                  request->table.xUnit);
+  command.addText({"--y-unit", "UNIT", "Unit of K and Strouhal (default pulses/gal)"},
+                  request->table.yUnit);
+  command.addChoice({"--separator", "comma|semicolon|tab", "Of a CSV file (default: comma)"},
+                    [request](const std::string& word) {
+                      request->csv.separator = word == "tab" ? '\t' : word == "comma" ? ',' : ';';
+                    });
+  command.addChoice(
+      {"--decimal", "point|comma", "Decimal sign of a CSV file (default: point)"},
+      [request](const std::string& word) { request->csv.decimal = word == "comma" ? ',' : '.'; });
 }
 
 }  // namespace
 
 void addExportCommand(Program& program) {
-  Command command = program.add("export", "Write stored points as CSV or JSON, every digit");
+  Command command =
+      program.add("export", "Write stored points, every digit, or a table for a flow computer");
   const auto request = std::make_shared<ExportRequest>();
   addDatabase(command, request->curves);
   addMeter(command, request->meter, true);
   addSeriesList(command, request->series);
   addCalibration(command, request->calibration);
-  command.addChoice({"--points", "all|raw|merged|curve", "Which points (default: all)"},
-                    request->what);
-  addPath(command, {"-o,--output", "FILE", "File to write (default: standard output)"},
+  command.addText({"--points", "WHICH|N",
+                   "Which points: all, raw, merged or curve (default: all); with --for how many "
+                   "(default: 40)"},
+                  request->points);
+  addTableOptions(command, request);
+  addPath(command,
+          {"-o,--output", "FILE",
+           "File to write: .csv, .xlsx or .json (default: CSV on standard output)"},
           request->output);
   addJson(command, request->asJson);
-  command.onRun([request] { exportPoints(*request); });
+  command.onRun([request] { runExport(*request); });
 }
 
 }  // namespace pelmora::cli

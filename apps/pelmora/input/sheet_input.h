@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "apps/pelmora/options/command.h"
 #include "apps/pelmora/trouble.h"
 
 #include <pelmora/sheet.h>
@@ -9,6 +10,9 @@
 #include <string>
 
 namespace pelmora::cli {
+
+// --separator and --decimal.
+void addSheetStyle(Command& command, sheets::Style& style);
 
 // The remedy and the option that settles the doubt, if there is one.
 [[nodiscard]] std::string remedyWithOption(const std::string& remedy,

@@ -106,6 +106,12 @@ void addFitChoices(Command& command, FitChoices& options, const std::string& oth
       {"--max-order", "N", "Highest order of the polynomials"}, [&change](const std::string& text) {
         change.maxOrder = static_cast<int>(integerOption("--max-order", text, 0, highestOrder));
       });
+  command.addChoice(
+      {"--spacing", "usual|optimal",
+       "Where the points of the curve's table lie. usual: evenly in the logarithm of Roshko, "
+       "closer together where a trusted curve bends. optimal: where a flow computer that reads "
+       "linearly between them errs least"},
+      [&change](const std::string& text) { change.spacing = calibration::spacingOf(text); });
   addRoshko(command, "--fit-min", change.fitMin, "Points below ROSHKO are not fitted");
   addRoshko(command, "--fit-max", change.fitMax, "Points above ROSHKO are not fitted");
   addMergeOptions(command, change);

@@ -4,6 +4,8 @@
 #include "apps/pelmora/output/suggested_command.h"
 #include "apps/pelmora/trouble.h"
 
+#include <nlohmann/json.hpp>
+
 namespace pelmora::cli {
 
 void noteOldCurves(const std::string& database, int calibration,
@@ -29,6 +31,13 @@ void noteOldCurves(const std::string& database, int calibration,
       (names.size() == 1 ? ", is older than its raw points" : ", are older than their raw points") +
       "; fit again: " + suggestedCommand(words);
   printNote(text);
+}
+
+nlohmann::json curveAgesJson(const std::vector<calibration::StoredSeries>& series) {
+  nlohmann::json ages = nlohmann::json::array();
+  for (const calibration::StoredSeries& each : series)
+    ages.push_back({{"series", each.name}, {"curveAge", calibration::curveAgeKey(each.age)}});
+  return ages;
 }
 
 }  // namespace pelmora::cli

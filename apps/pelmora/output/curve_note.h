@@ -4,6 +4,8 @@
 
 #include <pelmora/calibration/values.h>
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <string>
 #include <vector>
 
@@ -15,5 +17,8 @@ namespace pelmora::cli {
 // calibration: as it was asked for; negative: the latest.
 void noteOldCurves(const std::string& database, int calibration,
                    const std::vector<calibration::StoredSeries>& series);
+
+// "curveAges": the name and the age of each.
+[[nodiscard]] nlohmann::json curveAgesJson(const std::vector<calibration::StoredSeries>& series);
 
 }  // namespace pelmora::cli

@@ -88,6 +88,7 @@ json fitJson(const CheckedFit& checked, const FitCall& call) {
           {"fitRange", {{"min", orNull(settings.fitMin)}, {"max", orNull(settings.fitMax)}}},
           {"mergeBand", orNull(settings.mergeBand)},
           {"cutsOverlap", settings.cutsOverlap},
+          {"spacing", calibration::spacingKey(settings.spacing)},
           {"range", {{"min", fit.min}, {"max", fit.max}}},
           {"rawPoints", fit.rawPoints},
           {"merged", pointsJson(fit.merged)},

@@ -2,20 +2,12 @@
 #include "apps/pelmora/output/suggested_fit.h"
 
 #include "apps/pelmora/output/suggested_command.h"
+#include "base/readable_number.h"
 
-#include <array>
-#include <charconv>
 #include <vector>
 
 namespace pelmora::cli {
 namespace {
-
-// The shortest text that reads back as the same number.
-std::string exactText(double value) {
-  std::array<char, 32> buffer{};
-  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
-  return {buffer.data(), end};
-}
 
 class FitWords {
  public:
@@ -58,6 +50,7 @@ std::string fitCommand(const FitCall& call) {
   words.add("--choose", given.choice ? calibration::choiceKey(*given.choice) : std::string());
   words.add("--only", call.choices.only);
   words.add("--without", call.choices.without);
+  words.add("--spacing", given.spacing ? calibration::spacingKey(*given.spacing) : std::string());
   words.add("--max-order", wholeText(given.maxOrder));
   words.add("--fit-min", given.fitMin);
   words.add("--fit-max", given.fitMax);

@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+#include "report/drift_page.h"
+
+#include "base/readable_number.h"
+#include "report/html_table.h"
+#include "report/markup.h"
+#include "report/plot_scale.h"
+
+#include <cmath>
+#include <vector>
+
+namespace pelmora::report {
+namespace {
+
+using calibration::Drift;
+using calibration::DriftPlace;
+using calibration::DriftValue;
+
+constexpr double width = 720, panelHeight = 150, left = 70, right = 16, head = 40, gap = 42;
+constexpr const char *ink = "#1f2933", *soft = "#5f6c7b", *grid = "#d9dee4", *limit = "#b3452c";
+
+std::string number(double value) { return coordinate(value); }
+
+std::string line(double x1, double y1, double x2, double y2, const char* colour,
+                 const std::string& more = "") {
+  return "<line x1=\"" + number(x1) + "\" y1=\"" + number(y1) + "\" x2=\"" + number(x2) +
+         "\" y2=\"" + number(y2) + "\" stroke=\"" + colour + "\"" + more + "/>";
+}
+
+std::string label(double x, double y, const std::string& content, const char* anchor,
+                  const char* colour = soft, int size = 12) {
+  return "<text x=\"" + number(x) + "\" y=\"" + number(y) + "\" text-anchor=\"" + anchor +
+         "\" font-size=\"" + std::to_string(size) + "\" fill=\"" + colour + "\">" +
+         escaped(content) + "</text>";
+}
+
+// When, if all dates are known and rise; else the calibrations one by one.
+std::vector<double> timesOf(const Drift& drift) {
+  std::vector<double> years, numbers;
+  bool areDated = true;
+  for (const auto& each : drift.calibrations) {
+    numbers.push_back(static_cast<double>(numbers.size()));
+    areDated = areDated && each.years && (years.empty() || *each.years > years.back());
+    if (areDated) years.push_back(*each.years);
+  }
+  return areDated ? years : numbers;
+}
+
+std::string nameOf(const calibration::DatedCurve& each) {
+  return each.date.empty() ? "no. " + std::to_string(each.calibration)
+                           : "no. " + std::to_string(each.calibration) + ", " + each.date;
+}
+
+double barOf(const DriftValue& value) {
+  return value.sinceFirst ? value.sinceFirst->uncertaintyPercent : 0;
+}
+
+std::string panel(const Drift& drift, const DriftPlace& place, const std::vector<double>& times,
+                  double top, bool isLast) {
+  std::vector<double> values{0};
+  for (const DriftValue& value : place.values) {
+    values.push_back(value.percent + barOf(value));
+    values.push_back(value.percent - barOf(value));
+  }
+  if (place.chart) values.insert(values.end(), {place.chart->low, place.chart->high});
+  const PlotScale y = PlotScale::linear(values, 0.06), x = PlotScale::linear(times, 0.08);
+  const double end = width - right;
+  const auto atY = [&](double value) { return top + panelHeight * (1 - y.share(value)); };
+  const auto atX = [&](double time) { return left + (end - left) * x.share(time); };
+  std::string svg =
+      label(left, top - 8, "Roshko " + significantText(place.roshko, 5), "start", ink);
+  for (const Tick& tick : y.ticks(5)) {
+    svg += line(left, atY(tick.value), end, atY(tick.value), grid);
+    if (!tick.label.empty()) svg += label(left - 6, atY(tick.value) + 4, tick.label, "end");
+  }
+  if (place.chart) {
+    const auto& chart = *place.chart;
+    svg += line(left, atY(chart.centre), end, atY(chart.centre), soft);
+    for (const double at : {chart.low, chart.high})
+      svg += line(left, atY(at), end, atY(at), limit, " stroke-dasharray=\"6 4\"");
+  }
+  std::string path;
+  for (std::size_t i = 0; i < place.values.size(); ++i) {
+    const DriftValue& value = place.values[i];
+    const double cx = atX(times[i]), cy = atY(value.percent);
+    path += (i == 0 ? "M" : "L") + number(cx) + " " + number(cy);
+    if (barOf(value) > 0) {
+      svg +=
+          line(cx, atY(value.percent - barOf(value)), cx, atY(value.percent + barOf(value)), ink);
+    }
+    const bool isMarked = value.sinceFirst && value.sinceFirst->isSignificant();
+    svg += "<circle cx=\"" + number(cx) + "\" cy=\"" + number(cy) + "\" r=\"4\" fill=\"" +
+           (isMarked ? limit : ink) + "\"><title>" +
+           escaped(nameOf(drift.calibrations[i]) + ": " + percentText(value.percent) + " %") +
+           "</title></circle>";
+    if (isLast) svg += label(cx, top + panelHeight + 18, nameOf(drift.calibrations[i]), "middle");
+  }
+  return svg + "<path d=\"" + path + "\" fill=\"none\" stroke=\"" + ink + "\"/>\n";
+}
+
+HtmlTable valueTable(const Drift& drift, const DriftPlace& place) {
+  HtmlTable table("Roshko " + significantText(place.roshko, 6), {{"Calibration"},
+                                                                 {"Strouhal", true},
+                                                                 {"U %", true},
+                                                                 {"Since first %", true},
+                                                                 {"Since previous %", true},
+                                                                 {"U of it %", true},
+                                                                 {"En", true},
+                                                                 {"Verdict"}});
+  for (std::size_t i = 0; i < place.values.size(); ++i) {
+    const DriftValue& value = place.values[i];
+    const auto& shift = value.sincePrevious;
+    table.addRow({nameOf(drift.calibrations[i]), significantText(value.strouhal, 7),
+                  value.budget ? significantText(value.budget->roundedPercent(), 3) : "-",
+                  percentText(value.percent), shift ? percentText(shift->percent) : "-",
+                  shift ? significantText(shift->uncertaintyPercent, 2) : "-",
+                  shift ? significantText(shift->en, 2) : "-",
+                  std::string(shift && shift->isSignificant() ? "significant" : "") +
+                      (value.isBeyondLimits ? " beyond the control limits" : "")});
+  }
+  return table;
+}
+
+}  // namespace
+
+std::string driftPicture(const Drift& drift, const std::string& title) {
+  const double height = head + static_cast<double>(drift.places.size()) * (panelHeight + gap) + 10;
+  std::string svg =
+      "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " + number(width) + " " +
+      number(height) + "\" font-family=\"sans-serif\" role=\"img\">\n" +
+      "<rect width=\"100%\" height=\"100%\" fill=\"#ffffff\"/>" +
+      label(left, 20, "Change of " + title + " since the first calibration, %", "start", ink, 14);
+  const std::vector<double> times = timesOf(drift);
+  double top = head + 16;
+  for (std::size_t i = 0; i < drift.places.size(); ++i, top += panelHeight + gap)
+    svg += panel(drift, drift.places[i], times, top, i + 1 == drift.places.size());
+  return svg + "</svg>\n";
+}
+
+std::string driftPage(const Drift& drift, const std::string& title) {
+  std::string html =
+      "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\"><meta name=\"viewport\" "
+      "content=\"width=device-width,initial-scale=1\"><title>Drift: " +
+      escaped(title) +
+      "</title><style>body{font:15px/1.5 system-ui,sans-serif;max-width:62em;margin:1.5em "
+      "auto;padding:0 1em;color:#1f2933}table{border-collapse:collapse;margin:1em 0}"
+      "caption{text-align:left;font-weight:600}td,th{padding:.2em "
+      ".6em;border-bottom:1px solid #d9dee4;text-align:right}.t,th[scope=row]"
+      "{text-align:left}svg{max-width:100%}div{overflow-x:auto}"
+      "</style></head><body>\n<h1>Drift of " +
+      escaped(title) + "</h1>\n" + driftPicture(drift, title) +
+      "<p>Bars: the expanded uncertainty of the shift since the first calibration, without what "
+      "the stand does to both alike. Broken lines: control limits, three standard deviations "
+      "about the mean. Red: a significant shift.</p>\n";
+  for (const DriftPlace& place : drift.places) html += valueTable(drift, place).take();
+  if (drift.intervalYears) {
+    html += "<p><strong>Recommended interval: " + significantText(*drift.intervalYears, 2) +
+            " years.</strong> " + escaped(drift.assumptions()) + "</p>\n";
+  } else {
+    html += "<p>No interval is recommended: " + escaped(drift.whyNoInterval) + ".</p>\n";
+  }
+  return html + "</body></html>\n";
+}
+
+}  // namespace pelmora::report
