@@ -1,15 +1,18 @@
-// A curve's table, read at many places at once.
+// A curve at many places at once.
 // SPDX-License-Identifier: MIT
 #include "bindings/python/module/bindings.h"
+#include "bindings/python/module/curve_handle.h"
 
 #include <pelmora/calibration/curve.h>
 #include <pelmora/calibration/failure.h>
+#include <pelmora/calibration/flow.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <optional>
 #include <sstream>
+#include <vector>
 
 namespace pelmora::python {
 namespace {
@@ -28,7 +31,7 @@ std::string numberText(double number) {
   return text.str();
 }
 
-// Roshko as the table is read: inside its range, unless the line beyond its ends is wanted.
+// Roshko as the curve is evaluated: inside its range, unless the line beyond its ends is wanted.
 double placeIn(const cal::Curve& curve, double roshko, py::ssize_t index, bool extrapolate) {
   if (std::isnan(roshko)) {
     throw cal::BadData({"Roshko number " + std::to_string(index) + " (counted from 0) is NaN",
@@ -55,26 +58,57 @@ py::array_t<double> atEach(const Column& places, Value value) {
   return result;
 }
 
-py::array_t<double> strouhal(const cal::Curve& curve, const Column& roshko, bool extrapolate) {
-  return atEach(roshko, [&](double place, py::ssize_t i) {
-    return curve(placeIn(curve, place, i, extrapolate)).strouhal;
-  });
+std::vector<double> placesIn(const cal::Curve& curve, const Column& roshko, bool extrapolate) {
+  std::vector<double> places;
+  for (py::ssize_t i = 0; i < roshko.size(); ++i)
+    places.push_back(placeIn(curve, roshko.data()[i], i, extrapolate));
+  return places;
 }
 
-py::array_t<double> halfWidths(const cal::Curve& curve, const Column& roshko, bool ofPrediction) {
+py::array_t<double> arrayOf(const std::vector<double>& values) {
+  return py::array_t<double>(static_cast<py::ssize_t>(values.size()), values.data());
+}
+
+cal::ReadAs readingNamed(const std::string& reading) {
+  for (const auto each :
+       {cal::ReadAs::none, cal::ReadAs::linear, cal::ReadAs::log, cal::ReadAs::cubic}) {
+    if (reading == cal::tableReadingKey(each)) return each;
+  }
+  throw cal::BadData({"there is no reading '" + reading + "'", "reading",
+                      "use 'linear', 'log' or 'cubic', or None for the curve itself"});
+}
+
+py::array_t<double> strouhal(const CurveHandle& curve, const Column& roshko, bool extrapolate,
+                             const std::string& reading) {
+  const std::vector<double> places = placesIn(curve.table(), roshko, extrapolate);
+  return arrayOf(curve.function().read(places, readingNamed(reading)));
+}
+
+py::array_t<double> halfWidths(const CurveHandle& curve, const Column& roshko, bool ofPrediction) {
   return atEach(roshko, [&](double place, py::ssize_t i) {
-    const cal::CurveValue value = curve(placeIn(curve, place, i, false));
+    const cal::CurveValue value = curve.table()(placeIn(curve.table(), place, i, false));
     return (ofPrediction ? value.prediction : value.confidence).value_or(unknown);
   });
 }
 
-py::array_t<double> roshko(const cal::Curve& curve, const Column& strouhal, bool extrapolate) {
+// U of each place; NaN where it is not known.
+py::array_t<double> expanded(const CurveHandle& curve, const Column& roshko,
+                             const std::string& reading, std::optional<double> viscosity) {
+  std::vector<double> values;
+  const std::vector<double> places = placesIn(curve.table(), roshko, false);
+  const cal::EvaluateOptions options{readingNamed(reading), viscosity};
+  for (const cal::CurveEstimate& at : curve.function().at(places, options))
+    values.push_back(at.budget ? at.budget->expanded : unknown);
+  return arrayOf(values);
+}
+
+py::array_t<double> roshko(const CurveHandle& curve, const Column& strouhal, bool extrapolate) {
   return atEach(strouhal, [&](double wanted, py::ssize_t i) {
     if (std::isnan(wanted)) {
       throw cal::BadData({"Strouhal number " + std::to_string(i) + " (counted from 0) is NaN",
                           "the argument of the inverse", "drop missing values first"});
     }
-    const cal::CurveValue value = curve.inverse(wanted);
+    const cal::CurveEstimate value = curve.function().inverse(wanted);
     if (!value.isExtrapolated || extrapolate) return value.roshko;
     throw cal::OutOfRange({"the curve reaches Strouhal " + numberText(wanted) +
                                " only beyond its ends, at Roshko " + numberText(value.roshko),
@@ -84,20 +118,19 @@ py::array_t<double> roshko(const cal::Curve& curve, const Column& strouhal, bool
   });
 }
 
-// The slope of the table's segment; at a knot, of the segment above it.
-py::array_t<double> slope(const cal::Curve& curve, const Column& roshko, bool extrapolate) {
-  const auto& points = curve.points();
-  return atEach(roshko, [&](double place, py::ssize_t i) {
-    const double at = placeIn(curve, place, i, extrapolate);
-    auto above = std::upper_bound(points.begin() + 1, points.end() - 1, at,
-                                  [](double x, const cal::CurvePoint& p) { return x < p.roshko; });
-    const cal::CurvePoint &to = *above, &from = *(above - 1);
-    return (to.strouhal - from.strouhal) / (to.roshko - from.roshko);
-  });
+py::array_t<double> slope(const CurveHandle& curve, const Column& roshko, bool extrapolate) {
+  return arrayOf(curve.function().slopes(placesIn(curve.table(), roshko, extrapolate)));
+}
+
+py::array_t<double> flow(const CurveHandle& curve, const Column& frequency, const Column& viscosity,
+                         const Column& fahrenheit) {
+  const auto size = static_cast<std::size_t>(frequency.size());
+  return arrayOf(cal::flowsOf(curve.function(), {frequency.data(), size}, {viscosity.data(), size},
+                              {fahrenheit.data(), size}));
 }
 
 py::array tableOf(const py::object& self) {
-  const auto& points = self.cast<const cal::Curve&>().points();
+  const auto& points = self.cast<const CurveHandle&>().table().points();
   return viewOf(&points.front().roshko, {static_cast<py::ssize_t>(points.size()), 2},
                 {sizeof(cal::CurvePoint), offsetof(cal::CurvePoint, strouhal)}, self);
 }
@@ -105,20 +138,26 @@ py::array tableOf(const py::object& self) {
 }  // namespace
 
 void bindCurve(py::module_& module) {
-  py::class_<cal::Curve>(module, "Curve")
-      .def("strouhal", &strouhal, "roshko"_a, "extrapolate"_a)
+  py::class_<CurveHandle>(module, "Curve")
+      .def("strouhal", &strouhal, "roshko"_a, "extrapolate"_a, "reading"_a)
       .def("half_widths", &halfWidths, "roshko"_a, "of_prediction"_a)
+      .def("expanded", &expanded, "roshko"_a, "reading"_a, "viscosity"_a)
       .def("roshko", &roshko, "strouhal"_a, "extrapolate"_a)
       .def("slope", &slope, "roshko"_a, "extrapolate"_a)
+      .def("flow", &flow, "frequency"_a, "viscosity"_a, "fahrenheit"_a)
+      .def_property_readonly("source",
+                             [](const CurveHandle& curve) {
+                               return std::string(cal::curveSourceName(curve.function().source()));
+                             })
       .def_property_readonly("table", &tableOf)
       .def_property_readonly("has_bands",
-                             [](const cal::Curve& curve) {
-                               for (const cal::CurvePoint& point : curve.points())
+                             [](const CurveHandle& curve) {
+                               for (const cal::CurvePoint& point : curve.table().points())
                                  if (!point.confidence || !point.prediction) return false;
                                return true;
                              })
-      .def_property_readonly("range", [](const cal::Curve& curve) {
-        return py::make_tuple(curve.lowestRoshko(), curve.highestRoshko());
+      .def_property_readonly("range", [](const CurveHandle& curve) {
+        return py::make_tuple(curve.table().lowestRoshko(), curve.table().highestRoshko());
       });
 }
 

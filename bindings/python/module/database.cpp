@@ -1,6 +1,7 @@
 // An open curve database.
 // SPDX-License-Identifier: MIT
 #include "bindings/python/module/bindings.h"
+#include "bindings/python/module/curve_handle.h"
 #include "bindings/python/module/fit_result.h"
 #include "bindings/python/module/fit_settings.h"
 #include "bindings/python/module/laboratory.h"
@@ -153,7 +154,8 @@ void bindLookUps(py::class_<Laboratory>& type) {
       .def(
           "curve",
           [](Laboratory& lab, const cal::Meter& meter, const std::string& series) {
-            return lab.use([&](auto& database) { return database.curve(meter, series); });
+            return CurveHandle(
+                lab.use([&](auto& database) { return database.fittedCurve(meter, series); }));
           },
           "meter"_a, "series"_a)
       .def(
@@ -164,6 +166,14 @@ void bindLookUps(py::class_<Laboratory>& type) {
             });
           },
           "series"_a)
+      .def(
+          "stand_uncertainty",
+          [](Laboratory& lab, const cal::Meter& meter) -> std::optional<std::string> {
+            const auto statement =
+                lab.use([&](auto& database) { return database.standUncertainty(meter); });
+            return statement ? std::optional(statement->text) : std::nullopt;
+          },
+          "meter"_a)
       .def("history", &history, "serial"_a, "series"_a, "calibration"_a);
 }
 
@@ -186,6 +196,16 @@ void bindChanges(py::class_<Laboratory>& type) {
                 [&](auto& database) { return database.storeRaw(meter, series, part, points); }));
           },
           "meter"_a, "series"_a, "part"_a, "roshko"_a, "strouhal"_a)
+      .def(
+          "set_stand_uncertainty",
+          [](Laboratory& lab, const cal::Meter& meter, const std::string& text,
+             const std::string& file) {
+            return lab.change([&](auto& database) {
+              return text.empty() ? database.removeStandUncertainty(meter)
+                                  : database.setStandUncertainty(meter, {text, file});
+            });
+          },
+          "meter"_a, "text"_a, "file"_a)
       .def(
           "store",
           [](Laboratory& lab, const FitResult& fit) {

@@ -1,6 +1,7 @@
 // Fits and what results from them.
 // SPDX-License-Identifier: MIT
 #include "bindings/python/module/bindings.h"
+#include "bindings/python/module/curve_handle.h"
 #include "bindings/python/module/fit_result.h"
 #include "bindings/python/module/fit_settings.h"
 #include "bindings/python/module/records.h"
@@ -33,7 +34,7 @@ FitResult fitOf(const std::vector<Part>& parts, const py::dict& settings, const 
   return FitResult(std::move(*fit));
 }
 
-cal::Curve curveOf(const FitResult& fit) {
+CurveHandle curveOf(const FitResult& fit) {
   std::vector<cal::CurvePoint> points(fit->curve.size());
   const FitOutcome& outcome = fit->outcome;
   for (std::size_t i = 0; i < points.size(); ++i) {
@@ -44,7 +45,7 @@ cal::Curve curveOf(const FitResult& fit) {
     if (i < outcome.PredictionHalfWidth.size())
       points[i].prediction = outcome.PredictionHalfWidth[i];
   }
-  return cal::Curve(std::move(points));
+  return {cal::Curve(std::move(points)), [fit] { return cal::FittedCurve(*fit); }};
 }
 
 // Rows of part, number, Roshko, Strouhal and how far off the merged points, in per cent.

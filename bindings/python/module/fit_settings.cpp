@@ -25,6 +25,11 @@ cal::RangePolicy policyOf(const std::string& name) {
                       "use 'refuse', 'whole' or 'extrapolate'"});
 }
 
+cal::PointSpacing spacingNamed(const std::string& name) {
+  if (const auto spacing = cal::spacingOf(name)) return *spacing;
+  throw cal::BadData({"there is no spacing '" + name + "'", "spacing", "use 'usual' or 'optimal'"});
+}
+
 }  // namespace
 
 cal::Choice choiceNamed(const std::string& name) {
@@ -45,6 +50,7 @@ cal::FitSettings fitSettingsOf(const py::dict& values) {
   settings.inverted = valueOf<bool>(values, "inverted");
   settings.mergeBand = valueOf<std::optional<double>>(values, "merge_band");
   settings.cutsOverlap = valueOf<bool>(values, "cut_overlap");
+  settings.spacing = spacingNamed(valueOf<std::string>(values, "spacing"));
   settings.ignoreResiduals = valueOf<bool>(values, "ignore_residuals");
   settings.outside = policyOf(valueOf<std::string>(values, "outside"));
   settings.choice = choiceNamed(valueOf<std::string>(values, "choose"));

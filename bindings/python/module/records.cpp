@@ -191,6 +191,7 @@ py::dict recordOf(const CurveSettings& settings) {
       "only"_a = textsOf(settings.Only), "without"_a = textsOf(settings.Without),
       "max_order"_a = orNone(settings.MaxOrder), "merge_band"_a = orNone(settings.MergeBandPercent),
       "cut_overlap"_a = !settings.KeepsOverlap,
+      "spacing"_a = settings.Spacing.empty() ? "usual" : settings.Spacing,
       "software_version"_a = textOf(settings.SoftwareVersion),
       "fitted_at"_a = textOf(settings.FittedAt));
 }

@@ -16,9 +16,11 @@ has to_frame() (pandas), to_dict() and to_json().
 from __future__ import annotations
 
 from . import _pelmora, errors
-from ._curve import Curve, Parameter
+from ._curve import Curve
 from ._database import Calibration, Database, Import, create, open
-from ._fit import EquationResult, Fit, JudgedPoint, fit
+from ._equation import Parameter
+from ._fit import EquationResult, Fit, JudgedPoint
+from ._fit_points import fit
 from ._history import HistoryEntry, Refit, RefitResult, Restored
 from ._meter import Meter, Run
 from ._points import ChangedPoint, DroppedExclusion, ExclusionChange, Point

@@ -2,10 +2,11 @@
 # SPDX-License-Identifier: MIT
 from __future__ import annotations
 
-from collections.abc import Callable, Mapping, Sequence
+from collections.abc import Callable, Sequence
 from typing import TYPE_CHECKING, Any, Literal, Optional, Union, overload
 
 from . import _numbers
+from ._equation import CurveEquation, Parameter
 from ._records import json_text, pandas_module
 from .errors import BadData, NotFound
 
@@ -17,50 +18,17 @@ if TYPE_CHECKING:
     from . import _pelmora
 
     Floats = npt.NDArray[np.float64]
+    Kind = Literal["confidence", "prediction", "expanded"]
+    Reading = Optional[Literal["linear", "log", "cubic"]]
     Many = Union[Floats, Sequence[float]]
-
-
-class Parameter(float):
-    """The value of a parameter, a float, with its standard error."""
-
-    name: str
-    stderr: float
-
-    def __new__(cls, name: str, value: float, stderr: float) -> Parameter:
-        parameter = super().__new__(cls, value)
-        parameter.name, parameter.stderr = name, stderr
-        return parameter
-
-    def __getnewargs__(self) -> tuple[str, float, float]:  # type: ignore[override]
-        return self.name, float(self), self.stderr
-
-    @property
-    def value(self) -> float:
-        """The value alone."""
-        return float(self)
-
-    def __repr__(self) -> str:
-        return f"{float(self):.9g} +/- {self.stderr:.3g}"
-
-
-class CurveEquation:
-    """The equation of a curve and what is known of its parameters."""
-
-    def __init__(self, record: Mapping[str, Any], coverage: float) -> None:
-        self.name: str = record["name"]
-        self.expression: str = record["expression"]
-        self.params: dict[str, Parameter] = {name: Parameter(name, value, error)
-                                             for name, value, error in record["parameters"]}
-        self.covar: Floats = record["covar"]
-        # How many standard uncertainties the half-widths of the table are.
-        self.coverage = coverage
 
 
 class Curve:
     """A calibration curve: Strouhal as a function of Roshko (both without a unit).
 
-    A curve is its table, read as a flow computer reads it: linearly between neighbouring points. ``curve(x)`` takes a
-    number, a list, an array of any shape or a pandas Series, and returns the same form; a Series keeps its index.
+    ``curve(x)`` is the value of the equation itself, or of the reference curve; with ``reading="linear"`` it is read
+    from the table, as a flow computer does. It takes a number, a list, an array of any shape or a pandas Series, and
+    returns the same form; a Series keeps its index.
 
     Curves come from ``fit.curve`` and ``series.curve``; they do not change when the database does.
     """
@@ -85,6 +53,12 @@ class Curve:
     def table(self) -> Floats:
         """The table, shape (n, 2): Roshko, rising, and Strouhal. Read-only; no copy."""
         return self._table.table
+
+    @property
+    def source(self) -> str:
+        """Where its values come from: "equation", "reference curve", or "table" if a new fit does not give a stored
+        curve again; it is then read linearly, and its uncertainty is not known."""
+        return self._table.source
 
     @property
     def stale(self) -> bool:
@@ -116,68 +90,103 @@ class Curve:
         return self._require_equation().covar
 
     @overload
-    def __call__(self, x: float, *, extrapolate: bool = False) -> float: ...
+    def __call__(self, x: float, *, extrapolate: bool = False, reading: Reading = None) -> float: ...
 
     @overload
-    def __call__(self, x: Many, *, extrapolate: bool = False) -> Floats: ...
+    def __call__(self, x: Many, *, extrapolate: bool = False, reading: Reading = None) -> Floats: ...
 
     @overload
-    def __call__(self, x: Any, *, extrapolate: bool = False) -> Any: ...
+    def __call__(self, x: Any, *, extrapolate: bool = False, reading: Reading = None) -> Any: ...
 
-    def __call__(self, x: Any, *, extrapolate: bool = False) -> Any:
-        return self.eval(x, extrapolate=extrapolate)
-
-    @overload
-    def eval(self, x: float, *, extrapolate: bool = False) -> float: ...
+    def __call__(self, x: Any, *, extrapolate: bool = False, reading: Reading = None) -> Any:
+        return self.eval(x, extrapolate=extrapolate, reading=reading)
 
     @overload
-    def eval(self, x: Many, *, extrapolate: bool = False) -> Floats: ...
+    def eval(self, x: float, *, extrapolate: bool = False, reading: Reading = None) -> float: ...
 
     @overload
-    def eval(self, x: Any, *, extrapolate: bool = False) -> Any: ...
+    def eval(self, x: Many, *, extrapolate: bool = False, reading: Reading = None) -> Floats: ...
 
-    def eval(self, x: Any, *, extrapolate: bool = False) -> Any:
+    @overload
+    def eval(self, x: Any, *, extrapolate: bool = False, reading: Reading = None) -> Any: ...
+
+    def eval(self, x: Any, *, extrapolate: bool = False, reading: Reading = None) -> Any:
         """Strouhal at the Roshko numbers x.
 
-        extrapolate: beyond the range, continue the straight line through the two outermost points.
+        extrapolate: beyond the range, continue the straight line through the two outermost points of the table.
+        reading: None for the curve itself; "linear", "log" (linear in ln Roshko) or "cubic" reads the table.
 
-        Errors: OutOfRange (a ValueError) outside `range` unless extrapolate; BadData for NaN.
+        Errors: OutOfRange (a ValueError) outside `range` unless extrapolate; BadData for NaN and another reading.
         """
-        return _numbers.through(x, "strouhal", lambda places: self._table.strouhal(places, extrapolate))
+        return _numbers.through(x, "strouhal",
+                                lambda places: self._table.strouhal(places, extrapolate, reading or ""))
 
     @overload
-    def eval_uncertainty(self, x: float, k: float = 2, kind: Literal["confidence", "prediction"] = "confidence",
-                         ) -> float: ...
+    def eval_uncertainty(self, x: float, k: float = 2, kind: Kind = "confidence", *,
+                         reading: Reading = None, viscosity: Optional[float] = None) -> float: ...
 
     @overload
-    def eval_uncertainty(self, x: Many, k: float = 2, kind: Literal["confidence", "prediction"] = "confidence",
-                         ) -> Floats: ...
+    def eval_uncertainty(self, x: Many, k: float = 2, kind: Kind = "confidence", *,
+                         reading: Reading = None, viscosity: Optional[float] = None) -> Floats: ...
 
     @overload
-    def eval_uncertainty(self, x: Any, k: float = 2, kind: Literal["confidence", "prediction"] = "confidence",
-                         ) -> Any: ...
+    def eval_uncertainty(self, x: Any, k: float = 2, kind: Kind = "confidence", *,
+                         reading: Reading = None, viscosity: Optional[float] = None) -> Any: ...
 
-    def eval_uncertainty(self, x: Any, k: float = 2, kind: str = "confidence") -> Any:
-        """Half-widths k u of a band around the curve at the Roshko numbers x, in units of Strouhal.
+    def eval_uncertainty(self, x: Any, k: float = 2, kind: str = "confidence", *,
+                         reading: Reading = None, viscosity: Optional[float] = None) -> Any:
+        """Half-widths of a band around the curve at the Roshko numbers x, in units of Strouhal.
 
-        u is a standard uncertainty from the scatter of the points: of the curve ("confidence"), or of one more
-        measurement ("prediction"). In a trusted fit the distance between the curve and the reference curve is part of
-        it. The uncertainty of the stand is not.
+        kind: "confidence" and "prediction" are k standard uncertainties from the scatter of the points alone: of the
+            curve, or of one more measurement. In a trusted fit the distance between the curve and the reference curve
+            is part of it. "expanded" is U as `pelmora evaluate` states it (with k = 2, another k scales it): the
+            curve and everything that the stand states, if the uncertainty of a stand is stored with the calibration.
+        reading: for "expanded", of a value that is read from the table: the reading error is then part of U.
+        viscosity: for "expanded", in cSt; needed if the stand's uncertainty is stated in units rather than per cent.
 
         Errors: BadData for another kind; NotFound if it is not known for this curve; as for `eval`.
         """
-        if kind not in ("confidence", "prediction"):
+        if kind not in ("confidence", "prediction", "expanded"):
             raise BadData(f"there is no band of kind {kind!r}", where="kind",
-                          remedy="use 'confidence' or 'prediction'")
+                          remedy="use 'confidence', 'prediction' or 'expanded'")
         if not self._table.has_bands:
             raise NotFound("the uncertainty of this curve is not known", where=self._title,
                            remedy="fit the series again")
+        if kind == "expanded":
+            return _numbers.through(
+                x, kind, lambda places: self._table.expanded(places, reading or "", viscosity) * (k / 2))
         scale = k / self._require_equation().coverage
 
         def half_widths(places: Floats) -> Floats:
             return self._table.half_widths(places, kind == "prediction") * scale
 
         return _numbers.through(x, kind, half_widths)
+
+    def flow(self, frequency: Any, viscosity: Any, temperature: Any = None) -> Any:
+        """The volume flow at which a rotor in service has this frequency, in the form of `frequency`.
+
+        frequency: in Hz. viscosity: kinematic, in cSt; temperature: in degrees F, for the thermal expansion of a body
+            of stainless steel, 70 if None; each a number or as many as there are frequencies.
+
+        Returns volumes per second in the calibration's unit: gallons per second for pulses per gallon.
+
+        Errors: BadData for values that are not above 0, different lengths and a series that is a quotient of rotors;
+            OutOfRange beyond the curve.
+        """
+        import numpy as np
+
+        def flows(values: Floats) -> Floats:
+            def beside(more: Any, name: str) -> Floats:
+                array = np.asarray(more, dtype=np.float64)
+                if array.ndim and array.size != values.size:
+                    raise BadData(f"{name} has {array.size} values for {values.size} frequencies", where=name,
+                                  remedy="pass one number, or one for each frequency")
+                return np.ascontiguousarray(np.broadcast_to(array.ravel() if array.ndim else array, values.shape))
+
+            return self._table.flow(values, beside(viscosity, "viscosity"),
+                                    beside(70.0 if temperature is None else temperature, "temperature"))
+
+        return _numbers.through(frequency, "flow", flows)
 
     @overload
     def inverse(self, y: float, *, extrapolate: bool = False) -> float: ...
@@ -206,8 +215,7 @@ class Curve:
     def derivative(self, x: Any, *, extrapolate: bool = False) -> Any: ...
 
     def derivative(self, x: Any, *, extrapolate: bool = False) -> Any:
-        """d Strouhal / d Roshko at the Roshko numbers x: the slope of the table's segment, which is constant between
-        two points; at a point, of the segment above it.
+        """d Strouhal / d Roshko at the Roshko numbers x.
 
         Errors: as for `eval`.
         """

@@ -2,20 +2,20 @@
 # SPDX-License-Identifier: MIT
 from __future__ import annotations
 
-from collections.abc import Iterable
-from typing import TYPE_CHECKING, Any, Literal, Optional, Union
+from typing import TYPE_CHECKING, Any, Optional
 
-from . import _numbers, _pelmora
-from ._curve import Curve, CurveEquation, Parameter
-from ._progress import Progress, progress_function
+from . import _pelmora
+from ._curve import Curve
+from ._equation import CurveEquation, Parameter
 from ._records import Record, Table, json_text
-from ._settings import Equations, fit_settings
-from .errors import BadData, NoFit
+from .errors import NoFit
 
 if TYPE_CHECKING:
     import numpy as np
     import numpy.typing as npt
     import pandas
+
+    from ._curve import Kind, Reading
 
     Floats = npt.NDArray[np.float64]
 
@@ -144,8 +144,8 @@ class Fit:
         if not self.accepted:
             raise self.no_fit()
         record = self.equations[0].to_dict()
-        return Curve(self._result.curve(), self.chosen, lambda: CurveEquation(record, self._result.coverage), title=self._result.series,
-                     picture=self._repr_html_)
+        return Curve(self._result.curve(), self.chosen, lambda: CurveEquation(record, self._result.coverage),
+                     title=self._result.series, picture=self._repr_html_)
 
     @property
     def expression(self) -> str:
@@ -180,14 +180,14 @@ class Fit:
         residual: Floats = self.merged[:, 1] - self.best_fit
         return residual
 
-    def eval(self, x: Any, *, extrapolate: bool = False) -> Any:
+    def eval(self, x: Any, *, extrapolate: bool = False, reading: Reading = None) -> Any:
         """As Curve.eval."""
-        return self.curve.eval(x, extrapolate=extrapolate)
+        return self.curve.eval(x, extrapolate=extrapolate, reading=reading)
 
-    def eval_uncertainty(self, x: Any, k: float = 2,
-                         kind: Literal["confidence", "prediction"] = "confidence") -> Any:
+    def eval_uncertainty(self, x: Any, k: float = 2, kind: Kind = "confidence", *, reading: Reading = None,
+                         viscosity: Optional[float] = None) -> Any:
         """As Curve.eval_uncertainty."""
-        return self.curve.eval_uncertainty(x, k, kind)
+        return self.curve.eval_uncertainty(x, k, kind, reading=reading, viscosity=viscosity)
 
     def fit_report(self) -> str:
         """What a person wants to know of the fit: equation, statistics, parameters, what was left out, warnings."""
@@ -241,70 +241,3 @@ class Fit:
         error = NoFit(f"no equation fits: {self.reason}", where=self._result.series, remedy=remedy)
         error.fit = self
         return error
-
-
-def fit(roshko: Any, strouhal: Any, *, part: Any = None, data: Any = None, band: float = 0.3, points: int = 40,
-        min: Optional[float] = None, max: Optional[float] = None, fit_min: Optional[float] = None,
-        fit_max: Optional[float] = None, choose: str = "trusted", equations: Optional[Equations] = None,
-        only: Union[str, Iterable[str]] = (), without: Union[str, Iterable[str]] = (), max_order: Optional[int] = None,
-        ratio: bool = False, inverted: bool = False, merge_band: Optional[float] = None, cut_overlap: bool = True,
-        ignore_residuals: bool = False, outside: str = "refuse", progress: Progress = None,
-        status: Any = None) -> Fit:
-    """Fits points that are in no database.
-
-    roshko, strouhal: n numbers each, without a unit: lists, arrays or pandas Series; with `data`, names of its
-        columns.
-    part: which raw part each point belongs to, n values, at most four different ones: a run in one fluid each. Parts
-        are merged: where they overlap, points of one that contradict the other are cut. None: one part.
-    data: a frame, or a mapping of names to columns.
-    band: how far a point may lie from the curve, in per cent.
-    points: of the curve's table, evenly spaced in the logarithm of Roshko; a trusted fit moves them closer together
-        where the curve bends, if that is needed.
-    min, max: the range of the table, in Roshko; they crop the table, not the points. None: the end of the points.
-    fit_min, fit_max: points beyond are not fitted.
-    choose: "trusted": the simplest equation that stays with a smooth reference curve over the whole range, or that
-        reference curve itself; "adjusted-r2": of the equations that pass at the points, the one with the highest
-        adjusted R2.
-    equations: what to try instead of the built-in equations, see `pelmora.equations`.
-    only, without: names of equations: only these, or all but these. max_order: the highest order of polynomials.
-    ratio: a rotor ratio; its curve must fall with Roshko.
-    inverted, merge_band, cut_overlap: how parts are merged: from the other end; how far trailing points may be off
-        the other part, in per cent; False keeps every point.
-    ignore_residuals: skip the residual test.
-    outside: what to do if min or max are beyond the points: "refuse", "whole" (the range of the points) or
-        "extrapolate".
-    progress: a function of (done, of), a tqdm bar, or True. status: a function of a text.
-
-    Errors: BadData for columns that are no numbers, have NaN or different lengths; OutOfRange; NoFit if no equation
-        passes the tests: its ``fit`` has what was tried.
-
-    >>> fit = pelmora.fit(frame["roshko"], frame["strouhal"])
-    >>> fit.curve(120.0)
-    """
-    x, y = _numbers.columns(_numbers.column_of(data, roshko, "roshko"), _numbers.column_of(data, strouhal, "strouhal"))
-    settings = fit_settings(band=band, points=points, min=min, max=max, fit_min=fit_min, fit_max=fit_max,
-                            choose=choose, equations=equations, only=only, without=without, max_order=max_order,
-                            ratio=ratio, inverted=inverted, merge_band=merge_band, cut_overlap=cut_overlap,
-                            ignore_residuals=ignore_residuals, outside=outside)
-    parts = [(x, y)] if part is None else _parts(x, y, _numbers.column_of(data, part, "part") if isinstance(part, str)
-                                                 else part)
-    result = Fit(_pelmora.fit(parts, settings, status, progress_function(progress)))
-    if not result.accepted:
-        raise result.no_fit()
-    return result
-
-
-def _parts(x: Floats, y: Floats, part: Iterable[Any]) -> list[tuple[Floats, Floats]]:
-    import numpy as np
-
-    labels = np.asarray(part)
-    if labels.shape != x.shape:
-        raise BadData(f"part has {labels.size} values for {len(x)} points", where="part",
-                      remedy="pass one value for each point")
-    distinct = list(dict.fromkeys(labels.tolist()))
-    if all(isinstance(label, (int, float)) for label in distinct):
-        distinct.sort()
-    if len(distinct) > 4:
-        raise BadData(f"part has {len(distinct)} different values", where="part",
-                      remedy="pass at most four: a run in one fluid each")
-    return [(x[labels == label], y[labels == label]) for label in distinct]

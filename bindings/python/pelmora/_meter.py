@@ -103,6 +103,26 @@ class Meter:
         self._database.store_raw(self._key, name, int(part), x, y)
         return self.series[name]
 
+    @property
+    def stand_uncertainty(self) -> Optional[str]:
+        """The text that states the uncertainty of the stand, kept with the calibration; None without one."""
+        return self._database.stand_uncertainty(self._key)
+
+    def set_stand_uncertainty(self, file: Union[None, str, os.PathLike[str]]) -> None:
+        """Keeps the uncertainty of the stand with the calibration: from then on it is part of U.
+
+        file: as `pelmora stand uncertainty` takes it (docs/file_formats.md); None removes what is kept.
+
+        Errors: BadData that names the line for what is not understood; FileNotFoundError.
+        """
+        text = ""
+        if file is not None:
+            with open(file, encoding="utf-8") as lines:
+                text = lines.read()
+            if not text.strip():
+                raise BadData("the file is empty", where=os.fspath(file), remedy="add sections such as [flow]")
+        self._database.set_stand_uncertainty(self._key, text, "" if file is None else os.fspath(file))
+
     def report(self, path: Union[str, os.PathLike[str]], *, series: Optional[list[str]] = None) -> str:
         """Writes the report of the calibration; the ending of the name decides its kind: .html, .pdf, .xml (a
         digital calibration certificate), .svg, .json, .csv or .xlsx. Returns the path.

@@ -6,7 +6,8 @@ from collections.abc import Iterable
 from typing import TYPE_CHECKING, Any, Optional, Union
 
 from . import _pelmora
-from ._curve import Curve, CurveEquation
+from ._curve import Curve
+from ._equation import CurveEquation
 from ._fit import Fit
 from ._history import HistoryEntry, entries_of
 from ._points import ExclusionChange, Point, change_of, selection
@@ -80,7 +81,7 @@ class Series:
             equations: Optional[Equations] = None, only: Union[str, Iterable[str]] = (),
             without: Union[str, Iterable[str]] = (), max_order: Optional[int] = None, ratio: bool = False,
             store: bool = True, inverted: bool = False, merge_band: Optional[float] = None, cut_overlap: bool = True,
-            ignore_residuals: bool = False, outside: str = "refuse", progress: Progress = None,
+            ignore_residuals: bool = False, outside: str = "refuse", spacing: str = "usual", progress: Progress = None,
             status: Any = None) -> Fit:
         """Merges the raw parts, fits them and stores the curve in place of the previous one, which the history keeps.
 
@@ -92,7 +93,7 @@ class Series:
         settings = fit_settings(band=band, points=points, min=min, max=max, fit_min=fit_min, fit_max=fit_max,
                                 choose=choose, equations=equations, only=only, without=without, max_order=max_order,
                                 ratio=ratio, inverted=inverted, merge_band=merge_band, cut_overlap=cut_overlap,
-                                ignore_residuals=ignore_residuals, outside=outside)
+                                ignore_residuals=ignore_residuals, outside=outside, spacing=spacing)
         fit = Fit(self._database.fit(self._stored(), settings, status, progress_function(progress)))
         if not fit.accepted:
             raise fit.no_fit()

@@ -3,7 +3,7 @@ import numpy as np
 import pytest
 
 import pelmora
-from conftest import measured
+from conftest import measured, true_curve
 
 
 @pytest.fixture
@@ -11,11 +11,18 @@ def curve(points):
     return pelmora.fit(*points).curve
 
 
-def test_a_curve_is_its_table_read_linearly(curve):
+def test_a_curve_is_its_equation_and_can_be_read_from_its_table(curve):
     x = np.geomspace(*curve.range, 1000).clip(*curve.range)
-    assert np.allclose(curve(x), np.interp(x, *curve.table.T), rtol=1e-14, atol=0)
-    assert np.array_equal(curve(curve.table[:, 0]), curve.table[:, 1])
+    assert curve.source == "equation"
+    assert np.allclose(curve(x), true_curve(x), rtol=1e-3, atol=0)
+    assert np.allclose(curve(curve.table[:, 0]), curve.table[:, 1], rtol=1e-13, atol=0)
     assert np.array_equal(curve(x), curve.eval(x))
+    assert np.allclose(curve(x, reading="linear"), np.interp(x, *curve.table.T), rtol=1e-14, atol=0)
+    assert np.array_equal(curve(x, reading="linear"), curve.eval(x, reading="linear"))
+    log = np.interp(np.log(x), np.log(curve.table[:, 0]), curve.table[:, 1])
+    assert np.allclose(curve(x, reading="log"), log, rtol=1e-12, atol=0)
+    with pytest.raises(ValueError, match="'linear', 'log' or 'cubic'"):
+        curve(x, reading="square")
 
 
 def test_what_goes_in_comes_out(curve):
@@ -77,20 +84,19 @@ def test_a_strouhal_that_is_not_reached_is_out_of_range(curve):
     assert curve(curve.inverse(below, extrapolate=True), extrapolate=True) == pytest.approx(below)
 
 
-def test_the_derivative_is_the_slope_of_the_table(curve):
-    x, y = curve.table.T
-    middle = (x[1:] + x[:-1]) / 2
-    assert np.allclose(curve.derivative(middle), np.diff(y) / np.diff(x), rtol=1e-12)
-    h = 1e-4
-    assert curve.derivative(100.0) == pytest.approx((curve(100 + h) - curve(100 - h)) / (2 * h), rel=1e-6)
-    assert curve.derivative(x[-1]) == pytest.approx((y[-1] - y[-2]) / (x[-1] - x[-2]), rel=1e-12)
+def test_the_derivative_is_the_slope_of_the_curve(curve):
+    x = np.geomspace(50, 5000, 9)
+    h = 1e-4 * x
+    assert np.allclose(curve.derivative(x), (curve(x + h) - curve(x - h)) / (2 * h), rtol=1e-4)
+    (x0, y0), (x1, y1) = curve.table[-2:]
+    assert curve.derivative(x1 * 2, extrapolate=True) == pytest.approx((y1 - y0) / (x1 - x0), rel=1e-12)
 
 
 def test_uncertainties_scale_with_k_and_predictions_are_wider(curve):
     x = np.geomspace(50, 5000, 20)
     assert np.allclose(curve.eval_uncertainty(x, k=1) * 2, curve.eval_uncertainty(x))
     assert (curve.eval_uncertainty(x, kind="prediction") > curve.eval_uncertainty(x)).all()
-    with pytest.raises(ValueError, match="'confidence' or 'prediction'"):
+    with pytest.raises(ValueError, match="'confidence', 'prediction' or 'expanded'"):
         curve.eval_uncertainty(x, kind="other")
 
 
@@ -129,3 +135,39 @@ def test_a_curve_becomes_a_frame_a_dictionary_and_json(curve):
     pytest.importorskip("pandas")
     assert np.array_equal(curve.to_frame()[["roshko", "strouhal"]].to_numpy(), curve.table)
     assert curve.to_dict()["range"] == curve.range and '"table"' in curve.to_json()
+
+
+def test_the_expanded_uncertainty_contains_the_stand(series, tmp_path):
+    fit, x = series.fit(), np.geomspace(50, 5000, 7)
+    bare = series.curve.eval_uncertainty(x, kind="expanded")
+    assert np.array_equal(bare, fit.curve.eval_uncertainty(x, kind="expanded")) and (bare > 0).all()
+    stand = tmp_path / "stand.ini"
+    stand.write_text("[stand]\nname = Stand 3\n[flow]\nstandard = 0.05 %\n")
+    series.meter.set_stand_uncertainty(stand)
+    assert "Stand 3" in series.meter.stand_uncertainty
+    curve = series.curve
+    assert np.allclose(curve.eval_uncertainty(x, kind="expanded"), np.hypot(bare, 2 * 0.0005 * curve(x)), rtol=1e-3)
+    assert np.allclose(curve.eval_uncertainty(x, k=1, kind="expanded") * 2, curve.eval_uncertainty(x, kind="expanded"))
+    assert (curve.eval_uncertainty(x, kind="expanded", reading="linear") >=
+            curve.eval_uncertainty(x, kind="expanded")).all()
+    stand.write_text("[flow]\nstandard = much\n")
+    with pytest.raises(ValueError, match="line 2"):
+        series.meter.set_stand_uncertainty(stand)
+    series.meter.set_stand_uncertainty(None)
+    assert series.meter.stand_uncertainty is None
+    assert np.array_equal(series.curve.eval_uncertainty(x, kind="expanded"), bare)
+
+
+def test_the_flow_is_the_frequency_over_the_strouhal_number(curve):
+    frequency = np.array([120.0, 400.0, 2000.0])
+    assert np.allclose(curve.flow(frequency, 1.2), frequency / curve(frequency / 1.2), rtol=1e-12)
+    warm = curve.flow(400.0, 1.2, temperature=170)
+    assert warm == pytest.approx(400 * 1.00288 / curve(400 / 1.2 * 1.00192), rel=1e-12)
+    assert np.array_equal(curve.flow(frequency, [1.2, 1.3, 1.4])[1:], curve.flow(frequency[1:], [1.3, 1.4]))
+    with pytest.raises(pelmora.OutOfRange, match="reading 1"):
+        curve.flow([400.0, 4e6], 1.2)
+    with pytest.raises(ValueError, match="viscosity has 2 values for 3"):
+        curve.flow(frequency, [1.2, 1.3])
+    pandas = pytest.importorskip("pandas")
+    series = pandas.Series(frequency, index=["a", "b", "c"])
+    assert list(curve.flow(series, 1.2).index) == ["a", "b", "c"]

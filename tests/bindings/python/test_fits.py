@@ -115,6 +115,18 @@ def test_parts_that_do_not_match_are_refused(points):
         pelmora.fit(*points, part=np.arange(30) % 5)
 
 
+def test_points_that_are_placed_optimally_read_better(series):
+    def reading_error(fit):
+        x = np.geomspace(*fit.curve.range, 2000).clip(*fit.curve.range)
+        return np.abs(fit.curve(x, reading="linear") / fit.curve(x) - 1).max()
+
+    usual, best = (series.fit(points=12, band=5, spacing=spacing) for spacing in ("usual", "optimal"))
+    assert len(best.curve.table) == 12 and reading_error(best) < 0.7 * reading_error(usual)
+    assert series.settings["spacing"] == "optimal"
+    with pytest.raises(ValueError, match="'usual' or 'optimal'"):
+        series.fit(spacing="even")
+
+
 @pytest.mark.parametrize("settings, message", [
     ({"band": 0}, "band"), ({"band": float("nan")}, "band"), ({"points": 1}, "points"), ({"points": 40.5}, "points"),
     ({"choose": "best"}, "'trusted'"), ({"outside": "maybe"}, "'refuse'"), ({"min": 1.0}, "(?i)range"),
