@@ -101,9 +101,9 @@ TEST(sheet, titles_units_and_comments_are_not_values) {
 TEST(sheet, units_are_taken_from_brackets_or_after_a_slash_or_comma) {
   const Reading reading = read(
       "Flow [gpm];f (Hz);nu / cSt;T in \xC2\xB0"
-      "F;Length, m;Q {x}\n1;2;3;4;5;6\n");
-  EXPECT_THAT(reading.names, ElementsAre("Flow", "f", "nu", "T", "Length, m", "Q {x}"));
-  EXPECT_THAT(reading.units, ElementsAre("gpm", "Hz", "cSt", "F", "", ""));
+      "F;Length, m;Note, own;Q {x}\n1;2;3;4;5;6;7\n");
+  EXPECT_THAT(reading.names, ElementsAre("Flow", "f", "nu", "T", "Length", "Note, own", "Q {x}"));
+  EXPECT_THAT(reading.units, ElementsAre("gpm", "Hz", "cSt", "F", "m", "", ""));
 }
 
 TEST(sheet, units_may_end_a_name_without_brackets) {

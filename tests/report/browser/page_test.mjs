@@ -200,7 +200,8 @@ const cases = {
   async does_not_jump_when_the_plots_come() {
     const page = await open(twoFluids());
     await page.waitForTimeout(500);
-    assert.equal(await page.evaluate(() => window.jumps), 0);
+    const onePixel = 1e-3; // the layout shift of a page that moves by so much
+    assert.ok((await page.evaluate(() => window.jumps)) < onePixel / 10);
   },
 
   async needs_no_scripts() {
