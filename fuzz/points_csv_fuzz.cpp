@@ -14,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static const std::string path = folder.file("points.csv");
   fuzz::writeFile(path, fuzz::textOf(data, size));
   try {
-    const PointArray points = cli::readCsvPoints(path, {});
+    const PointArray points = cli::readCsvPoints(path, {}).points;
     if (points.empty()) __builtin_trap();
     for (std::size_t i = 0; i < points.size(); ++i) {
       if (!std::isfinite(points(i, 0)) || !std::isfinite(points(i, 1))) __builtin_trap();

@@ -1,39 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/input/sheet_input.h"
 
-#include "base/text_flaw.h"
-
 #include <cstdio>
 
 namespace pelmora::cli {
-namespace {
-
-char separatorNamed(const std::string& text) {
-  if (text == "comma") return ',';
-  if (text == "semicolon") return ';';
-  if (text == "tab") return '\t';
-  const bool isSign = text.size() == 1 && text[0] > ' ' && text[0] < '\x7F' && text[0] != '"' &&
-                      text[0] != '.' && text[0] != '-' && text[0] != '+';
-  const bool isWord = text.size() == 1 &&
-                      ((text[0] >= '0' && text[0] <= '9') || (text[0] >= 'A' && text[0] <= 'Z') ||
-                       (text[0] >= 'a' && text[0] <= 'z'));
-  if (isSign && !isWord) return text[0];
-  if (text == "\t") return '\t';
-  throw Trouble(ExitCode::usage, "--separator: '" + shortened(text) + "' is not allowed",
-                "give comma, semicolon, tab or one other sign");
-}
-
-}  // namespace
-
-void addSheetStyle(Command& command, sheets::Style& style) {
-  command.addText({"--separator", "SIGN",
-                   "Between the fields of the file: comma, semicolon, tab or one other sign "
-                   "(default: recognised)"},
-                  [&style](const std::string& text) { style.separator = separatorNamed(text); });
-  command.addChoice(
-      {"--decimal", "point|comma", "Decimal sign of the numbers in the file (default: recognised)"},
-      [&style](const std::string& text) { style.decimal = text == "point" ? '.' : ','; });
-}
 
 std::string remedyWithOption(const std::string& remedy, sheets::SheetError::Doubt doubt) {
   switch (doubt) {

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "apps/pelmora/options/command.h"
 #include "apps/pelmora/trouble.h"
 
 #include <pelmora/sheet.h>
@@ -10,9 +9,6 @@
 #include <string>
 
 namespace pelmora::cli {
-
-// --separator and --decimal.
-void addSheetStyle(Command& command, sheets::Style& style);
 
 // The remedy and the option that settles the doubt, if there is one.
 [[nodiscard]] std::string remedyWithOption(const std::string& remedy,

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/options/common_options.h"
 
-#include "apps/pelmora/input/sheet_input.h"
 #include "apps/pelmora/options/names.h"
 #include "apps/pelmora/options/strict_number.h"
 #include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/trouble.h"
+#include "base/text_flaw.h"
 
 #include <cmath>
 #include <limits>
@@ -15,6 +15,21 @@ namespace {
 
 constexpr double mostSeconds = 86400;
 constexpr std::int64_t mostSmall = std::numeric_limits<std::int16_t>::max();
+
+char separatorNamed(const std::string& text) {
+  if (text == "comma") return ',';
+  if (text == "semicolon") return ';';
+  if (text == "tab") return '\t';
+  const bool isSign = text.size() == 1 && text[0] > ' ' && text[0] < '\x7F' && text[0] != '"' &&
+                      text[0] != '.' && text[0] != '-' && text[0] != '+';
+  const bool isWord = text.size() == 1 &&
+                      ((text[0] >= '0' && text[0] <= '9') || (text[0] >= 'A' && text[0] <= 'Z') ||
+                       (text[0] >= 'a' && text[0] <= 'z'));
+  if (isSign && !isWord) return text[0];
+  if (text == "\t") return '\t';
+  throw Trouble(ExitCode::usage, "--separator: '" + shortened(text) + "' is not allowed",
+                "give comma, semicolon, tab or one other sign");
+}
 
 }  // namespace
 
@@ -95,6 +110,16 @@ void addNoInput(Command& command, bool& neverAsks) {
 void addConsent(Command& command, Consent& consent) {
   command.addFlag("--yes,-y", consent.isGiven, "Answer the question with yes in advance");
   command.addFlag("--no-input", consent.neverAsks, "Never ask: without --yes nothing is changed");
+}
+
+void addSheetStyle(Command& command, sheets::Style& style) {
+  command.addText({"--separator", "SIGN",
+                   "Between the fields of the file: comma, semicolon, tab or one other sign "
+                   "(default: recognised)"},
+                  [&style](const std::string& text) { style.separator = separatorNamed(text); });
+  command.addChoice(
+      {"--decimal", "point|comma", "Decimal sign of the numbers in the file (default: recognised)"},
+      [&style](const std::string& text) { style.decimal = text == "point" ? '.' : ','; });
 }
 
 void addImport(Command& command, ImportOptions& options) {

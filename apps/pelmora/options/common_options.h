@@ -41,6 +41,9 @@ void addNoInput(Command& command, bool& neverAsks);
 // --yes and --no-input, for commands that ask before something goes.
 void addConsent(Command& command, Consent& consent);
 
+// --separator and --decimal.
+void addSheetStyle(Command& command, sheets::Style& style);
+
 // An import as it stands on the command line.
 struct ImportOptions {
   std::string meter, stand;
