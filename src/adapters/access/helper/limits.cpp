@@ -23,7 +23,7 @@ void limit(Resource resource, rlim_t most, rlim_t grace = 0) {
 
 }  // namespace
 
-void limitResources(std::size_t memoryMegabytes, std::size_t processorSeconds) {
+void limitResources([[maybe_unused]] std::size_t memoryMegabytes, std::size_t processorSeconds) {
   // The address sanitizer reserves terabytes for itself.
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
   limit(RLIMIT_AS, memoryMegabytes << 20);
