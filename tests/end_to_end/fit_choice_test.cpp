@@ -158,7 +158,7 @@ TEST_F(fit_choice, of_a_curve_with_a_warning_is_stored_unless_it_must_not_be) {
   const CommandResult refit =
       run({"refit", curves, "--meter", "P", "--strict", "--json", "--choose", "trusted"});
   EXPECT_EQ(refit.exitCode, 6);
-  for (const json& series : refit.json()["series"]) {
+  for (const json answer = refit.json(); const json& series : answer["series"]) {
     const bool isBad = series["series"] == "Spoiled";
     EXPECT_EQ(series["outcome"], isBad ? "notFitted" : "added") << series;
   }

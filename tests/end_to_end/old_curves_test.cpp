@@ -79,7 +79,7 @@ TEST_F(old_curve, is_a_member_of_the_json) {
   EXPECT_EQ(jsonOf(all[2])["curveAge"], "outdated");
   EXPECT_EQ(jsonOf(all[3])["curveAge"], "outdated");
   EXPECT_EQ(jsonOf(all[3])["earlierCurveAge"], "current");
-  for (const json& series : jsonOf(all[4])["series"])
+  for (const json report = jsonOf(all[4]); const json& series : report["series"])
     EXPECT_EQ(series["curveAge"], series["name"] == "Rotor A" ? "outdated" : "current");
   const json series = reported();
   EXPECT_EQ(series["curveAge"], "outdated");

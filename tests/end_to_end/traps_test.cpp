@@ -67,10 +67,10 @@ TEST_F(traps_of_the_example_data, name_the_spoiled_points_and_no_others) {
   ASSERT_EQ(spoiledPoints("1007"), (std::vector{6, 19}));
   const std::map<std::string, std::vector<int>> spoiled{
       {"Rotor A", {6, 19}}, {"Rotor B", {19}}, {"Rotor Sum", {6}}, {"Ratio", {6}}};
-  for (const json& fit : calibrated("1007")["fits"])
+  for (const json answer = calibrated("1007"); const json& fit : answer["fits"])
     EXPECT_EQ(namedPoints(fit), spoiled.at(fit["series"])) << fit["series"];
   for (const char* job : {"1008", "1009"}) {
-    for (const json& fit : calibrated(job)["fits"])
+    for (const json answer = calibrated(job); const json& fit : answer["fits"])
       EXPECT_THAT(namedPoints(fit), IsEmpty()) << job << " " << fit["series"];
   }
 }
