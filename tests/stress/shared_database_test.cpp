@@ -165,7 +165,7 @@ TEST_F(shared_database, stays_whole_while_two_hosts_of_four_threads_store) {
 
 // Threads of one number have the same series in both processes.
 TEST_F(shared_database, gets_no_series_and_no_calibration_twice) {
-  const int series = isLong() ? 60 : 20;
+  const int series = isLong() ? 30 : 20;
   done({"init", curves});
   done(raw("first", points("a.csv", 2)));
   for (int round = 0; round < rounds(); ++round) {
