@@ -15,6 +15,8 @@ enum class ColumnKind { number, text, asStored };
 struct ColumnShape {
   std::string name;
   ColumnKind kind = ColumnKind::asStored;
+  // Of a column of numbers: it holds whole ones alone. False where an engine does not insist on it.
+  bool isWhole = false;
 };
 
 struct TableShape {
@@ -23,6 +25,8 @@ struct TableShape {
   // The columns, which need not be among those above, that say in what order rows are read where a
   // statement does not sort them. Empty: the table has no order.
   std::vector<std::string> readingOrder = {};
+  // The column that the database fills with numbers of its own, where an engine has to know it.
+  std::string key = {};
 };
 
 class Catalogue {

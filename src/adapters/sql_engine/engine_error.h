@@ -10,6 +10,8 @@ inline constexpr std::int32_t updateRefused = static_cast<std::int32_t>(0x80040E
 // The caller has asked for an end.
 inline constexpr std::int32_t stopped = static_cast<std::int32_t>(0x80004004U);
 inline constexpr std::int32_t constraintFailed = static_cast<std::int32_t>(0x80040E2FU);
+// The server cannot be reached, or not any more.
+inline constexpr std::int32_t connectionLost = 3151;
 inline constexpr std::int32_t notUpdatable = 3251;
 inline constexpr std::int32_t connectionClosed = 3709;
 inline constexpr std::int32_t recordsetClosed = 3704;

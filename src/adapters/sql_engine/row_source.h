@@ -52,4 +52,7 @@ class RowSource {
                                                              const RowInTheWay* unless) = 0;
 };
 
+// Whether the record set's own SELECT delivers such a row now. Errors: those of select().
+[[nodiscard]] bool isThere(RowSource& source, const RowInTheWay& row);
+
 }  // namespace pelmora::sql

@@ -7,7 +7,6 @@
 #include "adapters/sqlite/sqlite_renderer.h"
 #include "adapters/sqlite/sqlite_rows.h"
 #include "adapters/sqlite/transaction.h"
-#include "base/text_case.h"
 
 #include <sqlite3.h>
 
@@ -148,13 +147,23 @@ sql::SelectedRows SqliteSession::select(const std::string& text) {
   if (!std::holds_alternative<sql::SelectStatement>(*statement.tree))
     throw sql::statementError("Only a SELECT statement delivers rows.");
   StatementPool::Use query = prepare(statement);
-  sql::SelectedRows selected;
-  const int columns = sqlite3_column_count(query->get());
-  for (int i = 0; i < columns; ++i)
-    selected.fields.emplace_back(sqlite3_column_name(query->get(), i));
-  selected.rows = sql::RowStore(selected.fields.size());
-  while (step(*query)) appendRow(query->get(), selected.rows);
+  sql::SelectedRows selected = rowsOf(*query);
   selected.translation = statement.known;
+  return selected;
+}
+
+sql::SelectedRows SqliteSession::select(const sql::SelectStatement& statement) {
+  PreparedStatement query(database(), renderForSqlite(sql::Statement(statement), catalogue()));
+  return rowsOf(query);
+}
+
+sql::SelectedRows SqliteSession::rowsOf(PreparedStatement& query) {
+  sql::SelectedRows selected;
+  const int columns = sqlite3_column_count(query.get());
+  for (int i = 0; i < columns; ++i)
+    selected.fields.emplace_back(sqlite3_column_name(query.get(), i));
+  selected.rows = sql::RowStore(selected.fields.size());
+  while (step(query)) appendRow(query.get(), selected.rows);
   return selected;
 }
 
@@ -171,26 +180,13 @@ void SqliteSession::store(const sql::TableShape& table, std::span<const sql::Row
   transaction.commit();
 }
 
-bool SqliteSession::isThere(const sql::RowInTheWay& row) {
-  const sql::SelectedRows now = select(row.statement);
-  Value value;
-  for (std::size_t i = 0; i < now.rows.rows(); ++i) {
-    now.rows.read(i, row.field, value);
-    const auto *there = std::get_if<std::string>(&value),
-               *wanted = std::get_if<std::string>(&row.value);
-    const bool areTexts = there != nullptr && wanted != nullptr;
-    if (areTexts ? equalNames(*there, *wanted) : value == row.value) return true;
-  }
-  return false;
-}
-
 std::optional<sql::RowStore> SqliteSession::storeAndRead(const sql::TableShape& table,
                                                          const sql::RowBatch& row,
                                                          const sql::Translation& select,
                                                          const sql::RowInTheWay* unless) {
   requireWritable();
   Transaction transaction(handle());
-  if (unless != nullptr && isThere(*unless)) return std::nullopt;
+  if (unless != nullptr && sql::isThere(*this, *unless)) return std::nullopt;
   insertRows(*this, table, row);
   sql::RowStore stored(0);
   {

@@ -61,6 +61,8 @@ class SqliteSession : public sql::RowSource {
   void design(const std::string& statement);
 
   [[nodiscard]] sql::SelectedRows select(const std::string& statement) override;
+  // The same for a statement that has been read, without its translation.
+  [[nodiscard]] sql::SelectedRows select(const sql::SelectStatement& statement);
   [[nodiscard]] sql::TableShape tableToChange(const std::string& name) override;
   void store(const sql::TableShape& table, std::span<const sql::RowBatch> batches) override;
   [[nodiscard]] std::optional<sql::RowStore> storeAndRead(const sql::TableShape& table,
@@ -72,9 +74,9 @@ class SqliteSession : public sql::RowSource {
   bool step(PreparedStatement& statement);
 
  private:
+  [[nodiscard]] sql::SelectedRows rowsOf(PreparedStatement& query);
   SqliteSession(const std::string& file, OpenMode mode, const Patience& patience);
   void forgetSchema() noexcept;
-  [[nodiscard]] bool isThere(const sql::RowInTheWay& row);
 
   std::string file_;
   StatementFault fault_;
