@@ -30,7 +30,8 @@ set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PROGRAM_DESCRIPTION
 "Keeps, derives, fits and reports the calibration curves of turbine flow
 meters: the command line pelmora, the library that it uses, the window
-that shows a host application's messages, and a reader of Access files.")
+that shows a host application's messages, a reader of Access files, and
+the module for curve databases on a PostgreSQL server.")
 # The libraries' packages come from dpkg-shlibdeps, which finds our own in the build folder.
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
 if(PELMORA_BUILD_CLI AND PELMORA_WITH_SQLITE)  # loaded when a workbook is written, when a certificate is read

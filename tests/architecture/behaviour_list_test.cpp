@@ -30,7 +30,7 @@ std::string textOf(const fs::path& file) {
 
 // folder/suite.name of every test in these sources.
 std::set<std::string> testNames(const fs::path& tests) {
-  static const std::regex macro(R"(\bTEST(?:_F|_P)?\(\s*(\w+)\s*,\s*(\w+)\s*\))");
+  static const std::regex macro(R"(\b(?:TYPED_)?TEST(?:_F|_P)?\(\s*(\w+)\s*,\s*(\w+)\s*\))");
   std::set<std::string> names;
   for (const auto& entry : fs::recursive_directory_iterator(tests)) {
     if (entry.path().extension() != ".cpp") continue;

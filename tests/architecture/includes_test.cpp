@@ -51,6 +51,10 @@ const std::map<std::string, FolderRule>& rules() {
        {{"base", "store", "adapters/sql_dialect", "adapters/sql_engine"}, {"sqlite3.h", "posix"}}},
       {"adapters/access",
        {{"base", "store", "adapters/os", "adapters/sqlite"}, {"mdbtools.h", "posix"}}},
+      {"adapters/postgresql",
+       {{"base", "store", "adapters/os", "adapters/sql_dialect", "adapters/sql_engine"},
+        {"posix", "pqxx"}}},
+      {"adapters/postgresql/link", {{"adapters/postgresql"}, {"pqxx"}}},
       {"adapters/stand_csv", {{"base", "store", "adapters/sqlite"}, {}}},
       {"solver", {{"base"}, {"immintrin.h"}}},
       {"band", {{"base"}, {}}},
@@ -62,7 +66,8 @@ const std::map<std::string, FolderRule>& rules() {
       {"bindings/python", {{}, {"pybind11"}}},
       {"wiring",
        {{"base", "ui", "store", "adapters/os", "adapters/sqlite", "adapters/stand_csv",
-         "adapters/access", "solver", "band", "adapters/dialog", "adapters/ado"},
+         "adapters/access", "adapters/postgresql", "solver", "band", "adapters/dialog",
+         "adapters/ado"},
         {}}},
       {"history", {{"base", "store"}, {}}},
       {"doctor", {{"history", "store", "points"}, {}}},
@@ -188,6 +193,15 @@ TEST(command_line, knows_its_parser_in_one_room) {
   for (const Include& include : includesOf(placeOf("apps/pelmora"))) {
     const bool isParser = !include.quoted && firstPart(include.target) == "CLI";
     EXPECT_TRUE(!isParser || isInRoom(include, "options"))
+        << include.file << ": " << include.target;
+  }
+}
+
+// It is loaded when a server is asked for: nothing else may need it.
+TEST(postgresql, knows_its_client_library_in_one_room) {
+  for (const Include& include : includesOf(placeOf("adapters/postgresql"))) {
+    const bool isLibrary = !include.quoted && firstPart(include.target) == "pqxx";
+    EXPECT_TRUE(!isLibrary || include.file == "src/adapters/postgresql/link/libpqxx.h")
         << include.file << ": " << include.target;
   }
 }

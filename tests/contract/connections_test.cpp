@@ -3,10 +3,18 @@
 #include "adapters/sqlite/memory_table.h"
 #include "adapters/sqlite/sqlite_database.h"
 #include "tests/contract/connection_contract.h"
+#include "tests/contract/server_curves.h"
 #include "tests/support/plain_sqlite.h"
 #include "tests/support/scratch_folder.h"
 
+#if defined(PELMORA_TEST_POSTGRESQL)
+#include "adapters/postgresql/postgres_database.h"
+
+#include <pelmora/own_tables.h>
+#endif
+
 #include <array>
+#include <string>
 
 namespace pelmora::test {
 
@@ -41,7 +49,27 @@ struct MemorySample {
   }
 };
 
+#if defined(PELMORA_TEST_POSTGRESQL)
+
+struct ServerSample {
+  static constexpr bool isWritable = true;
+
+  // Null without a server.
+  static ConnectionPtr connection() {
+    if (!ServerCurves::lack().empty()) return nullptr;
+    const ServerCurves curves;
+    using enum OwnColumnType;
+    createTable(curves.connection, {"Sample", {{"ID", key}, {"Label", text}, {"Amount", real}}});
+    for (const char* row : {"(1, 'one', 1.5)", "(2, 'TWO', NULL)", "(3, 'drei', -3)"})
+      curves.execute("Insert into Sample (ID, Label, Amount) VALUES " + std::string(row));
+    return postgresConnection(curves.path);
+  }
+};
+
+using Databases = ::testing::Types<SqliteSample, MemorySample, ServerSample>;
+#else
 using Databases = ::testing::Types<SqliteSample, MemorySample>;
+#endif
 INSTANTIATE_TYPED_TEST_SUITE_P(databases, ConnectionContract, Databases);
 
 }  // namespace pelmora::test

@@ -1,6 +1,6 @@
-// The statements of the component, run on a curve database.
+// The statements of the component, run on a curve database of each engine.
 // SPDX-License-Identifier: MIT
-#include "tests/support/curve_file.h"
+#include "tests/contract/engines.h"
 
 #include <gtest/gtest.h>
 
@@ -11,25 +11,29 @@
 namespace pelmora {
 namespace {
 
-using test::CurveFile;
 using test::failureOf;
+
+template <class Curves>
+class statements : public test::CurveContract<Curves> {};
+TYPED_TEST_SUITE(statements, test::Engines);
 
 std::int64_t integer(const Value& value) { return std::get<std::int64_t>(value); }
 
 // Meter 1 (two calibrations, ids 1 and 2) with series "Rotor A" of the first and of the second one.
-struct TwoCalibrations : CurveFile {
+template <class Curves>
+struct TwoCalibrations : Curves {
   TwoCalibrations() {
-    execute(
+    this->execute(
         "Insert into meter (SerialNumber,SerialNumberAdjusted,ReCalID) VALUES('TF-1','TF-1a',0)");
-    execute("Insert into meter (SerialNumber,ReCalID) VALUES('TF-1',1)");
-    execute("Insert into series (name,meterid) VALUES('Rotor A',1)");
-    execute("Insert into series (name,meterid) VALUES('Rotor A',2)");
-    execute("Insert into masterMeterList (ID,SerialNumber,ReCalID) VALUES(9,'MM-1',3)");
+    this->execute("Insert into meter (SerialNumber,ReCalID) VALUES('TF-1',1)");
+    this->execute("Insert into series (name,meterid) VALUES('Rotor A',1)");
+    this->execute("Insert into series (name,meterid) VALUES('Rotor A',2)");
+    this->execute("Insert into masterMeterList (ID,SerialNumber,ReCalID) VALUES(9,'MM-1',3)");
   }
 };
 
-TEST(sqlite_statements, the_latest_calibration_comes_first) {
-  const TwoCalibrations file;
+TYPED_TEST(statements, the_latest_calibration_comes_first) {
+  const TwoCalibrations<TypeParam> file;
   const auto rows = file.select(
       "SELECT TOP 1 ID, ReCalID, SerialNumberAdjusted from meter where serialnumber='tf-1' ORDER "
       "BY ReCalID DESC");
@@ -38,8 +42,8 @@ TEST(sqlite_statements, the_latest_calibration_comes_first) {
   EXPECT_EQ(rows->value("serialnumberadjusted"), Value());
 }
 
-TEST(sqlite_statements, a_series_is_found_with_its_meter) {
-  const TwoCalibrations file;
+TYPED_TEST(statements, a_series_is_found_with_its_meter) {
+  const TwoCalibrations<TypeParam> file;
   const auto rows = file.select(
       "SELECT series.ID AS seriesID,meter.ID, meter.ReCalID, meter.SerialNumberAdjusted from "
       "series left "
@@ -52,8 +56,8 @@ TEST(sqlite_statements, a_series_is_found_with_its_meter) {
   EXPECT_EQ(rows->value("serialNumberAdjusted"), Value("TF-1a"));
 }
 
-TEST(sqlite_statements, all_columns_of_one_table_of_a_join_can_be_asked_for) {
-  const TwoCalibrations file;
+TYPED_TEST(statements, all_columns_of_one_table_of_a_join_can_be_asked_for) {
+  const TwoCalibrations<TypeParam> file;
   const auto rows = file.select(
       "SELECT TOP 1 series.*, meter.recalid, meter.serialnumberadjusted from series left join "
       "meter on "
@@ -67,8 +71,8 @@ TEST(sqlite_statements, all_columns_of_one_table_of_a_join_can_be_asked_for) {
   EXPECT_EQ(integer(rows->value("reCalID")), 1);
 }
 
-TEST(sqlite_statements, a_meter_without_series_is_listed_with_a_null) {
-  const TwoCalibrations file;
+TYPED_TEST(statements, a_meter_without_series_is_listed_with_a_null) {
+  const TwoCalibrations<TypeParam> file;
   file.execute("DELETE Series.* from series where id=2");
   const auto rows = file.select(
       "Select distinct serialnumber, name from meter left join series on meter.id=series.meterid  "
@@ -79,22 +83,22 @@ TEST(sqlite_statements, a_meter_without_series_is_listed_with_a_null) {
   EXPECT_EQ(rows->value(1), Value());
 }
 
-TEST(sqlite_statements, distinct_serial_numbers_are_told_once) {
-  const TwoCalibrations file;
+TYPED_TEST(statements, distinct_serial_numbers_are_told_once) {
+  const TwoCalibrations<TypeParam> file;
   file.execute("Insert into meter (SerialNumber,ReCalID) VALUES('tf-1',2)");
   EXPECT_EQ(file.select("Select distinct serialnumber from meter")->recordCount(), 1);
 }
 
-TEST(sqlite_statements, deleting_a_series_leaves_the_other_rows) {
-  const TwoCalibrations file;
+TYPED_TEST(statements, deleting_a_series_leaves_the_other_rows) {
+  const TwoCalibrations<TypeParam> file;
   file.execute("INSERT INTO raw1 ( seriesID,   Roshko,   Strouhal ) Values (1,10.5,2)");
   file.execute("DELETE Series.* from series where id=1");
   EXPECT_EQ(file.count("series"), 1);
   EXPECT_EQ(file.count("raw1"), 1);
 }
 
-TEST(sqlite_statements, a_set_up_is_found_by_fluid_and_meter) {
-  const TwoCalibrations file;
+TYPED_TEST(statements, a_set_up_is_found_by_fluid_and_meter) {
+  const TwoCalibrations<TypeParam> file;
   file.execute("Insert into Fluids (Name) VALUES ('Water')");
   file.execute("Insert into Operator (Name) VALUES ('Unknown')");
   file.execute(
@@ -112,8 +116,8 @@ TEST(sqlite_statements, a_set_up_is_found_by_fluid_and_meter) {
       1);
 }
 
-TEST(sqlite_statements, jobs_are_found_through_bracketed_joins) {
-  const TwoCalibrations file;
+TYPED_TEST(statements, jobs_are_found_through_bracketed_joins) {
+  const TwoCalibrations<TypeParam> file;
   file.execute("Insert into Calsetup (meterID,Stand) VALUES(2,1)");
   file.execute("Insert into CalDataPoint (CalSetupID,JobRecordID) VALUES(1,1042)");
   const auto rows = file.select(
@@ -124,9 +128,10 @@ TEST(sqlite_statements, jobs_are_found_through_bracketed_joins) {
   EXPECT_EQ(integer(rows->value("JobRecordID")), 1042);
 }
 
-struct OneDataPoint : CurveFile {
+template <class Curves>
+struct OneDataPoint : Curves {
   explicit OneDataPoint(const std::string& v3 = "20") {
-    execute(
+    this->execute(
         "Insert into CalDataPoint (CalSetupID,JobRecordID,V1,V2,V3,V4,V5,V12,V20,V21) "
         "VALUES(7,1001,10,25," +
         v3 + ",400,2,80,16,240)");
@@ -139,8 +144,8 @@ constexpr const char* rotorA =
     "([v4]/[v3])/([v2]/[v1])*(1+((2.88E-05)*([v12]-70))) AS Strouhal FROM CalDataPoint WHERE "
     "(((CalDataPoint.calSetupID)=7));";
 
-TEST(sqlite_statements, a_rotor_series_is_derived_inside_the_database) {
-  const OneDataPoint file;
+TYPED_TEST(statements, a_rotor_series_is_derived_inside_the_database) {
+  const OneDataPoint<TypeParam> file;
   file.execute(rotorA);
   const auto rows = file.select("Select roshko, strouhal from raw1 where seriesID = 5");
   ASSERT_EQ(rows->recordCount(), 1);
@@ -148,8 +153,8 @@ TEST(sqlite_statements, a_rotor_series_is_derived_inside_the_database) {
   EXPECT_DOUBLE_EQ(std::get<double>(rows->value("Strouhal")), 8.0 * (1 + 0.0000288 * 10));
 }
 
-TEST(sqlite_statements, a_sum_series_is_derived_inside_the_database) {
-  const OneDataPoint file;
+TYPED_TEST(statements, a_sum_series_is_derived_inside_the_database) {
+  const OneDataPoint<TypeParam> file;
   file.execute(
       "INSERT INTO Raw2 ( seriesID,   Roshko,   Strouhal ) SELECT 6 AS SeriesID, "
       "([v4]/[v3]/[v5]*(1+((1.92E-05)*([v12]-70)))) + "
@@ -161,8 +166,8 @@ TEST(sqlite_statements, a_sum_series_is_derived_inside_the_database) {
   EXPECT_DOUBLE_EQ(std::get<double>(rows->value(1)), 400.0 / 20 / 15);
 }
 
-TEST(sqlite_statements, division_by_zero_in_one_row_inserts_none) {
-  const OneDataPoint file("20");
+TYPED_TEST(statements, division_by_zero_in_one_row_inserts_none) {
+  const OneDataPoint<TypeParam> file("20");
   file.execute("Insert into CalDataPoint (CalSetupID,V1,V2,V3,V4,V5,V12) VALUES(7,1,1,0,1,1,70)");
   const auto failure = failureOf([&] { file.execute(rotorA); });
   EXPECT_EQ(failure.number, 11);
@@ -170,31 +175,36 @@ TEST(sqlite_statements, division_by_zero_in_one_row_inserts_none) {
   EXPECT_EQ(file.count("raw1"), 0);
 }
 
-TEST(sqlite_statements, overflow_in_one_row_inserts_none) {
-  const OneDataPoint file("1E-308");
+TYPED_TEST(statements, overflow_in_one_row_inserts_none) {
+  const OneDataPoint<TypeParam> file("1E-308");
   const auto failure = failureOf([&] { file.execute(rotorA); });
   EXPECT_EQ(failure.number, 6);
   EXPECT_EQ(failure.description, "Overflow");
   EXPECT_EQ(file.count("raw1"), 0);
 }
 
-TEST(sqlite_statements, null_in_a_formula_gives_null) {
-  const OneDataPoint file("NULL");
+TYPED_TEST(statements, null_in_a_formula_gives_null) {
+  const OneDataPoint<TypeParam> file("NULL");
   file.execute(rotorA);
   const auto rows = file.select("Select roshko from raw1 where seriesID=5");
   ASSERT_EQ(rows->recordCount(), 1);
   EXPECT_EQ(rows->value(0), Value());
 }
 
-TEST(sqlite_statements, words_in_a_formula_are_a_type_mismatch) {
-  const OneDataPoint file("'bad'");
-  EXPECT_EQ(failureOf([&] { file.execute(rotorA); }).description,
+TYPED_TEST(statements, words_in_a_formula_are_a_type_mismatch) {
+  const TypeParam file;
+  file.execute("Insert into CalDataPoint (CalSetupID,JobRecordID) VALUES(7,'bad')");
+  EXPECT_EQ(failureOf([&] {
+              file.execute(
+                  "Insert into raw1 (seriesID, Roshko) Select 5 as seriesID, JobRecordID*2 as "
+                  "Roshko from CalDataPoint");
+            }).description,
             "Data type mismatch in criteria expression.");
   EXPECT_EQ(file.count("raw1"), 0);
 }
 
-TEST(sqlite_statements, whole_numbers_are_divided_exactly) {
-  const CurveFile file;
+TYPED_TEST(statements, whole_numbers_are_divided_exactly) {
+  const TypeParam file;
   EXPECT_EQ(file.select("SELECT 7/2")->value(0), Value(3.5));
 }
 

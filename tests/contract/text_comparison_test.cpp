@@ -1,6 +1,8 @@
+// Texts in statements, on each engine.
 // SPDX-License-Identifier: MIT
-#include "tests/support/curve_file.h"
-#include "tests/support/plain_sqlite.h"
+#include "tests/contract/engines.h"
+
+#include <pelmora/own_tables.h>
 
 #include <gtest/gtest.h>
 
@@ -9,15 +11,19 @@
 namespace pelmora {
 namespace {
 
-using test::CurveFile;
 using test::failureOf;
 
-std::int32_t found(const CurveFile& file, const std::string& condition) {
+template <class Curves>
+class text_comparison : public test::CurveContract<Curves> {};
+TYPED_TEST_SUITE(text_comparison, test::Engines);
+
+template <class Curves>
+std::int32_t found(const Curves& file, const std::string& condition) {
   return file.select("Select * from Fluids where " + condition)->recordCount();
 }
 
-TEST(text_comparison, letters_compare_without_regard_to_case) {
-  const CurveFile file;
+TYPED_TEST(text_comparison, letters_compare_without_regard_to_case) {
+  const TypeParam file;
   file.execute("Insert into Fluids (Name) VALUES ('Wasser')");
   file.execute("Insert into Fluids (Name) VALUES ('ÖL ŁÓDŹ Ωμέγα Вода')");
   EXPECT_EQ(found(file, "name='WASSER'"), 1);
@@ -28,11 +34,11 @@ TEST(text_comparison, letters_compare_without_regard_to_case) {
   EXPECT_EQ(found(file, "name <> 'wasser'"), 1);
 }
 
-TEST(text_comparison, columns_of_other_programs_compare_the_same_way) {
-  const CurveFile file;
-  test::PlainSqlite(file.path).run(
-      "CREATE TABLE other (Name TEXT); INSERT INTO other VALUES ('abc'), ('ÄBC'), ('ABC'), "
-      "('äbc')");
+TYPED_TEST(text_comparison, columns_without_an_index_compare_the_same_way) {
+  const TypeParam file;
+  createTable(file.connection, {"other", {{"Name", OwnColumnType::text}}});
+  for (const char* name : {"abc", "ÄBC", "ABC", "äbc"})
+    file.execute("Insert into other (Name) VALUES ('" + std::string(name) + "')");
   EXPECT_EQ(file.select("Select * from other where name='Abc'")->recordCount(), 2);
   EXPECT_EQ(file.select("Select * from other where name='Äbc'")->recordCount(), 2);
   EXPECT_EQ(file.select("Select distinct name from other")->recordCount(), 2);
@@ -41,8 +47,8 @@ TEST(text_comparison, columns_of_other_programs_compare_the_same_way) {
   EXPECT_EQ(sorted->value(0), Value("ÄBC"));
 }
 
-TEST(text_comparison, equal_columns_join_without_regard_to_case) {
-  const CurveFile file;
+TYPED_TEST(text_comparison, equal_columns_join_without_regard_to_case) {
+  const TypeParam file;
   file.execute("Insert into Fluids (Name) VALUES ('Öl')");
   file.execute("Insert into Operator (Name) VALUES ('öL')");
   EXPECT_EQ(
@@ -51,15 +57,15 @@ TEST(text_comparison, equal_columns_join_without_regard_to_case) {
       1);
 }
 
-TEST(text_comparison, quotes_inside_texts_are_doubled) {
-  const CurveFile file;
+TYPED_TEST(text_comparison, quotes_inside_texts_are_doubled) {
+  const TypeParam file;
   file.execute("Insert into Fluids (Name) VALUES ('O''Neil \"77\"')");
   EXPECT_EQ(found(file, "name='o''neil \"77\"'"), 1);
   EXPECT_EQ(found(file, "name=\"O'Neil \"\"77\"\"\""), 1);
 }
 
-TEST(text_comparison, nothing_can_be_smuggled_into_a_statement) {
-  const CurveFile file;
+TYPED_TEST(text_comparison, nothing_can_be_smuggled_into_a_statement) {
+  const TypeParam file;
   file.execute("Insert into Fluids (Name) VALUES ('a')");
   for (const char* name :
        {"'; DROP TABLE Fluids; --", "'; Delete from Fluids;'", "'); Delete from Fluids --",
@@ -77,16 +83,16 @@ TEST(text_comparison, nothing_can_be_smuggled_into_a_statement) {
   EXPECT_NE(failureOf([&] { file.execute("ATTACH 'x' AS y"); }).number, 0);
 }
 
-TEST(text_comparison, a_name_in_double_quotes_is_a_text_and_never_a_column) {
-  const CurveFile file;
+TYPED_TEST(text_comparison, a_name_in_double_quotes_is_a_text_and_never_a_column) {
+  const TypeParam file;
   file.execute("Insert into Fluids (Name) VALUES ('ID')");
   EXPECT_EQ(found(file, "Name=\"id\""), 1);
   EXPECT_EQ(failureOf([&] { (void)found(file, "Nme='x'"); }).description,
             "No value given for one or more required parameters. 'Nme' is not a column of Fluids.");
 }
 
-TEST(text_comparison, plus_joins_texts_and_ampersand_joins_anything) {
-  const CurveFile file;
+TYPED_TEST(text_comparison, plus_joins_texts_and_ampersand_joins_anything) {
+  const TypeParam file;
   EXPECT_EQ(file.select("Select 'a' + 'b'")->value(0), Value("ab"));
   EXPECT_EQ(file.select("Select 'a' & 1.5 & NULL")->value(0), Value("a1.5"));
   EXPECT_EQ(file.select("Select 'a' + NULL")->value(0), Value());
@@ -95,8 +101,8 @@ TEST(text_comparison, plus_joins_texts_and_ampersand_joins_anything) {
             "Data type mismatch in criteria expression.");
 }
 
-TEST(text_comparison, truth_values_are_minus_one_and_zero) {
-  const CurveFile file;
+TYPED_TEST(text_comparison, truth_values_are_minus_one_and_zero) {
+  const TypeParam file;
   EXPECT_EQ(file.select("Select 1=1")->value(0), Value(std::int64_t{-1}));
   EXPECT_EQ(file.select("Select 1=2")->value(0), Value(std::int64_t{0}));
   EXPECT_EQ(file.select("Select True AND NOT False")->value(0), Value(std::int64_t{-1}));

@@ -1,0 +1,46 @@
+// How the tables of a curve database came to be, step by step.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <pelmora/error.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace pelmora::postgres {
+
+class Client;
+
+struct Migration {
+  int number = 0;
+  std::string title;
+  std::vector<std::string> statements;
+};
+
+// By number, from 1. A database that has been made stays as it is: what changes later is a
+// migration of its own.
+[[nodiscard]] const std::vector<Migration>& curveMigrations();
+// The number that this program's databases have.
+[[nodiscard]] int currentMigration();
+
+// What is behind an open connection.
+struct ServerDatabase {
+  std::string name, schema, user;
+  std::int64_t schemaId = 0;  // the server's number of the schema
+  int migration = 0;          // the last one; 0: no curve database
+  std::string encoding;
+};
+
+// Prepares a new connection for the dialect: settings, and the schema in which all names are looked
+// for. Errors: ServerError; Error 321 where the database cannot hold curves.
+[[nodiscard]] ServerDatabase preparedSession(Client& client, const std::string& shown);
+
+// Applies those of `migrations` that the database does not have, with the roles, in one
+// transaction. The number of migrations applied.
+//
+// Errors: ServerError; nothing is then changed.
+int migrate(Client& client, const ServerDatabase& database,
+            const std::vector<Migration>& migrations);
+
+}  // namespace pelmora::postgres
