@@ -42,6 +42,13 @@ struct Judgement {
   }
 };
 
+std::vector<double> placesOver(double low, double high) {
+  std::vector<double> at;
+  for (int k = 0; k < places; ++k)
+    at.push_back(std::clamp(low * std::pow(high / low, k / (places - 1.0)), low, high));
+  return at;
+}
+
 // Read as a flow computer reads the table: linearly.
 Judgement judge(const Case& c, const std::optional<Table>& table) {
   Judgement judgement;
@@ -50,9 +57,7 @@ Judgement judge(const Case& c, const std::optional<Table>& table) {
   judgement.warnings = table->warnings;
   const auto x = table->points.column(0), y = table->points.column(1);
   std::size_t row = 0;
-  for (int k = 0; k < places; ++k) {
-    const double at = std::clamp(x.front() * std::pow(x.back() / x.front(), k / (places - 1.0)),
-                                 x.front(), x.back());
+  for (const double at : placesOver(x.front(), x.back())) {
     while (row + 2 < x.size() && at > x[row + 1]) ++row;
     const double share = (at - x[row]) / (x[row + 1] - x[row]), truth = c.truth(at);
     const double off = 100 * std::abs((y[row] * (1 - share) + y[row + 1] * share) / truth - 1);
@@ -67,20 +72,14 @@ Judgement judge(const Case& c, const std::optional<Table>& table) {
   return judgement;
 }
 
-// The curve itself with the U that is stated for it, without a stand.
+// The curve itself against the U that is stated for it without a stand.
 Judgement judgeStated(const Case& c, const Fit& fit) {
   Judgement judgement;
   if (!fit.accepted()) return judgement;
   judgement.isStored = true;
   judgement.warnings = fit.outcome.Warnings.size();
   const calibration::FittedCurve curve(fit);
-  std::vector<double> at;
-  for (int k = 0; k < places; ++k) {
-    at.push_back(
-        std::clamp(curve.lowestRoshko() *
-                       std::pow(curve.highestRoshko() / curve.lowestRoshko(), k / (places - 1.0)),
-                   curve.lowestRoshko(), curve.highestRoshko()));
-  }
+  const std::vector<double> at = placesOver(curve.lowestRoshko(), curve.highestRoshko());
   for (const calibration::CurveEstimate& estimate : curve.at(at)) {
     const double truth = c.truth(estimate.roshko);
     const double off = 100 * std::abs(estimate.strouhal / truth - 1);

@@ -86,8 +86,8 @@ function(pelmora_test folder)
   pelmora_run_tests(${name}_test ${folder}/ SHARDS ${arg_SHARDS} LABELS ${arg_LABELS})
 endfunction()
 
-# pelmora_beside(wiring_test pelmora-access): puts the helper program beside the test program, where the library that is
-# linked into it looks for helpers.
+# pelmora_beside(wiring_test pelmora-access): puts a helper program beside the test program, where the library linked into
+# the test looks for helpers.
 function(pelmora_beside program helper)
   add_dependencies(${program} ${helper})
   add_custom_command(TARGET ${program} POST_BUILD VERBATIM

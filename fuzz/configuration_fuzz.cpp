@@ -1,4 +1,4 @@
-// A configuration file of any content.
+// Any configuration file is read, or refused as a usage error.
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/options/configuration.h"
 #include "apps/pelmora/trouble.h"

@@ -1,5 +1,5 @@
-// A damaged curve database: whatever is wrong in it, reading, fitting, examining and salvaging end
-// in values or in one of the service's failures.
+// Whatever is wrong in a damaged curve database, reading, fitting, examining and salvaging it end
+// with values or with one of the service's failures.
 // SPDX-License-Identifier: MIT
 #include "fuzz/damage.h"
 #include "fuzz/scratch_file.h"
@@ -10,18 +10,12 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <fstream>
-#include <iterator>
+#include <cstdio>
 #include <string>
 
 namespace {
 
 namespace cal = pelmora::calibration;
-
-std::string contentOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 pelmora::PointArray points(double shift) {
   pelmora::PointArray list(12, 2);
@@ -46,7 +40,7 @@ std::string wholeDatabase(const std::string& path) {
       lab.store(lab.fit(meter, "Rotor A", settings));
     }
   }
-  std::string content = contentOf(path);
+  std::string content = pelmora::fuzz::readFile(path);
   std::remove(path.c_str());
   return content;
 }
@@ -57,11 +51,11 @@ void attempt(Body&& body) {
     body();
   } catch (const cal::Failure& failure) {
     if (std::string(failure.what()).empty()) __builtin_trap();
-  } catch (const pelmora::Error&) {  // of what lies below the service
+  } catch (const pelmora::Error&) {  // from below the service
   }
 }
 
-// One equation: what reads the points is what matters here.
+// One equation is enough: the target is the code that reads the points, not the fit.
 cal::FitSettings quickFit() {
   cal::FitSettings settings;
   settings.equations = cal::EquationList::parse("; one\nLine\ta+b*ln(x)\n", "the target");

@@ -1,4 +1,4 @@
-// Damage to a file of valid structure, so that what is behind its schema is reached.
+// Damage to a valid file, so that the fuzzer gets past the checks of its structure.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -9,7 +9,8 @@
 
 namespace pelmora::fuzz {
 
-// The fuzzer's bytes as edits: three bytes of place, one of length (up to 32), then the new bytes.
+// The fuzzer's bytes as edits: three bytes for the place, one for the length (up to 32), then
+// the new bytes.
 // A length of 0 cuts the file off at the place.
 inline std::string damaged(std::string content, const std::uint8_t* data, std::size_t size) {
   const std::uint8_t* const end = data + size;

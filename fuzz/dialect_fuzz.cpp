@@ -1,5 +1,5 @@
-// A statement of any text, on a curve database with a few rows: run, or refused as an error. What
-// a statement does is undone, so that each meets the same rows.
+// Any statement on a curve database with a few rows is run, or refused with an error. It is undone
+// afterwards, so that each statement meets the same rows.
 // SPDX-License-Identifier: MIT
 #include "fuzz/scratch_file.h"
 #include "store/connection.h"

@@ -1,4 +1,4 @@
-// An equation file of any content: read, and its first equations fitted.
+// Any equation file is read and fitted, or refused with a message.
 // SPDX-License-Identifier: MIT
 #include "fuzz/scratch_file.h"
 
@@ -31,7 +31,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     settings.equations =
         EquationList::parse(std::string(pelmora::fuzz::textOf(data, size)), "the fuzzed file");
     const auto& equations = settings.equations.equations();
-    // More of them take long and show nothing new.
+    // More equations take long and show nothing new.
     if (equations.size() > 2) return -1;
     for (const auto& equation : equations) {
       const auto count = parameterCount(equation.Expression);

@@ -1,4 +1,4 @@
-// An equation of any text: read, evaluated with its gradient, never more than a refusal.
+// Any equation is read and evaluated with its gradient, or refused with a message.
 // SPDX-License-Identifier: MIT
 #include "fuzz/scratch_file.h"
 #include "solver/equations/block_evaluator.h"
@@ -21,7 +21,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     evaluator.differentiate(expression.root);
     if (evaluator.value(expression.root).size() != x.size()) __builtin_trap();
   } catch (const solver::ParseFailure& failure) {
-    if (failure.message.empty()) __builtin_trap();  // a refusal says why
+    if (failure.message.empty()) __builtin_trap();
   }
   return 0;
 }

@@ -1,4 +1,4 @@
-// A file of points of any content: finite points, or one refusal that says where.
+// Any file of points gives finite points, or a message of one line.
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/input/csv_points.h"
 #include "apps/pelmora/trouble.h"

@@ -1,4 +1,4 @@
-// A result file of any content: its points come sorted, or the error is one of the told ones.
+// Any result file gives sorted points, or one of the documented errors.
 // SPDX-License-Identifier: MIT
 #include "calibration/steps/result_file.h"
 #include "fuzz/scratch_file.h"

@@ -1,4 +1,4 @@
-// A file in memory for what reads files.
+// Files in memory, for targets that read files.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -9,12 +9,14 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <string_view>
 
 namespace pelmora::fuzz {
 
-// A folder of this process under /dev/shm, removed at its end.
+// A folder of this process under /dev/shm, removed when the process ends.
 class ScratchFolder {
  public:
   ScratchFolder() : path_("/dev/shm/pelmora-fuzz-" + std::to_string(getpid())) {
@@ -40,6 +42,11 @@ inline void writeFile(const std::string& path, std::string_view content) {
   if (file == nullptr) std::abort();
   const bool isWritten = std::fwrite(content.data(), 1, content.size(), file) == content.size();
   if (std::fclose(file) != 0 || !isWritten) std::abort();
+}
+
+inline std::string readFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 inline std::string_view textOf(const std::uint8_t* data, std::size_t size) {

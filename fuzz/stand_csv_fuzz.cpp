@@ -1,4 +1,4 @@
-// A stand's CSV export of any content: opened and read, or refused with line and column.
+// Any CSV export of a stand is opened and read, or refused with a message.
 // SPDX-License-Identifier: MIT
 #include "fuzz/scratch_file.h"
 

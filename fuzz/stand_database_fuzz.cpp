@@ -1,5 +1,5 @@
-// A damaged stand database: an import ends whole, or in one of the service's failures with nothing
-// stored.
+// An import from a damaged stand database succeeds or ends with one of the service's failures;
+// either way, a change that is not committed leaves nothing behind.
 // SPDX-License-Identifier: MIT
 #include "fuzz/damage.h"
 #include "fuzz/scratch_file.h"
@@ -11,8 +11,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 namespace {
@@ -34,8 +32,7 @@ std::string wholeStand(const std::string& path) {
   if (sqlite3_open(path.c_str(), &stand) != SQLITE_OK) std::abort();
   if (sqlite3_exec(stand, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) std::abort();
   sqlite3_close(stand);
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
+  return pelmora::fuzz::readFile(path);
 }
 
 }  // namespace

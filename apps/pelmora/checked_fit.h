@@ -20,7 +20,7 @@ struct CheckedFit {
 
 struct FitWish {
   calibration::FitSettings settings;
-  bool isStrict = false;  // a curve with a warning is trouble and is not stored
+  bool isStrict = false;  // a curve with a warning counts as trouble and is not stored
 };
 
 // Shows the text, which says how the range and the points disagree, and returns the answer.

@@ -80,7 +80,7 @@ ImportOutcome importRuns(CommandChange& change, const ImportRequest& request) {
     outcome.notes.push_back("the run in " + entry.fluid + " keeps its " + entry.what + " " +
                             entry.kept + "; " + entry.given + " was given: --update replaces it");
   }
-  for (const std::string& doubt : outcome.imported.doubts) sayNote(doubt);
+  for (const std::string& doubt : outcome.imported.doubts) printNote(doubt);
   outcome.trouble = secondJobTrouble(request.runs);
   return outcome;
 }

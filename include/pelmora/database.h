@@ -12,8 +12,9 @@ namespace pelmora {
 class Connection;                                   // the abstract role of an open database
 using ConnectionPtr = std::shared_ptr<Connection>;  // null: an absent connection
 
-// Opens the database at `location` with the driver for what is found there: an SQLite file, or a
-// stand's export as text with the columns JobRecordID, V1 to V37 (read into memory).
+// Opens the database at `location` with the driver for what is found there: an SQLite file, an
+// Access file (outside Windows read into memory, so it cannot be changed), or a stand's export as a
+// text file with the columns JobRecordID and V1 to V37 (read into memory).
 //
 // Errors: Error if the location is missing, empty, locked or not a database. Never creates a file.
 PELMORA_API ConnectionPtr openDatabase(const std::string& location);

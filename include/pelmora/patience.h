@@ -1,4 +1,4 @@
-// How long an operation may wait for a locked database, and who may end it.
+// How long an operation may wait for a locked database, and how its caller ends it early.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -12,13 +12,13 @@
 namespace pelmora {
 
 struct Patience {
-  // A database that stays locked for so long is error 0x80004005.
+  // A database that stays locked for longer is error 0x80004005.
   std::chrono::milliseconds limit{250};
   // Called before each pause of a wait with the time that has passed. False ends the wait. It must
   // neither throw nor use the connection.
   std::function<bool(std::chrono::milliseconds waited)> goesOn;
-  // Called often while a statement reads. True ends it with error 0x80004004. It must neither throw
-  // nor use the connection.
+  // Called often while a statement reads. If it returns true, the statement ends with error
+  // 0x80004004. It must neither throw nor use the connection.
   std::function<bool()> stopRequested{};
 };
 

@@ -69,8 +69,8 @@ struct SalvageReport {
   std::vector<SalvagedSeries> Series;  // those that are not known to be whole
   std::vector<std::string> LostNames;  // meters and series of which only the name is left
   std::uint64_t StrayPages = 0;        // of tables of which not even the name is left
-  std::uint64_t OrphanedRows = 0;      // brought over; their series or meter is lost
-  std::vector<std::string> Others;     // views, triggers, tables that are not brought over
+  std::uint64_t OrphanedRows = 0;      // copied, although their series or meter is lost
+  std::vector<std::string> Others;     // views, triggers, tables that are not copied
 
   // Whether nothing is missing, as far as the file can tell.
   [[nodiscard]] bool isWhole() const;

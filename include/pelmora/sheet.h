@@ -38,8 +38,8 @@ struct Recognised {
   std::size_t headerLine = 0;    // 0: there is no header
   std::size_t unitsLine = 0;     // 0: there is no line of units
   std::size_t emptyColumns = 0;  // at the end
-  std::size_t emptyRows = 0;     // of separators alone
-  std::vector<std::size_t> repeatedHeaders;  // their lines
+  std::size_t emptyRows = 0;     // with nothing but separators
+  std::vector<std::size_t> repeatedHeaders;  // the lines that they are in
 
   // Comma-separated UTF-8 with decimal points and at most a header above the values.
   [[nodiscard]] PELMORA_API bool isPlain() const;
@@ -50,11 +50,11 @@ struct Recognised {
 // Text that cannot be read as a table of numbers.
 class PELMORA_API SheetError : public Error {
  public:
-  // The member of Style that would decide it.
+  // The member of Style that would settle it.
   enum class Doubt { none, separator, decimal };
 
-  // place: such as "line 3, column Flow"; may be empty.
-  // number: 13 (type mismatch) where a value is wrong, 321 where the whole text is.
+  // place: for example "line 3, column Flow"; may be empty.
+  // number: 13 (type mismatch) if a value is wrong, 321 if the whole text is.
   SheetError(const std::string& place, const std::string& problem, const std::string& remedy,
              Doubt doubt = Doubt::none, std::int32_t number = 13);
   ~SheetError() override;
@@ -73,7 +73,7 @@ class PELMORA_API SheetError : public Error {
 };
 
 struct Column {
-  std::string text;  // of the header, whole; empty without one
+  std::string text;  // the whole header field; empty without a header
   std::string name;  // without the unit
   std::string unit;  // "l/min" of "Flow [l/min]", or from the line of units; empty: none given
 };
@@ -83,24 +83,24 @@ struct Row {
   std::vector<std::string> fields;  // one for each column, without blanks at their ends
 };
 
-// "an Excel workbook (.xlsx)" and the like, where the first bytes of a file show that it is not a
-// text file; otherwise empty.
+// "an Excel workbook (.xlsx)" and the like if the first bytes of a file show that it is not a text
+// file; otherwise empty.
 [[nodiscard]] PELMORA_API std::string foreignKind(std::string_view start);
 
 // Whether one of the first lines of a text file names this column, with any separator.
-// start: some thousand bytes.
+// start: the first few thousand bytes.
 [[nodiscard]] PELMORA_API bool namesColumn(std::string_view start, std::string_view column);
 
-// A text file in memory, its header read; next() delivers the rows. Not copyable.
+// A text file in memory with its header already read; next() delivers the rows. Not copyable.
 //
-// Recognised are: UTF-8 with or without a byte order mark, UTF-16, Windows-1252; commas, semicolons
-// or tabs between fields; decimal point or comma; thousands grouped by a blank, an apostrophe or,
-// if the text proves it, a point or comma; title and comment lines, a header, a line of units,
-// repeated headers; empty columns and rows. Text that can be read in two ways is an error.
+// It recognises UTF-8 with or without a byte order mark, UTF-16 and Windows-1252; commas,
+// semicolons or tabs between fields; decimal points or commas; thousands grouped by a blank, an
+// apostrophe or, if the text proves it, a point or comma; title and comment lines, a header, a line
+// of units, repeated headers; empty columns and rows. Text that can be read in two ways is refused.
 class PELMORA_API Sheet {
  public:
-  // Errors: SheetError for what is not text, for text that ends inside quotes, and for a separator
-  //         or a decimal sign that cannot be told.
+  // Errors: SheetError for bytes that are not text, for text that ends inside quotes, and for a
+  //         separator or a decimal sign that cannot be determined.
   explicit Sheet(std::string bytes, const Style& style = {});
   Sheet(Sheet&& other) noexcept;
   Sheet& operator=(Sheet&& other) noexcept;
@@ -114,7 +114,7 @@ class PELMORA_API Sheet {
   // "Flow", or the number where the column has no name.
   [[nodiscard]] std::string columnName(std::size_t column) const;
 
-  // The next row of values. False at the end.
+  // Reads the next row of values. False at the end.
   // Errors: SheetError for a row with fewer fields than columns, or with text beyond the last one.
   bool next(Row& row);
 

@@ -18,14 +18,15 @@ namespace pelmora {
 
 struct OpenedStand {
   ConnectionPtr connection;
-  // Of a text file: how it was read, and the lines of each job's points. Nothing for a database.
+  // For a text file: how it was read, and the lines of each job's points. Empty for a database.
   std::optional<sheets::Recognised> recognised;
   std::map<std::string, std::vector<std::size_t>> lines;
 };
 
 // Opens a stand's database, or its export as a text file in the given style.
 //
-// Errors: Error, as of openDatabase(); SheetError for what a text file holds and for a workbook.
+// Errors: Error, as for openDatabase(); SheetError for the contents of a text file and for a
+//         workbook.
 [[nodiscard]] PELMORA_API OpenedStand openStand(const std::string& location,
                                                 const Patience& patience = {},
                                                 const sheets::Style& style = {});

@@ -21,8 +21,8 @@ struct CsvField {
 // How a text is to be read; what another program has written may differ.
 struct CsvStyle {
   char Separator = ',';
-  // Whether a line, given without its end, is a comment rather than the start of a record; none
-  // is where this is empty.
+  // Whether a line, given without its line end, is a comment rather than the start of a record. If
+  // this is empty, no line is a comment.
   std::function<bool(std::string_view line)> IsComment = {};
 };
 

@@ -30,24 +30,8 @@ constexpr std::array<std::uint16_t, 32> ansiCodePoints{
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
-unsigned ansiCodePoint(unsigned char byte) {
+char32_t ansiCodePoint(unsigned char byte) {
   return byte >= 0x80 && byte < 0xA0 ? ansiCodePoints[byte - 0x80U] : byte;
-}
-
-// `codePoint` is below 0x10000.
-void appendUtf8(std::string& text, unsigned codePoint) {
-  const auto append = [&](unsigned byte) { text += static_cast<char>(byte); };
-  if (codePoint < 0x80) {
-    append(codePoint);
-    return;
-  }
-  if (codePoint < 0x800) {
-    append(0xC0U | codePoint >> 6U);
-  } else {
-    append(0xE0U | codePoint >> 12U);
-    append(0x80U | (codePoint >> 6U & 0x3FU));
-  }
-  append(0x80U | (codePoint & 0x3FU));
 }
 
 }  // namespace
@@ -67,6 +51,23 @@ std::optional<char32_t> takeUtf8Character(std::string_view& text) noexcept {
   if (codePoint < lead->lowest || codePoint > 0x10FFFF || isSurrogate) return std::nullopt;
   text = whole.substr(1 + lead->tail);
   return codePoint;
+}
+
+void appendUtf8(std::string& text, char32_t codePoint) {
+  const auto append = [&](char32_t byte) { text += static_cast<char>(byte); };
+  if (codePoint < 0x80) return append(codePoint);
+  if (codePoint < 0x800) {
+    append(0xC0U | codePoint >> 6U);
+  } else {
+    if (codePoint < 0x10000) {
+      append(0xE0U | codePoint >> 12U);
+    } else {
+      append(0xF0U | codePoint >> 18U);
+      append(0x80U | (codePoint >> 12U & 0x3FU));
+    }
+    append(0x80U | (codePoint >> 6U & 0x3FU));
+  }
+  append(0x80U | (codePoint & 0x3FU));
 }
 
 bool isUtf8(std::string_view text) noexcept {

@@ -15,6 +15,9 @@ namespace pelmora {
 [[nodiscard]] PELMORA_API std::optional<char32_t> takeUtf8Character(
     std::string_view& text) noexcept;
 
+// codePoint: up to 0x10FFFF, and not half of a surrogate pair.
+void appendUtf8(std::string& text, char32_t codePoint);
+
 [[nodiscard]] bool isUtf8(std::string_view text) noexcept;
 
 // A text in the ANSI code page of Western systems as UTF-8. One that is well-formed UTF-8 already

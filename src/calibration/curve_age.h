@@ -1,4 +1,4 @@
-// Telling whether a stored curve still belongs to the raw points of its series.
+// Whether a stored curve still belongs to the raw points of its series.
 // SPDX-License-Identifier: MIT
 #pragma once
 

@@ -9,7 +9,7 @@
 namespace pelmora::calibration {
 namespace {
 
-// Labels read on a certificate, help texts at a command line.
+// Labels appear on certificates, help texts at the command line.
 std::vector<DetailField> allFields() {
   using enum DetailOf;
   using enum DetailKind;

@@ -26,7 +26,7 @@ void requireQuantity(const DetailField& field, const std::string& value, const u
              std::string(units::quantityName(unit.quantity)) + "; give one of " + field.quantity);
 }
 
-// The number as it was written, and the unit as we spell it.
+// The number as it was written, and the unit in our spelling.
 std::string measureText(const DetailField& field, const std::string& value) {
   const units::Measure measure = units::readMeasure(value);
   requireQuantity(field, value, *measure.unit);
@@ -60,7 +60,7 @@ void requireShowable(const DetailField& field, const std::string& value) {
   throw BadData({"the " + field.key + " has a character that cannot be shown", "", "leave it out"});
 }
 
-// As it is stored. Errors: BadData.
+// The value as it is stored.  Errors: BadData.
 std::string cleanValue(const DetailField& field, const std::string& given) {
   requireShowable(field, given);
   const std::string value = trimmedText(given);
@@ -131,7 +131,7 @@ Details Database::details(const Meter& meter) const {
       for (const auto& [key, value] : readDetails(session_->connection(), each.id)) {
         const auto& fields = detailFields();
         const auto field = std::ranges::find(fields, key, &DetailField::key);
-        // A later version may know more of them.
+        // A later version may have stored details that this one does not know.
         if (field == fields.end()) continue;
         if (isItself || field->of == DetailOf::meter) details[key] = value;
       }

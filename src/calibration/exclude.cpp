@@ -7,8 +7,8 @@
 #include "calibration/names.h"
 #include "calibration/part_jobs.h"
 #include "calibration/point_selection.h"
-#include "store/field_value.h"
 #include "calibration/series_lookup.h"
+#include "store/field_value.h"
 
 #include <algorithm>
 

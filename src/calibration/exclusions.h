@@ -1,4 +1,4 @@
-// Exclusions of a series: reading them, and what becomes of them when its points are replaced.
+// Exclusions of a series: reading them, and what happens to them when its points are replaced.
 // SPDX-License-Identifier: MIT
 #pragma once
 

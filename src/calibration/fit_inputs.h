@@ -1,4 +1,4 @@
-// What a fit hands on to the fit of a catalogue.
+// What a fit passes on to the fit of a catalogue.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -16,7 +16,8 @@ namespace pelmora::calibration {
 
 [[nodiscard]] steps::CatalogueSettings catalogueSettings(const Fit& fit);
 
-// Runs walk a catalogue from its last entry down: `tried` in the order of trial.
+// The equations as a catalogue. `tried` is in the order of trial; runs walk a catalogue from its
+// last entry to its first.
 [[nodiscard]] std::vector<steps::Equation> catalogueOf(std::span<const ModelDefinition> tried);
 
 }  // namespace pelmora::calibration

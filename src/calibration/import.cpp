@@ -14,10 +14,8 @@
 #include "store/reading.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
-#include <chrono>
 #include <ctime>
+#include <string>
 
 namespace pelmora::calibration {
 namespace {
@@ -55,33 +53,21 @@ void requireRoom(const Meter& meter, const std::vector<Run>& before,
                  placeOf(meter), "import into a new calibration"});
 }
 
-// "2026-11-21" as the set-ups have it; empty stays empty.
+// A day such as "2026-11-21" in the form of the set-ups; an empty text stays empty.
 std::string storedDate(const std::string& iso) {
   if (iso.empty()) return {};
-  const BadData bad(
-      {"'" + iso + "' is not a date", "", "write year-month-day, such as 2026-11-21"});
-  constexpr std::size_t length = 10;
-  if (iso.size() != length || iso[4] != '-' || iso[7] != '-') throw BadData(bad);
-  const auto number = [&](std::size_t at, std::size_t count) {
-    int value = 0;
-    const char* const begin = iso.data() + at;
-    const auto [end, code] = std::from_chars(begin, begin + count, value);
-    if (code != std::errc() || end != begin + count || value < 0) throw BadData(bad);
-    return value;
-  };
-  const std::chrono::year_month_day date{std::chrono::year(number(0, 4)),
-                                         std::chrono::month(static_cast<unsigned>(number(5, 2))),
-                                         std::chrono::day(static_cast<unsigned>(number(8, 2)))};
-  constexpr int firstYear = 1900;
-  if (!date.ok() || int{date.year()} < firstYear) throw BadData(bad);
+  constexpr const char* firstDay = "1900-01-01";  // the years of std::tm count from here
+  if (!isDay(iso) || iso < firstDay) {
+    throw BadData({"'" + iso + "' is not a date", "", "write year-month-day, such as 2026-11-21"});
+  }
   std::tm parts{};
-  parts.tm_year = int{date.year()} - firstYear;
-  parts.tm_mon = static_cast<int>(unsigned{date.month()}) - 1;
-  parts.tm_mday = static_cast<int>(unsigned{date.day()});
+  parts.tm_year = std::stoi(iso.substr(0, 4)) - 1900;
+  parts.tm_mon = std::stoi(iso.substr(5, 2)) - 1;
+  parts.tm_mday = std::stoi(iso.substr(8, 2));
   return shortDateText(parts);
 }
 
-// What the run keeps of itself, where the import gives something else.
+// The entries that a known run keeps although the import gives others.
 std::vector<KeptEntry> keptEntries(const Run& known, const StandRun& given,
                                    const ImportOptions& options, const std::string& date) {
   std::vector<KeptEntry> entries;

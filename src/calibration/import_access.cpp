@@ -108,7 +108,7 @@ class CurveTables : public ForeignTables {
   }
 
   void leaveOut(const LeftOut& part) override {
-    if (isOpen_ && schema_ == nullptr) return;  // of a table that is not brought over
+    if (isOpen_ && schema_ == nullptr) return;  // part of a table that is not copied
     sheet_.missing.push_back({isOpen_ ? name_ : "", part.Place, part.Reason});
   }
 
@@ -120,7 +120,7 @@ class CurveTables : public ForeignTables {
     return found != nullptr && isOwnTableName(found->Name) ? nullptr : found;
   }
 
-  // Which column of ours each column of the file is.
+  // Finds our column for each column of the file.
   void map(const std::vector<OwnColumn>& columns) {
     targets_.clear();
     sources_.clear();
@@ -180,13 +180,13 @@ class CurveTables : public ForeignTables {
   std::vector<std::string> sources_;
   std::vector<std::optional<std::size_t>> targets_;
   std::vector<std::string_view> fields_;
-  std::map<std::size_t, std::size_t> homeless_;  // values of source columns that we do not have
+  std::map<std::size_t, std::size_t> homeless_;  // number of values by column that we do not have
   std::set<std::int64_t> keys_;
   std::unique_ptr<Recordset> rows_;
   std::size_t batch_ = 0;
 };
 
-// Reads back what was stored.
+// Reads back what was stored, and counts its rows, empty values and checksum.
 void prove(Connection& curves, ProofTable& proof) {
   const auto rows = readRows(curves, "Select * from " + proof.name);
   const SchemaTable& schema = schemaTable(proof.name);

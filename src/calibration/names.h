@@ -6,11 +6,11 @@
 
 namespace pelmora::calibration {
 
-// Without the blanks at its ends.
+// The name without the blanks at its ends.
 //
 // what: "meter", "series", "fluid" ... for the message.
 // Errors: BadData if nothing is left, and for control characters, characters that change the
-//         direction of writing, and what is no UTF-8.
+//         direction of writing, and bytes that are not UTF-8.
 [[nodiscard]] std::string cleanName(const std::string& what, const std::string& name);
 
 }  // namespace pelmora::calibration

@@ -1,4 +1,4 @@
-// The table of a fit where reading between its points errs least.
+// The table of a fit, with its points placed for the smallest reading error.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -10,9 +10,9 @@
 
 namespace pelmora::calibration {
 
-// Roshko numbers from fit.min to fit.max for linear reading of the curve.
+// Roshko numbers from fit.min to fit.max, placed for linear reading of the curve.
 //
-// Errors: BadData where the curve has no relative error.
+// Errors: BadData if the curve has no relative error.
 [[nodiscard]] std::vector<double> optimalGrid(const Fit& fit, const CurveSamples& curve);
 
 // Puts a table in place of the chosen equation's: curve, prediction and report of the fit.

@@ -1,4 +1,4 @@
-// Which job of the stand, in which fluid, each point of a raw part came from, and its readings.
+// The job of the stand and the fluid that each point of a raw part came from, and its readings.
 // SPDX-License-Identifier: MIT
 #pragma once
 

@@ -6,7 +6,7 @@
 
 namespace pelmora::calibration {
 
-// As Database::repeat(), after `change`.
+// As Database::repeat(), but `change` is applied to the settings first.
 [[nodiscard]] Repeated repeatWith(const Database& lab, const StoredSeries& series,
                                   const UnkeptSettings& unkept, const SettingsChange& change,
                                   const Observer& observer);

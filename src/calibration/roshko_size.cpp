@@ -21,16 +21,15 @@ namespace {
 constexpr double farApart = 1e4;
 // Between neighbours of one run, whose flows are never so far apart.
 constexpr double gapInRun = 1e3;
-constexpr int rawParts = 4;
 
-// Whether a wrong unit may be the reason; greater factors have others.
+// Whether a wrong unit may be the reason; larger factors have other reasons.
 bool isOfUnits(double factor, double least) {
   constexpr double most = 1e9;
   const double apart = std::max(factor, 1 / factor);
   return apart >= least && apart <= most;
 }
 
-std::string tableOf(int part) { return "Raw" + std::to_string(part); }
+std::string rawTable(int part) { return "Raw" + std::to_string(part); }
 
 }  // namespace
 
@@ -68,14 +67,14 @@ std::vector<double> otherRoshkos(Session& session, const Meter& meter, const std
                        "where meter.SerialNumber = " +
                            NameText::quoted(meter.serial).literal() + ofSeries);
   for (; !rows->atEnd(); rows->moveNext()) {
-    if (isNull(rows->value(0))) continue;  // a calibration without series
+    if (isNull(rows->value(0))) continue;  // a calibration without a series
     const std::int32_t id = toInt32(rows->value(0));
-    for (int part = 1; part <= rawParts; ++part) {
+    for (int part = 1; part <= steps::rawPartCount; ++part) {
       if (id == exceptSeries && part == exceptPart) continue;
       try {
-        found.push_back(typicalRoshko(steps::readPoints(session.connection(), tableOf(part), id)));
+        found.push_back(typicalRoshko(steps::readPoints(session.connection(), rawTable(part), id)));
       } catch (const Error&) {
-        continue;  // a part that cannot be read says nothing
+        continue;  // a part that cannot be read has no typical number
       }
     }
   }
@@ -119,7 +118,7 @@ class Doubts {
   // part: the raw part of the run.
   void look(const StandRun& run, int part, bool isOnlyJob) {
     const DerivedSeries& rotorA = imported_.series.front();
-    const PointArray points = steps::readPoints(session_.connection(), tableOf(part), rotorA.id);
+    const PointArray points = steps::readPoints(session_.connection(), rawTable(part), rotorA.id);
     const double factor =
         farFactor(typicalRoshko(points),
                   otherRoshkos(session_, imported_.meter, rotorA.name, rotorA.id, part));
@@ -130,7 +129,7 @@ class Doubts {
           " times those of the meter's other runs" +
           (line == 0 ? "" : ", from line " + std::to_string(line)));
     }
-    if (!isOnlyJob) return;  // the points of a part then have no number in the job
+    if (!isOnlyJob) return;  // otherwise a point's number in the part is not its number in the job
     for (const FarPoint& far : farPoints(points)) {
       const std::size_t line = stand_.lineOf(run.job, far.index);
       say(place + ", point " + std::to_string(far.index + 1) +
@@ -158,7 +157,7 @@ std::vector<std::string> doubtsAbout(Session& session, const Imported& imported,
   if (imported.series.empty()) return {};
   Doubts doubts(session, imported, stand);
   const auto setUps = steps::setUpsOf(session.connection(), imported.meter.id);
-  for (std::size_t k = 0; k < setUps.size() && k < rawParts; ++k) {
+  for (std::size_t k = 0; k < setUps.size() && k < steps::rawPartCount; ++k) {
     std::vector<std::string> jobs;
     if (!steps::jobsOf(session.connection(), setUps[k], jobs)) continue;
     for (const StandRun& run : runs) {

@@ -24,7 +24,7 @@ std::string nameOfUser(const std::string& given) {
   return {};
 }
 
-// What an engine throws where Patience::stopRequested ended a statement.
+// The error of a statement that Patience::stopRequested has ended.
 constexpr auto stoppedReading = static_cast<std::int32_t>(0x80004004U);
 
 bool isAny(const Error& error, std::initializer_list<RunTimeError> numbers) {

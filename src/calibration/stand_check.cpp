@@ -41,13 +41,12 @@ class JobCheck {
   JobCheck(const Stand& stand, const std::string& job)
       : stand_(stand),
         job_(job),
-        location_(stand.location()),
         place_("stand '" + stand.location() + "', job " + job),
         points_(pointsOf(stand, job, place_)) {
     if (points_.rows() <= static_cast<std::size_t>(mostPoints)) return;
     throw BadData({place_ + ": " + std::to_string(points_.rows()) +
                        " points; a series holds at most " + std::to_string(mostPoints),
-                   location_, "split the job"});
+                   stand.location(), "split the job"});
   }
 
   // Whether any point has a reading of rotor B.
@@ -90,7 +89,7 @@ class JobCheck {
     throw BadData({place_ + ", point " + std::to_string(row + 1) + ": V" +
                        std::to_string(reading.number) + " (" + reading.meaning + ") " + why +
                        lineText(row),
-                   location_, "correct or remove the point at the stand"});
+                   stand_.location(), "correct or remove the point at the stand"});
   }
 
   [[nodiscard]] bool isNegative(std::size_t row, const Reading& reading) const {
@@ -105,7 +104,7 @@ class JobCheck {
 
   const Stand& stand_;
   const std::string& job_;
-  std::string location_, place_;
+  std::string place_;
   ValueTable points_;
 };
 

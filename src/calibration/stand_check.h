@@ -9,11 +9,11 @@
 
 namespace pelmora::calibration {
 
-// Of the runs' jobs the first that has no readings of rotor B; empty if all have them.
+// The first job of the runs that has no readings of rotor B; empty if all jobs have them.
 //
 // Errors: NotFound for a job that the stand does not have; BadData for a reading that is missing,
-//         is a text or divides by zero, with job, point and column, for a job of more than 32,767
-//         points, and for no runs.
+//         is a text, is negative or divides by zero, with job, point, column and line; for a job of
+//         more than 32,767 points; and for no runs. Other failures if the stand cannot be read.
 [[nodiscard]] std::string checkReadings(const Stand& stand, std::span<const StandRun> runs);
 
 }  // namespace pelmora::calibration

@@ -1,4 +1,4 @@
-// Storing the result of a fit, and telling whether it still belongs to what is stored.
+// Storing the result of a fit, and checking whether it still belongs to what is stored.
 // SPDX-License-Identifier: MIT
 #pragma once
 

@@ -11,11 +11,12 @@
 namespace pelmora::calibration {
 namespace {
 
-// Up to here, a double holds every whole number.
+// Up to here, a double represents every whole number exactly.
 constexpr double mostWhole = 9007199254740992.0;
 
+// The number that is the whole text.
 template <class Number>
-std::optional<Number> wholeText(const std::string& text) {
+std::optional<Number> numberIn(const std::string& text) {
   Number number{};
   const char* end = text.data() + text.size();
   const auto result = std::from_chars(text.data(), end, number);
@@ -29,7 +30,7 @@ std::optional<Value> wholeOf(const Value& value) {
     return Value(static_cast<std::int64_t>(*real));
   }
   if (const auto* text = std::get_if<std::string>(&value)) {
-    const auto number = wholeText<std::int64_t>(*text);
+    const auto number = numberIn<std::int64_t>(*text);
     return number ? std::optional<Value>(*number) : std::nullopt;
   }
   return value;
@@ -41,15 +42,10 @@ std::optional<Value> realOf(const Value& value) {
     return std::fabs(real) <= mostWhole ? std::optional<Value>(real) : std::nullopt;
   }
   if (const auto* text = std::get_if<std::string>(&value)) {
-    const auto number = wholeText<double>(*text);
+    const auto number = numberIn<double>(*text);
     return number && std::isfinite(*number) ? std::optional<Value>(*number) : std::nullopt;
   }
   return value;
-}
-
-std::string exactText(double number) {
-  std::array<char, 64> text{};
-  return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
 }
 
 }  // namespace
@@ -69,7 +65,11 @@ std::optional<Value> storedValue(const Value& value, OwnColumnType type) {
 
 std::string valueText(const Value& value) {
   if (const auto* whole = std::get_if<std::int64_t>(&value)) return std::to_string(*whole);
-  if (const auto* real = std::get_if<double>(&value)) return exactText(*real);
+  if (const auto* real = std::get_if<double>(&value)) {
+    // Unlike exactText(), this keeps infinities and NaN apart.
+    std::array<char, 64> text{};
+    return {text.data(), std::to_chars(text.data(), text.data() + text.size(), *real).ptr};
+  }
   const auto* text = std::get_if<std::string>(&value);
   return text == nullptr ? std::string() : shortened(*text);
 }

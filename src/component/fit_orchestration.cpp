@@ -60,7 +60,7 @@ std::optional<steps::MergedPoints> readPart(const OperationContext& context, std
   return points;
 }
 
-// All raw parts of the series as one; nothing if the merge failed or may not be fitted.
+// All raw parts of the series as one; nothing if the merge failed or must not be fitted.
 std::optional<PointArray> mergedParts(const OperationContext& context, const FitHost& host,
                                       const FitRequest& request, SharedEntry& entry,
                                       const ConnectionPtr& connection, bool& ArrayIsEmpty) {

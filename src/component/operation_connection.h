@@ -1,4 +1,4 @@
-// The connection rule: use the connection that was passed, or open an own one and close it.
+// The connection rule: use the connection that was passed, or open one and close it again.
 // SPDX-License-Identifier: MIT
 #pragma once
 

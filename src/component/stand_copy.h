@@ -11,11 +11,10 @@
 
 namespace pelmora {
 
-// The set-up of a meter for a fluid, made with its fluid and operator rows where it is missing. An
-// existing one is reused whatever its stand, position, operator and date. Returns its id, 0 on
-// failure.
+// Finds the set-up of a meter for a fluid, whatever its stand, position, operator and date. Adds
+// it, and its fluid and operator rows, if there is none. Returns its id, 0 on failure.
 //
-// OperatorName becomes "Unknown" where it is empty and a set-up is made.
+// OperatorName becomes "Unknown" if it is empty and a set-up is added.
 std::int32_t setCalSetup(const OperationContext& context, std::int32_t MeterID,
                          std::int16_t StandID, std::int16_t PositionID, std::string& OperatorName,
                          const std::string& FluidName, const ConnectionPtr& conn);

@@ -29,11 +29,11 @@ struct Uncertainties {
   std::string probability;  // a number from 0 to 1, such as 0.9545
 };
 
-// Numbers are the texts that the page prints: the certificate carries the same digits.
+// Numbers are texts, as the page prints them: the certificate carries the same digits.
 struct Column {
   std::string name;
-  bool isReference = false;  // what the others are a function of
-  std::string unit;          // of units::knownUnits()
+  bool isReference = false;  // the others are a function of it
+  std::string unit;          // a symbol of units::knownUnits()
   std::vector<std::string> values;
   std::optional<Uncertainties> uncertainties;
 };
@@ -67,7 +67,7 @@ struct Certificate {
   std::vector<std::string> statements;  // traceability, conformity, remarks
 };
 
-// What is missing or wrong for a certificate, each a clause: "the city of the customer is missing".
+// What is missing or wrong, one clause each: "the city of the customer is missing".
 [[nodiscard]] std::vector<std::string> missingFrom(const Certificate& certificate);
 
 }  // namespace pelmora::dcc

@@ -15,7 +15,7 @@
 namespace pelmora::dcc {
 namespace {
 
-// Shares of a value that arithmetic may lose, so that an uncertainty equal to the CMC passes.
+// An uncertainty that equals the CMC passes, even if rounding has lowered it by this share.
 constexpr double roundedAway = 1e-6;
 
 std::vector<std::string> wordsOf(const XmlElement* element) {
@@ -36,7 +36,7 @@ std::vector<std::string> wordsOf(const XmlElement* element) {
 enum class UnitRule {
   si,     // a unit of the SI is required
   any,    // a unit is required
-  ofList  // the list around may have it instead
+  ofList  // the enclosing list may state it instead
 };
 
 class CertificateCheck {
@@ -54,7 +54,7 @@ class CertificateCheck {
     UnitRule ofChild = element.child("listUnit") != nullptr ? UnitRule::ofList : UnitRule::si;
     for (const XmlElement& child : element.children) {
       visit(child, ofChild);
-      // Behind the first quantity of a hybrid any unit may stand.
+      // The further quantities of a hybrid may have any unit.
       if (name == "hybrid") ofChild = UnitRule::any;
     }
   }
@@ -90,7 +90,7 @@ class CertificateCheck {
     if (values.empty()) add(real, "there is no value");
     checkUnit(real, suffix, values.size(), rule);
     checkUncertainty(real, suffix, values);
-    // The schema has the second spelling inside si:realList.
+    // The second spelling is that of the schema inside si:realList.
     for (const char* name :
          {"measurementUncertaintyUnivariate", "measurementUncertaintyUnivaraite"}) {
       if (const XmlElement* univariate = real.child(name + suffix))
@@ -135,7 +135,7 @@ class CertificateCheck {
     }
   }
 
-  // In today's form, and in the one that the schema keeps from before: expandedUnc.
+  // In the current form, and in the earlier one that the schema still accepts: expandedUnc.
   void checkUncertainty(const XmlElement& holder, const std::string& suffix,
                         const std::vector<double>& values) {
     if (const XmlElement* expanded = holder.child("expandedMU" + suffix))
@@ -194,7 +194,7 @@ class CertificateCheck {
     }
   }
 
-  // Of the quantities directly in a dcc:list.
+  // The quantities directly inside a dcc:list must have the same length.
   void checkLengths(const XmlElement& list) {
     std::size_t length = 0;
     for (const XmlElement& quantity : list.children) {

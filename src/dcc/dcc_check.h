@@ -17,20 +17,20 @@ struct Violation {
 };
 
 struct CheckRules {
-  // The laboratory's CMC in per cent of the value: no measured value with a smaller expanded
-  // uncertainty. Absent: not checked.
+  // The laboratory's calibration and measurement capability (CMC), in per cent of the value: a
+  // smaller expanded uncertainty is a violation. Absent: not checked.
   std::optional<double> cmcPercent;
 };
 
-// In the order of the file:
-// - values, uncertainties, coverage factors and probabilities are finite numbers, also where a
-//   schema would let NaN and INF pass; uncertainties are not negative, factors above 0,
-//   probabilities between 0 and 1;
-// - a list of values has one unit, or one for each of them, and the same for all that belongs to
-//   its uncertainty; quantities of one dcc:list are equally long;
-// - an expanded uncertainty has its coverage factor and probability;
-// - units are SI units; in si:hybrid the first one is;
-// - no expanded uncertainty is below the CMC.
+// Violations of these rules, in the order of the file:
+// - Values, uncertainties, coverage factors and probabilities are finite numbers, even where the
+//   schema accepts NaN and INF. Uncertainties are not negative, factors are above 0, probabilities
+//   between 0 and 1.
+// - A list of values has one unit or one per value; the same goes for its uncertainties, coverage
+//   factors and probabilities. The quantities of a dcc:list have the same length.
+// - An expanded uncertainty has its coverage factor and probability.
+// - Units are SI units; in si:hybrid, the first one is.
+// - No expanded uncertainty is below the CMC.
 //
 // Errors: BadData if the text is not XML or its root is not a digital calibration certificate;
 //         `where` names the file.

@@ -33,7 +33,7 @@ constexpr std::array table{
     CertificateUnit{"pulses/l", "\\litre\\tothe{-1}", "pulses/l"},
     CertificateUnit{"pulses/gal", "\\metre\\tothe{-3}", "pulses/m3"},
     CertificateUnit{"Hz/(m2/s)", "\\hertz\\second\\metre\\tothe{-2}", "Hz/(m2/s)"},
-    // Hz/(mm2/s), the same number.
+    // Stated as Hz/(mm2/s): 1 cSt is 1 mm2/s.
     CertificateUnit{"Hz/cSt", "\\hertz\\second\\milli\\metre\\tothe{-2}", "Hz/cSt"},
     CertificateUnit{"K", "\\kelvin", "K"},
     CertificateUnit{"C", "\\degreecelsius", "C"},
@@ -53,7 +53,7 @@ constexpr std::array table{
     CertificateUnit{"1/F", "\\kelvin\\tothe{-1}", "1/K"},
 };
 
-// Words between blanks.
+// Blanks around each word, so that only whole words are found.
 constexpr std::string_view prefixes =
     " deca hecto kilo mega giga tera peta exa zetta yotta ronna quetta"
     " deci centi milli micro nano pico femto atto zepto yocto ronto quecto ";

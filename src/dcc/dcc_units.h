@@ -11,8 +11,8 @@ namespace pelmora::dcc {
 struct CertificateUnit {
   std::string_view symbol;  // ours
   std::string_view si;      // "\hertz"
-  // The unit of ours that the values are converted to for `si`; equal to `symbol` where none is
-  // needed. Otherwise both are stated.
+  // Our unit that the numbers are converted to before they are stated in `si`. If that changes
+  // them, the certificate states both.
   std::string_view convertedTo;
 };
 
@@ -20,7 +20,7 @@ struct CertificateUnit {
 // Errors: BadData for a unit that no certificate states.
 [[nodiscard]] const CertificateUnit& certificateUnit(std::string_view symbol);
 
-// Whether a text is made of the names of the SI brochure, prefixes and powers only:
+// Whether a text consists of unit names, prefixes and powers alone:
 // "\milli\metre\tothe{2}\second\tothe{-1}".
 //
 // Source: D-SI metadata model, version 2; names of siunitx.

@@ -15,7 +15,7 @@ namespace {
 
 using Attributes = std::string;
 
-// A number of a unit that was converted keeps more digits than any page prints.
+// Of a number converted to another unit: more than any page prints.
 constexpr int convertedDigits = 12;
 
 class XmlText {

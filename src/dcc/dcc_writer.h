@@ -8,8 +8,8 @@
 
 namespace pelmora::dcc {
 
-// UTF-8, namespaces https://ptb.de/dcc (schema version 3.3.0) and https://ptb.de/si. Columns whose
-// unit is not an SI one are stated twice, converted and as printed.
+// UTF-8, namespaces https://ptb.de/dcc (schema version 3.3.0) and https://ptb.de/si. Columns
+// in other units than those of the SI are stated twice: converted, and as printed.
 //
 // Errors: BadData naming the first thing that missingFrom finds.
 [[nodiscard]] std::string certificateXml(const Certificate& certificate);

@@ -1,5 +1,5 @@
-// The library that parses XML, loaded when the first text is read: it brings a library of Unicode
-// tables along, whose start takes longer than most commands.
+// The library that parses XML. It is loaded when the first text is read, because it needs a library
+// of Unicode tables that takes longer to load than most commands take to run.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -8,7 +8,7 @@
 
 namespace pelmora::dcc {
 
-// The functions of it that are needed, under their own names.
+// The functions that we need, under their own names.
 struct XmlLibrary {
   decltype(&::xmlNewParserCtxt) xmlNewParserCtxt;
   decltype(&::xmlFreeParserCtxt) xmlFreeParserCtxt;

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <climits>
 #include <memory>
+#include <new>
 
 namespace pelmora::dcc {
 namespace {
@@ -26,7 +27,7 @@ Complaint& complaintOf(void* context) {
   return *static_cast<Complaint*>(static_cast<xmlParserCtxtPtr>(context)->_private);
 }
 
-// libxml2 has made this parameter const in version 2.12.
+// libxml2 2.12 made this parameter const.
 template <class LibraryError>
 void takeError(void* context, LibraryError* error) {
   if (error == nullptr || error->level < XML_ERR_ERROR) return;
@@ -37,7 +38,7 @@ void takeError(void* context, LibraryError* error) {
   complaint.line = error->line < 0 ? 0 : static_cast<std::size_t>(error->line);
 }
 
-// Instead of reading the entities that a document type declares.
+// Called in place of the reader of the entities that a document type declares.
 void refuseDocumentType(void* context, const xmlChar*, const xmlChar*, const xmlChar*) {
   const auto parser = static_cast<xmlParserCtxtPtr>(context);
   Complaint& complaint = complaintOf(context);
@@ -53,7 +54,7 @@ std::string nameOf(const xmlNode& node, const xmlNs* space) {
   return (prefix.empty() ? "" : prefix + ":") + textOf(node.name);
 }
 
-// Not deeper than the 256 levels that the parser takes.
+// The recursion is at most 256 levels deep: the parser refuses deeper texts.
 XmlElement elementOf(const xmlNode& node) {
   XmlElement made;
   made.name = nameOf(node, node.ns);

@@ -21,8 +21,8 @@ struct XmlElement {
   [[nodiscard]] std::string_view localName() const;
 };
 
-// The root of a well-formed text. Document types are refused: no certificate needs one, and they
-// are how XML attacks its readers. Nothing is fetched.
+// The root of a well-formed text. Document types are refused: no certificate needs one, and attacks
+// on readers of XML use them. Nothing is fetched.
 //
 // Errors: BadData with the line; `where` names the file. Unusable if libxml2 cannot be loaded.
 [[nodiscard]] XmlElement readXml(std::string_view text, const std::string& where);

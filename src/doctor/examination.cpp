@@ -2,7 +2,6 @@
 #include "doctor/examination.h"
 
 #include "doctor/checks.h"
-
 #include "store/table_design.h"
 
 #include <algorithm>
@@ -11,13 +10,7 @@ namespace pelmora::doctor {
 
 namespace {
 
-// Of a database that cannot be changed, indexes and own tables are not missed.
-void examineDesign(const ConnectionPtr& curves, Findings& findings) {
-  if (!isReadOnly(curves)) {
-    checkIndexes(curves, findings);
-    checkTables(curves, findings);
-    return;
-  }
+void offerNoRepairs(Findings& findings) {
   for (Finding& finding : findings) {
     if (!finding.canBeRepaired) continue;
     finding.canBeRepaired = false;
@@ -33,7 +26,12 @@ std::vector<Finding> examine(const ConnectionPtr& curves) {
                            checkPoints, checkExclusions, checkCurveAges}) {
     check(curves, findings);
   }
-  examineDesign(curves, findings);
+  if (isReadOnly(curves)) {  // what cannot be changed needs neither indexes nor tables of ours
+    offerNoRepairs(findings);
+  } else {
+    checkIndexes(curves, findings);
+    checkTables(curves, findings);
+  }
   std::stable_sort(findings.begin(), findings.end(),
                    [](const Finding& a, const Finding& b) { return a.severity > b.severity; });
   return findings;

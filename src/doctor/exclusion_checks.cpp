@@ -15,30 +15,27 @@
 namespace pelmora::doctor {
 namespace {
 
-std::string fingerprintOfPart(Connection& curves, const char* table, std::int32_t series,
-                              std::size_t& count) {
+PointArray pointsOfPart(Connection& curves, const char* table, std::int32_t series) {
   const auto rows = readRows(curves, "Select Roshko, Strouhal from [" + std::string(table) +
                                          "] where seriesID=" + std::to_string(series));
-  count = static_cast<std::size_t>(rows->recordCount());
-  PointArray points(count);
+  PointArray points(static_cast<std::size_t>(rows->recordCount()));
   for (std::size_t i = 0; !rows->atEnd(); rows->moveNext(), ++i) {
     points(i, 0) = numberOrNan(rows->value(0));
     points(i, 1) = numberOrNan(rows->value(1));
   }
-  return fingerprintOf({&points, 1});
+  return points;
 }
 
 bool isInForce(Connection& curves, int part, std::int32_t series) {
   const auto excluded = readExcludedPoints(curves, part, series);
-  std::size_t count = 0;
   const char* table = rawTables.at(static_cast<std::size_t>(part - 1));
-  const std::string rest = fingerprintOfPart(curves, table, series, count);
-  return areInForce(excluded, count, rest);
+  const PointArray rest = pointsOfPart(curves, table, series);
+  return areInForce(excluded, rest.size(), fingerprintOf({&rest, 1}));
 }
 
 }  // namespace
 
-// A program that does not know exclusions has stored the part again: its points are back.
+// Finds parts that a program which does not know exclusions has stored again.
 void checkExclusions(const ConnectionPtr& curves, Findings& findings) {
   std::size_t count = 0;
   std::string example;

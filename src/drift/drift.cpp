@@ -1,35 +1,32 @@
 // SPDX-License-Identifier: MIT
 #include "drift/drift.h"
 
-#include <pelmora/calibration/failure.h>
+#include "uncertainty/refusal.h"
 
 #include <algorithm>
 #include <cmath>
-#include <string>
 
 namespace pelmora::drift {
 namespace {
+
+using uncertainty::refuse;
 
 // The mean range of two normal values over their standard deviation, 2 / sqrt(pi).
 constexpr double rangeOfTwo = 1.1283791670955126;
 constexpr double limitSigmas = 3;
 
-[[noreturn]] void refuseDrift(const std::string& what, const std::string& remedy) {
-  throw calibration::BadData({what, "", remedy});
-}
-
 }  // namespace
 
 Shift shiftBetween(const uncertainty::Budget& earlier, const uncertainty::Budget& now) {
   if (earlier.value == 0) {
-    refuseDrift("the earlier curve is zero there, so that its shift has no size in per cent",
-                "choose another Roshko number");
+    refuse("the earlier curve is zero there, so that its shift has no size in per cent",
+           "choose another Roshko number");
   }
   const uncertainty::Budget difference = uncertainty::pairBudget(
       now.value - earlier.value, {&now, 1}, {&earlier, -1}, uncertainty::SharedBy::calibrations);
   if (!(difference.expanded > 0)) {
-    refuseDrift("the shift has no uncertainty: both budgets consist of what they share",
-                "add reproducibility to the uncertainty of the stand");
+    refuse("the shift has no uncertainty: both budgets consist of what they share",
+           "add reproducibility to the uncertainty of the stand");
   }
   const double size = std::abs(earlier.value) / 100;
   Shift shift;
@@ -42,18 +39,18 @@ Shift shiftBetween(const uncertainty::Budget& earlier, const uncertainty::Budget
 
 ControlLimits controlLimits(std::span<const double> values, double independent) {
   if (values.size() < 2)
-    refuseDrift("a control chart has at least two calibrations", "calibrate the meter again");
+    refuse("a control chart has at least two calibrations", "calibrate the meter again");
   ControlLimits limits;
   double ranges = 0;
   for (std::size_t i = 0; i < values.size(); ++i) {
     if (!std::isfinite(values[i]))
-      refuseDrift("a value of the control chart is not finite", "leave this calibration out");
+      refuse("a value of the control chart is not finite", "leave this calibration out");
     limits.centre += values[i] / static_cast<double>(values.size());
     if (i > 0) ranges += std::abs(values[i] - values[i - 1]);
   }
   const double seen = ranges / static_cast<double>(values.size() - 1) / rangeOfTwo;
   limits.isFromUncertainty = values.size() < fewestValues || seen < independent;
-  limits.sigma = limits.isFromUncertainty ? std::max(independent, seen) : seen;
+  limits.sigma = std::max(seen, independent);
   limits.low = limits.centre - limitSigmas * limits.sigma;
   limits.high = limits.centre + limitSigmas * limits.sigma;
   return limits;

@@ -4,8 +4,8 @@
 
 #include "uncertainty/pair_budget.h"
 
+#include <cstddef>
 #include <span>
-#include <vector>
 
 namespace pelmora::drift {
 
@@ -15,7 +15,7 @@ struct Calibrated {
   uncertainty::Budget budget;  // of its value
 };
 
-// The change since an earlier calibration, in per cent of it.
+// The change since an earlier calibration, in per cent of the earlier value.
 struct Shift {
   double percent = 0;
   double uncertaintyPercent = 0;  // expanded
@@ -26,10 +26,11 @@ struct Shift {
   [[nodiscard]] bool isSignificant() const { return en > 1 || en < -1; }
 };
 
-// What the stand does to both calibrations alike is not part of the uncertainty.
+// An error that the stand makes in both calibrations alike cancels: it is not part of the
+// uncertainty.
 //
-// Errors: BadData if the earlier value is 0, or the probabilities differ; a shift without any
-//         uncertainty is refused as well.
+// Errors: BadData if the earlier value is 0, the probabilities differ, or the shift has no
+//         uncertainty.
 [[nodiscard]] Shift shiftBetween(const uncertainty::Budget& earlier,
                                  const uncertainty::Budget& now);
 
@@ -39,19 +40,20 @@ struct Shift {
 //         mean moving range.
 struct ControlLimits {
   double centre = 0, low = 0, high = 0;  // in the unit of the values
-  double sigma = 0;
-  // Whether sigma comes from the uncertainty of the values, because the moving ranges of fewer than
-  // `fewestValues` are not enough, or are smaller than it.
+  double sigma = 0;  // from the moving ranges, but never below the uncertainty of a value
+  // Whether the moving ranges alone do not suffice: they come from fewer than `fewestValues`
+  // values, or give less than the uncertainty of a value.
   bool isFromUncertainty = false;
 };
 
 inline constexpr std::size_t fewestValues = 5;
 
-// values: by time. independent: the standard uncertainty of one value without what all share.
+// values: in rising order of time.
+// independent: the standard uncertainty of one value without what all calibrations share.
 // Errors: BadData for fewer than two values, or values that are not finite.
 [[nodiscard]] ControlLimits controlLimits(std::span<const double> values, double independent);
 
-// The part of a budget that another calibration on the same stand does not share.
+// The standard uncertainty of a budget without what another calibration on the same stand shares.
 [[nodiscard]] double independentPart(const uncertainty::Budget& budget);
 
 }  // namespace pelmora::drift

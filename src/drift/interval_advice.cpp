@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "drift/interval_advice.h"
 
-#include <pelmora/calibration/failure.h>
+#include "uncertainty/refusal.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,10 +9,9 @@
 namespace pelmora::drift {
 namespace {
 
+using uncertainty::refuse;
+
 void requireHistory(std::span<const Calibrated> history, const IntervalAssumptions& assumptions) {
-  const auto refuse = [](const char* what, const char* remedy) {
-    throw calibration::BadData({what, "", remedy});
-  };
   if (history.size() < 3)
     refuse("an interval takes at least three calibrations", "keep the present interval until then");
   if (!(assumptions.limitPercent > 0))
@@ -25,9 +24,10 @@ void requireHistory(std::span<const Calibrated> history, const IntervalAssumptio
   }
 }
 
-// The line of least squares through the values in per cent of the first one.
+// The least-squares line through the values, in per cent of the first one.
 struct Line {
-  double slope = 0, scatter = 0, spread = 0;  // spread: of the times, sum of squares
+  double slope = 0, scatter = 0;
+  double spread = 0;  // sum of squares of the times about their mean
 };
 
 Line lineOf(std::span<const Calibrated> history) {
@@ -60,7 +60,6 @@ IntervalAdvice adviseInterval(std::span<const Calibrated> history,
                               const IntervalAssumptions& assumptions) {
   requireHistory(history, assumptions);
   IntervalAdvice advice;
-  advice.assumptions = assumptions;
   advice.calibrations = history.size();
   double independent = 0;
   for (std::size_t i = 0; i < history.size(); ++i) {

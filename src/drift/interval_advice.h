@@ -4,6 +4,7 @@
 
 #include "drift/drift.h"
 
+#include <cstddef>
 #include <span>
 
 namespace pelmora::drift {
@@ -17,7 +18,7 @@ struct IntervalAssumptions {
   double mostGrowth = 2;
 };
 
-// Advice, and what it was made of. Drift is taken as a straight line in time.
+// The advice, and what it is based on. The drift is assumed to be a straight line in time.
 struct IntervalAdvice {
   double years = 0;                                    // 0: the scatter alone exceeds the limit
   bool isCapped = false;                               // by mostGrowth
@@ -26,7 +27,6 @@ struct IntervalAdvice {
   double coverageFactor = 0;
   std::size_t calibrations = 0;
   double longestSoFar = 0;  // years
-  IntervalAssumptions assumptions;
 };
 
 // The method of control charts: dispersion and drift are computed from the calibrations at one
@@ -35,10 +35,10 @@ struct IntervalAdvice {
 //   |rate| t + k sqrt((u_rate t)^2 + dispersion^2) = limit,
 //
 // with k of Student's distribution with n - 2 degrees of freedom. The dispersion is never smaller
-// than the independent uncertainty of a calibration. Of several Roshko numbers the shortest
-// interval counts.
+// than the independent uncertainty of a calibration. Where several Roshko numbers are examined, the
+// shortest interval counts.
 //
-// history: by time.
+// history: in rising order of time.
 // Errors:  BadData for fewer than three calibrations, times that do not rise, a first value of 0,
 //          a limit that is not above 0.
 // Source:  ILAC-G24:2022 / OIML D 10, method 2 (control chart).

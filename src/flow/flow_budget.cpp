@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cmath>
 #include <string>
-#include <vector>
 
 namespace pelmora::flow {
 namespace {
@@ -38,20 +37,6 @@ double sensitivityOf(const Component& component, double steepness, const Service
     case Cause::reading: break;
   }
   return 1;
-}
-
-// Completes a budget whose rows are independent.
-void combine(Budget& budget, double probability) {
-  std::vector<double> uncertainties, degrees;
-  for (const BudgetRow& row : budget.rows) {
-    uncertainties.push_back(row.contribution);
-    degrees.push_back(row.degreesOfFreedom);
-  }
-  budget.standardUncertainty = 0;
-  for (const double each : uncertainties)
-    budget.standardUncertainty = std::hypot(budget.standardUncertainty, each);
-  budget.degreesOfFreedom = uncertainty::effectiveDegrees(uncertainties, degrees);
-  uncertainty::expand(budget, probability, 0);
 }
 
 BudgetRow serviceRow(const Component& component, double contribution) {
@@ -110,7 +95,7 @@ Budget flowBudget(double flow, const CalibratedStrouhal& strouhal,
         uncertainty::componentSize(each, at) * sensitivityOf(each, steepnessOf(strouhal), service);
     budget.rows.push_back(serviceRow(each, flow * share));
   }
-  combine(budget, calibration.probability);
+  uncertainty::combineRows(budget, calibration.probability);
   return budget;
 }
 
@@ -130,7 +115,7 @@ Budget differenceBudget(const DualFlow& flow, const CalibratedStrouhal& rotorA,
     const double variance = a * a + b * b - 2 * correlationOf(each) * a * b;
     budget.rows.push_back(serviceRow(each, std::sqrt(std::max(0.0, variance))));
   }
-  combine(budget, rotorA.calibration->probability);
+  uncertainty::combineRows(budget, rotorA.calibration->probability);
   return budget;
 }
 

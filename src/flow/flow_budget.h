@@ -24,9 +24,9 @@ struct CalibratedStrouhal {
 //
 // (the two numbers being 3 and 2 times the body's linear expansion), repeatability, reproducibility
 // and model (installation) q. Where U of the calibration was raised to the laboratory's CMC, a row
-// makes up the difference. Nothing is shared with the stand: its instruments are others.
+// makes up the difference. Nothing is shared with the stand, which has instruments of its own.
 //
-// instruments: a file like that of a stand.
+// instruments: in the form of a stand's file.
 // Errors:      BadData if they state a reference flow, and as componentSize.
 [[nodiscard]] uncertainty::Budget flowBudget(double flow, const CalibratedStrouhal& strouhal,
                                              const uncertainty::StandUncertainty& instruments,
@@ -34,9 +34,9 @@ struct CalibratedStrouhal {
                                              const Service& service);
 
 // The budget of DualFlow::differencePercent, from each rotor's own calibration. What both
-// calibrations share cancels (uncertainty::pairBudget); viscosity and temperature act on both
-// rotors at once, so that only the difference of their steepness remains; the other instruments
-// count as Component::betweenRotors says.
+// calibrations share cancels (uncertainty::pairBudget). Viscosity and temperature act on both
+// rotors at once, so that only the difference between their steepnesses remains. For the other
+// instruments, Component::betweenRotors says how much they share.
 //
 // Errors: as flowBudget.
 [[nodiscard]] uncertainty::Budget differenceBudget(const DualFlow& flow,
@@ -46,8 +46,8 @@ struct CalibratedStrouhal {
                                                    const uncertainty::OperatingPoint& at,
                                                    const Service& service);
 
-// The standard uncertainty of viscosityOfQuotient(), as a share of the viscosity: of the curve's
-// budget there, and of the two counters.
+// The standard uncertainty of viscosityOfQuotient(), as a share of the viscosity. It combines the
+// budget of the curve there with the uncertainty of the two counters.
 //
 //   u(v) / v = u(quotient) / |x dquotient/dx|
 //

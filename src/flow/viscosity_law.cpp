@@ -12,11 +12,9 @@
 namespace pelmora::flow {
 namespace {
 
-// Where the formula for Z ends.
-constexpr double leastOfD341 = 0.21;
+constexpr double leastOfD341 = 0.21;  // cSt; the formula for Z does not hold below it
 constexpr double celsiusZero = 273.15;
-// Of K, for the slope.
-constexpr double slopeStep = 0.01;
+constexpr double slopeStep = 0.01;  // K
 
 [[noreturn]] void refuse(const std::string& what, const std::string& remedy) {
   throw calibration::BadData({what, "", remedy});

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <span>
 #include <vector>
 
 namespace pelmora::flow {
@@ -26,8 +25,8 @@ struct TemperatureRange {
   double lowest = 0, highest = 0;  // K
 };
 
-// Straight lines between points in the scale of a law: exact through each of them. Two points make
-// the law itself, more of them a table that is interpolated in the law's scale.
+// Straight lines between points in the scale of a law, exactly through each point. Two points make
+// the law itself; more of them make a table that is interpolated in the law's scale.
 class ViscosityLaw {
  public:
   // points: two or more, in any order. `shift` is c of the Andrade scale, in K.
@@ -50,7 +49,7 @@ class ViscosityLaw {
   //
   // Errors: OutOfRange beyond the range.
   [[nodiscard]] double operator()(double kelvin) const;
-  // Relative change per K, below 0. Errors: as above.
+  // Relative change per K; negative. Errors: as above.
   [[nodiscard]] double changePerKelvin(double kelvin) const;
   [[nodiscard]] const TemperatureRange& range() const { return range_; }
 

@@ -80,7 +80,7 @@ double viscosityOfQuotient(const StrouhalCurve& quotient, const RoshkoRange& ran
                             : range.lowest * std::pow(range.highest / range.lowest, share);
     const double left = quotient(before) - wanted, right = quotient(here) - wanted;
     if (i == 1 && left == 0) found = before;
-    // A quotient that is met exactly was found as the end of the interval before.
+    // A quotient that is met exactly at `before` was found as the end of the previous interval.
     const bool isCrossed = left != 0 && (right == 0 || (left < 0) != (right < 0));
     if (isCrossed && found) {
       throw calibration::BadData({"the quotient of the rotors occurs at several Roshko numbers", "",

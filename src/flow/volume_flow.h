@@ -8,7 +8,7 @@
 
 namespace pelmora::flow {
 
-// Strouhal at a Roshko number. It throws beyond the calibrated range, or extrapolates: as its owner
+// Strouhal at a Roshko number. Beyond the calibrated range it throws or extrapolates, as its owner
 // wants.
 using StrouhalCurve = std::function<double(double)>;
 
@@ -32,12 +32,13 @@ struct MeterFlow {
 [[nodiscard]] MeterFlow volumeFlow(const StrouhalCurve& curve, double frequency,
                                    const Service& service);
 
-// Both rotors of a meter at once: q = (f_A + f_B) G_S / (Strouhal_A + Strouhal_B), and what each of
-// them says. A difference beyond its uncertainty means that one rotor no longer follows its curve.
+// Both rotors of a meter at once: q = (f_A + f_B) G_S / (Strouhal_A + Strouhal_B), and the flow by
+// each rotor alone. A difference beyond its uncertainty means that one rotor no longer follows its
+// curve.
 struct DualFlow {
   MeterFlow rotorA, rotorB;
   double flow = 0;
-  double differencePercent = 0;  // of B from A, of the joint flow
+  double differencePercent = 0;  // B minus A, in per cent of the joint flow
 };
 
 // Errors: as volumeFlow.
@@ -48,9 +49,10 @@ struct RoshkoRange {
   double lowest = 0, highest = 0;
 };
 
-// The viscosity that follows from the quotient of both frequencies: the place x of the curve
-// quotient(x) = f_A / f_B (Rotor Sum) over the sum of the Roshko numbers gives
-// v = (f_A + f_B) G_R(T) / x.
+// The viscosity that follows from the quotient of both frequencies. The curve quotient(x) is the
+// series Rotor Sum over x, the sum of both Roshko numbers. Where quotient(x) = f_A / f_B,
+//
+//   v = (f_A + f_B) G_R(T) / x
 //
 // range: where x is searched; the curve must not turn within it.
 // Errors: BadData for frequencies that are not above 0, and if the quotient occurs at several

@@ -1,4 +1,4 @@
-// A library of others that is loaded when it is first needed.
+// A third-party library that is loaded when it is first needed.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -7,14 +7,16 @@
 #include <dlfcn.h>
 
 #include <string>
+#include <utility>
 
 namespace pelmora {
 
-// The library stays loaded for the rest of the process, so that functions found in it may be kept.
+// The library stays loaded for the rest of the process, so functions found in it may be kept.
 class LoadedLibrary {
  public:
-  // file: its name for the loader, "libxml2.so.2"; package: what to install; trouble:
-  // what fails without it, "the workbook cannot be made".
+  // file: its name for the loader, such as "libxml2.so.2".
+  // package: what to install. trouble: what fails without it, such as "the workbook cannot be
+  // made".
   //
   // Errors: Unusable if it cannot be loaded.
   LoadedLibrary(const char* file, std::string package, std::string trouble)

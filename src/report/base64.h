@@ -9,7 +9,7 @@ namespace pelmora::report {
 
 // With padding, without line breaks.
 [[nodiscard]] std::string base64Text(std::string_view bytes);
-// What is not of the alphabet, line breaks for example, is skipped.
+// Characters outside the alphabet, such as line breaks, are skipped.
 [[nodiscard]] std::string bytesOfBase64(std::string_view text);
 
 }  // namespace pelmora::report

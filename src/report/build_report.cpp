@@ -64,8 +64,8 @@ std::optional<double> limitOf(const calibration::Details& details) {
   return units::converted(limit.value, *limit.unit, units::unitOf("%"));
 }
 
-// The largest distance of two tables with equal Roshko columns in per cent of the first; nothing
-// where their Roshko columns differ.
+// The largest distance of two tables in per cent of the first; nothing if their Roshko columns
+// differ.
 std::optional<double> largestDistance(const PointArray& stored, const PointArray& refit) {
   if (stored.size() != refit.size() || stored.empty()) return std::nullopt;
   double largest = 0;
@@ -129,7 +129,7 @@ class SeriesBuilder {
     }
   }
 
-  // The fit's curve that nobody has stored, or else that of the best equation that has one.
+  // The curve of the fit, which is not stored, or else that of the best equation that has one.
   void addAttempt() {
     if (!series_.refit.curve.empty()) {
       report_.attempt = Attempt{report_.chosen, true, {}, series_.refit.curve};

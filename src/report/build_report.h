@@ -1,4 +1,4 @@
-// From what a database holds and a fit gives to the model of a report.
+// Builds the model of a report from the contents of a database and a new fit.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -13,7 +13,7 @@ namespace pelmora::report {
 // A fit made for the report with the settings of the stored curve. It stores nothing.
 struct Refit {
   FitOutcome outcome;
-  PointArray curve;     // no bounds where no equation passed
+  PointArray curve;     // empty if no equation passed
   std::string trouble;  // why there is no curve, in words
   std::string nearest;  // name of the equation that came nearest to passing; empty if none did
 };
@@ -30,8 +30,8 @@ struct SeriesInput {
   CurveSettings settings;
   bool settingsAreKept = false;
   Refit refit;
-  std::optional<PreviousSeries>
-      previous;  // of the latest earlier calibration with this series' curve
+  // Of the latest earlier calibration that has a curve of this series.
+  std::optional<PreviousSeries> previous;
 };
 
 struct ReportInput {
@@ -44,8 +44,7 @@ struct ReportInput {
 };
 
 // What is stored is shown as it is stored. Ranking, statistics, warnings and 95 % bands are of the
-// refit; a remark says where the refit's curve is another one than the stored curve, which then
-// gets no bands.
+// refit; a remark says if the refit's curve differs from the stored one, which then gets no bands.
 [[nodiscard]] Report buildReport(const ReportInput& input);
 
 }  // namespace pelmora::report

@@ -20,21 +20,6 @@ std::string quoted(const std::string& text) {
   return result + "\"";
 }
 
-}  // namespace
-
-std::string csvCell(const Value& value) {
-  if (const auto* whole = std::get_if<std::int64_t>(&value)) return std::to_string(*whole);
-  if (const auto* real = std::get_if<double>(&value)) return exactNumber(*real);
-  const auto* text = std::get_if<std::string>(&value);
-  if (text == nullptr) return {};
-  const std::size_t first = text->find_first_not_of(" \t\r\n");
-  const bool isFormula = first != std::string::npos &&
-                         std::string_view("=+-@").find((*text)[first]) != std::string_view::npos;
-  return quoted((isFormula ? "'" : "") + *text);
-}
-
-namespace {
-
 std::string csvTable(const ReportTable& table, bool isNamed) {
   std::string csv = isNamed ? "table" : "";
   for (const std::string& column : table.columns) csv += (csv.empty() ? "" : ",") + column;
@@ -49,6 +34,17 @@ std::string csvTable(const ReportTable& table, bool isNamed) {
 }
 
 }  // namespace
+
+std::string csvCell(const Value& value) {
+  if (const auto* whole = std::get_if<std::int64_t>(&value)) return std::to_string(*whole);
+  if (const auto* real = std::get_if<double>(&value)) return exactNumber(*real);
+  const auto* text = std::get_if<std::string>(&value);
+  if (text == nullptr) return {};
+  const std::size_t first = text->find_first_not_of(" \t\r\n");
+  const bool isFormula = first != std::string::npos &&
+                         std::string_view("=+-@").find((*text)[first]) != std::string_view::npos;
+  return quoted((isFormula ? "'" : "") + *text);
+}
 
 std::string csvReport(const Report& report, const std::string& wanted) {
   std::string csv;

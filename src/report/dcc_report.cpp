@@ -24,7 +24,7 @@ dcc::Contact contactOf(const Report& report, const std::string& name, const std:
           part("city"),           part("country"), part("email")};
 }
 
-// "NAME, ROLE": the first one is responsible.
+// Lines of the form "NAME, ROLE"; the first one is the main signatory.
 std::vector<dcc::Signatory> signatoriesOf(const Report& report) {
   std::vector<dcc::Signatory> list;
   for (const std::string& line : detailLines(report, "signatory")) {
@@ -43,7 +43,7 @@ dcc::Item itemOf(const Report& report) {
           detailOf(report, "inventory-number")};
 }
 
-// The DCC's numbers have no sign in front of positive ones.
+// Positive numbers of a digital certificate have no sign.
 std::string unsignedText(std::string text) {
   if (text.starts_with('+')) text.erase(0, 1);
   return text;
@@ -149,8 +149,7 @@ std::string statementOf(const SeriesReport& series) {
 }
 
 void addConditions(const Report& report, dcc::Certificate& certificate) {
-  for (const char* key :
-       {"ambient-temperature", "ambient-humidity", "ambient-pressure", "line-pressure"}) {
+  for (const char* key : conditionDetails) {
     const std::string text = detailOf(report, key);
     if (text.empty()) continue;
     const auto blank = text.find(' ');

@@ -19,22 +19,21 @@ using calibration::DriftValue;
 constexpr double width = 720, panelHeight = 150, left = 70, right = 16, head = 40, gap = 42;
 constexpr const char *ink = "#1f2933", *soft = "#5f6c7b", *grid = "#d9dee4", *limit = "#b3452c";
 
-std::string number(double value) { return coordinate(value); }
-
 std::string line(double x1, double y1, double x2, double y2, const char* colour,
                  const std::string& more = "") {
-  return "<line x1=\"" + number(x1) + "\" y1=\"" + number(y1) + "\" x2=\"" + number(x2) +
-         "\" y2=\"" + number(y2) + "\" stroke=\"" + colour + "\"" + more + "/>";
+  return "<line x1=\"" + coordinate(x1) + "\" y1=\"" + coordinate(y1) + "\" x2=\"" +
+         coordinate(x2) + "\" y2=\"" + coordinate(y2) + "\" stroke=\"" + colour + "\"" + more +
+         "/>";
 }
 
 std::string label(double x, double y, const std::string& content, const char* anchor,
                   const char* colour = soft, int size = 12) {
-  return "<text x=\"" + number(x) + "\" y=\"" + number(y) + "\" text-anchor=\"" + anchor +
+  return "<text x=\"" + coordinate(x) + "\" y=\"" + coordinate(y) + "\" text-anchor=\"" + anchor +
          "\" font-size=\"" + std::to_string(size) + "\" fill=\"" + colour + "\">" +
          escaped(content) + "</text>";
 }
 
-// When, if all dates are known and rise; else the calibrations one by one.
+// The times of the calibrations, if all are known and rise; else their numbers.
 std::vector<double> timesOf(const Drift& drift) {
   std::vector<double> years, numbers;
   bool areDated = true;
@@ -83,13 +82,13 @@ std::string panel(const Drift& drift, const DriftPlace& place, const std::vector
   for (std::size_t i = 0; i < place.values.size(); ++i) {
     const DriftValue& value = place.values[i];
     const double cx = atX(times[i]), cy = atY(value.percent);
-    path += (i == 0 ? "M" : "L") + number(cx) + " " + number(cy);
+    path += (i == 0 ? "M" : "L") + coordinate(cx) + " " + coordinate(cy);
     if (barOf(value) > 0) {
       svg +=
           line(cx, atY(value.percent - barOf(value)), cx, atY(value.percent + barOf(value)), ink);
     }
     const bool isMarked = value.sinceFirst && value.sinceFirst->isSignificant();
-    svg += "<circle cx=\"" + number(cx) + "\" cy=\"" + number(cy) + "\" r=\"4\" fill=\"" +
+    svg += "<circle cx=\"" + coordinate(cx) + "\" cy=\"" + coordinate(cy) + "\" r=\"4\" fill=\"" +
            (isMarked ? limit : ink) + "\"><title>" +
            escaped(nameOf(drift.calibrations[i]) + ": " + percentText(value.percent) + " %") +
            "</title></circle>";
@@ -126,8 +125,8 @@ HtmlTable valueTable(const Drift& drift, const DriftPlace& place) {
 std::string driftPicture(const Drift& drift, const std::string& title) {
   const double height = head + static_cast<double>(drift.places.size()) * (panelHeight + gap) + 10;
   std::string svg =
-      "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " + number(width) + " " +
-      number(height) + "\" font-family=\"sans-serif\" role=\"img\">\n" +
+      "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " + coordinate(width) + " " +
+      coordinate(height) + "\" font-family=\"sans-serif\" role=\"img\">\n" +
       "<rect width=\"100%\" height=\"100%\" fill=\"#ffffff\"/>" +
       label(left, 20, "Change of " + title + " since the first calibration, %", "start", ink, 14);
   const std::vector<double> times = timesOf(drift);

@@ -9,13 +9,13 @@
 namespace pelmora::report {
 
 // A panel for each Roshko number: the change since the first calibration with the expanded
-// uncertainty of the shift, and the control limits. Colours and fonts are attributes, so that any
-// program shows it.
+// uncertainty of the shift, and the control limits. Colours and fonts are attributes, so that every
+// program shows them.
 //
 // title: "Rotor A of meter M1".
 [[nodiscard]] std::string driftPicture(const calibration::Drift& drift, const std::string& title);
 
-// A page with the picture, its tables and the advice; works offline.
+// A page with the picture, its tables and the recommended interval; works offline.
 [[nodiscard]] std::string driftPage(const calibration::Drift& drift, const std::string& title);
 
 }  // namespace pelmora::report

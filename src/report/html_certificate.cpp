@@ -17,7 +17,7 @@ using calibration::Run;
 
 constexpr const char* notRecorded = "not recorded";
 
-// Each text once.
+// The texts of all runs, each once.
 template <class Member>
 std::string distinct(const Report& report, Member member) {
   std::vector<std::string> texts;
@@ -124,9 +124,7 @@ std::string methodFacts(const Report& report) {
   facts.add("Operators",
             orNotRecorded(distinct(report, [](const Run& run) { return run.operatorName; })));
   facts.add("Jobs", distinct(report, [](const Run& run) { return joined(run.jobs); }));
-  for (const char* key :
-       {"ambient-temperature", "ambient-humidity", "ambient-pressure", "line-pressure"})
-    facts.addDetail(report, key);
+  for (const char* key : conditionDetails) facts.addDetail(report, key);
   return facts.take("Method and conditions");
 }
 
@@ -152,7 +150,7 @@ std::string magnitude(const std::optional<double>& percent) {
   return percent ? fixedText(*percent < 0 ? -*percent : *percent, 3) : "-";
 }
 
-// What the numbers of the table mean, and of which curve they speak.
+// What the numbers of the table mean, and which curve they refer to.
 std::string resultNotes(const Report& report) {
   const auto any = [&](auto has) { return std::ranges::any_of(report.series, has); };
   std::string text =
@@ -172,12 +170,9 @@ std::string resultNotes(const Report& report) {
   if (any([](const SeriesReport& s) { return s.attempt.has_value(); }))
     text += " Series without a stored curve: deviations from the curve that is drawn.";
   text += " Expanded uncertainty U: not stated.";
-  std::string missing;
-  for (const char* key : {"roshko-unit", "strouhal-unit"}) {
-    if (!detailOf(report, key).empty()) continue;
-    missing += (missing.empty() ? "" : " and ") +
-               std::string(key == std::string("roshko-unit") ? "Roshko" : "Strouhal");
-  }
+  std::string missing = detailOf(report, "roshko-unit").empty() ? "Roshko" : "";
+  if (detailOf(report, "strouhal-unit").empty())
+    missing += missing.empty() ? "Strouhal" : " and Strouhal";
   if (!missing.empty())
     text += " The units of " + missing + " numbers are not recorded: they are those of the stand.";
   return "<p class=\"fine\">" + escaped(text) + "</p>\n";

@@ -12,7 +12,7 @@ namespace pelmora::report {
 [[nodiscard]] std::string htmlResults(const Report& report);
 // "Calibration certificate", or "Calibration report" without a number.
 [[nodiscard]] std::string reportTitle(const Report& report);
-// "Certificate 2026-17, meter M1": what every printed page carries.
+// "Certificate 2026-17, Meter M1, calibration 2": stands on every printed page.
 [[nodiscard]] std::string pageName(const Report& report);
 
 }  // namespace pelmora::report

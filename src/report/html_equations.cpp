@@ -34,7 +34,7 @@ std::string ranking(const SeriesReport& series) {
       series.settings.Choice == calibration::choiceKey(calibration::Choice::trusted);
   std::size_t rejected = 0;
   EquationVerdict last = EquationVerdict::chosen;
-  // Of each equation's own curve at the merged points: the results speak of the stored table.
+  // These numbers are of each equation's own curve at the merged points, not of the stored table.
   for (const RankedEquation& ranked : series.equations) {
     const EquationOutcome& equation = ranked.outcome;
     const std::string why = rejection(equation);
@@ -49,8 +49,8 @@ std::string ranking(const SeriesReport& series) {
                   number(percentText(equation.WorstResidualRatio * 100)),
                   number(significantText(equation.WorstResidualX, 6))},
                  equation.Verdict == EquationVerdict::chosen ? "best" : "");
-    // By the rule 'trusted', equations that fail in one way come one after the other, nearest
-    // first.
+    // By the rule 'trusted', equations that fail in the same way follow each other, the nearest
+    // first. Its reason stands for all of them.
     const bool isSaid = isTrusted && equation.Verdict == last;
     if (!why.empty() && !isSaid) table.addNote(withShortNumbers(why));
     last = equation.Verdict;
@@ -63,7 +63,7 @@ std::string ranking(const SeriesReport& series) {
          "the results above speak of the stored table.</p>\n";
 }
 
-// Behind a fold: parameters of a good fit are strongly correlated.
+// Folded, because even the parameters of a good fit are strongly correlated.
 std::string correlations(const EquationOutcome& equation) {
   const std::size_t p = equation.Parameters.size();
   if (p < 2 || equation.Covariance.size() != p * p) return {};

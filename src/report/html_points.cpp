@@ -69,7 +69,7 @@ std::vector<std::string> cellsOf(const MeasuredPoint& point, const ShownColumns&
   return cells;
 }
 
-// What the reader should know of a point besides its numbers.
+// What the reader should know about a point besides its numbers.
 std::string noteOf(const MeasuredPoint& point) {
   if (point.exclusion) {
     const calibration::Exclusion& why = *point.exclusion;
@@ -94,7 +94,7 @@ std::string cutText(const RawPart& part) {
          ".</p>\n";
 }
 
-// The deviation from which on used points are listed, so that the tables stay short.
+// The deviation above which used points are listed, so that the tables stay short; 0: all are.
 double listedDeviation(const SeriesReport& series) {
   std::vector<double> deviations;
   std::size_t count = 0;

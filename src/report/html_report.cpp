@@ -39,7 +39,7 @@ std::string cssString(const std::string& text) {
   return result + "\"";
 }
 
-// The serial number and the number of each printed page.
+// The name of the report and the page number, in the margin of each printed page.
 std::string pageMargins(const Report& report) {
   return "@media print{@page{@bottom-left{content:" + cssString(pageName(report)) +
          "}@bottom-right{content:\"Page \" counter(page) \" of \" counter(pages)}}}";
@@ -51,7 +51,7 @@ std::string style(const Report& report) {
          plotStyle() + pageMargins(report);
 }
 
-// For a program that knows no grid.
+// For a program without CSS grids.
 std::string paperStyle() {
   return ".blocks,.pair{display:table;width:100%}.block,.pair>div{display:table-cell;"
          "padding-right:5mm}.block{width:33%}.pair>div{width:50%}dl.facts{display:block}"

@@ -71,7 +71,7 @@ std::string legend(const SeriesReport& series, const PageOptions& options) {
   return "<ul class=\"legend\">" + html + "</ul>\n";
 }
 
-// Of the page's script.
+// For the page's script alone: without it they do nothing.
 std::string controls(const SeriesReport& series) {
   return "<div class=\"live\" tabindex=\"0\" role=\"application\" aria-label=\"Plot of " +
          escaped(series.name) +

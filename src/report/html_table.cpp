@@ -16,8 +16,8 @@ std::string classAttribute(const std::string& cssClass) {
 
 }  // namespace
 
-// End tags that HTML lets one leave out are left out: they are a third of a table of numbers. For
-// the same reason cells of text are marked, not those of numbers.
+// Optional end tags are left out: they would be a third of a table of numbers. For the same reason,
+// cells of text have a class, and those of numbers have none.
 HtmlTable::HtmlTable(std::string caption, std::vector<HtmlColumn> columns, std::string cssClass)
     : columns_(std::move(columns)),
       isAllNumbers_(

@@ -1,4 +1,4 @@
-// What JSON says of a value that is not there.
+// Values that may be absent as JSON: null if they are.
 // SPDX-License-Identifier: MIT
 #pragma once
 

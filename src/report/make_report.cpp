@@ -71,7 +71,7 @@ ReportInput inputOf(const Database& lab, const Meter& meter,
   input.history = lab.history({.serial = meter.serial, .calibration = meter.calibration});
   const auto earlier = earlierCalibrations(lab, meter);
   auto all = lab.everySeries(meter, options.series);
-  // As an import derives them: the rotors before what is made of them.
+  // In the order of an import: the rotors before the series that are derived from them.
   if (options.series.empty()) std::ranges::sort(all, {}, &StoredSeries::id);
   for (const StoredSeries& stored : all) {
     const calibration::Repeated repeated = lab.repeat(stored, options.unkept, options.observer);
@@ -105,7 +105,7 @@ std::string pdfWithCertificate(const report::Report& report, const ReportOptions
   try {
     xml = digitalCertificate(report, options);
   } catch (const BadData& failure) {
-    // Nobody signs a certificate without knowing that it is missing.
+    // Whoever signs has to learn that there is no certificate.
     if (options.signer) throw;
     if (options.note)
       options.note(std::string("no digital certificate is attached: ") + failure.what() +

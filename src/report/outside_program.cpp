@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "report/outside_program.h"
 
+#include "report/scratch_folder.h"
+
 #include <pelmora/calibration/failure.h>
 
 #include <fcntl.h>
@@ -9,11 +11,7 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 
 extern char** environ;
 
@@ -65,31 +63,6 @@ ProgramEnd runProgram(const std::vector<std::string>& arguments, const std::stri
   while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
   }
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, folder.read("errors")};
-}
-
-ScratchFolder::ScratchFolder() {
-  std::error_code failed;
-  path_ = (std::filesystem::temp_directory_path(failed) / "pelmora-XXXXXX").string();
-  if (failed || mkdtemp(path_.data()) == nullptr)
-    throw Unusable({"there is no room for temporary files", "", "check TMPDIR"});
-}
-
-ScratchFolder::~ScratchFolder() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
-}
-
-std::string ScratchFolder::write(const std::string& name, const std::string& content) const {
-  std::ofstream stream(file(name), std::ios::binary);
-  stream << content;
-  stream.close();
-  if (!stream) throw Unusable({"a temporary file cannot be written", file(name), "check TMPDIR"});
-  return file(name);
-}
-
-std::string ScratchFolder::read(const std::string& name) const {
-  std::ifstream stream(file(name), std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
 }  // namespace pelmora::report

@@ -14,7 +14,7 @@
 namespace pelmora::report {
 namespace {
 
-// The outline of a mark: where it starts, seen from its centre, and the way from there.
+// The outline of a mark: where it starts, relative to its centre, and the path from there.
 struct MarkShape {
   std::string_view key;
   double x, y;
@@ -38,7 +38,7 @@ const MarkShape& shapeOf(std::string_view key) {
   return shapes.front();
 }
 
-// The places of a path that PlotPanel has written: one absolute, the others relative.
+// The places of a path that PlotPanel has written: the first one absolute, the others relative.
 std::vector<std::pair<double, double>> placesOf(std::string_view path) {
   std::vector<double> numbers;
   for (std::size_t at = 0; at < path.size();) {

@@ -1,4 +1,4 @@
-// Pictures for programs that draw SVG in paper's way.
+// Pictures for the program that makes a PDF of the page.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -6,8 +6,8 @@
 
 namespace pelmora::report {
 
-// An <svg> of a page with its own style and plain colours, and with each mark drawn as a shape in
-// place of a marker: such programs know no variables, look for definitions nowhere else, and put
+// An <svg> of the page with a style of its own, plain colours, and each mark drawn as a shape. The
+// program does not support variables in styles, finds no definitions outside the <svg>, and puts
 // markers in the wrong place.
 [[nodiscard]] std::string paperPicture(const std::string& svg);
 

@@ -2,6 +2,7 @@
 #include "report/pdf_report.h"
 
 #include "report/outside_program.h"
+#include "report/scratch_folder.h"
 
 #include <pelmora/calibration/failure.h>
 

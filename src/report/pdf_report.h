@@ -9,7 +9,7 @@
 namespace pelmora::report {
 
 // Made from the printed form of the page by the program weasyprint. dccXml: attached as
-// certificate.xml; empty: nothing is.
+// certificate.xml, unless it is empty.
 //
 // Errors: Unusable if weasyprint is not there or fails.
 [[nodiscard]] std::string pdfReport(const Report& report, const PageOptions& options,

@@ -31,7 +31,7 @@ json rounded(double value) {
   return result;
 }
 
-// Beyond this many points a set is packed: nobody reads nine digits off so many marks.
+// Larger sets of points are packed: nobody reads nine digits off marks as dense as that.
 constexpr std::size_t mostPlain = 2000;
 
 // A value as one of 65,536 steps between the ends of its column.
@@ -109,7 +109,8 @@ PointSet pointsOf(const SeriesReport& series, const std::string& key) {
   return set;
 }
 
-// Whether the merged points are the raw points that were not cut: then the script has them already.
+// Whether the merged points are the raw points that were neither cut nor excluded: then the script
+// has them already.
 bool isWhatWasKept(const SeriesReport& series) {
   std::vector<std::pair<double, double>> kept, merged;
   for (const RawPart& part : series.parts) {
@@ -127,11 +128,8 @@ json seriesJson(const SeriesReport& series, std::size_t index) {
   json points = json::array();
   for (const LegendEntry& entry : legendOf(series)) {
     if (!entry.isMarker) continue;
-    if (entry.key == "merged" && isWhatWasKept(series)) {
-      points.push_back({{"key", entry.key}, {"label", entry.label}});
-      continue;
-    }
     points.push_back({{"key", entry.key}, {"label", entry.label}});
+    if (entry.key == "merged" && isWhatWasKept(series)) continue;
     pointsOf(series, entry.key).addTo(points.back());
   }
   json attempt;

@@ -10,8 +10,8 @@
 namespace pelmora::report {
 
 struct LegendEntry {
-  std::string
-      key;  // class of what it explains: raw1, cut1, out1, merged, attempt, curve, band, conf, pred
+  // Class of what it explains: raw1, cut1, out1, merged, attempt, curve, band, conf or pred.
+  std::string key;
   bool isMarker = false;  // else a line, or an area for conf and pred
   std::string label;
 };

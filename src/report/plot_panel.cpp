@@ -29,10 +29,10 @@ std::string text(const std::string& cssClass, double x, double y, const std::str
 // Tenths, which no screen or printer at this size tells from more.
 double pixel(double value) { return std::round(value * 10) / 10; }
 
-// At most about this many marks of one class: more only cover each other.
+// More marks of one class would only cover each other.
 constexpr std::size_t mostMarks = 1500;
 
-// One place in each square of a grid that is as fine as leaves not more marks than that.
+// One place in each square of a grid, which is made coarser until no more than mostMarks are left.
 std::vector<PlotPoint> thinned(const std::vector<PlotPoint>& places) {
   if (places.size() <= mostMarks) return places;
   std::vector<PlotPoint> kept = places;

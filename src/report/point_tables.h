@@ -1,4 +1,4 @@
-// The tables of what was measured, and of what follows from it.
+// The tables of the measured points and of the results that follow from them.
 // SPDX-License-Identifier: MIT
 #pragma once
 

@@ -4,10 +4,15 @@
 
 #include "report/report_model.h"
 
+#include <array>
 #include <string>
 #include <vector>
 
 namespace pelmora::report {
+
+// The details that state the conditions of the calibration.
+inline constexpr std::array conditionDetails{"ambient-temperature", "ambient-humidity",
+                                             "ambient-pressure", "line-pressure"};
 
 // A detail of the calibration or the laboratory; empty if it is not recorded.
 [[nodiscard]] std::string detailOf(const Report& report, const std::string& key);

@@ -47,10 +47,10 @@ struct PreviousCurve : calibration::Comparison {
   std::string date;  // of the earlier calibration's set-ups; empty if they have none
 };
 
-// The best of a series that has no stored curve.
+// The best curve for a series that has no stored one.
 struct Attempt {
   std::string equation;
-  bool isAccepted = false;  // a fit gives this curve, and it was not stored
+  bool isAccepted = false;  // the fit accepts it, but it is not stored
   std::string reason;       // why it was not accepted
   PointArray curve;
 };

@@ -12,7 +12,7 @@ namespace {
 
 using calibration::PointState;
 
-// Nominal flows are typed or computed: one is another if they differ by more than this share.
+// Nominal flows are typed or computed: those that differ by no more than this share are the same.
 constexpr double sameFlow = 1e-6;
 
 class Range {
@@ -56,8 +56,8 @@ struct Group {
 
 bool isSame(double a, double b) { return std::fabs(a - b) <= sameFlow * std::fabs(b); }
 
-// The directions of the flow as the points were measured. The first flow has that of the step to
-// the next one; a flow that is measured again at a turn belongs to the way back.
+// The direction of the flow at each point, in the order of measurement. The first flow has that of
+// the step to the next one; a flow that is measured again at a turn belongs to the way back.
 std::vector<Direction> directions(const std::vector<MeasuredPoint>& points) {
   std::vector<Direction> list(points.size(), Direction::unknown);
   std::optional<double> last;
@@ -73,8 +73,8 @@ std::vector<Direction> directions(const std::vector<MeasuredPoint>& points) {
       waiting.clear();
       list[i] = now;
     } else {
-      // The first flow, or a repeated one: the next step tells its direction, except that of the
-      // first point at a turn, which has its own already.
+      // The first flow, or a repeated one: the next step decides. The first point at a turn is not
+      // among these; it has its direction already.
       waiting.push_back(i);
     }
     last = flow;
@@ -146,8 +146,6 @@ SeriesResult resultOf(const std::vector<RawPart>& parts, std::optional<double> l
         continue;
       result.worstPercent = point.deviationPercent;
       result.worstRoshko = point.roshko;
-      result.worstPart = part.number;
-      result.worstNumber = point.number;
     }
     for (FlowResult& each : flowsOf(part)) {
       takeLargest(result.repeatabilityPercent, each.repeatabilityPercent);

@@ -29,8 +29,8 @@ struct FlowResult {
   double nominalFlow = 0;
   std::size_t points = 0;
   double meanFactor = 0;
-  // Largest difference of two deviations from the curve: the spread of the points without what
-  // their different Roshko numbers make of it. Absent for a single point.
+  // Largest difference of two deviations from the curve, in which the different Roshko numbers of
+  // the points play no part. Absent for a single point.
   std::optional<double> repeatabilityPercent{};
   // Mean deviation with falling flow less that with rising flow; absent if one of them is missing.
   std::optional<double> hysteresisPercent{};
@@ -48,8 +48,6 @@ struct SeriesResult {
   // The largest deviation of a used point from the curve, signed, and where.
   std::optional<double> worstPercent{};
   double worstRoshko = 0;
-  int worstPart = 0;
-  std::size_t worstNumber = 0;
   std::vector<FlowResult> flows;  // by part and flow; empty if nominal flows are not recorded
   std::optional<double> repeatabilityPercent{}, hysteresisPercent{};  // largest of the flows
   std::optional<double> limitPercent{};

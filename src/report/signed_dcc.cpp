@@ -3,6 +3,7 @@
 
 #include "report/base64.h"
 #include "report/outside_program.h"
+#include "report/scratch_folder.h"
 
 #include <pelmora/calibration/failure.h>
 
@@ -56,7 +57,7 @@ std::string signatureTemplate(bool isEcdsa) {
          "<ds:KeyInfo>\n<ds:X509Data/>\n</ds:KeyInfo>\n</ds:Signature>\n";
 }
 
-// The last line that says something.
+// The last line that is not empty.
 std::string lastLine(std::string text) {
   while (text.ends_with('\n')) text.pop_back();
   const auto start = text.rfind('\n');
@@ -75,7 +76,7 @@ std::string signedDcc(const std::string& xml, const std::string& keyFile,
   const auto end = xml.rfind(rootEnd);
   if (end == std::string::npos)
     throw BadData({"this is not a digital calibration certificate", "", "write one first"});
-  // xmlsec1 takes two files as one, separated by a comma.
+  // xmlsec1 takes both paths as one argument, separated by a comma.
   for (const std::string* path : {&keyFile, &certificateFile}) {
     if (path->find(',') != std::string::npos)
       throw BadData({"the path '" + *path + "' has a comma", *path, "rename the file"});

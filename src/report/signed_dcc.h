@@ -7,7 +7,7 @@
 namespace pelmora::report {
 
 // The certificate with an enveloped XMLDSig signature over all of it, made and then verified by the
-// program xmlsec1. Nothing may be changed afterwards, not even blanks.
+// program xmlsec1. Any later change breaks the signature, even one of blanks.
 //
 // keyFile: a private key (RSA or ECDSA), certificateFile: its X.509 certificate, both PEM.
 // Errors: Unusable if xmlsec1 is not installed; BadData if the key is encrypted, if xmlsec1 refuses

@@ -1,5 +1,5 @@
-// The library that writes workbooks, loaded when the first one is written: it brings a library of
-// cryptography along, whose start takes longer than most commands.
+// The library that writes workbooks. It is loaded when the first one is written, because it needs a
+// library of cryptography that takes longer to load than most commands take to run.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -7,7 +7,7 @@
 
 namespace pelmora::report {
 
-// Its functions that a report needs, under their own names.
+// The functions that we need, under their own names.
 struct SpreadsheetLibrary {
   decltype(&::lxw_strerror) lxw_strerror;
   decltype(&::workbook_new) workbook_new;

@@ -2,7 +2,7 @@
 #include "report/xlsx_report.h"
 
 #include "base/time_text.h"
-#include "report/outside_program.h"
+#include "report/scratch_folder.h"
 #include "report/spreadsheet_library.h"
 
 #include <algorithm>
@@ -26,7 +26,7 @@ void require(lxw_error error) {
                              library().lxw_strerror(error));
 }
 
-// Of 2026-11-21T13:40:00Z; 0, which is now, where the text is another.
+// The time of "2026-11-21T13:40:00Z"; 0, which the library takes for now, of any other text.
 std::time_t timeOf(const std::string& text) {
   std::tm utc{};
   std::istringstream stream(text);
@@ -39,7 +39,7 @@ struct CloseWorkbook {
   void operator()(lxw_workbook* book) const { library().workbook_close(book); }
 };
 
-// A cell's text must be XML: control characters but line breaks and tabs are not.
+// XML holds no control characters except line breaks and tabs.
 std::string xmlText(const std::string& text) {
   std::string result;
   for (const char c : text) {
@@ -130,7 +130,7 @@ void addSheet(lxw_workbook* book, lxw_format* bold, NumberFormats& formats,
 }
 
 std::string workbookOf(const std::vector<ReportTable>& tables, std::time_t created) {
-  const ScratchFolder folder;  // the library writes files alone
+  const ScratchFolder folder;  // the library writes only files
   std::unique_ptr<lxw_workbook, CloseWorkbook> book(
       library().workbook_new(folder.file("report.xlsx").c_str()));
   if (!book) throw std::runtime_error("the workbook cannot be made: no memory");

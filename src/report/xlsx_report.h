@@ -12,7 +12,8 @@ namespace pelmora::report {
 // The bytes of a workbook with one sheet for each table of report_tables.h, column names in its
 // first row. Numbers are numbers, texts are never formulas.
 //
-// Errors: std::runtime_error if the workbook cannot be made.
+// Errors: std::runtime_error if the workbook cannot be made; Unusable if libxlsxwriter cannot be
+//         loaded or there is no room for a temporary file.
 [[nodiscard]] std::string xlsxReport(const Report& report);
 
 // A workbook of one table.

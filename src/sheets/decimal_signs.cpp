@@ -14,14 +14,14 @@ namespace {
 
 constexpr std::array<char, 2> marks{'.', ','};
 
-// Whether 1000 and more is written without any grouping.
+// Whether it is a number of 1000 or more without grouping.
 bool isUngrouped(std::string_view text) {
   std::size_t digits = 0;
   while (digits < text.size() && isDigit(text[digits])) ++digits;
   return digits > groupSize;
 }
 
-// Of a number with one mark, whether it can only be the decimal sign.
+// Whether the only mark of a number must be its decimal sign.
 bool canOnlyBeDecimal(std::string_view text, std::size_t mark) {
   const std::string_view whole = text.substr(0, mark), rest = text.substr(mark + 1);
   const bool isGroup = rest.size() == groupSize && std::ranges::all_of(rest, isDigit);
@@ -97,7 +97,8 @@ std::optional<bool> DecimalSigns::isDecimal(const Place& open, const ColumnReade
 
 NumberStyle DecimalSigns::decide(char separator, char stated, const ColumnReader& read) const {
   if (stated != 0) return {stated, true};
-  // A mark is the decimal one where it is seen as that, or the other one groups.
+  // The first number that shows a mark to be decimal: by using it as such, or by using the other
+  // mark to group thousands.
   const auto proofOf = [&](std::size_t sign) -> const Place& {
     return signs_[sign].decimal.text.empty() ? signs_[1 - sign].grouping : signs_[sign].decimal;
   };

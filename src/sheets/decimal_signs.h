@@ -27,26 +27,26 @@ struct ColumnSizes {
 // Reads a column again: `open` is the mark ('.' or ',') that may group thousands in it.
 using ColumnReader = std::function<ColumnSizes(std::size_t column, char open)>;
 
-// Collects what the fields of all rows say, then decides. "12,5" and "0,125" have a decimal comma,
-// "1.234,5" and "1.234.567" as well. "1,234" alone says nothing; then the other numbers of its
-// column decide, where only one reading is of their size (within a factor of ten).
+// Collects evidence from the fields of all rows, then decides. "12,5" and "0,125" have a decimal
+// comma; so have "1.234,5" and "1.234.567". "1,234" alone proves nothing: then the other numbers of
+// its column decide if only one reading is of their size (within a factor of ten).
 class DecimalSigns {
  public:
   void add(std::size_t line, std::size_t column, const std::string& field);
 
-  // separator: between fields; where it is a comma, numbers in plain fields have a point.
+  // separator: between fields; if it is a comma, numbers without quotes have a decimal point.
   // stated: '.' or ',' if the caller knows; 0 otherwise.
   //
   // Errors: SheetError if both signs are used as decimal signs, or a number such as 1.234 may be a
   //         thousand or one.
   [[nodiscard]] NumberStyle decide(char separator, char stated, const ColumnReader& read) const;
-  // What groups thousands, for people; empty if nothing does.
+  // What groups thousands, for messages; empty if nothing does.
   [[nodiscard]] std::string thousands(NumberStyle style) const;
 
  private:
   struct Place {
     std::size_t line = 0, column = 0;
-    std::string text;  // empty: there is none
+    std::string text;  // empty: none was found
   };
   // What was seen of one of the two signs.
   struct Evidence {
@@ -54,8 +54,8 @@ class DecimalSigns {
     Place grouping;  // one in which it can only group thousands
   };
   struct Column {
-    std::array<Place, 2> open;
-    bool hasUngrouped = false;  // a number from 1000 without any grouping
+    std::array<Place, 2> open;  // the first number in which '.' or ',' can be either
+    bool hasUngrouped = false;  // a number of 1000 or more without grouping
   };
   static void note(Place& place, std::size_t line, std::size_t column, const std::string& text);
   void noteGrouping(std::string_view text);

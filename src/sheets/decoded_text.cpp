@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "sheets/decoded_text.h"
 
+#include "base/text_case.h"
 #include "base/utf8_text.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
+#include <cstddef>
+#include <string_view>
+#include <utility>
 
 namespace pelmora::sheets {
 namespace {
@@ -14,7 +17,7 @@ using namespace std::string_view_literals;
 
 constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view textRemedy = "save it as text, separated by commas or semicolons";
-constexpr std::size_t sampled = 4096;  // bytes that show UTF-16 without a mark
+constexpr std::size_t sampled = 4096;  // bytes, to recognise UTF-16 without a mark
 
 struct Magic {
   std::string_view bytes, kind;
@@ -32,11 +35,8 @@ constexpr std::array<Magic, 9> magics{{
     {"{\\rtf"sv, "a text document (.rtf)"},
 }};
 
-bool startsWithWord(std::string_view text, std::string_view lowerCaseWord) {
-  if (text.size() < lowerCaseWord.size()) return false;
-  return std::equal(lowerCaseWord.begin(), lowerCaseWord.end(), text.begin(), [](char a, char b) {
-    return a == (b >= 'A' && b <= 'Z' ? static_cast<char>(b - 'A' + 'a') : b);
-  });
+bool startsWithWord(std::string_view text, std::string_view word) {
+  return equalNames(text.substr(0, word.size()), word);
 }
 
 std::string zipKind(std::string_view start) {
@@ -52,23 +52,6 @@ std::string lineText(std::string_view before) {
   return "line " + std::to_string(1 + std::count(before.begin(), before.end(), '\n'));
 }
 
-void appendUtf8(std::string& text, std::uint32_t c) {
-  const auto append = [&](std::uint32_t byte) { text += static_cast<char>(byte); };
-  if (c < 0x80) return append(c);
-  if (c < 0x800) {
-    append(0xC0U | c >> 6U);
-  } else {
-    if (c < 0x10000) {
-      append(0xE0U | c >> 12U);
-    } else {
-      append(0xF0U | c >> 18U);
-      append(0x80U | (c >> 12U & 0x3FU));
-    }
-    append(0x80U | (c >> 6U & 0x3FU));
-  }
-  append(0x80U | (c & 0x3FU));
-}
-
 // bytes: without a mark.
 std::string fromUtf16(std::string_view bytes, bool isBigEndian) {
   std::string text;
@@ -80,15 +63,13 @@ std::string fromUtf16(std::string_view bytes, bool isBigEndian) {
   const auto unitAt = [&](std::size_t i) {
     const auto low = static_cast<unsigned char>(bytes[i + (isBigEndian ? 1 : 0)]);
     const auto high = static_cast<unsigned char>(bytes[i + (isBigEndian ? 0 : 1)]);
-    return static_cast<std::uint32_t>(high) << 8U | low;
+    return char32_t{high} << 8U | low;
   };
-  const auto isIn = [](std::uint32_t c, std::uint32_t first) {
-    return c >= first && c < first + 0x400;
-  };
-  constexpr std::uint32_t leading = 0xD800, trailing = 0xDC00;
+  const auto isIn = [](char32_t c, char32_t first) { return c >= first && c < first + 0x400; };
+  constexpr char32_t leading = 0xD800, trailing = 0xDC00;
   for (std::size_t i = 0; i < bytes.size(); i += 2) {
     if (i + 2 > bytes.size()) throw broken();
-    std::uint32_t c = unitAt(i);
+    char32_t c = unitAt(i);
     if (isIn(c, trailing)) throw broken();
     if (isIn(c, leading)) {
       i += 2;
@@ -112,7 +93,7 @@ bool hasZerosAt(std::string_view bytes, std::size_t offset) {
   return others == 0 && zeros * 10 >= sample.size() / 2 * 9;
 }
 
-// Control characters and the five bytes without a character are in no such text.
+// Such a text holds neither control characters nor the five bytes without a character.
 bool mayBeWindows1252(std::string_view bytes) {
   constexpr std::string_view undefined = "\x81\x8D\x8F\x90\x9D", blanks = "\t\n\v\f\r\x1A";
   return std::ranges::none_of(bytes, [&](char c) {
@@ -145,7 +126,7 @@ std::string foreignKind(std::string_view start) {
 }
 
 DecodedText decoded(std::string bytes) {
-  // A workbook names its parts at the start of the file, mostly.
+  // A workbook usually names its parts at the start of the file.
   constexpr std::size_t enough = 4096;
   const std::string kind = foreignKind(std::string_view(bytes).substr(0, enough));
   if (!kind.empty()) {

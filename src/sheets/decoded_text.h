@@ -14,8 +14,8 @@ struct DecodedText {
   bool hasByteOrderMark = false;
 };
 
-// UTF-16 is known by its mark, or by zeros in every other byte. What is not UTF-8 is
-// Windows-1252, or left as it is if it cannot be that either.
+// UTF-16 is recognised by its mark, or by zeros in every other byte. Other text that is not UTF-8
+// is taken for Windows-1252, or left as it is if it cannot be that either.
 //
 // Errors: SheetError for files of another kind, for broken UTF-16, and for a NUL.
 [[nodiscard]] DecodedText decoded(std::string bytes);

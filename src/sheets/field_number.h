@@ -24,11 +24,11 @@ struct NumberStyle {
 [[nodiscard]] std::string_view trimmed(std::string_view text);
 
 // Blanks around the number, a sign (also U+2212) and an exponent are allowed; groups have three
-// digits. Nothing for other text and for what a double cannot hold. The result is the double that
-// the same digits with a decimal point give.
+// digits. Nothing for other text and for numbers that a double cannot hold. The result is the
+// double that the same digits with a decimal point give.
 [[nodiscard]] std::optional<double> fieldNumber(std::string_view text, NumberStyle style);
 
-// What programs write in place of a number that there is not: "NaN", "n/a", "#DIV/0!".
+// What programs write where there is no number: "NaN", "n/a", "#DIV/0!".
 [[nodiscard]] bool isMissingValue(std::string_view text);
 
 // Whether it is a number in one style or another.

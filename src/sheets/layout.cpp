@@ -12,7 +12,7 @@
 namespace pelmora::sheets {
 namespace {
 
-// Of each field: 'n' a number, 't' another text, ' ' empty; without the empty ones at the end.
+// One letter per field: 'n' a number, 't' other text, ' ' empty; without empty fields at the end.
 std::string patternOf(const Record& record) {
   std::string pattern;
   for (std::size_t i = 0; i < widthOf(record); ++i) {
@@ -27,8 +27,8 @@ std::size_t numbersIn(const std::string& pattern) {
 }
 
 bool startsLikeNumber(const std::string& field) {
-  return !field.empty() && (field[0] == '-' || field[0] == '+' || field[0] == '.' ||
-                            (field[0] >= '0' && field[0] <= '9'));
+  return !field.empty() &&
+         (field[0] == '-' || field[0] == '+' || field[0] == '.' || isDigit(field[0]));
 }
 
 class Search {
@@ -47,7 +47,7 @@ class Search {
   }
 
  private:
-  // Of the records that hold numbers, the width that most have.
+  // The most frequent width of the records that hold numbers.
   [[nodiscard]] std::size_t usualWidth() const {
     for (const std::size_t numbers : {2U, 1U, 0U}) {
       std::map<std::size_t, std::size_t> counts;
@@ -99,7 +99,7 @@ class Search {
            std::find(patterns_.begin(), patterns_.begin() + static_cast<std::ptrdiff_t>(header),
                      below) != patterns_.begin() + static_cast<std::ptrdiff_t>(header);
   }
-  // The widest line of texts above a row with `numbers` numbers, and of several the first.
+  // The first of the widest lines of texts above a row with at least `numbers` numbers.
   [[nodiscard]] std::optional<std::size_t> headerAbove(std::size_t numbers) const {
     std::optional<std::size_t> best;
     for (std::size_t i = 0; i < records_.size(); ++i) {

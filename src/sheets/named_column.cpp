@@ -10,7 +10,8 @@ namespace pelmora::sheets {
 
 namespace {
 
-// start: of a file, cut anywhere. Half a character of UTF-16 at the end would be an error.
+// start: of a file, cut anywhere. Half a UTF-16 character at the end would be an error, so up to
+// three bytes are dropped.
 std::string decodedStart(std::string_view start) {
   constexpr std::size_t bytesOfCharacter = 4;
   for (std::size_t cut = 0; cut < bytesOfCharacter && cut < start.size(); ++cut) {
@@ -20,7 +21,7 @@ std::string decodedStart(std::string_view start) {
       continue;
     }
   }
-  // Zeros after the text: a file that was cut off while it was written.
+  // Zeros after the text are left by a program that was interrupted while it wrote.
   return std::string(start.substr(0, start.find('\0')));
 }
 

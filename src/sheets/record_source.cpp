@@ -13,7 +13,7 @@
 namespace pelmora::sheets {
 namespace {
 
-// "#N/A", "#DIV/0!", "#NAME?", "####" of a column that is too narrow.
+// "#N/A", "#DIV/0!", "#NAME?", or "####" from a column that was too narrow.
 bool isSpreadsheetError(std::string_view line) {
   const std::size_t end = line.find_first_of(",;\t\"");
   const std::string_view word = trimmed(line.substr(0, end));

@@ -21,8 +21,8 @@ struct Record {
 // The fields up to the last one that is not empty.
 [[nodiscard]] std::size_t widthOf(const Record& record);
 
-// A line that begins with #, % or //. An error value of a spreadsheet ("#N/A;5") is none: its row
-// must not disappear.
+// Whether a line begins with #, % or //. A row that starts with an error value of a spreadsheet
+// ("#N/A;5") is not a comment: it must not disappear.
 [[nodiscard]] bool isComment(std::string_view line);
 
 // The separator of a line such as "sep=;"; 0 for any other line.

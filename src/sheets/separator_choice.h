@@ -7,7 +7,7 @@
 namespace pelmora::sheets {
 
 // The one of ',', ';' and tab that turns most of the text into numbers without leaving another of
-// them between digits. ',' where there is none.
+// them between digits. ',' if the text has none of the three.
 //
 // Errors: SheetError if two fit equally well.
 [[nodiscard]] char chosenSeparator(std::string_view text);

@@ -19,7 +19,7 @@
 namespace pelmora::sheets {
 namespace {
 
-// Titles, comments and a header end within so many records.
+// Titles, comments and a header end within this many records.
 constexpr std::size_t startRecords = 1000;
 
 bool isMark(char c) { return c == '.' || c == ','; }
@@ -29,7 +29,7 @@ bool isNotFinite(std::string_view text) {
   return equalNames(text, "nan") || equalNames(text, "inf") || equalNames(text, "infinity");
 }
 
-// "1.234", where '.' is `mark`: one mark, and groups of three digits if it is no decimal sign.
+// "1.234", where '.' is `mark`: the mark may be the decimal sign or group thousands.
 bool isOpen(std::string_view text, char mark) {
   return std::ranges::count_if(text, isMark) == 1 && text.find(mark) != std::string_view::npos &&
          fieldNumber(text, {mark == '.' ? ',' : '.', true}).has_value() && text[0] != '0';
@@ -87,7 +87,7 @@ class Sheet::Content {
     recognised_.unitsLine = layout_.unitsLine;
   }
 
-  // The next record of values: below header and units, neither empty nor one of these again.
+  // The next record of values: below header and units, neither empty nor a repetition of them.
   bool nextValues(RecordSource& source, Record& record) const {
     while (source.next(record)) {
       if (record.line >= layout_.firstLine && widthOf(record) > 0 && !isRepeated(record))

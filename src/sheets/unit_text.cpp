@@ -12,7 +12,7 @@
 namespace pelmora::sheets {
 namespace {
 
-// Beside the spellings that units::unitOf() knows.
+// In addition to the spellings that units::unitOf() knows.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 16> spellings{{
     {"lpm", "l/min"},
     {"lph", "l/h"},
@@ -47,7 +47,7 @@ std::string_view unwrapped(std::string_view text) {
   return isWrapped ? trimmed(text.substr(1, text.size() - 2)) : text;
 }
 
-// Where the bracket opens that closes at the end of the text.
+// Where the bracket that closes at the end of the text opens.
 std::size_t openingOf(std::string_view text) {
   const char close = text.empty() ? '\0' : text.back();
   if (close != ']' && close != ')') return std::string_view::npos;

@@ -9,7 +9,7 @@
 
 namespace pelmora::sheets {
 
-// The symbol of a unit as people spell it ("LPM", "deg C", "[l/min]"); empty if it is none.
+// The symbol of a unit as people spell it ("LPM", "deg C", "[l/min]"); empty if it is not known.
 [[nodiscard]] std::string_view unitSymbol(std::string_view text);
 
 // "Flow [l/min]", "Flow (l/min)", "Flow / l/min", "Flow, l/min", "Flow l/min", "Flow_lpm" and

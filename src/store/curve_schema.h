@@ -71,7 +71,7 @@ inline constexpr std::array<const char*, 4> excludedTables{
 inline constexpr const char* standUncertaintyTable = "pelmora_stand_uncertainty";
 // Viscosity laws of fluids, by name.
 inline constexpr const char* fluidLawTable = "pelmora_fluid_law";
-// What certificates state of a calibration and of the laboratory.
+// What certificates state about a calibration and about the laboratory.
 inline constexpr const char* detailTable = "pelmora_detail";
 inline constexpr const char* laboratoryTable = "pelmora_laboratory";
 inline constexpr const char* fitSettingsTable = "pelmora_fit_settings";

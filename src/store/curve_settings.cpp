@@ -4,6 +4,7 @@
 #include "store/connection.h"
 #include "store/curve_schema.h"
 #include "store/field_value.h"
+#include "store/own_rows.h"
 
 #include <pelmora/curve_settings.h>
 #include <pelmora/own_tables.h>
@@ -28,7 +29,6 @@ Value valueOf(const std::optional<double>& number) { return number ? Value(*numb
 Value valueOf(bool flag) { return Value(std::int64_t{flag}); }
 bool flag(const Value& value) { return !isNull(value) && toInt32(value) != 0; }
 
-std::string textOrNothing(const Value& value) { return isNull(value) ? "" : toText(value); }
 Value valueOf(const std::string& text) { return text.empty() ? Value() : Value(text); }
 
 // Names hold no line break.
@@ -76,16 +76,16 @@ std::optional<CurveSettings> keptCurveSettings(const ConnectionPtr& curves, std:
   settings.FittedAt = toText(rows->value("FittedAt"));
   settings.MergeBandPercent = numberOrNothing(laterColumn(*rows, "MergeBand"));
   settings.KeepsOverlap = flag(laterColumn(*rows, "KeepsOverlap"));
-  settings.PointsFingerprint = textOrNothing(laterColumn(*rows, "PointsFingerprint"));
-  settings.CurveFingerprint = textOrNothing(laterColumn(*rows, "CurveFingerprint"));
-  settings.Choice = textOrNothing(laterColumn(*rows, "Choice"));
+  settings.PointsFingerprint = toText(laterColumn(*rows, "PointsFingerprint"));
+  settings.CurveFingerprint = toText(laterColumn(*rows, "CurveFingerprint"));
+  settings.Choice = toText(laterColumn(*rows, "Choice"));
   settings.FitMin = numberOrNothing(laterColumn(*rows, "FitMinRoshko"));
   settings.FitMax = numberOrNothing(laterColumn(*rows, "FitMaxRoshko"));
   settings.Only = listOf(laterColumn(*rows, "OnlyEquations"));
   settings.Without = listOf(laterColumn(*rows, "WithoutEquations"));
   const Value order = laterColumn(*rows, "MaxOrder");
   if (!isNull(order)) settings.MaxOrder = toInt32(order);
-  settings.Spacing = textOrNothing(laterColumn(*rows, "Spacing"));
+  settings.Spacing = toText(laterColumn(*rows, "Spacing"));
   return settings;
 }
 
@@ -118,13 +118,7 @@ void keepCurveSettings(const ConnectionPtr& curves, std::int32_t SeriesID,
                           valueOf(settings.Without),
                           settings.MaxOrder ? Value(std::int64_t{*settings.MaxOrder}) : Value(),
                           valueOf(settings.Spacing)};
-  std::vector<std::string_view> fields;
-  for (const OwnColumn& column : table.Columns) fields.emplace_back(column.Name);
-  // A record set rather than a statement: an equation file may hold apostrophes.
-  curves
-      ->openRecordset(std::string("Select * from ") + fitSettingsTable + " where SeriesID=-1",
-                      CursorType::forwardOnly, LockType::optimistic)
-      ->addRow(fields, values);
+  addOwnRow(*curves, fitSettingsTable, values);
 }
 
 }  // namespace pelmora

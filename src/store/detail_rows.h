@@ -17,7 +17,7 @@ using DetailTexts = std::map<std::string, std::string>;
 // Of the laboratory (pelmora_laboratory).
 [[nodiscard]] DetailTexts readLaboratory(Connection& curves);
 
-// Stores every text of `changes` in place of the one with its name; makes the table if needed.
+// Stores every text of `changes` in place of the one with its name. Creates the table if needed.
 //
 // Errors: Error 3251 if the database cannot have own tables.
 void changeDetails(Connection& curves, std::int32_t MeterID, const DetailTexts& changes);

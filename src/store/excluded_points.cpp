@@ -4,12 +4,11 @@
 #include "base/number_text.h"
 #include "store/curve_schema.h"
 #include "store/field_value.h"
+#include "store/own_rows.h"
 #include "store/reading.h"
-#include "store/table_design.h"
 
 #include <algorithm>
 #include <array>
-#include <string_view>
 
 namespace pelmora {
 namespace {
@@ -21,25 +20,13 @@ std::string rowsOfPart(int part, std::int32_t SeriesID) {
 }
 
 void createTables(Connection& curves) {
-  auto* design = dynamic_cast<TableDesign*>(&curves);
-  constexpr std::int32_t notSupported = 3251;
-  if (design == nullptr)
-    throw Error(notSupported, "Pelmora", "This database cannot keep points that are left out.");
-  for (const char* name : excludedTables) {
-    const SchemaTable& table = schemaTable(name);
-    design->createTable(table.design());
-    for (const TableIndex& index : table.designIndexes()) design->createIndex(index);
-  }
+  for (const char* name : excludedTables)
+    createOwnTable(curves, name, "This database cannot keep points that are left out.");
 }
-
-std::string textOf(const Value& value) { return isNull(value) ? "" : toText(value); }
 
 }  // namespace
 
-bool hasExcludedPoints(Connection& curves) {
-  const auto* design = dynamic_cast<const TableDesign*>(&curves);
-  return design != nullptr && design->hasTable(excludedTables.front());
-}
+bool hasExcludedPoints(Connection& curves) { return hasOwnTable(curves, excludedTables.front()); }
 
 std::vector<ExcludedRow> readExcludedPoints(Connection& curves, int part, std::int32_t SeriesID) {
   std::vector<ExcludedRow> list;
@@ -48,9 +35,9 @@ std::vector<ExcludedRow> readExcludedPoints(Connection& curves, int part, std::i
       readRows(curves, "Select *" + rowsOfPart(part, SeriesID) + " ORDER BY Number ASC");
   for (; !rows->atEnd(); rows->moveNext()) {
     list.push_back({toInt32(rows->value("Number")), rows->value("Roshko"), rows->value("Strouhal"),
-                    textOf(rows->value("Job")), textOf(rows->value("Reason")),
-                    textOf(rows->value("ExcludedBy")), textOf(rows->value("ExcludedAt")),
-                    textOf(rows->value("Rest"))});
+                    toText(rows->value("Job")), toText(rows->value("Reason")),
+                    toText(rows->value("ExcludedBy")), toText(rows->value("ExcludedAt")),
+                    toText(rows->value("Rest"))});
   }
   return list;
 }
@@ -71,9 +58,7 @@ void replaceExcludedPoints(Connection& curves, int part, std::int32_t SeriesID,
   curves.execute("Delete *" + rowsOfPart(part, SeriesID));
   if (rows.empty()) return;
   const auto to = openForBatch(curves, "Select *" + rowsOfPart(part, SeriesID));
-  // In the order of the table's columns.
-  std::vector<std::string_view> fields;
-  for (const OwnColumn& column : schemaTable(tableOf(part)).Columns) fields.push_back(column.Name);
+  const auto fields = columnNames(tableOf(part));
   for (const ExcludedRow& row : rows) {
     const std::array values{Value(std::int64_t{SeriesID}),
                             Value(std::int64_t{row.Number}),

@@ -26,8 +26,8 @@ struct ExcludedRow {
 // part: 1 to 4. By number; none if the tables are missing.
 [[nodiscard]] std::vector<ExcludedRow> readExcludedPoints(Connection& curves, int part,
                                                           std::int32_t SeriesID);
-// Whether the points were left out of a part of which exactly these points remained: so many, with
-// this fingerprint. If not, another program has stored the part again since.
+// Whether a part still has exactly the points that remained when `excluded` was left out: their
+// number and their fingerprint. If not, another program has stored the part again since.
 [[nodiscard]] bool areInForce(const std::vector<ExcludedRow>& excluded, std::size_t restPoints,
                               const std::string& restFingerprint);
 // Makes the tables if there is something to store.

@@ -11,14 +11,14 @@ namespace pelmora {
 
 [[nodiscard]] bool isNull(const Value& value);
 
-// Errors: Error 94 for null, 13 for text that is not a number, 6 out of the type's range. Fractions
-// are
-//         rounded half to even.
+// Fractions are rounded half to even.
+//
+// Errors: Error 94 for null, 13 for text that is not a number, 6 out of the type's range.
 [[nodiscard]] double toDouble(const Value& value);
 [[nodiscard]] std::int32_t toInt32(const Value& value);
 [[nodiscard]] std::int16_t toInt16(const Value& value);
 
-// Not a number for null and for texts.
+// NaN for null and for texts.
 [[nodiscard]] double numberOrNan(const Value& value);
 
 // Null gives an empty text.

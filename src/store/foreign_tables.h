@@ -13,7 +13,7 @@
 namespace pelmora {
 
 struct ForeignTable {
-  OwnTable Design;         // no columns where none can be read
+  OwnTable Design;         // without columns if none can be read
   std::uint64_t Rows = 0;  // as the file itself counts them
 };
 
@@ -26,7 +26,7 @@ struct LeftOut {
   };
   Kind What = Kind::damage;
   std::uint64_t Rows = 0;  // that are missing because of it, if known
-  std::string Place;       // in the table, or in the file outside of a table; may be empty
+  std::string Place;       // in the table or, outside a table, in the file; may be empty
   std::string Reason;
 };
 
@@ -38,7 +38,7 @@ class ForeignTables {
   // In the order of the table's columns.
   virtual void addRow(std::span<const Value> values) = 0;
   virtual void endTable() = 0;
-  // In a table, or outside of all of them.
+  // Inside a table, or between tables if it concerns the whole file.
   virtual void leaveOut(const LeftOut& part) = 0;
 };
 

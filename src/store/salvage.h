@@ -16,8 +16,8 @@ namespace pelmora {
 // the database would do.
 //
 // Errors: Error 53, 70, 75 if `path` cannot be read, 321 if nothing of it is a database, 58
-//         where there is a file at `newPath`, genericFailure where `path` stays locked,
-//         0x80004004 where the patience asked for an end.
+//         if there is a file at `newPath` already, genericFailure if `path` stays locked,
+//         0x80004004 if the patience asked it to stop.
 [[nodiscard]] PELMORA_API SalvageReport salvageDatabase(const std::string& path,
                                                         const std::string& newPath = {},
                                                         const Patience& patience = {});

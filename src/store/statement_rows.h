@@ -19,7 +19,7 @@ struct StatementRow {
 // What a stand contributes to the uncertainty of a calibration; nothing if nothing is stored.
 [[nodiscard]] std::optional<StatementRow> readStandUncertainty(Connection& curves,
                                                                std::int32_t MeterID);
-// In place of an earlier one; nothing removes it. Makes the table if needed.
+// Replaces an earlier one; without a row, removes it. Creates the table if needed.
 //
 // Errors: Error 3251 if the database cannot have own tables.
 void replaceStandUncertainty(Connection& curves, std::int32_t MeterID,
@@ -31,8 +31,10 @@ struct FluidRow {
 
 // Viscosity laws, by name.
 [[nodiscard]] std::vector<FluidRow> readFluidLaws(Connection& curves);
-// In place of one of that name, without regard to case; an empty content removes it. Whether there
-// was one.
+// Replaces the law of that name, without regard to case; empty content removes it. Returns whether
+// there was one. Creates the table if needed.
+//
+// Errors: as for replaceStandUncertainty().
 bool replaceFluidLaw(Connection& curves, const FluidRow& row);
 
 }  // namespace pelmora

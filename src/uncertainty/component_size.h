@@ -15,7 +15,7 @@ struct OperatingPoint {
 
 // The standard uncertainty as a share of its quantity, or in degrees F.
 //
-// Errors: BadData if it is absolute and the value is not known or not above 0.
+// Errors: BadData if it is absolute and the value that it refers to is not known or not above 0.
 [[nodiscard]] double componentSize(const Component& component, const OperatingPoint& at);
 
 }  // namespace pelmora::uncertainty

@@ -219,4 +219,16 @@ void expand(Budget& budget, double probability, double cmcPercent) {
   budget.expandedPercent = size > 0 ? 100 * budget.expanded / size : 0;
 }
 
+void combineRows(Budget& budget, double probability) {
+  std::vector<double> uncertainties, degrees;
+  budget.standardUncertainty = 0;
+  for (const BudgetRow& row : budget.rows) {
+    uncertainties.push_back(row.contribution);
+    degrees.push_back(row.degreesOfFreedom);
+    budget.standardUncertainty = std::hypot(budget.standardUncertainty, row.contribution);
+  }
+  budget.degreesOfFreedom = effectiveDegrees(uncertainties, degrees);
+  expand(budget, probability, 0);
+}
+
 }  // namespace pelmora::uncertainty

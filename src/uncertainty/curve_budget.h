@@ -106,7 +106,9 @@ struct CurveMeasurement {
 // rectangular row dominates, it comes from their distributions (GUM G.1.4, G.6.5).
 inline constexpr double normalEnough = 0.03;
 
-// Completes value, rows, standardUncertainty and degreesOfFreedom of a budget by the rest.
+// Fills in the rest of a budget that has value, rows, standardUncertainty and degreesOfFreedom.
 void expand(Budget& budget, double probability, double cmcPercent);
+// Fills in the rest of a budget that has its value and independent rows. The CMC is 0.
+void combineRows(Budget& budget, double probability);
 
 }  // namespace pelmora::uncertainty

@@ -31,7 +31,7 @@ struct MonteCarloResult {
 };
 
 // Any number of threads gives the same result, because each block of 10,000 trials has a generator
-// of its own, started from MonteCarloOptions. Normal inputs with finite degrees of freedom are
+// of its own, seeded from MonteCarloOptions. Normal inputs with finite degrees of freedom are
 // drawn from Student's distribution; correlated inputs must be normal and are drawn together, with
 // one common scale where they share their degrees of freedom (JCGM 102:2011, 5.3.2).
 //

@@ -63,14 +63,7 @@ Budget pairBudget(double value, Weighed first, Weighed second, SharedBy shared) 
       *same = joined(*same, row, isOneStand ? correlationOf(row, shared) : 0.0);
     }
   }
-  std::vector<double> uncertainties, degrees;
-  for (const BudgetRow& row : budget.rows) {
-    uncertainties.push_back(row.contribution);
-    degrees.push_back(row.degreesOfFreedom);
-    budget.standardUncertainty = std::hypot(budget.standardUncertainty, row.contribution);
-  }
-  budget.degreesOfFreedom = effectiveDegrees(uncertainties, degrees);
-  expand(budget, first.budget->probability, 0);
+  combineRows(budget, first.budget->probability);
   return budget;
 }
 

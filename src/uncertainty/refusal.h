@@ -1,4 +1,4 @@
-// How this folder refuses unusable arguments.
+// How this folder, and folders that build on it, refuse unusable arguments.
 // SPDX-License-Identifier: MIT
 #pragma once
 

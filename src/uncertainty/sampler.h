@@ -32,7 +32,7 @@ class RandomStream {
   bool hasSpare_ = false;
 };
 
-// Draws all inputs together. A value: copies what it needs, one for each thread.
+// Draws all inputs together. A value that copies what it needs; each thread needs its own.
 class Sampler {
  public:
   // Errors: as monteCarlo.

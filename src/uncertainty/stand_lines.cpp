@@ -51,8 +51,8 @@ std::string_view unquoted(std::string_view text) {
   return isQuoted ? text.substr(1, text.size() - 2) : text;
 }
 
-// A text in quotes and a number may be followed by a comment. In any other text, # is a character
-// like all others: "name = Stand #3".
+// A text in quotes or a number may be followed by a comment. In any other text, # is a character
+// like any other: "name = Stand #3".
 std::string_view valueOf(std::string_view text) {
   if (text.empty()) return text;
   if (isQuote(text.front())) {
@@ -67,7 +67,7 @@ std::string_view valueOf(std::string_view text) {
   return comment == std::string_view::npos ? text : withoutBlanks(text.substr(0, comment));
 }
 
-// [SECTION] without the comment behind it.
+// [SECTION] without the comment after it.
 std::string_view headOf(std::string_view line) {
   const auto end = line.rfind(']');
   if (end == std::string_view::npos) return line;

@@ -21,7 +21,7 @@ enum class Quantity {
   temperature,
   pressure,
   length,
-  expansion,  // relative, per difference of temperature
+  expansion,  // relative, per temperature difference
 };
 
 // A value v is (v + offset) numerator / denominator in SI units. Both numbers are the decimal ones

@@ -1,13 +1,12 @@
 // The host's manual, docs/behaviour.md and its pages, names a test for each row, and each is there.
 // SPDX-License-Identifier: MIT
+#include "tests/architecture/sources.h"
 #include "tests/support/places.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -17,16 +16,12 @@
 namespace {
 
 namespace fs = std::filesystem;
+using pelmora::test::textOf;
 
 constexpr std::size_t fewestRows = 400;
 constexpr std::size_t longestPage = 300;
 
 const fs::path root = pelmora::test::sourceFolder();
-
-std::string textOf(const fs::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
 
 // folder/suite.name of every test in these sources.
 std::set<std::string> testNames(const fs::path& tests) {

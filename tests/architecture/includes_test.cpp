@@ -1,10 +1,10 @@
 // The direction of includes: who may look at whom.
 // SPDX-License-Identifier: MIT
+#include "tests/architecture/sources.h"
 #include "tests/support/places.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -105,16 +105,6 @@ fs::path placeOf(const std::string& folder) {
   return fs::exists(inside) ? inside : sourceRoot() / folder;
 }
 
-std::vector<fs::path> sourcesIn(const fs::path& folder) {
-  std::vector<fs::path> files;
-  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-    const std::string extension = entry.path().extension().string();
-    if (extension == ".h" || extension == ".cpp") files.push_back(entry.path());
-  }
-  std::sort(files.begin(), files.end());
-  return files;
-}
-
 struct Include {
   std::string file, target;
   bool quoted;
@@ -123,7 +113,7 @@ struct Include {
 std::vector<Include> includesOf(const fs::path& folder) {
   static const std::regex pattern(R"rx(^\s*#\s*include\s*([<"])([^>"]+)[>"])rx");
   std::vector<Include> includes;
-  for (const fs::path& file : sourcesIn(folder)) {
+  for (const fs::path& file : pelmora::test::sourcesIn(folder)) {
     std::ifstream stream(file);
     for (std::string line; std::getline(stream, line);) {
       std::smatch match;
@@ -215,7 +205,7 @@ TEST(command_line, does_without_the_component) {
     EXPECT_FALSE(component.contains(include.target)) << include.file << ": " << include.target;
 }
 
-// The last series and the last results of a thread are the hosts': nothing of ours stores them.
+// The last series and results of a thread belong to the hosts: our own code never changes them.
 TEST(service_and_python, do_without_the_component) {
   const Names component{"pelmora/pelmora.h", "pelmora/raw_data.h"};
   for (const char* folder : {"calibration", "history", "doctor", "report", "bindings/python"}) {

@@ -8,6 +8,14 @@
 namespace pelmora {
 namespace {
 
+// Source: RFC 3629, section 7.
+TEST(utf8_text, characters_of_every_length_are_appended) {
+  std::string text;
+  for (const char32_t codePoint : {U'\x41', U'\x391', U'\xD55C', U'\x2262', U'\x233B4'})
+    appendUtf8(text, codePoint);
+  EXPECT_EQ(text, "A\xCE\x91\xED\x95\x9C\xE2\x89\xA2\xF0\xA3\x8E\xB4");
+}
+
 TEST(utf8_text, ansi_letters_become_utf8) {
   EXPECT_EQ(utf8FromAnsi("f\xFCnfte Ordnung, 70 \xB0"), "f\xC3\xBCnfte Ordnung, 70 \xC2\xB0");
 }

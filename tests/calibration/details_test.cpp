@@ -1,4 +1,4 @@
-// What certificates state besides the measured numbers: kept beside the curves, and refused.
+// What certificates state in addition to the measured numbers: stored, restored and refused.
 // SPDX-License-Identifier: MIT
 #include "tests/calibration/service_fixture.h"
 

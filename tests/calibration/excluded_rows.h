@@ -1,4 +1,5 @@
-// What the raw tables and the tables of excluded points hold. SPDX-License-Identifier: MIT
+// What the raw tables and the tables of excluded points hold.
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "store/connection.h"

@@ -1,4 +1,4 @@
-// What a fit and the list of points make of points that are left out.
+// How a fit and the list of points treat excluded points.
 // SPDX-License-Identifier: MIT
 #include "tests/calibration/excluded_rows.h"
 
@@ -51,6 +51,7 @@ TEST_F(Exclusions, a_bad_point_stands_out_from_the_others) {
   spoiled(10, 1) *= 1.02;
   db_.storeRaw(meter_, "S", 1, spoiled);
   const auto listed = db_.points(meter_, "S");
+  ASSERT_THAT(listed, SizeIs(24));
   for (const RawPoint& point : listed) {
     ASSERT_TRUE(point.sigmas) << point.number;
     EXPECT_EQ(std::abs(*point.sigmas) > 8, point.number == 11) << point.number;

@@ -1,4 +1,4 @@
-// Points of a stand that are left out, and what becomes of them when jobs are imported again.
+// Excluded points of a stand, and what happens to them when jobs are imported again.
 // SPDX-License-Identifier: MIT
 #include "tests/calibration/excluded_rows.h"
 #include "tests/support/stand_export.h"

@@ -35,7 +35,7 @@ TEST_F(service_flows, are_what_the_stand_measured) {
     const double measured = v(2) / v(1);
     const ServiceFlow flow = flowOf(a, b, nullptr, reading);
     if (flow.rotor.isExtrapolated || flow.rotorB->isExtrapolated) continue;
-    // The points that the merge cuts lie off the common curve.
+    // Below this, the merge has cut points, which lie off the common curve.
     if (flow.rotor.roshko < 100) continue;
     EXPECT_NEAR(flow.flow / measured, 1, 0.002);
     EXPECT_NEAR(flowOf(a, reading).flow / measured, 1, 0.002);
@@ -55,7 +55,7 @@ TEST_F(service_flows, of_two_rotors_need_no_viscosity) {
   PointArray a(count), b(count), sum(count);
   for (std::size_t i = 0; i < count; ++i) {
     const double x = 10 * std::pow(100, static_cast<double>(i) / (count - 1));
-    double y = x;  // where rotor B is in the same flow: x / A(x) = y / B(y)
+    double y = x;  // the Roshko number of rotor B in the same flow: x / A(x) = y / B(y)
     for (int k = 0; k < 200; ++k) y = rotorB(y) * x / rotorA(x);
     a(i, 0) = x, a(i, 1) = rotorA(x);
     b(i, 0) = y, b(i, 1) = rotorB(y);
@@ -73,7 +73,7 @@ TEST_F(service_flows, of_two_rotors_need_no_viscosity) {
   EXPECT_TRUE(flow.isViscosityOfQuotient);
   EXPECT_NEAR(flow.viscosity, viscosity, 0.02);
   EXPECT_NEAR(flow.flow / (viscosity * a(30, 0) / a(30, 1)), 1, 1e-3);
-  // Nobody measured the viscosity, and its uncertainty is part of U all the same.
+  // The viscosity was not measured, but its uncertainty is part of U.
   const auto& rows = flow.budget->rows;
   EXPECT_TRUE(std::ranges::any_of(rows, [](const BudgetRow& row) {
     return row.cause == "viscosity" && row.label.ends_with("quotient of the rotors") &&

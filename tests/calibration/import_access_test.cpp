@@ -9,6 +9,14 @@
 #include <pelmora/calibration/failure.h>
 #include <pelmora/calibration/import_access.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <string>
+#include <vector>
+
 namespace pelmora::test {
 namespace {
 
@@ -20,13 +28,31 @@ std::string oldFile(const std::string& name) {
   return sourceFolder() + "/tests/data/access/" + name;
 }
 
+constexpr std::size_t pageSize = 4096;
+constexpr char definitionOfRaw1 = 60, definitionOfTheListOfTables = 2;
+
+// Where the pages begin that hold the rows of the table whose definition is on page `definition`.
+std::vector<std::size_t> rowPages(const std::string& bytes, char definition) {
+  std::vector<std::size_t> pages;
+  for (std::size_t at = 0; at < bytes.size(); at += pageSize) {
+    if (bytes.compare(at, 2, "\x01\x01") == 0 &&
+        bytes.compare(at + 4, 4, std::string{definition, '\0', '\0', '\0'}) == 0)
+      pages.push_back(at);
+  }
+  return pages;
+}
+
+void zeroPage(std::string& bytes, std::size_t at) {
+  std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), pageSize, '\0');
+}
+
 class import_access : public testing::Test {
  protected:
   const ScratchFolder scratch;
   const std::string curves = scratch.file("curves.db");
 };
 
-TEST_F(import_access, brings_every_row_over_with_its_ids) {
+TEST_F(import_access, copies_every_row_with_its_ids) {
   const cal::ProofSheet sheet = cal::importAccess(oldFile("curves.mdb"), curves);
   EXPECT_TRUE(sheet.isComplete());
   EXPECT_THAT(sheet.missing, IsEmpty());
@@ -55,7 +81,7 @@ TEST_F(import_access, counts_rows_as_the_file_and_the_new_database_do) {
   EXPECT_EQ(rows["CalDataPoint"], 83U);
 }
 
-TEST_F(import_access, what_comes_over_can_be_used_and_changed) {
+TEST_F(import_access, the_copied_database_can_be_used_and_changed) {
   (void)cal::importAccess(oldFile("curves.mdb"), curves);
   cal::Database lab = cal::open(curves);
   const cal::Meter meter = lab.registerMeter("NEW-1");
@@ -65,16 +91,9 @@ TEST_F(import_access, what_comes_over_can_be_used_and_changed) {
 
 TEST_F(import_access, lists_what_a_damaged_file_has_lost) {
   std::string bytes = readWholeFile(oldFile("curves.mdb"));
-  // The first page of raw1's rows: a page of rows that belongs to the definition on page 60.
-  std::size_t zeroed = 0;
-  for (std::size_t at = 0; at < bytes.size() && zeroed == 0; at += 4096) {
-    if (bytes.compare(at, 2, "\x01\x01") != 0 ||
-        bytes.compare(at + 4, 4, std::string("\x3C\0\0\0", 4)) != 0)
-      continue;
-    std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), 4096, '\0');
-    ++zeroed;
-  }
-  ASSERT_EQ(zeroed, 1U);
+  const std::vector<std::size_t> pages = rowPages(bytes, definitionOfRaw1);
+  ASSERT_FALSE(pages.empty());
+  zeroPage(bytes, pages.front());
   std::ofstream(scratch.file("damaged.mdb"), std::ios::binary) << bytes;
   const cal::ProofSheet sheet = cal::importAccess(scratch.file("damaged.mdb"), curves);
   EXPECT_FALSE(sheet.isComplete());
@@ -82,23 +101,21 @@ TEST_F(import_access, lists_what_a_damaged_file_has_lost) {
   EXPECT_EQ(sheet.missing[0].table, "raw1");
   EXPECT_THAT(sheet.missing[0].reason, HasSubstr("is damaged"));
   EXPECT_THAT(sheet.missing[1].reason, HasSubstr("the file counts 173 rows"));
+  ASSERT_EQ(sheet.tables.size(), curveTables().size());
   for (const cal::ProofTable& table : sheet.tables)
-    EXPECT_EQ(table.isWhole(), table.name != "raw1");
+    EXPECT_EQ(table.isWhole(), table.name != "raw1") << table.name;
 }
 
 TEST_F(import_access, shows_rows_that_belong_to_nothing_because_of_a_changed_id) {
   std::string bytes = readWholeFile(oldFile("curves.mdb"));
-  // The first row of the first page of raw1: its number of columns, then seriesID.
-  for (std::size_t at = 0; at < bytes.size(); at += 4096) {
-    if (bytes.compare(at, 2, "\x01\x01") != 0 ||
-        bytes.compare(at + 4, 4, std::string("\x3C\0\0\0", 4)) != 0)
-      continue;
-    const std::size_t row = at + static_cast<unsigned char>(bytes[at + 14]) +
-                            256U * static_cast<unsigned char>(bytes[at + 15]);
-    ASSERT_EQ(bytes[row], 3);
-    bytes[row + 3] = 7;
-    break;
-  }
+  const std::vector<std::size_t> pages = rowPages(bytes, definitionOfRaw1);
+  ASSERT_FALSE(pages.empty());
+  // The first row of the first page: its number of columns, then seriesID.
+  const std::size_t at = pages.front();
+  const std::size_t row = at + static_cast<unsigned char>(bytes[at + 14]) +
+                          256U * static_cast<unsigned char>(bytes[at + 15]);
+  ASSERT_EQ(bytes[row], 3);
+  bytes[row + 3] = 7;
   std::ofstream(scratch.file("damaged.mdb"), std::ios::binary) << bytes;
   const auto problemsOf = [&](const std::string& file, const std::string& database) {
     std::vector<std::string> ids;
@@ -123,7 +140,7 @@ TEST_F(import_access, counts_the_tables_of_a_file_without_a_curve_database) {
     (void)cal::importAccess(oldFile("types.mdb"), curves);
     ADD_FAILURE() << "imported";
   } catch (const cal::NoCurveDatabase& other) {
-    // The writer of the file counted them, in the README of the data.
+    // As the program that wrote the file counted them; see the README of the data.
     std::map<std::string, std::uint64_t> rows;
     for (const cal::ProofTable& table : other.sheet().otherTables) {
       EXPECT_EQ(table.expected, table.read) << table.name;
@@ -137,12 +154,9 @@ TEST_F(import_access, counts_the_tables_of_a_file_without_a_curve_database) {
 
 TEST_F(import_access, damage_that_hides_all_tables_is_named) {
   std::string bytes = readWholeFile(oldFile("curves.mdb"));
-  // The first page of the list of tables: a page of rows that belongs to the definition on page 2.
-  for (std::size_t at = 0; at < bytes.size(); at += 4096) {
-    if (bytes.compare(at, 2, "\x01\x01") == 0 &&
-        bytes.compare(at + 4, 4, std::string("\x02\0\0\0", 4)) == 0)
-      std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), 4096, '\0');
-  }
+  const std::vector<std::size_t> pages = rowPages(bytes, definitionOfTheListOfTables);
+  ASSERT_FALSE(pages.empty());
+  for (const std::size_t at : pages) zeroPage(bytes, at);
   std::ofstream(scratch.file("damaged.mdb"), std::ios::binary) << bytes;
   try {
     (void)cal::importAccess(scratch.file("damaged.mdb"), curves);

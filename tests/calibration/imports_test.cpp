@@ -95,7 +95,7 @@ TEST_F(Imports, a_stand_found_damaged_when_it_is_read_is_named) {
                                        pelmora::test::exportLine("7") + ")");
   const Stand stand(file);
   std::fstream bytes(file, std::ios::in | std::ios::out | std::ios::binary);
-  bytes.seekp(24) << "newer";  // the count of changes: whoever has read the file reads it again
+  bytes.seekp(24) << "newer";  // the count of changes, so that every reader reads the file again
   bytes.seekp(4096) << "no page of a table";
   bytes.close();
   const auto failure = failureOf<Damaged>([&] {

@@ -1,4 +1,4 @@
-// What the stand measured at each point, listed beside it.
+// The readings of the stand, listed with each point.
 // SPDX-License-Identifier: MIT
 #include "tests/calibration/service_fixture.h"
 
@@ -47,12 +47,16 @@ TEST_F(Readings, stay_with_their_points_when_one_is_excluded) {
   const auto before = db_.points(meter_, "Rotor A");
   db_.exclude(meter_, "Rotor A", {.part = 1, .numbers = {1}}, "air");
   const auto now = db_.points(meter_, "Rotor A");
+  ASSERT_EQ(before.size(), 24U);  // as many as the job has
   ASSERT_EQ(now.size(), before.size());
-  for (std::size_t i = 0; i < now.size(); ++i)
+  for (std::size_t i = 0; i < now.size(); ++i) {
+    ASSERT_TRUE(before[i].reading && now[i].reading) << i;
+    ASSERT_TRUE(before[i].reading->flow) << i;
     EXPECT_EQ(now[i].reading->flow, before[i].reading->flow) << i;
+  }
 }
 
-TEST_F(Readings, are_absent_for_points_of_no_stand) {
+TEST_F(Readings, are_absent_for_points_that_did_not_come_from_a_stand) {
   db_.storeRaw(meter_, "K", 1, smoothPoints(5));
   EXPECT_FALSE(db_.points(meter_, "K")[0].reading.has_value());
 }

@@ -174,7 +174,7 @@ TEST_F(Refits, change_the_settings_that_are_kept_and_keep_the_new_ones) {
   EXPECT_GE(stored.curve(0, 0), 20);
   EXPECT_EQ(stored.settings->FitMin, 20);
   EXPECT_FALSE(db_.refit({{meter_, "A"}}, options).results[0].isStored);
-  // A rule that chooses the same equation is kept, too.
+  // The rule is also kept if it chooses the same equation as before.
   RefitOptions rule;
   rule.change.choice = Choice::adjustedR2;
   (void)db_.refit({{meter_, "B"}}, rule);

@@ -1,4 +1,4 @@
-// Every member without a database: the error box of its operation, and its result as told.
+// Every member without a database: the error box of its operation, and its documented result.
 // SPDX-License-Identifier: MIT
 #include "tests/component/component_fixture.h"
 

@@ -125,7 +125,7 @@ TEST(dcc_check, names_the_line) {
   EXPECT_EQ(found[0].line, static_cast<std::size_t>(line));
 }
 
-TEST(dcc_check, refuses_what_is_no_certificate) {
+TEST(dcc_check, refuses_what_is_not_a_certificate) {
   EXPECT_THROW((void)checkCertificate("<a/>", ""), calibration::BadData);
   EXPECT_THROW((void)checkCertificate("", ""), calibration::BadData);
   EXPECT_THROW((void)checkCertificate("{}", ""), calibration::BadData);

@@ -14,6 +14,8 @@ TEST(dcc_units, exist_for_every_unit_of_ours) {
     const CertificateUnit& stated = certificateUnit(unit.symbol);
     EXPECT_TRUE(isSiUnit(stated.si)) << stated.si;
     EXPECT_EQ(units::unitOf(stated.convertedTo).quantity, unit.quantity);
+    // The notation is that of the unit in which the numbers are.
+    EXPECT_EQ(stated.si, certificateUnit(stated.convertedTo).si) << unit.symbol;
   }
 }
 

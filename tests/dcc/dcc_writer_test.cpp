@@ -1,4 +1,4 @@
-// The XML of a certificate, by its schema where that is there, and by what it says.
+// The XML of a certificate: its contents and, if the schema is at hand, its form.
 // SPDX-License-Identifier: MIT
 #include "dcc/dcc_writer.h"
 

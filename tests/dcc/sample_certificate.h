@@ -1,4 +1,4 @@
-// A certificate of a meter in two fluids, invented.
+// An invented certificate of a meter calibrated in two fluids.
 // SPDX-License-Identifier: MIT
 #pragma once
 

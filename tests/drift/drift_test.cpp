@@ -47,6 +47,7 @@ TEST(shift, is_refused_without_any_uncertainty) {
   const std::string flow = "[flow]\nstandard = 0.04 %\n";
   EXPECT_THROW((void)shiftBetween(budgetOf(1300, 0, flow), budgetOf(1300, 0, flow)),
                calibration::BadData);
+  EXPECT_THROW((void)shiftBetween({}, budgetOf(1300, 0.02)), calibration::BadData);
 }
 
 // The flow-rate example of the e-Handbook, 6.3.2.2: ten values, mean 50.81, mean moving range
@@ -60,14 +61,18 @@ TEST(control_limits, reproduce_the_example_of_the_handbook) {
   EXPECT_FALSE(limits.isFromUncertainty);
 }
 
-TEST(control_limits, are_never_narrower_than_one_calibration_is_certain) {
+TEST(control_limits, are_never_narrower_than_the_uncertainty_of_a_calibration) {
   const std::array values{1300.0, 1300.1, 1300.0, 1300.1, 1300.0, 1300.1};
   const ControlLimits quiet = controlLimits(values, 0.5);
   EXPECT_TRUE(quiet.isFromUncertainty);
   EXPECT_DOUBLE_EQ(quiet.sigma, 0.5);
   const std::array few{1300.0, 1300.1};
   EXPECT_TRUE(controlLimits(few, 0.5).isFromUncertainty);
+  const ControlLimits wide = controlLimits(std::array{1300.0, 1301.0}, 0.5);
+  EXPECT_TRUE(wide.isFromUncertainty);       // two calibrations are too few
+  EXPECT_NEAR(wide.sigma, 1 / 1.128, 5e-4);  // the handbook's d2 of two values
   EXPECT_THROW((void)controlLimits(std::array{1300.0}, 0.5), calibration::BadData);
+  EXPECT_THROW((void)controlLimits(std::array{1300.0, std::nan("")}, 0.5), calibration::BadData);
 }
 
 TEST(independent_part, leaves_out_what_calibrations_share) {

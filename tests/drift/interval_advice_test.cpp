@@ -13,7 +13,8 @@
 namespace pelmora::drift {
 namespace {
 
-// One a year: a drift in per cent of 1000 per year, and an independent uncertainty in per cent.
+// One calibration a year: its value in per cent above 1000, and the independent uncertainty of each
+// in per cent.
 std::vector<Calibrated> history(const std::vector<double>& percent, double independent) {
   std::vector<Calibrated> made;
   for (std::size_t i = 0; i < percent.size(); ++i) {
@@ -36,6 +37,7 @@ TEST(interval_advice, is_the_time_until_drift_and_scatter_reach_the_limit) {
   EXPECT_NEAR(advice.rateUncertainty, 0.01 / std::sqrt(10.0), 1e-9);
   const double k = uncertainty::coverageFactor(uncertainty::twoSigmaProbability, 3);
   EXPECT_DOUBLE_EQ(advice.coverageFactor, k);
+  EXPECT_NEAR(k, 3.31, 5e-3);  // GUM, table G.2: 95.45 %, 3 degrees of freedom
   const double t = advice.years;
   EXPECT_NEAR(0.05 * t + k * std::hypot(0.01 / std::sqrt(10.0) * t, 0.01), 0.12, 1e-9);
   EXPECT_GT(t, 1);
@@ -63,6 +65,9 @@ TEST(interval_advice, takes_three_calibrations_and_a_limit) {
   auto mixed = history({0, 0.1, 0.1}, 0.01);
   mixed[2].years = 2000;
   EXPECT_THROW((void)adviseInterval(mixed, {.limitPercent = 1}), calibration::BadData);
+  auto zero = history({0, 0.1, 0.1}, 0.01);
+  zero[0].budget.value = 0;
+  EXPECT_THROW((void)adviseInterval(zero, {.limitPercent = 1}), calibration::BadData);
 }
 
 }  // namespace

@@ -153,7 +153,7 @@ TEST_F(certificate, digital_one_passes_the_rules_and_the_schema) {
             0);
 }
 
-// Every number of the curves, and every K of the points, stands on the page with the same digits.
+// Every number of the curves, and every K of the points, is on the page with the same digits.
 TEST_F(certificate, digital_one_has_the_digits_of_the_page) {
   recordEverything();
   const std::string xml = written("m1.xml"), page = written("m1.html");

@@ -9,12 +9,14 @@
 #include <nlohmann/json.hpp>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -95,7 +97,7 @@ class CommandTest : public testing::Test {
  private:
   [[nodiscard]] CommandResult run(const Arguments& arguments, const std::string& redirects) const {
 #ifdef __SANITIZE_ADDRESS__
-    // The rooms' own tests look for leaks; the search takes as long as a command.
+    // Leaks are left to the tests of the rooms: here the search would take as long as a command.
     std::string line = "ASAN_OPTIONS=detect_leaks=0 " + quoted(PELMORA_PROGRAM);
 #else
     std::string line = quoted(PELMORA_PROGRAM);
@@ -116,7 +118,7 @@ class CommandTest : public testing::Test {
   }
 };
 
-// Rows of an example file by column name.
+// The rows of an example file, its header first.
 inline std::vector<std::vector<std::string>> rowsOf(const std::string& path) {
   std::vector<std::vector<std::string>> rows;
   std::ifstream file(path);
@@ -126,6 +128,12 @@ inline std::vector<std::vector<std::string>> rowsOf(const std::string& path) {
     for (std::string field; std::getline(fields, field, ',');) rows.back().push_back(field);
   }
   return rows;
+}
+
+inline std::size_t columnOf(const std::vector<std::string>& header, const std::string& name) {
+  const auto found = std::find(header.begin(), header.end(), name);
+  if (found == header.end()) throw std::out_of_range("no column " + name);
+  return static_cast<std::size_t>(found - header.begin());
 }
 
 }  // namespace pelmora::test

@@ -1,4 +1,4 @@
-// A meter over its calibrations.
+// The drift of a meter over its calibrations.
 // SPDX-License-Identifier: MIT
 #include "tests/end_to_end/command.h"
 
@@ -16,13 +16,11 @@ using testing::HasSubstr;
 class drift : public CommandTest {
  protected:
   drift() { init(); }
-  // The example stand a year later, its flow too large by `percent`.
+  // The example stand with the flow of every point larger by `percent`.
   std::string shiftedStand(double percent) const {
     std::string text;
     const auto rows = rowsOf(data("stand-dual-rotor.csv"));
-    const auto& head = rows.front();
-    const auto flow =
-        static_cast<std::size_t>(std::find(head.begin(), head.end(), "V2") - head.begin());
+    const std::size_t flow = columnOf(rows.front(), "V2");
     for (std::size_t i = 0; i < rows.size(); ++i) {
       for (std::size_t c = 0; c < rows[i].size(); ++c) {
         std::ostringstream cell;

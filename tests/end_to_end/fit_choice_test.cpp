@@ -1,4 +1,4 @@
-// Which curve a fit chooses, of which points and equations, and what it refuses to store.
+// Which curve a fit chooses, from which points and equations, and what it refuses to store.
 // SPDX-License-Identifier: MIT
 #include "tests/end_to_end/command.h"
 
@@ -12,8 +12,6 @@ namespace {
 using nlohmann::json;
 using testing::AllOf;
 using testing::Contains;
-using testing::Each;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -84,7 +82,7 @@ TEST_F(fit_choice, is_by_trust_unless_another_rule_is_asked_for) {
   const json fit = fitted({});
   EXPECT_EQ(fit["choose"], "trusted");
   EXPECT_FALSE(fit["reference"].is_null());
-  EXPECT_EQ(fit["chosen"], "Polynomial 1st Order");  // which made the points
+  EXPECT_EQ(fit["chosen"], "Polynomial 1st Order");  // the points were made with it
   EXPECT_LT(worstPercent(fit["curve"]), 0.03);
   EXPECT_EQ(kept()["choose"], "trusted");
   const json byR2 = fitted({"--choose", "adjusted-r2"});
@@ -158,7 +156,9 @@ TEST_F(fit_choice, of_a_curve_with_a_warning_is_stored_unless_it_must_not_be) {
   const CommandResult refit =
       run({"refit", curves, "--meter", "P", "--strict", "--json", "--choose", "trusted"});
   EXPECT_EQ(refit.exitCode, 6);
-  for (const json answer = refit.json(); const json& series : answer["series"]) {
+  const json answer = refit.json();
+  ASSERT_THAT(answer["series"], SizeIs(2));
+  for (const json& series : answer["series"]) {
     const bool isBad = series["series"] == "Spoiled";
     EXPECT_EQ(series["outcome"], isBad ? "notFitted" : "added") << series;
   }
@@ -246,7 +246,7 @@ TEST_F(fit_choice, is_among_the_equations_that_are_listed) {
                     HasSubstr("'Reference curve'")));
 }
 
-TEST_F(fit_choice, begins_ones_own_list_of_equations) {
+TEST_F(fit_choice, starts_a_list_of_your_own_equations) {
   const std::string file = scratch.file("own.txt");
   done({"equations", "--write", file});
   const json fit = fitted({"--equations", file, "--without", "Reference curve"});
@@ -254,36 +254,6 @@ TEST_F(fit_choice, begins_ones_own_list_of_equations) {
   EXPECT_THAT(trouble(2, {"equations", "--write", file}), HasSubstr("already"));
   EXPECT_EQ(done({"equations", "--equations", file, "--json"}).json()["equations"],
             done({"equations", "--json"}).json()["equations"]);
-}
-
-// What an engineer types after the first command is what the one before suggests.
-TEST_F(fit_choice, leads_from_a_spoiled_file_to_a_curve_in_three_suggested_commands) {
-  const auto suggestedIn = [](const std::string& output, const std::string& command) {
-    const std::size_t at = output.find("pelmora " + command);
-    EXPECT_NE(at, std::string::npos) << output;
-    return at == std::string::npos ? std::string() : output.substr(at, output.find('\n', at) - at);
-  };
-  const auto typed = [&](const std::string& line) {
-    const std::string output = scratch.file("typed.txt");
-    const std::string program = "'" + std::string(PELMORA_PROGRAM) + "'";
-    const std::string shell = program + line.substr(std::string("pelmora").size());
-    EXPECT_EQ(std::system((shell + " >'" + output + "' 2>&1").c_str()), 0) << line;
-    return contentsOf(output);
-  };
-  const std::string imported = done({"raw", curves, scratch.file("Spoiled.csv"), "--meter", "New",
-                                     "--register", "--series", "Rotor A"})
-                                   .output;
-  const std::string fitted = typed(suggestedIn(imported, "fit"));
-  EXPECT_THAT(fitted, HasSubstr("Point 18 of part 1"));
-  const std::string excluded = typed(suggestedIn(fitted, "exclude"));
-  (void)typed(suggestedIn(excluded, "refit"));
-  const json shown =
-      done({"show", curves, "--meter", "New", "--series", "Rotor A", "--json"}).json();
-  EXPECT_EQ(shown["curveAge"], "current");
-  ASSERT_THAT(shown["excluded"], SizeIs(1));
-  EXPECT_EQ(shown["excluded"][0]["number"], 18);
-  EXPECT_THAT(shown["excluded"][0]["reason"].get<std::string>(), HasSubstr("off its neighbours"));
-  EXPECT_LT(worstPercent(shown["curve"]), 0.03);
 }
 
 }  // namespace

@@ -75,6 +75,9 @@ TEST_F(flow_table, comes_in_the_form_and_the_units_that_the_flow_computer_takes)
   EXPECT_NEAR(row[1].get<double>() * 3.785411784 / strouhal, 1, 1e-9);
   const json uvc = jsonOf("Rotor A", {"--for", "uvc", "--points", "10"});
   EXPECT_EQ(uvc["y"]["name"], "K factor");
+  const json& point = uvc["values"][4];
+  const double same = valueAt("Rotor A", point[0].get<double>())["strouhal"].get<double>();
+  EXPECT_NEAR(point[1].get<double>() / same, 1, 1e-9);
   EXPECT_THAT(trouble(5, of("Rotor A", {"--for", "linear"})), HasSubstr("one fluid"));
   EXPECT_THAT(trouble(5, of("Ratio", {"--for", "uvc"})), HasSubstr("quotient"));
 }

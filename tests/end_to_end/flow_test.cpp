@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/end_to_end/command.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace pelmora::test {
@@ -131,17 +130,15 @@ TEST_F(flow, beyond_the_curve_has_no_uncertainty) {
               HasSubstr("beyond the calibrated range"));
 }
 
-// Job 1001 of the example stand: what the stand measured, V2 / V1, is what both rotors show.
+// Job 1001 of the example stand: both rotors show the flow that the stand measured, V2 / V1.
 TEST_F(flow, by_both_rotors_is_what_the_stand_measured) {
   done(twoFluids());
   const auto rows = rowsOf(data("stand-dual-rotor.csv"));
-  const auto column = [&](const std::string& name) {
-    const auto& head = rows.front();
-    return static_cast<std::size_t>(std::find(head.begin(), head.end(), name) - head.begin());
-  };
   const auto& row = rows[6];
-  const auto v = [&](int n) { return std::stod(row[column("V" + std::to_string(n))]); };
-  ASSERT_EQ(row[column("JobRecordID")], "1001");
+  const auto v = [&](int n) {
+    return std::stod(row[columnOf(rows.front(), "V" + std::to_string(n))]);
+  };
+  ASSERT_EQ(row[columnOf(rows.front(), "JobRecordID")], "1001");
   const Arguments arguments{"flow",          curves,
                             "--meter",       "M1",
                             "--frequency",   std::to_string(v(4) / v(3)),

@@ -16,8 +16,8 @@ class import_access_command : public CommandTest {
   static std::string accessFile(const std::string& name) {
     return data("../../tests/data/access/" + name);
   }
-  // A copy of the file with a page of zeros in place of the first page of raw1's rows: a page of
-  // rows (1, 1) of the table that page 60 defines.
+  // A copy of the file in which the first page with rows of raw1 is zeros. Such a page begins with
+  // the bytes 1, 1 and names the page that defines its table: for raw1, page 60.
   [[nodiscard]] std::string damagedFile() const {
     std::string bytes = contentsOf(accessFile("curves.mdb"));
     for (std::size_t at = 0; at < bytes.size(); at += 4096) {
@@ -41,7 +41,7 @@ TEST_F(import_access_command, proves_that_every_row_of_the_file_was_written) {
   const auto sheet = done({"import-access", accessFile("curves.mdb"), curves, "--json"}).json();
   EXPECT_TRUE(sheet["complete"]);
   EXPECT_TRUE(sheet["missing"].empty());
-  // The writer of the file counted them, in the README of the data.
+  // The rows of the CSV files beside it, which come from the same run of the generator.
   const std::map<std::string, std::uint64_t> rows{
       {"meter", 5},          {"masterMeterList", 1}, {"series", 4},
       {"raw1", 173},         {"raw2", 173},          {"raw3", 0},
@@ -56,7 +56,7 @@ TEST_F(import_access_command, proves_that_every_row_of_the_file_was_written) {
 
 TEST_F(import_access_command, keeps_ids_and_numbers_as_the_file_has_them) {
   done({"import-access", accessFile("curves.mdb"), curves});
-  // On standard error: in the file, the merged points of this series are not those of its parts.
+  // Prints a note: the merged points in the file do not come from the parts of this series.
   const auto shown =
       run({"show", curves, "--meter", "TF-10021", "--series", "TF-10021 recal 2", "--json"}).json();
   EXPECT_EQ(shown["seriesId"], 2);

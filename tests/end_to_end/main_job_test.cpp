@@ -118,7 +118,7 @@ TEST_F(main_job, tells_the_same_as_text_and_as_json) {
 
 TEST_F(main_job, writes_tables_of_80_columns) {
   init();
-  // A short name: the path of a file is never broken. Nor is a command to copy.
+  // A short name, because the path of a file is never broken. Nor is a command to copy.
   const std::string before = std::filesystem::current_path().string();
   std::filesystem::current_path(scratch.path());
   Arguments arguments = twoFluids();

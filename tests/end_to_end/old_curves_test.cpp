@@ -1,5 +1,4 @@
-// A curve that is older than its points, and points that were left out, are shown wherever they
-// matter.
+// Commands that read a curve say if it is older than its points, and which points were left out.
 // SPDX-License-Identifier: MIT
 #include "tests/end_to_end/command.h"
 
@@ -19,7 +18,7 @@ using testing::Not;
 using testing::SizeIs;
 using testing::StartsWith;
 
-// Meter M1 calibrated twice; then a point of Rotor A is left out, so that its curve is old.
+// Meter M1 is calibrated twice. Then a point of Rotor A is excluded, which makes its curve old.
 class old_curve : public CommandTest {
  protected:
   old_curve() {
@@ -79,7 +78,9 @@ TEST_F(old_curve, is_a_member_of_the_json) {
   EXPECT_EQ(jsonOf(all[2])["curveAge"], "outdated");
   EXPECT_EQ(jsonOf(all[3])["curveAge"], "outdated");
   EXPECT_EQ(jsonOf(all[3])["earlierCurveAge"], "current");
-  for (const json report = jsonOf(all[4]); const json& series : report["series"])
+  const json shown = jsonOf(all[4])["series"];
+  ASSERT_THAT(shown, SizeIs(4));
+  for (const json& series : shown)
     EXPECT_EQ(series["curveAge"], series["name"] == "Rotor A" ? "outdated" : "current");
   const json series = reported();
   EXPECT_EQ(series["curveAge"], "outdated");

@@ -37,7 +37,7 @@ class refit : public CommandTest {
     return done(arguments).json();
   }
   json stored(const std::string& meter, const std::string& series) const {
-    // A curve that is older than its points is noted on standard error.
+    // Not done(), which allows no note about a curve that is older than its points.
     return run({"show", curves, "--meter", meter, "--series", series, "--json"}).json();
   }
   static std::size_t countOf(const json& result, const std::string& outcome) {
@@ -145,7 +145,7 @@ TEST_F(refit, of_a_dry_run_changes_nothing) {
   EXPECT_EQ(stored("G2", "T"), before);
 }
 
-// The rule of the curve is kept, and it has no other curve to offer.
+// The refit keeps the rule of the curve. This one has no reference curve to fall back on.
 TEST_F(refit, leaves_the_curve_where_no_equation_passes) {
   done({"fit", curves, "--meter", "G4", "--series", "S", "--choose", "adjusted-r2"});
   all();

@@ -46,7 +46,7 @@ class RunningCommand {
     mostMemory_ = usage.ru_maxrss;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
   }
-  // The most memory that it had, in KiB; known after its end.
+  // Peak memory in KiB. Known after end().
   [[nodiscard]] long mostMemory() const { return mostMemory_; }
 
  private:

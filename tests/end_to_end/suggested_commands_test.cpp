@@ -1,4 +1,4 @@
-// From a file with a spoiled point to a curve to trust, with the commands that the tool suggests.
+// From a file with a spoiled point to a sound curve, by the commands that the program suggests.
 // SPDX-License-Identifier: MIT
 #include "tests/end_to_end/command.h"
 
@@ -31,7 +31,7 @@ class suggested_commands : public CommandTest {
     }
     return write("points.csv", text);
   }
-  // The last command in what was printed that begins with these words.
+  // The last printed command that begins with these words.
   static std::string suggestionIn(const std::string& printed, const std::string& words) {
     const std::size_t at = printed.rfind("pelmora " + words);
     if (at != std::string::npos) return printed.substr(at, printed.find('\n', at) - at);
@@ -68,7 +68,8 @@ TEST_F(suggested_commands, lead_from_a_spoiled_file_to_a_curve_without_its_bad_p
   EXPECT_THAT(series["merged"], SizeIs(21));
   ASSERT_THAT(series["excluded"], SizeIs(1));
   EXPECT_EQ(series["excluded"][0]["number"], 14);
-  EXPECT_THAT(series["excluded"][0]["reason"].get<std::string>(), HasSubstr("sigma"));
+  EXPECT_THAT(series["excluded"][0]["reason"].get<std::string>(),
+              HasSubstr("sigma off its neighbours"));
   for (const json& row : series["curve"]) {
     const double x = row[0];
     EXPECT_NEAR(row[1].get<double>() / truth(x), 1, 0.001) << x;

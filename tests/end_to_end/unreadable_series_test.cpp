@@ -119,7 +119,7 @@ TEST_F(unreadable_series, of_a_calibration_without_a_number_are_not_left_out) {
   EXPECT_EQ(run({"refit", curves, "--all"}).exitCode, 5);
 }
 
-// The import derives the parts of its own runs again; a further part stays as it is.
+// The import derives the parts of its own runs again. Another part stays as it is.
 TEST_F(unreadable_series, among_those_that_an_import_derives_end_a_calibration_with_a_name) {
   done(twoFluids());
   done({"raw", curves, write("p.csv", "1,2\n3,4\n"), "--meter", "M1", "--series", "Rotor B",

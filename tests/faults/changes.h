@@ -2,41 +2,32 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/file_bytes.h"
 #include "tests/support/places.h"
 
 #include <pelmora/calibration.h>
 
 #include <cstdint>
 #include <cstdlib>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <string>
 #include <vector>
 
 namespace pelmora::test {
 
-// How many different faults of a kind each call meets where chance plays a part. Without the
-// variable, a shorter run: one, and not at every call.
+// Where chance plays a part, this many different faults of a kind meet each call. Without the
+// variable the run is short: one fault, and not at every call.
 inline std::uint32_t faultRounds() {
   const char* text = std::getenv("PELMORA_FAULT_ROUNDS");
   return text == nullptr ? 1 : static_cast<std::uint32_t>(std::stoul(text));
 }
-// From a call that is interrupted to the next one.
+// The distance from one interrupted call to the next.
 inline std::size_t callsApart() { return std::getenv("PELMORA_FAULT_ROUNDS") == nullptr ? 5 : 1; }
 
 struct InterruptedChange {
   std::string name;
   std::function<void(calibration::Database&)> run;
 };
-
-inline std::string bytesOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-inline void putBytes(const std::string& path, const std::string& bytes) {
-  std::ofstream(path, std::ios::binary) << bytes;
-}
 
 inline void importTwoFluids(calibration::Database& lab, bool newCalibration) {
   const calibration::Stand stand(sourceFolder() + "/examples/data/stand-dual-rotor.csv");

@@ -20,7 +20,7 @@ class fault_sweep : public testing::Test {
     std::size_t calls = 0, faults = 0, before = 0, after = 0;
   };
 
-  // Runs the change; true where it says that it is stored.
+  // Runs the change; true if it says that it is stored.
   [[nodiscard]] bool says(const InterruptedChange& change) const {
     try {
       calibration::OpenOptions options;
@@ -48,7 +48,7 @@ class fault_sweep : public testing::Test {
     ASSERT_NE(before, after);
     ASSERT_TRUE(before.starts_with("integrity: ok\n"));
     ASSERT_GT(tally.calls, 10U);
-    // One step further than the last call: right after the change has said that it is stored.
+    // One step beyond the last call: right after the change has said that it is stored.
     for (std::size_t next = static_cast<std::size_t>(kind) % callsApart();; next += callsApart()) {
       const std::size_t at = std::min(next, tally.calls);
       for (std::uint32_t seed = 0; seed < seeds; ++seed) {

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "tests/faults/fault_vfs.h"
 
+#include "tests/support/file_bytes.h"
+
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <new>
 
 namespace pelmora::test {
@@ -14,11 +14,6 @@ namespace {
 constexpr std::size_t sectorSize = 512;
 
 FaultVfs* active = nullptr;  // SQLite calls functions without an object
-
-std::string contentOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 }  // namespace
 
@@ -65,7 +60,7 @@ FaultVfs::Inode* FaultVfs::inodeOf(const std::string& path) {
   if (!entry.empty() && entry.back() != nullptr) return entry.back();
   const bool isThere = std::filesystem::exists(path);
   inodes_.push_back(std::make_unique<Inode>());
-  if (isThere) inodes_.back()->durable = contentOf(path);
+  if (isThere) inodes_.back()->durable = bytesOf(path);
   if (entry.empty() && !isThere) entry.push_back(nullptr);
   entry.push_back(inodes_.back().get());
   return entry.back();
@@ -235,7 +230,7 @@ void FaultVfs::losePower() {
   for (const auto& [path, entry] : entries_) {
     const Inode* const inode = entry[random() % entry.size()];
     std::filesystem::remove(path);
-    if (inode != nullptr) std::ofstream(path, std::ios::binary) << survivorOf(*inode, random);
+    if (inode != nullptr) putBytes(path, survivorOf(*inode, random));
   }
   arm({});
 }

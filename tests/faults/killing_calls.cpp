@@ -1,5 +1,5 @@
-// Loaded in front of a program: ends it with SIGKILL at one of its calls that change files or lock
-// them, whose number the environment tells; a write may have happened in part.
+// Loaded in front of a program, this ends it with SIGKILL at one of its calls that change or lock
+// files. The environment has the number of the call; if it is a write, half of it is done.
 // SPDX-License-Identifier: MIT
 #ifndef _GNU_SOURCE
 #define _GNU_SOURCE

@@ -113,7 +113,7 @@ TEST(difference_budget, agrees_with_monte_carlo_through_both_rotors) {
   EXPECT_NEAR(budget.value, 0, 1e-9);
 }
 
-TEST(difference_budget, knows_nothing_of_one_counter_for_both_rotors_alike) {
+TEST(difference_budget, ignores_a_counter_that_both_rotors_share) {
   const Budget a = calibrationAt(50, stand);
   const DualFlow alike{{50, a.value, 1}, {50, a.value, 1}, 1, 0};
   const CalibratedStrouhal rotor{&a, 50 * slopeAt(50)};

@@ -40,7 +40,7 @@ TEST(volume_flow, is_what_the_stand_measured) {
   EXPECT_EQ(checked, 48);
 }
 
-TEST(volume_flow, knows_the_body_of_another_material) {
+TEST(volume_flow, expands_with_the_material_of_the_body) {
   // Aluminium, 13E-6 per F, 100 F above the reference.
   const Service service{1, 170, {.linear = 13e-6}};
   const MeterFlow found = volumeFlow([](double) { return 1000.0; }, 500, service);

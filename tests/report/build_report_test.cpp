@@ -25,7 +25,7 @@ std::vector<std::string> kinds(const SeriesReport& series) {
   return list;
 }
 
-TEST(build_report, tells_the_state_of_each_point) {
+TEST(build_report, shows_the_state_of_each_point) {
   SeriesInput input = straightSeries();
   input.points[1].state = calibration::PointState::excluded;
   input.points[1].exclusion = calibration::Exclusion{"air", "Ada", "2026-11-20T10:00:00Z"};

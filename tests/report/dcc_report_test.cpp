@@ -1,4 +1,4 @@
-// What of a report gets into a digital certificate.
+// What a digital certificate takes from a report.
 // SPDX-License-Identifier: MIT
 #include "report/dcc_report.h"
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "report/outside_program.h"
 
+#include "report/scratch_folder.h"
+
 #include <pelmora/calibration/failure.h>
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-// Small inputs whose report can be told by hand.
+// Small inputs whose report can be worked out by hand.
 // SPDX-License-Identifier: MIT
 #pragma once
 

@@ -24,7 +24,7 @@ std::string utf16(std::string_view ascii, bool isBigEndian) {
   return bytes;
 }
 
-TEST(sheet, a_plain_file_brings_no_remarks) {
+TEST(sheet, a_plain_file_has_no_remarks) {
   for (const char* text :
        {"Roshko,Strouhal\n100.5,2.25\n200,2.5\n", "100.5,2.25\n200,2.5",
         "a,b\r\n100.5,2.25\r\n200,2.5\r\n", "\"a\",\"b\"\r100.5,2.25\r200,2.5"}) {
@@ -52,6 +52,12 @@ TEST(sheet, byte_order_marks_and_utf16_are_recognised) {
     EXPECT_EQ(reading.recognised.encoding, Encoding::utf16);
     EXPECT_THAT(reading.recognised.words(), HasSubstr("UTF-16"));
   }
+}
+
+// Source: RFC 2781, section 5: U+12345 is D808 DF45.
+TEST(sheet, utf16_keeps_characters_beyond_ascii) {
+  const std::string bytes = "\xFF\xFE\xE4\0;\0\x08\xD8\x45\xDF\n\0"s + utf16("1;2\n", false);
+  EXPECT_THAT(read(bytes).names, ElementsAre("\xC3\xA4", "\xF0\x92\x8D\x85"));
 }
 
 TEST(sheet, broken_utf16_and_nul_bytes_are_refused) {

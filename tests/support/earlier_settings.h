@@ -1,9 +1,10 @@
-// The settings of a fit as the first version kept them, before a rule of choice belonged to them.
+// The settings of a fit as the first version kept them, without a rule of choice.
 // SPDX-License-Identifier: MIT
 #pragma once
 
 #include <pelmora/own_tables.h>
 
+#include <cstdint>
 #include <string>
 
 namespace pelmora::test {

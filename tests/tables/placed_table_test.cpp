@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "tables/placed_table.h"
 
-#include <pelmora/calibration/failure.h>
+#include "tests/support/complaint.h"
 
 #include <gtest/gtest.h>
 
@@ -14,6 +14,8 @@
 
 namespace pelmora::tables {
 namespace {
+
+using test::complaint;
 
 template <class Function>
 Curve curveOf(Function function) {
@@ -148,16 +150,6 @@ TEST(reading_error, finds_the_worst_place_of_any_table) {
   const ReadingError found = readingError(curve, x, y, Reading::linear);
   EXPECT_NEAR(found.at, std::sqrt(2.0), 1e-3);
   EXPECT_NEAR(found.percent, 100 * (std::sqrt(2.0) - 1) / 2, 1e-4);
-}
-
-template <class Action>
-std::string complaint(Action action) {
-  try {
-    action();
-  } catch (const calibration::Failure& failure) {
-    return std::string(failure.what()) + "; " + failure.remedy();
-  }
-  return "nothing was refused";
 }
 
 TEST(placed_table, refuses_what_has_no_table) {

@@ -100,6 +100,7 @@ TEST(stand_file, may_be_written_in_toml) {
   EXPECT_EQ(read.components[0].degreesOfFreedom, 30);
   EXPECT_NEAR(read.components[0].standard.value, 0.03, 1e-15);
   EXPECT_EQ(read.components[1].distribution, Distribution::rectangular);
+  EXPECT_DOUBLE_EQ(read.components[1].standard.value, 1 / std::sqrt(3.0));
 }
 
 TEST(stand_file, keeps_a_number_sign_in_a_name_without_quotes) {

@@ -57,7 +57,7 @@ TEST(open_access_file, is_examined_without_repairs_that_it_does_not_allow) {
   }
 }
 
-TEST(open_access_file, is_no_target_of_a_stands_rows) {
+TEST(open_access_file, cannot_receive_a_stands_rows) {
   const ConnectionPtr stand = openDatabase(accessFile("stand.mdb"));
   try {
     stand->execute("INSERT INTO CalDataPoint ( CalSetupID, V1 ) IN '" + accessFile("curves.mdb") +

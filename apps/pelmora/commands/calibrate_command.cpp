@@ -6,6 +6,7 @@
 #include "apps/pelmora/input/fit_input.h"
 #include "apps/pelmora/output/fit_output.h"
 #include "apps/pelmora/output/import_output.h"
+#include "apps/pelmora/output/point_output.h"
 #include "apps/pelmora/output/text_table.h"
 
 #include <nlohmann/json.hpp>
@@ -24,7 +25,7 @@ struct CalibrateRequest {
   bool asJson = false, isDryRun = false;
 };
 
-// The fit of one series by itself, for what is suggested.
+// The fit of this series alone, for suggested commands to repeat.
 FitCall callOf(const CalibrateRequest& request, const std::string& series) {
   FitCall call{.database = request.curves.path,
                .meter = request.import.meter,
@@ -79,16 +80,14 @@ std::string storedCurvesText(const std::vector<CheckedFit>& fits, bool isDryRun)
   return isDryRun ? "Curves to be stored" : "Curves are stored";
 }
 
-// "The merge cut 8 points of Rotor A and 8 of Rotor B"; empty if it cut none.
+// Empty if the merge cut nothing.
 std::string cutText(const std::vector<CheckedFit>& fits) {
-  std::string text;
-  for (const CheckedFit& checked : fits) {
-    if (checked.fit.cut.empty()) continue;
-    text += (text.empty() ? "The merge cut " + counted(checked.fit.cut.size(), "point")
-                          : ", " + std::to_string(checked.fit.cut.size())) +
-            " of " + checked.fit.series;
-  }
-  return text.empty() ? text : wrapped(text + "; 'pelmora points' lists them.", 0);
+  std::vector<PointsOfSeries> cut;
+  for (const CheckedFit& checked : fits)
+    cut.push_back({checked.fit.series, checked.fit.cut.size()});
+  const std::string points = pointsBySeries(cut);
+  return points.empty() ? ""
+                        : wrapped("The merge cut " + points + "; 'pelmora points' lists them.", 0);
 }
 
 std::string calibrationText(const CalibrateRequest& request, const Calibrated& done, double band) {

@@ -53,18 +53,25 @@ Meter earlierOf(const Database& lab, const CompareRequest& request, const Meter&
 struct Compared {
   StoredSeries earlier, now;
   Comparison shift;
-  // The place where the shift is largest against its uncertainty; absent if that is not known.
+  // The shift that is largest relative to its uncertainty; absent if no uncertainty is known.
   std::optional<calibration::CurveShift> clearest;
   std::vector<std::string> warnings;
 };
 
+// At most mostRows, spread evenly over the range.
+std::vector<Shift> shownShifts(const Comparison& comparison) {
+  const auto& all = comparison.shifts;
+  const std::size_t rows = std::min(mostRows, all.size());
+  std::vector<Shift> shown;
+  for (std::size_t i = 0; i < rows; ++i)
+    shown.push_back(all[rows == 1 ? 0 : i * (all.size() - 1) / (rows - 1)]);
+  return shown;
+}
+
 void addSignificance(const calibration::FittedCurve& earlier, const calibration::FittedCurve& now,
                      Compared& result) {
   std::vector<double> places{result.shift.lowest.roshko, result.shift.highest.roshko};
-  const auto& shifts = result.shift.shifts;
-  const std::size_t rows = std::min(mostRows, shifts.size());
-  for (std::size_t i = 0; i < rows; ++i)
-    places.push_back(shifts[rows == 1 ? 0 : i * (shifts.size() - 1) / (rows - 1)].roshko);
+  for (const Shift& shift : shownShifts(result.shift)) places.push_back(shift.roshko);
   for (const double roshko : places) {
     const auto shift = calibration::shiftOf(earlier, now, roshko);
     if (!shift) continue;
@@ -143,11 +150,8 @@ std::string comparisonText(const CompareRequest& request, const Compared& result
   summary.addRow({"highest", percentText(result.shift.highest.percent),
                   significantText(result.shift.highest.roshko, 6)});
   TextTable table({{"Roshko", TextAlign::right}, {"Shift %", TextAlign::right}});
-  const std::size_t rows = std::min(mostRows, shifts.size());
-  for (std::size_t i = 0; i < rows; ++i) {
-    const auto& shift = shifts[rows == 1 ? 0 : i * (shifts.size() - 1) / (rows - 1)];
+  for (const Shift& shift : shownShifts(result.shift))
     table.addRow({significantText(shift.roshko, 6), percentText(shift.percent)});
-  }
   text += "\n" + summary.text() + "\n" + table.text() + "\n" + significanceText(result);
   for (const std::string& warning : result.warnings) text += wrapped("Warning, " + warning, 0);
   return text;
@@ -177,7 +181,7 @@ std::string comparisonJson(const CompareRequest& request, const Compared& result
   return report::jsonText(value);
 }
 
-// One line, though two curves may be old.
+// One note at most, even if both curves are old.
 void noteOldOne(const CompareRequest& request, const Compared& result) {
   if (result.now.age == calibration::CurveAge::outdated)
     return noteOldCurves(request.curves.path, request.calibration, {result.now});

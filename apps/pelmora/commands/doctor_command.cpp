@@ -88,7 +88,7 @@ auto readingFile(Body&& body) {
   }
 }
 
-// Brings what can be read into `newPath`, or only counts it.
+// Copies what can be read to `newPath`. Without a path it is only counted.
 SalvageReport salvaged(const DatabaseOption& curves, const std::string& newPath = {}) {
   Progress progress;
   return readingFile([&] {

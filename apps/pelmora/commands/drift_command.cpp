@@ -33,10 +33,9 @@ struct DriftRequest {
   bool asJson = false;
 };
 
-// What could not be compared, beside the drift.
 struct DriftResult {
   Drift drift;
-  std::vector<std::string> leftOut;
+  std::vector<std::string> notes;  // calibrations that are left out, and curves that are old
 };
 
 std::string dateOf(const calibration::Database& lab, const calibration::Meter& meter) {
@@ -54,13 +53,13 @@ DriftResult driftOf(const DriftRequest& request, Session& session) {
     try {
       const auto stored = lab.series(meter, request.series);
       if (const std::string warning = stored.ageWarning(); !warning.empty())
-        result.leftOut.push_back("note: " + warning);
+        result.notes.push_back("note: " + warning);
       const std::string date = dateOf(lab, meter);
       curves.push_back({meter.calibration, date, calibration::yearsOf(date),
                         lab.fittedCurve(stored, session.observer())});
     } catch (const calibration::NotFound& failure) {
-      result.leftOut.push_back("calibration " + std::to_string(meter.calibration) +
-                               " is left out: " + failure.what());
+      result.notes.push_back("calibration " + std::to_string(meter.calibration) +
+                             " is left out: " + failure.what());
     }
   }
   calibration::DriftOptions options;
@@ -157,7 +156,7 @@ std::string driftJson(const DriftRequest& request, const DriftResult& result) {
                        {"series", request.series},
                        {"calibrations", nlohmann::json::array()},
                        {"places", nlohmann::json::array()},
-                       {"notes", result.leftOut},
+                       {"notes", result.notes},
                        {"intervalYears", report::orNull(drift.intervalYears)},
                        {"whyNoInterval", drift.whyNoInterval},
                        {"assumptions", drift.assumptions()}};
@@ -201,7 +200,7 @@ void showDrift(const DriftRequest& request) {
       "beyond 1 is significant.",
       0);
   text += adviceText(result.drift);
-  for (const std::string& note : result.leftOut) text += wrapped(note + ".", 0);
+  for (const std::string& note : result.notes) text += wrapped(note + ".", 0);
   if (!request.output.empty()) text += wrapped("Wrote " + request.output + ".", 0);
   printData(text);
 }

@@ -7,6 +7,7 @@
 #include "apps/pelmora/output/standard_output.h"
 #include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/trouble.h"
+#include "report/json_null.h"
 #include "report/json_values.h"
 
 #include <nlohmann/json.hpp>
@@ -63,18 +64,16 @@ std::string listText(const EquationsRequest& request, const EquationList& list, 
 std::string listJson(const EquationList& list, Choice choice) {
   nlohmann::json equations = nlohmann::json::array();
   for (const ModelDefinition& equation : list.equations()) {
-    const auto parameters = calibration::parameterCount(equation.Expression);
-    const auto order = calibration::polynomialOrder(equation.Expression);
     equations.push_back(
         {{"name", equation.Name},
          {"expression", equation.Expression},
-         {"parameters", parameters ? nlohmann::json(*parameters) : nlohmann::json()},
-         {"order", order ? nlohmann::json(*order) : nlohmann::json()}});
+         {"parameters", report::orNull(calibration::parameterCount(equation.Expression))},
+         {"order", report::orNull(calibration::polynomialOrder(equation.Expression))}});
   }
   return report::jsonText({{"choose", calibration::choiceKey(choice)}, {"equations", equations}});
 }
 
-// Nobody's own equations are written over.
+// Never overwrites a file: it may hold a user's own equations.
 void writeList(const std::string& path, const EquationList& list) {
   requireOutputFile(path, {});
   std::error_code ignored;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/commands/commands.h"
 #include "apps/pelmora/options/common_options.h"
+#include "apps/pelmora/options/service_options.h"
 #include "apps/pelmora/options/strict_number.h"
 #include "apps/pelmora/output/budget_output.h"
 #include "apps/pelmora/output/curve_note.h"
@@ -36,13 +37,12 @@ struct EvaluateRequest {
   bool isInverse = false, showsBudget = false, asJson = false;
 };
 
-// A value of the curve beside the bands of its table.
+// A value of the curve, with the confidence and prediction bands of its table.
 struct Evaluated {
   CurveEstimate estimate;
   CurveValue bands;
   std::optional<MonteCarloCheck> check;
-  // From the unit of Strouhal to that of the value.
-  double scale = 1;
+  double scale = 1;  // turns an uncertainty of Strouhal into one of the value asked for
 };
 
 std::vector<Evaluated> evaluated(const FittedCurve& curve, const EvaluateRequest& request) {
@@ -54,7 +54,7 @@ std::vector<Evaluated> evaluated(const FittedCurve& curve, const EvaluateRequest
                                        : curve.at(number, request.options);
     value.bands = request.isInverse ? curve.table().inverse(number) : curve.table()(number);
     if (request.isInverse) {
-      // A level curve says nothing about the Roshko number.
+      // Where the curve is level, Strouhal does not determine Roshko.
       if (value.estimate.slope == 0)
         value.estimate.budget.reset();
       else
@@ -126,7 +126,7 @@ std::string valuesText(const FittedCurve& curve, const std::vector<Evaluated>& v
     const CurveEstimate& at = value.estimate;
     const std::string roshko = significantText(at.roshko, 8),
                       strouhal = significantText(at.strouhal, 8);
-    const auto budget = at.budget;
+    const auto& budget = at.budget;
     std::string percent = expandedPercentText(budget);
     if (isInverse && budget) {
       percent =
@@ -186,7 +186,7 @@ void evaluate(const EvaluateRequest& request) {
                         {"series", series.name},
                         {"curveAge", calibration::curveAgeKey(series.age)},
                         {"source", reading.empty() ? curveSourceName(curve.source()) : "table"},
-                        {"reading", reading.empty() ? nlohmann::json() : nlohmann::json(reading)},
+                        {"reading", report::orNull(reading)},
                         {"equation", curve.name()},
                         {"halfWidthsOf", request.isInverse ? "roshko" : "strouhal"},
                         {"values", valuesJson(values, request.isInverse)}}));
@@ -202,12 +202,7 @@ void addValueOptions(Command& command, const std::shared_ptr<EvaluateRequest>& r
       },
       "Read the stored table as a flow computer does, instead of the curve itself; the reading "
       "error is then part of U");
-  command.addChoice({"--read", "linear|log|cubic", "How --table reads it (default: linear)"},
-                    [request](const std::string& word) {
-                      request->options.reading = word == "log"     ? ReadAs::log
-                                                 : word == "cubic" ? ReadAs::cubic
-                                                                   : ReadAs::linear;
-                    });
+  addReading(command, "How --table reads it (default: linear)", request->options.reading);
   command.addFlag("--budget", request->showsBudget, "Show the uncertainty budget of each value");
   command.addText({"--monte-carlo", "N", "Check U with up to N draws of all errors"},
                   [request](const std::string& text) {

@@ -75,7 +75,7 @@ std::string nextSteps(const ExclusionRequest& request, const calibration::Exclus
         0);
   }
   if (request.isDryRun || age == calibration::CurveAge::current) return text;
-  // With the settings that are kept, if there is a curve.
+  // A refit uses the settings that are kept with the curve.
   const bool hasCurve = age != calibration::CurveAge::none;
   std::vector<std::string> words{hasCurve ? "refit" : "fit", request.curves.path};
   addSeriesWords(words, request.meter, request.reCalID, request.series);

@@ -21,7 +21,6 @@
 namespace pelmora::cli {
 namespace {
 
-using calibration::ReadAs;
 using calibration::TableForm;
 
 enum class FileKind { csv, xlsx, json };
@@ -106,7 +105,7 @@ std::string tablesJson(const std::string& database, const calibration::Meter& me
   return report::jsonText(value);
 }
 
-// What --points says: a number of points with --for, otherwise which points.
+// Which points --points names. With --for it gives their number instead.
 std::string wantedPoints(const ExportRequest& request) {
   if (request.points.empty()) return "all";
   for (const char* word : {"all", "raw", "merged", "curve"}) {
@@ -138,7 +137,7 @@ void exportPoints(const ExportRequest& request, FileKind kind, Session& session,
   writeContent(request, contentOf(request, kind, pointRows(tables), json));
 }
 
-// A table for a flow computer, of one series.
+// Writes a table of one series for a flow computer.
 void exportTable(const ExportRequest& request, FileKind kind, Session& session,
                  const calibration::Meter& meter) {
   const calibration::Database& lab = session.database();
@@ -169,7 +168,7 @@ void exportTable(const ExportRequest& request, FileKind kind, Session& session,
   json["series"] = series.name;
   json["curveAge"] = calibration::curveAgeKey(series.age);
   writeContent(request, contentOf(request, kind, flowTable(table), report::jsonText(json)));
-  // The data have standard output to themselves.
+  // Standard output is for the data alone.
   const std::string summary = flowTableText(table);
   if (request.output != "-")
     return printData(wrapped("Wrote " + request.output + ".", 0) + summary);
@@ -196,13 +195,8 @@ void addTableOptions(Command& command, const std::shared_ptr<ExportRequest>& req
                      "f/v (universal viscosity curve), or K over f in one fluid. Its points lie "
                      "where reading between them errs least"},
                     request->form);
-  command.addChoice({"--read", "linear|log|cubic",
-                     "How the flow computer reads between points (default: linear)"},
-                    [request](const std::string& word) {
-                      request->table.reading = word == "log"     ? ReadAs::log
-                                               : word == "cubic" ? ReadAs::cubic
-                                                                 : ReadAs::linear;
-                    });
+  addReading(command, "How the flow computer reads between points (default: linear)",
+             request->table.reading);
   command.addFlag("--even", request->table.evenly,
                   "Space the points evenly in the logarithm instead");
   addFluid(command, request->fluid);

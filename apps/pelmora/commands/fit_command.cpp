@@ -58,7 +58,7 @@ std::string fitHeadline(const calibration::Fit& fit) {
                  0);
 }
 
-// That --min and --max crop the table alone; empty if no point lies beyond it.
+// Warns that --min and --max only crop the table. Empty if no fitted point lies outside.
 std::string cropLine(const calibration::Fit& fit) {
   std::size_t beyond = 0;
   for (const double roshko : fit.fitted.column(0))
@@ -92,7 +92,7 @@ std::string fitText(const std::string& database, const CheckedFit& checked, bool
                  0);
 }
 
-// While the change is open, so that the points stand beside the new curve.
+// Called while the change is open: at its end a dry run undoes the curve that the points belong to.
 std::string pictureOf(const FitRequest& request, Session& session, const CheckedFit& checked) {
   if (!request.drawsPlot) return {};
   const calibration::Fit& fit = checked.fit;

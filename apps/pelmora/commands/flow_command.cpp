@@ -50,8 +50,8 @@ ServiceReading readingOf(const FlowRequest& request, const calibration::Database
   return reading;
 }
 
-// The series that the flow is computed from: that of the one rotor; or rotors A and B and, where
-// the viscosity has to come from them, their quotient.
+// The series that the flow is computed from. With both frequencies these are rotors A and B, and
+// their quotient if the viscosity is not known.
 std::vector<StoredSeries> seriesFor(const FlowRequest& request, const calibration::Database& lab,
                                     const calibration::Meter& meter, bool isViscosityKnown) {
   std::vector<std::string> names{request.series.empty() ? "Rotor A" : request.series};

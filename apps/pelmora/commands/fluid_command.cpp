@@ -61,7 +61,7 @@ FluidLaw lawOf(const FluidRequest& request) {
   return fluid;
 }
 
-// The law of this name that is stored; nothing if there is none.
+// The stored law of this name, if there is one.
 std::optional<FluidLaw> storedLaw(const calibration::Database& lab, const std::string& name) {
   try {
     return lab.fluidLaw(name);
@@ -70,7 +70,7 @@ std::optional<FluidLaw> storedLaw(const calibration::Database& lab, const std::s
   }
 }
 
-// How to store a law again that was replaced or removed.
+// The command that stores a replaced or removed law again.
 std::string setCommand(const std::string& database, const FluidLaw& fluid) {
   std::vector<std::string> words{"fluid",
                                  "set",
@@ -83,7 +83,7 @@ std::string setCommand(const std::string& database, const FluidLaw& fluid) {
     words.insert(words.end(), {"--point", exactText(point.celsius) +
                                               "C:" + exactText(point.centistokes) + "cSt"});
   }
-  // A negative number would look like an option of its own.
+  // With '=', because a negative number looks like an option.
   for (const double constant : fluid.constants)
     words.push_back("--constant=" + exactText(constant));
   if (!fluid.constants.empty()) {
@@ -93,7 +93,9 @@ std::string setCommand(const std::string& database, const FluidLaw& fluid) {
   return suggestedCommand(words);
 }
 
-// In cSt; nothing where the law does not reach, unless this fluid was asked for.
+// In cSt. Nothing outside the range of the law.
+//
+// Errors: OutOfRange instead, if this fluid was asked for by name.
 std::optional<double> viscosityAt(const FluidRequest& request, const FluidLaw& fluid) {
   try {
     return fluid.viscosity(*request.celsius);

@@ -46,8 +46,8 @@ std::string summary(const RawRequest& request, const calibration::Meter& meter,
 void warnOfFarPoints(const std::string& file, const CsvPoints& read,
                      const calibration::StoredPoints& stored) {
   const auto warn = [&](std::size_t line, const std::string& what) {
-    sayNote("file '" + file + "', line " + std::to_string(line) + ", column " + read.roshkoColumn +
-            ": " + what + "; check the unit of the viscosity");
+    printNote("file '" + file + "', line " + std::to_string(line) + ", column " +
+              read.roshkoColumn + ": " + what + "; check the unit of the viscosity");
   };
   if (stored.farFactor != 1) {
     warn(read.lines.front(), "from here on the Roshko numbers are " +
@@ -60,7 +60,7 @@ void warnOfFarPoints(const std::string& file, const CsvPoints& read,
   }
 }
 
-// The fit that the points are for.
+// Suggests the command that fits the new points.
 std::string nextStep(const RawRequest& request) {
   if (request.isDryRun) return {};
   std::vector<std::string> words{"fit", request.curves.path};
@@ -74,7 +74,7 @@ void raw(const RawRequest& request) {
   const CsvPoints read = readCsvPoints(request.file, request.columns);
   const PointArray& points = read.points;
   sayRecognised(request.file, read.recognised);
-  if (!read.derivation.empty()) sayNote(read.derivation);
+  if (!read.derivation.empty()) printNote(read.derivation);
   Session session(request.curves, calibration::Mode::write);
   calibration::Database& lab = session.database();
   CommandChange change(session, "raw", request.isDryRun);

@@ -77,7 +77,7 @@ calibration::UnkeptSettings unkeptSettings(const FitTests& tests,
   return unkept;
 }
 
-// What the format cannot have is refused before anything is computed.
+// Refuses options that the format does not support, before anything is computed.
 calibration::ReportOptions optionsOf(const ReportRequest& request, ReportKind kind) {
   const bool isSigned = !request.signer.keyFile.empty();
   if (isSigned == request.signer.certificateFile.empty())

@@ -46,7 +46,7 @@ std::string statementText(const Meter& meter, const StandRequest& request,
       "meter " + meter.serial + ", calibration " + std::to_string(meter.calibration);
   std::string text;
   if (!request.file.empty()) {
-    text = "Stored the uncertainty of the stand" + std::string(" with ") + place + ".";
+    text = "Stored the uncertainty of the stand with " + place + ".";
   } else if (request.isRemoved) {
     text = kept != 0 ? "Removed the uncertainty of the stand from " + place + "."
                      : "No uncertainty of a stand is stored with " + place + ".";

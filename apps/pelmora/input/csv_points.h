@@ -1,4 +1,4 @@
-// Points that a user brings as a text file.
+// Points from a user's text file.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -20,25 +20,25 @@ inline constexpr std::size_t mostPoints = 32767;
 struct PointColumns {
   std::string x, y;  // header names, or numbers from 1; empty: see readCsvPoints
   std::vector<std::pair<std::string, std::string>> where;  // only rows whose column has this value
-  std::optional<ColumnChoice> derived = {};  // columns to derive x and y from, in place of x and y
-  sheets::Style style = {};                  // without names
+  std::optional<ColumnChoice> derived = {};  // if given, x and y are derived from these columns
+  sheets::Style style = {};                  // its names stay empty: the columns above give them
 };
 
 struct CsvPoints {
   PointArray points;
   sheets::Recognised recognised;
-  std::string derivation;          // from what x and y were derived; empty: they were read
-  std::vector<std::size_t> lines;  // of each point
-  std::string roshkoColumn;        // which determines the size of Roshko: its own or the viscosity
+  std::string derivation;          // how x and y were derived; empty if they were read
+  std::vector<std::size_t> lines;  // of the file, one for each point
+  std::string roshkoColumn;        // that of Roshko, or of the viscosity it was derived from
 };
 
 // The points of a text file, in its order. Without names, x and y are the columns Roshko and
 // Strouhal, or the only two.
 //
 // Errors: Trouble badInput that names file, line and column: no file, no such column, a line with
-//         too few or too many fields, a text, NaN or infinity for a number, an x that is not
-//         positive, a y of zero, no points or more than mostPoints; and where separator or decimal
-//         sign cannot be told.
+//         too few or too many fields, text, NaN or infinity for a number, an x that is not
+//         positive, a y of zero, no points or more than mostPoints, or a separator or decimal sign
+//         that cannot be recognised.
 [[nodiscard]] CsvPoints readCsvPoints(const std::string& path, const PointColumns& columns);
 
 // "column=value". Errors: Trouble usage.

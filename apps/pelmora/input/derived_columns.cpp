@@ -18,7 +18,7 @@ struct NameAndUnit {
   std::string name, unit;
 };
 
-// "Flow:gpm" and "Flow [gpm]" in parts; no unit in any other text.
+// Splits "Flow:gpm" and "Flow [gpm]". Any other text is a name without a unit.
 NameAndUnit parts(const std::string& text) {
   if (text.ends_with(']') || text.ends_with(')')) {
     const std::size_t open = text.rfind(text.back() == ']' ? '[' : '(');
@@ -99,16 +99,15 @@ std::vector<std::string> namesIn(const ColumnChoice& choice) {
 DerivedColumns::DerivedColumns(const std::string& path, sheets::Sheet& sheet,
                                const ColumnChoice& choice)
     : path_(path), sheet_(sheet) {
-  flow_ = column('q', choice.flow, "q=Flow:l/min");
-  frequency_ = column('f', choice.frequency, "f=Frequency:Hz");
-  viscosity_ = column('n', choice.viscosity, "nu=Viscosity:cSt");
+  flow_ = column("q", choice.flow, "q=Flow:l/min");
+  frequency_ = column("f", choice.frequency, "f=Frequency:Hz");
+  viscosity_ = column("nu", choice.viscosity, "nu=Viscosity:cSt");
   if (!choice.temperature.empty())
-    temperature_ = column('t', choice.temperature, "t=Temperature:C");
+    temperature_ = column("t", choice.temperature, "t=Temperature:C");
 }
 
-std::size_t DerivedColumns::column(char option, const ColumnText& text,
+std::size_t DerivedColumns::column(const char* key, const ColumnText& text,
                                    const char* withUnit) const {
-  const std::string key = option == 'n' ? "nu" : std::string(1, option);
   auto found = sheet_.find(text);
   const NameAndUnit given = parts(text);
   if (!found || !given.unit.empty()) {

@@ -17,7 +17,7 @@ using ColumnText = std::string;
 
 // "q=Flow,f=Frequency,nu=Viscosity,t=Temperature".
 struct ColumnChoice {
-  ColumnText flow, frequency, viscosity, temperature;  // no temperature: empty
+  ColumnText flow, frequency, viscosity, temperature;  // the temperature may be empty
 };
 
 // Errors: Trouble usage.
@@ -39,7 +39,8 @@ class DerivedColumns {
   [[nodiscard]] std::string words() const;
 
  private:
-  [[nodiscard]] std::size_t column(char option, const ColumnText& text, const char* example) const;
+  [[nodiscard]] std::size_t column(const char* key, const ColumnText& text,
+                                   const char* withUnit) const;
   [[nodiscard]] double positive(const sheets::Row& row, std::size_t column, const char* unit,
                                 const char* quantity) const;
 

@@ -16,10 +16,9 @@ namespace pelmora::cli {
 // Errors: Trouble badInput for a file that cannot be read; BadData if it holds no equation.
 [[nodiscard]] calibration::EquationList readEquations(const std::string& source, bool ratio);
 
-// What is not given stays as FitSettings has it.
+// Options that are not given keep the defaults of FitSettings.
 //
-// Errors: the same; Trouble usage for the name of an equation that is not there, and if the options
-//         leave no equation to try.
+// Errors: the same; Trouble usage if the options name an unknown equation or leave none to try.
 [[nodiscard]] calibration::FitSettings fitSettings(const FitTests& tests, const FitChoices& choices,
                                                    bool ratio);
 

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/input/sheet_input.h"
 
-#include <cstdio>
-
 namespace pelmora::cli {
 
 std::string remedyWithOption(const std::string& remedy, sheets::SheetError::Doubt doubt) {
@@ -21,13 +19,9 @@ Trouble sheetTrouble(const std::string& path, const sheets::SheetError& error) {
           remedyWithOption(placed.remedy(), placed.doubt())};
 }
 
-void sayNote(const std::string& note) {
-  std::fprintf(stderr, "pelmora: note: %s\n", oneLine(note).c_str());
-}
-
 void sayRecognised(const std::string& path, const sheets::Recognised& recognised) {
   if (const std::string words = recognised.words(); !words.empty())
-    sayNote("file '" + path + "' was read with " + words);
+    printNote("file '" + path + "' was read with " + words);
 }
 
 }  // namespace pelmora::cli

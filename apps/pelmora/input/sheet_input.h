@@ -1,4 +1,4 @@
-// Text files with measurements that a user brings.
+// A user's text files with measurements.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -10,17 +10,14 @@
 
 namespace pelmora::cli {
 
-// The remedy and the option that settles the doubt, if there is one.
+// The remedy, with the option that settles the doubt if there is one.
 [[nodiscard]] std::string remedyWithOption(const std::string& remedy,
                                            sheets::SheetError::Doubt doubt);
 
 // Code badInput.
 [[nodiscard]] Trouble sheetTrouble(const std::string& path, const sheets::SheetError& error);
 
-// Says on standard error how a file was read; nothing about a plain one.
+// A note on standard error of how a file was read; none for plain CSV.
 void sayRecognised(const std::string& path, const sheets::Recognised& recognised);
-
-// One line on standard error.
-void sayNote(const std::string& note);
 
 }  // namespace pelmora::cli

@@ -9,6 +9,7 @@
 
 #include <cmath>
 #include <limits>
+#include <string_view>
 
 namespace pelmora::cli {
 namespace {
@@ -20,13 +21,9 @@ char separatorNamed(const std::string& text) {
   if (text == "comma") return ',';
   if (text == "semicolon") return ';';
   if (text == "tab") return '\t';
-  const bool isSign = text.size() == 1 && text[0] > ' ' && text[0] < '\x7F' && text[0] != '"' &&
-                      text[0] != '.' && text[0] != '-' && text[0] != '+';
-  const bool isWord = text.size() == 1 &&
-                      ((text[0] >= '0' && text[0] <= '9') || (text[0] >= 'A' && text[0] <= 'Z') ||
-                       (text[0] >= 'a' && text[0] <= 'z'));
-  if (isSign && !isWord) return text[0];
-  if (text == "\t") return '\t';
+  // Anything but letters, digits, quotes, and the point and signs of numbers.
+  constexpr std::string_view signs = "\t!#$%&'()*,/:;<=>?@[\\]^_`{|}~";
+  if (text.size() == 1 && signs.find(text[0]) != std::string_view::npos) return text[0];
   throw Trouble(ExitCode::usage, "--separator: '" + shortened(text) + "' is not allowed",
                 "give comma, semicolon, tab or one other sign");
 }

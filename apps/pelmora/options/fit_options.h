@@ -1,4 +1,4 @@
-// What the commands that fit have in common on the command line.
+// Options that the commands that fit have in common.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -21,18 +21,18 @@ struct FitTests {
 };
 void addFitTests(Command& command, FitTests& options);
 
-// Which curve is chosen, and of which points.
+// Which curve is chosen, and which points it is fitted to.
 struct FitChoices {
-  calibration::SettingsChange given{};         // but for the names of equations
+  calibration::SettingsChange given{};         // everything but the names of equations
   std::vector<std::string> only{}, without{};  // names of equations
   bool isStrict = false;
 
-  // Errors: Trouble usage for a name that cannot be one.
+  // Errors: Trouble usage for an invalid name.
   [[nodiscard]] calibration::SettingsChange change() const;
 };
-// The rule of new curves, as --choose calls it.
+// The default rule, as --choose calls it.
 [[nodiscard]] std::string usualChoice();
-// otherwise: the rule that applies without --choose, for its help.
+// otherwise: the rule that applies without --choose, as the help shows it.
 void addFitChoices(Command& command, FitChoices& options, const std::string& otherwise);
 // --choose alone.
 void addChoose(Command& command, std::optional<calibration::Choice>& choice,

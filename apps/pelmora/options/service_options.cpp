@@ -39,6 +39,15 @@ void requireUnit(const std::string& option, const std::string& unit, const std::
   }
 }
 
+void addReading(Command& command, const std::string& help, calibration::ReadAs& reading) {
+  using calibration::ReadAs;
+  command.addChoice({"--read", "linear|log|cubic", help}, [&reading](const std::string& word) {
+    for (const ReadAs each : {ReadAs::linear, ReadAs::log, ReadAs::cubic}) {
+      if (word == calibration::tableReadingKey(each)) reading = each;
+    }
+  });
+}
+
 void addFluid(Command& command, FluidOptions& options) {
   command.addText({"--viscosity", "NU",
                    "Kinematic viscosity, such as '1.2 cSt' (a bare number: "

@@ -1,4 +1,4 @@
-// Options for a meter in service: the fluid in it, and units behind numbers.
+// Options for a meter in service: the fluid in it, numbers with units, and how tables are read.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -24,11 +24,14 @@ namespace pelmora::cli {
 
 // A file that states the uncertainty of a stand, or of the instruments in service.
 //
-// Errors: Trouble badInput that names file and line for what is not understood.
+// Errors: Trouble badInput that names the file, and the line that is not understood.
 [[nodiscard]] calibration::StandStatement readStatement(const std::string& file);
 
 // Errors: Trouble usage that names the option if values in `from` cannot be given in `unit`.
 void requireUnit(const std::string& option, const std::string& unit, const std::string& from);
+
+// --read: how a stored table is read between its points.
+void addReading(Command& command, const std::string& help, calibration::ReadAs& reading);
 
 // The fluid in the meter. Absent: not given.
 struct FluidOptions {
@@ -41,7 +44,8 @@ void addFluid(Command& command, FluidOptions& options);
 
 // The viscosity that the options give, if they give one.
 //
-// Errors: Trouble usage for a fluid without a temperature, or beside a viscosity; NotFound.
+// Errors: Trouble usage for a fluid without a temperature, or together with a viscosity; NotFound
+//         for an unknown fluid.
 [[nodiscard]] std::optional<double> viscosityOf(const FluidOptions& options,
                                                 const calibration::Database& lab);
 // In degrees C; 70 F if none is given.

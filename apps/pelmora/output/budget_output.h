@@ -15,17 +15,17 @@ namespace pelmora::cli {
 // contribution in per cent of the value.
 [[nodiscard]] std::string budgetText(const calibration::Budget& budget);
 
-// Adds expandedUncertainty, coverageFactor, probability and the rows as `budget` to a value; all of
-// them null without a budget. Everything in the unit of the value is multiplied by `scale`.
+// Adds expandedUncertainty, coverageFactor, probability and the rows as `budget` to a value.
+// Without a budget they are null. Everything in the unit of the value is multiplied by `scale`.
 //
-// of: the value that the per cent refer to, where it is not the budget's own.
+// of: the value that percentages refer to, if it is not the budget's own.
 void addBudget(nlohmann::json& value, const std::optional<calibration::Budget>& budget,
                double scale = 1, const std::optional<double>& of = {});
 
 [[nodiscard]] nlohmann::json monteCarloJson(const calibration::MonteCarloCheck& check,
                                             double scale = 1);
 
-// U to its two digits; "-" where there is none.
+// U, rounded to two digits; "-" if there is none.
 [[nodiscard]] std::string expandedText(const std::optional<calibration::Budget>& budget,
                                        double scale = 1);
 [[nodiscard]] std::string expandedPercentText(const std::optional<calibration::Budget>& budget);

@@ -14,11 +14,11 @@ namespace pelmora::cli {
 // One line for all of them, with the command that fits them again; nothing if no curve is outdated.
 // The curves are of one calibration.
 //
-// calibration: as it was asked for; negative: the latest.
+// calibration: as it was asked for; negative for the latest.
 void noteOldCurves(const std::string& database, int calibration,
                    const std::vector<calibration::StoredSeries>& series);
 
-// "curveAges": the name and the age of each.
+// The member "curveAges": name and age of each series.
 [[nodiscard]] nlohmann::json curveAgesJson(const std::vector<calibration::StoredSeries>& series);
 
 }  // namespace pelmora::cli

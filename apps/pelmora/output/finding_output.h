@@ -10,7 +10,7 @@
 
 namespace pelmora::cli {
 
-// In JSON, where names are never changed, and for people.
+// One word. JSON shows it as well, so it never changes.
 [[nodiscard]] std::string severityText(calibration::Severity severity);
 // Several lines: severity and check, what was found, and the remedy.
 [[nodiscard]] std::string findingLines(const calibration::Finding& finding);

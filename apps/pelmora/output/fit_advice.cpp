@@ -43,7 +43,7 @@ std::vector<std::string> commandsFor(const Advice& advice, FitCall call) {
   return {fitCommand(call)};
 }
 
-// The same as an option, for the one line of trouble.
+// The advice as a single option, for the one line of trouble.
 std::string asOption(const Advice& advice) {
   switch (advice.kind) {
     case AdviceKind::leaveOutEquation:

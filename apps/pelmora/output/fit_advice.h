@@ -1,4 +1,4 @@
-// What would help if a fit found no curve, or one with warnings, with the commands that do it.
+// What helps if a fit finds no curve, or one with warnings, and the commands that do it.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -25,7 +25,7 @@ struct AdvisedStep {
 [[nodiscard]] std::string stepLines(const calibration::Fit& fit,
                                     const std::vector<AdvisedStep>& steps);
 
-// What an equation without a solution wants; empty if nothing is known.
+// What an equation without a solution needs; empty if nothing is known.
 [[nodiscard]] std::string solutionAdvice(const calibration::Fit& fit,
                                          const EquationOutcome& equation);
 

@@ -11,9 +11,8 @@ namespace pelmora::cli {
 
 using nlohmann::json;
 using report::equationJson;
-using report::warningJson;
-
 using report::orNull;
+using report::warningJson;
 
 namespace {
 
@@ -78,9 +77,9 @@ json fitJson(const CheckedFit& checked, const FitCall& call) {
           {"changedMeanwhile", checked.changedMeanwhile},
           {"error", checked.trouble ? json(errorLine(*checked.trouble)) : json()},
           {"chosen", chosen ? json(fit.outcome.Equations[*chosen].Name) : json()},
-          {"band", fit.settings.band},
-          {"ratio", fit.settings.ratio},
-          {"inverted", fit.settings.inverted},
+          {"band", settings.band},
+          {"ratio", settings.ratio},
+          {"inverted", settings.inverted},
           {"choose", calibration::choiceKey(settings.choice)},
           {"only", settings.only},
           {"without", settings.without},

@@ -16,10 +16,9 @@ namespace pelmora::cli {
 
 // The points that the merge cut and how far off they lie; empty if there are none.
 [[nodiscard]] std::string cutLines(const calibration::Fit& fit);
-// The smooth curve by which a trusted fit judged; empty for any other.
+// The reference curve of a trusted fit; empty for any other fit.
 [[nodiscard]] std::string referenceLine(const calibration::Fit& fit);
-// Every equation of the fit; below the table a paragraph for each reason for which some were
-// rejected, and the warnings.
+// A table of the equations, a paragraph for each reason to reject some of them, and the warnings.
 [[nodiscard]] std::string equationTable(const calibration::Fit& fit);
 // What the tests cannot see in the chosen curve, a paragraph each.
 [[nodiscard]] std::string warningLines(const calibration::Fit& fit);

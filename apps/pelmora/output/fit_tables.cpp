@@ -28,7 +28,7 @@ std::string othersOf(const std::vector<std::string>& names) {
   return " " + names[1] + " and " + rest + " fail in the same way.";
 }
 
-// Each reason once, of the equation that came nearest.
+// Each reason once, in the words for the equation that came nearest.
 std::string reasonLines(const calibration::Fit& fit) {
   std::string lines;
   for (const calibration::Rejected& rejected : calibration::rejectedTogether(fit)) {

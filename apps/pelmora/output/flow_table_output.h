@@ -1,4 +1,4 @@
-// Tables for flow computers and stored points as files for other programs.
+// Tables for flow computers, and stored points, as files for other programs.
 // SPDX-License-Identifier: MIT
 #pragma once
 

@@ -74,6 +74,16 @@ std::string pointCounts(const std::vector<RawPoint>& points) {
   return text;
 }
 
+std::string pointsBySeries(const std::vector<PointsOfSeries>& all) {
+  std::string text;
+  for (const auto& [series, points] : all) {
+    if (points == 0) continue;
+    text +=
+        (text.empty() ? counted(points, "point") : ", " + std::to_string(points)) + " of " + series;
+  }
+  return text;
+}
+
 std::string exclusionLines(const std::vector<RawPoint>& points) {
   std::string text;
   for (const RawPoint& point : points) {

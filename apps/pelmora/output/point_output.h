@@ -16,6 +16,12 @@ namespace pelmora::cli {
 [[nodiscard]] std::string pointsTable(const std::vector<calibration::RawPoint>& points);
 // "24 points, 2 of them excluded, 1 cut by the merge"
 [[nodiscard]] std::string pointCounts(const std::vector<calibration::RawPoint>& points);
+struct PointsOfSeries {
+  std::string series;
+  std::size_t points = 0;
+};
+// "8 points of Rotor A, 3 of Rotor B"; series without points are left out. Empty if none is left.
+[[nodiscard]] std::string pointsBySeries(const std::vector<PointsOfSeries>& all);
 // A paragraph for each excluded point: by whom, when and why.
 [[nodiscard]] std::string exclusionLines(const std::vector<calibration::RawPoint>& points);
 [[nodiscard]] std::string exclusionLines(const std::vector<calibration::ExcludedPoint>& points);

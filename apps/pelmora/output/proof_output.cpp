@@ -3,6 +3,7 @@
 
 #include "apps/pelmora/output/finding_output.h"
 #include "apps/pelmora/output/text_table.h"
+#include "report/json_null.h"
 
 #include <nlohmann/json.hpp>
 
@@ -19,7 +20,7 @@ using calibration::ProofGap;
 using calibration::ProofSheet;
 using calibration::ProofTable;
 
-// The most that a terminal shows; JSON has all of them.
+// The most gaps that a terminal shows; JSON has all.
 constexpr std::size_t mostGapsShown = 30;
 
 std::string hexText(std::uint64_t number) {
@@ -35,10 +36,6 @@ std::string checksumText(const ProofTable& table) {
 
 std::string expectedText(const ProofTable& table) {
   return table.expected ? std::to_string(*table.expected) : "unknown";
-}
-
-nlohmann::json expectedJson(const ProofTable& table) {
-  return table.expected ? nlohmann::json(*table.expected) : nlohmann::json();
 }
 
 std::string copiedText(const ProofSheet& sheet) {
@@ -114,7 +111,7 @@ nlohmann::json proofJson(const ProofSheet& sheet) {
     value["problems"].push_back(findingJson(finding));
   for (const ProofTable& table : sheet.tables) {
     value["tables"].push_back({{"table", table.name},
-                               {"expected", expectedJson(table)},
+                               {"expected", report::orNull(table.expected)},
                                {"read", table.read},
                                {"written", table.written},
                                {"emptyValues", table.empty},
@@ -123,15 +120,13 @@ nlohmann::json proofJson(const ProofSheet& sheet) {
   }
   for (const ProofTable& table : sheet.otherTables) {
     value["otherTables"].push_back({{"table", table.name},
-                                    {"expected", expectedJson(table)},
+                                    {"expected", report::orNull(table.expected)},
                                     {"read", table.read},
                                     {"checksumRead", hexText(table.checksumRead)}});
   }
   for (const ProofGap& gap : sheet.missing) {
     value["missing"].push_back(
-        {{"table", gap.table.empty() ? nlohmann::json() : nlohmann::json(gap.table)},
-         {"place", gap.place},
-         {"reason", gap.reason}});
+        {{"table", report::orNull(gap.table)}, {"place", gap.place}, {"reason", gap.reason}});
   }
   return value;
 }

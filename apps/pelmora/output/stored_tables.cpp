@@ -45,16 +45,12 @@ std::string curveTable(const PointArray& curve) {
   return table.text();
 }
 
-// How many points of which series; 'points' has the reasons.
+// The counts alone: the reasons are printed by the command 'points'.
 std::string excludedLine(const std::vector<StoredSeries>& all) {
-  std::string text;
-  for (const StoredSeries& series : all) {
-    if (series.excluded.empty()) continue;
-    text += (text.empty() ? "Excluded: " + counted(series.excluded.size(), "point")
-                          : ", " + std::to_string(series.excluded.size())) +
-            " of " + series.name;
-  }
-  return text.empty() ? text : wrapped(text + "; 'pelmora points' tells why.", 0);
+  std::vector<PointsOfSeries> excluded;
+  for (const StoredSeries& series : all) excluded.push_back({series.name, series.excluded.size()});
+  const std::string points = pointsBySeries(excluded);
+  return points.empty() ? "" : wrapped("Excluded: " + points + "; 'pelmora points' tells why.", 0);
 }
 
 json excludedJson(const StoredSeries& series) {

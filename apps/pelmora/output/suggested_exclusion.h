@@ -1,4 +1,4 @@
-// The commands that leave suspect points out.
+// Commands that exclude suspect points.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -21,7 +21,7 @@ struct NamedSeries {
   std::string series;
 };
 
-// One for each raw part, with a reason that is true of all its points: it is kept with them.
+// One command for each raw part. Its reason is stored with each point, so it holds for all.
 [[nodiscard]] std::vector<std::string> exclusionCommands(const NamedSeries& series,
                                                          const std::vector<SuspectPoint>& points);
 

@@ -5,40 +5,30 @@
 #include <pelmora/calibration/fitted_curve.h>
 
 #include <functional>
-#include <memory>
 #include <optional>
 #include <utility>
 
 namespace pelmora::python {
 
-// Copies share the function. The interpreter lock guards it.
+// The interpreter lock guards the function.
 class CurveHandle {
  public:
   explicit CurveHandle(calibration::FittedCurve curve)
-      : table_(std::make_shared<const calibration::Curve>(curve.table())),
-        made_(std::make_shared<Made>()) {
-    made_->curve = std::move(curve);
-  }
-  // make: of a fit, whose function many callers never ask for.
+      : table_(curve.table()), function_(std::move(curve)) {}
+  // make: makes the function of a fit, which many callers never need.
   CurveHandle(calibration::Curve table, std::function<calibration::FittedCurve()> make)
-      : table_(std::make_shared<const calibration::Curve>(std::move(table))),
-        made_(std::make_shared<Made>()) {
-    made_->make = std::move(make);
-  }
+      : table_(std::move(table)), make_(std::move(make)) {}
 
-  [[nodiscard]] const calibration::Curve& table() const { return *table_; }
+  [[nodiscard]] const calibration::Curve& table() const { return table_; }
   [[nodiscard]] const calibration::FittedCurve& function() const {
-    if (!made_->curve) made_->curve = made_->make();
-    return *made_->curve;
+    if (!function_) function_ = make_();
+    return *function_;
   }
 
  private:
-  struct Made {
-    std::optional<calibration::FittedCurve> curve;
-    std::function<calibration::FittedCurve()> make;
-  };
-  std::shared_ptr<const calibration::Curve> table_;
-  std::shared_ptr<Made> made_;
+  calibration::Curve table_;
+  mutable std::optional<calibration::FittedCurve> function_;
+  std::function<calibration::FittedCurve()> make_;
 };
 
 }  // namespace pelmora::python

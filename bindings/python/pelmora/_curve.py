@@ -56,8 +56,11 @@ class Curve:
 
     @property
     def source(self) -> str:
-        """Where its values come from: "equation", "reference curve", or "table" if a new fit does not give a stored
-        curve again; it is then read linearly, and its uncertainty is not known."""
+        """Where its values come from: "equation", "reference curve" or "table".
+
+        A stored curve that a new fit does not give again is read linearly from its table, and its uncertainty is not
+        known.
+        """
         return self._table.source
 
     @property
@@ -139,9 +142,9 @@ class Curve:
 
         kind: "confidence" and "prediction" are k standard uncertainties from the scatter of the points alone: of the
             curve, or of one more measurement. In a trusted fit the distance between the curve and the reference curve
-            is part of it. "expanded" is U as `pelmora evaluate` states it (with k = 2, another k scales it): the
-            curve and everything that the stand states, if the uncertainty of a stand is stored with the calibration.
-        reading: for "expanded", of a value that is read from the table: the reading error is then part of U.
+            is part of it. "expanded" is U as `pelmora evaluate` states it, times k / 2. It covers the curve and, if
+            the uncertainty of a stand is stored with the calibration, everything that the stand states.
+        reading: for "expanded", how the value is read from the table; the reading error is then part of U.
         viscosity: for "expanded", in cSt; needed if the stand's uncertainty is stated in units rather than per cent.
 
         Errors: BadData for another kind; NotFound if it is not known for this curve; as for `eval`.
@@ -163,10 +166,12 @@ class Curve:
         return _numbers.through(x, kind, half_widths)
 
     def flow(self, frequency: Any, viscosity: Any, temperature: Any = None) -> Any:
-        """The volume flow at which a rotor in service has this frequency, in the form of `frequency`.
+        """The volume flow at which a rotor in service has this frequency, in the same form as `frequency`.
 
-        frequency: in Hz. viscosity: kinematic, in cSt; temperature: in degrees F, for the thermal expansion of a body
-            of stainless steel, 70 if None; each a number or as many as there are frequencies.
+        frequency: in Hz.
+        viscosity: kinematic, in cSt: one number, or one for each frequency.
+        temperature: in degrees F, for the thermal expansion of a body of stainless steel: one number, or one for each
+            frequency; 70 if None.
 
         Returns volumes per second in the calibration's unit: gallons per second for pulses per gallon.
 

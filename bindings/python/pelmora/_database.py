@@ -37,7 +37,7 @@ class Import(Record):
     dropped: Table[DroppedExclusion]
     #: The reason why only Rotor A was derived; empty otherwise.
     job_without_rotor_b: str
-    #: What runs of known fluids have kept although the import said something else: fluid, what, kept, given.
+    #: What runs of known fluids kept although the import gave something else: tuples of fluid, what, kept, given.
     kept_entries: list[tuple[str, str, str, str]]
     #: Readings that put a run far from the meter's other runs, as sentences.
     doubts: list[str]
@@ -132,9 +132,9 @@ class Database:
         runs: job and fluid of each, at most four: [("1001", "Mineral spirit"), ("1002", "Glycol mix")]. A run in a
             fluid that the calibration already has replaces the earlier one.
         operator: who ran them. stand_number, position: numbers that are stored with the runs.
-        date: of the runs, such as "2026-11-21"; today if it is None.
-        update: gives operator, stand_number, position and date also to runs of fluids that the calibration already
-            has. Otherwise these keep theirs, and `kept_entries` of the result lists them.
+        date: of the runs, such as "2026-11-21"; None: today.
+        update: also give operator, stand_number, position and date to runs in fluids that the calibration already has.
+            Otherwise such runs keep their own, and `kept_entries` of the result lists them.
 
         Errors: NotFound for the stand or a job; BadData, with job, point and column, for readings that are missing,
             are texts or divide by zero, for a fluid given twice and for more than four fluids.

@@ -33,8 +33,9 @@ def fit(roshko: Any, strouhal: Any, *, part: Any = None, data: Any = None, band:
         are merged: where they overlap, points of one that contradict the other are cut. None: one part.
     data: a frame, or a mapping of names to columns.
     band: how far a point may lie from the curve, in per cent.
-    points: of the curve's table. spacing: where they lie: "usual", evenly in the logarithm of Roshko, closer together
-        where a trusted curve bends, or "optimal", where linear reading between them errs least.
+    points: how many points the curve's table has.
+    spacing: where they lie. "usual": evenly in the logarithm of Roshko, closer together where a trusted curve bends.
+        "optimal": where linear reading between them has the smallest error.
     min, max: the range of the table, in Roshko; they crop the table, not the points. None: the end of the points.
     fit_min, fit_max: points beyond are not fitted.
     choose: "trusted": the simplest equation that stays with a smooth reference curve over the whole range, or that
@@ -50,7 +51,7 @@ def fit(roshko: Any, strouhal: Any, *, part: Any = None, data: Any = None, band:
         "extrapolate".
     progress: a function of (done, of), a tqdm bar, or True. status: a function of a text.
 
-    Errors: BadData for columns that are no numbers, have NaN or different lengths; OutOfRange; NoFit if no equation
+    Errors: BadData for columns that are not numbers, have NaN or different lengths; OutOfRange; NoFit if no equation
         passes the tests: its ``fit`` has what was tried.
 
     >>> fit = pelmora.fit(frame["roshko"], frame["strouhal"])

@@ -113,7 +113,7 @@ class Meter:
 
         file: as `pelmora stand uncertainty` takes it (docs/file_formats.md); None removes what is kept.
 
-        Errors: BadData that names the line for what is not understood; FileNotFoundError.
+        Errors: BadData, which names the line that is not understood; FileNotFoundError.
         """
         text = ""
         if file is not None:

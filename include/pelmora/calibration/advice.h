@@ -20,7 +20,7 @@ enum class AdviceKind {
   morePoints = 4,        // a table of `tablePoints` points
   widerBand = 5,         // `band` per cent
   trustedChoice = 6,     // fit by Choice::trusted
-  moreData = 7           // the points are too few, or cannot be
+  moreData = 7           // there are too few points, or points that cannot be fitted
 };
 
 // "checkPoint", "leaveOutEquation" ...: the names in JSON, which never change.
@@ -37,11 +37,11 @@ struct Advice {
   std::optional<double> band{};
 };
 
-// The most important first; empty if nothing needs to be done. A wider band is never the advice
-// where single points are to blame, nor if it had to be more than three times as wide.
+// The most important first; empty if nothing needs to be done. A wider band is never advised if
+// single points are to blame, or if it would have to be more than three times as wide.
 [[nodiscard]] PELMORA_API std::vector<Advice> adviceFor(const Fit& fit);
 
-// Equations that failed for the same reason, best first, so that it is said once.
+// Equations that failed for the same reason, best first, so that the reason is given once.
 struct Rejected {
   std::vector<std::string> names;
   std::string why;  // of the first

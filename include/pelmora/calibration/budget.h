@@ -15,7 +15,7 @@ struct BudgetRow {
   // "fit", "reference flow", "viscosity", "temperature", "frequency", "repeatability",
   // "reproducibility", "model", "table reading".
   std::string cause;
-  std::string label;               // tells several of one cause apart; may be empty
+  std::string label;               // distinguishes rows of one cause; may be empty
   double standardUncertainty = 0;  // in `unit`
   std::string unit;                // empty: the unit of the value
   std::string distribution;        // "normal", "rectangular", "triangular", "U-shaped"
@@ -25,15 +25,15 @@ struct BudgetRow {
   double contribution = 0;         // standard uncertainty in the unit of the value, signed
 };
 
-// The budget of one value. U = k u, or the laboratory's CMC where this is larger.
+// The budget of one value. U = k u, or the laboratory's CMC if that is larger.
 //
 // Units:  value, standardUncertainty and expanded in the unit of the value.
 struct Budget {
-  // The stand whose file the rows come from. Without a stand the budget contains the scatter of the
-  // points alone, which every output says.
+  // The stand whose file the rows come from. Without a stand, the budget contains only the scatter
+  // of the points, and every output says so.
   std::string stand;
   bool hasStand = false;
-  // Of a flow in service, with or without the uncertainty of the instruments there.
+  // Whether the value is a flow in service, and whether the budget includes the instruments there.
   bool isOfFlow = false, hasInstruments = false;
   double value = 0;
   double standardUncertainty = 0, degreesOfFreedom = 0;  // effective (Welch-Satterthwaite)
@@ -46,13 +46,13 @@ struct Budget {
 
   // U to two significant digits, never below the CMC; 0 if there is no uncertainty.
   [[nodiscard]] PELMORA_API double roundedExpanded() const;
-  // The same in per cent of the value.
+  // The same as a percentage of the value.
   [[nodiscard]] PELMORA_API double roundedPercent() const;
   // What U contains and what it does not, as a sentence: "U contains ...".
   [[nodiscard]] PELMORA_API std::string contents() const;
 };
 
-// A check of a budget by drawing (JCGM 101).
+// A check of a budget by random draws (JCGM 101).
 struct MonteCarloCheck {
   double mean = 0, standardDeviation = 0;
   double low = 0, high = 0;  // the interval that holds Budget::probability of the draws

@@ -8,15 +8,16 @@
 
 namespace pelmora::calibration {
 
-// What one `from` is in `to`.
+// How many `to` make one `from`.
 //
 // Errors: BadData for an unknown unit, two different quantities, and temperatures, whose scales
 //         have different zeros.
 [[nodiscard]] PELMORA_API double conversionFactor(const std::string& from, const std::string& to);
 
-// "1.2 cSt", "35 C": a number with its unit, in another unit of that quantity.
+// Reads a number with its unit ("1.2 cSt", "35 C") and converts it to another unit of the same
+// quantity.
 //
-// Errors: BadData for anything else.
+// Errors: BadData for any other text, an unknown unit, and units of two quantities.
 [[nodiscard]] PELMORA_API double measureIn(const std::string& text, const std::string& unit);
 
 }  // namespace pelmora::calibration

@@ -134,11 +134,12 @@ class PELMORA_API Database {
 
   // Copies runs into the calibration and derives Rotor A and, if all runs have readings of rotor B,
   // Rotor B, Rotor Sum and Ratio. A run in a fluid that the calibration already has replaces
-  // the earlier run. Points that were excluded and come again, from the same job with the same
+  // the earlier run. Excluded points that are imported again, from the same job with the same
   // values, stay excluded; Imported::dropped lists the exclusions of all others.
   //
   // Errors: NotFound for a job; BadData, with job, point and column, for a reading that is missing,
-  //         is a text or divides by zero, for a fluid given twice, and for more than four fluids.
+  //         is a text, is negative or divides by zero; for a fluid given twice; and for more than
+  //         four fluids.
   Imported importRuns(const Meter& meter, const Stand& stand, const std::vector<StandRun>& runs,
                       const ImportOptions& options = {}, const Observer& observer = {});
 
@@ -151,8 +152,8 @@ class PELMORA_API Database {
                               const PointArray& points);
 
   // Stores points as raw part `part` (1 to 4) of a series, in place of that part's old points.
-  // Creates the series if needed. Exclusions last if the part's points, excluded ones included or
-  // left out, are stored once more; other points end them.
+  // Creates the series if needed. Exclusions stay in force if the same points are stored again,
+  // with or without the excluded ones. Any other points end them.
   //
   // points: n points, Roshko and Strouhal.  Errors: BadData for an invalid part, no points, more
   // than 32,767 points, or a value that is not finite.
@@ -165,10 +166,10 @@ class PELMORA_API Database {
   [[nodiscard]] std::vector<RawPoint> points(const Meter& meter, const std::string& series) const;
   [[nodiscard]] std::vector<RawPoint> points(const StoredSeries& series) const;
 
-  // Leaves points out of a series: they leave the raw parts, so that every program that reads them
-  // sees the reduced series, and are kept with the reason, the user and the time. An exclusion
-  // lasts until include(); it survives a new fit and a new import of the same job. A stored curve
-  // is then outdated.
+  // Leaves points out of a series. They are removed from the raw parts, so that every program sees
+  // the reduced series, and kept with the reason, the user and the time. An exclusion lasts until
+  // include(): it survives a new fit and a new import of the same job. A stored curve becomes
+  // outdated.
   //
   // Errors: NotFound; BadData for an empty reason, a selection without points or of a point that
   // does not exist. Points that are excluded already stay as they are.
@@ -203,33 +204,34 @@ class PELMORA_API Database {
   [[nodiscard]] Curve curve(const Meter& meter, const std::string& series) const;
   [[nodiscard]] Curve curve(const StoredSeries& series, const Observer& observer = {}) const;
 
-  // The curve behind the stored table, with the uncertainty of the stand if one is stored: the
-  // equation or the reference curve, if a new fit with the same settings reproduces the table, else
-  // the table alone.
+  // The curve behind the stored table, with the uncertainty of the stand if one is stored. This is
+  // the equation or the reference curve if a new fit with the same settings reproduces the table,
+  // and otherwise the table itself.
   //
   // Errors: as for curve().
   [[nodiscard]] FittedCurve fittedCurve(const Meter& meter, const std::string& series) const;
   [[nodiscard]] FittedCurve fittedCurve(const StoredSeries& series,
                                         const Observer& observer = {}) const;
 
-  // The uncertainty of the stand that measured a calibration, kept with it.
+  // The uncertainty of the stand that measured a calibration, stored with the calibration. A change
+  // returns the history entry of the previous statement, 0 if there was none.
   //
-  // Errors: BadData for a text that is not understood; it names the line. Result of the changes:
-  //         the history entry of the previous statement, 0 if there was none.
+  // Errors: BadData for text that cannot be understood; the message names the line.
   [[nodiscard]] std::optional<StandStatement> standUncertainty(const Meter& meter) const;
   HistoryEntryId setStandUncertainty(const Meter& meter, const StandStatement& statement);
   HistoryEntryId removeStandUncertainty(const Meter& meter);
 
-  // Fluids with viscosity laws, by name, for flows in service. A set replaces the law of that name.
+  // Fluids with viscosity laws, by name, for flows in service. setFluidLaw() replaces a stored law
+  // of the same name.
   //
-  // Errors: NotFound, its remedy suggests similar names; BadData for an invalid law.
+  // Errors: NotFound, with a remedy that suggests similar names; BadData for an invalid law.
   [[nodiscard]] std::vector<FluidLaw> fluidLaws() const;
   [[nodiscard]] FluidLaw fluidLaw(const std::string& name) const;
   void setFluidLaw(const FluidLaw& fluid);
   void removeFluidLaw(const std::string& name);
 
-  // Whether the stored curve belongs to the stored raw points. If StoredSeries::age does not know,
-  // the fit is repeated: a curve that comes out again is current.
+  // Whether the stored curve belongs to the stored raw points. If StoredSeries::age is unknown, the
+  // fit is repeated. A curve that the new fit reproduces is current.
   [[nodiscard]] CurveAge curveAge(const StoredSeries& series) const;
 
   // Fits the series with the settings of its stored curve, or with `unkept` if they were not kept.
@@ -246,12 +248,13 @@ class PELMORA_API Database {
   // -1, and such a series is RefitResultKind::unreadable.
   [[nodiscard]] std::vector<RefitTask> allSeries() const;
 
-  // What certificates state of the laboratory and of a calibration, see details.h. A set replaces
-  // the details that it names and removes those with an empty text.
+  // What certificates state about the laboratory and about a calibration; see details.h. The
+  // setters replace the details that they are given and remove those whose text is empty.
+  // setDetails() returns the history entry of the previous details, 0 if there were none. Previous
+  // details of the laboratory are not kept.
   //
-  // Errors: BadData for an unknown key, a detail of the other one, and a text that is not of its
-  //         kind. Result of setDetails: the history entry of the previous details, 0 if there were
-  //         none; those of the laboratory are not kept.
+  // Errors: BadData for an unknown key, for a detail of a meter given to the laboratory or vice
+  //         versa, and for text that is not valid for its kind.
   [[nodiscard]] Details laboratory() const;
   void setLaboratory(const Details& changes);
   [[nodiscard]] Details details(const Meter& meter) const;

@@ -20,7 +20,7 @@ struct DerivedPoint {
 };
 
 // frequency / viscosity and frequency / flow, corrected for the thermal expansion of the rotor
-// housing from 70 degrees Fahrenheit, as the series of a stand are derived.
+// housing since 70 degrees Fahrenheit, in the same way as the series that are derived from a stand.
 [[nodiscard]] PELMORA_API DerivedPoint derivedPoint(const Reading& reading);
 
 }  // namespace pelmora::calibration

@@ -12,8 +12,8 @@
 
 namespace pelmora::calibration {
 
-// The change of a curve at one Roshko number, in per cent of the earlier one, with its expanded
-// uncertainty: without what the stand does to both calibrations alike.
+// The change of a curve at one Roshko number, in per cent of the earlier value, with its expanded
+// uncertainty. An error that the stand makes in both calibrations alike is not part of it.
 struct CurveShift {
   double roshko = 0, percent = 0;
   double uncertaintyPercent = 0, coverageFactor = 0;
@@ -21,15 +21,15 @@ struct CurveShift {
   [[nodiscard]] bool isSignificant() const { return en > 1 || en < -1; }
 };
 
-// Nothing beyond either curve, where an uncertainty is not known, or where there is nothing that
-// the calibrations do not share.
+// Nothing beyond either curve, where an uncertainty is not known, or where the calibrations share
+// all of it.
 //
 // Errors: BadData as FittedCurve::at().
 [[nodiscard]] PELMORA_API std::optional<CurveShift> shiftOf(const FittedCurve& earlier,
                                                             const FittedCurve& now, double roshko,
                                                             const EvaluateOptions& options = {});
 
-// A calibration in a drift: its curve, and when it was.
+// A calibration in a drift: its curve and its date.
 struct DatedCurve {
   int calibration = 0;
   std::string date;             // as stored; empty if it is not known
@@ -37,12 +37,13 @@ struct DatedCurve {
   FittedCurve curve;
 };
 
-// A year and its fraction: of 2026-11-21, 11/21/2026 or 21.11.2026; nothing for other texts.
+// A date such as 2026-11-21, 11/21/2026 or 21.11.2026 as a year and its fraction; empty for any
+// other text.
 [[nodiscard]] PELMORA_API std::optional<double> yearsOf(const std::string& date);
 
 struct DriftOptions {
-  // Where to look. Empty: at five Roshko numbers, evenly in the logarithm over the range that all
-  // curves have in common.
+  // Where to look. Empty: at five Roshko numbers, spaced evenly in the logarithm over the range
+  // that all curves share.
   std::vector<double> roshko{};
   // The largest change that the application allows, in per cent. Absent: no interval is
   // recommended.
@@ -60,10 +61,12 @@ struct DriftValue {
 // A chart of individual values: centre and +- 3 sigma, in per cent of the first calibration.
 struct ControlChart {
   double centre = 0, low = 0, high = 0, sigma = 0;
-  bool isFromUncertainty = false;  // too few calibrations: sigma is the independent uncertainty
+  // Too few calibrations, or changes between them that are smaller than the uncertainty of one:
+  // sigma is never below that uncertainty.
+  bool isFromUncertainty = false;
 };
 
-// Advice, with everything that it assumes.
+// A recommended interval, with the numbers that it was computed from.
 struct IntervalAdvice {
   double years = 0;       // 0: the scatter alone exceeds the limit
   bool isCapped = false;  // at twice the longest interval so far
@@ -73,7 +76,7 @@ struct IntervalAdvice {
 
 struct DriftPlace {
   double roshko = 0;
-  std::vector<DriftValue> values;  // as Drift::calibrations
+  std::vector<DriftValue> values;  // one for each of Drift::calibrations
   std::optional<ControlChart> chart{};
   std::optional<IntervalAdvice> interval{};
 };
@@ -81,14 +84,14 @@ struct DriftPlace {
 struct Drift {
   std::vector<DatedCurve> calibrations;
   std::vector<DriftPlace> places;
-  // The shortest interval of all places, in years, and why there is none.
+  // The shortest interval of all places, in years, or why there is none.
   std::optional<double> intervalYears{};
   std::string whyNoInterval;
   [[nodiscard]] PELMORA_API std::string assumptions() const;
 };
 
-// Errors: BadData for fewer than two curves, curves without a common range, a Roshko number beyond
-//         it, and as FittedCurve::at().
+// Errors: BadData for fewer than two curves, for curves without a common range, for a Roshko number
+//         beyond that range, and as for FittedCurve::at().
 [[nodiscard]] PELMORA_API Drift driftOf(std::vector<DatedCurve> calibrations,
                                         const DriftOptions& options = {});
 

@@ -39,7 +39,7 @@ class PELMORA_API EquationList {
   // What is kept with a stored curve: the text of the file with CR LF line ends; absent for the
   // built-in equations.
   [[nodiscard]] const std::optional<std::string>& text() const { return text_; }
-  // The text of an equation file with these equations, to begin one's own.
+  // The text of an equation file with these equations, as a start for your own.
   [[nodiscard]] std::string asFile() const;
 
  private:

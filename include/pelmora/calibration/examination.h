@@ -49,8 +49,8 @@ struct Repaired {
 // a curve database there that contains it, with rows and ids as they were; rows with any damage are
 // left out. The damaged file is not changed. If it fails, nothing is left behind.
 //
-// Errors: NotFound; Exists for `newLocation`; Locked; Cancelled; Unusable if nothing of it is a
-// database.
+// Errors: NotFound; Exists for `newLocation`; Locked; Cancelled; Unusable if no part of it is a
+//         database.
 [[nodiscard]] PELMORA_API SalvageReport salvage(const std::string& location,
                                                 const std::string& newLocation = {},
                                                 const Patience& patience = {});

@@ -33,7 +33,7 @@ enum class PointSpacing {
   // Evenly in the logarithm of Roshko; a trusted fit moves them closer together where the curve
   // bends if the even table, read linearly, would take more than a quarter of the band.
   usual = 0,
-  // Where linear reading between them errs least.
+  // Where linear reading between them has the smallest error.
   optimal = 1
 };
 
@@ -72,7 +72,7 @@ struct FitSettings {
   std::optional<int> maxOrder{};  // of polynomials
 };
 
-// Settings to take the place of others. Absent: as they are.
+// Changes to settings. An absent member leaves its setting as it is.
 struct SettingsChange {
   std::optional<Choice> choice{};
   std::optional<double> fitMin{}, fitMax{};
@@ -83,7 +83,7 @@ struct SettingsChange {
   std::optional<PointSpacing> spacing{};
 
   [[nodiscard]] PELMORA_API FitSettings appliedTo(FitSettings settings) const;
-  // Whether `settings` would stay as they are.
+  // Whether the change would leave `settings` as they are.
   [[nodiscard]] PELMORA_API bool isInForceIn(const FitSettings& settings) const;
 };
 

@@ -1,4 +1,4 @@
-// Volume flow that a calibrated meter shows in service, and the fluids in it.
+// Volume flow that a calibrated meter shows in service, and its fluids.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -16,20 +16,20 @@ namespace pelmora::calibration {
 // How the viscosity of a fluid depends on its temperature.
 enum class ViscosityLawKind {
   table = 0,    // points, interpolated in the scale of ASTM D341
-  d341 = 1,     // log10 log10 Z = a - b log10 T: constants a, b or two points and more
-  andrade = 2,  // ln v = a + b / (T + c): constants a, b, c or two points and more
+  d341 = 1,     // log10 log10 Z = a - b log10 T: constants a, b, or two or more points
+  andrade = 2,  // ln v = a + b / (T + c): constants a, b, c, or two or more points
 };
 
 // "table", "d341", "andrade": the names at the command line and in the database.
 [[nodiscard]] PELMORA_API const char* viscosityLawKey(ViscosityLawKind kind);
-// Nothing for a name that none has.
+// Nothing for an unknown name.
 [[nodiscard]] PELMORA_API std::optional<ViscosityLawKind> viscosityLawOf(const std::string& key);
 
 struct ViscosityAt {
   double celsius = 0, centistokes = 0;
 };
 
-// A fluid by name. Either points (two or more) or constants with the range in which they hold.
+// A fluid and its law, which has either points (two or more) or constants with their range.
 //
 // Units:  v in cSt, T in K.
 struct FluidLaw {
@@ -37,17 +37,18 @@ struct FluidLaw {
   ViscosityLawKind kind = ViscosityLawKind::table;
   std::vector<ViscosityAt> points{};
   std::vector<double> constants{};               // a, b and, for andrade, c
-  double lowestCelsius = 0, highestCelsius = 0;  // of constants; of points, their own range
+  double lowestCelsius = 0, highestCelsius = 0;  // of constants; points have their own range
   std::string storedAt{}, userName{};
 
   // In cSt, and its relative change per K.
   //
-  // Errors: BadData for an invalid law; OutOfRange beyond its range: a law is not extrapolated.
+  // Errors: BadData for an invalid law; OutOfRange beyond its range, since laws are not
+  //         extrapolated.
   [[nodiscard]] PELMORA_API double viscosity(double celsius) const;
   [[nodiscard]] PELMORA_API double changePerKelvin(double celsius) const;
 };
 
-// What is measured in service. Both frequencies for a meter with two rotors.
+// What is measured in service; both frequencies for a meter with two rotors.
 //
 // Units:  Hz, cSt, degrees C; linear expansion of the meter's body per K.
 struct ServiceReading {
@@ -56,7 +57,7 @@ struct ServiceReading {
   std::optional<double> viscosity{};  // absent: from the fluid, or from the quotient of the rotors
   double celsius = 190.0 / 9;         // 70 F, to which the numbers refer
   std::optional<double> expansionPerKelvin{};  // absent: stainless steel, 1.728E-5
-  // What the instruments in service contribute, as a stand's file states it, without [flow].
+  // What the instruments in service contribute, in the form of a stand's file without [flow].
   std::optional<StandStatement> instruments{};
   ReadAs reading = ReadAs::none;
 };
@@ -73,28 +74,28 @@ struct ServiceFlow {
   RotorFlow rotor;                     // rotor A, or the only one
   std::optional<RotorFlow> rotorB{};
   double flow = 0;
-  // Of two rotors: how far the flow of B is from that of A, in per cent of the joint flow, and the
-  // expanded uncertainty of that; beyond it, a rotor no longer follows its curve. Absent where the
-  // viscosity comes from the quotient of the rotors, because they always agree there.
+  // Of two rotors: the flow of B minus that of A, in per cent of the joint flow, and its expanded
+  // uncertainty. A difference beyond it means that a rotor no longer follows its curve. Absent
+  // where the viscosity comes from the quotient of the rotors, because they always agree then.
   std::optional<double> differencePercent{}, differenceUncertaintyPercent{};
   std::optional<Budget> budget{};  // of the flow; absent beyond the ends of a curve
 };
 
-// The flow by one rotor.
+// The flow from one rotor.
 //
-// Errors: BadData for values that are not above 0, a viscosity that is missing, a series whose y is
-//         a quotient of rotors, and instruments that state a reference flow.
+// Errors: BadData for values that are not above 0, a missing viscosity, a series whose y is a
+//         quotient of rotors, and instruments that state a reference flow.
 [[nodiscard]] PELMORA_API ServiceFlow flowOf(const FittedCurve& rotor,
                                              const ServiceReading& reading);
-// Flows alone, of n readings.
+// The flows of n readings, without their uncertainty.
 //
 // Units:  Hz, cSt, degrees F.  Shape: n values each.
-// Errors: as above; OutOfRange, with the reading, beyond the ends of the curve.
+// Errors: as above; OutOfRange, naming the reading, beyond the ends of the curve.
 [[nodiscard]] PELMORA_API std::vector<double> flowsOf(const FittedCurve& rotor,
                                                       std::span<const double> frequency,
                                                       std::span<const double> viscosity,
                                                       std::span<const double> fahrenheit);
-// The flow by both rotors. quotient: the series Rotor Sum, needed where no viscosity is given.
+// The flow from both rotors. quotient: the series Rotor Sum, needed if no viscosity is given.
 //
 // Errors: as above; BadData if the quotient occurs at several Roshko numbers; OutOfRange if it is
 //         not on its curve.

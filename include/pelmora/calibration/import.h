@@ -21,12 +21,12 @@ struct ImportOptions {
   bool newCalibration = false;
   std::int16_t stand = -1, position = -1;  // numbers that are stored with the runs
   std::string date = {};                   // of the runs, as 2026-11-21; empty: today
-  // Give the operator, the stand, the position and the date above also to runs of fluids that the
-  // calibration has already. Otherwise these keep theirs, and Imported::keptEntries says so.
+  // Also set the operator, stand, position and date above for runs whose fluid the calibration
+  // already has. Otherwise those runs keep their own, and Imported::keptEntries lists them.
   bool update = false;
 };
 
-// What a run of a known fluid has kept although the import said something else.
+// An entry that a run of a known fluid has kept although the import gave another one.
 struct KeptEntry {
   std::string fluid;
   std::string what;  // "operator", "stand", "position", "date"
@@ -45,14 +45,15 @@ struct Imported {
   std::vector<Run> runs;          // all runs of the calibration, with those of earlier imports
   std::vector<DerivedSeries> series;
   std::string jobWithoutRotorB;   // the reason why only Rotor A was derived; empty if there is none
-  std::size_t excludedAgain = 0;  // points whose exclusion lasts
-  std::vector<DroppedExclusion> dropped;  // exclusions of points that did not come again
+  std::size_t excludedAgain = 0;  // points that are still excluded
+  std::vector<DroppedExclusion> dropped;  // exclusions of points that the import did not contain
   std::vector<KeptEntry> keptEntries;
   std::vector<std::string> doubts;  // readings that put a run far from the meter's other runs
   std::vector<HistoryEntryId> kept;
 };
 
-// A point whose Roshko number is 1,000 times larger or smaller than those of its part's others.
+// A point whose Roshko number is at least 1,000 times larger or smaller than those of the other
+// points of its part.
 struct FarPoint {
   std::size_t index = 0;  // in the order of the points
   double factor = 1;      // its Roshko number over the median of the others
@@ -62,9 +63,10 @@ struct StoredPoints {
   std::int32_t seriesID = 0;
   bool isNewSeries = false;
   HistoryEntryId kept = 0;   // the entry of the part's previous points
-  std::size_t excluded = 0;  // points of the part whose exclusion lasts
+  std::size_t excluded = 0;  // points of the part that are still excluded
   std::vector<DroppedExclusion> dropped;
-  // Roshko over that of the meter's nearest other raw part; 1 unless they are 10,000 times apart.
+  // Roshko over that of the meter's nearest other raw part; 1 unless they differ by a factor of
+  // 10,000 or more.
   double farFactor = 1;
   std::vector<FarPoint> farPoints;
 };

@@ -25,7 +25,7 @@ struct ProofTable {
   // has marked as empty looks like one that always was.
   std::uint64_t empty = 0;
   // Of every number and text that was read for this table, and of those that the new database gives
-  // back, in any order of the rows. Equal for equal values, numbers bit for bit.
+  // back. Equal for equal values, whatever the order of the rows; numbers must agree bit for bit.
   std::uint64_t checksumRead = 0, checksumWritten = 0;
 
   [[nodiscard]] bool isWhole() const {
@@ -43,11 +43,11 @@ struct ProofGap {
 struct ProofSheet {
   std::vector<ProofTable> tables;  // all tables of a curve database
   std::vector<ProofGap> missing;
-  // What Database::examine() finds in the copied rows, notes left out: the file holds the same
-  // problems. Rows that nothing refers to may be a trace of damage that no count shows.
+  // What Database::examine() finds in the copied rows, except notes. The file has the same
+  // problems. Orphaned rows may be a trace of damage that no count shows.
   std::vector<Finding> problems;
-  // Those of the file that are not part of a curve database. They are read and counted, not copied;
-  // `written`, `empty` and `checksumWritten` are 0.
+  // Tables of the file that are not part of a curve database. They are read and counted but not
+  // copied: `written`, `empty` and `checksumWritten` are 0.
   std::vector<ProofTable> otherTables;
 
   [[nodiscard]] bool isComplete() const;
@@ -60,7 +60,7 @@ inline bool ProofSheet::isComplete() const {
   return missing.empty();
 }
 
-// The file holds no curve database, or its tables cannot be found because of damage.
+// The file does not hold a curve database, or damage hides its tables.
 class PELMORA_API NoCurveDatabase : public BadData {
  public:
   NoCurveDatabase(FailureText text, ProofSheet sheet);
@@ -73,14 +73,15 @@ class PELMORA_API NoCurveDatabase : public BadData {
   ProofSheet sheet_;
 };
 
-// Reads the Access file at `path` and writes its curve database to `location`, with all ids, in one
-// transaction. If there is no file at `location`, a curve database is created; an existing one must
-// be empty. A row or value that cannot be read or stored is left out and listed; everything else is
-// copied.
+// Copies the curve database in the Access file at `path` to `location` in one transaction and keeps
+// all ids. If the file at `location` does not exist, it is created as a new curve database. If it
+// exists, it must be an empty curve database. A row or value that cannot be read or stored is left
+// out and listed; everything else is copied.
 //
-// Errors: NotFound if there is no file at `path`; Damaged if it is not an Access file or cannot be
-//         read at all; Unusable if this build cannot read Access files; NoCurveDatabase; Exists if
-//         the curve database at `location` holds rows; Locked; Cancelled. Nothing is stored then.
+// Errors: NotFound if the file at `path` does not exist; Damaged if that file is not an Access file
+//         or if no part of it can be read; Unusable if this build cannot read Access files;
+//         NoCurveDatabase; Exists if the curve database at `location` holds rows; Locked;
+//         Cancelled. After any of them, nothing is stored.
 PELMORA_API ProofSheet importAccess(const std::string& path, const std::string& location,
                                     OpenOptions options = {}, const Observer& observer = {});
 

@@ -24,11 +24,11 @@ enum class PointState {
 
 // What the stand measured at a point, in the stand's own units; absent where it recorded no number.
 struct StandReading {
-  // Of the series' rotor; of both rotors together in a series that is made of both.
+  // Of the series' rotor; the sum of both frequencies if the series is derived from both rotors.
   std::optional<double> frequency{};
   std::optional<double> flow{};  // of the reference
   std::optional<double> viscosity{}, temperature{};
-  // Of the column that the laboratory names as nominal flow (details.h).
+  // From the column that the laboratory names for the nominal flow (details.h).
   std::optional<double> nominalFlow{};
 };
 
@@ -44,13 +44,13 @@ struct RawPoint {
   // How far it lies off the smooth curve through all other points that are used, in standard
   // deviations of a good point (solver/reference); absent if there are too few points for it.
   std::optional<double> sigmas{};
-  // All points together say that it is a bad one: 'sigmas' is large.
+  // The other points contradict this one: `sigmas` is large.
   bool isDistrusted = false;
   PointState state = PointState::used;
   std::optional<Exclusion> exclusion{};
   // For a cut point: how far off the merged points it lies.
   std::optional<double> cutPercent{};
-  std::optional<StandReading> reading{};  // absent for points that came from elsewhere
+  std::optional<StandReading> reading{};  // absent if the point did not come from a stand
 };
 
 // Points of one series: everything that any of the members selects.

@@ -24,7 +24,7 @@ enum class RefitResultKind {
   changed = 0,     // by more than the threshold
   kept = 1,        // within the threshold of the previous curve
   added = 2,       // there was no previous curve
-  notFitted = 3,   // no curve, or one with warnings if `isStrict`: the previous one is kept
+  notFitted = 3,   // no curve, or a warning if `isStrict`: the previous curve is kept
   unusable = 4,    // it has no raw points to fit
   unreadable = 5,  // some of its data cannot be read
   gone = 6         // deleted while other series were fitted
@@ -46,7 +46,7 @@ struct RefitOptions {
   double changedPercent = 0.01;  // threshold of RefitResultKind::changed
   std::size_t portion = 100;     // curves stored in one transaction
   bool isDryRun = false;         // nothing is stored
-  SettingsChange change{};       // of the settings kept with each curve; kept with the new one
+  SettingsChange change{};       // to the settings kept with each curve; kept with the new one
   bool isStrict = false;         // a curve with a warning is not stored
   // Called in the caller's thread whenever a portion has been stored, with the number of curves
   // that are stored so far.

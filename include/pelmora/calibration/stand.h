@@ -21,7 +21,7 @@ class PELMORA_API UnreadableText : public BadData {
   UnreadableText(const std::string& location, const sheets::SheetError& error);
   ~UnreadableText() override;
 
-  // What sheets::Style could state to settle it.
+  // The member of sheets::Style that would settle it.
   [[nodiscard]] sheets::SheetError::Doubt doubt() const noexcept { return doubt_; }
 
  private:
@@ -31,10 +31,10 @@ class PELMORA_API UnreadableText : public BadData {
 // Opened for reading by the constructor, closed by the destructor.
 class PELMORA_API Stand {
  public:
-  // A stand's database, or its export as a text file with the columns JobRecordID and V1 to V37;
-  // of a text file `style` says what is not to be recognised.
+  // A stand's database, or its export as a text file with the columns JobRecordID and V1 to V37.
+  // `style` states what should not be left to recognition in a text file.
   //
-  // Errors: NotFound, Unusable; UnreadableText, or other BadData for a text file that names no
+  // Errors: NotFound, Unusable; UnreadableText; another BadData for a text file without a column
   //         JobRecordID.
   explicit Stand(const std::string& location,
                  const Patience& patience = {.limit = std::chrono::seconds(30), .goesOn = {}},
@@ -43,14 +43,14 @@ class PELMORA_API Stand {
   [[nodiscard]] const std::string& location() const { return location_; }
   // In rising order.
   [[nodiscard]] const std::vector<std::string>& jobs() const { return jobs_; }
-  // Errors: NotFound, with the jobs that there are.
+  // Errors: NotFound, which lists the jobs of the stand.
   void requireJob(const std::string& job) const;
   [[nodiscard]] const ConnectionPtr& connection() const { return opened_.connection; }
   // How a text file was read; nothing for a database.
   [[nodiscard]] const std::optional<sheets::Recognised>& recognised() const {
     return opened_.recognised;
   }
-  // The line of a job's point, from 0, in a text file; 0 for a database.
+  // The line of a job's point in a text file; 0 for a database. point: counted from 0.
   [[nodiscard]] std::size_t lineOf(const std::string& job, std::size_t point) const;
 
  private:

@@ -25,19 +25,19 @@ enum class TableForm {
 struct TableOptions {
   TableForm form = TableForm::roshko;
   std::size_t points = 40;
-  // How the flow computer reads between the points; none counts as linear.
+  // How the flow computer reads between the points; ReadAs::none means linear.
   ReadAs reading = ReadAs::linear;
-  bool evenly = false;  // evenly in the logarithm instead of where it serves best
+  bool evenly = false;  // points evenly in the logarithm instead of where they serve best
   // Of the fluid; needed for TableForm::linear. Units: cSt, degrees C.
   std::optional<double> viscosity{};
   double celsius = 190.0 / 9;                  // 70 F
   std::optional<double> expansionPerKelvin{};  // absent: stainless steel
-  // Units of the table: absent, those of the calibration (Hz/cSt, pulses/gal, Hz). K factors and
-  // Strouhal numbers share one.
+  // Units of the table. Empty: those of the calibration (Hz/cSt, pulses/gal, Hz). K factors and
+  // Strouhal numbers have the same unit.
   std::string xUnit{}, yUnit{};
 };
 
-// A row of a table with the expanded uncertainty of what is read there.
+// A row of a table, with the expanded uncertainty of the value read there.
 struct TableRow {
   double x = 0, y = 0;
   std::optional<double> expandedPercent{};
@@ -47,19 +47,19 @@ struct FlowComputerTable {
   TableOptions options;
   std::string xName, yName, xUnit, yUnit;  // "Roshko", "Strouhal", "Hz/cSt", "pulses/gal"
   std::vector<TableRow> rows;
-  double readingErrorPercent = 0, readingErrorAt = 0;  // the largest; at in xUnit
+  double readingErrorPercent = 0, readingErrorAt = 0;  // the largest, and where, in xUnit
   bool hasStand = false;
-  // The largest expanded uncertainty of anything that is read from the table, reading error
-  // included; absent if the uncertainty of the curve is not known.
+  // The largest expanded uncertainty of any value read from the table, including the reading error;
+  // absent if the uncertainty of the curve is not known.
   std::optional<double> expandedPercent{};
   std::optional<double> coverageFactor{}, probability{};
 };
 
-// Knots placed so that the largest reading error is as small as it can be with that many points,
-// over the range of the curve.
+// A table over the range of the curve. Unless `evenly` is set, its points are placed so that the
+// largest reading error is as small as that number of points allows.
 //
-// Errors: BadData for too few or too many points, a viscosity that is missing, a unit of another
-//         quantity, and a series of a quotient for TableForm::linear and ::uvc.
+// Errors: BadData for too few or too many points, a missing viscosity, a unit of another quantity,
+//         and the series of a quotient with TableForm::linear or ::uvc.
 [[nodiscard]] PELMORA_API FlowComputerTable tableFor(const FittedCurve& curve,
                                                      const TableOptions& options);
 

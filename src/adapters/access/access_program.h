@@ -19,8 +19,7 @@ struct ProgramSettings {
 };
 
 // Errors: Error 321 if the program ends early, exceeds one of its limits or sends an invalid
-// message,
-//         91 if the program is missing. The descriptions name the file.
+//         message; 91 if the program is missing. The descriptions name the file.
 class AccessProgram {
  public:
   AccessProgram(std::string path, ProgramSettings settings);

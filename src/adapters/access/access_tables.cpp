@@ -5,8 +5,8 @@
 #include "base/run_time_error.h"
 #include "base/utf8_text.h"
 
+#include <filesystem>
 #include <set>
-#include <system_error>
 
 namespace pelmora {
 namespace {
@@ -69,21 +69,11 @@ class Delivery {
   std::uint64_t rows_ = 0, tables_ = 0;
 };
 
-void requireFile(const std::string& path) {
-  std::error_code code;
-  const bool isFile = path.find('\0') == std::string::npos &&
-                      std::filesystem::is_regular_file(filePath(path), code);
-  if (!isFile) {
-    throw Error(static_cast<std::int32_t>(RunTimeError::fileNotFound), "Pelmora",
-                "Could not find file '" + path + "'. Check the folder and the name.");
-  }
-}
-
 }  // namespace
 
 void readAccessTables(const std::string& path, ForeignTables& into,
                       const ProgramSettings& settings) {
-  requireFile(path);
+  requireRegularFile(path);
   if (!isAccessFile(path)) {
     throw Error(static_cast<std::int32_t>(RunTimeError::invalidFileFormat), "Pelmora",
                 "Unrecognized database format '" + path +

@@ -17,7 +17,8 @@
 namespace pelmora::access {
 
 // Tables come one after the other: TableStart, then TableRow and LeftOutNote in any order, then
-// TableEnd. Failure or AllRead is the last message. A note outside a table concerns the whole file.
+// TableEnd. FileFailure or AllRead is the last message. A note outside a table concerns the whole
+// file.
 struct TableStart {
   std::string name;
   std::uint64_t rows = 0;  // as the file itself counts them
@@ -33,7 +34,7 @@ struct LeftOutNote {
     unsupported = 2  // nothing is damaged; this reader cannot read it
   };
   Kind kind = Kind::damage;
-  std::uint64_t rows = 0;  // that are missing because of it, where that is known
+  std::uint64_t rows = 0;  // that are missing because of it, if known
   std::string place, reason;
 };
 struct TableEnd {
@@ -47,8 +48,7 @@ struct AllRead {
 };
 using Message = std::variant<TableStart, TableRow, LeftOutNote, TableEnd, FileFailure, AllRead>;
 
-// The longest text that travels as one value, and the longest message.
-inline constexpr std::size_t longestText = std::size_t{64} << 20;
+// A longer message is invalid.
 inline constexpr std::size_t longestMessage = std::size_t{256} << 20;
 
 struct InvalidMessage : std::runtime_error {

@@ -24,19 +24,21 @@ Error socketFailure() {
   return windowFailure(isLost ? "The window was lost" : std::strerror(errno));
 }
 
-}  // namespace
-
-HelperProcess::HelperProcess(const std::string& program) {
+os::ChildProgram started(const std::string& program) {
   try {
-    program_.emplace(program);
+    return os::ChildProgram(program);
   } catch (const std::system_error& error) {
     throw windowFailure(error.what());
   }
 }
 
+}  // namespace
+
+HelperProcess::HelperProcess(const std::string& program) : program_(started(program)) {}
+
 bool HelperProcess::waitFor(short events, Clock::time_point deadline) const {
   try {
-    return program_->waitFor(events, deadline);
+    return program_.waitFor(events, deadline);
   } catch (const std::system_error& error) {
     throw windowFailure(error.what());
   }
@@ -46,7 +48,7 @@ void HelperProcess::send(std::string_view bytes, Clock::time_point deadline) {
   while (!bytes.empty()) {
     // MSG_NOSIGNAL: a helper that is gone must be an error here, not a SIGPIPE that ends the host.
     const ssize_t sent =
-        ::send(program_->socket(), bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+        ::send(program_.socket(), bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
     if (sent > 0) {
       bytes.remove_prefix(static_cast<std::size_t>(sent));
     } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
@@ -68,7 +70,7 @@ std::optional<std::string> HelperProcess::receiveLine(Clock::time_point deadline
     if (received_.size() > longestLine) throw windowFailure("The window answers nonsense");
     if (!waitFor(POLLIN, deadline)) return std::nullopt;
     std::array<char, longestLine> buffer{};
-    const ssize_t size = recv(program_->socket(), buffer.data(), buffer.size(), MSG_DONTWAIT);
+    const ssize_t size = recv(program_.socket(), buffer.data(), buffer.size(), MSG_DONTWAIT);
     if (size > 0) {
       received_.append(buffer.data(), static_cast<std::size_t>(size));
     } else if (size == 0) {

@@ -32,7 +32,7 @@ class HelperProcess {
  private:
   [[nodiscard]] bool waitFor(short events, Clock::time_point deadline) const;
 
-  std::optional<os::ChildProgram> program_;
+  os::ChildProgram program_;
   std::string received_;
 };
 

@@ -99,8 +99,8 @@ bool ChildProgram::waitFor(short events, Clock::time_point deadline) const {
 }
 
 int ChildProgram::endingSignal() {
-  // A program that has closed its socket normally ends at once; one that does not is not waited
-  // for.
+  // A program that has closed its socket normally ends at once; one that goes on is not waited for
+  // any longer than this.
   constexpr int mostTries = 200;
   constexpr std::chrono::milliseconds breath(5);
   int status = 0;

@@ -11,8 +11,8 @@
 namespace pelmora::os {
 
 // Starts a program whose standard input and output are one socket to here. It inherits nothing
-// else: no open files, no blocked or ignored signals; its standard error is discarded. It raises
-// no signal here other than the SIGCHLD of its end. The destructor ends and reaps the program.
+// else: no open files, no blocked or ignored signals. Its standard error is discarded. It raises no
+// signal here other than SIGCHLD when it ends. The destructor ends and reaps the program.
 //
 // Errors of all operations: std::system_error.
 class ChildProgram {
@@ -27,8 +27,8 @@ class ChildProgram {
   [[nodiscard]] int socket() const { return socket_; }
   // Waits until poll() finds one of `events` at the socket; false if the deadline passes first.
   [[nodiscard]] bool waitFor(short events, Clock::time_point deadline) const;
-  // The signal that ended the program, once it has closed its socket; 0 if it ended by itself, or
-  // if the host has reaped it already.
+  // Call it once the program has closed its socket. The signal that ended the program; 0 if it
+  // ended by itself, if the host has reaped it already, or if it is still running after a second.
   [[nodiscard]] int endingSignal();
 
  private:

@@ -7,7 +7,7 @@
 namespace pelmora::sql {
 
 inline constexpr std::int32_t updateRefused = static_cast<std::int32_t>(0x80040E09U);
-// The caller has asked for an end.
+// The caller asked the operation to stop.
 inline constexpr std::int32_t stopped = static_cast<std::int32_t>(0x80004004U);
 inline constexpr std::int32_t constraintFailed = static_cast<std::int32_t>(0x80040E2FU);
 // The server cannot be reached, or not any more.

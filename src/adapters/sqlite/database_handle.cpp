@@ -38,8 +38,8 @@ DatabaseHandle::DatabaseHandle(const std::string& file, OpenMode mode, const Pat
   // In KiB. Changes of one transaction wait in memory up to the second size: where they spill into
   // the file, others cannot read it until the transaction ends. What was only read is kept up to
   // the first: enough for the upper levels of indexes, and the same for databases of any size.
-  // A commit ends when the journal's removal is on the disk, too: after a power loss a journal that
-  // came back would undo what has been reported as stored.
+  // A commit ends only when the journal's removal is on the disk too: after a power loss, a journal
+  // that came back would undo what had been reported as stored.
   run("PRAGMA cache_size = -4096; PRAGMA cache_spill = -65536; PRAGMA cell_size_check = ON; "
       "PRAGMA mmap_size = 0; PRAGMA synchronous = EXTRA");
 }

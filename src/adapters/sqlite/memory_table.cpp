@@ -41,10 +41,8 @@ class SessionTables : public MemoryTables {
 std::shared_ptr<sqlite::SqliteSession> readTables(const MemoryDatabase& database) {
   auto session = std::make_shared<sqlite::SqliteSession>();
   sqlite::Transaction transaction(session->handle());
-  {
-    SessionTables tables(*session);
-    database.read(tables);
-  }
+  SessionTables tables(*session);
+  database.read(tables);
   transaction.commit();
   session->freeze(database.whyReadOnly);
   return session;

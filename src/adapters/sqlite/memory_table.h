@@ -23,7 +23,8 @@ class MemoryTables {
 
 struct MemoryDatabase {
   std::function<void(MemoryTables&)> read;  // delivers all tables; may throw Error
-  std::string whyReadOnly;                  // and what to do, for those who try to change a table
+  // Ends the error of a statement that would change a table: why it cannot, and what to do instead.
+  std::string whyReadOnly;
 };
 
 // Reads the tables on every open(), into memory. Their rows can be read and inserted into a

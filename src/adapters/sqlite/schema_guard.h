@@ -1,4 +1,4 @@
-// What the views and triggers of a foreign database may do, and how a long statement is ended.
+// What the views and triggers of a foreign database may do, and how a statement is stopped.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -18,7 +18,7 @@ namespace pelmora::sqlite {
 // statement. Statements that run no such code are not counted.
 class SchemaGuard {
  public:
-  // stopRequested: as of Patience; may be empty.
+  // stopRequested: that of Patience; may be empty.
   explicit SchemaGuard(std::function<bool()> stopRequested = {})
       : stopRequested_(std::move(stopRequested)) {}
   ~SchemaGuard();
@@ -33,7 +33,7 @@ class SchemaGuard {
 
   // The view or trigger that was prepared last: "view or trigger 'meter'".
   [[nodiscard]] std::string lastSchemaCode() const;
-  // Whether the last statement was ended because its caller asked for that.
+  // Whether the last statement ended because its caller asked it to stop.
   [[nodiscard]] bool wasStopped() const { return wasStopped_; }
 
  private:
@@ -58,8 +58,8 @@ class StatementRun {
  public:
   // guard: of the connection; may be null. runsSchemaCode: of the statement; becomes true where
   // preparing it finds a view or trigger. isNew: whether the statement starts, rather than going on
-  // with its next row. isReading: only what reads is ended at the caller's wish; a commit that has
-  // begun must say what became of it.
+  // with its next row. isReading: whether it may be stopped on request; a commit that has begun
+  // must run to its end, so that its outcome is known.
   StatementRun(SchemaGuard* guard, bool& runsSchemaCode, bool isNew, bool isReading) noexcept;
   ~StatementRun();
   StatementRun(const StatementRun&) = delete;

@@ -17,7 +17,7 @@ namespace pelmora {
 // A connection to the file at `path`, not yet opened. Opening never creates anything.
 //
 // Errors: of open(): genericFailure if the file is locked, 53 missing, 70 not permitted, 75 a
-//         folder, 321 empty or not a SQLite database; the description names the file and what to
+//         folder, 321 empty or not an SQLite database; the description names the file and what to
 //         do.
 [[nodiscard]] ConnectionPtr sqliteConnection(const std::string& path,
                                              const Patience& patience = {});

@@ -21,7 +21,7 @@ using sql::updateRefused;
 // Code in the schema of a file was refused or stopped.
 inline constexpr std::int32_t untrustedSchema = static_cast<std::int32_t>(0x80040E09U);
 
-// The caller asked for an end while `file` ("file 'x.db'") was read.
+// The caller asked to stop while `file` ("file 'x.db'") was being read.
 [[nodiscard]] Error stoppedReading(const std::string& file);
 
 // The error of `code`, which `database` (may be null) has just reported. genericFailure is used for

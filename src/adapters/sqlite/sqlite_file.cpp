@@ -79,13 +79,10 @@ bool isAccessStart(std::string_view start) {
 }
 
 std::optional<std::string> startOfFile(const std::string& path, std::size_t size) {
+  if (!isRegularFile(path)) return std::nullopt;
   std::error_code failure;
-  const std::filesystem::path file = filePath(path);
-  if (path.find('\0') != std::string::npos || !std::filesystem::is_regular_file(file, failure)) {
-    return std::nullopt;
-  }
   // The engine itself follows no links here.
-  const std::filesystem::path whole = std::filesystem::canonical(file, failure);
+  const std::filesystem::path whole = std::filesystem::canonical(filePath(path), failure);
   return failure ? std::nullopt : OpenFile(utf8Text(whole)).start(size);
 }
 

@@ -15,15 +15,14 @@ namespace pelmora::sqlite {
 // and closes the file: it knows which files the process holds locks on, and keeps those locks.
 [[nodiscard]] std::optional<std::string> startOfFile(const std::string& path, std::size_t size);
 
-// Whether a file with these first bytes is an Access database; `start` has accessStartSize bytes.
+// Whether a file with these first bytes, accessStartSize of them, is an Access database.
 inline constexpr std::size_t accessStartSize = 19;
 [[nodiscard]] bool isAccessStart(std::string_view start);
 
 // The absolute path, which SQLite can mistake neither for a URI nor for ":memory:".
 //
-// Errors: Error that says why the file is not a SQLite database that can be read: 53 missing, 70
-// not permitted,
-//         75 a folder or not a regular file, 321 empty or another format.
+// Errors: Error that says why the file is not an SQLite database that can be read: 53 missing, 70
+//         not permitted, 75 a folder or not a regular file, 321 empty or another format.
 [[nodiscard]] std::string checkedSqliteFile(const std::string& path);
 
 }  // namespace pelmora::sqlite

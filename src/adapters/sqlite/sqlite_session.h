@@ -41,7 +41,7 @@ class SqliteSession : public sql::RowSource {
   // Empty for a database in memory.
   [[nodiscard]] const std::string& file() const { return file_; }
 
-  // From now on the database's own tables may only be read. `why` goes into the error of statements
+  // From now on the database's own tables can only be read. `why` ends the error of a statement
   // that would change them.
   void freeze(const std::string& why) { whyFrozen_ = why; }
   [[nodiscard]] bool isFrozen() const { return whyFrozen_.has_value(); }

@@ -24,17 +24,8 @@ namespace {
 // An export is read into memory as a whole. This is a quarter of a million points.
 constexpr std::uintmax_t mostBytes = 100'000'000;
 
-bool isRegularFile(const std::string& path) {
-  std::error_code ignored;
-  return path.find('\0') == std::string::npos &&
-         std::filesystem::is_regular_file(filePath(path), ignored);
-}
-
 std::string contents(const std::string& path) {
-  if (!isRegularFile(path)) {
-    throw Error(static_cast<std::int32_t>(RunTimeError::fileNotFound), "Pelmora",
-                "Could not find file '" + path + "'. Check the folder and the name.");
-  }
+  requireRegularFile(path);
   std::error_code ignored;
   if (std::filesystem::file_size(filePath(path), ignored) > mostBytes && !ignored) {
     throw sheets::SheetError("", "it is larger than 100 MB", "export fewer jobs at a time")

@@ -30,7 +30,7 @@ struct StandReading {
 // A connection to the export, not yet opened. open() reads the whole file into memory; the file
 // itself is never changed, and statements that would change DataPoint are errors.
 //
-// reading: filled by open(), if there is one.
+// reading: filled by open() unless it is null.
 // Errors: of open(): 53 if the file is missing, 70 if it cannot be read, 321 if it is empty or its
 //         header is wrong, 13 where a row is; the description names file, line, column and what to
 //         do.

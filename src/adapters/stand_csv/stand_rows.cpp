@@ -24,7 +24,8 @@ constexpr const char* headerRemedy =
 constexpr std::array<std::size_t, 7> requiredColumns{0, 1, 2, 3, 4, 5, 12};
 constexpr std::size_t viscosity = 5, temperature = 12;
 
-// Seconds, whatever the header says; a unit such as "-" says nothing.
+// In seconds: a header with one of the other units of time is refused. Any other unit, such as "-",
+// is ignored.
 constexpr std::array<std::size_t, 3> timeColumns{1, 3, 20};
 constexpr std::array<std::string_view, 5> otherTimes{"ms", "us", "min", "h", "hr"};
 

@@ -27,7 +27,7 @@ class StandRows {
 
   // The next row in the order of columnName; an empty field and one of a column that the file does
   // not have are null. A job identity that is a whole number is an integer, any other a text.
-  // Viscosities and temperatures come in cSt and degrees Fahrenheit. False at the end.
+  // Viscosities and temperatures are converted to cSt and degrees Fahrenheit. False at the end.
   // Errors: SheetError, number 13, for a row with too few or too many fields or a text in place of
   //         a number.
   bool next(std::array<Value, columnCount>& row);

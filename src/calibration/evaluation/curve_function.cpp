@@ -3,13 +3,12 @@
 
 #include "solver/reference/reference_curve.h"
 #include "solver/solver.h"
+#include "uncertainty/input.h"
 
 #include <pelmora/calibration/failure.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <limits>
 
 namespace pelmora::calibration {
 namespace {
@@ -17,14 +16,13 @@ namespace {
 using solver::reference::ReferenceCurve;
 using solver::reference::ReferenceEstimate;
 
-constexpr double exactlyKnown = std::numeric_limits<double>::infinity();
-// Of the Roshko number, for differences.
+// The step of numerical derivatives, as a share of the Roshko number.
 constexpr double differenceShare = 1e-3;
-// A table that is farther than this from its function, as a share, is not its table.
+// A table whose values differ from those of a function by more than this share is not its table.
 constexpr double sameValue = 1e-6;
 constexpr std::size_t interpolatedPlaces = 400;
 
-// Slope and bend from neighbours of x.
+// Slope and bend at x from the values at its neighbours.
 void differentiate(double x, double before, double here, double after, FunctionValue& value) {
   const double h = differenceShare * x;
   value.strouhal = here;
@@ -52,8 +50,8 @@ ReferenceCurve referenceBehind(const Fit& fit) {
   return solver::reference::fitReference({x, y, parts, outside});
 }
 
-// The reference curve by Hermite interpolation in ln x between places so dense that nothing of it
-// is lost: a value then costs little, and never depends on what else is asked.
+// The reference curve by Hermite interpolation in ln x, between places so dense that no detail is
+// lost. A value then costs little and does not depend on which others are requested with it.
 class ReferenceFunction : public CurveFunction {
  public:
   // table: Roshko numbers at which the interpolation is exact.
@@ -102,7 +100,7 @@ class ReferenceFunction : public CurveFunction {
     found.slope = first / (width * x);
     found.bend = (second / (width * width) - first / width) / (x * x);
     found.uncertainty = a.curveSd * r + b.curveSd * s;
-    found.degrees = exactlyKnown;  // Student's factor is in curveSd
+    found.degrees = uncertainty::knownExactly;  // curveSd includes Student's factor
     return found;
   }
 
@@ -110,7 +108,8 @@ class ReferenceFunction : public CurveFunction {
   std::vector<ReferenceEstimate> estimates_;
 };
 
-// The curve's table where it is not the function's: a rotor ratio that was made to fall.
+// The table itself, if it is not the table of a function: a rotor ratio, for example, that had to
+// be changed so that it falls.
 class ReadFunction : public CurveFunction {
  public:
   ReadFunction(Curve table, std::shared_ptr<const CurveFunction> uncertainty)
@@ -143,7 +142,7 @@ class ReadFunction : public CurveFunction {
 
 class EquationFunction : public CurveFunction {
  public:
-  // reference: of a trusted fit; null for another one.
+  // reference: the reference curve of a trusted fit; null for any other fit.
   EquationFunction(const Fit& fit, std::shared_ptr<const CurveFunction> reference)
       : engine_(createSolver()), model_(engine_->createModel()), reference_(std::move(reference)) {
     model_->Definition = {fit.chosen().Name, fit.chosen().Expression};
@@ -170,7 +169,7 @@ class EquationFunction : public CurveFunction {
   [[nodiscard]] CurveSource source() const override { return CurveSource::equation; }
 
   [[nodiscard]] std::vector<double> values(std::span<const double> roshko) const override {
-    // One by one: what else is asked must not change a last digit.
+    // One at a time, so that the other values requested do not affect even the last digit.
     std::vector<double> y;
     for (const double x : roshko) y.push_back(model_->evaluate({&x, 1}).front());
     return y;

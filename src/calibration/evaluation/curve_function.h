@@ -1,4 +1,4 @@
-// What is behind a stored table: the function that was fitted.
+// The function behind a stored table: the one that was fitted.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -17,7 +17,7 @@ struct FunctionValue {
   double strouhal = 0, slope = 0, bend = 0;  // bend: the second derivative
   std::optional<double> uncertainty;         // standard, of the curve itself
   double degrees = 0;                        // of freedom, behind it
-  // Distance of a trusted equation from the reference curve, which sees what it cannot follow.
+  // Distance of a trusted equation from the reference curve, which shows what the equation misses.
   double departure = 0;
 };
 
@@ -29,8 +29,8 @@ class CurveFunction {
   [[nodiscard]] virtual std::vector<FunctionValue> at(std::span<const double> roshko) const = 0;
 };
 
-// Of the chosen equation, or of the reference curve where a trusted fit chose that. Makes the fit
-// of this one curve again.
+// The chosen equation, or the reference curve if a trusted fit chose that. Fits this one curve
+// again.
 //
 // Errors: NoFit if the fit has no curve.
 [[nodiscard]] std::shared_ptr<const CurveFunction> functionOf(const Fit& fit);

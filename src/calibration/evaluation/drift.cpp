@@ -53,7 +53,7 @@ std::vector<double> placesOf(const std::vector<DatedCurve>& calibrations,
   if (!options.roshko.empty()) return options.roshko;
   std::vector<double> places{range.min};
   for (int i = 1; i < usualPlaces - 1; ++i) {
-    // As a person would write them.
+    // With three digits, as a person would write them.
     const double x = range.min * std::pow(range.max / range.min, i / (usualPlaces - 1.0));
     const double unit = std::pow(10, std::floor(std::log10(x)) - 2);
     places.push_back(std::round(x / unit) * unit);
@@ -153,9 +153,8 @@ std::optional<CurveShift> shiftOf(const FittedCurve& earlier, const FittedCurve&
 std::string Drift::assumptions() const {
   return "Advice by the method of control charts (ILAC-G24): it takes the drift as a straight line "
          "in time, assumes that the meter keeps changing as it has, and holds the drift and the "
-         "scatter "
-         "of a calibration within the limit with a probability of 95.45 %; at most twice the "
-         "longest interval so far.";
+         "scatter of a calibration within the limit with a probability of 95.45 %; at most twice "
+         "the longest interval so far.";
 }
 
 Drift driftOf(std::vector<DatedCurve> calibrations, const DriftOptions& options) {

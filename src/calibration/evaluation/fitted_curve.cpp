@@ -12,20 +12,7 @@
 namespace pelmora::calibration {
 namespace {
 
-// The table of a fit with its bands.
-Curve tableOfFit(const Fit& fit) {
-  std::vector<CurvePoint> points(fit.curve.size());
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    points[i] = {fit.curve(i, 0), fit.curve(i, 1), {}, {}};
-    if (i < fit.outcome.ConfidenceHalfWidth.size())
-      points[i].confidence = fit.outcome.ConfidenceHalfWidth[i];
-    if (i < fit.outcome.PredictionHalfWidth.size())
-      points[i].prediction = fit.outcome.PredictionHalfWidth[i];
-  }
-  return Curve(std::move(points));
-}
-
-// Of the straight line through the two outermost points.
+// The slope of the straight line through the two outermost points.
 double slopeBeyond(const Curve& table, double x) {
   const auto& points = table.points();
   const std::size_t k = x < points.front().roshko ? 1 : points.size() - 1;
@@ -70,8 +57,9 @@ std::optional<double> CurveEstimate::expandedRoshko() const {
 
 FittedCurve::FittedCurve(const Fit& fit, const std::optional<StandStatement>& statement) {
   auto function = functionOf(fit);
-  const auto body = std::make_shared<Body>(tableOfFit(fit), fit.chosen().Name, fit.series,
-                                           fit.settings.ratio, std::move(function), statement);
+  const auto body =
+      std::make_shared<Body>(Curve(pointsWithBands(fit.curve, fit.outcome)), fit.chosen().Name,
+                             fit.series, fit.settings.ratio, std::move(function), statement);
   for (const CurveWarning& warning : fit.outcome.Warnings) body->warnings.push_back(warning.Text);
   body_ = body;
 }
@@ -156,16 +144,14 @@ CurveEstimate FittedCurve::inverse(double strouhal, const EvaluateOptions& optio
   const CurveValue start = body_->table.inverse(strouhal);
   double x = start.roshko;
   if (!start.isExtrapolated && options.reading != ReadAs::linear) {
-    // Every reading meets the curve at the points of the table, so the answer is within its
-    // segment; bisection cannot leave it.
+    // Every reading meets the curve at the points of the table. The answer is therefore in the same
+    // segment, which bisection cannot leave.
     const auto above = [&](double place) {
       return read({&place, 1}, options.reading).front() - strouhal;
     };
     const auto& points = body_->table.points();
-    const auto behind =
-        std::upper_bound(points.begin() + 1, points.end() - 1, x,
-                         [](double place, const CurvePoint& p) { return place < p.roshko; });
-    double low = (behind - 1)->roshko, high = behind->roshko;
+    const std::size_t segment = body_->segmentAt(x);
+    double low = points[segment].roshko, high = points[segment + 1].roshko;
     const bool startsBelow = above(low) < 0;
     if (startsBelow != (above(high) < 0)) {
       constexpr int halvings = 60;

@@ -23,9 +23,9 @@ SeriesKind seriesKindOf(const std::string& series, bool isRatio) {
   return SeriesKind::rotor;
 }
 
-// Errors of all segments by places evenly spaced in ln x within each.
-std::vector<double> readingErrorsOf(const CurveFunction& function, const std::vector<double>& x,
-                                    const std::vector<double>& y, tables::Reading reading) {
+// The largest error within each segment, from places that are evenly spaced in ln x.
+std::vector<double> readingErrorsOf(const CurveFunction& function, std::span<const double> x,
+                                    std::span<const double> y, tables::Reading reading) {
   const tables::TableReader read(x, y, reading);
   std::vector<double> places;
   for (std::size_t i = 0; i + 1 < x.size(); ++i) {
@@ -55,8 +55,7 @@ FittedCurve::Body::Body(Curve curveTable, std::string curveName, const std::stri
       name(std::move(curveName)),
       kind(seriesKindOf(series, isRatio)),
       function(std::move(behind)),
-      hasStand(statement.has_value()),
-      readingErrors_(4) {
+      hasStand(statement.has_value()) {
   if (statement) stand = uncertainty::readStandUncertainty(statement->text, statement->file);
 }
 
@@ -76,16 +75,21 @@ tables::TableReader FittedCurve::Body::reader(ReadAs reading) const {
   return {points.column(0), points.column(1), readingOf(reading)};
 }
 
+std::size_t FittedCurve::Body::segmentAt(double roshko) const {
+  const auto& points = table.points();
+  const auto behind =
+      std::upper_bound(points.begin() + 1, points.end() - 1, roshko,
+                       [](double x, const CurvePoint& point) { return x < point.roshko; });
+  return static_cast<std::size_t>(behind - points.begin()) - 1;
+}
+
 double FittedCurve::Body::readingErrorAt(double roshko, ReadAs reading) const {
-  std::vector<double> x, y;
-  for (const CurvePoint& point : table.points()) {
-    x.push_back(point.roshko);
-    y.push_back(point.strouhal);
-  }
   std::vector<double>& errors = readingErrors_[static_cast<std::size_t>(reading)];
-  if (errors.empty()) errors = readingErrorsOf(*function, x, y, readingOf(reading));
-  const auto behind = std::upper_bound(x.begin() + 1, x.end() - 1, roshko);
-  return errors[static_cast<std::size_t>(behind - x.begin()) - 1];
+  if (errors.empty()) {
+    const PointArray points = table.table();
+    errors = readingErrorsOf(*function, points.column(0), points.column(1), readingOf(reading));
+  }
+  return errors[segmentAt(roshko)];
 }
 
 void FittedCurve::Body::addDeparture(const FunctionValue& value,
@@ -94,7 +98,7 @@ void FittedCurve::Body::addDeparture(const FunctionValue& value,
   uncertainty::Component component;
   component.cause = Cause::model;
   component.label = "distance from the reference curve";
-  // U of two standard uncertainties reaches the reference curve.
+  // Half the distance, so that U of two standard uncertainties reaches the reference curve.
   component.standard = {100 * value.departure / 2 / std::abs(value.strouhal), &units::unitOf("%")};
   component.evaluation = uncertainty::Evaluation::a;
   to.components.push_back(component);
@@ -137,6 +141,18 @@ std::vector<FittedCurve::Body::Place> FittedCurve::Body::places(
     found.push_back(std::move(made));
   }
   return found;
+}
+
+std::vector<CurvePoint> pointsWithBands(const PointArray& curve, const FitOutcome& outcome) {
+  std::vector<CurvePoint> points(curve.size());
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    points[i] = {curve(i, 0), curve(i, 1), {}, {}};
+    if (i < outcome.ConfidenceHalfWidth.size())
+      points[i].confidence = outcome.ConfidenceHalfWidth[i];
+    if (i < outcome.PredictionHalfWidth.size())
+      points[i].prediction = outcome.PredictionHalfWidth[i];
+  }
+  return points;
 }
 
 std::optional<uncertainty::Budget> FittedCurve::Body::budgetAt(

@@ -1,4 +1,4 @@
-// What a fitted curve consists of, for the rooms of the service that compute with it.
+// What a fitted curve consists of, for the parts of the service that compute with it.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -6,6 +6,8 @@
 #include "tables/table_reader.h"
 #include "uncertainty/curve_budget.h"
 
+#include <array>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <span>
@@ -27,13 +29,15 @@ class FittedCurve::Body {
   uncertainty::StandUncertainty stand;
   bool hasStand = false;
 
-  // At the end if it is beyond it by no more than rounding.
+  // `roshko`, or the end of the table if it lies beyond that end by no more than rounding.
   [[nodiscard]] double settled(double roshko) const;
   [[nodiscard]] bool isInside(double roshko) const;
+  // The number of the table point before `roshko`, which is inside the table; never the last point.
+  [[nodiscard]] std::size_t segmentAt(double roshko) const;
   [[nodiscard]] tables::TableReader reader(ReadAs reading) const;
 
-  // A place inside the table, with everything that a budget needs; without an uncertainty where it
-  // is not known.
+  // A place inside the table, with everything that a budget needs. value.uncertainty is absent if
+  // it is not known.
   struct Place {
     FunctionValue value;
     uncertainty::CurvePlace place;
@@ -42,7 +46,7 @@ class FittedCurve::Body {
   [[nodiscard]] std::vector<Place> places(std::span<const double> roshko,
                                           const EvaluateOptions& options) const;
 
-  // Of the value there; absent beyond the table and where the uncertainty is not known.
+  // The budget of the value there; absent beyond the table and if the uncertainty is not known.
   [[nodiscard]] std::optional<uncertainty::Budget> budgetAt(double roshko,
                                                             const EvaluateOptions& options) const;
 
@@ -51,8 +55,12 @@ class FittedCurve::Body {
 
  private:
   void addDeparture(const FunctionValue& value, uncertainty::StandUncertainty& to) const;
-  mutable std::vector<std::vector<double>> readingErrors_;  // by reading, then by segment
+  mutable std::array<std::vector<double>, 4> readingErrors_;  // by ReadAs, then by segment
 };
+
+// The points of a table, with the bands that a fit has computed for them.
+[[nodiscard]] std::vector<CurvePoint> pointsWithBands(const PointArray& curve,
+                                                      const FitOutcome& outcome);
 
 // A budget as the service states it.
 [[nodiscard]] Budget publicBudget(const uncertainty::Budget& budget, bool hasStand);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "base/readable_number.h"
 #include "calibration/evaluation/fitted_curve_body.h"
+#include "calibration/evaluation/meter_state.h"
 #include "flow/flow_budget.h"
 #include "uncertainty/pair_budget.h"
 #include "uncertainty/stand_file.h"
@@ -14,14 +15,12 @@
 namespace pelmora::calibration {
 namespace {
 
-constexpr double fahrenheitPerKelvin = 1.8;
-
 flow::Service serviceOf(const ServiceReading& reading) {
   flow::Service service;
   service.viscosity = reading.viscosity.value_or(0);
-  service.temperatureF = fahrenheitPerKelvin * reading.celsius + 32;
-  if (reading.expansionPerKelvin)
-    service.expansion.linear = *reading.expansionPerKelvin / fahrenheitPerKelvin;
+  const tables::MeterState state = meterState(reading.celsius, reading.expansionPerKelvin);
+  service.temperatureF = state.temperatureF;
+  service.expansion = state.expansion;
   return service;
 }
 
@@ -31,7 +30,7 @@ void requireRotor(const FittedCurve& curve) {
                  "choose the series of a rotor, such as 'Rotor A'"});
 }
 
-// One curve at its place, with the budget of its value.
+// A curve at one place, with the budget of its value.
 struct Placed {
   double steepness = 0;  // Roshko dy/dRoshko
   bool isExtrapolated = false;
@@ -56,8 +55,8 @@ uncertainty::StandUncertainty instrumentsOf(const ServiceReading& reading) {
   return uncertainty::readStandUncertainty(reading.instruments->text, reading.instruments->file);
 }
 
-// What the instruments contribute where the viscosity comes from the rotors: nothing of a viscosity
-// that nobody measures.
+// What the instruments contribute if the viscosity comes from the rotors: nothing through the
+// viscosity, because no instrument measures it.
 uncertainty::StandUncertainty withoutViscosity(uncertainty::StandUncertainty instruments) {
   std::erase_if(instruments.components, [](const uncertainty::Component& each) {
     return each.cause == uncertainty::Cause::viscosity;
@@ -145,8 +144,8 @@ double viscosityFrom(const FittedCurve& quotient, const ServiceReading& reading,
       reading.frequency, *reading.frequencyB, service.temperatureF, service.expansion);
 }
 
-// The instruments together with the viscosity that follows from the rotors; nothing if its
-// uncertainty is not known.
+// The contributions of the instruments and of the viscosity that follows from the rotors; empty if
+// the uncertainty of that viscosity is not known.
 std::optional<uncertainty::StandUncertainty> withQuotient(
     const uncertainty::StandUncertainty& instruments, const FittedCurve& quotient,
     const ServiceReading& reading, const flow::Service& service) {

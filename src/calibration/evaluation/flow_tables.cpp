@@ -1,8 +1,8 @@
 // Tables for flow computers from a fitted curve.
 // SPDX-License-Identifier: MIT
 #include "calibration/evaluation/fitted_curve_body.h"
+#include "calibration/evaluation/meter_state.h"
 #include "tables/placed_table.h"
-#include "tables/table_forms.h"
 
 #include <pelmora/calibration/failure.h>
 #include <pelmora/calibration/tables.h>
@@ -38,15 +38,12 @@ tables::Form formOf(const FittedCurve& curve, const TableOptions& options) {
   const tables::Form roshko{[&curve](std::span<const double> x) { return curve(x); },
                             {curve.lowestRoshko(), curve.highestRoshko()}};
   if (options.form == TableForm::roshko) return roshko;
-  constexpr double perFahrenheit = 1.8;
-  tables::MeterState state{perFahrenheit * options.celsius + 32, {}};
-  if (options.expansionPerKelvin)
-    state.expansion.linear = *options.expansionPerKelvin / perFahrenheit;
+  const tables::MeterState state = meterState(options.celsius, options.expansionPerKelvin);
   if (options.form == TableForm::uvc) return tables::universalViscosityForm(roshko, state);
   return tables::frequencyForm(roshko, *options.viscosity, state);
 }
 
-// U at each knot and, for the largest, halfway between them; x is proportional to Roshko.
+// Adds U at each knot, and the largest U at and halfway between knots. x is proportional to Roshko.
 void addUncertainty(const FittedCurve& curve, double roshkoPerX, const std::vector<double>& knots,
                     FlowComputerTable& table) {
   std::vector<double> places;
@@ -93,7 +90,7 @@ FlowComputerTable tableFor(const FittedCurve& curve, const TableOptions& options
   const units::Unit &xFrom = units::unitOf(words.xUnit), &yFrom = units::unitOf(ownY);
   const units::Unit& xTo = wantedUnit(options.xUnit, words.xUnit);
   const units::Unit& yTo = wantedUnit(options.yUnit, ownY);
-  (void)units::converted(1, xFrom, xTo);  // refuse before the work
+  (void)units::converted(1, xFrom, xTo);  // refuses a wrong unit before the work begins
   (void)units::converted(1, yFrom, yTo);
   table.xName = words.x;
   table.yName = isQuotient ? "quotient" : words.y;

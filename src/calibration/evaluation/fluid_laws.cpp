@@ -1,4 +1,4 @@
-// Fluids with viscosity laws: checked, kept in the database as one line each.
+// Fluids with viscosity laws: checked, and stored in the database as one line of text each.
 // SPDX-License-Identifier: MIT
 #include "base/readable_number.h"
 #include "base/suggestion.h"
@@ -51,7 +51,7 @@ flow::ViscosityLaw lawOf(const FluidLaw& fluid) {
   return {isAndrade ? flow::ViscosityScale::andrade : flow::ViscosityScale::d341, points};
 }
 
-// "andrade; constants -3.7 578.9 -137.5; 0 100" or "table; points 20 1.2 40 0.9"
+// "andrade; constants -3.7 578.9 -137.5; 0 100", or "table; points 20 1.2 40 0.9".
 std::string contentOf(const FluidLaw& fluid) {
   std::string text = viscosityLawKey(fluid.kind);
   if (!fluid.constants.empty()) {

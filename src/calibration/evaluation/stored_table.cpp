@@ -1,23 +1,16 @@
 // The curve of a stored series: its table, and the function behind it.
 // SPDX-License-Identifier: MIT
+#include "calibration/evaluation/fitted_curve_body.h"
 #include "calibration/session.h"
 
 namespace pelmora::calibration {
 namespace {
 
 Curve tableOf(const StoredSeries& stored, const Repeated& repeated, const std::string& location) {
-  std::vector<CurvePoint> points(stored.storedCurve().size());
-  const FitOutcome& outcome = repeated.fit.outcome;
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    points[i] = {stored.curve(i, 0), stored.curve(i, 1), {}, {}};
-    if (!repeated.isStoredCurve()) continue;
-    if (i < outcome.ConfidenceHalfWidth.size())
-      points[i].confidence = outcome.ConfidenceHalfWidth[i];
-    if (i < outcome.PredictionHalfWidth.size())
-      points[i].prediction = outcome.PredictionHalfWidth[i];
-  }
+  const FitOutcome withoutBands;
+  const FitOutcome& bands = repeated.isStoredCurve() ? repeated.fit.outcome : withoutBands;
   try {
-    return Curve(std::move(points));
+    return Curve(pointsWithBands(stored.curve, bands));
   } catch (const BadData& failure) {
     throw BadData({"the stored curve of " + placeOf(stored.meter, stored.name) +
                        " cannot be read: " + failure.what(),

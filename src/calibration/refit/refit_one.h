@@ -31,8 +31,8 @@ struct RefitReading {
 [[nodiscard]] RefitReading readAgain(const Database& lab, const Session& session,
                                      const RefitTask& task);
 
-// Fits what was read with the settings of its curve, after options.change, without the database,
-// and stores nothing. What is wrong with the series is its result's reason.
+// Fits what was read, with the settings of its curve after options.change. Does not use the
+// database and stores nothing. The result gives the reason if the series cannot be fitted.
 [[nodiscard]] RefitCurve fitAgain(const Database& lab, RefitReading reading,
                                   const RefitOptions& options);
 

@@ -47,8 +47,8 @@ struct CatalogueRun {
 
 enum class RunEnd { complete, stopped };
 
-// run(), then select(). After an error of run() nothing is chosen and there is no report; after one
-// of select() the ranking stands as it stood.
+// Call run(), then select(). After an error in run(), nothing is chosen and there is no report.
+// After an error in select(), the ranking is as it was before.
 class CatalogueFit {
  public:
   using BandTesterFactory = std::function<std::unique_ptr<BandTester>()>;

@@ -34,9 +34,8 @@ struct DerivationSource {
 //   ratio      as the sum                            Strouhal f_B/f_A
 //
 // Sum and ratio of more than one job always end in an error with the series empty: see the source.
-// Errors: Error 11 or 6 for a row that divides by zero or overflows: nothing is stored then. Error
-// 9
-//         without jobs where they matter.
+// Errors: Error 11 or 6 for a row that divides by zero or overflows; nothing is then stored.
+//         Error 9 without jobs where they matter.
 void deriveSeries(Connection& connection, DerivedSeries series, const DerivationSource& source,
                   const NameText& SeriesName, std::int32_t MeterID, std::int32_t& SeriesID);
 

@@ -17,14 +17,14 @@ struct SetUp {
   NameText FluidName;
 };
 
-// The set-up of a meter for a fluid, made with its fluid and operator rows where it is missing. An
-// existing one is reused whatever its stand, position, operator and date. Returns its id.
+// Finds the set-up of a meter for a fluid, whatever its stand, position, operator and date. Adds
+// it, and its fluid and operator rows, if there is none. Returns its id.
 //
-// OperatorName becomes "Unknown" where it is empty and a set-up is made.
+// OperatorName becomes "Unknown" if it is empty and a set-up is added.
 [[nodiscard]] std::int32_t findOrAddSetUp(Connection& connection, const SetUp& setUp,
                                           NameText& OperatorName);
 
-// What a set-up is to say; empty texts and numbers below 0 leave what is there.
+// New entries of a set-up. Empty texts and numbers below 0 leave an entry as it is.
 struct SetUpEntries {
   NameText OperatorName;
   std::int16_t StandID = -1, PositionID = -1;

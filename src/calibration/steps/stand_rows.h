@@ -12,7 +12,7 @@ namespace pelmora::calibration::steps {
 // Replaces the points of a set-up by those of a job. Both connections stay as they are, so that the
 // copy belongs to a transaction of the curve database, and the two may be of different engines.
 //
-// job: a whole number.  Errors: what the connections throw; Error 13 for a job that is none.
+// job: a whole number.  Errors: what the connections throw; Error 13 for any other text.
 void copyStandRows(Connection& stand, Connection& curves, std::int32_t CalSetupID,
                    const std::string& job);
 

@@ -2,6 +2,7 @@
 #include <pelmora/calibration/advice.h>
 
 #include "base/readable_number.h"
+#include "calibration/fit_inputs.h"
 #include "calibration/trust/trusted_fit.h"
 #include "curves/curve_checks.h"
 #include "curves/table_reading.h"
@@ -16,33 +17,28 @@
 namespace pelmora::calibration {
 namespace {
 
-using ReferenceState = solver::reference::PointState;
-
 constexpr double widestBandAdvised = 3;  // times the test band
 
-// The merged points beside a reference curve that only the advice looks at: a fit by adjusted R2
-// has not asked for one.
-std::vector<JudgedPoint> judgedForAdvice(const Fit& fit) {
+// The distrusted points of a fit by adjusted R2. Such a fit has no reference curve, so one is made
+// for the advice alone.
+std::vector<JudgedPoint> distrustedForAdvice(const Fit& fit) {
   std::vector<int> parts;
   std::vector<std::uint8_t> outside;
   for (std::size_t i = 0; i < fit.merged.size(); ++i) {
-    const double roshko = fit.merged(i, 0);
     parts.push_back(fit.places[i].part);
-    const bool isBelow = fit.settings.fitMin && roshko < *fit.settings.fitMin;
-    const bool isAbove = fit.settings.fitMax && roshko > *fit.settings.fitMax;
-    outside.push_back(isBelow || isAbove ? 1 : 0);
+    outside.push_back(isOutsideFitRange(fit.settings, fit.merged(i, 0)) ? 1 : 0);
   }
   const auto reference =
       solver::reference::fitReference({fit.merged.column(0), fit.merged.column(1), parts, outside});
   const double unit = reference.summary().relative ? 100 : 1;
-  std::vector<JudgedPoint> judged;
+  std::vector<JudgedPoint> found;
   for (const std::size_t i : reference.distrusted()) {
     const auto& point = reference.points()[i];
-    judged.push_back({fit.places[i].part, fit.places[i].number, fit.merged(i, 0), fit.merged(i, 1),
-                      PointUse::distrusted, unit * point.residual, unit * point.leaveOneOut,
-                      unit * point.leaveOneOutSd});
+    found.push_back({fit.places[i].part, fit.places[i].number, fit.merged(i, 0), fit.merged(i, 1),
+                     PointUse::distrusted, unit * point.residual, unit * point.leaveOneOut,
+                     unit * point.leaveOneOutSd});
   }
-  return judged;
+  return found;
 }
 
 // Points that contradict the others, by part and number.
@@ -53,8 +49,8 @@ std::vector<JudgedPoint> distrustedPoints(const Fit& fit) {
                          [](const JudgedPoint& p) { return p.use == PointUse::distrusted; });
   } else if (fit.places.size() == fit.merged.size()) {
     try {
-      found = judgedForAdvice(fit);
-    } catch (const Error&) {  // too few points, or a Roshko number that cannot be
+      found = distrustedForAdvice(fit);
+    } catch (const Error&) {  // too few points, or a Roshko number that is not above 0
     }
   }
   std::ranges::sort(found, {}, [](const JudgedPoint& p) { return std::pair(p.part, p.number); });
@@ -200,8 +196,8 @@ std::vector<Rejected> rejectedTogether(const Fit& fit) {
     const EquationOutcome& equation = ranked.outcome;
     const std::string why = rejection(equation);
     if (why.empty()) continue;
-    // A trusted fit has left out the points that are to blame for several equations: what else
-    // fails is too simple for the curve, or swings.
+    // A trusted fit has already left out the points that make several equations fail. Equations
+    // that still fail are too simple for the curve, or swing.
     const bool isByPoint = equation.Verdict == EquationVerdict::bandTestFailed && !fit.trust;
     const bool isTooSimple = fit.trust && (equation.Verdict == EquationVerdict::bandTestFailed ||
                                            (equation.Verdict == EquationVerdict::notSound &&

@@ -12,7 +12,7 @@ namespace {
 // size that is advised takes at most the smaller part.
 constexpr double warnedShareOfBand = 0.5;
 constexpr double advisedShareOfBand = 0.25;
-// A point this many sigmas off or less was named because of its neighbour, not by itself.
+// A point that is off by no more than this was named because of its neighbour, not by itself.
 constexpr double sigmasOfAPair = 3;
 
 std::string between(double from, double to) {

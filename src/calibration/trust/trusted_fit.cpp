@@ -160,7 +160,7 @@ void describeBands(Fit& fit, const ReferenceJudge& judge) {
   }
 }
 
-// A table at other Roshko numbers in place of the one that the equations were judged at.
+// Replaces the table at whose Roshko numbers the equations were judged by one at other numbers.
 void placeTable(Fit& fit, const std::vector<double>& grid, const ReferenceJudge& judge,
                 const std::vector<double>& chosen, bool isReference) {
   describeTable(*fit.trust, grid, judge);
@@ -168,7 +168,7 @@ void placeTable(Fit& fit, const std::vector<double>& grid, const ReferenceJudge&
   replaceTable(fit, grid, fallen ? *fallen : chosen);
 }
 
-// False where the fit was stopped between two equations.
+// False if the fit was stopped between two equations.
 bool fitTrustedPoints(Fit& fit, std::span<const steps::PartPoint> origins,
                       const steps::Observer& watch, const std::function<bool()>& stopRequested) {
   fit.trouble = troubleOf(fit, origins);

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <vector>
 
-// Clang has no pragma for the instruction set of a whole source.
+// Clang has no pragma that sets the instruction set of a whole source.
 #if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && !defined(_WIN32)
 #define PELMORA_HAS_WIDE_KERNELS
 #endif

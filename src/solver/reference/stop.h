@@ -1,4 +1,4 @@
-// Ending the work on a reference curve before it is done.
+// Stopping the work on a reference curve before it is done.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -7,7 +7,7 @@
 
 namespace pelmora::solver::reference {
 
-// Asked in front of every pass over the points; true ends the work with Stopped.
+// Called before every pass over the points. True ends the work with Stopped.
 using StopRequested = std::function<bool()>;
 
 class Stopped : public std::exception {

@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <fstream>
+#include <limits>
 
 namespace pelmora::test {
 namespace {
@@ -46,7 +48,7 @@ TEST(access_connection, changes_are_refused_with_what_to_do) {
   for (const char* statement : {"Delete * from raw1", "Insert into Fluids (Name) VALUES ('x')",
                                 "Update series set name='x'"}) {
     const Failure failure = failureOf([&] { curves->execute(statement); });
-    EXPECT_NE(failure.number, 0) << statement;
+    EXPECT_EQ(failure.number, static_cast<std::int32_t>(0x80040E09U)) << statement;
     EXPECT_NE(failure.description.find("Change it in Access"), std::string::npos)
         << failure.description;
   }

@@ -76,8 +76,9 @@ TEST_P(access_values, are_those_that_were_written) {
   const std::string file = GetParam();
   CollectedTables read = readAll(accessData(file + ".mdb"));
   EXPECT_TRUE(read.ofTheFile.empty());
+  EXPECT_FALSE(read.tables.empty());
   for (auto& [name, table] : read.tables) {
-    // Moved rows are read in another order than they were written.
+    // Moved rows are read in an order different from the one in which they were written.
     if (name == "Churn") {
       std::ranges::sort(table.rows, {},
                         [](const auto& row) { return std::get<std::int64_t>(row[0]); });

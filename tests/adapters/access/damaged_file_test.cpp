@@ -40,27 +40,26 @@ INSTANTIATE_TEST_SUITE_P(files, damaged_access_file,
                                          std::pair{"stand.mdb", DamageKind::flippedBits},
                                          std::pair{"stand.mdb", DamageKind::zeroedPages}));
 
-struct OnePageDamaged {
-  // The numbers of the pages whose first bytes and owner are these.
-  static std::vector<std::size_t> pagesOf(const std::string& bytes, const std::string& start) {
-    std::vector<std::size_t> pages;
-    for (std::size_t at = 0; at < bytes.size(); at += 4096) {
-      if (bytes.compare(at, start.size(), start) == 0) pages.push_back(at);
-    }
-    return pages;
+// Where the pages begin that hold the rows of the table that page `definition` defines.
+std::vector<std::size_t> dataPagesOf(const std::string& bytes, char definition) {
+  const std::string start("\x01\x01", 2);
+  const std::string owner = definition + std::string(3, '\0');
+  std::vector<std::size_t> pages;
+  for (std::size_t at = 0; at < bytes.size(); at += 4096) {
+    if (bytes.compare(at, start.size(), start) == 0 &&
+        bytes.compare(at + 4, owner.size(), owner) == 0)
+      pages.push_back(at);
   }
-};
+  return pages;
+}
 
 // Page 57 of this file defines the table series.
 TEST(damaged_access_row, that_is_marked_as_deleted_is_missed_by_the_files_own_count) {
   std::string bytes = readWholeFile(accessData("curves.mdb"));
-  std::size_t marked = 0;
-  for (const std::size_t page : OnePageDamaged::pagesOf(bytes, std::string("\x01\x01", 2))) {
-    if (bytes.compare(page + 4, 4, std::string("\x39\0\0\0", 4)) != 0) continue;
-    bytes[page + 14 + 1] = static_cast<char>(bytes[page + 14 + 1] | 0xC0);
-    ++marked;
-  }
-  ASSERT_EQ(marked, 1U);
+  const std::vector<std::size_t> pages = dataPagesOf(bytes, 57);
+  ASSERT_EQ(pages.size(), 1U);
+  char& entry = bytes[pages[0] + 14 + 1];
+  entry = static_cast<char>(entry | 0xC0);
   const ScratchFolder folder;
   writeBytes(folder.file("a.mdb"), bytes);
   const CollectedTables read = readAll(folder.file("a.mdb"));
@@ -73,16 +72,13 @@ TEST(damaged_access_row, that_is_marked_as_deleted_is_missed_by_the_files_own_co
 // Page 60 of this file defines the table raw1: three columns, no texts.
 TEST(damaged_access_row, that_has_more_than_its_number_of_columns_is_listed) {
   std::string bytes = readWholeFile(accessData("curves.mdb"));
-  std::size_t cut = 0;
-  for (const std::size_t page : OnePageDamaged::pagesOf(bytes, std::string("\x01\x01", 2))) {
-    if (bytes.compare(page + 4, 4, std::string("\x3C\0\0\0", 4)) != 0 || cut != 0) continue;
-    const std::size_t row = page + static_cast<unsigned char>(bytes[page + 14]) +
-                            256U * static_cast<unsigned char>(bytes[page + 15]);
-    ASSERT_EQ(bytes[row], 3);
-    bytes[row] = 1;
-    ++cut;
-  }
-  ASSERT_EQ(cut, 1U);
+  const std::vector<std::size_t> pages = dataPagesOf(bytes, 60);
+  ASSERT_FALSE(pages.empty());
+  const std::size_t page = pages[0];
+  const std::size_t row = page + static_cast<unsigned char>(bytes[page + 14]) +
+                          256U * static_cast<unsigned char>(bytes[page + 15]);
+  ASSERT_EQ(bytes[row], 3);
+  bytes[row] = 1;
   const ScratchFolder folder;
   writeBytes(folder.file("a.mdb"), bytes);
   const CollectedTables read = readAll(folder.file("a.mdb"));

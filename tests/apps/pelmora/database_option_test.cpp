@@ -7,7 +7,7 @@ namespace pelmora::cli {
 namespace {
 
 // As the help of every command says.
-TEST(database_option, waits_30_seconds_for_a_lock_unless_told_otherwise) {
+TEST(database_option, waits_30_seconds_for_a_lock_by_default) {
   EXPECT_EQ(DatabaseOption().wait, std::chrono::seconds(30));
 }
 

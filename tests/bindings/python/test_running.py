@@ -21,7 +21,7 @@ def locked(path):
 
 
 def failures_in_threads(count, work):
-    """What went wrong when `work(number)` ran in so many threads at once."""
+    """What went wrong when `work(number)` ran in `count` threads at once."""
     failures = []
 
     def guarded(number):

@@ -35,7 +35,7 @@ def test_the_wheel_is_built_and_installed_without_network(tmp_path):
     # A proxy that nobody answers: a build that asks for anything fails.
     run(sys.executable, "-m", "pip", "wheel", "--no-deps", "--wheel-dir", wheels, tree, PIP_NO_INDEX="1",
         http_proxy="http://127.0.0.1:9", https_proxy="http://127.0.0.1:9",
-        PELMORA_CMAKE_ARGS="-DPELMORA_WITH_PLOTS=OFF -DPELMORA_OPTIMISATION=-O0")  # it is the packing that is tested
+        PELMORA_CMAKE_ARGS="-DPELMORA_WITH_PLOTS=OFF -DPELMORA_OPTIMISATION=-O0")  # only the packing is tested
     wheel, = wheels.glob("pelmora-*.whl")
     names = zipfile.ZipFile(wheel).namelist()
     assert {"pelmora/__init__.py", "pelmora/py.typed", "pelmora/_pelmora.pyi"} <= set(names)

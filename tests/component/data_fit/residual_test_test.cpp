@@ -50,7 +50,7 @@ TEST_F(residual_test, ignored_residuals_reject_nothing) {
   EXPECT_TRUE(accepts({2}, {-2e9}));
 }
 
-// The comparison starts with the first row, and nothing is larger than what is no number.
+// The comparison starts with the first row, and nothing is larger than NaN.
 TEST_F(residual_test, first_ratio_that_is_no_number_hides_the_others) {
   EXPECT_TRUE(accepts({1, 1}, {std::nan(""), 50}));
 }

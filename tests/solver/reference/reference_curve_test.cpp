@@ -47,7 +47,7 @@ std::string refusal(const ReferenceData& data, const ReferenceOptions& options =
   return "";
 }
 
-TEST(reference_curve, is_given_up_in_front_of_any_pass_when_asked) {
+TEST(reference_curve, stops_before_any_pass_when_asked) {
   const Series s = simulated(500, 0.001, 3);
   int passes = 0;
   ReferenceOptions options;

@@ -40,7 +40,7 @@ using Bytes = std::span<const unsigned char>;
   return static_cast<std::uint32_t>(numberAt(bytes, at, 4));
 }
 
-// Where a row lies: its number on a page, and the page.
+// Where a row lies: the page, and the number of the row on it.
 struct RowPlace {
   std::uint32_t page = 0;
   std::uint8_t row = 0;

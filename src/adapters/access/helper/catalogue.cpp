@@ -11,7 +11,7 @@ namespace {
 constexpr std::uint32_t cataloguePage = 2;
 constexpr std::int64_t tableObject = 1;
 constexpr std::array<std::int64_t, 2> linkObjects{4, 6};
-// Set on system tables and on temporary ones.
+// Set for system tables and temporary tables.
 constexpr std::int64_t systemFlags = 0x80000002;
 constexpr std::int64_t typeBits = 0x7F;
 constexpr std::int64_t pageBits = 0x00FFFFFF;
@@ -22,7 +22,7 @@ std::int64_t wholeIn(const Value& value) {
   return *whole;
 }
 
-// A table with another name that has such a flag is a user's table whose entry is damaged.
+// A table that has such a flag but another name is a user's table whose entry is damaged.
 bool isSystemName(std::string_view name) {
   return name.starts_with("MSys") || name.starts_with("~") || name.starts_with("f_");
 }
@@ -42,7 +42,7 @@ std::optional<CatalogueEntry> entryOf(const PageFile& file, const TableRow& row)
   const auto page = static_cast<std::uint32_t>(id & pageBits);
   const bool isLink = std::ranges::find(linkObjects, type) != linkObjects.end();
   if (type != tableObject && !isLink) {
-    // Other objects have numbers that no page has.
+    // The ids of other objects are not page numbers.
     if (id > 0 && id == page && isDefinition(file, page))
       throw Damage("a table is listed as something else");
     return std::nullopt;

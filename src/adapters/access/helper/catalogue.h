@@ -8,7 +8,7 @@ namespace pelmora::access {
 
 struct CatalogueEntry {
   std::string name;
-  std::uint32_t page = 0;  // 0: the table is in another file, this one only has a link
+  std::uint32_t page = 0;  // 0: a link to a table in another file
 };
 
 // The tables that users see, from the file's own table of all objects. Entries that cannot be read

@@ -6,8 +6,8 @@
 
 namespace pelmora::access {
 
-// A page of rows: a header, a table of where each row begins, and the rows from the end on. Two
-// bits of a row's entry say what the row is.
+// A page of rows: a header, a table of where each row begins, and the rows, the first of them at
+// the end of the page. Two bits of a row's entry say what the row is.
 class DataPage {
  public:
   enum class RowKind {

@@ -63,10 +63,10 @@ std::string decimalText(Bytes field, unsigned scale) {
 }
 
 std::string dateText(double days) {
-  constexpr double first = -657434;   // 1 January 100
-  constexpr double behind = 2958466;  // 1 January 10000
+  constexpr double first = -657434;  // 1 January 100
+  constexpr double end = 2958466;    // 1 January 10000
   constexpr std::int64_t millisecondsADay = 86'400'000;
-  if (days <= first - 1 || days >= behind) throw Damage("it is not a date");
+  if (days <= first - 1 || days >= end) throw Damage("it is not a date");
   double day = 0;
   const double fraction = std::fabs(std::modf(days, &day));
   auto whole = static_cast<std::int64_t>(day);
@@ -75,7 +75,7 @@ std::string dateText(double days) {
     time -= millisecondsADay;
     ++whole;
   }
-  if (static_cast<double>(whole) < first || static_cast<double>(whole) >= behind)
+  if (static_cast<double>(whole) < first || static_cast<double>(whole) >= end)
     throw Damage("it is not a date");
   using namespace std::chrono;
   const year_month_day date(sys_days(year(1899) / December / 30) + std::chrono::days(whole));

@@ -10,11 +10,11 @@ namespace pelmora::access {
 
 // In ten-thousandths: "-0.0001".
 [[nodiscard]] std::string currencyText(std::int64_t value);
-// A sign and 16 bytes, with `scale` digits behind the point. Errors: Damage.
+// From a sign and 16 bytes, with `scale` digits after the point. Errors: Damage.
 [[nodiscard]] std::string decimalText(Bytes field, unsigned scale);
-// Days since 30 December 1899; before it the fraction still counts forward from midnight.
-// "2019-03-14 15:09:26", without the time at midnight, with milliseconds only where there are any.
-// Errors: Damage for a day outside of the years 100 to 9999.
+// From days since 30 December 1899; the fraction counts forward from midnight even before that day.
+// "2019-03-14 15:09:26", without the time at midnight, and with milliseconds only if there are any.
+// Errors: Damage for a day outside the years 100 to 9999.
 [[nodiscard]] std::string dateText(double days);
 // "{12345678-1234-1234-1234-123456789ABC}". Errors: Damage.
 [[nodiscard]] std::string identityText(Bytes field);

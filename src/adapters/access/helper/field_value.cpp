@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t unitsOfAnyLength = std::numeric_limits<std::size_t>::max();
 
-// SQL stores no such numbers; they would silently become null.
+// SQL cannot store infinities and NaN; they would silently become null.
 double finite(double number) {
   if (!std::isfinite(number)) throw Damage("it is not a finite number");
   return number;

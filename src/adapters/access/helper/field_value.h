@@ -12,13 +12,13 @@
 
 namespace pelmora::access {
 
-// The type that a column gets: whole numbers, numbers bit for bit, texts; a yes/no is 1 or 0.
-// Currency and decimals are texts with all of their digits, dates "yyyy-mm-dd" and " hh:mm:ss"
-// unless that is midnight, identities texts in braces, binary data 0x and hexadecimal digits.
-// Nothing for a column that cannot be read.
+// The type that a column gets; nothing if its values cannot be read. Whole numbers, other numbers
+// and texts keep their values exactly. A yes/no is 1 or 0, currency and decimals are texts with all
+// of their digits, dates are "yyyy-mm-dd hh:mm:ss" without the time at midnight, identities are
+// texts in braces, and binary data is 0x followed by hexadecimal digits.
 [[nodiscard]] std::optional<OwnColumnType> typeFor(const AccessColumn& column);
 
-// A field that is not null, of any column but a yes/no.
+// The value of a field that is not null, in a column of any type but yes/no.
 // Errors: Damage.
 [[nodiscard]] Value fieldValue(LongValues& longValues, const AccessColumn& column, Bytes field);
 

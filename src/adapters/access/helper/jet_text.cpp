@@ -6,7 +6,7 @@ namespace {
 
 constexpr char32_t firstLeading = 0xD800;
 constexpr char32_t firstTrailing = 0xDC00;
-constexpr char32_t behindTrailing = 0xE000;
+constexpr char32_t afterTrailing = 0xE000;
 
 std::u16string unitsOf(Bytes bytes) {
   std::u16string units;
@@ -56,9 +56,9 @@ std::string textOf(Bytes bytes, std::size_t mostUnits) {
   for (std::size_t i = 0; i < units.size(); ++i) {
     char32_t c = units[i];
     if (c == 0) throw Damage("the text holds a character with the code 0");
-    if (c >= firstLeading && c < behindTrailing) {
+    if (c >= firstLeading && c < afterTrailing) {
       const char32_t next = i + 1 < units.size() ? units[i + 1] : 0;
-      if (c >= firstTrailing || next < firstTrailing || next >= behindTrailing)
+      if (c >= firstTrailing || next < firstTrailing || next >= afterTrailing)
         throw Damage("the text holds half a character");
       c = 0x10000 + ((c - firstLeading) << 10) + (next - firstTrailing);
       ++i;

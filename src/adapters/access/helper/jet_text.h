@@ -8,11 +8,11 @@
 
 namespace pelmora::access {
 
-// UTF-16, or after the bytes FF FE compressed: characters below U+0100 as one byte each, where a
-// zero byte switches to two bytes and back.
+// From UTF-16, or from the compressed form that starts with the bytes FF FE: characters below
+// U+0100 are one byte each, and a zero byte switches to two bytes per character and back.
 //
-// Errors: Damage for half a character, a half of a pair, a character U+0000, or more than
-//         `mostUnits` units of UTF-16.
+// Errors: Damage for a text that ends inside a character, half of a surrogate pair, the character
+//         U+0000, or more than `mostUnits` units of UTF-16.
 [[nodiscard]] std::string textOf(Bytes bytes, std::size_t mostUnits);
 
 }  // namespace pelmora::access

@@ -24,12 +24,12 @@ void limit(Resource resource, rlim_t most, rlim_t grace = 0) {
 }  // namespace
 
 void limitResources([[maybe_unused]] std::size_t memoryMegabytes, std::size_t processorSeconds) {
-  // The address sanitizer reserves terabytes for itself.
+  // Sanitizers reserve terabytes for themselves and start threads of their own.
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
   limit(RLIMIT_AS, memoryMegabytes << 20);
   limit(RLIMIT_NPROC, 0);
 #endif
-  limit(RLIMIT_CPU, processorSeconds, 1);  // SIGXCPU first, which says why
+  limit(RLIMIT_CPU, processorSeconds, 1);  // SIGXCPU first, which tells the host why
   limit(RLIMIT_NOFILE, mostOpenFiles);
   limit(RLIMIT_FSIZE, 0);
   limit(RLIMIT_CORE, 0);

@@ -1,4 +1,4 @@
-// Limits of what this process may use, whatever the file makes it do.
+// Limits what this process can use, whatever the file makes it do.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -6,8 +6,8 @@
 
 namespace pelmora::access {
 
-// From now on: memory, time of the processor, 16 open files, no new files, no core file, no other
-// processes. Errors: std::runtime_error.
+// From now on this process has limited memory and processor time and at most 16 open files. It
+// cannot write files, leave a core file or start other processes. Errors: std::runtime_error.
 void limitResources(std::size_t memoryMegabytes, std::size_t processorSeconds);
 
 }  // namespace pelmora::access

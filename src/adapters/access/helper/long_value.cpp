@@ -4,8 +4,8 @@
 namespace pelmora::access {
 namespace {
 
-// A field holds the length (its top byte is the kind of storage), a place, and four bytes that do
-// not concern the value.
+// A field holds the length (its top byte is the kind of storage), a place, and four bytes that are
+// not used here.
 constexpr std::size_t fieldHead = 12;
 constexpr std::size_t placeAt = 4;
 constexpr std::size_t nextPlaceSize = 4;

@@ -9,16 +9,16 @@
 
 namespace pelmora::access {
 
-// Knows which places have been read: a value belongs to one field, so that all values together are
-// no longer than the file, whatever damaged fields refer to.
+// Remembers which places have been read. A value belongs to one field only, so all values together
+// are no longer than the file, whatever damaged fields refer to.
 class LongValues {
  public:
   // `file` must outlive the object.
   explicit LongValues(const PageFile& file) : file_(file) {}
 
   // The bytes that a row's field of such a column refers to.
-  // Errors: Damage, also if their number differs from the one in the field, or if another field has
-  //         the value already.
+  // Errors: Damage, also if their number differs from the one in the field, or if an earlier field
+  //         referred to the same value.
   [[nodiscard]] std::vector<unsigned char> read(Bytes field);
 
  private:

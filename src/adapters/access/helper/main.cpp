@@ -32,7 +32,7 @@ class Output {
     while (!left.empty()) {
       const ssize_t written = write(file_, left.data(), left.size());
       if (written < 0 && errno == EINTR) continue;
-      if (written < 0) std::_Exit(EXIT_FAILURE);  // the host has gone
+      if (written < 0) std::_Exit(EXIT_FAILURE);  // the host is gone
       left.remove_prefix(static_cast<std::size_t>(written));
     }
     bytes_.clear();
@@ -47,7 +47,6 @@ void sendTable(const PageFile& file, const CatalogueEntry& entry, LongValues& lo
                Output& output) {
   const auto leftOut = [&](const LeftOutNote& note) { output.send(note); };
   AccessTable table;
-  table.name = entry.name;
   std::vector<AccessColumn> readable;
   std::vector<LeftOutNote> notes;
   TableStart start;
@@ -85,7 +84,7 @@ void sendTable(const PageFile& file, const CatalogueEntry& entry, LongValues& lo
 void sendFile(const std::string& path, Output& output) {
   const PageFile file(path);
   const auto leftOut = [&](const LeftOutNote& note) { output.send(note); };
-  if (file.bytesBehind() != 0) {
+  if (file.trailingBytes() != 0) {
     leftOut({LeftOutNote::Kind::damage, 0, "the end of the file",
              "the file ends in the middle of page " + std::to_string(file.pageCount())});
   }

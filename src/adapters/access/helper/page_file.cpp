@@ -20,7 +20,7 @@ PageFile::Stamp PageFile::stampOf(const std::string& path) {
 PageFile::PageFile(const std::string& path) : path_(path), stamp_(stampOf(path)) {
   handle_.reset(mdb_open(path.c_str(), MDB_NOFLAGS));
   if (!handle_) throw Unreadable("it is not an Access database, or of a version later than 2019");
-  // Pages and texts have another layout there, and texts depend on a code page.
+  // In that version pages are laid out differently, and texts depend on a code page.
   if (handle_->f->jet_version == MDB_VER_JET3) {
     throw Unreadable(
         "it is in the format of Access 97. Open it in Access and save it in the format of Access "
@@ -30,7 +30,7 @@ PageFile::PageFile(const std::string& path) : path_(path), stamp_(stampOf(path))
     throw Unreadable("it is encrypted. Open it in Access and save it without encryption");
   }
   pageCount_ = static_cast<std::uint32_t>(static_cast<std::uint64_t>(stamp_.size) / pageSize);
-  bytesBehind_ = static_cast<std::size_t>(static_cast<std::uint64_t>(stamp_.size) % pageSize);
+  trailingBytes_ = static_cast<std::size_t>(static_cast<std::uint64_t>(stamp_.size) % pageSize);
 }
 
 Page PageFile::page(std::uint32_t number, PageKind kind) const {

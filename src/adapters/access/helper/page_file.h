@@ -25,15 +25,14 @@ enum class PageKind : std::uint8_t { data = 1, table = 2, usageMap = 5 };
 
 class PageFile {
  public:
-  // Errors: Unreadable for a file that is not an Access file, or of a version that is not
-  // supported.
+  // Errors: Unreadable for a file that is not an Access file, or that has an unsupported version.
   explicit PageFile(const std::string& path);
 
   // The library's handle on the file.
   [[nodiscard]] MdbHandle* library() const { return handle_.get(); }
-  // Whole pages only; a file that was cut off in the middle of a page has bytes behind them.
+  // Whole pages only; a file that was cut off in the middle of a page has trailing bytes.
   [[nodiscard]] std::uint32_t pageCount() const { return pageCount_; }
-  [[nodiscard]] std::size_t bytesBehind() const { return bytesBehind_; }
+  [[nodiscard]] std::size_t trailingBytes() const { return trailingBytes_; }
   // Errors: Damage if the file has no such page or it is of another kind.
   [[nodiscard]] Page page(std::uint32_t number, PageKind kind) const;
   // Whether the file's size or time has changed since it was opened.
@@ -52,7 +51,7 @@ class PageFile {
   std::string path_;
   Stamp stamp_;
   std::uint32_t pageCount_ = 0;
-  std::size_t bytesBehind_ = 0;
+  std::size_t trailingBytes_ = 0;
   std::unique_ptr<MdbHandle, Close> handle_;
 };
 

@@ -8,8 +8,8 @@
 
 namespace pelmora::access {
 
-// A row: its number of columns, the fixed fields, the others, where each of those begins, how many
-// there are, and a bit for each column that is set where it is not null.
+// A row: its number of columns, the fixed fields, the variable fields, where each of those begins,
+// how many there are, and a bit for each column, which is set if the field is not null.
 class RowFields {
  public:
   // `row` must outlive the object. Errors: Damage if the row cannot be one of the table.
@@ -22,7 +22,7 @@ class RowFields {
 
  private:
   void readVariable(Bytes before);
-  // Whether the row says that it is older than the column, and holds something for it all the same.
+  // Whether the row claims to be older than the column, yet holds something for it.
   [[nodiscard]] bool contradicts(const AccessColumn& column) const;
   [[nodiscard]] Bytes fixedField(const AccessColumn& column) const;
   [[nodiscard]] Bytes variableField(const AccessColumn& column, bool isNull) const;

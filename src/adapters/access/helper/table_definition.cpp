@@ -99,7 +99,6 @@ std::size_t sizeOfType(int type) {
 AccessTable readDefinition(const PageFile& file, const std::string& name, std::uint32_t page) {
   checkChain(file, page);
   AccessTable table;
-  table.name = name;
   table.page = page;
   table.mostColumns = u16(file.page(page, PageKind::table), mostColumnsAt);
 
@@ -117,7 +116,7 @@ AccessTable readDefinition(const PageFile& file, const std::string& name, std::u
   const Bytes map(definition->usage_map, definition->usage_map == nullptr ? 0 : definition->map_sz);
   table.dataPages = pagesInMap(file, map);
 
-  (void)file.page(page, PageKind::table);  // where the library goes on from
+  (void)file.page(page, PageKind::table);  // the library goes on from the page that was read last
   const GPtrArray* columns = mdb_read_columns(definition.get());
   if (columns == nullptr || columns->len != definition->num_cols)
     throw Damage("its columns cannot be read");

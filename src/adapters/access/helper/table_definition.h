@@ -15,13 +15,12 @@ struct AccessColumn {
   std::size_t size = 0;    // in bytes
   std::size_t number = 0;  // of its bit in a row
   bool isFixed = false;
-  std::size_t fixedAt = 0;   // where a fixed one lies in a row
-  std::size_t variable = 0;  // which of the others it is
-  unsigned scale = 0;        // digits behind the point of a decimal
+  std::size_t fixedAt = 0;   // where a fixed field lies in a row
+  std::size_t variable = 0;  // its index among the variable fields
+  unsigned scale = 0;        // of a decimal: digits after the point
 };
 
 struct AccessTable {
-  std::string name;
   std::uint32_t page = 0;
   std::uint64_t rows = 0;
   std::size_t mostColumns = 0;  // that a row can have, deleted columns included

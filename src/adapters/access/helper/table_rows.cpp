@@ -28,7 +28,7 @@ class TableScan {
       }
     }
     const std::uint64_t found = sent_ + leftOut_;
-    // A table may own pages that hold none of its rows: those matter only if rows are missing.
+    // A table may own pages that hold none of its rows. They matter only if rows are missing.
     if (found == table_.rows) return sent_;
     for (const LeftOutNote& page : pages) into_.leftOut(page);
     note(table_.rows > found ? table_.rows - found : 0, "",

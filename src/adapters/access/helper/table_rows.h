@@ -15,10 +15,10 @@ struct RowReceiver {
   std::function<void(const LeftOutNote&)> leftOut;
 };
 
-// The values of `columns` in every row, in the order of the pages; a moved row comes in
-// its first place. A value that cannot be read is null and has a note. Rows and pages that cannot
-// be read have a note too, and so has a table whose number of rows differs from its own count.
-// Returns the number of rows.
+// Delivers the values of `columns` in every row, in the order of the pages; a moved row comes at
+// its original place. A value that cannot be read is null and has a note. Rows and pages that
+// cannot be read have a note too, and so has a table whose number of rows differs from the file's
+// own count. Returns the number of rows.
 std::uint64_t readRows(const PageFile& file, const AccessTable& table,
                        const std::vector<AccessColumn>& columns, LongValues& longValues,
                        const RowReceiver& into);

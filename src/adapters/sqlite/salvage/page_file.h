@@ -34,10 +34,10 @@ using PageNumber = std::uint32_t;  // from 1; 0: none
 // so damaged that no other program can use it either.
 class PageFile {
  public:
-  // Reading ends with sql::stopped where the patience says so.
+  // Reading ends with error sql::stopped when the patience asks for it.
   //
   // Errors: Error 53 missing, 70 or 75 if it cannot be read, 321 if nothing in it looks like a
-  //         page of a database, genericFailure where another user has locked it.
+  //         page of a database, genericFailure if another user has locked it.
   explicit PageFile(const std::string& path, Patience patience = {});
 
   // Bytes of a page that rows may use.

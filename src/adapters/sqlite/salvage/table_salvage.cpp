@@ -41,8 +41,8 @@ UseDamage TableSalvage::damageOf(const std::string& what) {
   };
 }
 
-// Columns of the affinity TEXT, which never hold a number: SQLite turns it into text when it is
-// stored. A row with one there comes from another table.
+// A column with the affinity TEXT never holds a number, because SQLite stores it as text. A row
+// with a number there comes from another table.
 //
 // Source: https://www.sqlite.org/datatype3.html, sections 3 and 3.1.
 void TableSalvage::findTextColumns() {

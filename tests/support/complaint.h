@@ -1,0 +1,22 @@
+// What a refused action tells its caller.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <pelmora/calibration/failure.h>
+
+#include <string>
+
+namespace pelmora::test {
+
+// "what failed; the remedy", or "nothing was refused".
+template <class Action>
+std::string complaint(Action action) {
+  try {
+    action();
+  } catch (const calibration::Failure& failure) {
+    return std::string(failure.what()) + "; " + failure.remedy();
+  }
+  return "nothing was refused";
+}
+
+}  // namespace pelmora::test
