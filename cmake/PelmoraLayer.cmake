@@ -19,6 +19,7 @@ endif()
 if(PELMORA_SANITIZE)
   target_compile_options(pelmora_options INTERFACE -fsanitize=${PELMORA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(pelmora_options INTERFACE -fsanitize=${PELMORA_SANITIZE})
+  target_compile_definitions(pelmora_options INTERFACE PELMORA_SANITIZED)
 endif()
 
 function(pelmora_layer folder)

@@ -96,7 +96,7 @@ class CommandTest : public testing::Test {
 
  private:
   [[nodiscard]] CommandResult run(const Arguments& arguments, const std::string& redirects) const {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef PELMORA_SANITIZED
     // Leaks are left to the tests of the rooms: here the search would take as long as a command.
     std::string line = "ASAN_OPTIONS=detect_leaks=0 " + quoted(PELMORA_PROGRAM);
 #else

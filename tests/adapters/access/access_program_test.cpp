@@ -72,7 +72,7 @@ TEST_F(access_program, that_takes_too_long_is_ended) {
 }
 
 TEST_F(access_program, limits_its_own_memory) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef PELMORA_SANITIZED
   GTEST_SKIP() << "sanitizers reserve terabytes";
 #endif
   access::ProgramSettings settings = builtProgram();

@@ -25,7 +25,7 @@ void limit(Resource resource, rlim_t most, rlim_t grace = 0) {
 
 void limitResources([[maybe_unused]] std::size_t memoryMegabytes, std::size_t processorSeconds) {
   // Sanitizers reserve terabytes for themselves and start threads of their own.
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#ifndef PELMORA_SANITIZED
   limit(RLIMIT_AS, memoryMegabytes << 20);
   limit(RLIMIT_NPROC, 0);
 #endif
