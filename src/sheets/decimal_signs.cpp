@@ -54,17 +54,11 @@ void DecimalSigns::note(Place& place, std::size_t line, std::size_t column,
   if (place.text.empty()) place = {line, column, text};
 }
 
-void DecimalSigns::noteGrouping(std::string_view text) {
-  if (!otherGrouping_.empty() || text.find_first_of(" '\xC2\xE2") == std::string_view::npos) return;
-  otherGrouping_ = text.find('\'') != std::string_view::npos ? "'" : " ";
-}
-
 void DecimalSigns::add(std::size_t line, std::size_t column, const std::string& field) {
   if (columns_.size() <= column) columns_.resize(column + 1);
-  std::string_view text = field;
-  if (!text.empty() && (text[0] == '-' || text[0] == '+')) text.remove_prefix(1);
-  if (text.empty() || !looksLikeNumber(text)) return;
-  noteGrouping(text);
+  if (!looksLikeNumber(field)) return;
+  const std::string_view text = withoutSign(field);
+  if (otherGrouping_.empty()) otherGrouping_ = plainGrouping(text);
   if (isUngrouped(text)) columns_[column].hasUngrouped = true;
   const std::size_t first = text.find_first_of(".,"), last = text.find_last_of(".,");
   if (first == std::string_view::npos) return;

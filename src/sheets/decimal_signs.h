@@ -58,7 +58,6 @@ class DecimalSigns {
     bool hasUngrouped = false;  // a number of 1000 or more without grouping
   };
   static void note(Place& place, std::size_t line, std::size_t column, const std::string& text);
-  void noteGrouping(std::string_view text);
   // What an open number of a column means: true if the mark is decimal, false if it groups.
   [[nodiscard]] std::optional<bool> isDecimal(const Place& open, const ColumnReader& read) const;
 

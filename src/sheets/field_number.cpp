@@ -18,7 +18,7 @@ namespace {
 constexpr std::array<std::string_view, 5> blanks{" ", "\t", "\xC2\xA0", "\xE2\x80\x89",
                                                  "\xE2\x80\xAF"};
 constexpr std::array<std::string_view, 2> apostrophes{"'", "\xE2\x80\x99"};
-constexpr std::string_view minusSign = "\xE2\x88\x92";
+constexpr std::array<std::string_view, 3> signs{"-", "+", "\xE2\x88\x92"};
 
 template <std::size_t count>
 std::string_view startsWithOne(std::string_view text,
@@ -64,14 +64,9 @@ class Scan {
     return count;
   }
   void takeSign() {
-    if (rest_.starts_with(minusSign)) {
-      rest_.remove_prefix(minusSign.size());
-      plain_ = '-';
-    } else if (take('-')) {
-      plain_ = '-';
-    } else {
-      (void)take('+');
-    }
+    const std::string_view unsignedText = withoutSign(rest_);
+    if (unsignedText.size() < rest_.size() && rest_.front() != '+') plain_ = '-';
+    rest_ = unsignedText;
   }
   // What separates the next group of digits; empty if none follows.
   [[nodiscard]] std::string_view groupSign() const {
@@ -124,6 +119,19 @@ std::string_view trimmed(std::string_view text) {
     }
   }
   return text;
+}
+
+std::string_view withoutSign(std::string_view text) {
+  const std::string_view sign = startsWithOne(text, signs);
+  return text.substr(sign.size());
+}
+
+std::string_view plainGrouping(std::string_view number) {
+  const auto holds = [&](std::string_view sign) {
+    return number.find(sign) != std::string_view::npos;
+  };
+  if (std::ranges::any_of(apostrophes, holds)) return "'";
+  return std::ranges::any_of(blanks, holds) ? " " : "";
 }
 
 std::optional<double> fieldNumber(std::string_view text, NumberStyle style) {

@@ -23,6 +23,12 @@ struct NumberStyle {
 // Without blanks, tabs and no-break spaces at the ends.
 [[nodiscard]] std::string_view trimmed(std::string_view text);
 
+// Without the sign at the start: +, - or the typographic minus, U+2212.
+[[nodiscard]] std::string_view withoutSign(std::string_view text);
+
+// "'" or " " if an apostrophe or a blank groups thousands in this number; empty if none does.
+[[nodiscard]] std::string_view plainGrouping(std::string_view number);
+
 // Blanks around the number, a sign (also U+2212) and an exponent are allowed; groups have three
 // digits. Nothing for other text and for numbers that a double cannot hold. The result is the
 // double that the same digits with a decimal point give.

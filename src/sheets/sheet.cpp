@@ -25,14 +25,14 @@ constexpr std::size_t startRecords = 1000;
 bool isMark(char c) { return c == '.' || c == ','; }
 
 bool isNotFinite(std::string_view text) {
-  if (text.starts_with('-') || text.starts_with('+')) text.remove_prefix(1);
+  text = withoutSign(text);
   return equalNames(text, "nan") || equalNames(text, "inf") || equalNames(text, "infinity");
 }
 
 // "1.234", where '.' is `mark`: the mark may be the decimal sign or group thousands.
 bool isOpen(std::string_view text, char mark) {
   return std::ranges::count_if(text, isMark) == 1 && text.find(mark) != std::string_view::npos &&
-         fieldNumber(text, {mark == '.' ? ',' : '.', true}).has_value() && text[0] != '0';
+         fieldNumber(text, {mark == '.' ? ',' : '.', true}).has_value();
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
 #include <string>
 
 namespace pelmora::sheets {
@@ -57,6 +58,32 @@ TEST(sheet_numbers, three_digits_behind_one_sign_are_refused_where_nothing_decid
     EXPECT_THAT(error.problem(), HasSubstr("may be 123")) << text;
   }
   EXPECT_EQ(read("x,y\n1.234,2\n").rows[0][0], 1.234);
+}
+
+// The typographic minus sign, U+2212.
+TEST(sheet_numbers, every_sign_of_a_number_leaves_its_marks_in_doubt) {
+  for (const char* sign : {"-", "+", "\xE2\x88\x92"}) {
+    const std::string number = sign + "1.234"s;
+    EXPECT_EQ(refusal("x;y\n" + number + ";2\n").doubt(), SheetError::Doubt::decimal) << sign;
+    // The other numbers of the column say that it is a thousand.
+    EXPECT_EQ(std::abs(read("x;y\n950;1\n" + number + ";2\n").rows[1][0]), 1234) << sign;
+    EXPECT_EQ(std::abs(read("x;y\n1500;1\n" + number + ";2\n").rows[1][0]), 1.234) << sign;
+  }
+}
+
+TEST(sheet_numbers, a_typographic_minus_groups_nothing) {
+  EXPECT_EQ(read("x;y\n\xE2\x88\x92"
+                 "1.5;2.25\n")
+                .recognised.thousands,
+            "");
+  EXPECT_EQ(read("x;y\n1\xE2\x80\x99"
+                 "234.5;2.25\n")
+                .recognised.thousands,
+            "'");
+  EXPECT_EQ(read("x;y\n1\xE2\x80\xAF"
+                 "234.5;2.25\n")
+                .recognised.thousands,
+            " ");
 }
 
 TEST(sheet_numbers, a_stated_decimal_sign_decides) {
