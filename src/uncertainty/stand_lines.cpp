@@ -51,9 +51,9 @@ std::string_view unquoted(std::string_view text) {
   return isQuoted ? text.substr(1, text.size() - 2) : text;
 }
 
-// A text in quotes or a number may be followed by a comment. In any other text, # is a character
-// like any other: "name = Stand #3".
-std::string_view valueOf(std::string_view text) {
+// A text in quotes or a number may be followed by a comment. In any other text, and in a name, # is
+// a character like any other: "name = Stand #3", "name = 3rd stand #2".
+std::string_view valueOf(std::string_view setting, std::string_view text) {
   if (text.empty()) return text;
   if (isQuote(text.front())) {
     const auto end = text.find(text.front(), 1);
@@ -62,16 +62,33 @@ std::string_view valueOf(std::string_view text) {
     return rest.empty() || rest.front() == '#' ? text.substr(1, end - 1) : text;
   }
   constexpr std::string_view startsOfNumber = "0123456789+-.";
-  const bool isNumber = startsOfNumber.find(text.front()) != std::string_view::npos;
+  const bool isNumber =
+      setting != "name" && startsOfNumber.find(text.front()) != std::string_view::npos;
   const auto comment = isNumber ? text.find('#') : std::string_view::npos;
   return comment == std::string_view::npos ? text : withoutBlanks(text.substr(0, comment));
 }
 
-// [SECTION] without the comment after it.
+// Where TOML's quotes around a label end; `at` if none begin there. An apostrophe inside a word is
+// no quote: [flow: master's meter].
+std::size_t endOfQuotes(std::string_view line, std::size_t at) {
+  const std::string_view before = withoutBlanks(line.substr(0, at));
+  if (!isQuote(line[at]) || !(before.ends_with('.') || before == "[")) return at;
+  const auto end = line.find(line[at], at + 1);
+  return end == std::string_view::npos ? at : end;
+}
+
+// [SECTION] without the comment after it. Brackets may stand in the name in pairs or in quotes, and
+// in the comment.
 std::string_view headOf(std::string_view line) {
-  const auto end = line.rfind(']');
-  if (end == std::string_view::npos) return line;
-  return withoutBlanks(line.substr(end + 1)).starts_with('#') ? line.substr(0, end + 1) : line;
+  int depth = 0;
+  for (std::size_t at = 0; at < line.size(); ++at) {
+    at = endOfQuotes(line, at);
+    if (line[at] == '[') ++depth;
+    if (line[at] != ']' || --depth > 0) continue;
+    const std::string_view rest = withoutBlanks(line.substr(at + 1));
+    if (rest.empty() || rest.starts_with('#')) return line.substr(0, at + 1);
+  }
+  return line;
 }
 
 // TOML's bare keys have no blanks: degrees_of_freedom, half_width.
@@ -84,8 +101,7 @@ std::string nameOf(std::string_view text) {
 // [flow: master meter] or TOML's [flow."master meter"].
 std::string sectionName(std::string_view text) {
   const auto dot = text.find('.');
-  if (dot == std::string_view::npos || text.find(':') != std::string_view::npos)
-    return std::string(unquoted(text));
+  if (dot == std::string_view::npos || text.find(':') < dot) return std::string(unquoted(text));
   return std::string(withoutBlanks(text.substr(0, dot))) + ": " +
          std::string(unquoted(withoutBlanks(text.substr(dot + 1))));
 }
@@ -96,8 +112,8 @@ Setting settingOf(std::string_view line, std::size_t number, const std::string& 
     refuseLine(number, quoted(line) + " is neither a section nor a setting", where,
                "write [SECTION] or NAME = VALUE");
   }
-  Setting setting{number, nameOf(line.substr(0, equals)),
-                  std::string(valueOf(withoutBlanks(line.substr(equals + 1))))};
+  Setting setting{number, nameOf(line.substr(0, equals)), {}};
+  setting.value = valueOf(setting.name, withoutBlanks(line.substr(equals + 1)));
   if (setting.name.empty())
     refuseLine(number, "there is no name", where, "write NAME = VALUE, or leave the line out");
   if (setting.value.empty()) {

@@ -25,8 +25,8 @@ struct Section {
 // Lines NAME = VALUE below [SECTION], as in INI or TOML: texts with or without quotes,
 // degrees_of_freedom for "degrees of freedom", [flow."master meter"] for [flow: master meter].
 // Ignored are empty lines, lines that begin with # or ;, a comment that starts with # after a
-// section, a number or a text in quotes, and blanks around names and values. Lines end with LF or
-// CR LF; a byte order mark is allowed.
+// section, a number (but not in a name) or a text in quotes, and blanks around names and values.
+// Lines end with LF or CR LF; a byte order mark is allowed.
 //
 // Errors: BadData with the line for text that is not UTF-8, control characters, a setting outside
 //         of sections, a name or value that is missing, and a section or setting that is repeated.

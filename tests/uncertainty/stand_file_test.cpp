@@ -104,8 +104,33 @@ TEST(stand_file, may_be_written_in_toml) {
 }
 
 TEST(stand_file, keeps_a_number_sign_in_a_name_without_quotes) {
-  const char* text = "[stand]\nname = Stand #3\n[flow]\nstandard = 0.1 %\n";
-  EXPECT_EQ(readStandUncertainty(text, "").name, "Stand #3");
+  for (const std::string name : {"Stand #3", "3rd stand #2", "-1 # basement"}) {
+    const std::string text = "[stand]\nname = " + name + "\n[flow]\nstandard = 0.1 % # yearly\n";
+    EXPECT_EQ(readStandUncertainty(text, "").name, name);
+  }
+}
+
+TEST(stand_file, ends_a_section_at_its_own_bracket) {
+  const StandUncertainty read = readStandUncertainty(
+      "[stand] # of [2026]\n"
+      "name = S\n"
+      "[flow.\"meter [2] # old\"] # replaces [flow]\n"
+      "standard = 0.1 %\n"
+      "[flow: master's meter [3]]\n"
+      "standard = 0.1 %\n",
+      "");
+  EXPECT_EQ(read.name, "S");
+  ASSERT_EQ(read.components.size(), 2U);
+  EXPECT_EQ(read.components[0].label, "meter [2] # old");
+  EXPECT_EQ(read.components[1].label, "master's meter [3]");
+}
+
+TEST(stand_file, keeps_colons_and_points_in_a_label) {
+  const StandUncertainty read = readStandUncertainty(
+      "[flow.\"master: 2\"]\nstandard = 0.1 %\n[flow: v1.2]\nstandard = 0.1 %\n", "");
+  ASSERT_EQ(read.components.size(), 2U);
+  EXPECT_EQ(read.components[0].label, "master: 2");
+  EXPECT_EQ(read.components[1].label, "v1.2");
 }
 
 TEST(stand_file, takes_two_standard_deviations_by_default) {
