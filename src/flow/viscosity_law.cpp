@@ -53,9 +53,29 @@ TemperatureRange rangeOf(const std::vector<ViscosityPoint>& points) {
   return {low->kelvin, high->kelvin};
 }
 
+// `shift` is c of the Andrade scale.
+void requireTemperature(double kelvin, double shift) {
+  if (!std::isfinite(kelvin) || !(kelvin > 0)) {
+    refuse(degrees(kelvin) + " of the viscosity law is not above absolute zero",
+           "give a temperature above " + degrees(0));
+  }
+  if (kelvin + shift > 0) return;
+  refuse("at " + degrees(kelvin) +
+             ", the temperature in K plus the constant c of the viscosity law is not above 0",
+         "give a temperature above " + degrees(-shift));
+}
+
+void requireRange(TemperatureRange range, double shift) {
+  requireTemperature(range.lowest, shift);
+  requireTemperature(range.highest, shift);
+  if (range.highest > range.lowest) return;
+  refuse("the viscosity law holds nowhere from " + degrees(range.lowest) + " to " +
+             degrees(range.highest),
+         "give the lower temperature first, then a higher one");
+}
+
 void requirePoint(ViscosityScale scale, const ViscosityPoint& point, double shift) {
-  if (!std::isfinite(point.kelvin) || !(point.kelvin > 0) || !(point.kelvin + shift > 0))
-    refuse("a temperature of the viscosity law is not above absolute zero", "give it in K");
+  requireTemperature(point.kelvin, shift);
   const double least = scale == ViscosityScale::d341 ? leastOfD341 : 0;
   if (!std::isfinite(point.centistokes) || !(point.centistokes > 0) || point.centistokes < least) {
     refuse("the viscosity at " + degrees(point.kelvin) + " is too small for its law",
@@ -83,14 +103,14 @@ ViscosityLaw::ViscosityLaw(ViscosityScale scale, std::vector<ViscosityPoint> poi
     }
     nodes_.push_back({across(points[i].kelvin), upOf(scale, points[i].centistokes)});
   }
-  if (!(range.lowest > 0) || !(range.highest > range.lowest) || !(range.lowest + shift > 0))
-    refuse("the temperature range of the viscosity law is empty", "give its two ends in K");
+  requireRange(range, shift);
 }
 
 ViscosityLaw::ViscosityLaw(ViscosityScale scale, std::vector<ViscosityPoint> points, double shift)
     : ViscosityLaw(scale, points, rangeOf(points), shift) {}
 
 ViscosityLaw ViscosityLaw::fromD341(double a, double b, TemperatureRange range) {
+  requireRange(range, 0);
   std::vector<ViscosityPoint> points;
   for (const double kelvin : {range.lowest, range.highest}) {
     const double up = a - b * std::log10(kelvin);
@@ -100,6 +120,7 @@ ViscosityLaw ViscosityLaw::fromD341(double a, double b, TemperatureRange range) 
 }
 
 ViscosityLaw ViscosityLaw::fromAndrade(double a, double b, double c, TemperatureRange range) {
+  requireRange(range, c);
   std::vector<ViscosityPoint> points;
   for (const double kelvin : {range.lowest, range.highest})
     points.push_back({kelvin, std::exp(a + b / (kelvin + c))});

@@ -102,12 +102,42 @@ TEST(viscosity_law, refuses_points_that_no_liquid_has) {
   EXPECT_EQ(make({{kelvin(20), 1}, {kelvin(40), 0.2}}, ViscosityScale::d341),
             "the viscosity at 40.00 C is too small for its law; the D341 law starts at 0.21 cSt; "
             "use the Andrade law");
-  EXPECT_EQ(make({{-3, 1}, {300, 0.5}}, ViscosityScale::andrade),
-            "a temperature of the viscosity law is not above absolute zero; give it in K");
-  EXPECT_EQ(complaint([] {
-              (void)ViscosityLaw::fromAndrade(-3.7188, 578.919, -137.546, {kelvin(40), kelvin(20)});
+  EXPECT_EQ(make({{kelvin(-300), 1}, {300, 0.5}}, ViscosityScale::andrade),
+            "-300.00 C of the viscosity law is not above absolute zero; give a temperature above "
+            "-273.15 C");
+}
+
+TEST(viscosity_law, refuses_a_range_that_it_cannot_have) {
+  using Make = ViscosityLaw (*)(TemperatureRange);
+  const Make andrade = [](TemperatureRange range) {
+    return ViscosityLaw::fromAndrade(-3.7188, 578.919, -137.546, range);
+  };
+  const Make d341 = [](TemperatureRange range) {
+    return ViscosityLaw::fromD341(9.5259, 3.7449, range);
+  };
+  for (const Make make : {andrade, d341}) {
+    EXPECT_EQ(complaint([&] {
+                (void)make({kelvin(100), kelvin(0)});
+              }),
+              "the viscosity law holds nowhere from 100.00 C to 0.00 C; give the lower temperature "
+              "first, then a higher one");
+    EXPECT_EQ(complaint([&] {
+                (void)make({kelvin(0), kelvin(0)});
+              }),
+              "the viscosity law holds nowhere from 0.00 C to 0.00 C; give the lower temperature "
+              "first, then a higher one");
+    EXPECT_EQ(complaint([&] {
+                (void)make({kelvin(-300), kelvin(100)});
+              }),
+              "-300.00 C of the viscosity law is not above absolute zero; give a temperature above "
+              "-273.15 C");
+  }
+  // Where T + c is not above 0, the Andrade law has no viscosity.
+  EXPECT_EQ(complaint([&] {
+              (void)andrade({kelvin(-140), kelvin(100)});
             }),
-            "the temperature range of the viscosity law is empty; give its two ends in K");
+            "at -140.00 C, the temperature in K plus the constant c of the viscosity law is not "
+            "above 0; give a temperature above -135.60 C");
 }
 
 }  // namespace
