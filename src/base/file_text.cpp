@@ -33,10 +33,31 @@ bool isRegularFile(const std::string& utf8) {
   return std::filesystem::is_regular_file(filePath(utf8), ignored);
 }
 
-void requireRegularFile(const std::string& utf8) {
+void requireRegularFile(const std::string& utf8, const FileAdvice& advice) {
   if (isRegularFile(utf8)) return;
-  throw Error(static_cast<std::int32_t>(RunTimeError::fileNotFound), "Pelmora",
-              "Could not find file '" + utf8 + "'. Check the folder and the name.");
+  const auto fail = [](RunTimeError number, const std::string& description) {
+    throw Error(static_cast<std::int32_t>(number), "Pelmora", description);
+  };
+  std::error_code code;
+  const bool isPath = !utf8.empty() && utf8.find('\0') == std::string::npos;
+  const auto status = isPath ? std::filesystem::status(filePath(utf8), code)
+                             : std::filesystem::file_status(std::filesystem::file_type::not_found);
+  if (status.type() == std::filesystem::file_type::not_found)
+    fail(RunTimeError::fileNotFound, "Could not find file '" + utf8 + "'. " + advice.missing);
+  if (status.type() == std::filesystem::file_type::none) {
+    const bool isRefused = code == std::errc::permission_denied;
+    fail(isRefused ? RunTimeError::permissionDenied : RunTimeError::pathAccess,
+         "Could not open file '" + utf8 + "': " + code.message() +
+             ". Check the path and its permissions.");
+  }
+  if (std::filesystem::is_directory(status)) {
+    fail(RunTimeError::pathAccess,
+         "Could not open '" + utf8 + "': it is a folder. " + advice.folder);
+  }
+  if (!std::filesystem::is_regular_file(status)) {
+    fail(RunTimeError::pathAccess,
+         "Could not open '" + utf8 + "': it is not a regular file. " + advice.other);
+  }
 }
 
 std::string readWholeFile(const std::filesystem::path& path) {

@@ -16,8 +16,15 @@ namespace pelmora {
 
 // Whether a path in UTF-8 names a regular file. False where it cannot be looked at.
 [[nodiscard]] bool isRegularFile(const std::string& utf8);
-// Errors: Error 53, which names the path, if it does not name a regular file.
-void requireRegularFile(const std::string& utf8);
+// What to do about a path that does not name a regular file.
+struct FileAdvice {
+  const char* missing = "Check the folder and the name.";
+  const char* folder = "Name the file inside it.";
+  const char* other = "Name another file.";
+};
+// Errors: Error that names the path: 53 if nothing is there, 70 or 75 if it cannot be looked at, 75
+//         for a folder and for what is not a regular file, such as a pipe.
+void requireRegularFile(const std::string& utf8, const FileAdvice& advice = {});
 
 // The bytes of a file as they are.
 // Errors: Error 75 if it cannot be read, 70 if the process has it open as a database.

@@ -3,6 +3,7 @@
 #include <pelmora/calibration/stand.h>
 #include <pelmora/stand.h>
 
+#include "base/file_text.h"
 #include "base/run_time_error.h"
 #include "base/text_case.h"
 
@@ -15,14 +16,9 @@
 namespace pelmora::calibration {
 namespace {
 
-bool isRegularFile(const std::string& location) {
-  std::error_code ignored;
-  return std::filesystem::is_regular_file(location, ignored);
-}
-
 bool isEmptyFile(const std::string& location) {
   std::error_code ignored;
-  return std::filesystem::file_size(location, ignored) == 0;
+  return std::filesystem::file_size(filePath(location), ignored) == 0;
 }
 
 bool endsLikeText(const std::string& location) {

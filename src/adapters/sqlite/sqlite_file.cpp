@@ -90,29 +90,10 @@ std::string checkedSqliteFile(const std::string& path) {
   const auto fail = [](RunTimeError number, const std::string& description) -> Error {
     return {static_cast<std::int32_t>(number), "Pelmora", description};
   };
-  const std::filesystem::path file = filePath(path);
-  std::error_code code;
-  const auto status = std::filesystem::status(file, code);
-  const bool isText = path.find('\0') == std::string::npos;
-  if (path.empty() || !isText || status.type() == std::filesystem::file_type::not_found) {
-    throw fail(RunTimeError::fileNotFound,
-               "Could not find file '" + path +
-                   "'. Check the folder and the name; opening a database never creates one.");
-  }
-  if (status.type() == std::filesystem::file_type::none) {
-    const bool isRefused = code == std::errc::permission_denied;
-    throw fail(isRefused ? RunTimeError::permissionDenied : RunTimeError::pathAccess,
-               "Could not open file '" + path + "': " + code.message() +
-                   ". Check the path and its permissions.");
-  }
-  if (std::filesystem::is_directory(status)) {
-    throw fail(RunTimeError::pathAccess,
-               "Could not open '" + path + "': it is a folder. Name the database file inside it.");
-  }
-  if (!std::filesystem::is_regular_file(status)) {
-    throw fail(RunTimeError::pathAccess,
-               "Could not open '" + path + "': it is not a regular file. Name a database file.");
-  }
+  requireRegularFile(
+      path, {.missing = "Check the folder and the name; opening a database never creates one.",
+             .folder = "Name the database file inside it.",
+             .other = "Name a database file."});
   switch (contentsOf(path)) {
     case Contents::sqlite: break;
     case Contents::unreadable:
@@ -133,7 +114,7 @@ std::string checkedSqliteFile(const std::string& path) {
                  "Unrecognized database format '" + path +
                      "': the file is not a SQLite database. Name another file.");
   }
-  return utf8Text(std::filesystem::absolute(file));
+  return utf8Text(std::filesystem::absolute(filePath(path)));
 }
 
 }  // namespace sqlite

@@ -12,7 +12,6 @@
 #include <array>
 #include <filesystem>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace pelmora::sqlite::salvage {
@@ -26,26 +25,15 @@ Error failure(RunTimeError number, const std::string& description) {
   return {static_cast<std::int32_t>(number), "Pelmora", description};
 }
 
-std::string checkedPath(const std::string& path) {
-  std::error_code code;
-  const bool isText = !path.empty() && path.find('\0') == std::string::npos;
-  const auto file = isText ? filePath(path) : std::filesystem::path();
-  if (!isText || !std::filesystem::exists(file, code))
-    throw failure(RunTimeError::fileNotFound,
-                  "Could not find file '" + path + "'. Check the folder and the name.");
-  if (!std::filesystem::is_regular_file(file, code))
-    throw failure(RunTimeError::pathAccess,
-                  "Could not open '" + path + "': it is not a regular file. Name a database file.");
-  return utf8Text(std::filesystem::absolute(file));
-}
-
 }  // namespace
 
 void PageFile::Close::operator()(sqlite3* database) const noexcept { sqlite3_close_v2(database); }
 
 PageFile::PageFile(const std::string& path, Patience patience)
     : path_(path), stopRequested_(patience.stopRequested), lockWait_(std::move(patience)) {
-  const std::string name = checkedPath(path);
+  requireRegularFile(
+      path, {.folder = "Name the database file inside it.", .other = "Name a database file."});
+  const std::string name = utf8Text(std::filesystem::absolute(filePath(path)));
   sqlite3* opened = nullptr;
   const int code =
       sqlite3_open_v2(name.c_str(), &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
