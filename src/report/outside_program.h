@@ -15,7 +15,8 @@ struct ProgramEnd {
 // Runs the program to its end, without standard input; its standard output is discarded.
 //
 // arguments: the first one is the program's name.
-// Errors: Unusable if there is no such program; `package` is the one to install.
+// Errors: Unusable if there is no such program (`package` is the one to install), and if nobody
+//         knows how it ended: in a process that ignores SIGCHLD, the system forgets it.
 ProgramEnd runProgram(const std::vector<std::string>& arguments, const std::string& package);
 
 }  // namespace pelmora::report

@@ -2,12 +2,17 @@
 #include "report/outside_program.h"
 
 #include "report/scratch_folder.h"
+#include "tests/support/complaint.h"
 
 #include <pelmora/calibration/failure.h>
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <unistd.h>
 
+#include <csignal>
 #include <filesystem>
+#include <string>
 
 namespace pelmora::report {
 namespace {
@@ -26,6 +31,44 @@ TEST(outside_program, gets_its_arguments_as_they_are) {
 
 TEST(outside_program, that_is_ended_by_a_signal_has_no_code) {
   EXPECT_EQ(runProgram({"sh", "-c", "kill -9 $$"}, "dash").exitCode, -1);
+}
+
+// A host may let the system reap its children: then nobody knows how a program ended.
+TEST(outside_program, whose_end_is_unknown_has_not_succeeded) {
+  const auto before = std::signal(SIGCHLD, SIG_IGN);
+  EXPECT_EQ(pelmora::test::complaint([] {
+              (void)runProgram({"sh", "-c", "exit 7"}, "dash");
+            }),
+            "nobody knows how the program 'sh' ended: this process ignores SIGCHLD, or something "
+            "else in it has waited for the program; let SIGCHLD have its default action while the "
+            "program runs");
+  std::signal(SIGCHLD, before);
+}
+
+TEST(outside_program, inherits_no_files_and_no_signals_of_its_host) {
+  const int file = open("/dev/null", O_RDONLY);  // without close-on-exec
+  ASSERT_GT(file, 2);
+  sigset_t blocked, before;
+  sigemptyset(&blocked);
+  sigaddset(&blocked, SIGUSR1);
+  ASSERT_EQ(pthread_sigmask(SIG_BLOCK, &blocked, &before), 0);
+  const auto ignored = std::signal(SIGUSR2, SIG_IGN);
+  const std::string number = std::to_string(file);
+  const ProgramEnd end = runProgram(
+      {"sh", "-c",
+       "test -e /proc/self/fd/" + number + " && echo open >&2; grep Sig /proc/self/status >&2"},
+      "dash");
+  std::signal(SIGUSR2, ignored);
+  pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  close(file);
+  EXPECT_THAT(end.errors, testing::Not(testing::HasSubstr("open")));
+  EXPECT_THAT(end.errors, testing::HasSubstr("SigBlk:\t0000000000000000"));
+  const std::string name = "SigIgn:\t";
+  const auto at = end.errors.find(name);
+  ASSERT_NE(at, std::string::npos) << end.errors;
+  // The system's library ignores signals of its own there.
+  const auto set = std::stoull(end.errors.substr(at + name.size()), nullptr, 16);
+  EXPECT_EQ(set >> (SIGUSR2 - 1) & 1U, 0U) << end.errors;
 }
 
 TEST(outside_program, that_is_missing_is_named_with_its_package) {

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/os/child_program.h"
 
+#include "programs/spawn_plan.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,61 +15,19 @@
 #include <cerrno>
 #include <system_error>
 #include <thread>
-
-extern char** environ;
+#include <utility>
 
 namespace pelmora::os {
-namespace {
-
-// The two tables that posix_spawn wants, released together.
-class SpawnPlan {
- public:
-  explicit SpawnPlan(int socket) {
-    posix_spawn_file_actions_init(&files_);
-    posix_spawnattr_init(&attributes_);
-    posix_spawn_file_actions_adddup2(&files_, socket, STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&files_, socket, STDOUT_FILENO);
-    posix_spawn_file_actions_addopen(&files_, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-#if defined(__GLIBC__)
-#if __GLIBC_PREREQ(2, 34)
-    // Files that the host opened without close-on-exec; its locks and pipes are none of ours.
-    posix_spawn_file_actions_addclosefrom_np(&files_, STDERR_FILENO + 1);
-#endif
-#endif
-    sigset_t none;
-    sigset_t all;
-    sigemptyset(&none);
-    sigfillset(&all);
-    posix_spawnattr_setsigmask(&attributes_, &none);
-    posix_spawnattr_setsigdefault(&attributes_, &all);
-    posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-  }
-  ~SpawnPlan() {
-    posix_spawn_file_actions_destroy(&files_);
-    posix_spawnattr_destroy(&attributes_);
-  }
-  SpawnPlan(const SpawnPlan&) = delete;
-  SpawnPlan& operator=(const SpawnPlan&) = delete;
-
-  int start(std::string program, std::vector<std::string>& arguments, pid_t& process) {
-    std::vector<char*> words{program.data()};
-    for (std::string& argument : arguments) words.push_back(argument.data());
-    words.push_back(nullptr);
-    return posix_spawn(&process, program.c_str(), &files_, &attributes_, words.data(), environ);
-  }
-
- private:
-  posix_spawn_file_actions_t files_{};
-  posix_spawnattr_t attributes_{};
-};
-
-}  // namespace
 
 ChildProgram::ChildProgram(const std::string& program, std::vector<std::string> arguments) {
   std::array<int, 2> ends{};
   if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0)
     throw std::system_error(errno, std::generic_category());
-  const int problem = SpawnPlan(ends[1]).start(program, arguments, process_);
+  SpawnPlan plan;
+  plan.use(STDIN_FILENO, ends[1]);
+  plan.use(STDOUT_FILENO, ends[1]);
+  plan.open(STDERR_FILENO, "/dev/null", O_WRONLY);
+  const int problem = plan.start(program, std::move(arguments), process_);
   close(ends[1]);
   if (problem != 0) {
     close(ends[0]);
