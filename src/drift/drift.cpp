@@ -49,7 +49,7 @@ ControlLimits controlLimits(std::span<const double> values, double independent) 
     if (i > 0) ranges += std::abs(values[i] - values[i - 1]);
   }
   const double seen = ranges / static_cast<double>(values.size() - 1) / rangeOfTwo;
-  limits.isFromUncertainty = values.size() < fewestValues || seen < independent;
+  limits.isFromUncertainty = seen < independent;
   limits.sigma = std::max(seen, independent);
   limits.low = limits.centre - limitSigmas * limits.sigma;
   limits.high = limits.centre + limitSigmas * limits.sigma;

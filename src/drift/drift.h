@@ -41,12 +41,8 @@ struct Shift {
 struct ControlLimits {
   double centre = 0, low = 0, high = 0;  // in the unit of the values
   double sigma = 0;  // from the moving ranges, but never below the uncertainty of a value
-  // Whether the moving ranges alone do not suffice: they come from fewer than `fewestValues`
-  // values, or give less than the uncertainty of a value.
-  bool isFromUncertainty = false;
+  bool isFromUncertainty = false;  // whether sigma is that uncertainty
 };
-
-inline constexpr std::size_t fewestValues = 5;
 
 // values: in rising order of time.
 // independent: the standard uncertainty of one value without what all calibrations share.

@@ -2,6 +2,7 @@
 #include "report/drift_page.h"
 
 #include "base/readable_number.h"
+#include "report/drift_rows.h"
 #include "report/html_table.h"
 #include "report/markup.h"
 #include "report/plot_scale.h"
@@ -106,17 +107,9 @@ HtmlTable valueTable(const Drift& drift, const DriftPlace& place) {
                                                                  {"U of it %", true},
                                                                  {"En", true},
                                                                  {"Verdict"}});
-  for (std::size_t i = 0; i < place.values.size(); ++i) {
-    const DriftValue& value = place.values[i];
-    const auto& shift = value.sincePrevious;
-    table.addRow({nameOf(drift.calibrations[i]), significantText(value.strouhal, 7),
-                  value.budget ? significantText(value.budget->roundedPercent(), 3) : "-",
-                  percentText(value.percent), shift ? percentText(shift->percent) : "-",
-                  shift ? significantText(shift->uncertaintyPercent, 2) : "-",
-                  shift ? significantText(shift->en, 2) : "-",
-                  std::string(shift && shift->isSignificant() ? "significant" : "") +
-                      (value.isBeyondLimits ? " beyond the control limits" : "")});
-  }
+  for (std::size_t i = 0; i < place.values.size(); ++i)
+    table.addRow(driftCells(drift, place, i, {"significant", "beyond the control limits"}));
+  if (const std::string limits = controlLimitsText(place); !limits.empty()) table.addNote(limits);
   return table;
 }
 
@@ -145,7 +138,7 @@ std::string driftPage(const Drift& drift, const std::string& title) {
       "auto;padding:0 1em;color:#1f2933}table{border-collapse:collapse;margin:1em 0}"
       "caption{text-align:left;font-weight:600}td,th{padding:.2em "
       ".6em;border-bottom:1px solid #d9dee4;text-align:right}.t,th[scope=row]"
-      "{text-align:left}svg{max-width:100%}div{overflow-x:auto}"
+      ",.why td{text-align:left}svg{max-width:100%}div{overflow-x:auto}"
       "</style></head><body>\n<h1>Drift of " +
       escaped(title) + "</h1>\n" + driftPicture(drift, title) +
       "<p>Bars: the expanded uncertainty of the shift since the first calibration, without what "

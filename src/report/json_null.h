@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cmath>
 #include <optional>
 #include <string>
 
@@ -15,6 +16,10 @@ template <class T>
 }
 [[nodiscard]] inline nlohmann::json orNull(const std::string& text) {
   return text.empty() ? nlohmann::json() : nlohmann::json(text);
+}
+// JSON has neither infinity nor NaN.
+[[nodiscard]] inline nlohmann::json finiteOrNull(double number) {
+  return std::isfinite(number) ? nlohmann::json(number) : nlohmann::json();
 }
 
 }  // namespace pelmora::report

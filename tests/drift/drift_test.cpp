@@ -68,11 +68,16 @@ TEST(control_limits, are_never_narrower_than_the_uncertainty_of_a_calibration) {
   EXPECT_DOUBLE_EQ(quiet.sigma, 0.5);
   const std::array few{1300.0, 1300.1};
   EXPECT_TRUE(controlLimits(few, 0.5).isFromUncertainty);
-  const ControlLimits wide = controlLimits(std::array{1300.0, 1301.0}, 0.5);
-  EXPECT_TRUE(wide.isFromUncertainty);       // two calibrations are too few
-  EXPECT_NEAR(wide.sigma, 1 / 1.128, 5e-4);  // the handbook's d2 of two values
   EXPECT_THROW((void)controlLimits(std::array{1300.0}, 0.5), calibration::BadData);
   EXPECT_THROW((void)controlLimits(std::array{1300.0, std::nan("")}, 0.5), calibration::BadData);
+}
+
+TEST(control_limits, say_where_their_standard_deviation_comes_from) {
+  const ControlLimits wide = controlLimits(std::array{1300.0, 1301.0}, 0.5);
+  EXPECT_NEAR(wide.sigma, 1 / 1.128, 5e-4);  // the handbook's d2 of two values
+  EXPECT_FALSE(wide.isFromUncertainty);
+  const ControlLimits equal = controlLimits(std::array{1300.0, 1300.0}, 0.0);
+  EXPECT_EQ(equal.sigma, 0);
 }
 
 TEST(independent_part, leaves_out_what_calibrations_share) {

@@ -10,6 +10,7 @@
 #include "apps/pelmora/session.h"
 #include "apps/pelmora/trouble.h"
 #include "report/drift_page.h"
+#include "report/drift_rows.h"
 #include "report/json_null.h"
 #include "report/json_values.h"
 
@@ -75,32 +76,15 @@ std::string driftPlaceText(const Drift& drift, const DriftPlace& place) {
   TextTable table({{"Calibration"},
                    {"Strouhal", right},
                    {"U %", right},
-                   {"Since first %", right},
+                   {"First %", right},
                    {"Previous %", right},
                    {"U %", right},
                    {"En", right},
                    {""}});
-  for (std::size_t i = 0; i < place.values.size(); ++i) {
-    const DriftValue& value = place.values[i];
-    const auto& shift = value.sincePrevious;
-    const DatedCurve& each = drift.calibrations[i];
-    table.addRow({std::to_string(each.calibration) + (each.date.empty() ? "" : " " + each.date),
-                  significantText(value.strouhal, 7), expandedPercentText(value.budget),
-                  percentText(value.percent), shift ? percentText(shift->percent) : "-",
-                  shift ? significantText(shift->uncertaintyPercent, 2) : "-",
-                  shift ? significantText(shift->en, 2) : "-",
-                  shift && shift->isSignificant() ? "shift"
-                  : value.isBeyondLimits          ? "limit"
-                                                  : ""});
-  }
+  for (std::size_t i = 0; i < place.values.size(); ++i)
+    table.addRow(report::driftCells(drift, place, i, {"shift", "limit"}));
   std::string text = "Roshko " + significantText(place.roshko, 6) + "\n" + table.text();
-  if (place.chart) {
-    text += wrapped("Control limits " + percentText(place.chart->low) + " % to " +
-                        percentText(place.chart->high) + " %" +
-                        (place.chart->isFromUncertainty ? ", from the uncertainty of a calibration."
-                                                        : ", from the moving range."),
-                    0);
-  }
+  if (place.chart) text += wrapped(report::controlLimitsText(place), 0);
   return text + "\n";
 }
 
@@ -196,8 +180,8 @@ void showDrift(const DriftRequest& request) {
                      "\n";
   for (const DriftPlace& place : result.drift.places) text += driftPlaceText(result.drift, place);
   text += wrapped(
-      "U of a shift leaves out what the stand does to both calibrations alike. A shift with En "
-      "beyond 1 is significant.",
+      "First, Previous: the change since that calibration. Its U leaves out what the stand does to "
+      "both calibrations alike. A shift with En beyond 1 is significant.",
       0);
   text += adviceText(result.drift);
   for (const std::string& note : result.notes) text += wrapped(note + ".", 0);

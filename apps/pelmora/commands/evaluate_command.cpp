@@ -8,6 +8,7 @@
 #include "apps/pelmora/output/standard_output.h"
 #include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/session.h"
+#include "report/budget_text.h"
 #include "report/json_null.h"
 #include "report/json_values.h"
 
@@ -127,7 +128,7 @@ std::string valuesText(const FittedCurve& curve, const std::vector<Evaluated>& v
     const std::string roshko = significantText(at.roshko, 8),
                       strouhal = significantText(at.strouhal, 8);
     const auto& budget = at.budget;
-    std::string percent = expandedPercentText(budget);
+    std::string percent = report::expandedPercentText(budget);
     if (isInverse && budget) {
       percent =
           significantText(100 * budget->roundedExpanded() * value.scale / std::abs(at.roshko), 2);

@@ -8,6 +8,7 @@
 #include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/session.h"
 #include "apps/pelmora/trouble.h"
+#include "report/budget_text.h"
 #include "report/json_null.h"
 #include "report/json_values.h"
 
@@ -101,7 +102,7 @@ std::string flowText(const FlowRequest& request, const std::string& series,
   std::string result = "Flow " + significantText(flow.flow * factor, 8) + " " + request.unit;
   if (flow.budget) {
     result += ", U = " + significantText(flow.budget->roundedExpanded() * factor, 2) + " " +
-              request.unit + " (" + expandedPercentText(flow.budget) + " %).";
+              request.unit + " (" + report::expandedPercentText(flow.budget) + " %).";
   } else {
     result += isExtrapolated(flow)
                   ? "; beyond the calibrated range, so its uncertainty is not known."

@@ -2,6 +2,7 @@
 #include "apps/pelmora/output/budget_output.h"
 
 #include "apps/pelmora/output/text_table.h"
+#include "report/json_null.h"
 
 #include <nlohmann/json.hpp>
 
@@ -15,10 +16,6 @@ using calibration::BudgetRow;
 
 std::string degreesText(double degrees) {
   return std::isfinite(degrees) ? significantText(std::floor(degrees), 6) : "inf";
-}
-
-nlohmann::json finiteOrNull(double number) {
-  return std::isfinite(number) ? nlohmann::json(number) : nlohmann::json();
 }
 
 }  // namespace
@@ -59,7 +56,7 @@ void addBudget(nlohmann::json& value, const std::optional<Budget>& budget, doubl
   value["expandedUncertaintyPercent"] =
       of ? 100 * budget->expanded * scale / std::abs(*of) : budget->expandedPercent;
   value["standardUncertainty"] = budget->standardUncertainty * scale;
-  value["degreesOfFreedom"] = finiteOrNull(budget->degreesOfFreedom);
+  value["degreesOfFreedom"] = report::finiteOrNull(budget->degreesOfFreedom);
   value["coverageFactor"] = budget->coverageFactor;
   value["probability"] = budget->probability;
   value["isCmc"] = budget->isCmc;
@@ -72,7 +69,7 @@ void addBudget(nlohmann::json& value, const std::optional<Budget>& budget, doubl
                     {"unit", row.unit},
                     {"distribution", row.distribution},
                     {"type", std::string(1, row.type)},
-                    {"degreesOfFreedom", finiteOrNull(row.degreesOfFreedom)},
+                    {"degreesOfFreedom", report::finiteOrNull(row.degreesOfFreedom)},
                     {"sensitivity", row.sensitivity * scale},
                     {"contribution", row.contribution * scale}});
   }
@@ -89,10 +86,6 @@ nlohmann::json monteCarloJson(const calibration::MonteCarloCheck& check, double 
 std::string expandedText(const std::optional<Budget>& budget, double scale) {
   if (!budget) return "-";
   return significantText(budget->roundedExpanded() * scale, scale == 1 ? 12 : 2);
-}
-
-std::string expandedPercentText(const std::optional<Budget>& budget) {
-  return budget ? significantText(budget->roundedPercent(), 12) : "-";
 }
 
 }  // namespace pelmora::cli

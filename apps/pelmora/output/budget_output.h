@@ -28,6 +28,5 @@ void addBudget(nlohmann::json& value, const std::optional<calibration::Budget>& 
 // U, rounded to two digits; "-" if there is none.
 [[nodiscard]] std::string expandedText(const std::optional<calibration::Budget>& budget,
                                        double scale = 1);
-[[nodiscard]] std::string expandedPercentText(const std::optional<calibration::Budget>& budget);
 
 }  // namespace pelmora::cli

@@ -61,8 +61,8 @@ struct DriftValue {
 // A chart of individual values: centre and +- 3 sigma, in per cent of the first calibration.
 struct ControlChart {
   double centre = 0, low = 0, high = 0, sigma = 0;
-  // Too few calibrations, or changes between them that are smaller than the uncertainty of one:
-  // sigma is never below that uncertainty.
+  // Whether sigma is the uncertainty of a calibration, because the changes between calibrations are
+  // smaller. Otherwise it comes from these changes.
   bool isFromUncertainty = false;
 };
 
