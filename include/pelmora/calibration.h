@@ -24,6 +24,7 @@
 #include <pelmora/calibration/ranking.h>
 #include <pelmora/calibration/refit.h>
 #include <pelmora/calibration/repeat.h>
+#include <pelmora/calibration/sign_off.h>
 #include <pelmora/calibration/stand.h>
 #include <pelmora/calibration/tables.h>
 #include <pelmora/calibration/trust.h>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "report/html_report.h"
 
+#include "base/sha256.h"
 #include "report/html_certificate.h"
 #include "report/html_series.h"
 #include "report/html_table.h"
@@ -9,7 +10,6 @@
 #include "report/plot_data.h"
 #include "report/report_details.h"
 #include "report/series_plot.h"
-#include "report/sha256.h"
 #include "report/svg_report.h"
 #include "report/text_list.h"
 

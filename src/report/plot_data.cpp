@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "report/plot_data.h"
 
-#include "report/base64.h"
+#include "base/base64.h"
 #include "report/plot_legend.h"
 #include "report/printed_values.h"
 

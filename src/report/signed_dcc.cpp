@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "report/signed_dcc.h"
 
-#include "report/base64.h"
+#include "base/base64.h"
 #include "report/outside_program.h"
 #include "report/scratch_folder.h"
 

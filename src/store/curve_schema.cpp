@@ -185,6 +185,19 @@ std::vector<SchemaTable> allOwnTables() {
        asStored},
       {laboratoryTable, {{"Name", text}, {"Value", text}}, {}, {}, asStored},
       details(),
+      // Without a reference: a series that is deleted and restored keeps its signatures.
+      {signOffTable,
+       {{"SignOffID", key},
+        {"SeriesID", whole},
+        {"Name", text},
+        {"Remark", text},
+        {"SignedAt", text},
+        {"UserName", text},
+        {"Fingerprint", text},
+        {"SoftwareVersion", text}},
+       {{std::string(signOffTable) + "_series", {"SeriesID"}}},
+       {},
+       asStored},
       historyEntries()};
   for (const char* name : excludedTables) tables.push_back(excludedPoints(name));
   for (const char* name : keptTableNames) {

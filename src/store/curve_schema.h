@@ -77,6 +77,7 @@ inline constexpr const char* laboratoryTable = "pelmora_laboratory";
 inline constexpr const char* fitSettingsTable = "pelmora_fit_settings";
 // Which parts of a series a salvage has left incomplete.
 inline constexpr const char* salvagedPartTable = "pelmora_salvaged_part";
+inline constexpr const char* signOffTable = "pelmora_sign_off";
 inline constexpr const char* historyEntryTable = "pelmora_history_entry";
 
 // The tables whose rows the history keeps: owners before what belongs to them.

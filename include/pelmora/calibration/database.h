@@ -15,6 +15,7 @@
 #include <pelmora/calibration/points.h>
 #include <pelmora/calibration/refit.h>
 #include <pelmora/calibration/repeat.h>
+#include <pelmora/calibration/sign_off.h>
 #include <pelmora/calibration/values.h>
 #include <pelmora/database.h>
 #include <pelmora/export.h>
@@ -259,6 +260,16 @@ class PELMORA_API Database {
   void setLaboratory(const Details& changes);
   [[nodiscard]] Details details(const Meter& meter) const;
   HistoryEntryId setDetails(const Meter& meter, const Details& changes);
+
+  // Signs a series as it was `seen`. Earlier signatures stay in the list.
+  //
+  // Errors: NoCurve; BadData for an empty name, one with control characters, and a curve that is
+  //         older than its points; Changed if the series is no longer as it was seen.
+  SignOff signOff(const StoredSeries& seen, const std::string& name,
+                  const std::string& remark = {});
+  // The signatures of a series, newest first. One whose fingerprint is not signedFingerprint() of
+  // the series as it is now is void.
+  [[nodiscard]] std::vector<SignOff> signOffs(const StoredSeries& series) const;
 
   // Deletes a series, or a calibration with everything that belongs to it.
   //

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "report/sha256.h"
+#include "base/sha256.h"
 
-#include "report/base64.h"
+#include "base/base64.h"
 
 #include <algorithm>
 #include <bit>
 
-namespace pelmora::report {
+namespace pelmora {
 namespace {
 
 using Words8 = std::array<std::uint32_t, 8>;
@@ -91,4 +91,4 @@ std::string sha256Base64(std::string_view text) {
   return base64Text({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
-}  // namespace pelmora::report
+}  // namespace pelmora

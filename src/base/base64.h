@@ -2,14 +2,16 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pelmora/export.h>
+
 #include <string>
 #include <string_view>
 
-namespace pelmora::report {
+namespace pelmora {
 
 // With padding, without line breaks.
-[[nodiscard]] std::string base64Text(std::string_view bytes);
+[[nodiscard]] PELMORA_API std::string base64Text(std::string_view bytes);
 // Characters outside the alphabet, such as line breaks, are skipped.
-[[nodiscard]] std::string bytesOfBase64(std::string_view text);
+[[nodiscard]] PELMORA_API std::string bytesOfBase64(std::string_view text);
 
-}  // namespace pelmora::report
+}  // namespace pelmora

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "report/base64.h"
+#include "base/base64.h"
 
 #include <cstddef>
 
-namespace pelmora::report {
+namespace pelmora {
 namespace {
 
 constexpr std::string_view alphabet =
@@ -39,4 +39,4 @@ std::string bytesOfBase64(std::string_view text) {
   return bytes;
 }
 
-}  // namespace pelmora::report
+}  // namespace pelmora

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "report/base64.h"
+#include "base/base64.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <utility>
 
-namespace pelmora::report {
+namespace pelmora {
 namespace {
 
 // The test vectors of RFC 4648, section 10, and bytes that need the last letters.
@@ -30,4 +30,4 @@ TEST(base64, is_that_of_the_standard) {
 TEST(base64, is_read_across_line_ends) { EXPECT_EQ(bytesOfBase64("\nZm9v\r\nYmFy\n"), "foobar"); }
 
 }  // namespace
-}  // namespace pelmora::report
+}  // namespace pelmora

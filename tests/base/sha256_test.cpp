@@ -1,10 +1,10 @@
 // Examples of FIPS 180-4's companion page of the National Institute of Standards and Technology.
 // SPDX-License-Identifier: MIT
-#include "report/sha256.h"
+#include "base/sha256.h"
 
 #include <gtest/gtest.h>
 
-namespace pelmora::report {
+namespace pelmora {
 namespace {
 
 TEST(sha256, matches_the_published_examples) {
@@ -25,4 +25,4 @@ TEST(sha256, as_base64) {
 }
 
 }  // namespace
-}  // namespace pelmora::report
+}  // namespace pelmora
