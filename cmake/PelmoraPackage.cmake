@@ -34,8 +34,8 @@ that shows a host application's messages, a reader of Access files, and
 the module for curve databases on a PostgreSQL server.")
 # The libraries' packages come from dpkg-shlibdeps, which finds our own in the build folder.
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
-if(PELMORA_BUILD_CLI AND PELMORA_WITH_SQLITE)  # loaded when a workbook is written, when a certificate is read
-  set(CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS "libxlsxwriter4, libxml2")
+if(PELMORA_BUILD_CLI AND PELMORA_WITH_SQLITE)  # loaded when a workbook is written, a certificate is read, the workbench starts
+  set(CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS "libxlsxwriter4, libxml2, libmicrohttpd12")
   set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS "weasyprint, xmlsec1")
 endif()
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR} ${PROJECT_BINARY_DIR}/src/report)

@@ -77,7 +77,8 @@ const std::map<std::string, FolderRule>& rules() {
       {"report",
        {{"base", "curves", "dcc", "units", "loading", "programs"},
         {"nlohmann", "xlsxwriter.h", "posix"}}},
-      {"apps/pelmora", {{"base", "curves", "report"}, {"CLI", "nlohmann", "posix"}}},
+      {"apps/pelmora",
+       {{"base", "curves", "report", "loading"}, {"CLI", "nlohmann", "microhttpd.h", "posix"}}},
       {"include/pelmora", {}},
   };
   return table;
@@ -194,6 +195,15 @@ TEST(postgresql, knows_its_client_library_in_one_room) {
   for (const Include& include : includesOf(placeOf("adapters/postgresql"))) {
     const bool isLibrary = !include.quoted && firstPart(include.target) == "pqxx";
     EXPECT_TRUE(!isLibrary || include.file == "src/adapters/postgresql/link/libpqxx.h")
+        << include.file << ": " << include.target;
+  }
+}
+
+// What reads requests of strangers is one source, and it loads the library through this header.
+TEST(command_line, knows_its_web_server_in_one_place) {
+  for (const Include& include : includesOf(placeOf("apps/pelmora"))) {
+    const bool isServer = !include.quoted && include.target == "microhttpd.h";
+    EXPECT_TRUE(!isServer || include.file == "apps/pelmora/workbench/http/microhttpd_library.h")
         << include.file << ": " << include.target;
   }
 }
