@@ -57,6 +57,7 @@ void addCommands(Program& program) {
   addDoctorCommand(program);
   addHistoryCommand(program);
   addRestoreCommand(program);
+  addWorkbenchCommand(program);
   addCompletionCommand(program);
   addManCommand(program);
   addNamesCommand(program);

@@ -18,7 +18,7 @@ namespace pelmora {
 // codePoint: up to 0x10FFFF, and not half of a surrogate pair.
 void appendUtf8(std::string& text, char32_t codePoint);
 
-[[nodiscard]] bool isUtf8(std::string_view text) noexcept;
+[[nodiscard]] PELMORA_API bool isUtf8(std::string_view text) noexcept;
 
 // A text in the ANSI code page of Western systems as UTF-8. One that is well-formed UTF-8 already
 // stays as it is: nearly all of those make no sense in the code page.

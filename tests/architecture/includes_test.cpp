@@ -78,7 +78,8 @@ const std::map<std::string, FolderRule>& rules() {
        {{"base", "curves", "dcc", "units", "loading", "programs"},
         {"nlohmann", "xlsxwriter.h", "posix"}}},
       {"apps/pelmora",
-       {{"base", "curves", "report", "loading"}, {"CLI", "nlohmann", "microhttpd.h", "posix"}}},
+       {{"base", "curves", "report", "loading", "programs"},
+        {"CLI", "nlohmann", "microhttpd.h", "posix"}}},
       {"include/pelmora", {}},
   };
   return table;

@@ -63,7 +63,7 @@ if(files MATCHES "usr/include|\\.cmake|libpelmora\\.so( |\n)")
 endif()
 expect_field(Version "^${VERSION}\n$")
 expect_field(Section "^science\n$")
-foreach(library libc6 libstdc\\+\\+6 libsqlite3-0 libxlsxwriter)
+foreach(library libc6 libstdc\\+\\+6 libsqlite3-0 libxlsxwriter libmicrohttpd)
   expect_field(Depends "${library}")
 endforeach()
 

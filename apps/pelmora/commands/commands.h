@@ -38,5 +38,6 @@ void addRestoreCommand(Program& program);
 void addCompletionCommand(Program& program);
 void addManCommand(Program& program);
 void addNamesCommand(Program& program);
+void addWorkbenchCommand(Program& program);
 
 }  // namespace pelmora::cli

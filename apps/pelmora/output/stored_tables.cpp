@@ -86,7 +86,7 @@ std::string calibrationText(const CalibrationContents& contents) {
   return text + "\n" + table.text() + excludedLine(contents.series);
 }
 
-std::string calibrationJson(const CalibrationContents& contents) {
+json calibrationValue(const CalibrationContents& contents) {
   json list = json::array();
   for (const StoredSeries& series : contents.series) {
     json counts = json::array();
@@ -100,10 +100,14 @@ std::string calibrationJson(const CalibrationContents& contents) {
                     {"curveAge", calibration::curveAgeKey(series.age)},
                     {"equation", equationName(series)}});
   }
-  return report::jsonText({{"database", contents.database},
-                           {"meter", report::meterJson(contents.meter)},
-                           {"setups", report::runsJson(contents.runs)},
-                           {"series", list}});
+  return {{"database", contents.database},
+          {"meter", report::meterJson(contents.meter)},
+          {"setups", report::runsJson(contents.runs)},
+          {"series", list}};
+}
+
+std::string calibrationJson(const CalibrationContents& contents) {
+  return report::jsonText(calibrationValue(contents));
 }
 
 std::string seriesText(const StoredSeries& series) {

@@ -4,6 +4,8 @@
 
 #include <pelmora/calibration/values.h>
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <string>
 #include <vector>
 
@@ -17,6 +19,7 @@ struct CalibrationContents {
   std::vector<calibration::StoredSeries> series;
 };
 [[nodiscard]] std::string calibrationText(const CalibrationContents& contents);
+[[nodiscard]] nlohmann::json calibrationValue(const CalibrationContents& contents);
 [[nodiscard]] std::string calibrationJson(const CalibrationContents& contents);
 
 // One series: counts, the fitted curve and the report as it is stored.

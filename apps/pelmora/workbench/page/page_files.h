@@ -1,0 +1,17 @@
+// The files of the page, compiled into the program.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace pelmora::cli::workbench::page {
+
+struct File {
+  std::string_view name, type, text;
+};
+
+// Null where there is no file of that name. "" is index.html.
+[[nodiscard]] const File* file(std::string_view name);
+
+}  // namespace pelmora::cli::workbench::page
