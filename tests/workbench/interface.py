@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""The JSON interface of the workbench does what its description says: interface.py PROGRAM DATA OPENAPI SCHEMA CASE"""
+"""The JSON interface of the workbench does what its description says: 
+interface.py PROGRAM DATA OPENAPI SCHEMA [CASE...]"""
 # SPDX-License-Identifier: MIT
 import json
 import os
@@ -13,9 +14,9 @@ except ImportError:
     print("Python's jsonschema is missing: install python3-jsonschema, as scripts/setup does")
     sys.exit(77)
 
-from served import Workbench, calibrated, digest
+from served import digest, run_cases
 
-PROGRAM, DATA, OPENAPI, SCHEMA, CASE = sys.argv[1:6]
+PROGRAM, DATA, OPENAPI, SCHEMA = sys.argv[1:5]
 with open(OPENAPI, encoding="utf-8") as stream:
     INTERFACE = json.load(stream)
 with open(SCHEMA, encoding="utf-8") as stream:
@@ -277,9 +278,4 @@ def meters_are_searched_by_any_part_of_their_number(bench, curves):
     assert read(bench, "/meters", search="'; drop table meter; --")["matching"] == 0
 
 
-with tempfile.TemporaryDirectory() as folder:
-    curves = os.path.join(folder, "curves.db")
-    calibrated(PROGRAM, DATA, curves)
-    with Workbench(PROGRAM, curves) as bench:
-        globals()[CASE](bench.open(), curves)
-    assert bench.process.returncode == 130, (bench.process.returncode, bench.error)
+run_cases(PROGRAM, DATA, globals(), sys.argv[5:])

@@ -1,6 +1,8 @@
 #!/usr/bin/env python3
 """Random requests, malformed HTTP among them, neither end the workbench nor store anything:
-random_requests.py PROGRAM DATA SECONDS [SEED]"""
+random_requests.py PROGRAM DATA COUNT [SEED]
+
+COUNT: 1000, or 600s for so many seconds."""
 # SPDX-License-Identifier: MIT
 import json
 import os
@@ -11,7 +13,7 @@ import time
 
 from served import Workbench, calibrated, digest
 
-PROGRAM, DATA, SECONDS = sys.argv[1], sys.argv[2], float(sys.argv[3])
+PROGRAM, DATA, COUNT = sys.argv[1:4]
 SEED = int(sys.argv[4]) if len(sys.argv) > 4 else 1
 READING = ["state", "meters", "meter", "series", "revision", "points", "check", "drift", "history", "budget", "report", "openapi.json"]
 CHANGING = ["fit", "store", "sign", "restore", "import", "raw", "upload"]
@@ -89,9 +91,9 @@ with tempfile.TemporaryDirectory() as folder:
     statuses = {}
     with Workbench(PROGRAM, curves) as bench:
         bench.open()
-        end = time.monotonic() + SECONDS
+        end = time.monotonic() + float(COUNT.removesuffix("s")) if COUNT.endswith("s") else None
         count = 0
-        while time.monotonic() < end:
+        while time.monotonic() < end if end else count < int(COUNT):
             data = request(chance, bench)
             if chance.random() < 0.5:
                 data = damaged(chance, data)

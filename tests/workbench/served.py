@@ -5,10 +5,21 @@ import http.client
 import json
 import os
 import re
+import shutil
 import signal
 import socket
 import subprocess
+import sys
+import tempfile
+import threading
+import time
+import traceback
+import types
 import urllib.parse
+
+
+# How long an answer may take on a machine that does much else.
+PATIENCE = 300
 
 
 class Workbench:
@@ -38,7 +49,7 @@ class Workbench:
     def __exit__(self, *_):
         if self.process.poll() is None:
             self.process.send_signal(signal.SIGINT)
-        self.error = self.process.communicate(timeout=60)[1]
+        self.error = self.process.communicate(timeout=PATIENCE)[1]
 
     def open(self):
         """Exchanges the token; every later request has the cookie."""
@@ -55,7 +66,7 @@ class Workbench:
         if method == "POST":
             fields.update({"Origin": self.origin, "Content-Type": "application/json"})
         fields.update(headers or {})
-        connection = http.client.HTTPConnection("127.0.0.1", self.port, timeout=60)
+        connection = http.client.HTTPConnection("127.0.0.1", self.port, timeout=PATIENCE)
         try:
             connection.putrequest(method, path, skip_host=True, skip_accept_encoding=True)
             for name, value in fields.items():
@@ -72,7 +83,7 @@ class Workbench:
         finally:
             connection.close()
 
-    def raw(self, data, seconds=5):
+    def raw(self, data, seconds=PATIENCE):
         """What comes back for bytes that need not be HTTP; empty if the connection ends without a word."""
         with socket.create_connection(("127.0.0.1", self.port), timeout=seconds) as connection:
             try:
@@ -109,6 +120,49 @@ def calibrated(program, data, curves):
     run("init", curves)
     run("calibrate", curves, "--meter", "M1", "--stand", os.path.join(data, "stand-dual-rotor.csv"), "--job", "1001", "--fluid",
         "Mineral spirit", "--job", "1002", "--fluid", "Glycol mix", "--operator", "Ada")
+
+
+def cases_of(module):
+    """The functions (bench, curves) of a test, by name."""
+    return {name: case for name, case in module.items()
+            if isinstance(case, types.FunctionType) and case.__code__.co_varnames[:case.__code__.co_argcount] == ("bench", "curves")}
+
+
+def run_cases(program, data, module, names):
+    """Runs the cases with these names, or all of them, each at a workbench and a database of its own. Two at once, because
+    some of them wait. Ends the process with 1 if one has failed."""
+    left = [(name, case) for name, case in cases_of(module).items() if not names or name in names]
+    assert left, names
+    failed = []
+    with tempfile.TemporaryDirectory() as folder:
+        model = os.path.join(folder, "model.db")
+        calibrated(program, data, model)
+
+        def run(name, case):
+            begin, curves = time.monotonic(), os.path.join(folder, name + ".db")
+            shutil.copy(model, curves)
+            try:
+                with Workbench(program, curves) as bench:
+                    case(bench.open(), curves)
+                assert bench.process.returncode == 130, (bench.process.returncode, bench.error)
+            except Exception:  # of any kind: the other cases run all the same
+                failed.append(name)
+                print(f"FAILED {name}\n{traceback.format_exc()}", flush=True)
+            print(f"{name}: {time.monotonic() - begin:.1f} s", flush=True)
+
+        def work():
+            while left:
+                try:
+                    run(*left.pop(0))
+                except IndexError:
+                    return
+
+        threads = [threading.Thread(target=work) for _ in range(2)]
+        for thread in threads:
+            thread.start()
+        for thread in threads:
+            thread.join()
+    sys.exit(1 if failed else 0)
 
 
 def digest(file):
