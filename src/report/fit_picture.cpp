@@ -7,25 +7,36 @@
 
 #include <pelmora/calibration/report.h>
 
+#include <algorithm>
+#include <utility>
+#include <vector>
+
 namespace pelmora::report {
 namespace {
 
-// The merged points and those that the merge left out, in one part: the fit keeps no more.
+// The merged points and those that the merge left out, by part and number.
 std::vector<calibration::RawPoint> pointsOf(const calibration::Fit& fit) {
   std::vector<calibration::RawPoint> points;
-  const auto add = [&](double roshko, double strouhal, calibration::PointState state) {
+  const auto add = [&](int part, std::size_t number, double roshko, double strouhal,
+                       calibration::PointState state) {
     calibration::RawPoint point;
-    point.part = 1;
-    point.number = points.size() + 1;
+    point.part = part;
+    point.number = number;
     point.roshko = roshko;
     point.strouhal = strouhal;
     point.state = state;
     points.push_back(std::move(point));
   };
-  for (std::size_t i = 0; i < fit.merged.size(); ++i)
-    add(fit.merged(i, 0), fit.merged(i, 1), calibration::PointState::used);
+  for (std::size_t i = 0; i < fit.merged.size(); ++i) {
+    const calibration::PointPlace& place = fit.places.at(i);
+    add(place.part, place.number, fit.merged(i, 0), fit.merged(i, 1),
+        calibration::PointState::used);
+  }
   for (const calibration::CutPoint& cut : fit.cut)
-    add(cut.roshko, cut.strouhal, calibration::PointState::cut);
+    add(cut.part, cut.number, cut.roshko, cut.strouhal, calibration::PointState::cut);
+  std::ranges::sort(points, {}, [](const calibration::RawPoint& point) {
+    return std::pair(point.part, point.number);
+  });
   return points;
 }
 

@@ -46,6 +46,13 @@ std::string block(const SeriesReport& series, int& y) {
   return svg;
 }
 
+// The points of a plain fit belong to no meter.
+std::string headOf(const Report& report) {
+  if (report.meter.serial.empty()) return report.createdAt;
+  return "Meter " + report.meter.serial + ", calibration " +
+         std::to_string(report.meter.calibration) + ", " + report.createdAt;
+}
+
 }  // namespace
 
 std::string plotStyle() {
@@ -90,10 +97,7 @@ std::string svgReport(const Report& report) {
          size + "\" viewBox=\"0 0 " + std::to_string(plotWidth) + " " + std::to_string(y) +
          "\">\n<style>svg{" + lightColours() + "}" + plotStyle() +
          "svg .title{font-size:15px;font-weight:600}</style>\n" + plotDefinitions() +
-         "<rect width=\"" + size + "\" fill=\"#fff\"/>\n" +
-         text("legend", 12, 20,
-              "Meter " + report.meter.serial + ", calibration " +
-                  std::to_string(report.meter.calibration) + ", " + report.createdAt) +
+         "<rect width=\"" + size + "\" fill=\"#fff\"/>\n" + text("legend", 12, 20, headOf(report)) +
          blocks + "</svg>\n";
 }
 

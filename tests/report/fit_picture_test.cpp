@@ -38,6 +38,21 @@ TEST(plot_of_a_fit, shows_its_points_and_its_name) {
   EXPECT_THAT(picture, Not(HasSubstr("<script")));
 }
 
+TEST(plot_of_a_fit, shows_the_parts_that_were_merged_and_names_no_meter) {
+  const PointArray whole = straightInTheLogarithm(12);
+  PointArray low(7), high(7);
+  for (std::size_t i = 0; i < 7; ++i) {
+    for (std::size_t column = 0; column < 2; ++column) {
+      low(i, column) = whole(i, column);
+      high(i, column) = whole(i + 5, column);
+    }
+  }
+  const std::string picture = plotOf(fit(std::vector<PointArray>{low, high}));
+  EXPECT_THAT(picture, HasSubstr("Raw 1"));
+  EXPECT_THAT(picture, HasSubstr("Raw 2"));
+  EXPECT_THAT(picture, Not(HasSubstr("Meter")));
+}
+
 TEST(plot_of_a_fit, marks_the_points_that_the_merge_left_out) {
   Fit fitted = fit(std::vector<PointArray>{straightInTheLogarithm(12)});
   const std::size_t before = countOf(plotOf(fitted), "class=\"dots cut");
