@@ -17,9 +17,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 namespace pelmora::report {
@@ -171,10 +173,11 @@ void writeReport(const Database& lab, const Meter& meter, const std::string& fil
   const fs::path unfinished = file + ".unfinished";
   std::error_code failed;
   {
+    errno = 0;
     std::ofstream stream(unfinished, std::ios::binary | std::ios::trunc);
     stream << content;
     stream.close();
-    if (!stream) failed = std::make_error_code(std::errc::io_error);
+    if (!stream) failed.assign(errno != 0 ? errno : EIO, std::generic_category());
   }
   if (!failed) fs::rename(unfinished, file, failed);
   if (!failed) return;
