@@ -64,6 +64,7 @@ print(fit.equations.to_frame()[["name", "verdict", "aicc", "worst_percent"]])
 ax = fit.plot()
 ax.set_title("Strouhal of the meter")
 ax.figure.savefig("k.png", dpi=150)
+fit.plot(deviations=True)  # the band is wide enough to see
 
 # %% [markdown]
 # ## A calibration from a stand

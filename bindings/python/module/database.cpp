@@ -2,13 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "bindings/python/module/bindings.h"
 #include "bindings/python/module/curve_handle.h"
+#include "bindings/python/module/database_parts.h"
 #include "bindings/python/module/fit_result.h"
 #include "bindings/python/module/fit_settings.h"
-#include "bindings/python/module/laboratory.h"
-#include "bindings/python/module/points.h"
 #include "bindings/python/module/records.h"
-
-#include <pelmora/calibration/report.h>
 
 #include <pybind11/stl.h>
 
@@ -30,48 +27,6 @@ std::unique_ptr<Laboratory> openLaboratory(const std::string& location, bool isW
   settings.userName = userName;
   settings.isNew = isNew;
   return std::make_unique<Laboratory>(settings);
-}
-
-struct WantedImport {
-  std::string serial, stand;
-  std::vector<cal::StandRun> runs;
-  cal::ImportOptions options;
-  std::chrono::milliseconds wait{};
-};
-
-// The meter is registered only if the import succeeds.
-cal::Imported importInto(cal::Database& database, WantedImport wanted,
-                         const cal::Observer& observer) {
-  const cal::Stand stand(wanted.stand,
-                         {.limit = wanted.wait, .goesOn = [&observer](std::chrono::milliseconds) {
-                            return !observer.stop.stop_requested();
-                          }});
-  cal::Change change = database.begin("import");
-  const bool isKnown = database.findMeter(wanted.serial).has_value();
-  if (!isKnown) wanted.options.newCalibration = false;
-  const cal::Meter meter = database.registerMeter(wanted.serial);
-  cal::Imported imported = database.importRuns(meter, stand, wanted.runs, wanted.options, observer);
-  imported.isNewCalibration = imported.isNewCalibration || !isKnown;
-  change.commit();
-  return imported;
-}
-
-py::dict importRuns(Laboratory& lab, const std::string& serial, const std::string& stand,
-                    const std::vector<std::array<std::string, 3>>& runs, bool newCalibration,
-                    int standNumber, int position, const std::string& date, bool update,
-                    double wait, const py::object& status) {
-  WantedImport wanted{serial, stand, {}, {}, std::chrono::milliseconds(std::llround(wait * 1000))};
-  wanted.options.newCalibration = newCalibration;
-  wanted.options.stand = static_cast<std::int16_t>(standNumber);
-  wanted.options.position = static_cast<std::int16_t>(position);
-  wanted.options.date = date;
-  wanted.options.update = update;
-  for (const auto& [job, fluid, operatorName] : runs)
-    wanted.runs.push_back({job, fluid, operatorName});
-  return recordOf(
-      lab.change({status, py::none()}, [&](cal::Database& database, const cal::Observer& observer) {
-        return importInto(database, std::move(wanted), observer);
-      }));
 }
 
 FitResult fitSeries(Laboratory& lab, const cal::StoredSeries& series, const py::dict& settings,
@@ -154,8 +109,9 @@ void bindLookUps(py::class_<Laboratory>& type) {
       .def(
           "curve",
           [](Laboratory& lab, const cal::Meter& meter, const std::string& series) {
-            return CurveHandle(
-                lab.use([&](auto& database) { return database.fittedCurve(meter, series); }));
+            return CurveHandle(lab.use({}, [&](auto& database, const cal::Observer& observer) {
+              return database.fittedCurve(database.series(meter, series), observer);
+            }));
           },
           "meter"_a, "series"_a)
       .def(
@@ -166,14 +122,6 @@ void bindLookUps(py::class_<Laboratory>& type) {
             });
           },
           "series"_a)
-      .def(
-          "stand_uncertainty",
-          [](Laboratory& lab, const cal::Meter& meter) -> std::optional<std::string> {
-            const auto statement =
-                lab.use([&](auto& database) { return database.standUncertainty(meter); });
-            return statement ? std::optional(statement->text) : std::nullopt;
-          },
-          "meter"_a)
       .def("history", &history, "serial"_a, "series"_a, "calibration"_a);
 }
 
@@ -185,27 +133,6 @@ void bindChanges(py::class_<Laboratory>& type) {
                 [&](auto& database) { return database.registerMeter(serial, newCalibration); });
           },
           "serial"_a, "new_calibration"_a)
-      .def("import_runs", &importRuns, "serial"_a, "stand"_a, "runs"_a, "new_calibration"_a,
-           "stand_number"_a, "position"_a, "date"_a, "update"_a, "wait"_a, "status"_a)
-      .def(
-          "store_raw",
-          [](Laboratory& lab, const cal::Meter& meter, const std::string& series, int part,
-             const Column& roshko, const Column& strouhal) {
-            const PointArray points = pointsOf(roshko, strouhal);
-            return recordOf(lab.change(
-                [&](auto& database) { return database.storeRaw(meter, series, part, points); }));
-          },
-          "meter"_a, "series"_a, "part"_a, "roshko"_a, "strouhal"_a)
-      .def(
-          "set_stand_uncertainty",
-          [](Laboratory& lab, const cal::Meter& meter, const std::string& text,
-             const std::string& file) {
-            return lab.change([&](auto& database) {
-              return text.empty() ? database.removeStandUncertainty(meter)
-                                  : database.setStandUncertainty(meter, {text, file});
-            });
-          },
-          "meter"_a, "text"_a, "file"_a)
       .def(
           "store",
           [](Laboratory& lab, const FitResult& fit) {
@@ -240,24 +167,7 @@ void bindFits(py::class_<Laboratory>& type) {
   type.def("fit", &fitSeries, "series"_a, "settings"_a, "status"_a, "progress"_a)
       .def("repeat", &repeatFit, "series"_a)
       .def("refit", &refit, "tasks"_a, "all"_a, "threads"_a, "changed_percent"_a, "dry_run"_a,
-           "progress"_a)
-      .def(
-          "write_report",
-          [](Laboratory& lab, const cal::Meter& meter, const std::string& file,
-             const std::vector<std::string>& series) {
-            lab.use([&](auto& database) {
-              cal::writeReport(database, meter, file, {.series = series});
-            });
-          },
-          "meter"_a, "file"_a, "series"_a)
-      .def(
-          "picture",
-          [](Laboratory& lab, const cal::Meter& meter, const std::vector<std::string>& series) {
-            return textOf(lab.use([&](auto& database) {
-              return cal::makeReport(database, meter, cal::ReportKind::svg, {.series = series});
-            }));
-          },
-          "meter"_a, "series"_a);
+           "progress"_a);
 }
 
 }  // namespace
@@ -271,8 +181,11 @@ void bindDatabase(py::module_& module) {
                              [](const Laboratory& lab) { return textOf(lab.location()); });
   bindLookUps(type);
   bindChanges(type);
-  bindPoints(type);
   bindFits(type);
+  bindImport(type);
+  bindPoints(type);
+  bindDetails(type);
+  bindReports(type);
 }
 
 }  // namespace pelmora::python

@@ -4,6 +4,7 @@
 #include "bindings/python/module/conversion.h"
 
 #include <pelmora/calibration/failure.h>
+#include <pelmora/calibration/stand.h>
 
 #include <exception>
 
@@ -27,6 +28,19 @@ const char* classOf(const cal::Failure& failure) {
   return "Error";
 }
 
+// With the arguments that settle how a text file is read.
+std::string remedyOf(const cal::Failure& failure) {
+  const auto* text = dynamic_cast<const cal::UnreadableText*>(&failure);
+  if (text == nullptr) return failure.remedy();
+  switch (text->doubt()) {
+    case sheets::SheetError::Doubt::separator:
+      return failure.remedy() + ": separator=\",\", \";\" or \"\\t\"";
+    case sheets::SheetError::Doubt::decimal: return failure.remedy() + ": decimal=\".\" or \",\"";
+    case sheets::SheetError::Doubt::none: break;
+  }
+  return failure.remedy();
+}
+
 void raise(const char* name, const std::string& what, const std::string& where,
            const std::string& remedy) {
   const py::object type = py::module_::import("pelmora.errors").attr(name);
@@ -42,7 +56,7 @@ void translateErrors() {
     try {
       if (thrown) std::rethrow_exception(thrown);
     } catch (const cal::Failure& failure) {
-      raise(classOf(failure), failure.what(), failure.where(), failure.remedy());
+      raise(classOf(failure), failure.what(), failure.where(), remedyOf(failure));
     } catch (const Error& error) {
       constexpr std::int32_t outOfMemory = 7;
       if (error.number() == outOfMemory) {

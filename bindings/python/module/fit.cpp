@@ -93,6 +93,12 @@ void bindFit(py::module_& module) {
       .def_property_readonly("accepted", [](const FitResult& fit) { return fit->accepted(); })
       .def_property_readonly("reason", [](const FitResult& fit) { return textOf(fit->reason()); })
       .def_property_readonly("series", [](const FitResult& fit) { return textOf(fit->series); })
+      // None if the points came from no database.
+      .def_property_readonly("meter",
+                             [](const FitResult& fit) -> py::object {
+                               if (fit->seriesID == 0) return py::none();
+                               return py::cast(fit->meter);
+                             })
       .def_property_readonly("report", [](const FitResult& fit) { return textOf(fit->report); })
       .def_property_readonly(
           "range", [](const FitResult& fit) { return py::make_tuple(fit->min, fit->max); })

@@ -11,5 +11,6 @@ PYBIND11_MODULE(_pelmora, module) {
   bindCurve(module);
   bindFit(module);
   bindValues(module);
+  bindDetailFields(module);
   bindDatabase(module);
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "bindings/python/module/points.h"
+#include "bindings/python/module/database_parts.h"
 
 #include "bindings/python/module/records.h"
 

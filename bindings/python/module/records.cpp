@@ -102,20 +102,39 @@ py::dict recordOf(const cal::Imported& imported) {
 }
 
 py::dict recordOf(const cal::StoredPoints& stored) {
+  py::list far;
+  for (const cal::FarPoint& point : stored.farPoints)
+    far.append(py::make_tuple(point.index, point.factor));
   return py::dict("series_id"_a = stored.seriesID, "is_new_series"_a = stored.isNewSeries,
                   "kept"_a = stored.kept, "excluded"_a = stored.excluded,
-                  "dropped"_a = recordsOf(stored.dropped));
+                  "dropped"_a = recordsOf(stored.dropped), "far_factor"_a = stored.farFactor,
+                  "far_points"_a = far);
 }
+
+namespace {
+
+py::object readingOf(const cal::RawPoint& point) {
+  if (!point.reading) return py::none();
+  const cal::StandReading& reading = *point.reading;
+  return py::dict("part"_a = point.part, "number"_a = point.number,
+                  "frequency"_a = orNone(reading.frequency), "flow"_a = orNone(reading.flow),
+                  "viscosity"_a = orNone(reading.viscosity),
+                  "temperature"_a = orNone(reading.temperature),
+                  "nominal_flow"_a = orNone(reading.nominalFlow));
+}
+
+}  // namespace
 
 py::dict recordOf(const cal::RawPoint& point) {
   const cal::Exclusion exclusion = point.exclusion.value_or(cal::Exclusion{});
-  return py::dict(
-      "part"_a = point.part, "number"_a = point.number, "job"_a = textOf(point.job),
-      "fluid"_a = textOf(point.fluid), "roshko"_a = point.roshko, "strouhal"_a = point.strouhal,
-      "residual"_a = orNone(point.residualPercent), "loo_sigma"_a = orNone(point.sigmas),
-      "distrusted"_a = point.isDistrusted, "state"_a = cal::pointStateKey(point.state),
-      "cut_percent"_a = orNone(point.cutPercent), "reason"_a = textOf(exclusion.reason),
-      "user"_a = textOf(exclusion.userName), "excluded_at"_a = textOf(exclusion.excludedAt));
+  return py::dict("part"_a = point.part, "number"_a = point.number, "job"_a = textOf(point.job),
+                  "fluid"_a = textOf(point.fluid), "roshko"_a = point.roshko,
+                  "strouhal"_a = point.strouhal, "residual"_a = orNone(point.residualPercent),
+                  "loo_sigma"_a = orNone(point.sigmas), "distrusted"_a = point.isDistrusted,
+                  "state"_a = cal::pointStateKey(point.state),
+                  "cut_percent"_a = orNone(point.cutPercent), "reason"_a = textOf(exclusion.reason),
+                  "user"_a = textOf(exclusion.userName),
+                  "excluded_at"_a = textOf(exclusion.excludedAt), "reading"_a = readingOf(point));
 }
 
 py::dict recordOf(const cal::ExclusionChange& change) {

@@ -17,24 +17,27 @@ from __future__ import annotations
 
 from . import _pelmora, errors
 from ._curve import Curve
-from ._database import Calibration, Database, Import, create, open
+from ._database import Database, create, open
+from ._details import DetailField, detail_fields
 from ._equation import Parameter
 from ._fit import EquationResult, Fit, JudgedPoint
 from ._fit_points import fit
 from ._history import HistoryEntry, Refit, RefitResult, Restored
+from ._imports import Calibration, Import
 from ._meter import Meter, Run
-from ._points import ChangedPoint, DroppedExclusion, ExclusionChange, Point
+from ._points import ChangedPoint, DroppedExclusion, ExclusionChange, Point, StandReading
 from ._records import Record, Table, to_frame
 from ._series import Series
 from ._settings import Equation, equations
 from .errors import (BadData, Cancelled, Changed, Damaged, Error, Exists, Locked, MissingFile, NoFit, NotFound,
-                     OutOfRange, Unusable)
+                     OutOfRange, PelmoraWarning, Unusable)
 
 __version__: str = _pelmora.__version__
 
 __all__ = [
-    "BadData", "Calibration", "Cancelled", "Changed", "ChangedPoint", "Curve", "Damaged", "Database", "DroppedExclusion", "Equation", "EquationResult",
-    "Error", "ExclusionChange", "Exists", "Fit", "HistoryEntry", "Import", "JudgedPoint", "Locked", "Meter", "MissingFile", "NoFit", "NotFound",
-    "OutOfRange", "Parameter", "Point", "Record", "Refit", "RefitResult", "Restored", "Run", "Series", "Table", "Unusable",
-    "__version__", "create", "equations", "errors", "fit", "open", "to_frame",
+    "BadData", "Calibration", "Cancelled", "Changed", "ChangedPoint", "Curve", "Damaged", "Database", "DetailField",
+    "DroppedExclusion", "Equation", "EquationResult", "Error", "ExclusionChange", "Exists", "Fit", "HistoryEntry", "Import",
+    "JudgedPoint", "Locked", "Meter", "MissingFile", "NoFit", "NotFound", "OutOfRange", "Parameter", "PelmoraWarning",
+    "Point", "Record", "Refit", "RefitResult", "Restored", "Run", "Series", "StandReading", "Table", "Unusable",
+    "__version__", "create", "detail_fields", "equations", "errors", "fit", "open", "to_frame",
 ]

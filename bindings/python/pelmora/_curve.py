@@ -6,6 +6,7 @@ from collections.abc import Callable, Sequence
 from typing import TYPE_CHECKING, Any, Literal, Optional, Union, overload
 
 from . import _numbers
+from ._arguments import number, text
 from ._equation import CurveEquation, Parameter
 from ._records import json_text, pandas_module
 from .errors import BadData, NotFound
@@ -121,8 +122,8 @@ class Curve:
 
         Errors: OutOfRange (a ValueError) outside `range` unless extrapolate; BadData for NaN and another reading.
         """
-        return _numbers.through(x, "strouhal",
-                                lambda places: self._table.strouhal(places, extrapolate, reading or ""))
+        read = _reading(reading)
+        return _numbers.through(x, "strouhal", lambda places: self._table.strouhal(places, bool(extrapolate), read))
 
     @overload
     def eval_uncertainty(self, x: float, k: float = 2, kind: Kind = "confidence", *,
@@ -152,13 +153,17 @@ class Curve:
         if kind not in ("confidence", "prediction", "expanded"):
             raise BadData(f"there is no band of kind {kind!r}", where="kind",
                           remedy="use 'confidence', 'prediction' or 'expanded'")
+        factor = number(k, "k") or 0.0
+        if factor <= 0:
+            raise BadData(f"k is {k!r}", where="k", remedy="pass the number of standard uncertainties, such as 2")
+        read, viscous = _reading(reading), number(viscosity, "viscosity")
         if not self._table.has_bands:
             raise NotFound("the uncertainty of this curve is not known", where=self._title,
                            remedy="fit the series again")
         if kind == "expanded":
-            return _numbers.through(
-                x, kind, lambda places: self._table.expanded(places, reading or "", viscosity) * (k / 2))
-        scale = k / self._require_equation().coverage
+            return _numbers.through(x, kind,
+                                    lambda places: self._table.expanded(places, read, viscous) * (factor / 2))
+        scale = factor / self._require_equation().coverage
 
         def half_widths(places: Floats) -> Floats:
             return self._table.half_widths(places, kind == "prediction") * scale
@@ -182,16 +187,16 @@ class Curve:
 
         def flows(values: Floats) -> Floats:
             def beside(more: Any, name: str) -> Floats:
-                array = np.asarray(more, dtype=np.float64)
-                if array.ndim and array.size != values.size:
+                array = _numbers.numbers(np.atleast_1d(more) if np.ndim(more) == 0 else np.ravel(more), name)
+                if np.ndim(more) and array.size != values.size:
                     raise BadData(f"{name} has {array.size} values for {values.size} frequencies", where=name,
                                   remedy="pass one number, or one for each frequency")
-                return np.ascontiguousarray(np.broadcast_to(array.ravel() if array.ndim else array, values.shape))
+                return np.ascontiguousarray(np.broadcast_to(array, values.shape))
 
             return self._table.flow(values, beside(viscosity, "viscosity"),
                                     beside(70.0 if temperature is None else temperature, "temperature"))
 
-        return _numbers.through(frequency, "flow", flows)
+        return _numbers.through(frequency, "flow", flows, "frequency")
 
     @overload
     def inverse(self, y: float, *, extrapolate: bool = False) -> float: ...
@@ -208,7 +213,7 @@ class Curve:
         Errors: BadData if the curve turns, so that there is no single answer, and for NaN; OutOfRange for a Strouhal
         number that the table does not reach, unless extrapolate.
         """
-        return _numbers.through(y, "roshko", lambda values: self._table.roshko(values, extrapolate))
+        return _numbers.through(y, "roshko", lambda values: self._table.roshko(values, bool(extrapolate)), "strouhal")
 
     @overload
     def derivative(self, x: float, *, extrapolate: bool = False) -> float: ...
@@ -224,7 +229,7 @@ class Curve:
 
         Errors: as for `eval`.
         """
-        return _numbers.through(x, "derivative", lambda places: self._table.slope(places, extrapolate))
+        return _numbers.through(x, "derivative", lambda places: self._table.slope(places, bool(extrapolate)))
 
     def to_frame(self) -> pandas.DataFrame:
         """The table with the columns roshko and strouhal. Needs pandas."""
@@ -273,3 +278,6 @@ class Curve:
                            "with its settings gives another curve", where=self._title, remedy="fit the series again")
         return self._equation
 
+
+def _reading(reading: Any) -> str:
+    return "" if reading is None else text(reading, "reading")

@@ -3,61 +3,27 @@
 from __future__ import annotations
 
 import os
-from collections.abc import Iterable, Sequence
+from collections.abc import Iterable, Mapping, Sequence
 from typing import TYPE_CHECKING, Any, Optional, Union
 
 from . import _pelmora
+from ._arguments import moment, number, path, text, whole
+from ._cautions import caution
+from ._details import Detail, changes_of, values_of
 from ._fit import Fit
 from ._history import HistoryEntry, Refit, RefitResult, Restored, entries_of, restored_of
-from ._meter import Meter, Run
-from ._points import DroppedExclusion, dropped_of
-from ._progress import Progress, progress_function
-from ._records import Record, Table
+from ._imports import Calibration, Import, import_of, wanted_import
+from ._meter import Meter
+from ._progress import Progress, progress_function, status_function
+from ._records import Table
+from ._series import Series
 from .errors import BadData, MissingFile, NoFit, NotFound
 
 if TYPE_CHECKING:
+    import datetime
     from types import TracebackType
 
-    from ._series import Series
-
     Path = Union[str, os.PathLike[str]]
-
-
-class Import(Record):
-    """What an import stored."""
-
-    meter: Meter
-    is_new_calibration: bool
-    #: All runs of the calibration.
-    runs: Table[Run]
-    #: For each derived series the number of points in raw parts 1 to 4.
-    series: dict[str, tuple[int, int, int, int]]
-    #: Points whose exclusion lasts, and exclusions of points that did not come again.
-    excluded_again: int
-    dropped: Table[DroppedExclusion]
-    #: The reason why only Rotor A was derived; empty otherwise.
-    job_without_rotor_b: str
-    #: What runs of known fluids kept although the import gave something else: tuples of fluid, what, kept, given.
-    kept_entries: list[tuple[str, str, str, str]]
-    #: Readings that put a run far from the meter's other runs, as sentences.
-    doubts: list[str]
-    #: The history entries of what was replaced.
-    kept: list[int]
-
-
-class Calibration(Record):
-    """What `Database.calibrate` did: an import and a fit of every derived series."""
-
-    imported: Import
-    #: By series.
-    fits: dict[str, Fit]
-    #: Series without a curve, and why.
-    failed: dict[str, str]
-
-    @property
-    def meter(self) -> Meter:
-        """The calibration."""
-        return self.imported.meter
 
 
 class Database:
@@ -106,25 +72,27 @@ class Database:
 
     def calibrations(self, serial: str) -> list[Meter]:
         """The calibrations of a meter, oldest first."""
-        return [Meter(self._database, key) for key in self._database.calibrations(serial)]
+        return [Meter(self._database, key) for key in self._database.calibrations(text(serial, "serial"))]
 
     def meter(self, serial: str, calibration: Optional[int] = None) -> Meter:
         """A calibration of a meter; the latest if no number is given.
 
         Errors: NotFound (a KeyError); its remedy suggests similar names.
         """
-        return Meter(self._database, self._database.meter(serial, -1 if calibration is None else calibration))
+        number = -1 if calibration is None else whole(calibration, "calibration", 0, 2**31 - 1)
+        return Meter(self._database, self._database.meter(text(serial, "serial"), number))
 
     def register(self, serial: str, new_calibration: bool = False) -> Meter:
         """The latest calibration of a meter, which is registered if it is unknown; with new_calibration, its next one.
 
         Errors: BadData for an empty name or one with control characters.
         """
-        return Meter(self._database, self._database.register(serial, new_calibration))
+        return Meter(self._database, self._database.register(text(serial, "serial"), bool(new_calibration)))
 
     def import_runs(self, serial: str, *, stand: Path, runs: Iterable[Sequence[str]], operator: str = "",
                     stand_number: Optional[int] = None, date: Optional[str] = None, new_calibration: bool = False,
-                    position: Optional[int] = None, update: bool = False, status: Any = None) -> Import:
+                    position: Optional[int] = None, update: bool = False, separator: Optional[str] = None,
+                    decimal: Optional[str] = None, status: Any = None) -> Import:
         """Copies runs of a stand into the latest calibration of a meter, which is registered if it is unknown, and
         derives Rotor A and, if all runs have readings of rotor B, Rotor B, Rotor Sum and Ratio.
 
@@ -135,27 +103,26 @@ class Database:
         date: of the runs, such as "2026-11-21"; None: today.
         update: also give operator, stand_number, position and date to runs in fluids that the calibration already has.
             Otherwise such runs keep their own, and `kept_entries` of the result lists them.
+        separator, decimal: of a text file, such as ";" and ","; None: recognised from the file.
+
+        A run far from the meter's other runs is imported with a PelmoraWarning for each of the `doubts`.
 
         Errors: NotFound for the stand or a job; BadData, with job, point and column, for readings that are missing,
-            are texts or divide by zero, for a fluid given twice and for more than four fluids.
+            are texts or divide by zero, for a fluid given twice and for more than four fluids, and for a text file
+            that can be read in two ways.
         """
-        pairs = [_run_of(run, operator) for run in runs]
-        if not pairs:
-            raise BadData("there are no runs to import", where="runs",
-                          remedy='pass job and fluid of each, such as [("1001", "Mineral spirit")]')
-        record = self._database.import_runs(serial, os.fspath(stand), pairs, new_calibration,
-                                            -1 if stand_number is None else stand_number,
-                                            -1 if position is None else position, date or "", update, self._wait,
-                                            status)
-        record["meter"] = Meter(self._database, record["meter"])
-        record["dropped"] = dropped_of(record["dropped"])
-        record["runs"] = Table((Run(**run) for run in record["runs"]), Run)
-        return Import(**record)
+        wanted = wanted_import(serial, stand, runs, operator=operator, stand_number=stand_number, position=position,
+                               date=date, new_calibration=new_calibration, update=update, separator=separator,
+                               decimal=decimal, wait=self._wait)
+        record = self._database.import_runs(wanted, status_function(status))
+        for doubt in record["doubts"]:
+            caution(doubt)
+        return import_of(record, Meter(self._database, record["meter"]))
 
     def calibrate(self, serial: str, *, stand: Path, runs: Iterable[Sequence[str]], operator: str = "",
                   stand_number: Optional[int] = None, date: Optional[str] = None, new_calibration: bool = False,
-                  position: Optional[int] = None, update: bool = False, progress: Progress = None,
-                  **fit: Any) -> Calibration:
+                  position: Optional[int] = None, update: bool = False, separator: Optional[str] = None,
+                  decimal: Optional[str] = None, progress: Progress = None, **fit: Any) -> Calibration:
         """import_runs, then a fit of every derived series, the ratio as a ratio.
 
         fit: keyword arguments of `Series.fit`, such as band=0.2.
@@ -163,7 +130,8 @@ class Database:
         A series that no equation fits is listed in `failed`; the others are stored.
         """
         imported = self.import_runs(serial, stand=stand, runs=runs, operator=operator, stand_number=stand_number,
-                                    date=date, new_calibration=new_calibration, position=position, update=update)
+                                    date=date, new_calibration=new_calibration, position=position, update=update,
+                                    separator=separator, decimal=decimal)
         fits: dict[str, Fit] = {}
         failed: dict[str, str] = {}
         for name in imported.series:
@@ -174,6 +142,22 @@ class Database:
                 failed[name] = str(error)
         return Calibration(imported=imported, fits=fits, failed=failed)
 
+    @property
+    def laboratory(self) -> dict[str, Any]:
+        """What every certificate states about the laboratory, by the names of `pelmora.detail_fields()`."""
+        return values_of(self._database.laboratory())
+
+    def set_laboratory(self, **details: Detail) -> None:
+        """Records what every certificate states about the laboratory; what is not named stays.
+
+        details: texts by the names of `pelmora.detail_fields()`; None removes what is recorded.
+
+        Errors: NotFound for an unknown name; BadData for a text that is not of its kind.
+
+        >>> db.set_laboratory(name="Flow laboratory", city="Town", country="US")
+        """
+        self._database.set_laboratory(changes_of(details, "laboratory"))
+
     def history(self, serial: str = "", *, series: str = "") -> Table[HistoryEntry]:
         """Everything that was replaced or deleted, newest first; of one meter or series if they are given."""
         return entries_of(self._database.history(serial, series, None))
@@ -183,14 +167,16 @@ class Database:
 
         Errors: NotFound for the entry; Exists if something else has taken its place.
         """
-        return restored_of(self._database.restore(entry.id if isinstance(entry, HistoryEntry) else entry))
+        number = entry.id if isinstance(entry, HistoryEntry) else whole(entry, "entry", 0, 2**63 - 1)
+        return restored_of(self._database.restore(number))
 
-    def prune(self, *, before: Optional[str] = None, keep: int = 0) -> Table[HistoryEntry]:
+    def prune(self, *, before: Union[None, str, datetime.date] = None, keep: int = 0) -> Table[HistoryEntry]:
         """Removes history entries for good and returns them.
 
-        before: only entries older than this, ISO 8601 in UTC. keep: this many of the newest always stay.
+        before: only entries older than this: a datetime, or ISO 8601 in UTC such as "2026-11-21".
+        keep: this many of the newest always stay.
         """
-        return entries_of(self._database.prune(before, keep))
+        return entries_of(self._database.prune(moment(before, "before"), whole(keep, "keep", 0, 2**31)))
 
     def refit(self, series: Optional[Iterable[Series]] = None, *, progress: Progress = None,
               jobs: Optional[int] = None, threshold: float = 0.01, dry_run: bool = False) -> Refit:
@@ -201,29 +187,39 @@ class Database:
             per cent. dry_run: stores nothing.
         progress: a function of (done, of), a tqdm bar, or True.
         """
-        tasks = [] if series is None else [(one.meter._key, one.name) for one in series]
-        results, is_cancelled, _ = self._database.refit(tasks, series is None, jobs or os.cpu_count() or 1, threshold,
-                                                        dry_run, progress_function(progress))
+        tasks = [] if series is None else [self._task_of(one) for one in _every(series)]
+        threads = (os.cpu_count() or 1) if jobs is None else whole(jobs, "jobs", 1, 1024)
+        changed = number(threshold, "threshold") or 0.0
+        results, is_cancelled, _ = self._database.refit(tasks, series is None, threads, changed, bool(dry_run),
+                                                        progress_function(progress))
         return Refit(Table((RefitResult(**record) for record in results), RefitResult), is_cancelled)
+
+    def _task_of(self, series: Any) -> tuple[_pelmora.Meter, str]:
+        if not isinstance(series, Series):
+            raise BadData(f"{series!r} is not a series", where="series",
+                          remedy="pass series, such as meter.series.values()")
+        if series._database.location != self.location:
+            raise BadData(f"{series!r} is in another database, {series._database.location}", where="series",
+                          remedy="refit it there")
+        return series.meter._key, series.name
 
     def __repr__(self) -> str:
         return f"<Database {self.location!r}, {'closed' if self.closed else 'mode ' + repr(self._mode)}>"
 
 
-def _run_of(run: Sequence[str], operator: str) -> tuple[str, str, str]:
-    if isinstance(run, str) or len(run) not in (2, 3):
-        raise BadData(f"the run {run!r} is not a pair of job and fluid", where="runs",
-                      remedy='pass pairs, such as ("1001", "Mineral spirit")')
-    job, fluid = str(run[0]), str(run[1])
-    return job, fluid, str(run[2]) if len(run) == 3 else operator
+def _every(series: Any) -> Iterable[Any]:
+    if isinstance(series, Mapping):
+        return series.values()
+    return series if isinstance(series, Iterable) else [series]
 
 
 def _opened(location: Path, mode: str, wait: float, user: str, create: bool) -> Database:
     if mode not in ("r", "w"):
         raise BadData(f"there is no mode {mode!r}", where="mode", remedy="pass 'r' to read or 'w' to change things")
-    if not 0 <= wait < 1e9:
+    if isinstance(wait, str) or not 0 <= wait < 1e9:
         raise BadData(f"the wait is {wait!r} seconds", where="wait", remedy="pass 0 or more, such as 30")
-    return Database(_pelmora.Database(os.fspath(location), mode == "w", float(wait), user, create), mode, wait)
+    place = path(location, "location")
+    return Database(_pelmora.Database(place, mode == "w", float(wait), text(user, "user"), create), mode, wait)
 
 
 def open(location: Path, mode: str = "w", *, wait: float = 30, user: str = "") -> Database:

@@ -195,14 +195,16 @@ class Fit:
 
         return fit_report(self)
 
-    def plot(self, ax: Any = None, *, k: float = 2, **kwargs: Any) -> Any:
+    def plot(self, ax: Any = None, *, k: float = 2, deviations: bool = False, **kwargs: Any) -> Any:
         """Draws the points and the curve with its confidence band of k standard uncertainties; returns the Axes.
 
-        ax: matplotlib Axes; new ones if None. kwargs: for the line of the curve. Needs matplotlib.
+        ax: matplotlib Axes; new ones if None.
+        deviations: draws how far the points are off the curve, in per cent of it: the band is then wide enough to see.
+        kwargs: for the line of the curve, or for the band of the deviations. Needs matplotlib.
         """
-        from ._plots import plot_fit
+        from ._plots import plot_deviations, plot_fit
 
-        return plot_fit(self, ax, k, **kwargs)
+        return plot_deviations(self, ax, k, **kwargs) if deviations else plot_fit(self, ax, k, **kwargs)
 
     def to_frame(self) -> pandas.DataFrame:
         """The merged points with the columns roshko, strouhal, best_fit and residual_percent. Needs pandas."""
@@ -227,7 +229,9 @@ class Fit:
         if not self.accepted:
             return f"<Fit{of}: no curve, {self.reason}>"
         cut = f", {len(self.cut)} cut" if len(self.cut) else ""
-        return f"<Fit{of}: {self.chosen}, {len(self.merged)} points{cut}>"
+        count = len(self.warnings)
+        warned = f", {count} warning{'s' if count > 1 else ''}" if count else ""
+        return f"<Fit{of}: {self.chosen}, {len(self.merged)} points{cut}{warned}>"
 
     def _repr_html_(self) -> str:
         return self._result.picture()

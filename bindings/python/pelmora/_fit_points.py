@@ -7,7 +7,7 @@ from typing import TYPE_CHECKING, Any, Optional, Union
 
 from . import _numbers, _pelmora
 from ._fit import Fit
-from ._progress import Progress, progress_function
+from ._progress import Progress, progress_function, status_function
 from ._settings import Equations, fit_settings
 from .errors import BadData
 
@@ -64,7 +64,7 @@ def fit(roshko: Any, strouhal: Any, *, part: Any = None, data: Any = None, band:
                             ignore_residuals=ignore_residuals, outside=outside, spacing=spacing)
     parts = [(x, y)] if part is None else _parts(x, y, _numbers.column_of(data, part, "part") if isinstance(part, str)
                                                  else part)
-    result = Fit(_pelmora.fit(parts, settings, status, progress_function(progress)))
+    result = Fit(_pelmora.fit(parts, settings, status_function(status), progress_function(progress)))
     if not result.accepted:
         raise result.no_fit()
     return result
@@ -74,6 +74,9 @@ def _parts(x: Floats, y: Floats, part: Iterable[Any]) -> list[tuple[Floats, Floa
     import numpy as np
 
     labels = np.asarray(part)
+    if labels.dtype.kind == "f" and np.isnan(labels).any():
+        place = _numbers.label(part, int(np.isnan(labels).argmax()))
+        raise BadData(f"part is NaN at {place}", where="part", remedy="leave those points out first: frame.dropna()")
     if labels.shape != x.shape:
         raise BadData(f"part has {labels.size} values for {len(x)} points", where="part",
                       remedy="pass one value for each point")

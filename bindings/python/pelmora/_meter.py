@@ -7,10 +7,14 @@ from collections.abc import Iterator, Mapping
 from typing import TYPE_CHECKING, Any, Optional, Union
 
 from . import _numbers, _pelmora
+from ._arguments import path as path_of, text, texts
+from ._cautions import caution
+from ._details import Detail, changes_of, values_of
 from ._history import HistoryEntry, entries_of
+from ._points import dropped_of
 from ._records import Record, Table, frame_of, json_text
 from ._series import Series
-from .errors import BadData
+from .errors import BadData, MissingFile, NotFound, Unusable
 
 if TYPE_CHECKING:
     import pandas
@@ -37,6 +41,8 @@ class SeriesByName(Mapping[str, Series]):
 
     def __getitem__(self, name: str) -> Series:
         """Errors: NotFound; its remedy suggests similar names."""
+        if not isinstance(name, str):
+            raise NotFound(f"there is no series {name!r}", where=repr(self._meter), remedy="name one by a text")
         stored = self._meter._database.series(self._meter._key, name)
         return Series(self._meter._database, self._meter, stored.name)
 
@@ -94,14 +100,42 @@ class Meter:
             names of its columns.
         part: 1 to 4.
 
+        Points whose Roshko numbers are far from the meter's others, mostly because of a wrong unit of the viscosity,
+        are stored with a PelmoraWarning; so are points that end the exclusion of earlier ones.
+
         Errors: BadData (a ValueError) for NaN, different lengths, fewer than two points and another part.
         """
-        x, y = _numbers.columns(_numbers.column_of(data, roshko, "roshko"),
-                                _numbers.column_of(data, strouhal, "strouhal"))
+        roshko = _numbers.column_of(data, roshko, "roshko")
+        x, y = _numbers.columns(roshko, _numbers.column_of(data, strouhal, "strouhal"))
         if part not in (1, 2, 3, 4):
             raise BadData(f"there is no raw part {part!r}", where="part", remedy="pass 1, 2, 3 or 4")
-        self._database.store_raw(self._key, name, int(part), x, y)
+        stored = self._database.store_raw(self._key, text(name, "name"), int(part), x, y)
+        _warn_of_far_points(roshko, int(part), stored)
+        for dropped in dropped_of(stored["dropped"]):
+            caution(f"point {dropped.number} of part {dropped.part} is no longer excluded ({dropped.reason}): "
+                    f"{dropped.why}")
         return self.series[name]
+
+    @property
+    def details(self) -> dict[str, Any]:
+        """What certificates state about the meter and this calibration, by the names of `pelmora.detail_fields()`:
+        maker, customer, dates, conditions, units ... Lists of texts are lists. Those of the meter and the customer
+        come from earlier calibrations if this one has none.
+        """
+        return values_of(self._database.details(self._key))
+
+    def set_details(self, **details: Detail) -> None:
+        """Records what certificates state about the meter and this calibration; what is not named stays.
+
+        details: texts by the names of `pelmora.detail_fields()`; lists of texts for several remarks or signatories;
+            None removes what is recorded. Units are labels of what is stored: nothing is converted.
+
+        Errors: NotFound for an unknown name; BadData for a text that is not of its kind.
+
+        >>> meter.set_details(certificate_number="2026-17", date="2026-11-20", roshko_unit="Hz/cSt",
+        ...                   signatory=["A. Signer, head of laboratory"])
+        """
+        self._database.set_details(self._key, changes_of(details, "meter"))
 
     @property
     def stand_uncertainty(self) -> Optional[str]:
@@ -113,26 +147,43 @@ class Meter:
 
         file: as `pelmora stand uncertainty` takes it (docs/file_formats.md); None removes what is kept.
 
-        Errors: BadData, which names the line that is not understood; FileNotFoundError.
+        Errors: BadData, which names the line that is not understood; MissingFile (a FileNotFoundError); Unusable.
         """
-        text = ""
+        statement, place = "", "" if file is None else path_of(file, "file")
         if file is not None:
-            with open(file, encoding="utf-8") as lines:
-                text = lines.read()
-            if not text.strip():
-                raise BadData("the file is empty", where=os.fspath(file), remedy="add sections such as [flow]")
-        self._database.set_stand_uncertainty(self._key, text, "" if file is None else os.fspath(file))
+            statement = _text_of(place)
+            if not statement.strip():
+                raise BadData("the file is empty", where=place, remedy="add sections such as [flow]")
+        self._database.set_stand_uncertainty(self._key, statement, place)
 
-    def report(self, path: Union[str, os.PathLike[str]], *, series: Optional[list[str]] = None) -> str:
+    def report(self, path: Union[str, os.PathLike[str]], *, series: Optional[list[str]] = None,
+               sign: Optional[tuple[Union[str, os.PathLike[str]], Union[str, os.PathLike[str]]]] = None) -> str:
         """Writes the report of the calibration; the ending of the name decides its kind: .html, .pdf, .xml (a
         digital calibration certificate), .svg, .json, .csv or .xlsx. Returns the path.
 
         series: only these; None: all.
+        sign: the files of a private key and of its X.509 certificate, in PEM form. They sign the digital certificate,
+            or the one that is attached to a PDF, by the program xmlsec1.
 
-        Errors: BadData for another ending; Unusable if the file cannot be written; NotFound for a series.
+        The digital certificate is attached to a PDF if nothing that it needs is missing. Otherwise, the PDF is written
+        without it, and a PelmoraWarning lists what is missing: see `set_details` and `Database.set_laboratory`.
+
+        Errors: BadData for another ending, for an .xml (or anything to be signed) of which details are missing, for
+            stored points that cannot be read and for a key that cannot be used; Unusable if the file cannot be
+            written, and if weasyprint (.pdf) or xmlsec1 (sign) is not installed; NotFound for a series.
         """
-        file = os.fspath(path)
-        self._database.write_report(self._key, file, list(series or []))
+        file = path_of(path, "path")
+        files = None if sign is None else _signer_of(sign)
+        wanted = texts(series or (), "series")
+        if files is not None and not file.lower().endswith((".xml", ".pdf")):
+            raise BadData(f"'{file}' cannot be signed", where="sign", remedy="end the name in .xml or .pdf")
+        try:
+            notes = self._database.write_report(self._key, file, wanted, files)
+        except BadData as error:
+            error.remedy = _in_python(error.remedy)
+            raise
+        for note in notes:
+            caution(f"{file}: {_in_python(note)}")
         return file
 
     def history(self) -> Table[HistoryEntry]:
@@ -168,3 +219,39 @@ class Meter:
 
     def _repr_html_(self) -> str:
         return self._database.picture(self._key, [])
+
+
+def _in_python(remedy: str) -> str:
+    """With the functions of this package in place of the commands."""
+    return remedy.replace("'pelmora meter set' and 'pelmora laboratory set'",
+                          "meter.set_details(...) and db.set_laboratory(...)")
+
+
+def _signer_of(sign: Any) -> tuple[str, str]:
+    if isinstance(sign, str) or not hasattr(sign, "__len__") or len(sign) != 2:
+        raise BadData(f"sign is {sign!r}", where="sign", remedy='pass two files, such as ("key.pem", "certificate.pem")')
+    return path_of(sign[0], "sign"), path_of(sign[1], "sign")
+
+
+def _text_of(file: str) -> str:
+    try:
+        with open(file, encoding="utf-8-sig") as lines:
+            return lines.read()
+    except FileNotFoundError:
+        raise MissingFile(f"there is no file '{file}'", where=file, remedy="check the path") from None
+    except UnicodeDecodeError:
+        raise BadData("the file is not UTF-8 text", where=file, remedy="save it as UTF-8") from None
+    except OSError as error:
+        raise Unusable(f"the file cannot be read: {error.strerror}", where=file, remedy="check the path") from None
+
+
+def _warn_of_far_points(roshko: Any, part: int, stored: dict[str, Any]) -> None:
+    remedy = "; check the unit of the viscosity"
+    if stored["far_factor"] != 1:
+        caution(f"the Roshko numbers of part {part} are {stored['far_factor']:.2g} times those of the meter's other "
+                f"points{remedy}")
+    if stored["far_points"]:
+        position, factor = stored["far_points"][0]
+        more = len(stored["far_points"]) - 1
+        caution(f"roshko at {_numbers.label(roshko, position)} is {factor:.2g} times the median of the part's other "
+                f"points{f', and {more} more are as far off' if more else ''}{remedy}")

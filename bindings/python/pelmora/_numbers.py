@@ -97,30 +97,35 @@ def column_of(data: Any, column: Any, name: str) -> Any:
         return column
     if not isinstance(column, str):
         return column
+    if not hasattr(data, "__getitem__") or not hasattr(data, "__contains__") or isinstance(data, str):
+        raise BadData(f"data is {data!r}", where="data", remedy="pass a frame, or a mapping of names to columns")
     if column in data:
         return data[column]
     from difflib import get_close_matches
 
     known = [str(key) for key in data]
-    near = get_close_matches(column, known, n=3)
+    near = [key for key in known if key.lower() == column.lower()] or get_close_matches(column, known, n=3)
     remedy = "did you mean " + " or ".join(map(repr, near)) + "?" if near else "its columns are " + ", ".join(known[:8])
     raise NotFound(f"the data has no column {column!r}", where=name, remedy=remedy)
 
 
-def through(values: Any, name: str, function: Callable[[Floats], Floats]) -> Any:
-    """function(array) in the form of the values: a float for a number, a Series with its index for a Series."""
+def through(values: Any, result: str, function: Callable[[Floats], Floats], argument: str = "roshko") -> Any:
+    """function(array) in the form of the values: a float for a number, a Series with its index for a Series.
+
+    result, argument: what messages and the Series call them.
+    """
     import numpy as np
 
     if isinstance(values, (int, float)) and not isinstance(values, bool):
         return float(function(np.array([values], dtype=np.float64))[0])
     if is_series(values):
-        return _series_like(values, function(numbers(values, name)), name)
+        return _series_like(values, function(numbers(values, argument)), result)
     array = np.asarray(values)
     if array.ndim == 0:
-        return float(function(numbers([array.item()], name))[0])
+        return float(function(numbers([array.item()], argument))[0])
     if array.ndim == 1:
-        return function(numbers(values, name))
-    return function(numbers(array.ravel(), name)).reshape(array.shape)
+        return function(numbers(values, argument))
+    return function(numbers(array.ravel(), argument)).reshape(array.shape)
 
 
 def _series_like(values: Any, results: Floats, name: str) -> Any:

@@ -49,3 +49,10 @@ class _Bar:
         self._done = done
         if done == of and hasattr(self._bar, "refresh"):
             self._bar.refresh()
+
+
+def status_function(status: Any) -> Optional[Callable[[str], object]]:
+    """status as it is, if it can be called."""
+    if status is None or callable(status):
+        return status  # type: ignore[no-any-return]
+    raise BadData(f"status is {status!r}", where="status", remedy="pass a function of a text, such as print")

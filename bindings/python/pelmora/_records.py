@@ -5,7 +5,7 @@ from __future__ import annotations
 from collections.abc import Iterable, Iterator, Sequence
 from typing import TYPE_CHECKING, Any, Generic, TypeVar, overload
 
-from .errors import Error
+from .errors import BadData, Error
 
 if TYPE_CHECKING:
     import pandas
@@ -154,6 +154,8 @@ def to_frame(items: Iterable[Any]) -> pandas.DataFrame:
     Errors: Error if pandas is not installed.
     """
     to_own_frame = getattr(items, "to_frame", None)
+    if to_own_frame is None and not isinstance(items, Iterable):
+        raise BadData(f"{items!r} has no rows", where="to_frame()", remedy="pass a list, such as db.meters()")
     return to_own_frame() if to_own_frame is not None else frame_of(items)
 
 

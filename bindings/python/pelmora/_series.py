@@ -6,19 +6,21 @@ from collections.abc import Iterable
 from typing import TYPE_CHECKING, Any, Optional, Union
 
 from . import _pelmora
+from ._arguments import text
 from ._curve import Curve
 from ._equation import CurveEquation
 from ._fit import Fit
 from ._history import HistoryEntry, entries_of
-from ._points import ExclusionChange, Point, change_of, selection
-from ._progress import Progress, progress_function
+from ._points import ExclusionChange, Point, StandReading, change_of, points_of, selection
+from ._progress import Progress, progress_function, status_function
 from ._records import Table, json_text
 from ._settings import Equations, fit_settings
-from .errors import NotFound
+from .errors import BadData, NotFound
 
 if TYPE_CHECKING:
     import numpy as np
     import numpy.typing as npt
+    import pandas
 
     from ._meter import Meter
 
@@ -94,7 +96,7 @@ class Series:
                                 choose=choose, equations=equations, only=only, without=without, max_order=max_order,
                                 ratio=ratio, inverted=inverted, merge_band=merge_band, cut_overlap=cut_overlap,
                                 ignore_residuals=ignore_residuals, outside=outside, spacing=spacing)
-        fit = Fit(self._database.fit(self._stored(), settings, status, progress_function(progress)))
+        fit = Fit(self._database.fit(self._stored(), settings, status_function(status), progress_function(progress)))
         if not fit.accepted:
             raise fit.no_fit()
         if store:
@@ -104,7 +106,15 @@ class Series:
     @property
     def points(self) -> Table[Point]:
         """Every raw point, excluded ones too, by part and number; to_frame() for pandas."""
-        return Table((Point(**record) for record in self._database.points(self._meter._key, self._name)), Point)
+        return points_of(self._database.points(self._meter._key, self._name))
+
+    @property
+    def readings(self) -> Table[StandReading]:
+        """What the stand measured at every point that came from one: frequency, flow, viscosity, temperature and
+        nominal flow in the stand's own units. In pandas,
+        ``series.points.to_frame().merge(series.readings.to_frame(), on=["part", "number"])``.
+        """
+        return Table((point.reading for point in self.points if point.reading), StandReading)
 
     def exclude(self, *, part: Optional[int] = None, number: Union[None, int, Iterable[int]] = None, reason: str,
                 below: Optional[float] = None, above: Optional[float] = None,
@@ -122,7 +132,7 @@ class Series:
         Errors: BadData for an empty reason and for points that do not exist; NotFound for a series.
         """
         wanted = selection(part, number, below, above, between, also_in, derived)
-        return change_of(self._database.exclude(self._meter._key, self._name, wanted, reason))
+        return change_of(self._database.exclude(self._meter._key, self._name, wanted, text(reason, "reason")))
 
     def include(self, *, part: Optional[int] = None, number: Union[None, int, Iterable[int]] = None,
                 below: Optional[float] = None, above: Optional[float] = None,
@@ -138,8 +148,15 @@ class Series:
     def store(self, fit: Fit) -> int:
         """Stores the curve of a fit of this series; returns the history entry of the previous one, 0 if none.
 
-        Errors: NoFit; Changed if the points have changed since; BadData for a fit of points from no database.
+        Errors: NoFit; Changed if the points have changed since; BadData for a fit of another series, or of points from
+            no database.
         """
+        if not isinstance(fit, Fit):
+            raise BadData(f"{fit!r} is not a fit", where=self._title(), remedy="pass what series.fit(store=False) returns")
+        of = fit._result.meter
+        if of is not None and (of.id, fit._result.series) != (self._meter._key.id, self._name):
+            raise BadData(f"the fit is of {_title(fit._result.series, of)}, not of {self._title()}", where="fit",
+                          remedy="store it in its own series")
         return self._database.store(fit._result)
 
     def history(self) -> Table[HistoryEntry]:
@@ -149,6 +166,10 @@ class Series:
     def delete(self) -> HistoryEntry:
         """Deletes the series; the entry that is returned brings it back."""
         return HistoryEntry(**self._database.remove(self._meter._key, self._name))
+
+    def to_frame(self) -> pandas.DataFrame:
+        """As `points`. Needs pandas."""
+        return self.points.to_frame()
 
     def to_dict(self) -> dict[str, Any]:
         """Name, meter, raw parts and the stored curve."""
@@ -170,7 +191,7 @@ class Series:
         return self._database.picture(self._meter._key, [self._name])
 
     def _title(self) -> str:
-        return f"{self._name!r} of meter {self._meter.serial!r}, calibration {self._meter.calibration}"
+        return _title(self._name, self._meter._key)
 
     def _stored(self) -> _pelmora.StoredSeries:
         return self._database.series(self._meter._key, self._name)
@@ -180,3 +201,7 @@ class Series:
         if not is_stored or not repeated.accepted:
             return None
         return CurveEquation(repeated.equations()[0], repeated.coverage)
+
+
+def _title(name: str, meter: _pelmora.Meter) -> str:
+    return f"{name!r} of meter {meter.serial!r}, calibration {meter.calibration}"

@@ -7,6 +7,7 @@ from collections.abc import Iterable, Mapping
 from typing import Any, Optional, Union
 
 from . import _pelmora
+from ._arguments import number, text, texts
 from ._records import Record, Table
 from .errors import BadData, MissingFile
 
@@ -56,10 +57,8 @@ def equation_text(source: Equations) -> tuple[str, str]:
         except FileNotFoundError:
             raise MissingFile(f"there is no equation file '{path}'", where="equations",
                               remedy="name a file, or pass a mapping of names to expressions") from None
-    pairs = source.items() if isinstance(source, Mapping) else source
     lines = []
-    for pair in pairs:
-        name, expression = (pair.name, pair.expression) if isinstance(pair, Equation) else pair
+    for name, expression in _pairs_of(source):
         if _pelmora.parameter_count(expression) is None:
             raise BadData(f"the expression {expression!r} of equation {name!r} cannot be read", where="equations",
                           remedy="use x, single letters as parameters, + - * / ^ and functions like ln(x)")
@@ -67,14 +66,41 @@ def equation_text(source: Equations) -> tuple[str, str]:
     return "\n".join(lines), "the argument 'equations'"
 
 
-def fit_settings(*, band: float, points: int, equations: Optional[Equations], only: Union[str, Iterable[str]],
-                 without: Union[str, Iterable[str]], **others: Any) -> dict[str, Any]:
+def _pairs_of(source: Any) -> Iterable[tuple[str, str]]:
+    pairs = source.items() if isinstance(source, Mapping) else source
+    for pair in pairs if isinstance(pairs, Iterable) else [pairs]:
+        if isinstance(pair, Equation):
+            pair = (pair.name, pair.expression)
+        if isinstance(pair, str) or not hasattr(pair, "__len__") or len(pair) != 2:
+            raise BadData(f"{pair!r} is not an equation", where="equations",
+                          remedy='pass a mapping of names to expressions, such as {"line": "a+b*x"}')
+        yield text(pair[0], "the name of an equation"), text(pair[1], f"equation {pair[0]!r}")
+
+
+_numbers = ("min", "max", "fit_min", "fit_max", "merge_band")
+_flags = ("ratio", "inverted", "cut_overlap", "ignore_residuals")
+_names = ("choose", "outside", "spacing")
+
+
+def fit_settings(*, band: Any, points: Any, max_order: Any, equations: Optional[Equations],
+                 only: Union[str, Iterable[str]], without: Union[str, Iterable[str]], **others: Any) -> dict[str, Any]:
     """The dictionary for the module. Errors: BadData."""
-    if not band > 0 or band == float("inf"):
+    width = number(band, "band")
+    if width is None or not width > 0 or width == float("inf"):
         raise BadData(f"the band is {band!r}", where="band", remedy="pass a percentage above 0, such as 0.3")
-    if int(points) != points or not 2 <= points <= 32767:
+    count = number(points, "points")
+    if count is None or not 2 <= count <= 32767 or int(count) != count:
         raise BadData(f"the curve is to have {points!r} points", where="points", remedy="pass 2 to 32767, such as 40")
-    return {"band": float(band), "points": int(points),
-            "equations": None if equations is None else equation_text(equations),
-            "only": [only] if isinstance(only, str) else list(only),
-            "without": [without] if isinstance(without, str) else list(without), **others}
+    order = number(max_order, "max_order")
+    if order is not None and (not 1 <= order <= 1000 or int(order) != order):
+        raise BadData(f"max_order is {max_order!r}", where="max_order", remedy="pass a whole number from 1")
+    settings: dict[str, Any] = {"band": width, "points": int(count), "max_order": None if order is None else int(order),
+                                "equations": None if equations is None else equation_text(equations),
+                                "only": texts(only, "only"), "without": texts(without, "without")}
+    for name in _numbers:
+        settings[name] = number(others[name], name)
+    for name in _flags:
+        settings[name] = bool(others[name])
+    for name in _names:
+        settings[name] = text(others[name], name)
+    return settings

@@ -13,7 +13,7 @@ if TYPE_CHECKING:
     from ._fit import Fit
 
 __all__ = ["Error", "NotFound", "MissingFile", "Exists", "Locked", "Unusable", "Damaged", "BadData", "OutOfRange",
-           "NoFit", "Changed", "Cancelled"]
+           "NoFit", "Changed", "Cancelled", "PelmoraWarning"]
 
 
 class Error(Exception):
@@ -85,3 +85,10 @@ class Changed(Error, RuntimeError):
 
 class Cancelled(Error, RuntimeError):
     """The operation was cancelled. Nothing was stored."""
+
+
+class PelmoraWarning(UserWarning):
+    """Something to look at although the operation succeeded: points far from the others, a report that is not complete.
+
+    ``warnings.simplefilter("error", pelmora.PelmoraWarning)`` makes it an exception.
+    """

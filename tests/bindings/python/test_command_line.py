@@ -95,6 +95,9 @@ def equal_values(curve, database, series):
     printed = json.loads(run("evaluate", database, *map(repr, places), "--meter", "M", "--series", series, "--json"))
     values = printed["values"]
     assert curve(places, extrapolate=True).tolist() == [value["strouhal"] for value in values]
+    if values[0]["expandedUncertainty"] is not None:
+        expanded = curve.eval_uncertainty(places[:-1], kind="expanded")
+        assert expanded.tolist() == [value["expandedUncertainty"] for value in values[:-1]]
     for name, kind in (("confidenceHalfWidth", "confidence"), ("predictionHalfWidth", "prediction")):
         if values[0][name] is None:
             continue
@@ -139,3 +142,22 @@ def test_a_curve_that_the_command_line_stored_reads_the_same(tmp_path):
             for equation in printed["equations"] if equation["verdict"] == "chosen"
             for parameter in equation["parameters"]}
         equal_values(series.curve, database, "S")
+        equal_readings(series.curve, database)
+
+
+def equal_readings(curve, database):
+    """The table as a flow computer reads it, the inverse and the flow in service."""
+    def values(*arguments):
+        return json.loads(run(*arguments, "--meter", "M", "--series", "S", "--json"))
+
+    places = np.geomspace(*curve.range, 7)[1:-1].tolist()
+    for reading in ("linear", "log", "cubic"):
+        read = values("evaluate", database, *map(repr, places), "--table", "--read", reading)["values"]
+        assert curve(places, reading=reading).tolist() == [value["strouhal"] for value in read]
+        assert curve.eval_uncertainty(places, kind="expanded", reading=reading).tolist() == [
+            value["expandedUncertainty"] for value in read]
+    wanted = curve(places).tolist()
+    found = values("evaluate", database, *map(repr, wanted), "--inverse")["values"]
+    assert curve.inverse(wanted).tolist() == [value["roshko"] for value in found]
+    flow = values("flow", database, "--frequency", "150 Hz", "--viscosity", "1.2", "--temperature", "85")
+    assert curve.flow(150.0, 1.2, temperature=85.0) == flow["flow"]

@@ -1,14 +1,12 @@
 # SPDX-License-Identifier: MIT
+import datetime
 import pickle
 
 import numpy as np
 import pytest
 
 import pelmora
-from conftest import STAND, measured
-
-RUNS = [("1001", "Mineral spirit"), ("1002", "Glycol mix")]
-
+from conftest import measured
 
 def test_a_new_database_is_empty_and_can_be_opened_again(tmp_path):
     pelmora.create(tmp_path / "new.db").close()
@@ -97,37 +95,6 @@ def test_an_unknown_calibration_is_not_found(db):
         db.meter("M1", calibration=3)
 
 
-def test_runs_of_a_stand_are_imported_and_derived(db):
-    imported = db.import_runs("M1", stand=STAND, runs=RUNS, operator="Ada", stand_number=3)
-    assert imported.series == {"Rotor A": (24, 24, 0, 0), "Rotor B": (24, 24, 0, 0), "Rotor Sum": (24, 24, 0, 0),
-                               "Ratio": (24, 24, 0, 0)}
-    assert [(run.fluid, run.jobs, run.operator, run.stand_number, run.points) for run in db.meter("M1").runs] == [
-        ("Mineral spirit", ["1001"], "Ada", 3, 24), ("Glycol mix", ["1002"], "Ada", 3, 24)]
-    assert sorted(db.meter("M1").series) == ["Ratio", "Rotor A", "Rotor B", "Rotor Sum"]
-
-
-def test_a_known_run_keeps_its_operator_unless_it_is_updated(db):
-    db.import_runs("M1", stand=STAND, runs=RUNS, operator="Ada", date="2025-03-04")
-    again = db.import_runs("M1", stand=STAND, runs=RUNS[:1], operator="Bob")
-    assert again.kept_entries == [("Mineral spirit", "operator", "Ada", "Bob")]
-    updated = db.import_runs("M1", stand=STAND, runs=RUNS[:1], operator="Bob", update=True)
-    assert updated.kept_entries == []
-    assert [(run.operator, "2025" in run.date) for run in updated.runs] == [("Bob", True), ("Ada", True)]
-
-
-def test_an_unknown_job_is_not_found_and_nothing_is_stored(db):
-    with pytest.raises(pelmora.NotFound, match="9999"):
-        db.import_runs("M1", stand=STAND, runs=[("9999", "Water")])
-    assert db.meters() == []
-
-
-@pytest.mark.parametrize("runs, message", [
-    ([], "no runs"), (["1001"], "pair of job and fluid"), ([("1001", "Water"), ("1002", "water")], "(?i)water")])
-def test_runs_that_cannot_be_meant_are_refused(db, runs, message):
-    with pytest.raises(ValueError, match=message):
-        db.import_runs("M1", stand=STAND, runs=runs)
-
-
 def test_a_calibration_fits_every_derived_series(calibrated):
     assert set(calibrated.fits) | set(calibrated.failed) == {"Rotor A", "Rotor B", "Rotor Sum", "Ratio"}
     assert calibrated.failed == {}
@@ -159,6 +126,22 @@ def test_a_deleted_series_comes_back(series, db):
     assert len(db.meter("M1").series["K"].parts[1]) == 30
 
 
+@pytest.mark.parametrize("before, pruned", [("2020-01-01", 0), ("2999-01-01T00:00:00Z", 2),
+                                            (datetime.date(2020, 1, 1), 0), (datetime.datetime(2999, 1, 1), 2)])
+def test_history_is_pruned_by_its_age(series, db, before, pruned):
+    for points in (40, 20, 30):
+        series.fit(band=1, points=points)
+    assert len(db.prune(before=before)) == pruned and len(db.history()) == 2 - pruned
+
+
+def test_a_time_that_cannot_be_read_prunes_nothing(series, db):
+    series.fit(band=1)
+    series.fit(band=1, points=20)
+    with pytest.raises(ValueError, match="'yesterday'.*2026-11-21"):
+        db.prune(before="yesterday")
+    assert len(db.history()) == 1
+
+
 def test_pruned_history_is_gone(series, db):
     series.fit(band=1)
     series.fit(band=1, points=20)
@@ -185,23 +168,13 @@ def test_a_refit_says_what_changed(db):
     assert steps[-1] == (7, 7) and steps == sorted(steps)
     again = db.refit([db.meter("M3").series["K"]], dry_run=True)
     assert [result.result for result in again.results] == ["kept"]
+    assert db.refit(db.meter("M3").series, dry_run=True).results == again.results
 
 
-@pytest.mark.parametrize("kind, start", [(".html", b"<!"), (".svg", b"<"), (".json", b"{"), (".csv", b""),
-                                         (".xlsx", b"PK")])
-def test_a_report_is_of_the_kind_that_its_name_says(calibrated, tmp_path, kind, start):
-    path = tmp_path / ("m1" + kind)
-    assert calibrated.meter.report(path) == str(path)
-    content = path.read_bytes()
-    assert content.startswith(start)
-    if kind != ".xlsx":
-        assert b"Rotor Sum" in content
-
-
-def test_a_report_of_unknown_kind_is_refused(calibrated, tmp_path):
-    with pytest.raises(ValueError, match=r"\.html"):
-        calibrated.meter.report(tmp_path / "m1.docx")
-    assert list(tmp_path.glob("m1*")) == []
+def test_a_series_of_another_database_is_not_refitted(series, db, tmp_path):
+    with pelmora.create(tmp_path / "other.db") as other:
+        with pytest.raises(ValueError, match="another database"):
+            other.refit([series])
 
 
 def test_lists_become_frames_dictionaries_and_json(calibrated, db):

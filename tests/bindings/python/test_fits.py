@@ -152,6 +152,7 @@ def test_an_outlier_is_distrusted_and_left_out(points):
     fit = pelmora.fit(roshko, strouhal)
     bad = [point for point in fit.points if point.use == "distrusted"]
     assert [point.number for point in bad] == [11] and abs(bad[0].loo_sigma) > 5
+    assert f"{len(fit.warnings)} warning" in repr(fit)
     assert fit.warnings and np.abs(fit.curve(roshko) / true_curve(roshko) - 1).max() < 0.002
 
 
@@ -191,3 +192,15 @@ def test_a_fit_is_drawn_with_its_points_and_band(points):
     assert tuple(points[0]) in drawn and len(ax.collections) == 1
     other = pelmora.fit(*points).curve.plot(ax=ax, color="black")
     assert other is ax and ax.get_lines()[-1].get_color() == "black"
+
+
+def test_the_deviations_of_the_points_are_drawn_beside_the_band(points):
+    pytest.importorskip("matplotlib")
+    fit = pelmora.fit(*points)
+    ax = fit.plot(deviations=True, color="gray")
+    drawn, = (line.get_ydata() for line in ax.get_lines() if line.get_label() == "points")
+    assert np.allclose(drawn, (points[1] / fit.curve(points[0]) - 1) * 100, atol=1e-9)
+    band, = ax.collections
+    at_end = fit.curve.eval_uncertainty(40.0) / fit.curve(40.0) * 100
+    ends = [y for x, y in band.get_paths()[0].vertices if x == pytest.approx(40.0)]
+    assert max(ends) == pytest.approx(at_end) and min(ends) == pytest.approx(-at_end)

@@ -60,6 +60,8 @@ def test_columns_can_be_named_of_a_frame(points):
     assert np.array_equal(pelmora.fit("roshko", "strouhal", data=frame).merged, np.column_stack(points))
     with pytest.raises(pelmora.NotFound, match="no column 'strouhl'.*'strouhal'"):
         pelmora.fit("roshko", "strouhl", data=frame)
+    with pytest.raises(pelmora.NotFound, match="did you mean 'roshko'"):
+        pelmora.fit("ROSHKO", "strouhal", data=frame)
     assert "data=" in refused("roshko", "strouhal")
 
 
@@ -107,3 +109,40 @@ def test_points_are_sorted_by_roshko():
     roshko, strouhal = measured()
     order = np.random.default_rng(5).permutation(30)
     assert np.array_equal(pelmora.fit(roshko[order], strouhal[order]).merged, np.column_stack([roshko, strouhal]))
+
+
+@pytest.mark.parametrize("mistake", [
+    lambda db, series: db.meter(1042), lambda db, series: db.register(None), lambda db, series: db.meter("M1", "0"),
+    lambda db, series: db.restore("last"), lambda db, series: db.refit(jobs=0), lambda db, series: db.refit(["K"]),
+    lambda db, series: db.refit(threshold="small"), lambda db, series: db.prune(keep=-1),
+    lambda db, series: series.exclude(part="1", number=3, reason="air"),
+    lambda db, series: series.exclude(part=1, number="3", reason="air"),
+    lambda db, series: series.exclude(between=(1,), reason="air"),
+    lambda db, series: series.exclude(part=1, number=3, reason=7), lambda db, series: series.fit(band="0.3"),
+    lambda db, series: series.fit(min="low"), lambda db, series: series.fit(fit_min=float("nan")),
+    lambda db, series: series.fit(choose=1), lambda db, series: series.fit(max_order=2.5),
+    lambda db, series: series.fit(status="print"), lambda db, series: series.fit(equations=5),
+    lambda db, series: series.fit(equations=["a+b*x"]), lambda db, series: series.fit(equations={"line": 5}),
+    lambda db, series: series.store("fit"), lambda db, series: series.store(pelmora.fit(*measured())),
+    lambda db, series: db.register("M1").add_series("L", *measured()).store(series.fit(store=False)),
+    lambda db, series: series.fit().curve.eval_uncertainty(100.0, k=0),
+    lambda db, series: series.fit().curve.eval_uncertainty(100.0, kind="expanded", viscosity="thin"),
+    lambda db, series: series.fit().curve(100.0, reading=1), lambda db, series: series.fit().curve("100"),
+    lambda db, series: series.fit().curve.flow(100.0, "thin"), lambda db, series: series.meter.report(5),
+    lambda db, series: series.meter.set_stand_uncertainty(5), lambda db, series: pelmora.open(None),
+    lambda db, series: pelmora.open(db.location, wait="long"), lambda db, series: pelmora.to_frame(db),
+    lambda db, series: pelmora.fit("x", "y", data=5), lambda db, series: pelmora.equations(5),
+    lambda db, series: pelmora.fit(*measured(), part=np.full(30, np.nan))])
+def test_an_argument_of_the_wrong_kind_is_refused_with_what_to_pass(db, series, mistake):
+    with pytest.raises(pelmora.BadData) as caught:
+        mistake(db, series)
+    assert caught.value.what and caught.value.where and caught.value.remedy
+
+
+def test_the_argument_of_a_curve_is_called_by_its_name(points):
+    curve = pelmora.fit(*points).curve
+    for function, name in ((curve, "roshko"), (curve.derivative, "roshko"), (curve.inverse, "strouhal")):
+        with pytest.raises(pelmora.BadData, match=f"^{name} holds texts"):
+            function(["100"])
+    with pytest.raises(pelmora.BadData, match="^frequency holds texts"):
+        curve.flow(["100"], 1.0)

@@ -2,6 +2,7 @@
 import inspect
 import os
 import pathlib
+import re
 import subprocess
 import sys
 import textwrap
@@ -78,7 +79,10 @@ def test_the_package_and_its_examples_pass_mypy_strict(tmp_path):
                       "[mypy-pandas.*,matplotlib.*,tqdm.*]\nignore_missing_imports = True\n")
     ended = mypy("mypy", "--config-file", str(config), "-p", "pelmora")
     assert ended.returncode == 0, ended.stdout
-    ended = mypy("mypy", "--config-file", str(config), *map(str, EXAMPLES), MYPYPATH=str(PACKAGE.parent))
+    # The blocks of the page, as one program.
+    page = tmp_path / "page.py"
+    page.write_text("\n".join(re.findall(r"```python\n(.*?)```", (SOURCE / "docs" / "python.md").read_text(), re.S)))
+    ended = mypy("mypy", "--config-file", str(config), *map(str, EXAMPLES), str(page), MYPYPATH=str(PACKAGE.parent))
     assert ended.returncode == 0, ended.stdout
 
 
