@@ -13,8 +13,10 @@ class Connection;                                   // the abstract role of an o
 using ConnectionPtr = std::shared_ptr<Connection>;  // null: an absent connection
 
 // Opens the database at `location` with the driver for what is found there: an SQLite file, an
-// Access file (outside Windows read into memory, so it cannot be changed), or a stand's export as a
-// text file with the columns JobRecordID and V1 to V37 (read into memory).
+// Access file (outside Windows read into memory, so it cannot be changed), a stand's export as a
+// text file with the columns JobRecordID and V1 to V37 (read into memory), or a curve database on a
+// PostgreSQL server, "postgresql://...". What such an address leaves out comes from the usual
+// places of the server's clients: PGHOST, PGSERVICE, PGPASSWORD, ~/.pgpass, PGSSLMODE ...
 //
 // Errors: Error if the location is missing, empty, locked or not a database. Never creates a file.
 PELMORA_API ConnectionPtr openDatabase(const std::string& location);
@@ -25,7 +27,9 @@ PELMORA_API ConnectionPtr openDatabase(const std::string& location);
 // tools.
 [[nodiscard]] PELMORA_API bool isOpenAsDatabase(const std::string& path);
 
-// Creates a new, empty SQLite curve database with all tables and indexes.
+// Creates a new, empty curve database with all tables and indexes: an SQLite file, or, for an
+// address "postgresql://...", tables and roles in an existing database on the server; one that an
+// older version has made there is brought up to date.
 //
 // Errors: Error if the file already exists or cannot be written.
 PELMORA_API void createCurveDatabase(const std::string& path);

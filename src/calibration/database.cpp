@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "base/server_address.h"
 #include "calibration/session.h"
 #include "history/kept_tables.h"
 
@@ -29,15 +30,16 @@ Database open(const std::string& location, OpenOptions options) {
 }
 
 Database create(const std::string& location, OpenOptions options) {
+  const std::string shown = shownLocation(location);
   try {
     createCurveDatabase(location);
   } catch (const Error& error) {
     constexpr std::int32_t fileExists = 58;
     if (error.number() == fileExists) {
-      throw Exists({"'" + location + "' exists already", location, "choose another name"},
+      throw Exists({"'" + shown + "' exists already", shown, "choose another name"},
                    error.number());
     }
-    throw Unusable({error.what(), location, ""}, error.number());
+    throw Unusable({error.what(), shown, ""}, error.number());
   }
   Database lab(location, std::move(options));
   try {
@@ -45,7 +47,7 @@ Database create(const std::string& location, OpenOptions options) {
     history::createHistoryTables(lab.connection());
     transaction.commit();
   } catch (const Error& error) {
-    throwFailure("creating '" + location + "'", location, error);
+    throwFailure("creating '" + shown + "'", shown, error);
   }
   return lab;
 }

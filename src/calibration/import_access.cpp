@@ -5,6 +5,7 @@
 
 #include "base/file_text.h"
 #include "base/run_time_error.h"
+#include "base/server_address.h"
 #include "base/word_mixer.h"
 #include "calibration/session.h"
 #include "calibration/stored_value.h"
@@ -268,7 +269,8 @@ NoCurveDatabase::~NoCurveDatabase() = default;
 
 ProofSheet importAccess(const std::string& path, const std::string& location, OpenOptions options,
                         const Observer& observer) {
-  const bool isNew = !fileExists(filePath(location));
+  // On a server the curve database has been made, with its roles, before.
+  const bool isNew = !isServerAddress(location) && !fileExists(filePath(location));
   std::optional<Database> curves;
   try {
     curves.emplace(isNew ? create(location, std::move(options))
@@ -284,7 +286,7 @@ ProofSheet importAccess(const std::string& path, const std::string& location, Op
     } catch (const Failure&) {
       throw;
     } catch (const Error& error) {
-      throwTranslated(error, path, location);
+      throwTranslated(error, path, shownLocation(location));
     }
   }
 }

@@ -2,6 +2,7 @@
 #include "calibration/session.h"
 
 #include "base/run_time_error.h"
+#include "base/server_address.h"
 #include "base/time_text.h"
 #include "base/version.h"
 #include "store/connection.h"
@@ -52,10 +53,12 @@ void throwFailure(const std::string& doing, const std::string& location, const E
   throw Unusable({what, location, ""}, number);
 }
 
-Session::Session(std::string location, OpenOptions options)
-    : location_(std::move(location)), options_(std::move(options)) {
+Session::Session(std::string address, OpenOptions options)
+    : address_(std::move(address)),
+      location_(shownLocation(address_)),
+      options_(std::move(options)) {
   try {
-    curves_ = openDatabase(location_, options_.patience);
+    curves_ = openDatabase(address_, options_.patience);
   } catch (const Error& error) {
     if (isAny(error, {RunTimeError::fileNotFound})) {
       throw NotFound({error.what(), location_, "name a curve database, or create one"},

@@ -18,11 +18,12 @@ namespace pelmora::calibration {
 class Session {
  public:
   // Errors: NotFound, Unusable, Locked, Damaged.
-  Session(std::string location, OpenOptions options);
+  Session(std::string address, OpenOptions options);
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
   [[nodiscard]] const std::string& location() const { return location_; }
+  [[nodiscard]] const std::string& address() const { return address_; }
   [[nodiscard]] const OpenOptions& options() const { return options_; }
   // Of the options or, if they name none, of the process.
   [[nodiscard]] std::string userName() const;
@@ -80,7 +81,8 @@ class Session {
  private:
   [[noreturn]] void throwTranslated(const std::string& doing, const Error& error) const;
 
-  std::string location_;
+  std::string address_;   // may hold a password: for opening alone
+  std::string location_;  // for people
   OpenOptions options_;
   ConnectionPtr curves_;
   std::unique_ptr<history::KeptChange> change_;

@@ -2,6 +2,7 @@
 #include "component/location.h"
 
 #include "base/run_time_error.h"
+#include "base/server_address.h"
 #include "component/shared_state.h"
 
 #include <pelmora/platform.h>
@@ -16,7 +17,7 @@ DatabaseLocation splitLocation(const std::string& path) {
     const auto backslash = path.rfind('\\');
     const std::size_t folderLength = backslash == std::string::npos ? 0 : backslash + 1;
     location.Folder = path.substr(0, folderLength);
-    location.FileName = path.substr(folderLength);
+    location.FileName = shownLocation(path.substr(folderLength));  // is shown while it is locked
   } else if (!path.empty()) {
     location.Folder = path + "\\";
   }
@@ -37,7 +38,7 @@ ConnectionPtr getConnection(std::string& location, const SharedState& shared,
       platform.createConnection ? platform.createConnection(location) : nullptr;
   if (!connection) {
     throw Error(static_cast<std::int32_t>(RunTimeError::noObject), "Pelmora:getConnection",
-                "No database driver is available for '" + location + "'");
+                "No database driver is available for '" + shownLocation(location) + "'");
   }
   return connection;
 }

@@ -1,5 +1,6 @@
 // From an open database to the bytes of a report.
 // SPDX-License-Identifier: MIT
+#include "base/server_address.h"
 #include "base/time_text.h"
 #include "base/version.h"
 #include "dcc/dcc_check.h"
@@ -67,7 +68,7 @@ ReportInput inputOf(const Database& lab, const Meter& meter,
   input.runs = lab.runs(meter);
   input.laboratory = lab.laboratory();
   input.details = lab.details(meter);
-  input.database = std::filesystem::path(lab.location()).filename().string();
+  input.database = shortLocation(lab.location());
   input.softwareVersion = version;
   input.createdAt = utcText();
   input.history = lab.history({.serial = meter.serial, .calibration = meter.calibration});

@@ -6,7 +6,9 @@
 #include "base/file_text.h"
 #include "base/plain_reading.h"
 #include "base/run_time_error.h"
+#include "base/server_address.h"
 #include "store/connection.h"
+#include "store/elsewhere.h"
 #include "store/foreign_tables.h"
 #include "store/salvage.h"
 
@@ -17,6 +19,10 @@
 
 #if defined(PELMORA_HAS_ACCESS)
 #include "adapters/access/access_database.h"
+#endif
+
+#if defined(PELMORA_HAS_POSTGRESQL)
+#include "adapters/postgresql/postgres_database.h"
 #endif
 
 #if defined(PELMORA_HAS_ADO)
@@ -31,13 +37,18 @@ namespace {
 
 [[maybe_unused]] Error noDriver(const std::string& location) {
   return {static_cast<std::int32_t>(RunTimeError::noObject), "Pelmora:openDatabase",
-          "No database driver is built in for '" + location + "'"};
+          "No database driver is built in for '" + shownLocation(location) + "'"};
 }
 
-}  // namespace
-
-ConnectionPtr databaseConnection([[maybe_unused]] const std::string& location,
-                                 [[maybe_unused]] const Patience& patience) {
+ConnectionPtr driverFor([[maybe_unused]] const std::string& location,
+                        [[maybe_unused]] const Patience& patience) {
+  if (isServerAddress(location)) {
+#if defined(PELMORA_HAS_POSTGRESQL)
+    return postgresConnection(location, patience);
+#else
+    return nullptr;
+#endif
+  }
 #if defined(PELMORA_HAS_ADO)
   if (isAccessLocation(location)) return accessConnection(location);
 #endif
@@ -50,6 +61,16 @@ ConnectionPtr databaseConnection([[maybe_unused]] const std::string& location,
 #else
   return nullptr;
 #endif
+}
+
+}  // namespace
+
+ConnectionPtr databaseConnection(const std::string& location, const Patience& patience) {
+  ConnectionPtr connection = driverFor(location, patience);
+  // A stand's engine is asked to insert its points into the curve database, whatever keeps that.
+  if (auto* stand = dynamic_cast<InsertsElsewhere*>(connection.get()))
+    stand->setElsewhere(databaseConnection);
+  return connection;
 }
 
 ConnectionPtr openDatabase(const std::string& location) { return openDatabase(location, {}); }
@@ -86,6 +107,13 @@ OpenedStand openStand(const std::string& location, const Patience& patience,
 bool isOpenAsDatabase(const std::string& path) { return isDatabaseInUse(filePath(path)); }
 
 void createCurveDatabase(const std::string& path) {
+  if (isServerAddress(path)) {
+#if defined(PELMORA_HAS_POSTGRESQL)
+    return createPostgresCurveDatabase(path);
+#else
+    throw noDriver(path);
+#endif
+  }
 #if defined(PELMORA_HAS_SQLITE)
   createSqliteCurveDatabase(path);
 #else
@@ -95,6 +123,11 @@ void createCurveDatabase(const std::string& path) {
 
 SalvageReport salvageDatabase(const std::string& path, [[maybe_unused]] const std::string& newPath,
                               [[maybe_unused]] const Patience& patience) {
+  if (isServerAddress(path)) {
+    throw Error(static_cast<std::int32_t>(RunTimeError::invalidFileFormat), "Pelmora",
+                "'" + shownLocation(path) +
+                    "' is on a server, which keeps its own files whole. Restore it from a dump.");
+  }
 #if defined(PELMORA_HAS_ACCESS)
   if (isAccessFile(path)) {
     throw Error(static_cast<std::int32_t>(RunTimeError::invalidFileFormat), "Pelmora",

@@ -91,6 +91,7 @@ class PELMORA_API Database {
   Database(const Database&) = delete;
   Database& operator=(const Database&) = delete;
 
+  // As it was given, but for the password of an address.
   [[nodiscard]] const std::string& location() const;
 
   // Groups everything until Change::commit(). command: for the history, "fit", "import" ...

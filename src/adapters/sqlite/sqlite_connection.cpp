@@ -2,6 +2,7 @@
 #include "adapters/sqlite/sqlite_connection.h"
 
 #include "adapters/sql_engine/client_recordset.h"
+#include "adapters/sql_engine/insert_elsewhere.h"
 #include "adapters/sqlite/attached_file.h"
 #include "adapters/sqlite/prepared_statement.h"
 #include "adapters/sqlite/sqlite_database.h"
@@ -13,6 +14,7 @@
 #include "adapters/sqlite/sqlite_session.h"
 #include "base/file_text.h"
 #include "base/run_time_error.h"
+#include "base/server_address.h"
 #include "base/text_case.h"
 
 #include <algorithm>
@@ -49,7 +51,8 @@ void SqliteConnection::execute(const std::string& statement) {
   sql::DialectStatement known = open.translations().read(statement);
   const auto* insert = std::get_if<sql::InsertStatement>(&*known.tree);
   if (insert != nullptr && insert->file) {
-    if (!isOwnFile(*insert->file)) return insertElsewhere(*known.tree, *insert->file);
+    if (isServerAddress(*insert->file)) return insertOnServer(*insert, *insert->file);
+    if (!isOwnFile(*insert->file)) return insertIntoFile(*known.tree, *insert->file);
     // Two connections to one file would wait for each other.
   }
   if (!std::holds_alternative<sql::SelectStatement>(*known.tree)) open.requireWritable();
@@ -65,13 +68,26 @@ bool SqliteConnection::isOwnFile(const std::string& file) const {
          std::filesystem::equivalent(filePath(session().file()), filePath(output), ignored);
 }
 
-void SqliteConnection::insertElsewhere(const sql::Statement& statement, const std::string& file) {
+void SqliteConnection::insertIntoFile(const sql::Statement& statement, const std::string& file) {
   SqliteSession& open = session();
   const AttachedFile attached(open, checkedSqliteFile(file));
   // Not kept: it holds for this file alone.
   PreparedStatement prepared(open.database(),
                              renderForSqlite(statement, open.catalogue(), AttachedFile::name));
   while (open.step(prepared)) continue;
+}
+
+void SqliteConnection::insertOnServer(const sql::InsertStatement& insert,
+                                      const std::string& address) {
+  const ConnectionPtr target = openElsewhere_ ? openElsewhere_(address, patience_) : nullptr;
+  if (!target) {
+    throw Error(static_cast<std::int32_t>(RunTimeError::noObject), "Pelmora",
+                "No database driver is built in for '" + shownLocation(address) + "'");
+  }
+  const sql::SelectedRows selected = session().select(sql::insertedRows(insert));
+  target->open();
+  sql::insertElsewhere(insert, selected.fields, selected.rows, *target);
+  target->close();
 }
 
 std::unique_ptr<Recordset> SqliteConnection::openRecordset(const std::string& statement,

@@ -4,6 +4,7 @@
 
 #include "adapters/sql_dialect/syntax_tree.h"
 #include "store/connection.h"
+#include "store/elsewhere.h"
 #include "store/integrity.h"
 #include "store/lock_patience.h"
 #include "store/table_design.h"
@@ -28,7 +29,8 @@ class SqliteConnection : public Connection,
                          public TableDesign,
                          public Transactions,
                          public LockPatience,
-                         public IntegrityCheck {
+                         public IntegrityCheck,
+                         public InsertsElsewhere {
  public:
   explicit SqliteConnection(OpenSession openSession, Patience patience = {})
       : openSession_(std::move(openSession)), patience_(std::move(patience)) {}
@@ -63,13 +65,17 @@ class SqliteConnection : public Connection,
 
   [[nodiscard]] std::vector<IntegrityProblem> integrityProblems(std::size_t most) override;
 
+  void setElsewhere(OpenElsewhere open) override { openElsewhere_ = std::move(open); }
+
  private:
   [[nodiscard]] SqliteSession& session() const;
   [[nodiscard]] bool isOwnFile(const std::string& file) const;
-  void insertElsewhere(const sql::Statement& statement, const std::string& file);
+  void insertIntoFile(const sql::Statement& statement, const std::string& file);
+  void insertOnServer(const sql::InsertStatement& insert, const std::string& address);
 
   OpenSession openSession_;
   Patience patience_;
+  OpenElsewhere openElsewhere_;
   std::shared_ptr<SqliteSession> session_;
 };
 

@@ -41,7 +41,7 @@ struct Work {
 void fitTasks(Work& work) {
   OpenOptions options = work.session.options();
   options.mode = Mode::read;
-  const auto session = std::make_shared<Session>(work.session.location(), options);
+  const auto session = std::make_shared<Session>(work.session.address(), options);
   const Database lab(session);
   for (std::size_t index = work.next++; index < work.tasks.size() && !work.stop.stop_requested();
        index = work.next++) {
