@@ -4,6 +4,7 @@
 #include "apps/pelmora/interruption.h"
 #include "apps/pelmora/output/progress.h"
 #include "apps/pelmora/trouble.h"
+#include "base/server_address.h"
 
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -11,7 +12,6 @@
 
 #include <array>
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <sstream>
@@ -79,10 +79,9 @@ Patience patienceWith(const std::string& database, std::chrono::milliseconds wai
                 // Short waits are nobody's concern.
                 if (waited < 500ms || seconds == shown) return true;
                 shown = seconds;
-                // The file's name alone: a terminal's line has no room for its folders.
+                // Short: a terminal's line has no room for folders.
                 progress.showWait("waiting for " + lockHolder(database) + " to unlock " +
-                                  std::filesystem::path(database).filename().string() + " (" +
-                                  std::to_string(seconds) + " s)");
+                                  shortLocation(database) + " (" + std::to_string(seconds) + " s)");
                 return true;
               },
           .stopRequested = isInterrupted};

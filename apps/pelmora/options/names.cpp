@@ -2,6 +2,7 @@
 #include "apps/pelmora/options/names.h"
 
 #include "apps/pelmora/trouble.h"
+#include "base/server_address.h"
 #include "base/text_flaw.h"
 
 #include <filesystem>
@@ -54,10 +55,16 @@ void requireNewName(const std::string& what, const std::string& name) {
 
 void requirePath(const std::string& what, const std::string& path) {
   requirePlainText(what, "path", path);
+  if (!hasPassword(path)) return;
+  refuse(what,
+         "the address '" + shownLocation(path) +
+             "' holds a password, which everybody can read in the list of processes",
+         "leave it out and give it in PGPASSWORD, in ~/.pgpass or in a service file");
 }
 
 void requireDatabasePath(const std::string& what, const std::string& path) {
   requirePath(what, path);
+  if (isServerAddress(path)) return;
   std::error_code code;
   fs::path whole = fs::weakly_canonical(path, code);
   if (code) whole = fs::absolute(path, code);
