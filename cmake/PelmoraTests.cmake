@@ -94,3 +94,22 @@ function(pelmora_beside program helper)
     COMMAND ${CMAKE_COMMAND} -E create_symlink $<TARGET_FILE:${helper}>
       $<TARGET_FILE_DIR:${program}>/$<TARGET_FILE_NAME:${helper}>)
 endfunction()
+
+# pelmora_on_server(calibration WITHOUT suite.test ...): runs the folder's tests a second time, with their curve databases
+# on a PostgreSQL server. WITHOUT: tests of what only a file has. The sanitizers see the engine in tests/contract.
+function(pelmora_on_server folder)
+  if(NOT TARGET pelmora-postgresql OR PELMORA_SANITIZE)
+    return()
+  endif()
+  cmake_parse_arguments(arg "" "" "WITHOUT" ${ARGN})
+  string(REPLACE "/" "_" name ${folder})
+  pelmora_beside(${name}_test pelmora-postgresql)
+  list(JOIN arg_WITHOUT ":" without)
+  set(test ${folder}/${name}_test.on_server)
+  add_test(NAME ${test} COMMAND ${name}_test)
+  set_tests_properties(${test} PROPERTIES TIMEOUT 1200
+    ENVIRONMENT "PELMORA_TEST_ON_SERVER=1;GTEST_FILTER=-${without}")
+  if(PELMORA_WHOLE_TEST_PROGRAMS)
+    pelmora_counted(${test})
+  endif()
+endfunction()

@@ -104,7 +104,8 @@ TEST_F(CertificateDetails, are_refused_where_they_are_not_of_their_kind) {
   EXPECT_THAT(refusal({{"strouhal-unit", "banana"}}), HasSubstr("is not a known unit"));
   EXPECT_THAT(refusal({{"maker", "a\tb"}}), HasSubstr("character that cannot be shown"));
   EXPECT_THAT(refusal({{"maker", "\xFF"}}), HasSubstr("character that cannot be shown"));
-  EXPECT_FALSE(hasTable(db_.connection(), "pelmora_detail"));
+  // A server's curve database has all tables from the start.
+  EXPECT_EQ(hasTable(db_.connection(), "pelmora_detail"), pelmora::test::isRunOnServer());
   const auto column = failureOf<BadData>([&] {
     db_.setLaboratory({{"nominal-flow-column", "V38"}});
   });

@@ -84,7 +84,7 @@ TEST_F(ExclusionsOfAStand, end_with_a_word_if_another_job_comes) {
 TEST_F(ExclusionsOfAStand, end_with_a_word_if_the_point_has_other_values) {
   (void)db_.exclude(meter_, "Rotor A", {.part = 1, .numbers = {2, 3}}, "air");
   std::ifstream from(exampleData("stand-dual-rotor.csv"));
-  const std::string file = path() + ".csv";
+  const std::string file = scratchFile("stand.csv");
   std::ofstream to(file);
   std::string line;
   for (int number = 0; std::getline(from, line); ++number) {

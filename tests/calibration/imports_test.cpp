@@ -16,7 +16,7 @@ class Imports : public ServiceTest {
   Imports() : db_(lab()), meter_(db_.registerMeter("M1")) {}
 
   Stand standOf(const std::vector<std::string>& lines) {
-    const std::string file = path() + ".csv";
+    const std::string file = scratchFile("stand.csv");
     std::ofstream text(file);
     text << pelmora::test::standHeader() << "\n";
     for (const std::string& line : lines) text << line << "\n";
@@ -62,7 +62,7 @@ TEST_F(Imports, fluids_and_operators_may_have_apostrophes) {
 }
 
 TEST_F(Imports, a_stand_without_a_column_is_named) {
-  const std::string file = path() + ".stand.db";
+  const std::string file = scratchFile("stand.db");
   {
     pelmora::test::PlainSqlite other(file);
     other.run("create table DataPoint (JobRecordID, V1); insert into DataPoint values (7, 1.5)");
@@ -89,7 +89,7 @@ TEST_F(Imports, a_reading_that_cannot_be_used_stops_everything) {
 }
 
 TEST_F(Imports, a_stand_found_damaged_when_it_is_read_is_named) {
-  const std::string file = path() + ".stand";
+  const std::string file = scratchFile("stand");
   pelmora::test::PlainSqlite(file).run("CREATE TABLE DataPoint (" + pelmora::test::standHeader() +
                                        ");" + "INSERT INTO DataPoint VALUES (" +
                                        pelmora::test::exportLine("7") + ")");

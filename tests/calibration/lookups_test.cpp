@@ -91,13 +91,13 @@ TEST_F(Lookups, work_inside_a_read_view_and_a_transaction_of_the_host) {
 
 TEST_F(Lookups, several_databases_live_side_by_side_and_move_between_threads) {
   Database db = lab();
-  Database other = create(path() + ".other");
+  Database other = create(scratchFile("other.db"));
   (void)db.registerMeter("here");
   std::thread([&, moved = std::move(other)]() mutable {
     (void)moved.registerMeter("there");
   }).join();
   EXPECT_EQ(db.meters().front().serial, "here");
-  EXPECT_EQ(open(path() + ".other").meters().front().serial, "there");
+  EXPECT_EQ(open(scratchFile("other.db")).meters().front().serial, "there");
 }
 
 }  // namespace

@@ -111,18 +111,18 @@ TEST_F(Repairs, orphaned_rows_go_and_come_back) {
 
 TEST_F(Repairs, a_whole_file_has_no_damage_and_comes_over_as_it_is) {
   EXPECT_TRUE(damageOf(path()).empty());
-  const std::string copy = path() + ".new";
+  const std::string copy = scratchFile("new.db");
   EXPECT_TRUE(salvage(path(), copy).isWhole());
   EXPECT_EQ(open(copy).series(meter_, "K").raw, db_.series(meter_, "K").raw);
   (void)failureOf<Exists>([&] { (void)salvage(path(), copy); });
 }
 
 TEST_F(Repairs, a_file_that_never_was_a_database_is_unusable) {
-  const std::string file = path() + ".txt";
+  const std::string file = scratchFile("words.txt");
   std::ofstream(file) << "hello, world\n";
   (void)failureOf<Unusable>([&] { (void)damageOf(file); });
   (void)failureOf<Unusable>([&] { (void)salvage(file); });
-  (void)failureOf<NotFound>([&] { (void)damageOf(path() + ".none"); });
+  (void)failureOf<NotFound>([&] { (void)damageOf(scratchFile("none")); });
 }
 
 TEST_F(Repairs, an_examination_ends_when_it_is_asked_to) {
@@ -139,7 +139,7 @@ TEST_F(Repairs, an_examination_ends_when_it_is_asked_to) {
 }
 
 TEST_F(Repairs, a_salvage_that_is_ended_leaves_nothing_behind) {
-  const std::string there = path() + ".salvaged";
+  const std::string there = scratchFile("salvaged.db");
   int pages = 0;
   Patience patience;
   patience.stopRequested = [&] { return ++pages > 20; };

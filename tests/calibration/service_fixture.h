@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/curve_place.h"
 #include "tests/support/places.h"
 #include "tests/support/scratch_folder.h"
 
@@ -33,7 +34,14 @@ inline std::string exampleData(const std::string& name) {
 
 class ServiceTest : public testing::Test {
  protected:
-  [[nodiscard]] std::string path() const { return folder_.file("curves.db"); }
+  void SetUp() override {
+    if (const std::string lack = pelmora::test::lackOfServer(); !lack.empty()) GTEST_SKIP() << lack;
+  }
+  [[nodiscard]] const std::string& path() const { return path_; }
+  // A file that the test makes.
+  [[nodiscard]] std::string scratchFile(const std::string& name) const {
+    return folder_.file(name);
+  }
   [[nodiscard]] Database lab() { return isMade_ ? open(path()) : made(); }
 
  private:
@@ -43,6 +51,7 @@ class ServiceTest : public testing::Test {
   }
 
   pelmora::test::ScratchFolder folder_;
+  const std::string path_ = pelmora::test::newCurvePlace(folder_);
   bool isMade_ = false;
 };
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "store/field_value.h"
+#include "tests/support/curve_place.h"
 #include "tests/support/operation_test.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/stand_export.h"
@@ -58,6 +59,10 @@ class CurveDatabaseTest : public OperationTest {
     };
   }
 
+  void SetUp() override {
+    if (const std::string lack = lackOfServer(); !lack.empty()) GTEST_SKIP() << lack;
+  }
+
   // Statements that the tested operations are not part of.
   void run(const std::string& statement) { database->execute(statement); }
   Lines lines(const std::string& select) { return linesOf(*database, select); }
@@ -95,7 +100,7 @@ class CurveDatabaseTest : public OperationTest {
   void clearLog() { log_->clear(); }
 
   const ScratchFolder scratch;
-  const std::string path = scratch.file("curves.db");
+  const std::string path = newCurvePlace(scratch);
   const ConnectionPtr database = databaseConnection(path);
 
  private:

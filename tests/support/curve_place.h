@@ -1,0 +1,44 @@
+// Where a test makes its curve database: a file, or, in a second run of the same tests, a database
+// of its own on a server.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tests/support/postgres_server.h"
+#include "tests/support/scratch_folder.h"
+
+#include <cstdlib>
+#include <string>
+
+namespace pelmora::test {
+
+// As pelmora_on_server (cmake/PelmoraTests.cmake) sets it.
+inline bool isRunOnServer() { return std::getenv("PELMORA_TEST_ON_SERVER") != nullptr; }
+
+// Empty unless the run needs a server that is not there: its tests are then skipped.
+inline std::string lackOfServer() {
+  return isRunOnServer() ? PostgresServer::lack() : std::string();
+}
+
+// Making a database on a server takes longer than most tests: all tests of a program have one,
+// which is empty again for each. A program must not have two places at the same time.
+inline std::string newCurvePlace(const ScratchFolder& folder) {
+  if (!isRunOnServer() || !lackOfServer().empty()) return folder.file("curves.db");
+  PostgresServer& server = PostgresServer::running();
+  static std::string name;
+  if (name.empty()) {
+    name = server.newDatabase();
+  } else {
+    // Without a record of its migrations it takes the tables for new ones.
+    server.run(name,
+               "DO $f$ DECLARE t text; isFull boolean; BEGIN "
+               "FOR t IN SELECT tablename FROM pg_tables WHERE schemaname = 'public' LOOP "
+               "EXECUTE format('SELECT EXISTS (SELECT FROM %I)', t) INTO isFull; "
+               "IF isFull THEN EXECUTE format('TRUNCATE %I', t); END IF; END LOOP; "
+               "FOR t IN SELECT sequencename FROM pg_sequences WHERE schemaname = 'public' AND "
+               "last_value IS NOT NULL LOOP EXECUTE format('ALTER SEQUENCE %I RESTART', t); "
+               "END LOOP; END $f$");
+  }
+  return server.address(name);
+}
+
+}  // namespace pelmora::test
