@@ -1,5 +1,6 @@
 // Several processes, and several threads in each, on one database.
 // SPDX-License-Identifier: MIT
+#include "tests/support/curve_place.h"
 #include "tests/support/plain_sqlite.h"
 #include "tests/support/scratch_folder.h"
 
@@ -20,7 +21,17 @@ namespace {
 using Arguments = std::vector<std::string>;
 
 bool isLong() { return std::getenv("PELMORA_STRESS") != nullptr; }
-int rounds() { return isLong() ? 25 : 2; }
+int rounds() {
+  if (isLong()) return 25;
+  return isRunOnServer() ? 1 : 2;
+}
+
+// PELMORA_STRESS_SECONDS asks for another time.
+std::chrono::seconds secondsOfWriting() {
+  const char* seconds = std::getenv("PELMORA_STRESS_SECONDS");
+  if (seconds != nullptr) return std::chrono::seconds(std::atoi(seconds));
+  return std::chrono::seconds(isLong() ? 30 : 3);
+}
 
 // A program that runs beside the test; its output goes to a file.
 class Running {
@@ -60,6 +71,9 @@ class Running {
 
 class shared_database : public testing::Test {
  protected:
+  void SetUp() override {
+    if (const std::string lack = lackOfServer(); !lack.empty()) GTEST_SKIP() << lack;
+  }
   [[nodiscard]] Running program(Arguments arguments, const std::string& output = "out.txt") const {
     arguments.insert(arguments.begin(), PELMORA_PROGRAM);
     return {arguments, scratch.file(output)};
@@ -80,8 +94,19 @@ class shared_database : public testing::Test {
   [[nodiscard]] Arguments raw(const std::string& series, const std::string& csv) const {
     return {"raw", curves, csv, "--meter", "M", "--register", "--series", series};
   }
-  // In a process of its own, which holds no lock and has no connection.
+  // The answer of the engine itself, without the component.
   [[nodiscard]] std::string asked(const std::string& question) const {
+    return isRunOnServer() ? PostgresServer::ask(curves, question) : askedFile(question);
+  }
+  void changed(const std::string& statement) const {
+    if (isRunOnServer()) {
+      (void)PostgresServer::ask(curves, statement);
+    } else {
+      PlainSqlite(curves).run(statement);
+    }
+  }
+  // In a process of its own, which holds no lock and has no connection.
+  [[nodiscard]] std::string askedFile(const std::string& question) const {
     int answer[2];
     if (pipe(answer) != 0) std::abort();
     const pid_t child = fork();
@@ -104,16 +129,18 @@ class shared_database : public testing::Test {
     return text;
   }
   void expectWhole(int series) const {
-    EXPECT_EQ(asked("PRAGMA integrity_check"), "ok");
+    if (!isRunOnServer()) {
+      EXPECT_EQ(asked("PRAGMA integrity_check"), "ok");
+    }
     const std::string count = std::to_string(series);
     // SetRaw whose look-up of the meter is refused says so and stores under no meter.
-    const std::string ofMeters = " FROM series WHERE meterid IN (SELECT ID FROM meter)";
+    const std::string ofMeters = " FROM series WHERE meterid IN (SELECT \"ID\" FROM meter)";
     EXPECT_EQ(asked("SELECT count(*)" + ofMeters), count);
     EXPECT_EQ(asked("SELECT count(DISTINCT name)" + ofMeters), count);
   }
 
   const ScratchFolder scratch;
-  const std::string curves = scratch.file("curves.db");
+  const std::string curves = newCurvePlace(scratch);
 };
 
 TEST_F(shared_database, stays_whole_while_one_process_refits_and_another_stores) {
@@ -125,15 +152,16 @@ TEST_F(shared_database, stays_whole_while_one_process_refits_and_another_stores)
     // Every curve is another one each time, so that each refit stores all of them.
     for (int i = 0; i < series; i += 7)
       done(raw("S" + std::to_string(i), csv[static_cast<std::size_t>(round + 1) % 2]));
-    PlainSqlite(curves).run("DELETE FROM curve");
+    changed("DELETE FROM curve");
     Running refit = program({"refit", curves, "--all", "--jobs", "32"}, "refit.txt");
     for (int i = 0; refit.isAtWork(); i = (i + 1) % series)
       done(raw("S" + std::to_string(i), csv[static_cast<std::size_t>(round) % 2]));
     expectWhole(series);
     EXPECT_EQ(
-        asked("SELECT count(*) FROM (SELECT seriesID FROM raw1 WHERE seriesID IN (SELECT ID FROM "
-              "series WHERE meterid IN (SELECT ID FROM meter)) GROUP BY seriesID "
-              "HAVING count(*) = 30)"),
+        asked(
+            "SELECT count(*) FROM (SELECT \"seriesID\" FROM raw1 WHERE \"seriesID\" IN (SELECT "
+            "\"ID\" FROM series WHERE meterid IN (SELECT \"ID\" FROM meter)) GROUP BY \"seriesID\" "
+            "HAVING count(*) = 30) AS x"),
         std::to_string(series));
     if (HasFailure()) FAIL() << "in round " << round << ": " << text("refit.txt");
   }
@@ -155,9 +183,10 @@ TEST_F(shared_database, stays_whole_while_two_hosts_of_four_threads_store) {
     const int stored = 8 * series * (round + 1);
     expectWhole(stored + 1);
     EXPECT_EQ(
-        asked("SELECT count(*) FROM (SELECT seriesID FROM raw1 WHERE seriesID IN (SELECT ID FROM "
-              "series WHERE meterid IN (SELECT ID FROM meter)) GROUP BY seriesID "
-              "HAVING count(*) = 20)"),
+        asked(
+            "SELECT count(*) FROM (SELECT \"seriesID\" FROM raw1 WHERE \"seriesID\" IN (SELECT "
+            "\"ID\" FROM series WHERE meterid IN (SELECT \"ID\" FROM meter)) GROUP BY \"seriesID\" "
+            "HAVING count(*) = 20) AS x"),
         std::to_string(stored));
     if (HasFailure()) FAIL() << "in round " << round;
   }
@@ -178,17 +207,19 @@ TEST_F(shared_database, gets_no_series_and_no_calibration_twice) {
     EXPECT_EQ(a.exitCode(), 0) << text("a.txt");
     EXPECT_EQ(b.exitCode(), 0) << text("b.txt");
     EXPECT_EQ(asked("SELECT count(*) FROM (SELECT 1 FROM series GROUP BY meterid, name HAVING "
-                    "count(*) > 1)"),
+                    "count(*) > 1) AS x"),
               "0");
-    EXPECT_EQ(asked("SELECT count(*) FROM (SELECT 1 FROM meter GROUP BY SerialNumber, ReCalID "
-                    "HAVING count(*) > 1)"),
+    EXPECT_EQ(asked("SELECT count(*) FROM (SELECT 1 FROM meter GROUP BY \"SerialNumber\", "
+                    "\"ReCalID\" HAVING count(*) > 1) AS x"),
               "0");
     // Every call has added a calibration, and each has its own number: none is missing up to the
     // last. A call that is refused after it has added one is made again, so there may be more.
     const int all = 8 * series * (round + 1);
-    EXPECT_GE(std::stoi(asked("SELECT count(*) FROM meter WHERE SerialNumber = 'Shared'")), all);
-    EXPECT_EQ(asked("SELECT count(*) - max(ReCalID) FROM meter WHERE SerialNumber = 'Shared'"),
-              "1");
+    EXPECT_GE(std::stoi(asked("SELECT count(*) FROM meter WHERE \"SerialNumber\" = 'Shared'")),
+              all);
+    EXPECT_EQ(
+        asked("SELECT count(*) - max(\"ReCalID\") FROM meter WHERE \"SerialNumber\" = 'Shared'"),
+        "1");
     expectWhole(4 * series * (round + 1) + 1);
     if (HasFailure()) FAIL() << "in round " << round;
   }
@@ -196,7 +227,7 @@ TEST_F(shared_database, gets_no_series_and_no_calibration_twice) {
 
 TEST_F(shared_database, is_written_by_twenty_processes_at_once_without_a_refusal) {
   constexpr int writers = 20;
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(isLong() ? 30 : 3);
+  const auto end = std::chrono::steady_clock::now() + secondsOfWriting();
   done({"init", curves});
   done(raw("first", points("a.csv", 2)));
   const std::string csv = scratch.file("a.csv");
