@@ -13,32 +13,6 @@ namespace {
 
 constexpr std::string_view hiddenPassword = "***";
 
-struct Piece {
-  std::size_t begin = 0, size = 0;
-};
-
-// Where the passwords stand, from left to right: behind the user's name, and as parameters.
-std::vector<Piece> passwordsIn(std::string_view location) {
-  std::vector<Piece> pieces;
-  if (!isServerAddress(location)) return pieces;
-  const std::size_t begin = location.find("://") + 3;
-  const std::size_t end = std::min(location.find_first_of("/?", begin), location.size());
-  const std::size_t at = location.substr(0, end).rfind('@');
-  const std::size_t colon = location.find(':', begin);
-  if (at != std::string_view::npos && at >= begin && colon < at)
-    pieces.push_back({colon + 1, at - colon - 1});
-  std::size_t next = location.find('?', begin);
-  for (; next != std::string_view::npos; next = location.find('&', next)) {
-    ++next;
-    for (const std::string_view name : {"password=", "sslpassword="}) {
-      if (!location.substr(next).starts_with(name)) continue;
-      const std::size_t value = next + name.size();
-      pieces.push_back({value, std::min(location.find('&', value), location.size()) - value});
-    }
-  }
-  return pieces;
-}
-
 int hexDigit(char c) {
   if (c >= '0' && c <= '9') return c - '0';
   if (c >= 'a' && c <= 'f') return c - 'a' + 10;
@@ -60,6 +34,32 @@ std::string decoded(std::string_view text) {
     }
   }
   return result;
+}
+
+struct Piece {
+  std::size_t begin = 0, size = 0;
+};
+
+// Where the passwords stand, from left to right: behind the user's name, and as parameters.
+std::vector<Piece> passwordsIn(std::string_view location) {
+  std::vector<Piece> pieces;
+  if (!isServerAddress(location)) return pieces;
+  const std::size_t begin = location.find("://") + 3;
+  const std::size_t end = std::min(location.find_first_of("/?", begin), location.size());
+  const std::size_t at = location.substr(0, end).rfind('@');
+  const std::size_t colon = location.find(':', begin);
+  if (at != std::string_view::npos && at >= begin && colon < at)
+    pieces.push_back({colon + 1, at - colon - 1});
+  std::size_t next = location.find('?', begin);
+  for (; next != std::string_view::npos; next = location.find('&', next)) {
+    ++next;
+    const std::size_t sign = std::min(location.find('=', next), location.size() - 1);
+    const std::string name = decoded(location.substr(next, sign - next));
+    if (name != "password" && name != "sslpassword") continue;
+    const std::size_t value = sign + 1;
+    pieces.push_back({value, std::min(location.find('&', value), location.size()) - value});
+  }
+  return pieces;
 }
 
 void hide(std::string& text, std::string_view secret) {

@@ -24,6 +24,8 @@ TEST(server_address, is_shown_without_its_password) {
             "postgresql:///lab?user=ada&password=***&host=h");
   EXPECT_EQ(shownLocation("postgresql://a:1@h/lab?sslpassword=p&password=q"),
             "postgresql://a:***@h/lab?sslpassword=***&password=***");
+  EXPECT_EQ(shownLocation("postgresql:///lab?pass%77ord=s3cret"),
+            "postgresql:///lab?pass%77ord=***");
   for (const char* plain : {"postgresql://ada@host:5433/lab", "postgresql:///lab", "postgresql://",
                             "postgresql://host/lab?host=a:b@c", "postgresql://[::1]:5432/lab"})
     EXPECT_EQ(shownLocation(plain), plain);
