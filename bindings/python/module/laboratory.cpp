@@ -20,6 +20,7 @@ Laboratory::Laboratory(const Settings& settings)
     stop_->token = observer.stop;
     database_.emplace(settings.isNew ? cal::create(location_, options)
                                      : cal::open(location_, options));
+    location_ = database_->location();  // without the password of an address
   });
   isOpen_ = true;
 }

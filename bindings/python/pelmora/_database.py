@@ -42,7 +42,7 @@ class Database:
 
     @property
     def location(self) -> str:
-        """The location as it was given."""
+        """The location as it was given, except the password of an address."""
         return self._database.location
 
     @property
