@@ -35,7 +35,8 @@ std::string smallLetters() {
   };
   for (char32_t c = firstBeyondAscii; c <= lastWithTwoBytes; ++c) add(c);
   add(capitalSharpS);
-  return "CREATE FUNCTION pelmora_small(t text) RETURNS text LANGUAGE sql IMMUTABLE PARALLEL SAFE "
+  return "CREATE OR REPLACE FUNCTION pelmora_small(t text) RETURNS text LANGUAGE sql IMMUTABLE "
+         "PARALLEL SAFE "
          "AS $f$ SELECT CASE WHEN octet_length(t) = char_length(t) THEN lower(t COLLATE \"C\") "
          "ELSE translate(lower(t COLLATE \"C\"), " +
          quotedText(capitals) + ", " + quotedText(smalls) + ") END $f$";
@@ -44,7 +45,7 @@ std::string smallLetters() {
 namespace function {
 
 constexpr const char* numberOfText = R"sql(
-CREATE FUNCTION pelmora_number(t text) RETURNS double precision
+CREATE OR REPLACE FUNCTION pelmora_number(t text) RETURNS double precision
 LANGUAGE plpgsql IMMUTABLE STRICT PARALLEL SAFE AS $f$
 BEGIN
   IF t ~ '^ *[-+]?([0-9]+[.]?[0-9]*|[.][0-9]+)([eE][-+]?[0-9]+)? *$' THEN
@@ -54,11 +55,11 @@ BEGIN
 END $f$)sql";
 
 constexpr const char* numberOfJson = R"sql(
-CREATE FUNCTION pelmora_number(v jsonb) RETURNS double precision
+CREATE OR REPLACE FUNCTION pelmora_number(v jsonb) RETURNS double precision
 LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE AS $f$ SELECT pelmora_number(v #>> '{}') $f$)sql";
 
 constexpr const char* wholeNumber = R"sql(
-CREATE FUNCTION pelmora_whole(v double precision) RETURNS bigint
+CREATE OR REPLACE FUNCTION pelmora_whole(v double precision) RETURNS bigint
 LANGUAGE plpgsql IMMUTABLE STRICT PARALLEL SAFE AS $f$
 BEGIN
   IF v <> trunc(v) THEN RAISE EXCEPTION 'not a whole number' USING ERRCODE = 'PE013'; END IF;
@@ -67,7 +68,7 @@ END $f$)sql";
 
 // Whole as long as 64 bits hold it, and a real number from there on.
 constexpr const char* wholeResult = R"sql(
-CREATE FUNCTION pelmora_whole_result(op text, a numeric, b numeric) RETURNS numeric
+CREATE OR REPLACE FUNCTION pelmora_whole_result(op text, a numeric, b numeric) RETURNS numeric
 LANGUAGE plpgsql IMMUTABLE STRICT PARALLEL SAFE AS $f$
 DECLARE
   r numeric := CASE op WHEN '+' THEN a + b WHEN '-' THEN a - b ELSE a * b END;
@@ -83,7 +84,7 @@ END $f$)sql";
 // The server refuses a result that is too small for a number; the dialect makes it 0. Where that
 // cannot happen its own operator is used.
 constexpr const char* timesNearZero = R"sql(
-CREATE FUNCTION pelmora_times_near_zero(a double precision, b double precision)
+CREATE OR REPLACE FUNCTION pelmora_times_near_zero(a double precision, b double precision)
 RETURNS double precision LANGUAGE plpgsql IMMUTABLE STRICT PARALLEL SAFE AS $f$
 BEGIN
   RETURN a * b;
@@ -93,13 +94,13 @@ EXCEPTION WHEN numeric_value_out_of_range THEN
 END $f$)sql";
 
 constexpr const char* times = R"sql(
-CREATE FUNCTION pelmora_times(a double precision, b double precision) RETURNS double precision
+CREATE OR REPLACE FUNCTION pelmora_times(a double precision, b double precision) RETURNS double precision
 LANGUAGE sql IMMUTABLE PARALLEL SAFE AS $f$
   SELECT CASE WHEN a = 0 OR b = 0 OR (abs(a) > 1e-150 AND abs(b) > 1e-150) THEN a * b
               ELSE pelmora_times_near_zero(a, b) END $f$)sql";
 
 constexpr const char* overNearZero = R"sql(
-CREATE FUNCTION pelmora_over_near_zero(a double precision, b double precision)
+CREATE OR REPLACE FUNCTION pelmora_over_near_zero(a double precision, b double precision)
 RETURNS double precision LANGUAGE plpgsql IMMUTABLE STRICT PARALLEL SAFE AS $f$
 BEGIN
   RETURN a / b;
@@ -109,13 +110,13 @@ EXCEPTION WHEN numeric_value_out_of_range THEN
 END $f$)sql";
 
 constexpr const char* over = R"sql(
-CREATE FUNCTION pelmora_over(a double precision, b double precision) RETURNS double precision
+CREATE OR REPLACE FUNCTION pelmora_over(a double precision, b double precision) RETURNS double precision
 LANGUAGE sql IMMUTABLE PARALLEL SAFE AS $f$
   SELECT CASE WHEN a = 0 OR b = 0 OR (abs(a) > 1e-150 AND abs(b) < 1e150) THEN a / b
               ELSE pelmora_over_near_zero(a, b) END $f$)sql";
 
 constexpr const char* power = R"sql(
-CREATE FUNCTION pelmora_power(a double precision, b double precision) RETURNS double precision
+CREATE OR REPLACE FUNCTION pelmora_power(a double precision, b double precision) RETURNS double precision
 LANGUAGE plpgsql IMMUTABLE STRICT PARALLEL SAFE AS $f$
 BEGIN
   IF a = 0 AND b < 0 THEN RAISE EXCEPTION 'division by zero' USING ERRCODE = '22012'; END IF;
@@ -129,29 +130,29 @@ EXCEPTION WHEN numeric_value_out_of_range THEN
 END $f$)sql";
 
 constexpr const char* textOfNumber = R"sql(
-CREATE FUNCTION pelmora_text(v double precision) RETURNS text
+CREATE OR REPLACE FUNCTION pelmora_text(v double precision) RETURNS text
 LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE SET extra_float_digits = 0 AS
 $f$ SELECT CASE WHEN v = 0 THEN '0' ELSE upper(v::text) END $f$)sql";
 
 constexpr const char* textOfJson = R"sql(
-CREATE FUNCTION pelmora_text(v jsonb) RETURNS text
+CREATE OR REPLACE FUNCTION pelmora_text(v jsonb) RETURNS text
 LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE AS
 $f$ SELECT CASE WHEN jsonb_typeof(v) = 'number' AND (v #>> '{}') ~ '[.]'
                 THEN pelmora_text((v #>> '{}')::double precision) ELSE v #>> '{}' END $f$)sql";
 
 constexpr const char* jsonOfNumber = R"sql(
-CREATE FUNCTION pelmora_json(v double precision) RETURNS jsonb
+CREATE OR REPLACE FUNCTION pelmora_json(v double precision) RETURNS jsonb
 LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE AS
 $f$ SELECT CASE WHEN v = trunc(v) AND abs(v) < 1e18 THEN (v::bigint::text || '.0')::jsonb
                 ELSE v::text::jsonb END $f$)sql";
 
 constexpr const char* joined = R"sql(
-CREATE FUNCTION pelmora_joined(a text, b text) RETURNS text LANGUAGE sql IMMUTABLE PARALLEL SAFE AS
+CREATE OR REPLACE FUNCTION pelmora_joined(a text, b text) RETURNS text LANGUAGE sql IMMUTABLE PARALLEL SAFE AS
 $f$ SELECT CASE WHEN a IS NULL AND b IS NULL THEN NULL
                 ELSE coalesce(a, '') || coalesce(b, '') END $f$)sql";
 
 constexpr const char* plus = R"sql(
-CREATE FUNCTION pelmora_plus(a jsonb, b jsonb) RETURNS jsonb
+CREATE OR REPLACE FUNCTION pelmora_plus(a jsonb, b jsonb) RETURNS jsonb
 LANGUAGE plpgsql IMMUTABLE STRICT PARALLEL SAFE AS $f$
 BEGIN
   IF jsonb_typeof(a) = 'string' AND jsonb_typeof(b) = 'string' THEN
@@ -166,7 +167,7 @@ END $f$)sql";
 // The pattern becomes a regular expression on small letters. Members of a set are written by their
 // codes, so that none of them means something else there.
 constexpr const char* like = R"sql(
-CREATE FUNCTION pelmora_like(t text, pattern text) RETURNS boolean
+CREATE OR REPLACE FUNCTION pelmora_like(t text, pattern text) RETURNS boolean
 LANGUAGE plpgsql IMMUTABLE STRICT PARALLEL SAFE AS $f$
 DECLARE
   small text := pelmora_small(pattern);
@@ -222,7 +223,7 @@ BEGIN
 END $f$)sql";
 
 constexpr const char* compare = R"sql(
-CREATE FUNCTION pelmora_compare(a jsonb, b jsonb) RETURNS integer
+CREATE OR REPLACE FUNCTION pelmora_compare(a jsonb, b jsonb) RETURNS integer
 LANGUAGE plpgsql IMMUTABLE STRICT PARALLEL SAFE AS $f$
 DECLARE
   x text COLLATE "C";
@@ -240,7 +241,7 @@ BEGIN
 END $f$)sql";
 
 constexpr const char* loose = R"sql(
-CREATE FUNCTION pelmora_loose(v jsonb) RETURNS jsonb
+CREATE OR REPLACE FUNCTION pelmora_loose(v jsonb) RETURNS jsonb
 LANGUAGE plpgsql IMMUTABLE STRICT PARALLEL SAFE AS $f$
 BEGIN
   IF jsonb_typeof(v) = 'number' THEN RETURN v; END IF;
@@ -249,7 +250,7 @@ EXCEPTION WHEN SQLSTATE 'PE013' THEN RETURN v;
 END $f$)sql";
 
 constexpr const char* truth = R"sql(
-CREATE FUNCTION pelmora_truth(v jsonb) RETURNS boolean
+CREATE OR REPLACE FUNCTION pelmora_truth(v jsonb) RETURNS boolean
 LANGUAGE plpgsql IMMUTABLE STRICT PARALLEL SAFE AS $f$
 BEGIN
   RETURN pelmora_number(v) <> 0;
