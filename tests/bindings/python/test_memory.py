@@ -82,7 +82,7 @@ def test_references_are_given_back():
 
     counted = [roshko, strouhal, progress]
     before = [sys.getrefcount(value) for value in counted]
-    for _ in range(100):
+    for _ in range(30):
         pelmora.fit(roshko, strouhal, progress=progress)
     gc.collect()
     assert [sys.getrefcount(value) for value in counted] == before
