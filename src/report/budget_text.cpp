@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "report/budget_text.h"
 
-#include "base/readable_number.h"
+#include "report/printed_values.h"
 
 namespace pelmora::report {
 
 std::string expandedPercentText(const std::optional<calibration::Budget>& budget) {
-  // Rounded already: printed as it is.
-  constexpr int allDigits = 12;
-  return budget ? significantText(budget->roundedPercent(), allDigits) : "-";
+  return budget ? printedUncertainty(budget->roundedPercent()) : "-";
 }
 
 }  // namespace pelmora::report

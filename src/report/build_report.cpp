@@ -97,6 +97,7 @@ class SeriesBuilder {
     report_.curveAge = stored_.age;
     addFit();
     addPoints();
+    addUncertainty();
     addComparison();
     return std::move(report_);
   }
@@ -156,6 +157,37 @@ class SeriesBuilder {
     }
     report_.result =
         resultOf(report_.parts, report_.curve.empty() ? std::nullopt : limitOf(input_.details));
+  }
+
+  void addUncertainty() {
+    UncertaintyStatement& made = report_.uncertainty;
+    if (report_.curve.empty()) {
+      made.whyNone = "no curve is stored";
+    } else if (series_.fitted) {
+      made = statementOf(*series_.fitted);
+    } else {
+      made.whyNone =
+          series_.fittedTrouble.empty() ? "that of the curve is not known" : series_.fittedTrouble;
+    }
+    if (made.isStated()) addPointUncertainties();
+  }
+
+  void addPointUncertainties() {
+    std::vector<MeasuredPoint*> used;
+    std::vector<double> roshko, strouhal;
+    for (RawPart& part : report_.parts) {
+      for (MeasuredPoint& point : part.points) {
+        if (point.state != calibration::PointState::used) continue;
+        used.push_back(&point);
+        roshko.push_back(point.roshko);
+        strouhal.push_back(point.strouhal);
+      }
+    }
+    const auto budgets = series_.fitted->measured(roshko, strouhal);
+    std::vector<std::optional<StatedUncertainty>> all;
+    for (const auto& budget : budgets) all.push_back(stated(budget));
+    report_.pointUncertainty = spanOf(all);
+    for (std::size_t i = 0; i < used.size(); ++i) used[i]->uncertainty = all[i];
   }
 
   void addFit() {

@@ -30,6 +30,10 @@ struct SeriesInput {
   CurveSettings settings;
   bool settingsAreKept = false;
   Refit refit;
+  // The curve behind the stored table, for its uncertainty; absent if there is none, with the
+  // reason as a clause.
+  std::optional<calibration::FittedCurve> fitted{};
+  std::string fittedTrouble{};
   // Of the latest earlier calibration that has a curve of this series.
   std::optional<PreviousSeries> previous;
 };

@@ -49,6 +49,19 @@ std::string unsignedText(std::string text) {
   return text;
 }
 
+std::string probabilityText(double probability) { return significantText(probability, 4); }
+
+// Of a column, whose values all have one.
+dcc::Uncertainties uncertaintiesOf(const std::vector<const StatedUncertainty*>& all) {
+  dcc::Uncertainties made;
+  for (const StatedUncertainty* each : all) {
+    made.values.push_back(printedUncertainty(each->expanded));
+    made.coverageFactors.push_back(printedCoverageFactor(each->coverageFactor));
+    made.probability = probabilityText(each->probability);
+  }
+  return made;
+}
+
 class PointColumns {
  public:
   PointColumns(const Report& report, const SeriesReport& series) : report_(report) {
@@ -76,6 +89,16 @@ class PointColumns {
     add(name, detailOf(report_, unitKey), false, [&](const MeasuredPoint& point) {
       return text(point.reading.value_or(StandReading()).*member);
     });
+  }
+  // To the last column, if it was not left out.
+  void addUncertainties(const std::string& name) {
+    if (columns_.empty() || columns_.back().name != name) return;
+    std::vector<const StatedUncertainty*> all;
+    for (const MeasuredPoint* point : used_) {
+      if (!point->uncertainty) return;
+      all.push_back(&*point->uncertainty);
+    }
+    columns_.back().uncertainties = uncertaintiesOf(all);
   }
   [[nodiscard]] std::vector<dcc::Column> take() { return std::move(columns_); }
 
@@ -111,6 +134,7 @@ dcc::Result pointsResult(const Report& report, const SeriesReport& series,
                      printedViscosity);
   columns.add(valueName(series), units.value, false,
               [](const MeasuredPoint& point) { return printedFactor(point.strouhal); });
+  columns.addUncertainties(valueName(series));
   if (!series.curve.empty()) {
     columns.add("Deviation from the curve", "%", false, [](const MeasuredPoint& point) {
       return printedDeviation(point.deviationPercent);
@@ -126,6 +150,11 @@ dcc::Result curveResult(const SeriesReport& series, const SeriesUnits& units) {
   for (const CurvePoint& point : series.curve) {
     roshko.values.push_back(printedRoshko(point.roshko));
     value.values.push_back(printedFactor(point.strouhal));
+  }
+  if (series.uncertainty.isStated()) {
+    std::vector<const StatedUncertainty*> all;
+    for (const auto& each : series.uncertainty.curve) all.push_back(&*each);
+    value.uncertainties = uncertaintiesOf(all);
   }
   return {series.name + ": calibration curve",
           "To be read linearly between its points" +
@@ -145,7 +174,9 @@ std::string statementOf(const SeriesReport& series) {
             significantText(*result.limitPercent, 4) +
             " %, simple acceptance without regard to the uncertainty";
   }
-  return text + ".";
+  text += ". " + uncertaintyText(series.uncertainty);
+  const std::string points = pointUncertaintyText(series.uncertainty, series.pointUncertainty);
+  return text + (points.empty() ? "" : " Of the measured points: " + points);
 }
 
 void addConditions(const Report& report, dcc::Certificate& certificate) {
@@ -190,7 +221,6 @@ dcc::Certificate certificateOf(const Report& report) {
     }
     made.statements.push_back(statementOf(series));
   }
-  if (!made.results.empty()) made.statements.emplace_back("Expanded uncertainties are not stated.");
   for (const std::string& line : detailLines(report, "remark")) made.statements.push_back(line);
   return made;
 }

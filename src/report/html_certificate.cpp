@@ -150,13 +150,40 @@ std::string magnitude(const std::optional<double>& percent) {
   return percent ? fixedText(*percent < 0 ? -*percent : *percent, 3) : "-";
 }
 
+// What U means, for all series that have one, and why the others have none.
+std::string uncertaintyNote(const Report& report) {
+  std::optional<UncertaintySpan> all;
+  const UncertaintyStatement* first = nullptr;
+  std::string none;
+  for (const SeriesReport& series : report.series) {
+    const UncertaintyStatement& u = series.uncertainty;
+    if (!u.isStated()) {
+      none +=
+          (none.empty() ? "No U is stated for " : "; none for ") + series.name + ": " + u.whyNone;
+      continue;
+    }
+    if (!all) all = u.span;
+    all->lowestFactor = std::min(all->lowestFactor, u.span.lowestFactor);
+    all->highestFactor = std::max(all->highestFactor, u.span.highestFactor);
+    if (first == nullptr) first = &u;
+  }
+  std::string text;
+  if (first != nullptr) {
+    UncertaintyStatement together = *first;
+    together.span = *all;
+    text = uncertaintyText(together);
+  }
+  if (none.empty()) return text;
+  return text + (text.empty() ? "" : " ") + none + ".";
+}
+
 // What the numbers of the table mean, and which curve they refer to.
 std::string resultNotes(const Report& report) {
   const auto any = [&](auto has) { return std::ranges::any_of(report.series, has); };
   std::string text =
       "Deviations are those of the used points from the stored curve, whose table is read linearly "
       "between its points; PASS and FAIL compare the largest one with the limit, without regard to "
-      "the uncertainty (simple acceptance). Mean K: half the sum of the largest and the smallest "
+      "the uncertainty U (simple acceptance). Mean K: half the sum of the largest and the smallest "
       "value; linearity: half their difference.";
   if (any([](const SeriesReport& s) { return s.result.repeatabilityPercent.has_value(); })) {
     text +=
@@ -169,7 +196,7 @@ std::string resultNotes(const Report& report) {
   }
   if (any([](const SeriesReport& s) { return s.attempt.has_value(); }))
     text += " Series without a stored curve: deviations from the curve that is drawn.";
-  text += " Expanded uncertainty U: not stated.";
+  text += " " + uncertaintyNote(report);
   std::string missing = detailOf(report, "roshko-unit").empty() ? "Roshko" : "";
   if (detailOf(report, "strouhal-unit").empty())
     missing += missing.empty() ? "Strouhal" : " and Strouhal";
@@ -206,6 +233,7 @@ std::string htmlResults(const Report& report) {
                    {"Linearity \u00B1 %", true},
                    {"Largest dev. %", true},
                    {"Limit \u00B1 %", true},
+                   {"U %", true},
                    {"Repeat. %", true},
                    {"Hyst. %", true},
                    {"Used / cut / excl.", true}},
@@ -218,6 +246,7 @@ std::string htmlResults(const Report& report) {
                   isFactor ? printedFactor(*r.meanFactor) : "-",
                   isFactor ? magnitude(r.linearityPercent) : "-", percentOrNone(r.worstPercent),
                   r.limitPercent ? significantText(*r.limitPercent, 4) : "-",
+                  series.uncertainty.isStated() ? percentSpanText(series.uncertainty.span) : "-",
                   magnitude(r.repeatabilityPercent), magnitude(r.hysteresisPercent),
                   std::to_string(r.used) + " / " + std::to_string(r.cut) + " / " +
                       std::to_string(r.excluded)},

@@ -20,11 +20,16 @@ using calibration::StandReading;
 
 // Which columns have anything to show.
 struct ShownColumns {
-  bool readings = false, nominalFlow = false;
+  bool readings = false, nominalFlow = false, uncertainty = false, factor = false;
 };
 
 ShownColumns columnsOf(const SeriesReport& series) {
   ShownColumns shown;
+  if (const auto& span = series.pointUncertainty) {
+    shown.uncertainty = true;
+    shown.factor =
+        printedCoverageFactor(span->lowestFactor) != printedCoverageFactor(span->highestFactor);
+  }
   for (const RawPart& part : series.parts) {
     for (const MeasuredPoint& point : part.points) {
       if (!point.reading) continue;
@@ -48,9 +53,10 @@ std::vector<HtmlColumn> pointColumns(const Report& report, const SeriesReport& s
   }
   columns.insert(columns.end(),
                  {{withUnit(report, "Roshko", "roshko-unit"), true},
-                  {isQuotient(series) ? "Ratio" : withUnit(report, "K", "strouhal-unit"), true},
-                  {"Dev. %", true},
-                  {"State", false}});
+                  {isQuotient(series) ? "Ratio" : withUnit(report, "K", "strouhal-unit"), true}});
+  if (shown.uncertainty) columns.push_back({"U", true});
+  if (shown.factor) columns.push_back({"k", true});
+  columns.insert(columns.end(), {{"Dev. %", true}, {"State", false}});
   return columns;
 }
 
@@ -63,9 +69,12 @@ std::vector<std::string> cellsOf(const MeasuredPoint& point, const ShownColumns&
                  {printedFrequency(reading.frequency), printedFlow(reading.flow),
                   printedTemperature(reading.temperature), printedViscosity(reading.viscosity)});
   }
+  cells.insert(cells.end(), {printedRoshko(point.roshko), printedFactor(point.strouhal)});
+  const auto& u = point.uncertainty;
+  if (shown.uncertainty) cells.push_back(u ? printedUncertainty(u->expanded) : "-");
+  if (shown.factor) cells.push_back(u ? printedCoverageFactor(u->coverageFactor) : "-");
   cells.insert(cells.end(),
-               {printedRoshko(point.roshko), printedFactor(point.strouhal),
-                printedDeviation(point.deviationPercent), calibration::pointStateKey(point.state)});
+               {printedDeviation(point.deviationPercent), calibration::pointStateKey(point.state)});
   return cells;
 }
 
@@ -144,7 +153,9 @@ std::string htmlPoints(const Report& report, const SeriesReport& series) {
             " points are not listed here, only those that deviate most, are suspect or are not "
             "used. The report's JSON, CSV and workbook have all of them.</p>\n";
   }
-  return "<h3>Measured points</h3>\n" + html;
+  const std::string about = pointUncertaintyText(series.uncertainty, series.pointUncertainty);
+  return "<h3>Measured points</h3>\n" +
+         (about.empty() ? "" : "<p class=\"fine\">" + escaped(about) + "</p>\n") + html;
 }
 
 std::string htmlFlows(const Report& report, const SeriesReport& series) {

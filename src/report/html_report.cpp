@@ -56,8 +56,8 @@ std::string paperStyle() {
   return ".blocks,.pair{display:table;width:100%}.block,.pair>div{display:table-cell;"
          "padding-right:5mm}.block{width:33%}.pair>div{width:50%}dl.facts{display:block}"
          ".sign{display:table;width:100%;table-layout:fixed;border-spacing:6mm 0;margin:9mm 0 2mm}"
-         ".sign div{display:table-cell;font-size:8pt;border-top:.3mm solid #4a5666}#series-1 "
-         ".plot{width:62%}"
+         ".sign div{display:table-cell;font-size:8pt;border-top:.3mm solid #4a5666}"
+         ".front .plot{width:62%}#series-1 .sheet{break-before:auto}"
          ".legend li,.legend .key{display:inline}.legend "
          "li{margin-right:5mm}"
          ".scroll{overflow:visible}";
@@ -187,8 +187,10 @@ std::string htmlReport(const Report& report, const PageOptions& options) {
           "<main>\n<svg width=\"0\" height=\"0\" aria-hidden=\"true\" class=\"defs\">" +
           plotDefinitions() + "</svg>\n" + htmlResults(report) + remarkLines(report) +
           signatures(report);
+  if (options.isPaper && !report.series.empty())
+    html += "<div class=\"front\">" + htmlPicture(report.series.front(), options) + "</div>\n";
   for (std::size_t i = 0; i < report.series.size(); ++i)
-    html += htmlSeries(report, report.series[i], sectionId(i), options);
+    html += htmlSeries(report, report.series[i], sectionId(i), i == 0, options);
   html += "<footer>\n<h2>Origin</h2>\n" + runs(report) + changes(report) + origin(report) +
           "</footer>\n</main>\n";
   return html + (isScripted ? scripts(report) : "") + "</body>\n</html>\n";

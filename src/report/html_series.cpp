@@ -2,6 +2,7 @@
 #include "report/html_series.h"
 
 #include "base/readable_number.h"
+#include "report/html_budget.h"
 #include "report/html_equations.h"
 #include "report/html_points.h"
 #include "report/html_table.h"
@@ -100,19 +101,29 @@ std::string caption(const SeriesReport& series) {
          "; below, their distance from it in per cent.";
 }
 
-std::string plot(const SeriesReport& series, const PageOptions& options) {
-  const std::string picture = seriesPlot(series);
-  return "<figure class=\"fig\">" + legend(series, options) + "<div class=\"box\">" +
-         (options.isPaper ? paperPicture(picture) : picture + controls(series)) + "</div>\n" +
-         (options.isPaper ? "" : tools()) + "<figcaption>" + escaped(caption(series)) +
-         "</figcaption></figure>\n";
+// Which columns of the predicted table have anything to show.
+struct TableColumns {
+  bool uncertainty = false, factor = false, bands = false;
+};
+
+TableColumns tableColumns(const SeriesReport& series) {
+  TableColumns shown;
+  const UncertaintyStatement& statement = series.uncertainty;
+  shown.uncertainty = statement.isStated();
+  shown.factor = shown.uncertainty && printedCoverageFactor(statement.span.lowestFactor) !=
+                                          printedCoverageFactor(statement.span.highestFactor);
+  shown.bands = std::ranges::any_of(
+      series.curve, [](const CurvePoint& p) { return p.confidence || p.prediction; });
+  return shown;
 }
 
 std::string halfOfTable(const SeriesReport& series, std::size_t begin, std::size_t end,
-                        bool hasBands) {
+                        const TableColumns& shown) {
   std::vector<HtmlColumn> columns{
       {"No.", true}, {series.roshkoTitle, true}, {series.valueTitle, true}};
-  if (hasBands) columns.insert(columns.end(), {{"\u00B1 conf.", true}, {"\u00B1 pred.", true}});
+  if (shown.uncertainty) columns.push_back({"U", true});
+  if (shown.factor) columns.push_back({"k", true});
+  if (shown.bands) columns.insert(columns.end(), {{"\u00B1 conf.", true}, {"\u00B1 pred.", true}});
   HtmlTable table(
       "Predicted table, points " + std::to_string(begin + 1) + " to " + std::to_string(end),
       columns, "points predicted");
@@ -120,7 +131,12 @@ std::string halfOfTable(const SeriesReport& series, std::size_t begin, std::size
     const CurvePoint& point = series.curve[i];
     std::vector<std::string> cells{std::to_string(i + 1), printedRoshko(point.roshko),
                                    printedFactor(point.strouhal)};
-    if (hasBands) {
+    if (shown.uncertainty) {
+      const StatedUncertainty& u = *series.uncertainty.curve[i];
+      cells.push_back(printedUncertainty(u.expanded));
+      if (shown.factor) cells.push_back(printedCoverageFactor(u.coverageFactor));
+    }
+    if (shown.bands) {
       for (const auto& half : {point.confidence, point.prediction})
         cells.push_back(half ? significantText(*half, halfWidthDigits) : "-");
     }
@@ -131,26 +147,18 @@ std::string halfOfTable(const SeriesReport& series, std::size_t begin, std::size
 
 std::string predictedTable(const SeriesReport& series) {
   if (series.curve.empty()) return {};
-  const bool hasBands =
-      std::any_of(series.curve.begin(), series.curve.end(),
-                  [](const CurvePoint& p) { return p.confidence || p.prediction; });
+  const TableColumns shown = tableColumns(series);
   const std::size_t half = (series.curve.size() + 1) / 2;
-  return "<h3>Predicted table</h3>\n" +
-         std::string(hasBands ? "<p class=\"fine\">With the half widths of the 95 % confidence "
-                                "band of the curve and of the "
-                                "95 % prediction band of a further measurement.</p>\n"
-                              : "") +
-         "<div class=\"pair" + std::string(series.curve.size() <= onePage ? " keep" : "") + "\">" +
-         halfOfTable(series, 0, half, hasBands) +
-         (half < series.curve.size() ? halfOfTable(series, half, series.curve.size(), hasBands)
-                                     : "") +
+  const std::string bands =
+      shown.bands ? "<p class=\"fine\">With the half widths of the 95 % confidence band of the "
+                    "curve and of the 95 % prediction band of a further measurement, which contain "
+                    "the scatter of the points alone.</p>\n"
+                  : "";
+  return "<h3>Predicted table</h3>\n" + bands + "<div class=\"pair" +
+         std::string(series.curve.size() <= onePage ? " keep" : "") + "\">" +
+         halfOfTable(series, 0, half, shown) +
+         (half < series.curve.size() ? halfOfTable(series, half, series.curve.size(), shown) : "") +
          "</div>\n";
-}
-
-std::string budget(const SeriesReport& series) {
-  if (series.curve.empty()) return {};
-  return "<h3>Uncertainty budget</h3>\n<p>Not stated; the bands are those of the "
-         "fit alone.</p>\n";
 }
 
 std::string comparison(const SeriesReport& series, const PageOptions& options) {
@@ -174,13 +182,23 @@ std::string comparison(const SeriesReport& series, const PageOptions& options) {
 
 }  // namespace
 
+std::string htmlPicture(const SeriesReport& series, const PageOptions& options) {
+  const std::string picture = seriesPlot(series);
+  const std::string words = caption(series);
+  return "<figure class=\"fig\">" + legend(series, options) + "<div class=\"box\">" +
+         (options.isPaper ? paperPicture(picture) : picture + controls(series)) + "</div>\n" +
+         (options.isPaper ? "" : tools()) + "<figcaption>" +
+         escaped(options.isPaper ? series.name + ". " + words : words) + "</figcaption></figure>\n";
+}
+
 std::string htmlSeries(const Report& report, const SeriesReport& series, const std::string& id,
-                       const PageOptions& options) {
-  std::string html = "<section class=\"series\" id=\"" + id + "\">\n<h2>" + escaped(series.name) +
-                     "</h2>\n" + remarks(series) + plot(series, options) + "<div class=\"sheet\">" +
-                     htmlPoints(report, series) + htmlFlows(report, series) + "</div>\n" +
-                     predictedTable(series) + budget(series) + htmlEquations(series) +
-                     comparison(series, options) + settings(series);
+                       bool isFirst, const PageOptions& options) {
+  std::string html =
+      "<section class=\"series\" id=\"" + id + "\">\n<h2>" + escaped(series.name) + "</h2>\n" +
+      remarks(series) + (options.isPaper && isFirst ? "" : htmlPicture(series, options)) +
+      "<div class=\"sheet\">" + htmlPoints(report, series) + htmlFlows(report, series) +
+      "</div>\n" + predictedTable(series) + htmlBudget(series) + htmlEquations(series) +
+      comparison(series, options) + settings(series);
   if (options.withStoredText && !series.storedText.empty()) {
     html += "<details><summary>Stored report</summary><pre>" + escaped(series.storedText) +
             "</pre></details>\n";

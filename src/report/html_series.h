@@ -15,7 +15,12 @@ struct PageOptions {
   bool isPaper = false;
 };
 
+// The plot of a series with its legend and caption.
+[[nodiscard]] std::string htmlPicture(const SeriesReport& series, const PageOptions& options);
+
+// On paper, the picture of the first series is not in its section: it belongs to the first page.
 [[nodiscard]] std::string htmlSeries(const Report& report, const SeriesReport& series,
-                                     const std::string& id, const PageOptions& options);
+                                     const std::string& id, bool isFirst,
+                                     const PageOptions& options);
 
 }  // namespace pelmora::report

@@ -2,6 +2,7 @@
 #include "report/json_report.h"
 
 #include "report/json_null.h"
+#include "report/json_uncertainty.h"
 #include "report/json_values.h"
 
 #include <nlohmann/json.hpp>
@@ -41,6 +42,7 @@ json rawPointsJson(const std::vector<RawPart>& parts) {
     for (const MeasuredPoint& point : part.points) {
       list.push_back(rawPointJson(point));
       list.back()["deviationPercent"] = orNull(point.deviationPercent);
+      addUncertainty(list.back(), point.uncertainty);
     }
   }
   return list;
@@ -85,13 +87,16 @@ json attemptJson(const std::optional<Attempt>& attempt) {
           {"curve", pointsJson(attempt->curve)}};
 }
 
-json curveJson(const std::vector<CurvePoint>& curve) {
+json curveJson(const SeriesReport& series) {
   json list = json::array();
-  for (const CurvePoint& point : curve) {
+  for (const CurvePoint& point : series.curve) {
     list.push_back({{"roshko", point.roshko},
                     {"strouhal", point.strouhal},
                     {"confidenceHalfWidth", orNull(point.confidence)},
                     {"predictionHalfWidth", orNull(point.prediction)}});
+    const auto& uncertainties = series.uncertainty.curve;
+    const std::size_t i = list.size() - 1;
+    addUncertainty(list.back(), i < uncertainties.size() ? uncertainties[i] : std::nullopt);
   }
   return list;
 }
@@ -168,7 +173,8 @@ json seriesJson(const SeriesReport& series) {
           {"result", resultJson(series.result)},
           {"attempt", attemptJson(series.attempt)},
           {"curveAge", calibration::curveAgeKey(series.curveAge)},
-          {"curve", curveJson(series.curve)},
+          {"curve", curveJson(series)},
+          {"uncertainty", uncertaintyJson(series.uncertainty, series.pointUncertainty)},
           {"settings", settingsJson(series)},
           {"equations", equations},
           {"chosen", orNull(series.chosen)},

@@ -61,6 +61,21 @@ std::vector<Meter> earlierCalibrations(const Database& lab, const Meter& meter) 
   return list;
 }
 
+// The curve behind the stored table. Whatever keeps it from being known keeps no report.
+void addFittedCurve(const Database& lab, const calibration::Repeated& repeated,
+                    SeriesInput& series) {
+  if (series.stored.curve.empty()) return;
+  try {
+    series.fitted = lab.fittedCurve(series.stored, repeated);
+  } catch (const calibration::BadData& failure) {
+    series.fittedTrouble = failure.what();
+  } catch (const calibration::NoCurve& failure) {
+    series.fittedTrouble = failure.what();
+  } catch (const calibration::NoFit& failure) {
+    series.fittedTrouble = failure.what();
+  }
+}
+
 ReportInput inputOf(const Database& lab, const Meter& meter,
                     const calibration::ReportOptions& options) {
   ReportInput input;
@@ -79,13 +94,15 @@ ReportInput inputOf(const Database& lab, const Meter& meter,
   for (const StoredSeries& stored : all) {
     const calibration::Repeated repeated = lab.repeat(stored, options.unkept, options.observer);
     const EquationOutcome* nearest = nearestEquation(repeated.fit);
-    input.series.push_back({stored,
-                            lab.points(stored),
-                            repeated.settings,
-                            repeated.settingsAreKept,
-                            {repeated.fit.outcome, repeated.fit.curve, repeated.trouble,
-                             nearest == nullptr ? "" : nearest->Name},
-                            previousOf(lab, earlier, stored.name)});
+    SeriesInput& series = input.series.emplace_back();
+    series.stored = stored;
+    series.points = lab.points(stored);
+    series.settings = repeated.settings;
+    series.settingsAreKept = repeated.settingsAreKept;
+    series.refit = {repeated.fit.outcome, repeated.fit.curve, repeated.trouble,
+                    nearest == nullptr ? "" : nearest->Name};
+    addFittedCurve(lab, repeated, series);
+    series.previous = previousOf(lab, earlier, stored.name);
   }
   return input;
 }

@@ -2,6 +2,7 @@
 #include "report/point_tables.h"
 
 #include "report/table_values.h"
+#include "report/uncertainty_tables.h"
 
 namespace pelmora::report {
 
@@ -67,6 +68,7 @@ ReportTable pointsTable(const Report& report) {
                      "user",
                      "excludedAt"},
                     {}};
+  for (const std::string& name : uncertaintyColumns()) table.columns.push_back(name);
   for (const SeriesReport& series : report.series) {
     for (const RawPart& part : series.parts) {
       for (const MeasuredPoint& point : part.points) {
@@ -92,6 +94,7 @@ ReportTable pointsTable(const Report& report) {
                               textCell(exclusion.reason),
                               textCell(exclusion.userName),
                               textCell(exclusion.excludedAt)});
+        append(table.rows.back(), uncertaintyCells(point.uncertainty));
       }
     }
   }

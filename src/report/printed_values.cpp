@@ -12,6 +12,7 @@ namespace pelmora::report {
 namespace {
 
 constexpr int valueDigits = 7, flowDigits = 6, viscosityDigits = 5;
+constexpr int uncertaintyDigits = 2;
 constexpr int errorDigits = 2, mostDigits = 17;
 
 std::string aligned(const std::optional<double>& value, int digits) {
@@ -38,6 +39,8 @@ std::string printedViscosity(const std::optional<double>& value) {
 std::string printedDeviation(const std::optional<double>& percent) {
   return percent ? percentText(*percent) : "-";
 }
+std::string printedUncertainty(double rounded) { return aligned(rounded, uncertaintyDigits); }
+std::string printedCoverageFactor(double value) { return fixedText(value, 2); }
 
 std::string printedParameter(double value, double standardError) {
   const double error = std::fabs(standardError), size = std::fabs(value);

@@ -19,6 +19,9 @@ namespace pelmora::report {
 [[nodiscard]] std::string printedViscosity(const std::optional<double>& value);
 // With a sign, in per cent.
 [[nodiscard]] std::string printedDeviation(const std::optional<double>& percent);
+// A rounded expanded uncertainty with both of its digits: "0.10".
+[[nodiscard]] std::string printedUncertainty(double rounded);
+[[nodiscard]] std::string printedCoverageFactor(double value);
 
 // A parameter with the digits that its standard error leaves: down to the second digit of the
 // error. All digits if there is no error.

@@ -65,6 +65,9 @@ struct SeriesReport {
   std::vector<CurvePoint> curve;  // as stored; empty if none is
   // Without a stored curve; the deviations of the points are then from this one.
   std::optional<Attempt> attempt;
+  UncertaintyStatement uncertainty;  // of the stored curve
+  // Of the used points, if it is stated for all of them.
+  std::optional<UncertaintySpan> pointUncertainty;
   SeriesResult result;
   calibration::CurveAge curveAge = calibration::CurveAge::none;
   CurveSettings settings;

@@ -5,6 +5,7 @@
 #include "report/report_details.h"
 #include "report/table_values.h"
 #include "report/text_list.h"
+#include "report/uncertainty_tables.h"
 #include "report/verdict_words.h"
 
 #include <sstream>
@@ -102,12 +103,16 @@ ReportTable curve(const Report& report) {
       "curve",
       {"series", "number", "roshko", "strouhal", "confidenceHalfWidth", "predictionHalfWidth"},
       {}};
+  for (const std::string& name : uncertaintyColumns()) table.columns.push_back(name);
   for (const SeriesReport& series : report.series) {
     for (std::size_t i = 0; i < series.curve.size(); ++i) {
       const CurvePoint& point = series.curve[i];
       table.rows.push_back({textCell(series.name), wholeCell(static_cast<std::int64_t>(i) + 1),
                             numberCell(point.roshko), numberCell(point.strouhal),
                             numberCell(point.confidence), numberCell(point.prediction)});
+      const auto& uncertainties = series.uncertainty.curve;
+      append(table.rows.back(),
+             uncertaintyCells(i < uncertainties.size() ? uncertainties[i] : std::nullopt));
     }
   }
   return table;
@@ -200,8 +205,9 @@ std::vector<ReportTable> reportTables(const Report& report) {
   return {calibrationTable(report), detailsTable(report), setupsTable(report),
           resultsTable(report),     flowsTable(report),   seriesTable(report),
           pointsTable(report),      mergedTable(report),  curve(report),
-          equations(report),        parameters(report),   warnings(report),
-          shifts(report),           history(report),      reports(report)};
+          uncertaintyTable(report), budgetTable(report),  equations(report),
+          parameters(report),       warnings(report),     shifts(report),
+          history(report),          reports(report)};
 }
 
 }  // namespace pelmora::report

@@ -17,9 +17,9 @@ struct ReportTable {
   std::vector<std::vector<Value>> rows;  // as many values as columns; null: not known
 };
 
-// calibration, details, setups, results, flows, series, points, merged, curve, equations,
-// parameters, warnings, shifts, history and reports, each with its columns even where it has no
-// rows.
+// calibration, details, setups, results, flows, series, points, merged, curve, uncertainty,
+// budget, equations, parameters, warnings, shifts, history and reports, each with its columns even
+// where it has no rows.
 [[nodiscard]] std::vector<ReportTable> reportTables(const Report& report);
 
 }  // namespace pelmora::report

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "report/stated_uncertainty.h"
+
 #include <pelmora/calibration/points.h>
 
 #include <cstddef>
@@ -17,6 +19,8 @@ struct MeasuredPoint : calibration::RawPoint {
   // if none is stored, read linearly between its points, as the band test reads it. Absent beyond
   // the curve's ends.
   std::optional<double> deviationPercent{};
+  // Of a used point's value; see uncertainty in SeriesReport.
+  std::optional<StatedUncertainty> uncertainty{};
 
   [[nodiscard]] bool isCut() const { return state == calibration::PointState::cut; }
   [[nodiscard]] bool isExcluded() const { return state == calibration::PointState::excluded; }

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace pelmora::report {
 
@@ -20,6 +21,9 @@ namespace pelmora::report {
 [[nodiscard]] inline Value wholeCell(std::int64_t value) { return value; }
 [[nodiscard]] inline Value textCell(const std::string& value) {
   return value.empty() ? Value() : Value(value);
+}
+inline void append(std::vector<Value>& row, const std::vector<Value>& more) {
+  row.insert(row.end(), more.begin(), more.end());
 }
 
 }  // namespace pelmora::report

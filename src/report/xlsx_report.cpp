@@ -52,6 +52,12 @@ std::string xmlText(const std::string& text) {
 // How a column's numbers are shown; all of their digits stay in the cell.
 std::string numberFormat(const std::string& column) {
   const auto endsWith = [&](std::string_view end) { return column.ends_with(end); };
+  // Rounded to two digits already, whatever their size.
+  if (column == "expandedUncertainty" || column == "expandedUncertaintyPercent" ||
+      column == "lowestPercent" || column == "highestPercent" || column == "cmcPercent")
+    return {};
+  if (endsWith("CoverageFactor") || column == "coverageFactor") return "0.00";
+  if (column == "probability") return "0.0000";
   if (endsWith("Percent")) return "0.000";
   if (column == "roshko" || endsWith("Roshko") || column == "min" || column == "max")
     return "0.0000";

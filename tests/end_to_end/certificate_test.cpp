@@ -3,7 +3,10 @@
 #include "tests/end_to_end/command.h"
 
 #include <cstdlib>
+#include <iterator>
 #include <regex>
+#include <set>
+#include <sstream>
 
 namespace pelmora::test {
 namespace {
@@ -17,6 +20,11 @@ bool isInstalled(const std::string& program) {
 }
 bool succeeds(const std::string& command) {
   return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
+}
+
+std::set<std::string> wordsOf(const std::string& text) {
+  std::istringstream stream(text);
+  return {std::istream_iterator<std::string>(stream), {}};
 }
 
 class certificate : public CommandTest {
@@ -71,6 +79,13 @@ class certificate : public CommandTest {
                 "first",
                 "--remark",
                 "second"}));
+  }
+  void recordStand() const {
+    done({"stand", "uncertainty", curves,
+          write("stand.ini",
+                "[stand]\nname = Stand 3\ncmc = 0.05 %\n[flow]\nexpanded = 0.04 %\nk = 2\n"
+                "[reproducibility]\nstandard = 0.01 %\ntype = A\ndegrees of freedom = 14\n"),
+          "--meter", "M1"});
   }
   std::string written(const std::string& name, const Arguments& more = {}) const {
     Arguments arguments{"report", curves, "--meter", "M1", "-o", scratch.file(name)};
@@ -153,22 +168,73 @@ TEST_F(certificate, digital_one_passes_the_rules_and_the_schema) {
             0);
 }
 
-// Every number of the curves, and every K of the points, is on the page with the same digits.
+// Every number of the curves and every K of the points with its U is on the page and on paper, with
+// the same digits.
 TEST_F(certificate, digital_one_has_the_digits_of_the_page) {
   recordEverything();
+  recordStand();
   const std::string xml = written("m1.xml"), page = written("m1.html");
+  std::string paper;
+  if (isInstalled("weasyprint") && isInstalled("pdftotext")) {
+    (void)written("m1.pdf");
+    ASSERT_TRUE(succeeds("pdftotext -layout '" + scratch.file("m1.pdf") + "' '" +
+                         scratch.file("m1.txt") + "'"));
+    paper = contentsOf(scratch.file("m1.txt"));
+  }
+  const std::set<std::string> onPaper = wordsOf(paper);
   const std::regex list(
-      "<si:valueXMLList>([^<]*)</si:valueXMLList>\\s*<si:unitXMLList>(pulses/gal|"
-      "\\\\hertz[^<]*)<");
-  std::size_t numbers = 0;
+      "<si:valueXMLList>([^<]*)</si:valueXMLList>\\s*<si:unitXMLList>(?:pulses/gal|"
+      "\\\\hertz[^<]*)</si:unitXMLList>\\s*(?:<si:measurementUncertaintyUnivariateXMLList>\\s*"
+      "<si:expandedMUXMLList>\\s*<si:valueExpandedMUXMLList>([^<]*)<)?");
+  std::size_t numbers = 0, uncertainties = 0;
   for (std::sregex_iterator at(xml.begin(), xml.end(), list), end; at != end; ++at) {
-    std::istringstream words((*at)[1].str());
-    for (std::string word; words >> word; ++numbers)
-      ASSERT_TRUE(page.find(">" + word + "<") != std::string::npos ||
-                  page.find(">" + word + "\n") != std::string::npos)
-          << word << " " << (*at)[2];
+    const std::set<std::string> values = wordsOf((*at)[1].str()), us = wordsOf((*at)[2].str());
+    uncertainties += us.size();
+    for (const std::set<std::string>* words : {&values, &us}) {
+      for (const std::string& word : *words) {
+        ++numbers;
+        ASSERT_TRUE(page.find(">" + word + "<") != std::string::npos ||
+                    page.find(">" + word + "\n") != std::string::npos)
+            << word;
+        ASSERT_TRUE(paper.empty() || onPaper.contains(word)) << word;
+      }
+    }
   }
   EXPECT_GT(numbers, 300U);
+  EXPECT_GT(uncertainties, 20U);
+}
+
+TEST_F(certificate, states_the_uncertainty_with_its_coverage) {
+  recordEverything();
+  recordStand();
+  const std::string xml = written("m1.xml");
+  EXPECT_THAT(xml, HasSubstr("<si:coverageProbabilityXMLList>0.9545<"));
+  EXPECT_THAT(done({"check-dcc", scratch.file("m1.xml"), "--cmc", "0.05"}).output,
+              HasSubstr("No flaw was found"));
+  // Twice what the stand states: the rule finds it.
+  EXPECT_THAT(run({"check-dcc", scratch.file("m1.xml"), "--cmc", "0.5"}).output,
+              HasSubstr("below the CMC"));
+  const std::string page = written("m1.html");
+  for (const char* text : {"everything that the stand states (Stand 3)", "CMC of 0.05 %",
+                           "reference flow", "simple acceptance", "a single measured value"})
+    EXPECT_THAT(page, HasSubstr(text));
+}
+
+TEST_F(certificate, says_where_nothing_of_the_stand_is_recorded) {
+  recordEverything();
+  const std::string nothing = "no uncertainty of the stand is recorded with the calibration";
+  EXPECT_THAT(written("m1.html"), HasSubstr(nothing));
+  EXPECT_THAT(written("m1.xml"), HasSubstr(nothing));
+  EXPECT_THAT(written("m1.csv"), HasSubstr(nothing));
+}
+
+TEST_F(certificate, says_why_no_uncertainty_is_stated) {
+  // A flow in gallons would need the flow at each point of the curve.
+  done({"stand", "uncertainty", curves,
+        write("stand.ini", "[stand]\nname = S\n[flow]\nstandard = 0.001 gal/s\n"), "--meter", "M1"});
+  const std::string page = written("m1.html");
+  EXPECT_THAT(page, HasSubstr("No U is stated for Rotor A: "));
+  EXPECT_THAT(written("m1.csv"), HasSubstr("No expanded uncertainty U is stated: "));
 }
 
 TEST_F(certificate, damaged_digital_one_is_found) {

@@ -9,6 +9,7 @@ import csv
 import hashlib
 import io
 import json
+import math
 import os
 import re
 import subprocess
@@ -29,6 +30,25 @@ MOST_REJECTED = 5  # equations in the page's ranking, so that it stays readable
 SHEET_DIGITS = 1e-15  # a workbook keeps 16 significant digits
 
 
+STAND = """[stand]
+name = Stand 3
+cmc = 0.05 %
+
+[flow]
+expanded = 0.04 %
+k = 2
+
+[viscosity]
+half-width = 0.5 %
+distribution = rectangular
+
+[reproducibility]
+standard = 0.01 %
+type = A
+degrees of freedom = 14
+"""
+
+
 def run(*arguments):
     environment = dict(os.environ, SOURCE_DATE_EPOCH="1795268400")
     return subprocess.run([PROGRAM, *arguments], check=True, capture_output=True, env=environment).stdout
@@ -46,6 +66,10 @@ def set_up():
         "--operator", "Ada", "--points", "50")
     run("calibrate", CURVES, "--meter", "M1", "--stand", stand, "--new-calibration", *job("1001", "Mineral spirit"),
         *job("1002", "Glycol mix"), "--operator", "Ada")
+    statement = os.path.join(FOLDER.name, "stand.ini")
+    with open(statement, "w", encoding="utf-8") as file:
+        file.write(STAND)
+    run("stand", "uncertainty", CURVES, statement, "--meter", "M1")
     return json.loads(report("--json"))
 
 
@@ -56,7 +80,7 @@ def tables_of(model):
 
     meter = model["meter"]
     tables = {name: [] for name in ("calibration", "setups", "series", "points", "curve", "equations", "parameters",
-                                    "warnings", "shifts", "reports", "results", "flows", "merged", "details", "history")}
+                                    "warnings", "shifts", "reports", "results", "flows", "merged", "details", "history", "uncertainty", "budget")}
     tables["history"] += [{**entry, "user": entry["user"] or None} for entry in model["history"]]
     tables["details"] += [{"detail": key, "value": value} for part in (model["details"], model["laboratory"])
                           for key, value in part.items()]
@@ -89,6 +113,14 @@ def tables_of(model):
                                                                           if key != "points"}} for flow in result.pop("flows")]
         tables["results"].append({"series": name, **result})
         tables["curve"] += [{"series": name, "number": i + 1, **point} for i, point in enumerate(series["curve"])]
+        statement = series["uncertainty"]
+        for of in ("curve", "points"):
+            if statement[of]:
+                tables["uncertainty"].append({"series": name, "of": of, **pick(
+                    statement, ("stated", "text", "stand", "containsStand", "cmcPercent")), **statement[of]})
+        for place in statement["budgets"]:
+            tables["budget"] += [{"series": name, **pick(place, ("roshko", "strouhal")), **row, "label": row["label"] or None,
+                                  "unit": row["unit"] or None} for row in place["budget"]]
         for equation in series["equations"]:
             tables["equations"].append({"series": name, "equation": equation["name"], "reason": equation["reason"] or None, **pick(
                 equation, ("rank", "expression", "verdict", "observations", "r2", "adjustedR2", "residualStandardError",
@@ -164,27 +196,82 @@ def page_holds_the_picture(model):
     compare_panels(panels, model)
 
 
+def expect_stated(cells, point, span, name):
+    """U of the page is that of the JSON, with both digits; k stands beside it or is the same for all."""
+    if point["expandedUncertainty"] is None:
+        expect_equal(cells["U"], "-", f"{name}: U")
+        return
+    expect_equal(float(cells["U"]), point["expandedUncertainty"], f"{name}: U")
+    digits = re.sub(r"[^0-9]", "", cells["U"].split("e")[0]).lstrip("0")
+    expect(len(digits) == 2 or float(cells["U"]) >= 100, f"{name}: U {cells['U']} has not two digits")
+    factor = cells.get("k", f"{span['lowestCoverageFactor']:.2f}")
+    expect_rounded(factor, point["coverageFactor"], f"{name}: k")
+
+
+def expect_budget(rows, budgets, name):
+    for k, place in enumerate(budgets):
+        column = [row[5 + k] for row in rows[1:]]
+        expect_rounded(rows[0][5 + k].removeprefix("% at "), place["roshko"], f"{name}: place of a budget")
+        labels = [row["cause"] + (": " + row["label"] if row["label"] else "") for row in place["budget"]]
+        shown = {row[0]: row[5 + k] for row in rows[1:-4]}
+        expect_equal({label for label, text in shown.items() if text != "-"}, set(labels), f"{name}: causes")
+        for label, row in zip(labels, place["budget"]):
+            expect_rounded(shown[label], 100 * abs(row["contribution"] / place["strouhal"]), f"{name}: {label}")
+        expect_rounded(column[-4], 100 * place["standardUncertainty"] / place["strouhal"], f"{name}: combined")
+        expect_rounded(column[-2], place["coverageFactor"], f"{name}: k of a budget")
+        expect_stated_of(float(column[-1].removesuffix(" (CMC)")), place["expandedUncertaintyPercent"], f"{name}: U of a budget")
+
+
+def expect_stated_of(stated, full, what):
+    """Two significant digits, and at most 1 % below the full number."""
+    last = 10.0 ** (math.floor(math.log10(stated * (1 + 1e-9))) - 1)
+    expect(abs(stated / last - round(stated / last)) < 1e-6, f"{what}: {stated} has more than two digits")
+    expect(full * 0.99 <= stated < full + last, f"{what}: {stated} is not {full}")
+
+
+def uncertainty_is_that_of_evaluate(model):
+    cmc = 0.05
+    for series in model["series"]:
+        curve = series["curve"]
+        found = json.loads(run("evaluate", CURVES, "--meter", "M1", "--series", series["name"], "--table", "--json",
+                               *[repr(point["roshko"]) for point in curve]))["values"]
+        for point, value in zip(curve, found):
+            expect_stated_of(point["expandedUncertainty"], value["expandedUncertainty"], "U")
+            expect_stated_of(point["expandedUncertaintyPercent"], value["expandedUncertaintyPercent"], "U, %")
+            for key in ("coverageFactor", "probability"):
+                expect_equal(point[key], value[key], key)
+            expect(point["expandedUncertainty"] >= cmc / 100 * point["strouhal"] * (1 - 1e-9), f"U is below the CMC at {point}")
+        used = [point for point in series["rawPoints"] if point["state"] == "used"]
+        expect(all(point["expandedUncertaintyPercent"] >= cmc for point in used), "U of a point is below the CMC")
+        expect(all(point["expandedUncertainty"] is None for point in series["rawPoints"] if point["state"] != "used"),
+               "U of a point that is not used")
+
+
 def page_shows_the_numbers_of_json(model):
     page = Rows()
     page.feed(report("--html").decode())
     expect_equal(len(page.sections) - 1, len(model["series"]), "sections")
     for series, tables in zip(model["series"], page.sections[1:]):
         name = series["name"]
-        curve = [row for kind, rows in tables if "predicted" in kind for row in rows[1:]]
+        curve = [(rows[0], row) for kind, rows in tables if "predicted" in kind for row in rows[1:]]
         expect_equal(len(curve), len(series["curve"]), f"{name}: predicted table")
-        for row, point in zip(curve, series["curve"]):
-            for text, key in zip(row[1:], ("roshko", "strouhal", "confidenceHalfWidth", "predictionHalfWidth")):
+        for (titles, row), point in zip(curve, series["curve"]):
+            for text, key in zip((row[1], row[2], row[-2], row[-1]),
+                                 ("roshko", "strouhal", "confidenceHalfWidth", "predictionHalfWidth")):
                 expect_rounded(text, point[key], f"{name}: {key}")
-        measured = [row for kind, rows in tables if "measured" in kind for row in rows[1:] if row[0]]  # not the notes
+            expect_stated(dict(zip(titles, row)), point, series["uncertainty"]["curve"], name)
+        measured = [(rows[0], row) for kind, rows in tables if "measured" in kind for row in rows[1:] if row[0]]  # not the notes
         points = series["rawPoints"]
         expect_equal(len(measured), len(points), f"{name}: measured points")
-        for row, point in zip(measured, points):
+        for (titles, row), point in zip(measured, points):
             expect_equal([row[0], row[-1]], [str(point["number"]), point["state"]], f"{name}: number and state")
             reading = point["reading"]
             wanted = [reading[key] for key in ("frequency", "flow", "temperature", "viscosity")]
-            for text, value in zip(row[1:-1], wanted + [point["roshko"], point["strouhal"], point["deviationPercent"]]):
+            for text, value in zip(row[1:7] + [row[-2]], wanted + [point["roshko"], point["strouhal"], point["deviationPercent"]]):
                 expect_rounded(text, value, f"{name}: measured point {point['number']}")
-        tables = [table for table in tables if not any(kind in table[0] for kind in ("measured", "predicted"))]
+            expect_stated(dict(zip(titles, row)), point, series["uncertainty"]["points"], name)
+        expect_budget(next(rows for kind, rows in tables if "budget" in kind), series["uncertainty"]["budgets"], name)
+        tables = [table for table in tables if not any(kind in table[0] for kind in ("measured", "predicted", "budget"))]
         equations = [row for row in tables[0][1][1:] if row[0]]
         rejected = [e for e in series["equations"] if e["verdict"] not in ("chosen", "accepted", "notTried")]
         shown = [e for e in series["equations"] if e not in rejected[MOST_REJECTED:]]

@@ -8,9 +8,11 @@
 #include "apps/pelmora/output/standard_output.h"
 #include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/session.h"
+#include "report/budget_json.h"
 #include "report/budget_text.h"
 #include "report/json_null.h"
 #include "report/json_values.h"
+#include "report/printed_values.h"
 
 #include <nlohmann/json.hpp>
 
@@ -130,8 +132,8 @@ std::string valuesText(const FittedCurve& curve, const std::vector<Evaluated>& v
     const auto& budget = at.budget;
     std::string percent = report::expandedPercentText(budget);
     if (isInverse && budget) {
-      percent =
-          significantText(100 * budget->roundedExpanded() * value.scale / std::abs(at.roshko), 2);
+      percent = report::printedUncertainty(100 * budget->roundedExpanded() * value.scale /
+                                           std::abs(at.roshko));
     }
     table.addRow({isInverse ? strouhal : roshko, isInverse ? roshko : strouhal,
                   expandedText(budget, value.scale), percent, halfWidth(value.bands.confidence),
@@ -163,7 +165,7 @@ nlohmann::json valuesJson(const std::vector<Evaluated>& values, bool isInverse) 
                         {"predictionHalfWidth", report::orNull(value.bands.prediction)},
                         {"extrapolated", value.estimate.isExtrapolated}};
     const auto of = isInverse ? std::optional(value.estimate.roshko) : std::nullopt;
-    addBudget(each, value.estimate.budget, value.scale, of);
+    report::addBudget(each, value.estimate.budget, value.scale, of);
     if (value.check) each["monteCarlo"] = monteCarloJson(*value.check, value.scale);
     list.push_back(std::move(each));
   }

@@ -8,6 +8,7 @@
 #include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/session.h"
 #include "apps/pelmora/trouble.h"
+#include "report/budget_json.h"
 #include "report/budget_text.h"
 #include "report/json_null.h"
 #include "report/json_values.h"
@@ -153,7 +154,7 @@ std::string flowJson(const FlowRequest& request, const std::string& path,
     value["differencePercent"] = report::orNull(flow.differencePercent);
     value["differenceUncertaintyPercent"] = report::orNull(flow.differenceUncertaintyPercent);
   }
-  addBudget(value, flow.budget, factor);
+  report::addBudget(value, flow.budget, factor);
   return report::jsonText(value);
 }
 

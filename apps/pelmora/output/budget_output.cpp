@@ -2,7 +2,7 @@
 #include "apps/pelmora/output/budget_output.h"
 
 #include "apps/pelmora/output/text_table.h"
-#include "report/json_null.h"
+#include "report/printed_values.h"
 
 #include <nlohmann/json.hpp>
 
@@ -27,7 +27,7 @@ std::string budgetText(const Budget& budget) {
                    {"Distribution"},
                    {"Type"},
                    {"DoF", right},
-                   {"Contribution %", right}});
+                   {"Contrib. %", right}});
   const double size = std::abs(budget.value) / 100;
   for (const BudgetRow& row : budget.rows) {
     table.addRow(
@@ -42,40 +42,6 @@ std::string budgetText(const Budget& budget) {
   return table.text();
 }
 
-void addBudget(nlohmann::json& value, const std::optional<Budget>& budget, double scale,
-               const std::optional<double>& of) {
-  if (!budget) {
-    for (const char* name :
-         {"expandedUncertainty", "expandedUncertaintyPercent", "standardUncertainty",
-          "degreesOfFreedom", "coverageFactor", "probability", "budget"}) {
-      value[name] = nullptr;
-    }
-    return;
-  }
-  value["expandedUncertainty"] = budget->expanded * scale;
-  value["expandedUncertaintyPercent"] =
-      of ? 100 * budget->expanded * scale / std::abs(*of) : budget->expandedPercent;
-  value["standardUncertainty"] = budget->standardUncertainty * scale;
-  value["degreesOfFreedom"] = report::finiteOrNull(budget->degreesOfFreedom);
-  value["coverageFactor"] = budget->coverageFactor;
-  value["probability"] = budget->probability;
-  value["isCmc"] = budget->isCmc;
-  value["contains"] = budget->contents();
-  nlohmann::json rows = nlohmann::json::array();
-  for (const BudgetRow& row : budget->rows) {
-    rows.push_back({{"cause", row.cause},
-                    {"label", row.label},
-                    {"standardUncertainty", row.standardUncertainty},
-                    {"unit", row.unit},
-                    {"distribution", row.distribution},
-                    {"type", std::string(1, row.type)},
-                    {"degreesOfFreedom", report::finiteOrNull(row.degreesOfFreedom)},
-                    {"sensitivity", row.sensitivity * scale},
-                    {"contribution", row.contribution * scale}});
-  }
-  value["budget"] = rows;
-}
-
 nlohmann::json monteCarloJson(const calibration::MonteCarloCheck& check, double scale) {
   return {{"trials", check.trials},
           {"standardDeviation", check.standardDeviation * scale},
@@ -85,7 +51,7 @@ nlohmann::json monteCarloJson(const calibration::MonteCarloCheck& check, double 
 
 std::string expandedText(const std::optional<Budget>& budget, double scale) {
   if (!budget) return "-";
-  return significantText(budget->roundedExpanded() * scale, scale == 1 ? 12 : 2);
+  return report::printedUncertainty(budget->roundedExpanded() * scale);
 }
 
 }  // namespace pelmora::cli

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/output/drift_output.h"
 
-#include "apps/pelmora/output/budget_output.h"
 #include "apps/pelmora/output/shift_output.h"
+#include "report/budget_json.h"
 #include "report/json_null.h"
 
 #include <nlohmann/json.hpp>
@@ -27,7 +27,7 @@ nlohmann::json placeJson(const Drift& drift, const DriftPlace& place) {
                        {"sinceFirst", judgedShiftJson(each.sinceFirst)},
                        {"sincePrevious", judgedShiftJson(each.sincePrevious)},
                        {"isBeyondLimits", each.isBeyondLimits}};
-    addBudget(one, each.budget);
+    report::addBudget(one, each.budget);
     value["values"].push_back(std::move(one));
   }
   value["controlLimits"] = nullptr;

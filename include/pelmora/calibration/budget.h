@@ -12,8 +12,8 @@ namespace pelmora::calibration {
 
 // One cause of uncertainty.
 struct BudgetRow {
-  // "fit", "reference flow", "viscosity", "temperature", "frequency", "repeatability",
-  // "reproducibility", "model", "table reading".
+  // "fit", or "scatter" of a single measured value; "reference flow", "viscosity", "temperature",
+  // "frequency", "repeatability", "reproducibility", "model", "table reading".
   std::string cause;
   std::string label;               // distinguishes rows of one cause; may be empty
   double standardUncertainty = 0;  // in `unit`
@@ -33,6 +33,7 @@ struct Budget {
   // of the points, and every output says so.
   std::string stand;
   bool hasStand = false;
+  bool isOfPoint = false;  // the value is a single measured one
   // Whether the value is a flow in service, and whether the budget includes the instruments there.
   bool isOfFlow = false, hasInstruments = false;
   double value = 0;

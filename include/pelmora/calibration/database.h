@@ -214,6 +214,8 @@ class PELMORA_API Database {
   [[nodiscard]] FittedCurve fittedCurve(const Meter& meter, const std::string& series) const;
   [[nodiscard]] FittedCurve fittedCurve(const StoredSeries& series,
                                         const Observer& observer = {}) const;
+  // The same from a fit that has been repeated already.
+  [[nodiscard]] FittedCurve fittedCurve(const StoredSeries& series, const Repeated& repeated) const;
 
   // The uncertainty of the stand that measured a calibration, stored with the calibration. A change
   // returns the history entry of the previous statement, 0 if there was none.

@@ -108,6 +108,16 @@ class PELMORA_API FittedCurve {
   // Roshko at a Strouhal number. Errors: as for Curve::inverse() and at().
   [[nodiscard]] CurveEstimate inverse(double strouhal, const EvaluateOptions& options = {}) const;
 
+  // The uncertainty of single measured values: what the stand states, and the scatter of one point
+  // about the curve instead of the curve's own uncertainty. Absent beyond the ends, and where the
+  // scatter is not known.
+  //
+  // Shape:  strouhal: the value measured at each Roshko number.
+  // Errors: as for at().
+  [[nodiscard]] std::vector<std::optional<Budget>> measured(
+      std::span<const double> roshko, std::span<const double> strouhal,
+      const EvaluateOptions& options = {}) const;
+
   // Draws all errors of the budget at random until two digits are stable, at most `mostTrials`
   // times.
   //

@@ -50,6 +50,10 @@ ReferenceCurve referenceBehind(const Fit& fit) {
   return solver::reference::fitReference({x, y, parts, outside});
 }
 
+double scatterOf(const ReferenceEstimate& at) {
+  return std::sqrt(std::max(0.0, at.newPointSd * at.newPointSd - at.curveSd * at.curveSd));
+}
+
 // The reference curve by Hermite interpolation in ln x, between places so dense that no detail is
 // lost. A value then costs little and does not depend on which others are requested with it.
 class ReferenceFunction : public CurveFunction {
@@ -100,6 +104,7 @@ class ReferenceFunction : public CurveFunction {
     found.slope = first / (width * x);
     found.bend = (second / (width * width) - first / width) / (x * x);
     found.uncertainty = a.curveSd * r + b.curveSd * s;
+    found.scatter = scatterOf(a) * r + scatterOf(b) * s;
     found.degrees = uncertainty::knownExactly;  // curveSd includes Student's factor
     return found;
   }
@@ -163,6 +168,7 @@ class EquationFunction : public CurveFunction {
                        "' cannot be fitted again: " + model_->failureReason(),
                    "", "fit the series again"});
     }
+    scatter_ = fit.chosen().Statistics.ResidualStandardError;
     degrees_ = static_cast<double>(fit.fitted.size()) -
                static_cast<double>(fit.chosen().Parameters.size());
   }
@@ -190,6 +196,7 @@ class EquationFunction : public CurveFunction {
         found[i].departure = std::abs(found[i].strouhal - believed);
       } else if (i < errors.size() && degrees_ >= 1) {
         found[i].uncertainty = errors[i];
+        found[i].scatter = scatter_;
         found[i].degrees = degrees_;
       }
     }
@@ -200,7 +207,7 @@ class EquationFunction : public CurveFunction {
   std::shared_ptr<FitEngine> engine_;  // outlives its model
   std::unique_ptr<FitModel> model_;
   std::shared_ptr<const CurveFunction> reference_;
-  double degrees_ = 0;
+  double scatter_ = 0, degrees_ = 0;
 };
 
 bool isTableOf(const CurveFunction& function, const PointArray& table) {

@@ -16,7 +16,9 @@ namespace pelmora::calibration {
 struct FunctionValue {
   double strouhal = 0, slope = 0, bend = 0;  // bend: the second derivative
   std::optional<double> uncertainty;         // standard, of the curve itself
-  double degrees = 0;                        // of freedom, behind it
+  // Standard deviation of one measured point about the curve; with the same degrees of freedom.
+  std::optional<double> scatter;
+  double degrees = 0;  // of freedom, behind both
   // Distance of a trusted equation from the reference curve, which shows what the equation misses.
   double departure = 0;
 };

@@ -140,6 +140,37 @@ CurveEstimate FittedCurve::at(double roshko, const EvaluateOptions& options) con
   return at({&roshko, 1}, options).front();
 }
 
+std::vector<std::optional<Budget>> FittedCurve::measured(std::span<const double> roshko,
+                                                         std::span<const double> strouhal,
+                                                         const EvaluateOptions& options) const {
+  EvaluateOptions ofCurve = options;
+  ofCurve.reading = ReadAs::none;
+  std::vector<std::size_t> inside;
+  std::vector<double> settled;
+  for (std::size_t i = 0; i < std::min(roshko.size(), strouhal.size()); ++i) {
+    const double x = body_->settled(roshko[i]);
+    if (!body_->isInside(x) || !std::isfinite(strouhal[i]) || strouhal[i] == 0) continue;
+    inside.push_back(i);
+    settled.push_back(x);
+  }
+  std::vector<std::optional<Budget>> budgets(roshko.size());
+  if (inside.empty()) return budgets;
+  const std::vector<Body::Place> places = body_->places(settled, ofCurve);
+  for (std::size_t k = 0; k < inside.size(); ++k) {
+    const FunctionValue& value = places[k].value;
+    if (!value.scatter) continue;
+    uncertainty::CurvePlace place = places[k].place;
+    place.strouhal = strouhal[inside[k]];
+    place.fitUncertainty = *value.scatter;
+    place.curve = nullptr;  // the tangent, through the point
+    Budget& made = budgets[inside[k]].emplace(
+        publicBudget(uncertainty::curveBudget(place, body_->stand), body_->hasStand));
+    made.isOfPoint = true;
+    made.rows.front().cause = "scatter";
+  }
+  return budgets;
+}
+
 CurveEstimate FittedCurve::inverse(double strouhal, const EvaluateOptions& options) const {
   const CurveValue start = body_->table.inverse(strouhal);
   double x = start.roshko;

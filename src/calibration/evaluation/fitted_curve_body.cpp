@@ -97,7 +97,7 @@ void FittedCurve::Body::addDeparture(const FunctionValue& value,
   if (!(value.departure > 0)) return;
   uncertainty::Component component;
   component.cause = Cause::model;
-  component.label = "distance from the reference curve";
+  component.label = "off reference curve";
   // Half the distance, so that U of two standard uncertainties reaches the reference curve.
   component.standard = {100 * value.departure / 2 / std::abs(value.strouhal), &units::unitOf("%")};
   component.evaluation = uncertainty::Evaluation::a;

@@ -43,8 +43,9 @@ double Budget::roundedPercent() const {
 std::string Budget::contents() const {
   const std::string start = "U (k = " + fixedText(coverageFactor, 2) + ", " +
                             significantText(100 * probability, 4) + " %) contains ";
-  const std::string ofStand =
-      "the curve and everything that the stand states" + (stand.empty() ? "" : " (" + stand + ")");
+  const std::string ofStand = std::string(isOfPoint ? "the scatter of one point" : "the curve") +
+                              " and everything that the stand states" +
+                              (stand.empty() ? "" : " (" + stand + ")");
   const std::string noStand = "no uncertainty of the stand is stored with the calibration";
   if (isOfFlow) {
     return start + (hasStand ? ofStand : "the scatter of the points about the curve; " + noStand) +
@@ -52,7 +53,10 @@ std::string Budget::contents() const {
            (hasInstruments ? "It also contains the instruments in service."
                            : "It contains nothing of the instruments in service.");
   }
-  if (!hasStand) return start + "the scatter of the points about the curve alone: " + noStand + ".";
+  if (!hasStand) {
+    return start + "the scatter of " + (isOfPoint ? "one point" : "the points") +
+           " about the curve alone: " + noStand + ".";
+  }
   return start + ofStand +
          (isCmc ? "; it is the laboratory's CMC, below which no uncertainty is stated." : ".");
 }

@@ -35,11 +35,15 @@ FittedCurve Database::fittedCurve(const Meter& meter, const std::string& series)
 
 FittedCurve Database::fittedCurve(const StoredSeries& stored, const Observer& observer) const {
   (void)stored.storedCurve();
-  Repeated repeated = repeat(stored, {}, observer);
+  return fittedCurve(stored, repeat(stored, {}, observer));
+}
+
+FittedCurve Database::fittedCurve(const StoredSeries& stored, const Repeated& repeated) const {
   const Curve table = tableOf(stored, repeated, location());
   if (!repeated.isStoredCurve()) return FittedCurve(table, stored.name);
-  repeated.fit.curve = stored.curve;  // to the last digit
-  return FittedCurve(repeated.fit, standUncertainty(stored.meter));
+  Fit fit = repeated.fit;
+  fit.curve = stored.curve;  // to the last digit
+  return FittedCurve(fit, standUncertainty(stored.meter));
 }
 
 }  // namespace pelmora::calibration

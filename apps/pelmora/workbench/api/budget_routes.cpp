@@ -1,8 +1,8 @@
 // What the uncertainty of a stored curve consists of.
 // SPDX-License-Identifier: MIT
-#include "apps/pelmora/output/budget_output.h"
 #include "apps/pelmora/workbench/api/failure_answer.h"
 #include "apps/pelmora/workbench/api/routes.h"
+#include "report/budget_json.h"
 
 #include <nlohmann/json.hpp>
 
@@ -34,7 +34,7 @@ http::Response getBudget(Bench& bench, const http::Request& request) {
                        {"roshko", at.roshko},
                        {"strouhal", at.strouhal},
                        {"extrapolated", at.isExtrapolated}};
-  addBudget(value, at.budget);
+  report::addBudget(value, at.budget);
   return jsonAnswer(value);
 }
 
