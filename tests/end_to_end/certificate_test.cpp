@@ -231,7 +231,8 @@ TEST_F(certificate, says_where_nothing_of_the_stand_is_recorded) {
 TEST_F(certificate, says_why_no_uncertainty_is_stated) {
   // A flow in gallons would need the flow at each point of the curve.
   done({"stand", "uncertainty", curves,
-        write("stand.ini", "[stand]\nname = S\n[flow]\nstandard = 0.001 gal/s\n"), "--meter", "M1"});
+        write("stand.ini", "[stand]\nname = S\n[flow]\nstandard = 0.001 gal/s\n"), "--meter",
+        "M1"});
   const std::string page = written("m1.html");
   EXPECT_THAT(page, HasSubstr("No U is stated for Rotor A: "));
   EXPECT_THAT(written("m1.csv"), HasSubstr("No expanded uncertainty U is stated: "));

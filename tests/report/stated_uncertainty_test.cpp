@@ -79,8 +79,8 @@ TEST(stated_uncertainty, of_a_curve_without_a_stand_says_so) {
 }
 
 TEST(stated_uncertainty, is_at_least_that_of_the_stand) {
-  const FittedCurve curve(
-      fitOfPoints(), statement("[stand]\nname = S\n[flow]\nexpanded = 0.1 %\nk = 2\n"));
+  const FittedCurve curve(fitOfPoints(),
+                          statement("[stand]\nname = S\n[flow]\nexpanded = 0.1 %\nk = 2\n"));
   const UncertaintyStatement made = statementOf(curve);
   ASSERT_TRUE(made.isStated());
   EXPECT_GE(made.span.lowestPercent, 0.1);
@@ -90,8 +90,8 @@ TEST(stated_uncertainty, is_at_least_that_of_the_stand) {
 }
 
 TEST(stated_uncertainty, is_not_stated_where_the_stand_needs_a_value_that_is_not_known) {
-  const UncertaintyStatement made = statementOf(FittedCurve(
-      fitOfPoints(), statement("[stand]\nname = S\n[flow]\nstandard = 0.001 gal/s\n")));
+  const UncertaintyStatement made = statementOf(
+      FittedCurve(fitOfPoints(), statement("[stand]\nname = S\n[flow]\nstandard = 0.001 gal/s\n")));
   EXPECT_FALSE(made.isStated());
   EXPECT_THAT(made.whyNone, testing::Not(IsEmpty()));
   EXPECT_THAT(made.curve, IsEmpty());
@@ -99,8 +99,7 @@ TEST(stated_uncertainty, is_not_stated_where_the_stand_needs_a_value_that_is_not
 
 TEST(stated_uncertainty, is_not_stated_of_a_table_alone) {
   const PointArray table{{1, 10}, {100, 1000}};
-  const UncertaintyStatement made =
-      statementOf(FittedCurve(calibration::Curve(table), "Rotor A"));
+  const UncertaintyStatement made = statementOf(FittedCurve(calibration::Curve(table), "Rotor A"));
   EXPECT_EQ(made.whyNone, "a new fit does not give the stored curve");
 }
 

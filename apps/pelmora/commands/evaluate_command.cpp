@@ -5,6 +5,7 @@
 #include "apps/pelmora/options/strict_number.h"
 #include "apps/pelmora/output/budget_output.h"
 #include "apps/pelmora/output/curve_note.h"
+#include "apps/pelmora/output/shown_units.h"
 #include "apps/pelmora/output/standard_output.h"
 #include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/session.h"
@@ -33,7 +34,7 @@ using calibration::ReadAs;
 struct EvaluateRequest {
   DatabaseOption curves;
   std::string meter, series;
-  std::vector<std::string> numbers;
+  std::vector<std::string> numbers, units;
   std::int16_t calibration = calibration::latestCalibration;
   EvaluateOptions options;
   std::int64_t trials = 0;
@@ -48,24 +49,49 @@ struct Evaluated {
   double scale = 1;  // turns an uncertainty of Strouhal into one of the value asked for
 };
 
-std::vector<Evaluated> evaluated(const FittedCurve& curve, const EvaluateRequest& request) {
+void scale(std::optional<double>& number, double factor) {
+  if (number) *number *= factor;
+}
+
+// Everything in the units that are shown. number: as it was given, to the last digit.
+void convert(Evaluated& value, const ShownUnits& units, bool isInverse, double number) {
+  const double ofRoshko = units.roshko.factor, ofStrouhal = units.strouhal.factor;
+  CurveEstimate& at = value.estimate;
+  at.roshko = isInverse ? at.roshko * ofRoshko : number;
+  at.strouhal = isInverse ? number : at.strouhal * ofStrouhal;
+  at.slope *= ofStrouhal / ofRoshko;
+  if (at.budget) at.budget = scaled(*at.budget, ofStrouhal);
+  scale(value.bands.confidence, isInverse ? ofRoshko : ofStrouhal);
+  scale(value.bands.prediction, isInverse ? ofRoshko : ofStrouhal);
+  if (!value.check) return;
+  for (double* each :
+       {&value.check->mean, &value.check->standardDeviation, &value.check->low, &value.check->high})
+    *each *= ofStrouhal;
+}
+
+std::vector<Evaluated> evaluated(const FittedCurve& curve, const EvaluateRequest& request,
+                                 const ShownUnits& units) {
   std::vector<Evaluated> values;
   for (const std::string& text : request.numbers) {
-    const double number = numberOption(request.isInverse ? "STROUHAL" : "ROSHKO", text);
+    const double given = numberOption(request.isInverse ? "STROUHAL" : "ROSHKO", text);
+    const double number = given / (request.isInverse ? units.strouhal.factor : units.roshko.factor);
     Evaluated value;
     value.estimate = request.isInverse ? curve.inverse(number, request.options)
                                        : curve.at(number, request.options);
     value.bands = request.isInverse ? curve.table().inverse(number) : curve.table()(number);
-    if (request.isInverse) {
-      // Where the curve is level, Strouhal does not determine Roshko.
-      if (value.estimate.slope == 0)
-        value.estimate.budget.reset();
-      else
-        value.scale = 1 / std::abs(value.estimate.slope);
-    }
     if (request.trials > 0 && value.estimate.budget) {
       value.check = curve.monteCarlo(value.estimate.roshko, request.options,
                                      static_cast<std::size_t>(request.trials));
+    }
+    convert(value, units, request.isInverse, given);
+    if (request.isInverse) {
+      // Where the curve is level, Strouhal does not determine Roshko.
+      if (value.estimate.slope == 0) {
+        value.estimate.budget.reset();
+        value.check.reset();
+      } else {
+        value.scale = 1 / std::abs(value.estimate.slope);
+      }
     }
     values.push_back(std::move(value));
   }
@@ -90,8 +116,8 @@ std::string sourceText(const FittedCurve& curve, ReadAs reading) {
 }
 
 std::string notesText(const FittedCurve& curve, const std::vector<Evaluated>& values,
-                      ReadAs reading) {
-  std::string text = wrapped(sourceText(curve, reading), 0);
+                      ReadAs reading, const ShownUnits& units) {
+  std::string text = unitsLine(units) + wrapped(sourceText(curve, reading), 0);
   bool isAnyExtrapolated = false, hasBudget = false;
   for (const Evaluated& value : values) {
     isAnyExtrapolated |= value.estimate.isExtrapolated;
@@ -106,15 +132,15 @@ std::string notesText(const FittedCurve& curve, const std::vector<Evaluated>& va
   if (!isAnyExtrapolated) return text;
   return text +
          wrapped("Extrapolated: beyond the curve, which covers Roshko " +
-                     significantText(curve.lowestRoshko(), 6) + " to " +
-                     significantText(curve.highestRoshko(), 6) +
+                     significantText(curve.lowestRoshko() * units.roshko.factor, 6) + " to " +
+                     significantText(curve.highestRoshko() * units.roshko.factor, 6) +
                      "; on the straight line through its two outermost points, with an error that "
                      "nobody knows.",
                  0);
 }
 
 std::string valuesText(const FittedCurve& curve, const std::vector<Evaluated>& values,
-                       const EvaluateRequest& request) {
+                       const EvaluateRequest& request, const ShownUnits& units) {
   const auto right = TextAlign::right;
   const bool isInverse = request.isInverse;
   TextTable table({{isInverse ? "Strouhal" : "Roshko", right},
@@ -153,7 +179,7 @@ std::string valuesText(const FittedCurve& curve, const std::vector<Evaluated>& v
                   0);
     }
   }
-  return table.text() + details + "\n" + notesText(curve, values, request.options.reading);
+  return table.text() + details + "\n" + notesText(curve, values, request.options.reading, units);
 }
 
 nlohmann::json valuesJson(const std::vector<Evaluated>& values, bool isInverse) {
@@ -178,16 +204,18 @@ void evaluate(const EvaluateRequest& request) {
   const calibration::Meter meter = lab.meter(request.meter, request.calibration);
   const calibration::StoredSeries series = lab.series(meter, request.series);
   const FittedCurve curve = lab.fittedCurve(series, session.observer());
-  const std::vector<Evaluated> values = evaluated(curve, request);
+  const ShownUnits units = shownUnits(lab, series, request.units);
+  const std::vector<Evaluated> values = evaluated(curve, request, units);
   session.progress().clear();
   noteOldCurves(session.path(), request.calibration, {series});
-  if (!request.asJson) return printData(valuesText(curve, values, request));
+  if (!request.asJson) return printData(valuesText(curve, values, request, units));
   const std::string reading = calibration::tableReadingKey(request.options.reading);
   printData(
       report::jsonText({{"database", session.path()},
                         {"meter", report::meterJson(meter)},
                         {"series", series.name},
                         {"curveAge", calibration::curveAgeKey(series.age)},
+                        {"units", unitsJson(units)},
                         {"source", reading.empty() ? curveSourceName(curve.source()) : "table"},
                         {"reading", report::orNull(reading)},
                         {"equation", curve.name()},
@@ -233,6 +261,7 @@ void addEvaluateCommand(Program& program) {
   addSeries(command, request->series, true);
   addCalibration(command, request->calibration);
   addValueOptions(command, request);
+  addUnits(command, request->units);
   addJson(command, request->asJson);
   command.onRun([request] { evaluate(*request); });
 }

@@ -6,6 +6,7 @@
 #include "apps/pelmora/output/curve_note.h"
 #include "apps/pelmora/output/flow_table_output.h"
 #include "apps/pelmora/output/output_file.h"
+#include "apps/pelmora/output/shown_units.h"
 #include "apps/pelmora/output/standard_output.h"
 #include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/session.h"
@@ -28,7 +29,7 @@ enum class FileKind { csv, xlsx, json };
 struct ExportRequest {
   DatabaseOption curves;
   std::string meter, output = "-", points, form;
-  std::vector<std::string> series;
+  std::vector<std::string> series, units;
   std::int16_t calibration = calibration::latestCalibration;
   calibration::TableOptions table;
   FluidOptions fluid;
@@ -54,30 +55,43 @@ FileKind kindOf(const ExportRequest& request) {
 struct PointTable {
   std::string series, kind;  // "raw1" to "raw4", "merged", "curve"
   PointArray points;
+  ShownUnits units;
 };
 
 bool isWanted(const std::string& what, const std::string& kind) {
   return what == "all" || kind.starts_with(what);
 }
 
-std::vector<PointTable> tablesOf(const std::vector<calibration::StoredSeries>& all,
-                                 const std::string& what) {
+std::vector<PointTable> tablesOf(const calibration::Database& lab,
+                                 const std::vector<calibration::StoredSeries>& all,
+                                 const std::string& what, const std::vector<std::string>& wanted) {
   std::vector<PointTable> tables;
-  const auto add = [&](const std::string& series, const std::string& kind,
-                       const PointArray& points) {
-    if (isWanted(what, kind) && !points.empty()) tables.push_back({series, kind, points});
-  };
   for (const calibration::StoredSeries& series : all) {
+    const ShownUnits units = shownUnits(lab, series, wanted);
+    const auto add = [&](const std::string& kind, PointArray points) {
+      if (!isWanted(what, kind) || points.empty()) return;
+      convert(points, units);
+      tables.push_back({series.name, kind, std::move(points), units});
+    };
     for (std::size_t part = 0; part < series.raw.size(); ++part)
-      add(series.name, "raw" + std::to_string(part + 1), series.raw[part]);
-    add(series.name, "merged", series.merged);
-    add(series.name, "curve", series.curve);
+      add("raw" + std::to_string(part + 1), series.raw[part]);
+    add("merged", series.merged);
+    add("curve", series.curve);
   }
   return tables;
 }
 
+// Converted columns name their unit: a reader must not take them for the stored ones.
+std::string columnTitle(const std::string& name, const ShownUnit& unit) {
+  return unit.shown == unit.recorded ? name : name + " (" + unit.shown + ")";
+}
+
 report::ReportTable pointRows(const std::vector<PointTable>& tables) {
   report::ReportTable made{"points", {"series", "points", "roshko", "strouhal"}, {}};
+  if (!tables.empty()) {
+    made.columns[2] = columnTitle("roshko", tables.front().units.roshko);
+    made.columns[3] = columnTitle("strouhal", tables.front().units.strouhal);
+  }
   for (const PointTable& table : tables) {
     for (std::size_t i = 0; i < table.points.size(); ++i) {
       std::vector<Value>& cells = made.rows.emplace_back(4);
@@ -100,6 +114,7 @@ std::string tablesJson(const std::string& database, const calibration::Meter& me
   for (const PointTable& table : tables) {
     value["tables"].push_back({{"series", table.series},
                                {"points", table.kind},
+                               {"units", unitsJson(table.units)},
                                {"values", report::pointsJson(table.points)}});
   }
   return report::jsonText(value);
@@ -130,7 +145,7 @@ void exportPoints(const ExportRequest& request, FileKind kind, Session& session,
                   const calibration::Meter& meter) {
   const auto all = session.database().everySeries(meter, request.series);
   const std::string which = wantedPoints(request);
-  const auto tables = tablesOf(all, which);
+  const auto tables = tablesOf(session.database(), all, which, request.units);
   const std::string json =
       kind == FileKind::json ? tablesJson(session.path(), meter, all, tables) : "";
   if (which != "raw") noteOldCurves(session.path(), request.calibration, all);
@@ -178,6 +193,10 @@ void exportTable(const ExportRequest& request, FileKind kind, Session& session,
 void runExport(const ExportRequest& request) {
   const FileKind kind = kindOf(request);
   if (request.form.empty()) (void)wantedPoints(request);
+  if (!request.form.empty() && !request.units.empty()) {
+    throw Trouble(ExitCode::usage, "--unit is for stored points",
+                  "with --for give --x-unit and --y-unit");
+  }
   if (request.csv.separator == request.csv.decimal) {
     throw Trouble(ExitCode::usage, "the separator and the decimal sign are the same",
                   "give --separator semicolon or tab with --decimal comma");
@@ -227,6 +246,7 @@ void addExportCommand(Program& program) {
                    "Which points: all, raw, merged or curve (default: all); with --for how many "
                    "(default: 40)"},
                   request->points);
+  addUnits(command, request->units);
   addTableOptions(command, request);
   addPath(command,
           {"-o,--output", "FILE",

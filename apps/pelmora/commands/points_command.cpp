@@ -3,6 +3,7 @@
 #include "apps/pelmora/commands/commands.h"
 #include "apps/pelmora/options/common_options.h"
 #include "apps/pelmora/output/point_output.h"
+#include "apps/pelmora/output/shown_units.h"
 #include "apps/pelmora/output/standard_output.h"
 #include "apps/pelmora/output/suggested_command.h"
 #include "apps/pelmora/output/suggested_exclusion.h"
@@ -21,6 +22,7 @@ namespace {
 struct PointsRequest {
   DatabaseOption curves;
   std::string meter, series;
+  std::vector<std::string> units;
   std::int16_t reCalID = -1;
   bool asJson = false;
 };
@@ -68,9 +70,12 @@ void listPoints(const PointsRequest& request) {
   Session session(request.curves, calibration::Mode::read);
   calibration::Database& lab = session.database();
   const calibration::Meter meter = lab.meter(request.meter, request.reCalID);
-  const calibration::StoredSeries stored = lab.series(meter, request.series);
-  const auto points = lab.points(meter, request.series);
+  calibration::StoredSeries stored = lab.series(meter, request.series);
+  auto points = lab.points(meter, request.series);
   const calibration::CurveAge age = lab.curveAge(stored);
+  const ShownUnits units = shownUnits(lab, stored, request.units);
+  convert(stored, units);
+  convert(points, units);
   if (request.asJson) {
     nlohmann::json list = nlohmann::json::array();
     for (const auto& point : points) list.push_back(report::rawPointJson(point));
@@ -86,6 +91,7 @@ void listPoints(const PointsRequest& request) {
                                        {"meter", report::meterJson(meter)},
                                        {"series", stored.name},
                                        {"curve", calibration::curveAgeKey(age)},
+                                       {"units", unitsJson(units)},
                                        {"points", list},
                                        {"excludedBefore", former}}));
   }
@@ -94,7 +100,7 @@ void listPoints(const PointsRequest& request) {
                   std::to_string(meter.calibration) + ": " + pointCounts(points),
               0);
   if (points.empty()) return printData(text);
-  text += "\n" + pointsTable(points);
+  text += unitsLine(units) + "\n" + pointsTable(points);
   const std::string excluded = exclusionLines(points) + formerLines(stored);
   if (!excluded.empty()) text += "\n" + excluded;
   text += suspectLines(request, stored.name, points);
@@ -121,6 +127,7 @@ void addPointsCommand(Program& program) {
   addMeter(command, request->meter, true);
   addSeries(command, request->series, true);
   addCalibration(command, request->reCalID);
+  addUnits(command, request->units);
   addJson(command, request->asJson);
   command.onRun([request] { listPoints(*request); });
 }

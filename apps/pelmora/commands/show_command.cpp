@@ -3,6 +3,7 @@
 #include "apps/pelmora/options/common_options.h"
 #include "apps/pelmora/output/curve_note.h"
 #include "apps/pelmora/output/meter_list.h"
+#include "apps/pelmora/output/shown_units.h"
 #include "apps/pelmora/output/standard_output.h"
 #include "apps/pelmora/output/stored_tables.h"
 #include "apps/pelmora/session.h"
@@ -16,6 +17,7 @@ namespace {
 struct ShowRequest {
   DatabaseOption curves;
   std::string meter, series;
+  std::vector<std::string> units;
   std::int16_t calibration = calibration::latestCalibration;
   bool asJson = false;
 };
@@ -30,14 +32,19 @@ void show(const ShowRequest& request) {
     throw Trouble(ExitCode::usage, "--series and --calibration need a meter",
                   "give --meter SN as well");
   }
+  if (request.series.empty() && !request.units.empty()) {
+    throw Trouble(ExitCode::usage, "--unit needs a series", "give --series NAME as well");
+  }
   Session session(request.curves, calibration::Mode::read);
   const calibration::Database& lab = session.database();
   if (request.meter.empty()) return showMeters(lab, request.asJson);
   const calibration::Meter meter = lab.meter(request.meter, request.calibration);
   if (!request.series.empty()) {
-    const calibration::StoredSeries series = lab.series(meter, request.series);
+    calibration::StoredSeries series = lab.series(meter, request.series);
+    const ShownUnits units = shownUnits(lab, series, request.units);
     noteOldCurves(session.path(), request.calibration, {series});
-    return printData(request.asJson ? seriesJson(series) : seriesText(series));
+    convert(series, units);
+    return printData(request.asJson ? seriesJson(series, units) : seriesText(series, units));
   }
   const CalibrationContents contents{session.path(), meter, lab.runs(meter),
                                      lab.everySeries(meter)};
@@ -56,6 +63,7 @@ void addShowCommand(Program& program) {
   addMeter(command, request->meter, false);
   addSeries(command, request->series, false);
   addCalibration(command, request->calibration);
+  addUnits(command, request->units);
   addJson(command, request->asJson);
   command.onRun([request] { show(*request); });
 }

@@ -22,12 +22,8 @@ std::string degreesText(double degrees) {
 
 std::string budgetText(const Budget& budget) {
   const auto right = TextAlign::right;
-  TextTable table({{"Cause"},
-                   {"u", right},
-                   {"Distribution"},
-                   {"Type"},
-                   {"DoF", right},
-                   {"Contrib. %", right}});
+  TextTable table(
+      {{"Cause"}, {"u", right}, {"Distribution"}, {"Type"}, {"DoF", right}, {"Contrib. %", right}});
   const double size = std::abs(budget.value) / 100;
   for (const BudgetRow& row : budget.rows) {
     table.addRow(
@@ -40,6 +36,20 @@ std::string budgetText(const Budget& budget) {
                 degreesText(budget.degreesOfFreedom),
                 significantText(budget.standardUncertainty / size, 3)});
   return table.text();
+}
+
+Budget scaled(Budget budget, double factor) {
+  budget.value *= factor;
+  budget.standardUncertainty *= factor;
+  budget.expanded *= factor;
+  for (BudgetRow& row : budget.rows) {
+    if (row.unit.empty())
+      row.standardUncertainty *= factor;
+    else
+      row.sensitivity *= factor;
+    row.contribution *= factor;
+  }
+  return budget;
 }
 
 nlohmann::json monteCarloJson(const calibration::MonteCarloCheck& check, double scale) {

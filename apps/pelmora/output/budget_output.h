@@ -15,6 +15,9 @@ namespace pelmora::cli {
 // contribution in per cent of the value.
 [[nodiscard]] std::string budgetText(const calibration::Budget& budget);
 
+// The budget of the value in another unit, of which `factor` make one of its own.
+[[nodiscard]] calibration::Budget scaled(calibration::Budget budget, double factor);
+
 [[nodiscard]] nlohmann::json monteCarloJson(const calibration::MonteCarloCheck& check,
                                             double scale = 1);
 

@@ -110,7 +110,7 @@ std::string calibrationJson(const CalibrationContents& contents) {
   return report::jsonText(calibrationValue(contents));
 }
 
-std::string seriesText(const StoredSeries& series) {
+std::string seriesText(const StoredSeries& series, const ShownUnits& units) {
   std::string counts;
   for (const PointArray& part : series.raw)
     counts += (counts.empty() ? "" : " + ") + std::to_string(part.size());
@@ -118,7 +118,7 @@ std::string seriesText(const StoredSeries& series) {
                                  " raw points, " + std::to_string(series.merged.size()) +
                                  " merged, " + std::to_string(series.curve.size()) + " fitted",
                              0);
-  text += exclusionLines(series.excluded);
+  text += unitsLine(units) + exclusionLines(series.excluded);
   text += series.curve.empty() ? "No curve is stored for it yet: fit it with 'pelmora fit'.\n"
                                : "\n" + curveTable(series.curve);
   if (series.report.empty()) return text;
@@ -127,12 +127,13 @@ std::string seriesText(const StoredSeries& series) {
   return text + "\nReport\n------\n" + report + (report.ends_with('\n') ? "" : "\n");
 }
 
-std::string seriesJson(const StoredSeries& series) {
+std::string seriesJson(const StoredSeries& series, const ShownUnits& units) {
   json raw = json::array();
   for (const PointArray& part : series.raw) raw.push_back(report::pointsJson(part));
   return report::jsonText({{"meter", report::meterJson(series.meter)},
                            {"series", series.name},
                            {"seriesId", series.id},
+                           {"units", unitsJson(units)},
                            {"raw", raw},
                            {"excluded", excludedJson(series)},
                            {"merged", report::pointsJson(series.merged)},

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "apps/pelmora/output/shown_units.h"
+
 #include <pelmora/calibration/values.h>
 
 #include <nlohmann/json_fwd.hpp>
@@ -23,7 +25,9 @@ struct CalibrationContents {
 [[nodiscard]] std::string calibrationJson(const CalibrationContents& contents);
 
 // One series: counts, the fitted curve and the report as it is stored.
-[[nodiscard]] std::string seriesText(const calibration::StoredSeries& series);
-[[nodiscard]] std::string seriesJson(const calibration::StoredSeries& series);
+[[nodiscard]] std::string seriesText(const calibration::StoredSeries& series,
+                                     const ShownUnits& units);
+[[nodiscard]] std::string seriesJson(const calibration::StoredSeries& series,
+                                     const ShownUnits& units);
 
 }  // namespace pelmora::cli

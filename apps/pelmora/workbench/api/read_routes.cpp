@@ -3,6 +3,7 @@
 #include "apps/pelmora/output/drift_output.h"
 #include "apps/pelmora/output/history_output.h"
 #include "apps/pelmora/output/point_output.h"
+#include "apps/pelmora/output/shown_units.h"
 #include "apps/pelmora/output/stored_tables.h"
 #include "apps/pelmora/workbench/api/comparison_json.h"
 #include "apps/pelmora/workbench/api/failure_answer.h"
@@ -169,6 +170,7 @@ http::Response getPoints(Bench& bench, const http::Request& request) {
                      {"meter", report::meterJson(series.meter)},
                      {"series", series.name},
                      {"curve", calibration::curveAgeKey(bench.lab().curveAge(series))},
+                     {"units", unitsJson(shownUnits(bench.lab(), series, {}))},
                      {"points", list},
                      {"excludedBefore", former}});
 }
