@@ -164,10 +164,14 @@ class SeriesBuilder {
     if (report_.curve.empty()) {
       made.whyNone = "no curve is stored";
     } else if (series_.fitted) {
-      made = statementOf(*series_.fitted);
+      made = uncertaintyStatementOf(*series_.fitted);
     } else {
       made.whyNone =
           series_.fittedTrouble.empty() ? "that of the curve is not known" : series_.fittedTrouble;
+    }
+    if (made.isStated() && made.curve.size() != report_.curve.size()) {
+      made = {};
+      made.whyNone = "the stored table has points that are not points of its curve";
     }
     if (made.isStated()) addPointUncertainties();
   }

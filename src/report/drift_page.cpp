@@ -6,8 +6,10 @@
 #include "report/html_table.h"
 #include "report/markup.h"
 #include "report/plot_scale.h"
+#include "report/svg_report.h"
 
 #include <cmath>
+#include <utility>
 #include <vector>
 
 namespace pelmora::report {
@@ -113,6 +115,34 @@ HtmlTable valueTable(const Drift& drift, const DriftPlace& place) {
   return table;
 }
 
+// The picture has colours of its own, as a file for people who paste it somewhere. On the page it
+// takes those of the page.
+std::string pictureColours() {
+  std::string css = "svg rect{fill:var(--paper)}";
+  for (const auto& [colour, name] : {std::pair(ink, "ink"), std::pair(soft, "soft"),
+                                     std::pair(grid, "grid"), std::pair(limit, "band")}) {
+    for (const char* property : {"fill", "stroke"}) {
+      css += std::string("svg [") + property + "=\"" + colour + "\"]{" + property + ":var(--" +
+             name + ")}";
+    }
+  }
+  return css;
+}
+
+std::string driftStyle() {
+  return ":root{color-scheme:light dark;" + lightColours() +
+         "}@media screen and (prefers-color-scheme:dark){:root{" + darkColours() +
+         "}}body{font:15px/1.5 system-ui,sans-serif;max-width:62em;margin:1.5em auto;padding:0 1em;"
+         "color:var(--ink);background:var(--paper)}h1{line-height:1.2}h2{font-size:1.1em;"
+         "margin:1.4em 0 0}table{border-collapse:collapse;margin:.4em 0 1em}td,th{padding:.2em "
+         ".6em;border-bottom:1px solid var(--grid);text-align:right;white-space:nowrap}.t,"
+         "th[scope=row],.why td{text-align:left}.why "
+         "td{white-space:normal}div{overflow-x:auto}svg{max-width:100%}"
+         // On a phone the picture scrolls, so that its texts stay readable.
+         "@media screen and (max-width:40em){svg{max-width:none;width:42em}}" +
+         pictureColours();
+}
+
 }  // namespace
 
 std::string driftPicture(const Drift& drift, const std::string& title) {
@@ -133,18 +163,16 @@ std::string driftPage(const Drift& drift, const std::string& title) {
   std::string html =
       "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\"><meta name=\"viewport\" "
       "content=\"width=device-width,initial-scale=1\"><title>Drift: " +
-      escaped(title) +
-      "</title><style>body{font:15px/1.5 system-ui,sans-serif;max-width:62em;margin:1.5em "
-      "auto;padding:0 1em;color:#1f2933}table{border-collapse:collapse;margin:1em 0}"
-      "caption{text-align:left;font-weight:600}td,th{padding:.2em "
-      ".6em;border-bottom:1px solid #d9dee4;text-align:right}.t,th[scope=row]"
-      ",.why td{text-align:left}svg{max-width:100%}div{overflow-x:auto}"
-      "</style></head><body>\n<h1>Drift of " +
-      escaped(title) + "</h1>\n" + driftPicture(drift, title) +
-      "<p>Bars: the expanded uncertainty of the shift since the first calibration, without what "
-      "the stand does to both alike. Broken lines: control limits, three standard deviations "
+      escaped(title) + "</title><style>" + driftStyle() + "</style></head><body>\n<h1>Drift of " +
+      escaped(title) + "</h1>\n<div tabindex=\"0\" role=\"group\" aria-label=\"Plot\">" +
+      driftPicture(drift, title) +
+      "</div><p>Bars: the expanded uncertainty of the shift since the first calibration, without "
+      "what the stand does to both alike. Broken lines: control limits, three standard deviations "
       "about the mean. Red: a significant shift.</p>\n";
-  for (const DriftPlace& place : drift.places) html += valueTable(drift, place).take();
+  for (const DriftPlace& place : drift.places) {
+    html += "<h2>Roshko " + significantText(place.roshko, 6) + "</h2>\n" +
+            valueTable(drift, place).take();
+  }
   if (drift.intervalYears) {
     html += "<p><strong>Recommended interval: " + significantText(*drift.intervalYears, 2) +
             " years.</strong> " + escaped(drift.assumptions()) + "</p>\n";

@@ -94,7 +94,7 @@ ReportTable pointsTable(const Report& report) {
                               textCell(exclusion.reason),
                               textCell(exclusion.userName),
                               textCell(exclusion.excludedAt)});
-        append(table.rows.back(), uncertaintyCells(point.uncertainty));
+        appendCells(table.rows.back(), uncertaintyCells(point.uncertainty));
       }
     }
   }

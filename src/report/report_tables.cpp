@@ -111,8 +111,8 @@ ReportTable curve(const Report& report) {
                             numberCell(point.roshko), numberCell(point.strouhal),
                             numberCell(point.confidence), numberCell(point.prediction)});
       const auto& uncertainties = series.uncertainty.curve;
-      append(table.rows.back(),
-             uncertaintyCells(i < uncertainties.size() ? uncertainties[i] : std::nullopt));
+      appendCells(table.rows.back(),
+                  uncertaintyCells(i < uncertainties.size() ? uncertainties[i] : std::nullopt));
     }
   }
   return table;

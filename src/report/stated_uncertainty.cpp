@@ -56,7 +56,7 @@ std::optional<UncertaintySpan> spanOf(const std::vector<std::optional<StatedUnce
   return span;
 }
 
-UncertaintyStatement statementOf(const FittedCurve& curve) {
+UncertaintyStatement uncertaintyStatementOf(const FittedCurve& curve) {
   if (curve.source() == calibration::CurveSource::table && curve.name().empty())
     return notStated("a new fit does not give the stored curve");
   std::vector<CurveEstimate> estimates;

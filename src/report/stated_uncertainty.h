@@ -50,7 +50,7 @@ struct UncertaintyStatement {
   [[nodiscard]] bool isStated() const { return whyNone.empty(); }
 };
 
-[[nodiscard]] UncertaintyStatement statementOf(const calibration::FittedCurve& curve);
+[[nodiscard]] UncertaintyStatement uncertaintyStatementOf(const calibration::FittedCurve& curve);
 
 // "k = 2.00, 95.45 %", "k = 2.00 to 2.06, 95.45 %".
 [[nodiscard]] std::string coverageText(const UncertaintySpan& span);

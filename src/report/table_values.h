@@ -22,7 +22,7 @@ namespace pelmora::report {
 [[nodiscard]] inline Value textCell(const std::string& value) {
   return value.empty() ? Value() : Value(value);
 }
-inline void append(std::vector<Value>& row, const std::vector<Value>& more) {
+inline void appendCells(std::vector<Value>& row, const std::vector<Value>& more) {
   row.insert(row.end(), more.begin(), more.end());
 }
 

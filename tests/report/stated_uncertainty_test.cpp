@@ -72,7 +72,7 @@ TEST(stated_uncertainty, spans_only_values_that_all_have_one) {
 }
 
 TEST(stated_uncertainty, of_a_curve_without_a_stand_says_so) {
-  const UncertaintyStatement made = statementOf(FittedCurve(fitOfPoints()));
+  const UncertaintyStatement made = uncertaintyStatementOf(FittedCurve(fitOfPoints()));
   ASSERT_TRUE(made.isStated());
   EXPECT_THAT(uncertaintyText(made), HasSubstr("nothing of the stand: no uncertainty"));
   EXPECT_FALSE(made.hasStand);
@@ -81,7 +81,7 @@ TEST(stated_uncertainty, of_a_curve_without_a_stand_says_so) {
 TEST(stated_uncertainty, is_at_least_that_of_the_stand) {
   const FittedCurve curve(fitOfPoints(),
                           statement("[stand]\nname = S\n[flow]\nexpanded = 0.1 %\nk = 2\n"));
-  const UncertaintyStatement made = statementOf(curve);
+  const UncertaintyStatement made = uncertaintyStatementOf(curve);
   ASSERT_TRUE(made.isStated());
   EXPECT_GE(made.span.lowestPercent, 0.1);
   EXPECT_LT(made.span.highestPercent, 0.15);
@@ -90,7 +90,7 @@ TEST(stated_uncertainty, is_at_least_that_of_the_stand) {
 }
 
 TEST(stated_uncertainty, is_not_stated_where_the_stand_needs_a_value_that_is_not_known) {
-  const UncertaintyStatement made = statementOf(
+  const UncertaintyStatement made = uncertaintyStatementOf(
       FittedCurve(fitOfPoints(), statement("[stand]\nname = S\n[flow]\nstandard = 0.001 gal/s\n")));
   EXPECT_FALSE(made.isStated());
   EXPECT_THAT(made.whyNone, testing::Not(IsEmpty()));
@@ -99,7 +99,8 @@ TEST(stated_uncertainty, is_not_stated_where_the_stand_needs_a_value_that_is_not
 
 TEST(stated_uncertainty, is_not_stated_of_a_table_alone) {
   const PointArray table{{1, 10}, {100, 1000}};
-  const UncertaintyStatement made = statementOf(FittedCurve(calibration::Curve(table), "Rotor A"));
+  const UncertaintyStatement made =
+      uncertaintyStatementOf(FittedCurve(calibration::Curve(table), "Rotor A"));
   EXPECT_EQ(made.whyNone, "a new fit does not give the stored curve");
 }
 

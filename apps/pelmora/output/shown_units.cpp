@@ -14,7 +14,7 @@ namespace {
 // Any unit of each quantity, to find out which one a unit belongs to.
 constexpr const char *anyRoshko = "Hz/cSt", *anyStrouhal = "pulses/gal";
 
-bool isOf(const std::string& unit, const std::string& any) {
+bool isUnitOf(const std::string& unit, const std::string& any) {
   try {
     (void)calibration::conversionFactor(any, unit);
     return true;
@@ -23,8 +23,8 @@ bool isOf(const std::string& unit, const std::string& any) {
   }
 }
 
-void request(ShownUnit& unit, const std::string& wanted, const std::string& name,
-             const std::string& key) {
+void requestUnit(ShownUnit& unit, const std::string& wanted, const std::string& name,
+                 const std::string& key) {
   if (unit.recorded.empty()) {
     throw Trouble(ExitCode::usage,
                   "--unit " + wanted + ": the unit of the " + name + " numbers is not recorded",
@@ -39,7 +39,7 @@ void request(ShownUnit& unit, const std::string& wanted, const std::string& name
   unit.shown = wanted;
 }
 
-std::string text(const std::string& name, const ShownUnit& unit) {
+std::string unitText(const std::string& name, const ShownUnit& unit) {
   if (unit.shown.empty()) return {};
   return name + " " + unit.shown +
          (unit.shown == unit.recorded ? "" : " (converted from " + unit.recorded + ")");
@@ -67,9 +67,9 @@ ShownUnits shownUnits(const calibration::Database& lab, const calibration::Store
   units.roshko.recorded = units.roshko.shown = recorded("roshko-unit");
   if (!units.isQuotient) units.strouhal.recorded = units.strouhal.shown = recorded("strouhal-unit");
   for (const std::string& unit : wanted) {
-    if (isOf(unit, anyRoshko)) {
-      request(units.roshko, unit, "Roshko", "roshko-unit");
-    } else if (!isOf(unit, anyStrouhal)) {
+    if (isUnitOf(unit, anyRoshko)) {
+      requestUnit(units.roshko, unit, "Roshko", "roshko-unit");
+    } else if (!isUnitOf(unit, anyStrouhal)) {
       throw Trouble(ExitCode::usage,
                     "--unit: '" + unit + "' is not a unit of Roshko or Strouhal numbers",
                     "give one such as Hz/(m2/s) or pulses/l");
@@ -78,7 +78,7 @@ ShownUnits shownUnits(const calibration::Database& lab, const calibration::Store
                     "--unit " + unit + ": the values of '" + series.name + "' have no unit",
                     "leave it out, or choose the series of a rotor");
     } else {
-      request(units.strouhal, unit, "Strouhal", "strouhal-unit");
+      requestUnit(units.strouhal, unit, "Strouhal", "strouhal-unit");
     }
   }
   return units;
@@ -111,8 +111,8 @@ void convert(std::vector<calibration::RawPoint>& points, const ShownUnits& units
 }
 
 std::string unitsLine(const ShownUnits& units) {
-  const std::string roshko = text("Roshko", units.roshko),
-                    strouhal = text("Strouhal", units.strouhal);
+  const std::string roshko = unitText("Roshko", units.roshko),
+                    strouhal = unitText("Strouhal", units.strouhal);
   if (roshko.empty() && strouhal.empty()) return {};
   return wrapped(
       "Units: " + roshko + (roshko.empty() || strouhal.empty() ? "" : ", ") + strouhal + ".", 0);
