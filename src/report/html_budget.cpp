@@ -70,7 +70,7 @@ std::string htmlBudget(const SeriesReport& series) {
   std::vector<HtmlColumn> columns{
       {"Cause", false}, {"u", true}, {"Distribution", false}, {"Type", false}, {"DoF", true}};
   for (const Place& place : statement.budgets)
-    columns.push_back({"% at " + significantText(place.roshko, placeDigits), true});
+    columns.push_back({"% at Roshko " + significantText(place.roshko, placeDigits), true});
   HtmlTable table("Uncertainty budget of " + series.name, columns, "points budget keep");
   for (const BudgetRow* row : allRows(statement.budgets)) {
     std::vector<std::string> cells{row->cause + (row->label.empty() ? "" : ": " + row->label),

@@ -10,6 +10,7 @@
 #include "report/paper_picture.h"
 #include "report/plot_legend.h"
 #include "report/printed_values.h"
+#include "report/report_details.h"
 #include "report/series_plot.h"
 
 #include <algorithm>
@@ -117,10 +118,12 @@ TableColumns tableColumns(const SeriesReport& series) {
   return shown;
 }
 
-std::string halfOfTable(const SeriesReport& series, std::size_t begin, std::size_t end,
-                        const TableColumns& shown) {
+std::string halfOfTable(const Report& report, const SeriesReport& series, std::size_t begin,
+                        std::size_t end, const TableColumns& shown) {
   std::vector<HtmlColumn> columns{
-      {"No.", true}, {series.roshkoTitle, true}, {series.valueTitle, true}};
+      {"No.", true},
+      {withUnit(report, "Roshko", "roshko-unit"), true},
+      {isQuotient(series) ? "Ratio" : withUnit(report, "K", "strouhal-unit"), true}};
   if (shown.uncertainty) columns.push_back({"U", true});
   if (shown.factor) columns.push_back({"k", true});
   if (shown.bands) columns.insert(columns.end(), {{"\u00B1 conf.", true}, {"\u00B1 pred.", true}});
@@ -145,7 +148,7 @@ std::string halfOfTable(const SeriesReport& series, std::size_t begin, std::size
   return table.take();
 }
 
-std::string predictedTable(const SeriesReport& series) {
+std::string predictedTable(const Report& report, const SeriesReport& series) {
   if (series.curve.empty()) return {};
   const TableColumns shown = tableColumns(series);
   const std::size_t half = (series.curve.size() + 1) / 2;
@@ -156,8 +159,9 @@ std::string predictedTable(const SeriesReport& series) {
                   : "";
   return "<h3>Predicted table</h3>\n" + bands + "<div class=\"pair" +
          std::string(series.curve.size() <= onePage ? " keep" : "") + "\">" +
-         halfOfTable(series, 0, half, shown) +
-         (half < series.curve.size() ? halfOfTable(series, half, series.curve.size(), shown) : "") +
+         halfOfTable(report, series, 0, half, shown) +
+         (half < series.curve.size() ? halfOfTable(report, series, half, series.curve.size(), shown)
+                                     : "") +
          "</div>\n";
 }
 
@@ -197,7 +201,7 @@ std::string htmlSeries(const Report& report, const SeriesReport& series, const s
       "<section class=\"series\" id=\"" + id + "\">\n<h2>" + escaped(series.name) + "</h2>\n" +
       remarks(series) + (options.isPaper && isFirst ? "" : htmlPicture(series, options)) +
       "<div class=\"sheet\">" + htmlPoints(report, series) + htmlFlows(report, series) +
-      "</div>\n" + predictedTable(series) + htmlBudget(series) + htmlEquations(series) +
+      "</div>\n" + predictedTable(report, series) + htmlBudget(series) + htmlEquations(series) +
       comparison(series, options) + settings(series);
   if (options.withStoredText && !series.storedText.empty()) {
     html += "<details><summary>Stored report</summary><pre>" + escaped(series.storedText) +

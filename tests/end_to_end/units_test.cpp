@@ -27,9 +27,10 @@ class units : public CommandTest {
     arguments.insert(arguments.end(), more.begin(), more.end());
     return arguments;
   }
-  json jsonOf(const std::string& command, Arguments more = {}) const {
+  json jsonOf(const std::string& command, Arguments more = {},
+              const std::string& series = "Rotor A") const {
     more.emplace_back("--json");
-    return done(of(command, more)).json();
+    return done(of(command, more, series)).json();
   }
 };
 
@@ -91,9 +92,9 @@ TEST_F(units, of_a_value_apply_to_its_uncertainty) {
 
 TEST_F(units, of_an_inverse_value_are_those_of_roshko) {
   record();
-  const json stored = jsonOf("evaluate", {"--inverse", "1250"})["values"][0];
+  const json stored = jsonOf("evaluate", {"--inverse", "1.03"}, "Ratio")["values"][0];
   const json converted =
-      jsonOf("evaluate", {"--inverse", "--unit", "Hz/(m2/s)", "1250"})["values"][0];
+      jsonOf("evaluate", {"--inverse", "--unit", "Hz/(m2/s)", "1.03"}, "Ratio")["values"][0];
   for (const char* name : {"roshko", "expandedUncertainty", "confidenceHalfWidth"}) {
     const double wanted = stored[name].get<double>() * 1e6;
     EXPECT_NEAR(converted[name].get<double>(), wanted, 1e-9 * wanted) << name;

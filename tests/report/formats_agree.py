@@ -211,7 +211,7 @@ def expect_stated(cells, point, span, name):
 def expect_budget(rows, budgets, name):
     for k, place in enumerate(budgets):
         column = [row[5 + k] for row in rows[1:]]
-        expect_rounded(rows[0][5 + k].removeprefix("% at "), place["roshko"], f"{name}: place of a budget")
+        expect_rounded(rows[0][5 + k].removeprefix("% at Roshko "), place["roshko"], f"{name}: place of a budget")
         labels = [row["cause"] + (": " + row["label"] if row["label"] else "") for row in place["budget"]]
         shown = {row[0]: row[5 + k] for row in rows[1:-4]}
         expect_equal({label for label, text in shown.items() if text != "-"}, set(labels), f"{name}: causes")
