@@ -32,6 +32,7 @@ void addCommands(Program& program) {
   addImportCommand(program);
   addImportCurveCommand(program);
   addImportAccessCommand(program);
+  addCopyCommand(program);
   addRawCommand(program);
   addPlotCommand(program);
   addPointsCommand(program);

@@ -6,6 +6,7 @@
 #include <pelmora/calibration/budget.h>
 #include <pelmora/calibration/choice.h>
 #include <pelmora/calibration/conversion.h>
+#include <pelmora/calibration/copy.h>
 #include <pelmora/calibration/coverage.h>
 #include <pelmora/calibration/curve.h>
 #include <pelmora/calibration/database.h>
@@ -21,6 +22,7 @@
 #include <pelmora/calibration/import_access.h>
 #include <pelmora/calibration/observer.h>
 #include <pelmora/calibration/points.h>
+#include <pelmora/calibration/proof.h>
 #include <pelmora/calibration/ranking.h>
 #include <pelmora/calibration/refit.h>
 #include <pelmora/calibration/repeat.h>

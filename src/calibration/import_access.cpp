@@ -6,7 +6,7 @@
 #include "base/file_text.h"
 #include "base/run_time_error.h"
 #include "base/server_address.h"
-#include "base/word_mixer.h"
+#include "calibration/row_checksum.h"
 #include "calibration/session.h"
 #include "calibration/stored_value.h"
 #include "doctor/examination.h"
@@ -23,19 +23,6 @@ namespace pelmora::calibration {
 namespace {
 
 constexpr std::size_t rowsOfABatch = 1000;
-
-// Added up over the rows, so that their order does not matter. 0 and -0 differ.
-std::uint64_t checksumOf(std::span<const Value> row) {
-  WordMixer mixer;
-  for (const Value& value : row) {
-    mixer.add(std::uint64_t{value.index()});
-    if (const auto* whole = std::get_if<std::int64_t>(&value))
-      mixer.add(static_cast<std::uint64_t>(*whole));
-    if (const auto* real = std::get_if<double>(&value)) mixer.add(*real);
-    if (const auto* text = std::get_if<std::string>(&value)) mixer.add(std::string_view(*text));
-  }
-  return mixer.state();
-}
 
 // Writes the tables of a curve database as they are read.
 class CurveTables : public ForeignTables {
@@ -67,7 +54,7 @@ class CurveTables : public ForeignTables {
   void addRow(std::span<const Value> values) override {
     ++proof_.read;
     if (schema_ == nullptr) {
-      proof_.checksumRead += checksumOf(values);
+      proof_.checksumRead += rowChecksum(values);
       return;
     }
     std::vector<Value> row(schema_->Columns.size());
@@ -86,7 +73,7 @@ class CurveTables : public ForeignTables {
       }
     }
     if (!hasOwnKey(row)) return;
-    proof_.checksumRead += checksumOf(row);
+    proof_.checksumRead += rowChecksum(row);
     rows_->addRow(fields_, row);
     if (++batch_ == rowsOfABatch) sendBatch();
   }
@@ -199,7 +186,7 @@ void prove(Connection& curves, ProofTable& proof) {
       row[i] = rows->value(fields[i]);
       if (row[i].index() == 0) ++proof.empty;
     }
-    proof.checksumWritten += checksumOf(row);
+    proof.checksumWritten += rowChecksum(row);
     ++proof.written;
   }
 }

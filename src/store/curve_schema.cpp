@@ -150,6 +150,23 @@ SchemaTable historyEntries() {
           byKey};
 }
 
+SchemaTable unfinishedCopies() {
+  return {copyTable,
+          {{"Kind", whole},
+           {"Name", text},
+           {"Place", text},
+           {"AfterID", whole},
+           {"RowsRead", whole},
+           {"RowsWritten", whole},
+           {"EmptyValues", whole},
+           {"ChecksumRead", whole},
+           {"ChecksumWritten", whole},
+           {"Reason", text}},
+          {},
+          {},
+          asStored};
+}
+
 SchemaTable historyOf(const SchemaTable& kept) {
   const std::string name = historyTableOf(kept.Name);
   SchemaTable history{
@@ -198,6 +215,7 @@ std::vector<SchemaTable> allOwnTables() {
        {{std::string(signOffTable) + "_series", {"SeriesID"}}},
        {},
        asStored},
+      unfinishedCopies(),
       historyEntries()};
   for (const char* name : excludedTables) tables.push_back(excludedPoints(name));
   for (const char* name : keptTableNames) {

@@ -79,6 +79,8 @@ inline constexpr const char* fitSettingsTable = "pelmora_fit_settings";
 inline constexpr const char* salvagedPartTable = "pelmora_salvaged_part";
 inline constexpr const char* signOffTable = "pelmora_sign_off";
 inline constexpr const char* historyEntryTable = "pelmora_history_entry";
+// How far a copy in portions into this database has come; empty in a database that is whole.
+inline constexpr const char* copyTable = "pelmora_copy";
 
 // The tables whose rows the history keeps: owners before what belongs to them.
 inline constexpr std::array<const char*, 18> keptTableNames{"meter",

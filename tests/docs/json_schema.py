@@ -76,6 +76,7 @@ def outputs(folder):
         with open(ACCESS_FILE, "rb") as file, open(os.path.join(folder, "cut.mdb"), "wb") as cut:
             cut.write(file.read()[:-4096])
         yield "import-access", run("import-access", cut.name, os.path.join(folder, "part.db"), code=PROBLEMS)
+    yield "copy", run("copy", os.path.join(folder, "copied.db"), "--meter", "V")
     yield "fit", run("fit", *series)
     yield "fit", run("fit", *series, "--band", "0.01", "--choose", "adjusted-r2", code=BAND_FAILED)
     yield "fit", run("fit", "--meter", "V", "--series", "Shedding", "--fit-min", "8", "--strict", "--dry-run", code=BAND_FAILED)

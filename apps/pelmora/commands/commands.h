@@ -10,6 +10,7 @@ void addInitCommand(Program& program);
 void addImportCommand(Program& program);
 void addImportCurveCommand(Program& program);
 void addImportAccessCommand(Program& program);
+void addCopyCommand(Program& program);
 void addRawCommand(Program& program);
 void addCompareCommand(Program& program);
 void addEquationsCommand(Program& program);

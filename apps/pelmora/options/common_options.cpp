@@ -45,15 +45,23 @@ void addPath(Command& command, const OptionText& option, std::string& path) {
   });
 }
 
-void addDatabase(Command& command, std::string& path) {
-  command.addText({"CURVES", "FILE", "Curve database", true}, [&path](const std::string& text) {
-    requireDatabasePath("CURVES", text);
+void addDatabase(Command& command, const OptionText& option, std::string& path) {
+  command.addText(option, [&path, name = option.names](const std::string& text) {
+    requireDatabasePath(name, text);
     path = text;
   });
 }
 
+void addDatabase(Command& command, std::string& path) {
+  addDatabase(command, {"CURVES", "FILE", "Curve database", true}, path);
+}
+
 void addDatabase(Command& command, DatabaseOption& curves) {
   addDatabase(command, curves.path);
+  addWait(command, curves);
+}
+
+void addWait(Command& command, DatabaseOption& curves) {
   command.addText({"--wait", "SECONDS",
                    "How long to wait while another program has the database locked (default 30)"},
                   [&curves](const std::string& text) {

@@ -18,9 +18,11 @@ namespace pelmora::cli {
 // A file or folder. A path that would not be shown as it is reads as another one: it is refused.
 void addPath(Command& command, const OptionText& option, std::string& path);
 // A path to a database alone.
+void addDatabase(Command& command, const OptionText& option, std::string& path);
 void addDatabase(Command& command, std::string& path);
 // With --wait, for commands that work on a database that is there.
 void addDatabase(Command& command, DatabaseOption& curves);
+void addWait(Command& command, DatabaseOption& curves);
 // A name to look for. Errors when it is parsed: as for requireName().
 void addName(Command& command, const OptionText& option, std::string& name);
 void addMeter(Command& command, std::string& serialNumber, bool isRequired);

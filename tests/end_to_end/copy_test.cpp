@@ -1,0 +1,47 @@
+// Curves in another curve database.
+// SPDX-License-Identifier: MIT
+#include "tests/end_to_end/command.h"
+#include "tests/support/plain_sqlite.h"
+
+namespace pelmora::test {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+class copy_command : public CommandTest {
+ protected:
+  void SetUp() override {
+    init();
+    done({"raw", curves, write("points.csv", "roshko,strouhal\n1,2\n3,4\n5,6\n"), "--meter", "M1",
+          "--register", "--series", "K"});
+  }
+  [[nodiscard]] std::string target() const { return scratch.file("copy.db"); }
+};
+
+TEST_F(copy_command, proves_that_nothing_is_missing) {
+  EXPECT_THAT(done({"copy", curves, target()}).output,
+              AllOf(HasSubstr("raw1"), HasSubstr("Nothing is missing.")));
+  EXPECT_EQ(done({"show", target(), "--meter", "M1", "--series", "K", "--json"}).json(),
+            done({"show", curves, "--meter", "M1", "--series", "K", "--json"}).json());
+}
+
+TEST_F(copy_command, ends_with_5_if_something_is_missing) {
+  PlainSqlite(curves).run("UPDATE raw1 SET Roshko = 'word' WHERE rowid = 1");
+  const CommandResult result = run({"copy", curves, target()});
+  EXPECT_EQ(result.exitCode, 5);
+  EXPECT_THAT(result.output, HasSubstr("column Roshko: 'word' cannot be stored there"));
+  EXPECT_THAT(result.error, HasSubstr("not everything in '" + curves + "' was copied"));
+}
+
+TEST_F(copy_command, says_what_is_in_the_way) {
+  done({"copy", curves, target()});
+  EXPECT_THAT(trouble(3, {"copy", curves, target()}), HasSubstr("already holds rows"));
+  EXPECT_THAT(trouble(3, {"copy", curves, target(), "--meter", "M1", "--new-ids"}),
+              HasSubstr("already has meter 'M1', calibration 0"));
+  EXPECT_THAT(trouble(4, {"copy", curves, target(), "--meter", "M9"}), HasSubstr("M9"));
+  EXPECT_THAT(trouble(5, {"copy", curves, curves}), HasSubstr("cannot be copied into itself"));
+}
+
+}  // namespace
+}  // namespace pelmora::test
