@@ -95,6 +95,7 @@ class SeriesBuilder {
     report_.storedText = stored_.report;
     std::erase(report_.storedText, '\r');
     report_.curveAge = stored_.age;
+    addSignatures();
     addFit();
     addPoints();
     addUncertainty();
@@ -103,6 +104,13 @@ class SeriesBuilder {
   }
 
  private:
+  void addSignatures() {
+    if (series_.signOffs.empty()) return;
+    const std::string now = calibration::signedFingerprint(stored_);
+    for (const calibration::SignOff& entry : series_.signOffs)
+      report_.signatures.push_back({entry, entry.fingerprint == now});
+  }
+
   void remark(const std::string& kind, const std::string& text) {
     report_.remarks.push_back({kind, text});
   }

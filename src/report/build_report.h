@@ -36,6 +36,7 @@ struct SeriesInput {
   std::string fittedTrouble{};
   // Of the latest earlier calibration that has a curve of this series.
   std::optional<PreviousSeries> previous;
+  std::vector<calibration::SignOff> signOffs{};  // as Database::signOffs lists them
 };
 
 struct ReportInput {

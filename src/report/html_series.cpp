@@ -61,6 +61,21 @@ std::string settings(const SeriesReport& series) {
   return "<p class=\"fine\">" + escaped(text) + "</p>\n";
 }
 
+std::string signatures(const SeriesReport& series) {
+  std::string html;
+  for (const Signature& signature : series.signatures) {
+    const calibration::SignOff& entry = signature.entry;
+    html +=
+        "<p><b>" +
+        std::string(signature.isValid ? "Signed off" : "Void, changed since it was signed off") +
+        "</b> by " + escaped(entry.name) + ", " + escaped(entry.signedAt) +
+        (entry.remark.empty() ? "" : ": " + escaped(entry.remark)) +
+        ". <span class=\"fine\">Fingerprint <code>" + escaped(entry.fingerprint) +
+        "</code></span></p>\n";
+  }
+  return html;
+}
+
 std::string legend(const SeriesReport& series, const PageOptions& options) {
   std::string html;
   for (const LegendEntry& entry : legendOf(series)) {
@@ -202,7 +217,7 @@ std::string htmlSeries(const Report& report, const SeriesReport& series, const s
       remarks(series) + (options.isPaper && isFirst ? "" : htmlPicture(series, options)) +
       "<div class=\"sheet\">" + htmlPoints(report, series) + htmlFlows(report, series) +
       "</div>\n" + predictedTable(report, series) + htmlBudget(series) + htmlEquations(series) +
-      comparison(series, options) + settings(series);
+      comparison(series, options) + settings(series) + signatures(series);
   if (options.withStoredText && !series.storedText.empty()) {
     html += "<details><summary>Stored report</summary><pre>" + escaped(series.storedText) +
             "</pre></details>\n";

@@ -103,6 +103,7 @@ ReportInput inputOf(const Database& lab, const Meter& meter,
                     nearest == nullptr ? "" : nearest->Name};
     addFittedCurve(lab, repeated, series);
     series.previous = previousOf(lab, earlier, stored.name);
+    series.signOffs = lab.signOffs(stored);
   }
   return input;
 }

@@ -9,6 +9,7 @@
 #include <pelmora/calibration/history.h>
 #include <pelmora/calibration/points.h>
 #include <pelmora/calibration/ranking.h>
+#include <pelmora/calibration/sign_off.h>
 #include <pelmora/calibration/values.h>
 #include <pelmora/curve_settings.h>
 #include <pelmora/fit_outcome.h>
@@ -33,6 +34,11 @@ struct RawPart {
 struct MergedPoint {
   double roshko = 0, strouhal = 0;
   std::optional<double> deviationPercent{};  // as of MeasuredPoint
+};
+
+struct Signature {
+  calibration::SignOff entry;
+  bool isValid = false;  // the series is as it was signed
 };
 
 // What the reader must see before anything else of a series.
@@ -77,6 +83,7 @@ struct SeriesReport {
   std::vector<Remark> remarks;
   std::string storedText;  // the stored report, line breaks LF
   std::optional<PreviousCurve> previous;
+  std::vector<Signature> signatures;  // the newest first
 };
 
 struct Report {

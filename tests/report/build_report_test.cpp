@@ -25,6 +25,16 @@ std::vector<std::string> kinds(const SeriesReport& series) {
   return list;
 }
 
+TEST(build_report, a_signature_is_valid_until_the_series_changes) {
+  SeriesInput input = straightSeries();
+  calibration::SignOff& entry = input.signOffs.emplace_back();
+  entry.name = "Ada";
+  entry.fingerprint = calibration::signedFingerprint(input.stored);
+  EXPECT_TRUE(seriesOf(input).signatures.at(0).isValid);
+  input.stored.raw[0](0, 1) *= 1.0001;
+  EXPECT_FALSE(seriesOf(input).signatures.at(0).isValid);
+}
+
 TEST(build_report, shows_the_state_of_each_point) {
   SeriesInput input = straightSeries();
   input.points[1].state = calibration::PointState::excluded;

@@ -27,6 +27,8 @@ Report hostileReport() {
   equation.Parameters.front().Name = hostile;
   series.refit.outcome.Warnings.push_back({CurveWarningKind::pole, 1, 2, 3, hostile});
   series.previous = PreviousSeries{1, hostile, series.stored.curve};
+  calibration::SignOff& entry = series.signOffs.emplace_back();
+  entry.name = entry.remark = entry.signedAt = entry.fingerprint = hostile;
   ReportInput input = reportOf(series);
   input.meter.serial = input.meter.adjusted = input.database = hostile;
   for (calibration::Run& run : input.runs) run.fluid = run.operatorName = run.date = hostile;

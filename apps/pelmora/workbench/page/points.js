@@ -64,7 +64,7 @@ export class PointTable {
       h("td", { class: "n" }, String(p.part[i])), h("td", { class: "n" }, String(p.number[i])), h("td", { class: "n" }, number(p.roshko[i])),
       h("td", { class: "n" }, number(p.strouhal[i])), h("td", { class: "n" }, signed(p.residual(i), 3)),
       h("td", { class: suspect ? "n suspect" : "n" }, state === "excluded" && !p.hasSigmas(i) ? "–" : signed(p.sigmas(i), 1)),
-      h("td", { title: reason ?? "" }, reason ? `${state}: ${reason}` : state));
+      h("td", { title: reason ?? "" }, reason ? `out: ${reason}` : suspect ? (p.judged.size ? "set aside" : "suspect") : state));
   }
   reveal(i) {
     const at = this.rows.indexOf(i) * rowHeight, view = this.scroll;

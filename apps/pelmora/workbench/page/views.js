@@ -14,7 +14,7 @@ export function showVerdict(root, { preview, isNew, trouble, isOld }) {
     : h("p", { class: "big bad" }, `No curve: ${preview.reason}`);
   const change = preview.difference;
   const difference = isNew && change
-    ? h("p", { id: "difference" }, `New against stored: ${signed(change.largest.percent, 4)} % at Roshko ${number(change.largest.roshko, 4)} at most, ${signed(change.meanPercent, 4)} % on average.`)
+    ? h("p", { id: "difference" }, Math.abs(change.largest.percent) < 5e-5 ? "The new curve is the stored one, to 0.0001 %." : `New against stored: ${signed(change.largest.percent, 4)} % at Roshko ${number(change.largest.roshko, 4)} at most, ${signed(change.meanPercent, 4)} % on average.`)
     : null;
   const old = isOld ? h("p", { class: "bad" }, sentence(isOld)) : null;
   const warnings = preview.warnings.length ? h("ul", { "aria-label": "Warnings" }, preview.warnings.map((warning) => h("li", {}, warning.text))) : null;
@@ -59,7 +59,7 @@ export function showHistory(root, entries, restore) {
 export function showBudget(root, found, again) {
   if (!found) return fill(root, h("p", { class: "fine" }, "Store a curve first: the budget is that of the stored curve."));
   const roshko = h("input", { type: "number", id: "budget-roshko", step: "any", min: "0", value: String(Number(found.roshko.toPrecision(6))) });
-  const viscosity = h("input", { type: "number", id: "budget-viscosity", step: "any", min: "0", placeholder: "if the stand needs it" });
+  const viscosity = h("input", { type: "number", id: "budget-viscosity", step: "any", min: "0", placeholder: "optional" });
   const form = h("form", { onsubmit: (event) => { event.preventDefault(); again({ roshko: roshko.value || null, viscosity: viscosity.value || null }); } },
     h("div", { class: "field" }, h("label", { for: "budget-roshko" }, "At Roshko"), roshko, h("button", { type: "submit" }, "Show")),
     h("div", { class: "field" }, h("label", { for: "budget-viscosity" }, "Viscosity, cSt"), viscosity));
