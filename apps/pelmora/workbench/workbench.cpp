@@ -3,6 +3,7 @@
 
 #include "apps/pelmora/interruption.h"
 #include "apps/pelmora/output/standard_output.h"
+#include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/trouble.h"
 #include "apps/pelmora/workbench/api/bench.h"
 #include "apps/pelmora/workbench/api/interface.h"
@@ -106,8 +107,9 @@ void runWorkbench(Session& session, const WorkbenchOptions& options) {
     return !isInterrupted() && !visitor.lastUse().isIdle(Clock::now(), options.idle);
   });
   requireNotInterrupted();
-  printData("Nobody has used the workbench for " + std::to_string(options.idle.count()) +
-            " minutes: it has ended.\n");
+  printData("Nobody has used the workbench for " +
+            counted(static_cast<std::size_t>(options.idle.count()), "minute") +
+            ": it has ended.\n");
 }
 
 }  // namespace pelmora::cli::workbench
