@@ -1,4 +1,6 @@
 // A terminal without a screen: what is typed waits for a reader, what is written can be read back.
+// Programs that are started meanwhile see a terminal that can rewrite lines, also where the tests
+// themselves run without one.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -8,6 +10,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -26,8 +29,15 @@ class PseudoTerminal {
     settings.c_lflag &= ~static_cast<tcflag_t>(ECHO);
     settings.c_oflag &= ~static_cast<tcflag_t>(OPOST);
     tcsetattr(line_, TCSANOW, &settings);
+    if (const char* kind = std::getenv("TERM")) kind_ = kind;
+    setenv("TERM", "xterm", 1);
   }
   ~PseudoTerminal() {
+    if (kind_) {
+      setenv("TERM", kind_->c_str(), 1);
+    } else {
+      unsetenv("TERM");
+    }
     ::close(line_);
     ::close(screen_);
   }
@@ -56,6 +66,7 @@ class PseudoTerminal {
  private:
   int screen_ = -1, line_ = -1;
   std::string path_;
+  std::optional<std::string> kind_;  // of the terminal that the tests run in
 };
 
 }  // namespace pelmora::test

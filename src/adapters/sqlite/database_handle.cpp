@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sqlite/database_handle.h"
 
+#include "adapters/sqlite/careful_files.h"
 #include "adapters/sqlite/sqlite_error.h"
 #include "base/file_text.h"
 
@@ -29,7 +30,7 @@ DatabaseHandle::DatabaseHandle(const std::string& file, OpenMode mode, const Pat
   if (mode != OpenMode::memory) file_.emplace(filePath(file));
   sqlite3* opened = nullptr;
   const char* name = mode == OpenMode::memory ? ":memory:" : file.c_str();
-  const int code = sqlite3_open_v2(name, &opened, openFlags(mode), nullptr);
+  const int code = sqlite3_open_v2(name, &opened, openFlags(mode), carefulFiles()->zName);
   database_.reset(opened);
   if (code != SQLITE_OK) throw sqliteError(code, opened);
   sqlite3_extended_result_codes(opened, 1);

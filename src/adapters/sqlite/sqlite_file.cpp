@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sqlite/sqlite_file.h"
 
+#include "adapters/sqlite/careful_files.h"
 #include "adapters/sqlite/sqlite_database.h"
 #include "base/file_text.h"
 #include "base/run_time_error.h"
@@ -26,8 +27,7 @@ enum class Contents { unreadable, empty, access, other, sqlite };
 class OpenFile {
  public:
   explicit OpenFile(const std::string& path)
-      : vfs_(sqlite3_vfs_find(nullptr)),
-        name_(sqlite3_create_filename(path.c_str(), "", "", 0, nullptr)) {
+      : vfs_(carefulFiles()), name_(sqlite3_create_filename(path.c_str(), "", "", 0, nullptr)) {
     if (vfs_ == nullptr || name_ == nullptr) return;
     memory_.resize(static_cast<std::size_t>(vfs_->szOsFile) / sizeof(std::max_align_t) + 1);
     // Only a main database takes part in SQLite's account of locks.

@@ -10,10 +10,15 @@
 #include <pelmora/own_tables.h>
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
+#include <future>
+#include <optional>
 #include <thread>
+#include <utility>
 
 namespace pelmora {
 namespace {
@@ -78,6 +83,54 @@ TEST_F(kept_locks, because_it_is_not_read_as_an_ordinary_file) {
     EXPECT_NE(failure.description.find("is open as a database"), std::string::npos);
     EXPECT_EQ(failureOf([&] { standCsvConnection(name)->open(); }).number, failure.number);
   });
+}
+
+// Puts an action in front of SQLite's next closing of a file.
+class BeforeClosing {
+ public:
+  explicit BeforeClosing(std::function<void()> action) {
+    next = std::move(action);
+    system = vfs()->xGetSystemCall(vfs(), "close");
+    vfs()->xSetSystemCall(vfs(), "close", reinterpret_cast<sqlite3_syscall_ptr>(closing));
+  }
+  ~BeforeClosing() {
+    vfs()->xSetSystemCall(vfs(), "close", system);
+    next = {};
+  }
+  BeforeClosing(const BeforeClosing&) = delete;
+  BeforeClosing& operator=(const BeforeClosing&) = delete;
+
+ private:
+  static sqlite3_vfs* vfs() { return sqlite3_vfs_find(nullptr); }
+  static int closing(int file) {
+    if (const auto action = std::exchange(next, {})) action();
+    return reinterpret_cast<int (*)(int)>(system)(file);
+  }
+
+  static inline std::function<void()> next;
+  static inline sqlite3_syscall_ptr system = nullptr;
+};
+
+// SQLite has looked for locks already when it closes a file that has none.
+TEST_F(kept_locks, that_are_taken_while_another_thread_closes_the_file) {
+  const ConnectionPtr other = openDatabase(file_.path);
+  std::promise<void> taken;
+  std::jthread writer;
+  std::optional<Transaction> transaction;
+  {
+    const BeforeClosing closing([&] {
+      writer = std::jthread([&] {
+        transaction.emplace(file_.connection);
+        file_.execute("Insert into Fluids (Name) VALUES ('a')");
+        taken.set_value();
+      });
+      // Long enough for a lock that nobody keeps from being taken.
+      (void)taken.get_future().wait_for(std::chrono::seconds(1));
+    });
+    other->close();
+  }
+  writer.join();
+  EXPECT_TRUE(holdsWriteLock(file_.path));
 }
 
 TEST_F(kept_locks, and_the_file_can_be_read_when_no_connection_is_open) {

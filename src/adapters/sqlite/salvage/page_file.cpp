@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sqlite/salvage/page_file.h"
 
+#include "adapters/sqlite/careful_files.h"
 #include "adapters/sqlite/salvage/tree_page.h"
 #include "adapters/sqlite/sqlite_error.h"
 #include "base/file_text.h"
@@ -35,8 +36,8 @@ PageFile::PageFile(const std::string& path, Patience patience)
       path, {.folder = "Name the database file inside it.", .other = "Name a database file."});
   const std::string name = utf8Text(std::filesystem::absolute(filePath(path)));
   sqlite3* opened = nullptr;
-  const int code =
-      sqlite3_open_v2(name.c_str(), &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+  const int code = sqlite3_open_v2(
+      name.c_str(), &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, carefulFiles()->zName);
   database_.reset(opened);
   if (code != SQLITE_OK)
     throw failure(RunTimeError::permissionDenied,
