@@ -4,6 +4,7 @@
 // counts those of the worst parameter of order 10 against quadruple precision.
 // SPDX-License-Identifier: MIT
 #include "bench/catalogue_workload.h"
+#include "bench/eigen_design.h"
 #include "tests/solver/quad_reference.h"
 
 #include <benchmark/benchmark.h>
@@ -23,25 +24,6 @@ extern "C" void dgels_(const char* trans, const int* m, const int* n, const int*
 
 namespace pelmora::bench {
 namespace {
-
-const std::vector<int> reciprocals{0, 1, -1, 2, -2, 3, -3, 4, -4};
-
-Eigen::MatrixXd design(const std::vector<double>& x, int order) {
-  const auto n = static_cast<Eigen::Index>(x.size());
-  Eigen::MatrixXd columns(n, order > 0 ? order + 1 : 9);
-  for (Eigen::Index i = 0; i < n; ++i) {
-    const double value = x[static_cast<std::size_t>(i)];
-    const double l = order > 0 ? std::log10(value) : std::log(value);
-    if (order > 0) {
-      double power = 1;
-      for (Eigen::Index j = 0; j <= order; ++j, power *= l) columns(i, j) = power;
-    } else {
-      for (Eigen::Index j = 0; j < 9; ++j)
-        columns(i, j) = std::pow(l, reciprocals[static_cast<std::size_t>(j)]);
-    }
-  }
-  return columns;
-}
 
 // What every fit owes beside its parameters.
 Eigen::VectorXd finish(const Eigen::MatrixXd& columns, const Eigen::VectorXd& y,
@@ -87,6 +69,30 @@ void eigenPivotingQr(benchmark::State& state) {
            return finish(columns, y, parameters, qr.colsPermutation() * inverse, grid);
          });
 }
+
+// All polynomials from one factorisation without pivoting, which is the fastest: their matrices are
+// the first columns of one.
+void eigenSharedQr(benchmark::State& state) {
+  const Workload points = workload(static_cast<std::size_t>(state.range(0)));
+  const Eigen::VectorXd y = Eigen::Map<const Eigen::VectorXd>(points.y.data(), state.range(0));
+  const Workload grid = workload(40);
+  for (auto _ : state) {
+    for (const int order : {0, 10}) {
+      const Eigen::MatrixXd columns = design(points.x, order), at = design(grid.x, order);
+      const Eigen::HouseholderQR<Eigen::MatrixXd> qr(columns);
+      const Eigen::Index all = columns.cols();
+      const Eigen::VectorXd right = qr.householderQ().adjoint() * y;
+      for (Eigen::Index p = order == 0 ? all : 7; p <= all; ++p) {
+        const auto r = qr.matrixQR().topLeftCorner(p, p).triangularView<Eigen::Upper>();
+        Eigen::MatrixXd inverse = Eigen::MatrixXd::Identity(p, p);
+        r.solveInPlace(inverse);
+        benchmark::DoNotOptimize(
+            finish(columns.leftCols(p), y, r.solve(right.head(p)), inverse, at.leftCols(p)));
+      }
+    }
+  }
+}
+BENCHMARK(eigenSharedQr)->Arg(50)->Arg(500)->Arg(5000)->Arg(32000)->Unit(benchmark::kMicrosecond);
 
 void lapackDgels(benchmark::State& state) {
   fitAll(state, [](const Eigen::MatrixXd& columns, const Eigen::VectorXd& y,

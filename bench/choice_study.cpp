@@ -1,7 +1,8 @@
 // How far stored curves are from the truth by each rule of the choice:
-// choice_study [calibrations] [seed] [held-out]. Prints two tables in Markdown.
+// choice_study [calibrations] [seed] [held-out | other-meters]. Prints two tables in Markdown.
 // SPDX-License-Identifier: MIT
 #include "bench/held_out_cases.h"
+#include "bench/other_meter_cases.h"
 #include "bench/reference_cases.h"
 
 #include <pelmora/calibration/fit.h>
@@ -236,6 +237,8 @@ int main(int count, char** arguments) {
   const auto seed = static_cast<std::uint64_t>(count > 2 ? std::atoi(arguments[2]) : 1);
   if (count > 3 && std::strcmp(arguments[3], "held-out") == 0) {
     study<HeldOutCaseMaker>(calibrations, seed);
+  } else if (count > 3 && std::strcmp(arguments[3], "other-meters") == 0) {
+    study<OtherMeterCaseMaker>(calibrations, seed);
   } else {
     study<CaseMaker>(calibrations, seed);
   }

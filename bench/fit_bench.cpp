@@ -2,6 +2,7 @@
 // catalogue, residual and band tests, the report, and the outcome with its bands and warnings.
 // SPDX-License-Identifier: MIT
 #include "band/band.h"
+#include "bench/noisy_points.h"
 #include "solver/solver.h"
 #include "component/clsDataFit.h"
 
@@ -13,28 +14,12 @@
 namespace pelmora {
 namespace {
 
-// A rotor's curve over two decades with noise that no equation fits to R2 >= 0.9999, so that all
-// six are fitted, tested and reported.
-PointArray noisySeries(std::size_t count) {
-  PointArray points(count);
-  std::mt19937 random(7);
-  std::normal_distribution<double> noise(0, 0.0006);
-  for (std::size_t i = 0; i < count; ++i) {
-    const double t = static_cast<double>(i) / static_cast<double>(count - 1);
-    const double x = 10 * std::pow(150.0, t);
-    points(i, 0) = x;
-    points(i, 1) = 1300 * (1 - 0.6 / x - 0.01 * std::exp(-std::pow(std::log(x / 90), 2))) *
-                   (1 + noise(random));
-  }
-  return points;
-}
-
 void wholeFit(benchmark::State& state) {
   Platform platform;
   platform.createFitEngine = createSolver;
   platform.createBandTester = createBandTester;
   platform.componentFolder = "no equation file here";
-  const PointArray points = noisySeries(static_cast<std::size_t>(state.range(0)));
+  const PointArray points = bench::noisyPoints(static_cast<std::size_t>(state.range(0)));
   std::size_t fitted = 0;
   for (auto _ : state) {
     clsDataFit fit(platform);

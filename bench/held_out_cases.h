@@ -7,9 +7,9 @@
 
 namespace pelmora::study {
 
-class HeldOutCaseMaker {
+class HeldOutCaseMaker : private RandomDraws {
  public:
-  explicit HeldOutCaseMaker(std::uint64_t seed) : random_(seed ^ 0x9e3779b97f4a7c15ULL) {}
+  explicit HeldOutCaseMaker(std::uint64_t seed) : RandomDraws(seed ^ 0x9e3779b97f4a7c15ULL) {}
 
   Case make() {
     Case c;
@@ -29,14 +29,6 @@ class HeldOutCaseMaker {
   }
 
  private:
-  double uniform(double a, double b) {
-    return std::uniform_real_distribution<double>(a, b)(random_);
-  }
-  double logUniform(double a, double b) { return a * std::pow(b / a, uniform(0, 1)); }
-  int whole(int a, int b) { return std::uniform_int_distribution<int>(a, b)(random_); }
-  double normal() { return std::normal_distribution<double>()(random_); }
-  bool chance(double p) { return uniform(0, 1) < p; }
-
   // A rotor with the coefficients of small and large meters: the drag of a flat plate, laminar up
   // to a transition, a hump where the velocity profile changes, both drags of the bearing. The
   // static one does not collapse over fluids, so only meters of one fluid have it.
@@ -123,8 +115,6 @@ class HeldOutCaseMaker {
       thickness *= logUniform(2.5, 16);
     }
   }
-
-  std::mt19937_64 random_;
 };
 
 }  // namespace pelmora::study

@@ -1,5 +1,6 @@
 // Raw series and imports against plain prepared statements on the same schema with the same
 // durability. SPDX-License-Identifier: MIT
+#include "bench/plain_database.h"
 #include "tests/support/scratch_folder.h"
 
 #include <pelmora/database.h>
@@ -9,25 +10,17 @@
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <string>
 
 namespace {
 
 using pelmora::PointArray;
+using pelmora::bench::PlainDatabase;
+using pelmora::bench::require;
+using pelmora::bench::stop;
 
 constexpr std::size_t pointCount = 32000;
-
-[[noreturn]] void stop(const std::string& why) {
-  std::fprintf(stderr, "%s\n", why.c_str());
-  std::exit(1);
-}
-
-void require(bool good, const char* what) {
-  if (!good) stop(what);
-}
 
 PointArray somePoints() {
   PointArray points(pointCount);
@@ -58,55 +51,12 @@ struct CurveDatabase {
 };
 
 // The same by hand: one connection, prepared statements, the two transactions that SetRaw has.
-class PlainDatabase {
- public:
-  explicit PlainDatabase(const std::string& path) {
-    check(sqlite3_open_v2(path.c_str(), &database_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX,
-                          nullptr));
-  }
-  ~PlainDatabase() { sqlite3_close(database_); }
-  PlainDatabase(const PlainDatabase&) = delete;
-  PlainDatabase& operator=(const PlainDatabase&) = delete;
-
-  [[nodiscard]] sqlite3_stmt* prepare(const char* sql) const {
-    sqlite3_stmt* statement = nullptr;
-    check(sqlite3_prepare_v2(database_, sql, -1, &statement, nullptr));
-    return statement;
-  }
-  void run(const char* sql) const {
-    check(sqlite3_exec(database_, sql, nullptr, nullptr, nullptr));
-  }
-  [[nodiscard]] std::int64_t seriesId() const {
-    sqlite3_stmt* find = prepare(
-        "SELECT series.ID FROM series JOIN meter ON series.meterid = meter.ID "
-        "WHERE meter.SerialNumber = 'M1' AND series.name = 'S' ORDER BY ReCalID DESC LIMIT 1");
-    require(sqlite3_step(find) == SQLITE_ROW, "the series");
-    const std::int64_t id = sqlite3_column_int64(find, 0);
-    sqlite3_finalize(find);
-    return id;
-  }
-
- private:
-  static void check(int code) { require(code == SQLITE_OK, sqlite3_errstr(code)); }
-  sqlite3* database_ = nullptr;
-};
-
 void plainWrite(const std::string& path, const PointArray& points) {
   const PlainDatabase database(path);
   const std::int64_t id = database.seriesId();
   database.run(("DELETE FROM raw1 WHERE seriesID = " + std::to_string(id)).c_str());
-  database.run("BEGIN IMMEDIATE");
-  sqlite3_stmt* insert =
-      database.prepare("INSERT INTO raw1 (seriesID, Roshko, Strouhal) VALUES (?, ?, ?)");
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    sqlite3_bind_int64(insert, 1, id);
-    sqlite3_bind_double(insert, 2, points(i, 0));
-    sqlite3_bind_double(insert, 3, points(i, 1));
-    require(sqlite3_step(insert) == SQLITE_DONE, "insert");
-    sqlite3_reset(insert);
-  }
-  sqlite3_finalize(insert);
-  database.run("COMMIT");
+  database.insertPoints("INSERT INTO raw1 (seriesID, Roshko, Strouhal) VALUES (?, ?, ?)", id,
+                        points);
 }
 
 PointArray plainRead(const std::string& path) {

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "bench/random_draws.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -23,9 +25,9 @@ struct Case {
   std::function<double(double)> truth;
 };
 
-class CaseMaker {
+class CaseMaker : public RandomDraws {
  public:
-  explicit CaseMaker(std::uint64_t seed) : random_(seed) {}
+  explicit CaseMaker(std::uint64_t seed) : RandomDraws(seed) {}
 
   Case make() {
     Case c;
@@ -36,12 +38,6 @@ class CaseMaker {
     measure(c);
     return c;
   }
-
-  double uniform(double a, double b) {
-    return std::uniform_real_distribution<double>(a, b)(random_);
-  }
-  int whole(int a, int b) { return std::uniform_int_distribution<int>(a, b)(random_); }
-  double normal() { return std::normal_distribution<double>()(random_); }
 
  private:
   void chooseTruth(Case& c) {
@@ -147,8 +143,6 @@ class CaseMaker {
       nu *= std::pow(10, uniform(0.4, 1.2));
     }
   }
-
-  std::mt19937_64 random_;
 };
 
 }  // namespace pelmora::study

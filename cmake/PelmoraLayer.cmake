@@ -20,6 +20,10 @@ if(PELMORA_SANITIZE)
   target_compile_options(pelmora_options INTERFACE -fsanitize=${PELMORA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(pelmora_options INTERFACE -fsanitize=${PELMORA_SANITIZE})
   target_compile_definitions(pelmora_options INTERFACE PELMORA_SANITIZED)
+  # What the fuzz targets have reached. Comparisons are not watched, which would slow down everything else.
+  if(PELMORA_BUILD_FUZZERS AND NOT PELMORA_SANITIZE MATCHES "fuzzer")
+    target_compile_options(pelmora_options INTERFACE -fsanitize-coverage=inline-8bit-counters,pc-table)
+  endif()
 endif()
 
 function(pelmora_layer folder)

@@ -19,8 +19,9 @@ std::string shown(const RoshkoRange& range) {
 bool isEmpty(const RoshkoRange& range) { return range.min >= range.max; }
 
 std::string rangeText(const calibration::OutOfRange& failure, const std::string& series) {
-  return "range from " + shown(*failure.requested()) + " is not inside the raw points of series '" +
-         series + "', which reach from " + shown(*failure.merged());
+  return "range from " + shown(*failure.requested()) +
+         " extends beyond the raw points of series '" + series + "', which reach from " +
+         shown(*failure.merged());
 }
 
 Trouble rangeTrouble(const calibration::OutOfRange& failure, const std::string& series) {

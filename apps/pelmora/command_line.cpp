@@ -21,7 +21,7 @@ namespace {
 
 int report(const Trouble& trouble) {
   const std::string line = errorLine(trouble);
-  const std::size_t label = line.find(": ", line.find(": ") + 1) + 1;
+  const std::size_t label = errorLabel.size();
   std::fprintf(stderr, "%s%s\n", coloured(stderr, Colour::red, line.substr(0, label)).c_str(),
                line.substr(label).c_str());
   return static_cast<int>(trouble.code());
@@ -40,6 +40,8 @@ void addCommands(Program& program) {
   addIncludeCommand(program);
   addFitCommand(program);
   addRefitCommand(program);
+  addFleetCommand(program);
+  addWorkerCommand(program);
   addEquationsCommand(program);
   addEvaluateCommand(program);
   addCompareCommand(program);

@@ -15,9 +15,9 @@
 namespace pelmora::cli {
 namespace {
 
-enum class Kind { nothing, change, file, series };
+enum class StoredKind { nothing, change, file, series };
 
-std::atomic<Kind> kind = Kind::nothing;
+std::atomic<StoredKind> storedKind = StoredKind::nothing;
 std::atomic<std::size_t> storedSeries = 0, allSeries = 0;
 
 [[noreturn]] void onTerminate() {
@@ -32,26 +32,26 @@ std::atomic<std::size_t> storedSeries = 0, allSeries = 0;
 
 }  // namespace
 
-void noteNothingStored() noexcept { kind = Kind::nothing; }
-void noteStored() noexcept { kind = Kind::change; }
-void noteFileWritten() noexcept { kind = Kind::file; }
+void noteNothingStored() noexcept { storedKind = StoredKind::nothing; }
+void noteStored() noexcept { storedKind = StoredKind::change; }
+void noteFileWritten() noexcept { storedKind = StoredKind::file; }
 
 void noteSeriesStored(std::size_t stored, std::size_t all) noexcept {
   storedSeries = stored;
   allSeries = all;
-  kind = stored == 0 ? Kind::nothing : Kind::series;
+  storedKind = stored == 0 ? StoredKind::nothing : StoredKind::series;
 }
 
-bool isAnythingStored() noexcept { return kind != Kind::nothing; }
+bool isAnythingStored() noexcept { return storedKind != StoredKind::nothing; }
 
 ShortText storedWords() noexcept {
   ShortText text{};
   const auto set = [&](const char* words) { std::snprintf(text.data(), text.size(), "%s", words); };
-  switch (kind.load()) {
-    case Kind::nothing: set("nothing was stored"); break;
-    case Kind::change: set("the change is stored"); break;
-    case Kind::file: set("the file is written"); break;
-    case Kind::series:
+  switch (storedKind.load()) {
+    case StoredKind::nothing: set("nothing was stored"); break;
+    case StoredKind::change: set("the change is stored"); break;
+    case StoredKind::file: set("the file is written"); break;
+    case StoredKind::series:
       std::snprintf(text.data(), text.size(),
                     "%zu of %zu series are stored, the others are unchanged", storedSeries.load(),
                     allSeries.load());

@@ -4,7 +4,11 @@
 namespace pelmora::cli {
 namespace {
 
+// Of the measurements, if it is recorded for the certificate; else of the import.
 std::string dateOf(const calibration::Database& lab, const calibration::Meter& meter) {
+  const calibration::Details details = lab.details(meter);
+  if (const auto recorded = details.find("date"); recorded != details.end())
+    return recorded->second;
   for (const calibration::Run& run : lab.runs(meter)) {
     if (!run.date.empty()) return run.date;
   }

@@ -34,7 +34,7 @@ void printNote(std::string_view text) {
 }
 
 std::string errorLine(const Trouble& trouble) {
-  std::string line = "pelmora: error: " + oneLine(trouble.what());
+  std::string line = std::string(errorLabel) + " " + oneLine(trouble.what());
   if (trouble.remedy().empty()) return line;
   while (line.ends_with('.')) line.pop_back();
   return line + "; " + oneLine(trouble.remedy());

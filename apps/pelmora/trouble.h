@@ -30,6 +30,9 @@ class Trouble : public std::runtime_error {
 // and characters that could mislead a reader (flawOf) '?'.
 [[nodiscard]] std::string oneLine(std::string_view text);
 
+// What every error line begins with.
+inline constexpr std::string_view errorLabel = "pelmora: error:";
+
 // "pelmora: error: what; remedy", without a line end.
 [[nodiscard]] std::string errorLine(const Trouble& trouble);
 

@@ -5,6 +5,7 @@ as good, so its folder is added here.
 """
 # SPDX-License-Identifier: MIT
 import os
+import shlex
 import sys
 
 _SYSTEM = "/usr/lib/python3/dist-packages"
@@ -19,6 +20,17 @@ try:
 except ImportError as missing:
     raise ImportError(f"{missing}; install Debian's python3-skbuild, python3-setuptools and python3-wheel, or "
                       "scikit-build from elsewhere with --no-build-isolation") from missing
+
+
+def cmake_arguments():
+    """How CMake is called, with what the user adds in PELMORA_CMAKE_ARGS.
+
+    The wheel must not depend on libraries that its user would have to install from elsewhere.
+    """
+    return ["-DCMAKE_BUILD_TYPE=Release", "-DCMAKE_UNITY_BUILD=ON", "-DCMAKE_UNITY_BUILD_BATCH_SIZE=16",
+            "-DPELMORA_BUILD_PYTHON=ON", "-DPELMORA_PYTHON_WITH_LIBRARIES=ON", "-DPELMORA_PYTHON_FOLDER=.",
+            "-DPELMORA_WITH_DIALOG=OFF", "-DPELMORA_BUILD_TESTS=OFF", f"-DPython_EXECUTABLE={sys.executable}",
+            *shlex.split(os.environ.get("PELMORA_CMAKE_ARGS", ""))]
 
 
 def get_requires_for_build_wheel(config_settings=None):

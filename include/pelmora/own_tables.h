@@ -31,6 +31,7 @@ struct OwnTable {
 struct TableIndex {
   std::string Name, Table;
   std::vector<std::string> Columns;
+  bool IsUnique = false;  // no two rows may have the same values in all columns
 };
 
 // Names compare without regard to case.

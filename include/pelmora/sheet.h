@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -23,6 +24,8 @@ struct Style {
   char decimal = 0;    // '.' or ','; 0: recognised
   // Columns that the table should have, by name: the first line that names them all is the header.
   std::vector<std::string> names = {};
+  // Called often while the text is read. If it returns true, reading ends with error 0x80004004.
+  std::function<bool()> stopRequested = {};
 };
 
 // How the text was read. Lines count from 1.

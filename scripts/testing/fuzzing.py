@@ -4,11 +4,12 @@ import concurrent.futures
 import os
 import pathlib
 import re
-import subprocess
 
-folder = pathlib.Path("build/fuzz")
+from running import Meter, run
+
 dictionaries = {"dialect": "dialect", "equation": "equation", "equation_file": "equation", "points_csv": "csv",
-                "stand_csv": "csv", "result_file": "csv"}
+                "stand_csv": "csv", "result_file": "csv", "stand_uncertainty": "stand_uncertainty",
+                "certificate": "certificate"}
 
 
 def targets():
@@ -25,7 +26,7 @@ class Outcome:
         self.last_lines = "\n".join(output.splitlines()[-40:])
 
 
-def run_target(target, seconds):
+def run_target(folder, target, seconds, meter):
     corpus, findings = folder / "corpus" / target, folder / "findings"
     for made in (corpus, findings):
         made.mkdir(parents=True, exist_ok=True)
@@ -34,14 +35,14 @@ def run_target(target, seconds):
                "-print_final_stats=1", f"-artifact_prefix={findings}/{target}-"]
     if target in dictionaries:
         command.append(f"-dict=fuzz/dictionaries/{dictionaries[target]}.dict")
-    done = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                          text=True, errors="replace", check=False)
     log = folder / f"{target}.log"
-    log.write_text(done.stdout)
-    return Outcome(target, done.returncode, done.stdout)
+    log.unlink(missing_ok=True)
+    code = run(command, log, meter)
+    return Outcome(target, code, log.read_text(errors="replace"))
 
 
-def run_targets(chosen, seconds, jobs=None):
-    """Each target for so many seconds, as many at a time as there are processors."""
+def run_targets(folder, chosen, seconds, jobs=None, meter=None):
+    """Each target of a build folder for as many seconds, one per processor at a time; `meter` adds up what they take."""
+    meter = meter or Meter()
     with concurrent.futures.ThreadPoolExecutor(max_workers=jobs or os.cpu_count()) as runners:
-        return list(runners.map(lambda target: run_target(target, seconds), chosen))
+        return list(runners.map(lambda target: run_target(folder, target, seconds, meter), chosen))

@@ -31,7 +31,13 @@ std::string exactText(double value) { return numberOf(value); }
 
 std::string alignedText(double value, int digits) {
   if (!std::isfinite(value)) return "-";
-  const int exponent = value == 0 ? 0 : static_cast<int>(std::floor(std::log10(std::fabs(value))));
+  // Of the rounded value: 0.0996 has two digits as 0.10.
+  std::array<char, 40> text{};
+  const auto end = std::to_chars(text.data(), text.data() + text.size(), value,
+                                 std::chars_format::scientific, digits - 1);
+  int exponent = 0;
+  const char* sign = std::find(text.data(), end.ptr, 'e') + 1;
+  std::from_chars(sign + (*sign == '+' ? 1 : 0), end.ptr, exponent);
   const bool isPlain = exponent > -5 && exponent < 15;
   return isPlain ? fixedText(value, std::max(0, digits - 1 - exponent))
                  : significantText(value, digits);
@@ -56,6 +62,12 @@ std::string withShortNumbers(std::string_view sentence) {
     at = end;
   }
   return result;
+}
+
+std::string sigmasText(double sigmas) {
+  constexpr double shownInTenths = 9.95;
+  const double size = std::fabs(sigmas);
+  return size < shownInTenths ? significantText(size, 2) : fixedText(size, 0);
 }
 
 std::string percentText(double percent) {

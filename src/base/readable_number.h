@@ -19,6 +19,8 @@ namespace pelmora {
 [[nodiscard]] PELMORA_API std::string alignedText(double value, int digits);
 // A sentence whose decimal numbers of more than seven digits are rounded to six.
 [[nodiscard]] PELMORA_API std::string withShortNumbers(std::string_view sentence);
+// How many standard deviations something is off, without its sign: to a tenth below ten.
+[[nodiscard]] PELMORA_API std::string sigmasText(double sigmas);
 // Per cent with a sign, three digits after the point, fewer for large ones.
 [[nodiscard]] PELMORA_API std::string percentText(double percent);
 

@@ -31,6 +31,10 @@ enum class RunTimeError : std::int32_t {
 // "The generic failure": the database is locked by another user. The copy of stand data waits on it
 // and tries again, so nothing that waiting cannot cure may carry it.
 inline constexpr std::int32_t genericFailure = static_cast<std::int32_t>(0x80004005U);
+// The caller asked the operation to stop.
+inline constexpr std::int32_t operationStopped = static_cast<std::int32_t>(0x80004004U);
+// The server of a database does not answer, or no longer.
+inline constexpr std::int32_t connectionLost = 3151;
 // Numbers of errors raised on purpose count from here.
 inline constexpr std::int32_t errorBase = static_cast<std::int32_t>(0x80040000U);
 

@@ -40,7 +40,7 @@ struct Piece {
   std::size_t begin = 0, size = 0;
 };
 
-// Where the passwords stand, from left to right: behind the user's name, and as parameters.
+// The places of the passwords, from left to right: after the user's name, and as parameters.
 std::vector<Piece> passwordsIn(std::string_view location) {
   std::vector<Piece> pieces;
   if (!isServerAddress(location)) return pieces;

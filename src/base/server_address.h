@@ -21,7 +21,7 @@ namespace pelmora {
 // password.
 [[nodiscard]] PELMORA_API std::string shortLocation(const std::string& location);
 
-// The text without the password of the address, wherever and however it stands in it.
+// The text without the password of the address, in whatever place and form.
 [[nodiscard]] PELMORA_API std::string withoutPassword(std::string text, std::string_view location);
 
 }  // namespace pelmora

@@ -72,13 +72,25 @@ double twoSidedStudentT(double probability, double degreesOfFreedom) {
     low = high;
     high *= 2;
   }
-  constexpr int halvings = 60;
-  for (int i = 0; i < halvings && low < high; ++i) {
-    const double middle = low + (high - low) / 2;
-    if (middle == low || middle == high) break;
-    (twoSidedStudentTail(middle, degreesOfFreedom) > tail ? low : high) = middle;
+  // Newton's method, with a halving where it leaves the bracket.
+  const double scale =
+      2 * gammaRatio(degreesOfFreedom / 2) * std::numbers::inv_sqrtpi / std::sqrt(degreesOfFreedom);
+  const auto slope = [&](double at) {
+    return -scale * std::exp(-(degreesOfFreedom + 1) / 2 * std::log1p(at * at / degreesOfFreedom));
+  };
+  constexpr int mostSteps = 100;
+  constexpr double settled = 8 * std::numeric_limits<double>::epsilon();
+  double t = low + (high - low) / 2;
+  for (int i = 0; i < mostSteps; ++i) {
+    const double beyond = twoSidedStudentTail(t, degreesOfFreedom) - tail;
+    (beyond > 0 ? low : high) = t;
+    double next = t - beyond / slope(t);
+    if (!(next > low && next < high)) next = low + (high - low) / 2;
+    const double step = std::abs(next - t);
+    t = next;
+    if (!(step > settled * t)) break;
   }
-  return low + (high - low) / 2;
+  return t;
 }
 
 }  // namespace pelmora

@@ -59,9 +59,9 @@ std::string StoredSeries::ageWarning() const {
          " is older than its raw points: they have changed since it was fitted";
 }
 
-CurveAge Database::curveAge(const StoredSeries& series) const {
+CurveAge Database::curveAge(const StoredSeries& series, const Observer& observer) const {
   if (series.age != CurveAge::unknown) return series.age;
-  return repeat(series).isStoredCurve() ? CurveAge::current : CurveAge::unknown;
+  return repeat(series, {}, observer).isStoredCurve() ? CurveAge::current : CurveAge::unknown;
 }
 
 }  // namespace pelmora::calibration

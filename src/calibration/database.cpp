@@ -39,7 +39,7 @@ Database create(const std::string& location, OpenOptions options) {
       throw Exists({"'" + shown + "' exists already", shown, "choose another name"},
                    error.number());
     }
-    throw Unusable({error.what(), shown, ""}, error.number());
+    throw Unusable({error.what(), shown, remedyOf(error)}, error.number());
   }
   Database lab(location, std::move(options));
   try {

@@ -23,7 +23,7 @@ std::vector<DetailField> allFields() {
       {"accreditation", "Accreditation", "Number of the accreditation", laboratory, text, {}},
       {"nominal-flow-column",
        "Column of the nominal flow",
-       "Which of the stand's values is the nominal flow: V6 to V37",
+       "Which of the stand's values is the nominal flow: V1 to V37",
        laboratory,
        column,
        {}},

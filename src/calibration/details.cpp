@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "base/date_text.h"
 #include "base/text_flaw.h"
+#include "base/trimmed_text.h"
 #include "calibration/session.h"
 #include "history/scope.h"
 #include "store/curve_schema.h"
@@ -47,12 +48,6 @@ std::string columnText(const DetailField& field, std::string value) {
   refuse(field, value, "write V1 to V" + std::to_string(measuredValues));
 }
 
-std::string trimmedText(const std::string& text) {
-  const auto first = text.find_first_not_of(' ');
-  if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
 void requireShowable(const DetailField& field, const std::string& value) {
   std::string lines = value;
   if (field.kind == DetailKind::list) std::ranges::replace(lines, '\n', ' ');
@@ -63,7 +58,7 @@ void requireShowable(const DetailField& field, const std::string& value) {
 // The value as it is stored.  Errors: BadData.
 std::string cleanValue(const DetailField& field, const std::string& given) {
   requireShowable(field, given);
-  const std::string value = trimmedText(given);
+  const std::string value(trimmed(given));
   if (value.empty()) return {};
   switch (field.kind) {
     case DetailKind::text:

@@ -58,9 +58,9 @@ void settleRange(Fit& fit) {
   if (!isInside && settings.outside == RangePolicy::refuse) {
     throw OutOfRange(
         {"the range from " + significantText(fit.min, 15) + " to " + significantText(fit.max, 15) +
-             " is not inside the raw points of " + nameOf(fit) + ", which reach from " +
+             " extends beyond the raw points of " + nameOf(fit) + ", which reach from " +
              significantText(lowest, 15) + " to " + significantText(highest, 15),
-         nameOf(fit), "leave the range out, fit the whole range or extrapolate"},
+         nameOf(fit), "choose a range within them, fit all of them or extrapolate"},
         {fit.min, fit.max}, {lowest, highest});
   }
   if (!isInside && settings.outside == RangePolicy::wholeRange) {

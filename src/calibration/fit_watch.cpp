@@ -20,8 +20,8 @@ steps::Observer stepsOf(const Observer& observer) {
   return steps;
 }
 
-void requireGoOn(const Fit& fit, const Observer& observer) {
-  if (!observer.stop.stop_requested()) return;
+void requireGoOn(const Fit& fit, const std::stop_token& stop) {
+  if (!stop.stop_requested()) return;
   throw Cancelled({"the fit of " + nameOf(fit) + " was cancelled", nameOf(fit), ""});
 }
 

@@ -16,7 +16,10 @@ namespace pelmora::calibration {
 // Refers to `observer`, which must outlive it.
 [[nodiscard]] steps::Observer stepsOf(const Observer& observer);
 
-// Errors: Cancelled if the observer requests a stop.
-void requireGoOn(const Fit& fit, const Observer& observer);
+// Errors: Cancelled at a stop.
+void requireGoOn(const Fit& fit, const std::stop_token& stop);
+inline void requireGoOn(const Fit& fit, const Observer& observer) {
+  requireGoOn(fit, observer.stop);
+}
 
 }  // namespace pelmora::calibration

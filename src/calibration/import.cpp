@@ -29,7 +29,7 @@ std::vector<StandRun> cleanRuns(const std::vector<StandRun>& runs) {
     if (!run.operatorName.empty()) run.operatorName = cleanName("operator", run.operatorName);
     for (const StandRun& earlier : clean) {
       if (!equalNames(earlier.fluid, run.fluid)) continue;
-      throw BadData({"fluid '" + run.fluid + "' is there twice", "",
+      throw BadData({"fluid '" + run.fluid + "' appears twice", "",
                      "a calibration keeps one run of a fluid, so the second would replace the "
                      "first; give each run its own fluid name"});
     }
@@ -119,7 +119,9 @@ class Import {
         const auto entries = keptEntries(*known, run, options_, date);
         kept.insert(kept.end(), entries.begin(), entries.end());
       }
-      steps::copyStandRows(*stand_.connection(), session_.connection(), setUp, run.job);
+      requireGoOn(meter_, observer_);
+      steps::copyStandRows(*stand_.connection(), session_.connection(), setUp, run.job,
+                           [this] { requireGoOn(meter_, observer_); });
     }
   }
 
@@ -138,6 +140,7 @@ class Import {
         steps::deriveSeries(session_.connection(), static_cast<steps::DerivedSeries>(series),
                             source, NameText::quoted(derived[series].name), meter_.id,
                             derived[series].id);
+        requireGoOn(meter_, observer_);
         derived[series].points[k] =
             steps::readPoints(session_.connection(), source.table, derived[series].id).size();
       }
@@ -165,7 +168,9 @@ Imported Database::importRuns(const Meter& meter, const Stand& stand,
                               const Observer& observer) {
   const std::vector<StandRun> wanted = cleanRuns(runs);
   Imported imported;
+  requireGoOn(meter, observer);
   imported.jobWithoutRotorB = checkReadings(stand, wanted);
+  requireGoOn(meter, observer);
   return session_->changing("import", "importing into " + placeOf(meter), [&] {
     imported.isNewCalibration = options.newCalibration;
     imported.meter = options.newCalibration ? registerMeter(meter.serial, true) : meter;
@@ -177,6 +182,7 @@ Imported Database::importRuns(const Meter& meter, const Stand& stand,
     import.copyRuns(before, imported.keptEntries);
     const ExclusionsOfRuns exclusions(*session_, imported.meter);
     imported.series = import.derive(imported.jobWithoutRotorB.empty());
+    requireGoOn(meter, observer);
     imported.runs = this->runs(imported.meter);
     imported.doubts = doubtsAbout(*session_, imported, stand, wanted);
     exclusions.applyAgain(imported);

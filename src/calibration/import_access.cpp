@@ -136,9 +136,8 @@ class CurveTables : public ForeignTables {
     if (schema_->Columns.front().Type != OwnColumnType::key) return true;
     const auto* id = std::get_if<std::int64_t>(&row.front());
     if (id != nullptr && keys_.insert(*id).second) return true;
-    missing(rowText(), id == nullptr
-                           ? "it has no ID"
-                           : "its ID " + std::to_string(*id) + " is that of an earlier row");
+    missing(rowText(), id == nullptr ? "it has no ID"
+                                     : "an earlier row has the same ID, " + std::to_string(*id));
     return false;
   }
 
@@ -203,8 +202,8 @@ NoCurveDatabase withoutCurves(const std::string& path, ProofSheet sheet) {
   const std::string noTables = "no table meter and no table series";
   if (sheet.missing.empty()) {
     sheet.missing.push_back({"", "", "the file has " + noTables});
-    return {{"the Access file '" + path + "' holds no curve database: it has " + noTables, path,
-             "name a curve database; 'pelmora import' takes runs from a stand's database"},
+    return {{"the Access file '" + path + "' does not contain a curve database: it has " + noTables,
+             path, "name a curve database; 'pelmora import' takes runs from a stand's database"},
             std::move(sheet)};
   }
   const ProofGap first = sheet.missing.front();

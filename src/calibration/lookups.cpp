@@ -23,10 +23,6 @@
 namespace pelmora::calibration {
 namespace {
 
-std::string textOrNothing(const Value& value) {
-  return isNull(value) ? std::string() : toText(value);
-}
-
 // Every calibration, or those of one meter, by serial number and number.
 std::vector<Meter> readMeters(Session& session, const std::string& where) {
   return session.asking("listing the meters of '" + session.location() + "'", [&] {
@@ -38,8 +34,8 @@ std::vector<Meter> readMeters(Session& session, const std::string& where) {
     for (; !rows->atEnd(); rows->moveNext()) {
       Meter meter;
       meter.id = toInt32(rows->value(0));
-      meter.serial = textOrNothing(rows->value(1));
-      meter.adjusted = textOrNothing(rows->value(2));
+      meter.serial = toText(rows->value(1));
+      meter.adjusted = toText(rows->value(2));
       meter.calibration = isNull(rows->value(3)) ? 0 : toInt16(rows->value(3));
       meters.push_back(std::move(meter));
     }
@@ -148,7 +144,7 @@ StoredSeries Database::series(const Meter& meter, const std::string& series) con
     const auto report =
         readRows(session_->connection(), "Select summary from datafitresults where seriesID = " +
                                              std::to_string(stored.id));
-    if (!report->atEnd()) stored.report = textOrNothing(report->value(0));
+    if (!report->atEnd()) stored.report = toText(report->value(0));
     stored.equation = steps::equationOfReport(stored.report);
     stored.basis = pointsBasis(*session_, meter, stored.id);
   });

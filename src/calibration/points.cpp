@@ -5,7 +5,10 @@
 #include "calibration/merging.h"
 #include "calibration/part_jobs.h"
 #include "curves/table_reading.h"
+#include "points/point_fingerprint.h"
 #include "solver/reference/reference_curve.h"
+
+#include <pelmora/calibration/choice.h>
 
 #include <algorithm>
 #include <cmath>
@@ -59,13 +62,17 @@ void addJobs(const RunJobs& runs, const std::string& series, std::vector<RawPoin
   }
 }
 
-// Points beyond the range of the points that were fitted.
+// Whether the stored curve was fitted to points of another range.
+bool isOutsideFit(const StoredSeries& series, double roshko) {
+  const auto& kept = series.settings;
+  return kept &&
+         ((kept->FitMin && roshko < *kept->FitMin) || (kept->FitMax && roshko > *kept->FitMax));
+}
+
 void addFitRange(const StoredSeries& series, std::vector<RawPoint>& list) {
-  if (!series.settings) return;
-  const auto low = series.settings->FitMin, high = series.settings->FitMax;
   for (RawPoint& point : list) {
-    const bool isOutside = (low && point.roshko < *low) || (high && point.roshko > *high);
-    if (isOutside && point.state == PointState::used) point.state = PointState::outsideRange;
+    if (point.state == PointState::used && isOutsideFit(series, point.roshko))
+      point.state = PointState::outsideRange;
   }
 }
 
@@ -88,9 +95,19 @@ void addCuts(const StoredSeries& series, std::vector<RawPoint>& list) {
   }
 }
 
-// By the smooth curve that assumes no equation. It is the curve of the merged points: cut ones lie
+// Whether the fit of the stored curve left out the points that it distrusted.
+bool leavesOutDistrusted(const StoredSeries& series) {
+  const auto& kept = series.settings;
+  if (!kept || series.curve.empty() || choiceOf(kept->Choice) != Choice::trusted) return false;
+  // Another program may have stored its own curve since.
+  return kept->CurveFingerprint.empty() ||
+         kept->CurveFingerprint == fingerprintOf({&series.curve, 1});
+}
+
+// By the smooth curve that assumes no equation. It is the curve of the fitted points: cut ones lie
 // off it, as the merge has found, and would bend it.
-void addSigmas(std::vector<RawPoint>& list) {
+void addSigmas(const StoredSeries& series, const Observer& observer, std::vector<RawPoint>& list) {
+  const bool leavesOut = leavesOutDistrusted(series);
   std::vector<double> x, y;
   std::vector<int> fluid;
   std::vector<std::uint8_t> excluded;
@@ -101,17 +118,24 @@ void addSigmas(std::vector<RawPoint>& list) {
     x.push_back(point.roshko);
     y.push_back(point.strouhal);
     fluid.push_back(point.part);
-    const bool isLeftOut = point.state == PointState::excluded || point.state == PointState::cut;
+    const bool isLeftOut = point.state == PointState::excluded || point.state == PointState::cut ||
+                           isOutsideFit(series, point.roshko);
     excluded.push_back(isLeftOut ? 1 : 0);
     judged.push_back(&point);
   }
   try {
-    const auto reference = solver::reference::fitReference({x, y, fluid, excluded});
+    const auto reference = solver::reference::fitReference(
+        {x, y, fluid, excluded},
+        {.stopRequested = [&observer] { return observer.stop.stop_requested(); }});
     for (std::size_t i = 0; i < judged.size(); ++i) {
       const auto& seen = reference.points()[i];
       if (std::isfinite(seen.sigmas())) judged[i]->sigmas = seen.sigmas();
       judged[i]->isDistrusted = seen.state == solver::reference::PointState::distrusted;
+      if (judged[i]->isDistrusted && leavesOut) judged[i]->state = PointState::distrusted;
     }
+  } catch (const solver::reference::Stopped&) {
+    const std::string place = placeOf(series.meter, series.name);
+    throw Cancelled({"listing the points of " + place + " was cancelled", place, ""});
   } catch (const Error&) {  // too few points for a curve through the others
   }
 }
@@ -123,6 +147,7 @@ const char* pointStateKey(PointState state) {
     case PointState::used: return "used";
     case PointState::cut: return "cut";
     case PointState::excluded: return "excluded";
+    case PointState::distrusted: return "distrusted";
     case PointState::outsideRange: break;
   }
   return "outside range";
@@ -132,7 +157,7 @@ std::vector<RawPoint> Database::points(const Meter& meter, const std::string& se
   return points(this->series(meter, series));
 }
 
-std::vector<RawPoint> Database::points(const StoredSeries& series) const {
+std::vector<RawPoint> Database::points(const StoredSeries& series, const Observer& observer) const {
   return session_->asking("listing the points of " + placeOf(series.meter, series.name), [&] {
     std::vector<RawPoint> list = wholePoints(series);
     const Details details = laboratory();
@@ -142,7 +167,7 @@ std::vector<RawPoint> Database::points(const StoredSeries& series) const {
     addFitRange(series, list);
     addResiduals(series, list);
     addCuts(series, list);
-    addSigmas(list);
+    addSigmas(series, observer, list);
     return list;
   });
 }

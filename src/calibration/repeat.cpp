@@ -119,7 +119,7 @@ Repeated repeatWith(const Database& lab, const StoredSeries& series, const Unkep
   repeated.settings = repeated.settingsAreKept ? *series.settings : assumedSettings(series, unkept);
   try {
     repeated.fit = lab.fit(series, change.appliedTo(settingsToRepeat(repeated.settings)), observer);
-    repeated.trouble = repeated.fit.reason();
+    repeated.trouble = repeated.fit.reason(observer.stop);
     repeated.distancePercent = largestDistance(series.curve, repeated.fit.curve);
   } catch (const BadData& failure) {
     repeated.trouble = failure.what();

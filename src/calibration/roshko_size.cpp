@@ -141,7 +141,7 @@ class Doubts {
 
  private:
   void say(const std::string& what) {
-    sentences_.push_back(what + "; check the unit of V5 (viscosity): it is cSt");
+    sentences_.push_back(what + "; check the unit of V5 (viscosity): it must be cSt");
   }
 
   Session& session_;

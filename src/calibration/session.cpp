@@ -25,9 +25,6 @@ std::string nameOfUser(const std::string& given) {
   return {};
 }
 
-// The error of a statement that Patience::stopRequested has ended.
-constexpr auto stoppedReading = static_cast<std::int32_t>(0x80004004U);
-
 bool isAny(const Error& error, std::initializer_list<RunTimeError> numbers) {
   for (const RunTimeError number : numbers) {
     if (error.number() == static_cast<std::int32_t>(number)) return true;
@@ -43,14 +40,19 @@ void throwFailure(const std::string& doing, const std::string& location, const E
   if (number == genericFailure) {
     throw Locked({what, location, "try again when other programs have finished with it"}, number);
   }
-  if (number == stoppedReading) throw Cancelled({what, location, ""}, number);
+  if (number == operationStopped) throw Cancelled({what, location, ""}, number);
   if (isAny(error, {RunTimeError::invalidFileFormat})) {
-    throw Damaged({what, location, "restore it from a copy, or bring over what can be read"},
-                  number);
+    throw Damaged({what, location, "restore it from a copy, or salvage what can be read"}, number);
   }
   if (isAny(error, {RunTimeError::invalidNull, RunTimeError::typeMismatch, RunTimeError::overflow}))
     throw BadData({what, location, "examine the database"}, number);
-  throw Unusable({what, location, ""}, number);
+  throw Unusable({what, location, remedyOf(error)}, number);
+}
+
+std::string remedyOf(const Error& error) {
+  if (error.number() != connectionLost) return {};
+  return "check the address and the password, and that the server runs and accepts connections "
+         "from this computer; 'psql' with the same address should connect";
 }
 
 Session::Session(std::string address, OpenOptions options)

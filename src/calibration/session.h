@@ -89,6 +89,9 @@ class Session {
   std::vector<HistoryEntryId> kept_;
 };
 
+// What to do about an error of a database; empty if that is not known.
+[[nodiscard]] std::string remedyOf(const Error& error);
+
 // An error of the database at `location` as the failure that it means, with `doing` before it.
 [[noreturn]] void throwFailure(const std::string& doing, const std::string& location,
                                const Error& error);

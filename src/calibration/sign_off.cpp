@@ -5,6 +5,7 @@
 #include "base/sha256.h"
 #include "base/text_flaw.h"
 #include "base/time_text.h"
+#include "base/trimmed_text.h"
 #include "base/version.h"
 #include "calibration/session.h"
 #include "store/curve_schema.h"
@@ -28,7 +29,7 @@ void addText(std::string& lines, const std::string& name, const std::string& tex
   lines += name + "\t" + std::to_string(text.size()) + "\t" + text + "\n";
 }
 void addNumber(std::string& lines, const std::string& name, double value) {
-  lines += name + "\t" + fullNumberText(value) + "\n";
+  lines.append(name).append("\t").append(fullNumberText(value)).append("\n");
 }
 void addNumber(std::string& lines, const std::string& name, const std::optional<double>& value) {
   if (value) addNumber(lines, name, *value);
@@ -62,9 +63,10 @@ void addSettings(std::string& lines, const CurveSettings& settings) {
 }
 
 void addPoints(std::string& lines, const std::string& name, const PointArray& points) {
-  for (std::size_t i = 0; i < points.size(); ++i)
-    lines +=
-        name + "\t" + fullNumberText(points(i, 0)) + "\t" + fullNumberText(points(i, 1)) + "\n";
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    lines.append(name).append("\t").append(fullNumberText(points(i, 0)));
+    lines.append("\t").append(fullNumberText(points(i, 1))).append("\n");
+  }
 }
 
 void requireText(const std::string& what, const std::string& text, std::size_t longest) {
@@ -76,12 +78,6 @@ void requireText(const std::string& what, const std::string& text, std::size_t l
     throw BadData({what + " contains a control character or bytes that are not UTF-8", "",
                    "type it on one line"});
   }
-}
-
-std::string trimmed(const std::string& text) {
-  const auto first = text.find_first_not_of(' ');
-  if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
 SignOff signOffOf(const Recordset& rows) {

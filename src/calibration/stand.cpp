@@ -41,11 +41,15 @@ UnreadableText::~UnreadableText() = default;
 Stand::Stand(const std::string& location, const Patience& patience, const sheets::Style& style)
     : location_(location) {
   try {
-    opened_ = openStand(location, patience, style);
+    sheets::Style read = style;
+    if (!read.stopRequested) read.stopRequested = patience.stopRequested;
+    opened_ = openStand(location, patience, read);
     jobs_ = standJobs(opened_.connection);
   } catch (const sheets::SheetError& error) {
     throw UnreadableText(location, error);
   } catch (const Error& error) {
+    if (error.number() == operationStopped)
+      throw Cancelled({"reading '" + location + "' was cancelled", location, ""}, error.number());
     if (error.number() == static_cast<std::int32_t>(RunTimeError::fileNotFound)) {
       throw NotFound({error.what(), location, "name a stand's database or its export as text"},
                      error.number());

@@ -5,7 +5,17 @@
 #include "base/version.h"
 #include "calibration/steps/stored_curve.h"
 #include "history/fingerprint.h"
+#include "history/kept_tables.h"
+#include "history/row_access.h"
 #include "points/point_fingerprint.h"
+#include "store/curve_schema.h"
+#include "store/curve_settings_rows.h"
+#include "store/own_rows.h"
+#include "store/reading.h"
+
+#include <array>
+#include <memory>
+#include <string_view>
 
 namespace pelmora::calibration {
 namespace {
@@ -35,6 +45,36 @@ CurveSettings settingsOf(const Fit& fit) {
   return settings;
 }
 
+// Behind the history's copy.
+void removeCurves(Session& session, const history::Ids& series,
+                  const std::vector<std::string>& tables) {
+  for (const std::string& name : tables) {
+    session.connection().execute("DELETE from [" + name + "]" +
+                                 history::whereIn(history::keptTable(name).KeyColumn, series));
+  }
+}
+
+std::unique_ptr<Recordset> newRows(Session& session, const std::string& table) {
+  return openForBatch(session.connection(), "Select * from " + table + " where 1=0");
+}
+
+void addPointsOf(Session& session, const std::vector<const Fit*>& fits, const std::string& table,
+                 PointArray Fit::*points) {
+  const auto rows = newRows(session, table);
+  constexpr std::array<std::string_view, 3> fields{"seriesID", "Roshko", "Strouhal"};
+  for (const Fit* fit : fits) {
+    const PointArray& list = fit->*points;
+    if (list.size() < 2) continue;  // as steps::insertStoredCurve
+    std::array<Value, 3> values{std::int64_t{fit->seriesID}, 0.0, 0.0};
+    for (std::size_t i = 0; i < list.size(); ++i) {
+      values[1] = list(i, 0);
+      values[2] = list(i, 1);
+      rows->addRow(fields, values);
+    }
+  }
+  rows->updateBatch();
+}
+
 }  // namespace
 
 std::uint64_t pointsBasis(const Session& session, const Meter& meter, std::int32_t seriesID) {
@@ -55,6 +95,33 @@ HistoryEntryId storeFit(Session& session, const Fit& fit) {
   steps::insertStoredCurve(session.connection(), series, fit.merged, fit.curve, fit.report);
   keepCurveSettings(session.curves(), fit.seriesID, settingsOf(fit));
   return kept;
+}
+
+void storeFits(Session& session, const std::vector<const Fit*>& fits,
+               const std::vector<const Fit*>& replaced) {
+  if (fits.empty()) return;
+  const auto tables = history::fittedCurve(0, 0).Tables;
+  std::vector<history::KeptSeries> kept;
+  for (const Fit* fit : replaced)
+    kept.push_back(
+        {fit->meter.id, fit->seriesID, fit->meter.serial, fit->meter.calibration, fit->series});
+  const auto entries = session.change().keepEach(kept, tables);
+  for (const HistoryEntryId entry : entries) session.note(entry);
+  history::Ids ids;
+  for (const Fit* fit : fits) ids.push_back(fit->seriesID);
+  removeCurves(session, ids, tables);
+  addPointsOf(session, fits, "curve", &Fit::curve);
+  addPointsOf(session, fits, "merge", &Fit::merged);
+  const auto reports = newRows(session, "DataFitResults");
+  const auto settings = newRows(session, fitSettingsTable);
+  constexpr std::array<std::string_view, 2> reportFields{"seriesID", "summary"};
+  const auto settingsFields = columnNames(fitSettingsTable);
+  for (const Fit* fit : fits) {
+    reports->addRow(reportFields, std::array<Value, 2>{std::int64_t{fit->seriesID}, fit->report});
+    settings->addRow(settingsFields, rowOfSettings(fit->seriesID, settingsOf(*fit)));
+  }
+  reports->updateBatch();
+  settings->updateBatch();
 }
 
 HistoryEntryId Database::store(const Fit& fit) {

@@ -5,6 +5,7 @@
 #include "calibration/session.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace pelmora::calibration {
 
@@ -18,5 +19,10 @@ namespace pelmora::calibration {
 // Puts curve, merged points, report and settings of an accepted fit in place of the series' own,
 // which the history keeps. Needs an open change.
 HistoryEntryId storeFit(Session& session, const Fit& fit);
+
+// The same for the accepted fits of many series, in few statements. `replaced`: those of the fits
+// whose series have anything of an earlier one.
+void storeFits(Session& session, const std::vector<const Fit*>& fits,
+               const std::vector<const Fit*>& replaced);
 
 }  // namespace pelmora::calibration

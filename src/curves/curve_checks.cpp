@@ -41,9 +41,10 @@ bool allPositive(std::span<const double> x) {
 std::vector<double> between(double from, double to, std::size_t intervals) {
   std::vector<double> x(intervals + 1);
   const bool logarithmic = from > 0 && to > 0;
-  for (std::size_t k = 0; k <= intervals; ++k) {
+  const double ratio = logarithmic ? std::pow(to / from, 1 / static_cast<double>(intervals)) : 1;
+  for (std::size_t k = 1; k < intervals; ++k) {
     const double t = static_cast<double>(k) / static_cast<double>(intervals);
-    x[k] = logarithmic ? from * std::pow(to / from, t) : from + (to - from) * t;
+    x[k] = logarithmic ? (k == 1 ? from : x[k - 1]) * ratio : from + (to - from) * t;
   }
   x.front() = from;
   x.back() = to;
@@ -125,9 +126,10 @@ bool mayHavePole(const FitModel& model) {
          model.Definition.Expression.find("^(-") != std::string::npos;
 }
 
-std::optional<CurveWarning> checkGap(const CheckedCurve& curve, double from, double to) {
-  const std::vector<double> x = between(from, to, samplesPerGap);
-  const std::vector<double> y = sampled(curve.model, x);
+// x, y: the samples of the gap.
+std::optional<CurveWarning> checkGap(const CheckedCurve& curve, std::span<const double> x,
+                                     std::span<const double> y) {
+  const double from = x.front(), to = x.back();
   const double low = std::min(y.front(), y.back());
   const double high = std::max(y.front(), y.back());
   const Excursion found = largestExcursion(y, low, high);
@@ -135,7 +137,7 @@ std::optional<CurveWarning> checkGap(const CheckedCurve& curve, double from, dou
   const double scale = (std::abs(low) + std::abs(high)) / 2;
   // Rounding of the curve itself is not a turn.
   if (!(found.distance > std::max(noiseErrors * s, 1e-9 * scale))) return std::nullopt;
-  const double beyond = excursionHeight(curve.model, x, found, low, high);
+  const double beyond = excursionHeight(curve.model, {x.begin(), x.end()}, found, low, high);
   const double percent = scale > 0 ? 100 * beyond / scale : std::numeric_limits<double>::infinity();
   if (beyond > swingErrors * s && percent > swingPercent) {
     return CurveWarning{CurveWarningKind::pole, from, to, percent,
@@ -152,9 +154,18 @@ void checkGaps(const CheckedCurve& curve, std::span<const double> sortedX,
                std::vector<CurveWarning>& warnings) {
   const std::vector<double> ends =
       gapEnds(sortedX, curve.predictedX.front(), curve.predictedX.back());
+  std::vector<double> x;  // of all gaps, so that the curve is asked once
+  x.reserve((samplesPerGap + 1) * ends.size());
   for (std::size_t i = 1; i < ends.size(); ++i) {
-    if (auto warning = checkGap(curve, ends[i - 1], ends[i]))
-      warnings.push_back(std::move(*warning));
+    const std::vector<double> gap = between(ends[i - 1], ends[i], samplesPerGap);
+    x.insert(x.end(), gap.begin(), gap.end());
+  }
+  const std::vector<double> y = sampled(curve.model, x);
+  for (std::size_t at = 0; at < x.size(); at += samplesPerGap + 1) {
+    const auto gapOf = [at](std::span<const double> all) {
+      return all.subspan(at, samplesPerGap + 1);
+    };
+    if (auto warning = checkGap(curve, gapOf(x), gapOf(y))) warnings.push_back(std::move(*warning));
   }
   std::stable_sort(warnings.begin(), warnings.end(),
                    [](const auto& a, const auto& b) { return a.Kind < b.Kind; });

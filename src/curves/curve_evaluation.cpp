@@ -86,8 +86,8 @@ CurveValue roshkoAt(std::span<const CurvePoint> curve, double strouhal) {
   CurveValue value = valueAt(a, b, (strouhal - a.strouhal) / (b.strouhal - a.strouhal));
   value.strouhal = strouhal;
   if (value.isExtrapolated && value.roshko <= 0) {
-    throw OutOfRange({"Continued straight beyond its ends, the curve has Strouhal " +
-                          significantText(strouhal, 6) + " at no Roshko number above 0.",
+    throw OutOfRange({"Extended straight beyond its ends, the curve does not reach Strouhal " +
+                          significantText(strouhal, 6) + " at any Roshko number above 0.",
                       "", ""});
   }
   const double slope = std::abs((b.strouhal - a.strouhal) / (b.roshko - a.roshko));

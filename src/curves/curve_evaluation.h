@@ -20,7 +20,7 @@ void requireTable(std::span<const CurvePoint> curve);
 //
 // Errors: as requireTable; BadData if Strouhal does not strictly rise or fall all along (it
 //         names the Roshko number at which the curve turns); OutOfRange where the straight line
-//         beyond an end reaches that Strouhal number at no Roshko number above 0.
+//         beyond an end does not reach that Strouhal number at any Roshko number above 0.
 [[nodiscard]] PELMORA_API CurveValue roshkoAt(std::span<const CurvePoint> curve, double strouhal);
 
 }  // namespace pelmora::calibration

@@ -48,7 +48,7 @@ class Gaps {
 void checkUncertainties(const Column& column, const std::string& thing, Gaps& gaps) {
   const Uncertainties& u = *column.uncertainties;
   if (u.values.size() != column.values.size())
-    gaps.add(thing + " has not one uncertainty for each value");
+    gaps.add(thing + " does not have one uncertainty for each value");
   if (u.coverageFactors.size() != 1 && u.coverageFactors.size() != column.values.size())
     gaps.add(thing + " has neither one coverage factor nor one for each value");
   gaps.needNumbers(u.values, "the uncertainties of " + thing);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "dcc/dcc_writer.h"
 
+#include "base/markup_text.h"
 #include "base/readable_number.h"
 #include "dcc/dcc_units.h"
 #include "units/unit.h"
@@ -48,20 +49,6 @@ class XmlText {
   [[nodiscard]] std::string take() { return std::move(text_); }
 
  private:
-  static std::string escaped(std::string_view content) {
-    std::string made;
-    for (const char c : content) {
-      switch (c) {
-        case '&': made += "&amp;"; break;
-        case '<': made += "&lt;"; break;
-        case '>': made += "&gt;"; break;
-        default:
-          // XML 1.0 has no other control characters.
-          if (static_cast<unsigned char>(c) >= 0x20 || c == '\t' || c == '\n') made += c;
-      }
-    }
-    return made;
-  }
   void indent() { text_.append(open_.size(), ' '); }
   std::string text_ = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
   std::vector<std::string> open_;

@@ -19,13 +19,13 @@ constexpr double limitSigmas = 3;
 
 Shift shiftBetween(const uncertainty::Budget& earlier, const uncertainty::Budget& now) {
   if (earlier.value == 0) {
-    refuse("the earlier curve is zero there, so that its shift has no size in per cent",
+    refuse("the earlier curve is zero there, so the shift has no value in per cent",
            "choose another Roshko number");
   }
   const uncertainty::Budget difference = uncertainty::pairBudget(
       now.value - earlier.value, {&now, 1}, {&earlier, -1}, uncertainty::SharedBy::calibrations);
   if (!(difference.expanded > 0)) {
-    refuse("the shift has no uncertainty: both budgets consist of what they share",
+    refuse("the shift has no uncertainty: both budgets contain only what they share",
            "add reproducibility to the uncertainty of the stand");
   }
   const double size = std::abs(earlier.value) / 100;
@@ -39,7 +39,7 @@ Shift shiftBetween(const uncertainty::Budget& earlier, const uncertainty::Budget
 
 ControlLimits controlLimits(std::span<const double> values, double independent) {
   if (values.size() < 2)
-    refuse("a control chart has at least two calibrations", "calibrate the meter again");
+    refuse("a control chart needs at least two calibrations", "calibrate the meter again");
   ControlLimits limits;
   double ranges = 0;
   for (std::size_t i = 0; i < values.size(); ++i) {

@@ -11,10 +11,10 @@ namespace {
 
 using uncertainty::refuse;
 
-void requireHistory(std::span<const Calibrated> history, const IntervalAssumptions& assumptions) {
+void requireHistory(std::span<const Calibrated> history, double limitPercent) {
   if (history.size() < 3)
-    refuse("an interval takes at least three calibrations", "keep the present interval until then");
-  if (!(assumptions.limitPercent > 0))
+    refuse("an interval needs at least three calibrations", "keep the present interval until then");
+  if (!(limitPercent > 0))
     refuse("the limit of the drift is not above 0 %", "state what change the application allows");
   if (history.front().budget.value == 0)
     refuse("the first curve is zero there", "choose another Roshko number");
@@ -56,9 +56,8 @@ Line lineOf(std::span<const Calibrated> history) {
 
 }  // namespace
 
-IntervalAdvice adviseInterval(std::span<const Calibrated> history,
-                              const IntervalAssumptions& assumptions) {
-  requireHistory(history, assumptions);
+IntervalAdvice adviseInterval(std::span<const Calibrated> history, double limitPercent) {
+  requireHistory(history, limitPercent);
   IntervalAdvice advice;
   advice.calibrations = history.size();
   double independent = 0;
@@ -73,20 +72,20 @@ IntervalAdvice adviseInterval(std::span<const Calibrated> history,
   advice.ratePercentPerYear = line.slope;
   advice.dispersionPercent = std::max(line.scatter, independent);
   advice.rateUncertainty = advice.dispersionPercent / std::sqrt(line.spread);
-  advice.coverageFactor =
-      uncertainty::coverageFactor(assumptions.probability, static_cast<double>(history.size()) - 2);
+  advice.coverageFactor = uncertainty::coverageFactor(uncertainty::twoSigmaProbability,
+                                                      static_cast<double>(history.size()) - 2);
 
   const auto reached = [&](double t) {
     return std::abs(line.slope) * t +
            advice.coverageFactor * std::hypot(advice.rateUncertainty * t, advice.dispersionPercent);
   };
-  const double longest = assumptions.mostGrowth * advice.longestSoFar;
-  if (reached(0) >= assumptions.limitPercent) return advice;
-  advice.isCapped = reached(longest) <= assumptions.limitPercent;
+  const double longest = mostGrowth * advice.longestSoFar;
+  if (reached(0) >= limitPercent) return advice;
+  advice.isCapped = reached(longest) <= limitPercent;
   double low = 0, high = longest;
   for (int i = 0; i < 60 && !advice.isCapped; ++i) {
     const double middle = (low + high) / 2;
-    (reached(middle) < assumptions.limitPercent ? low : high) = middle;
+    (reached(middle) < limitPercent ? low : high) = middle;
   }
   advice.years = advice.isCapped ? longest : low;
   return advice;

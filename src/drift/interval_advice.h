@@ -9,14 +9,9 @@
 
 namespace pelmora::drift {
 
-// What the advice assumes, chosen by the laboratory's customer.
-struct IntervalAssumptions {
-  double limitPercent = 0;  // the largest change of the curve that the application allows
-  double probability = uncertainty::twoSigmaProbability;  // of staying within it
-  // The interval is at most this many times the longest one so far: a straight line is not trusted
-  // far beyond what was seen.
-  double mostGrowth = 2;
-};
+// The interval is at most this many times the longest one so far: a straight line is not trusted
+// far beyond what was seen.
+inline constexpr double mostGrowth = 2;
 
 // The advice, and what it is based on. The drift is assumed to be a straight line in time.
 struct IntervalAdvice {
@@ -34,15 +29,16 @@ struct IntervalAdvice {
 //
 //   |rate| t + k sqrt((u_rate t)^2 + dispersion^2) = limit,
 //
-// with k of Student's distribution with n - 2 degrees of freedom. The dispersion is never smaller
-// than the independent uncertainty of a calibration. Where several Roshko numbers are examined, the
-// shortest interval counts.
+// with k of Student's distribution with n - 2 degrees of freedom, for a probability of 95.45 %. The
+// dispersion is never smaller than the independent uncertainty of a calibration. Where several
+// Roshko numbers are examined, the shortest interval counts.
 //
 // history: in rising order of time.
+// limitPercent: the largest change of the curve that the application allows.
 // Errors:  BadData for fewer than three calibrations, times that do not rise, a first value of 0,
 //          a limit that is not above 0.
 // Source:  ILAC-G24:2022 / OIML D 10, method 2 (control chart).
 [[nodiscard]] IntervalAdvice adviseInterval(std::span<const Calibrated> history,
-                                            const IntervalAssumptions& assumptions);
+                                            double limitPercent);
 
 }  // namespace pelmora::drift

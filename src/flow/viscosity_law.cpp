@@ -78,7 +78,7 @@ void requirePoint(ViscosityScale scale, const ViscosityPoint& point, double shif
   requireTemperature(point.kelvin, shift);
   const double least = scale == ViscosityScale::d341 ? leastOfD341 : 0;
   if (!std::isfinite(point.centistokes) || !(point.centistokes > 0) || point.centistokes < least) {
-    refuse("the viscosity at " + degrees(point.kelvin) + " is too small for its law",
+    refuse("the viscosity at " + degrees(point.kelvin) + " is below the range of its law",
            least > 0 ? "the D341 law starts at 0.21 cSt; use the Andrade law"
                      : "give a viscosity above 0 cSt");
   }
@@ -89,7 +89,7 @@ void requirePoint(ViscosityScale scale, const ViscosityPoint& point, double shif
 ViscosityLaw::ViscosityLaw(ViscosityScale scale, std::vector<ViscosityPoint> points,
                            TemperatureRange range, double shift)
     : scale_(scale), range_(range), shift_(shift) {
-  if (points.size() < 2) refuse("a viscosity law has at least two points", "add a temperature");
+  if (points.size() < 2) refuse("a viscosity law needs at least two points", "add a temperature");
   std::sort(points.begin(), points.end(),
             [](const auto& a, const auto& b) { return a.kelvin < b.kelvin; });
   for (std::size_t i = 0; i < points.size(); ++i) {

@@ -80,14 +80,20 @@ Ids seriesIds(const ConnectionPtr& curves, const std::vector<Entry>& list,
   return ids;
 }
 
-// Counts the kept rows of all entries, table by table. ofSeries: only rows of series with these
+// For up to so many entries their rows are looked up; for more, all rows are counted in one pass.
+constexpr std::size_t fewEntries = 50;
+
+// Counts the kept rows of the entries, table by table. ofSeries: only rows of series with these
 // ids.
 void countRows(const ConnectionPtr& curves, std::vector<Entry>& list,
                const std::optional<Ids>& ofSeries) {
+  Ids entryIds;
+  for (const Entry& entry : list) entryIds.push_back(entry.ID);
+  const std::string ofEntries = list.size() <= fewEntries ? whereIn("EntryID", entryIds) : "";
   for (const KeptTable& table : keptTables()) {
     if (!hasTable(curves, table.HistoryName) || (ofSeries && table.RowsBelongTo != Owner::series))
       continue;
-    const std::string where = ofSeries ? whereIn(table.KeyColumn, *ofSeries) : "";
+    const std::string where = ofSeries ? whereIn(table.KeyColumn, *ofSeries) : ofEntries;
     std::map<std::int64_t, std::size_t> counts;
     const auto rows = read(curves, "Select EntryID, COUNT(*) AS n from [" + table.HistoryName +
                                        "]" + where + " GROUP BY EntryID");

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "history/fingerprint.h"
 
-#include "base/word_mixer.h"
 #include "store/curve_schema.h"
 
 #include <bit>
@@ -11,15 +10,6 @@
 namespace pelmora::history {
 namespace {
 
-void add(WordMixer& mixer, const Value& value) {
-  mixer.add(std::uint64_t{value.index()});
-  if (const auto* whole = std::get_if<std::int64_t>(&value)) {
-    mixer.add(std::bit_cast<std::uint64_t>(*whole));
-  }
-  if (const auto* real = std::get_if<double>(&value)) mixer.add(*real);
-  if (const auto* text = std::get_if<std::string>(&value)) mixer.add(std::string_view(*text));
-}
-
 Scope with(Scope scope, std::vector<std::string> tables) {
   scope.Tables.insert(scope.Tables.begin(), std::make_move_iterator(tables.begin()),
                       std::make_move_iterator(tables.end()));
@@ -27,6 +17,15 @@ Scope with(Scope scope, std::vector<std::string> tables) {
 }
 
 }  // namespace
+
+void mixValue(WordMixer& mixer, const Value& value) {
+  mixer.add(std::uint64_t{value.index()});
+  if (const auto* whole = std::get_if<std::int64_t>(&value)) {
+    mixer.add(std::bit_cast<std::uint64_t>(*whole));
+  }
+  if (const auto* real = std::get_if<double>(&value)) mixer.add(*real);
+  if (const auto* text = std::get_if<std::string>(&value)) mixer.add(std::string_view(*text));
+}
 
 std::uint64_t fingerprint(const ConnectionPtr& curves, const Scope& scope) {
   WordMixer mixer;
@@ -38,7 +37,7 @@ std::uint64_t fingerprint(const ConnectionPtr& curves, const Scope& scope) {
           read(curves, "Select * from [" + name + "]" + condition(curves, scope, table));
       for (; !rows->atEnd(); rows->moveNext(), ++count) {
         for (std::size_t field = 0; field < rows->fieldCount(); ++field)
-          add(mixer, rows->value(field));
+          mixValue(mixer, rows->value(field));
       }
     }
     mixer.add(count);

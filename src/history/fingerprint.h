@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "base/word_mixer.h"
 #include "history/scope.h"
 
 #include <pelmora/export.h>
@@ -9,6 +10,9 @@
 #include <cstdint>
 
 namespace pelmora::history {
+
+// Kind and exact bits of a value.
+PELMORA_API void mixValue(WordMixer& mixer, const Value& value);
 
 // A number made from all rows of the scope: every column, exact bits, kinds of values, and the
 // order in which they are read. Two equal numbers mean the same rows, but for one chance in 2^64. A

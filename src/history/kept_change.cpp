@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <string_view>
 #include <utility>
 
@@ -38,6 +39,10 @@ std::string joinedNames(const std::vector<std::string>& names) {
   return list;
 }
 
+constexpr std::array<std::string_view, 10> entryFields{
+    "ChangedAt", "Command",    "SerialNumber", "ReCalID",  "MeterID",
+    "SeriesID",  "SeriesName", "KeptTables",   "UserName", "Version"};
+
 std::int64_t addEntry(const ConnectionPtr& curves, const ChangeNote& note, const Scope& scope) {
   const auto meter = read(
       curves, "Select SerialNumber, ReCalID from meter where ID=" + std::to_string(scope.MeterID));
@@ -46,9 +51,6 @@ std::int64_t addEntry(const ConnectionPtr& curves, const ChangeNote& note, const
   const auto rows =
       curves->openRecordset("Select * from " + std::string(historyEntryTable) + " where 1=0",
                             CursorType::dynamic, LockType::optimistic);
-  constexpr std::array<std::string_view, 10> fields{
-      "ChangedAt", "Command",    "SerialNumber", "ReCalID",  "MeterID",
-      "SeriesID",  "SeriesName", "KeptTables",   "UserName", "Version"};
   const std::array<Value, 10> values{note.ChangedAt,
                                      note.Command,
                                      meter->atEnd() ? Value() : meter->value(0),
@@ -59,8 +61,31 @@ std::int64_t addEntry(const ConnectionPtr& curves, const ChangeNote& note, const
                                      joinedNames(scope.Tables),
                                      note.UserName,
                                      note.Version};
-  rows->addRow(fields, values);
+  rows->addRow(entryFields, values);
   return wholeOf(rows->value("ID"));
+}
+
+// The entries behind `last`, by series.
+std::map<std::int64_t, std::int64_t> entriesAfter(const ConnectionPtr& curves, std::int64_t last) {
+  std::map<std::int64_t, std::int64_t> entries;
+  const auto rows = read(curves, std::string("Select ID, SeriesID from ") + historyEntryTable +
+                                     " where ID>" + std::to_string(last));
+  for (; !rows->atEnd(); rows->moveNext())
+    entries[wholeOf(rows->value(1))] = wholeOf(rows->value(0));
+  return entries;
+}
+
+// The rows of all series that have an entry behind `last`.
+void copyRows(const ConnectionPtr& curves, const KeptTable& table, std::int64_t last) {
+  std::string columns, selected;
+  for (const OwnColumn& column : table.Columns) {
+    columns += ", [" + column.Name + "]";
+    selected += ", t.[" + column.Name + "]";
+  }
+  curves->execute("INSERT INTO [" + table.HistoryName + "] ([EntryID]" + columns +
+                  ") SELECT e.ID AS EntryID" + selected + " FROM [" + table.Name +
+                  "] AS t INNER JOIN " + historyEntryTable + " AS e ON e.SeriesID = t.[" +
+                  table.KeyColumn + "] WHERE e.ID > " + std::to_string(last));
 }
 
 }  // namespace
@@ -84,6 +109,36 @@ std::int64_t KeptChange::keep(const Scope& scope) {
                      " FROM [" + name + "]" + condition(curves_, scope, table));
   }
   return entryID;
+}
+
+std::vector<std::int64_t> KeptChange::keepEach(const std::vector<KeptSeries>& series,
+                                               const std::vector<std::string>& tables) {
+  if (series.empty()) return {};
+  if (!hasTables_) createHistoryTables(curves_);
+  hasTables_ = true;
+  const std::int64_t last =
+      wholeOf(read(curves_, std::string("Select MAX(ID) from ") + historyEntryTable)->value(0));
+  const auto rows =
+      curves_->openRecordset(std::string("Select * from ") + historyEntryTable + " where 1=0",
+                             CursorType::dynamic, LockType::batchOptimistic);
+  for (const KeptSeries& one : series) {
+    kept_.push_back({one.MeterID, one.SeriesID, tables});
+    rows->addRow(entryFields,
+                 std::array<Value, 10>{note_.ChangedAt, note_.Command, one.SerialNumber,
+                                       std::int64_t{one.ReCalID}, std::int64_t{one.MeterID},
+                                       std::int64_t{one.SeriesID}, one.SeriesName,
+                                       joinedNames(tables), note_.UserName, note_.Version});
+  }
+  rows->updateBatch();
+  for (const std::string& name : tables) {
+    const KeptTable& table = keptTable(name);
+    if (isThere(curves_, table)) copyRows(curves_, table, last);
+  }
+  // Nobody else writes inside the transaction.
+  const auto entries = entriesAfter(curves_, last);
+  std::vector<std::int64_t> ids;
+  for (const KeptSeries& one : series) ids.push_back(entries.at(one.SeriesID));
+  return ids;
 }
 
 }  // namespace pelmora::history

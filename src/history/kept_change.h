@@ -22,6 +22,14 @@ struct ChangeNote {
   bool operator==(const ChangeNote&) const = default;
 };
 
+// A series for an entry of the history.
+struct KeptSeries {
+  std::int32_t MeterID = 0, SeriesID = 0;
+  std::string SerialNumber;
+  int ReCalID = 0;
+  std::string SeriesName;
+};
+
 // Begins a transaction of the connection. What keep() copies and what is changed afterwards is
 // stored by commit() together; without it, also where the program is killed, nothing of either is.
 //
@@ -38,6 +46,11 @@ class PELMORA_API KeptChange {
   // and no entry, where there are none or this change has kept them before. Makes the history's
   // tables where they are missing.
   std::int64_t keep(const Scope& scope);
+  // Copies the rows of many series into entries of their own, in few statements: all rows that
+  // `tables` have of each. `series` are those that have any, and that this change has not kept.
+  // Their entries, in the same order.
+  std::vector<std::int64_t> keepEach(const std::vector<KeptSeries>& series,
+                                     const std::vector<std::string>& tables);
   void commit() { transaction_.commit(); }
 
  private:

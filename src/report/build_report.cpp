@@ -11,6 +11,7 @@
 
 #include <pelmora/calibration/choice.h>
 #include <pelmora/calibration/curve.h>
+#include <pelmora/calibration/failure.h>
 #include <pelmora/calibration/ranking.h>
 #include <pelmora/calibration/words.h>
 
@@ -96,8 +97,11 @@ class SeriesBuilder {
     std::erase(report_.storedText, '\r');
     report_.curveAge = stored_.age;
     addSignatures();
+    requireGoOn(input_.stop);
     addFit();
+    requireGoOn(input_.stop);
     addPoints();
+    requireGoOn(input_.stop);
     addUncertainty();
     addComparison();
     return std::move(report_);
@@ -172,7 +176,7 @@ class SeriesBuilder {
     if (report_.curve.empty()) {
       made.whyNone = "no curve is stored";
     } else if (series_.fitted) {
-      made = uncertaintyStatementOf(*series_.fitted);
+      made = uncertaintyStatementOf(*series_.fitted, input_.stop);
     } else {
       made.whyNone =
           series_.fittedTrouble.empty() ? "that of the curve is not known" : series_.fittedTrouble;
@@ -195,7 +199,9 @@ class SeriesBuilder {
         strouhal.push_back(point.strouhal);
       }
     }
-    const auto budgets = series_.fitted->measured(roshko, strouhal);
+    calibration::EvaluateOptions options;
+    options.stop = input_.stop;
+    const auto budgets = series_.fitted->measured(roshko, strouhal, options);
     std::vector<std::optional<StatedUncertainty>> all;
     for (const auto& budget : budgets) all.push_back(stated(budget));
     report_.pointUncertainty = spanOf(all);
@@ -269,12 +275,19 @@ class SeriesBuilder {
 
 }  // namespace
 
+void requireGoOn(const std::stop_token& stop) {
+  if (stop.stop_requested()) throw calibration::Cancelled({"the report was cancelled", "", ""});
+}
+
+void Report::requireGoOn() const { report::requireGoOn(stop); }
+
 Report buildReport(const ReportInput& input) {
   Report report{input.meter,      input.runs,
                 input.laboratory, input.details,
                 input.database,   input.softwareVersion,
                 input.createdAt,  {},
-                input.history,    {}};
+                input.history,    {},
+                input.stop};
   std::vector<const calibration::StoredSeries*> stored;
   for (const SeriesInput& series : input.series) {
     stored.push_back(&series.stored);
@@ -283,6 +296,7 @@ Report buildReport(const ReportInput& input) {
     made.valueTitle =
         isQuotient(made) ? "Ratio" : withUnit(report, "Strouhal number", "strouhal-unit");
   }
+  requireGoOn(input.stop);
   report.rawDataHash = rawDataHash(stored);
   return report;
 }

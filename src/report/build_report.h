@@ -5,6 +5,7 @@
 #include "report/report_model.h"
 
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -46,10 +47,13 @@ struct ReportInput {
   std::string database, softwareVersion, createdAt;
   std::vector<SeriesInput> series;
   std::vector<calibration::HistoryEntry> history{};
+  std::stop_token stop{};  // see Report
 };
 
 // What is stored is shown as it is stored. Ranking, statistics, warnings and 95 % bands are of the
 // refit; a remark says if the refit's curve differs from the stored one, which then gets no bands.
+//
+// Errors: Cancelled.
 [[nodiscard]] Report buildReport(const ReportInput& input);
 
 }  // namespace pelmora::report

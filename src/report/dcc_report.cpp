@@ -5,6 +5,7 @@
 #include "dcc/dcc_writer.h"
 #include "report/printed_values.h"
 #include "report/report_details.h"
+#include "report/signature_words.h"
 #include "report/text_list.h"
 #include "units/unit.h"
 
@@ -78,6 +79,7 @@ class PointColumns {
     if (unit.empty() || used_.empty()) return;
     dcc::Column column{name, isReference, unit, {}, std::nullopt};
     for (const MeasuredPoint* point : used_) {
+      report_.requireGoOn();
       column.values.push_back(unsignedText(text(*point)));
       if (column.values.back() == "-") return;
     }
@@ -167,8 +169,14 @@ std::string statementOf(const SeriesReport& series) {
   std::string text = series.name + ": " + std::to_string(result.used) + " points used, " +
                      std::to_string(result.cut) + " cut, " + std::to_string(result.excluded) +
                      " excluded";
-  if (result.worstPercent && !series.curve.empty())
-    text += "; largest deviation from the curve " + printedDeviation(result.worstPercent) + " %";
+  if (result.distrusted > 0) {
+    text += ", " + std::to_string(result.distrusted) +
+            " distrusted (contradicting the others and left out of the fit, not excluded)";
+  }
+  if (result.worstPercent && !series.curve.empty()) {
+    text += "; largest deviation from the curve " + printedDeviation(result.worstPercent) + " %" +
+            (result.worstIsDistrusted ? ", of a distrusted point" : "");
+  }
   if (result.passes) {
     text += std::string(*result.passes ? "; PASS" : "; FAIL") + ", limit " +
             significantText(*result.limitPercent, 4) +
@@ -177,6 +185,11 @@ std::string statementOf(const SeriesReport& series) {
   text += ". " + uncertaintyText(series.uncertainty);
   const std::string points = pointUncertaintyText(series.uncertainty, series.pointUncertainty);
   return text + (points.empty() ? "" : " Of the measured points: " + points);
+}
+
+std::string signatureText(const SeriesReport& series, const Signature& signature) {
+  return series.name + ": " + signatureState(signature) + " " + signedBy(signature) +
+         ". Fingerprint " + signature.entry.fingerprint;
 }
 
 void addConditions(const Report& report, dcc::Certificate& certificate) {
@@ -220,10 +233,33 @@ dcc::Certificate certificateOf(const Report& report) {
       if (!series.curve.empty()) made.results.push_back(curveResult(series, units));
     }
     made.statements.push_back(statementOf(series));
+    for (const Signature& signature : series.signatures)
+      made.statements.push_back(signatureText(series, signature));
   }
   for (const std::string& line : detailLines(report, "remark")) made.statements.push_back(line);
   return made;
 }
+
+namespace {
+
+// "missing are the certificate number and the city of the customer; nobody signs"
+std::string sentenceOf(const std::vector<std::string>& gaps) {
+  constexpr std::string_view ending = " is missing";
+  std::vector<std::string> missing;
+  std::string others;
+  for (const std::string& gap : gaps) {
+    if (gap.ends_with(ending))
+      missing.push_back(gap.substr(0, gap.size() - ending.size()));
+    else
+      others += "; " + gap;
+  }
+  std::string text = missing.empty() ? "" : missing.size() == 1 ? "missing is " : "missing are ";
+  for (std::size_t i = 0; i < missing.size(); ++i)
+    text += (i == 0 ? "" : i + 1 == missing.size() ? " and " : ", ") + missing[i];
+  return missing.empty() ? others.substr(2) : text + others;
+}
+
+}  // namespace
 
 std::string dccReport(const Report& report) {
   const dcc::Certificate certificate = certificateOf(report);
@@ -232,9 +268,7 @@ std::string dccReport(const Report& report) {
   if (detailOf(report, "strouhal-unit").empty())
     gaps.emplace_back("the unit of Strouhal is missing");
   if (gaps.empty()) return dcc::certificateXml(certificate);
-  std::string text;
-  for (const std::string& gap : gaps) text += (text.empty() ? "" : "; ") + gap;
-  throw calibration::BadData({"a digital certificate needs more: " + text, "",
+  throw calibration::BadData({"the digital certificate is incomplete: " + sentenceOf(gaps), "",
                               "record it with 'pelmora meter set' and 'pelmora laboratory set'"});
 }
 

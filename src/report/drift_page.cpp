@@ -19,7 +19,8 @@ using calibration::Drift;
 using calibration::DriftPlace;
 using calibration::DriftValue;
 
-constexpr double width = 720, panelHeight = 150, left = 70, right = 16, head = 40, gap = 42;
+constexpr double driftWidth = 720, driftHeight = 150, driftLeft = 70, driftRight = 16;
+constexpr double driftHead = 40, driftGap = 42;
 constexpr const char *ink = "#1f2933", *soft = "#5f6c7b", *grid = "#d9dee4", *limit = "#b3452c";
 
 std::string line(double x1, double y1, double x2, double y2, const char* colour,
@@ -66,20 +67,20 @@ std::string panel(const Drift& drift, const DriftPlace& place, const std::vector
   }
   if (place.chart) values.insert(values.end(), {place.chart->low, place.chart->high});
   const PlotScale y = PlotScale::linear(values, 0.06), x = PlotScale::linear(times, 0.08);
-  const double end = width - right;
-  const auto atY = [&](double value) { return top + panelHeight * (1 - y.share(value)); };
-  const auto atX = [&](double time) { return left + (end - left) * x.share(time); };
+  const double end = driftWidth - driftRight;
+  const auto atY = [&](double value) { return top + driftHeight * (1 - y.share(value)); };
+  const auto atX = [&](double time) { return driftLeft + (end - driftLeft) * x.share(time); };
   std::string svg =
-      label(left, top - 8, "Roshko " + significantText(place.roshko, 5), "start", ink);
+      label(driftLeft, top - 8, "Roshko " + significantText(place.roshko, 5), "start", ink);
   for (const Tick& tick : y.ticks(5)) {
-    svg += line(left, atY(tick.value), end, atY(tick.value), grid);
-    if (!tick.label.empty()) svg += label(left - 6, atY(tick.value) + 4, tick.label, "end");
+    svg += line(driftLeft, atY(tick.value), end, atY(tick.value), grid);
+    if (!tick.label.empty()) svg += label(driftLeft - 6, atY(tick.value) + 4, tick.label, "end");
   }
   if (place.chart) {
     const auto& chart = *place.chart;
-    svg += line(left, atY(chart.centre), end, atY(chart.centre), soft);
+    svg += line(driftLeft, atY(chart.centre), end, atY(chart.centre), soft);
     for (const double at : {chart.low, chart.high})
-      svg += line(left, atY(at), end, atY(at), limit, " stroke-dasharray=\"6 4\"");
+      svg += line(driftLeft, atY(at), end, atY(at), limit, " stroke-dasharray=\"6 4\"");
   }
   std::string path;
   for (std::size_t i = 0; i < place.values.size(); ++i) {
@@ -95,7 +96,7 @@ std::string panel(const Drift& drift, const DriftPlace& place, const std::vector
            (isMarked ? limit : ink) + "\"><title>" +
            escaped(nameOf(drift.calibrations[i]) + ": " + percentText(value.percent) + " %") +
            "</title></circle>";
-    if (isLast) svg += label(cx, top + panelHeight + 18, nameOf(drift.calibrations[i]), "middle");
+    if (isLast) svg += label(cx, top + driftHeight + 18, nameOf(drift.calibrations[i]), "middle");
   }
   return svg + "<path d=\"" + path + "\" fill=\"none\" stroke=\"" + ink + "\"/>\n";
 }
@@ -146,15 +147,17 @@ std::string driftStyle() {
 }  // namespace
 
 std::string driftPicture(const Drift& drift, const std::string& title) {
-  const double height = head + static_cast<double>(drift.places.size()) * (panelHeight + gap) + 10;
-  std::string svg =
-      "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " + coordinate(width) + " " +
-      coordinate(height) + "\" font-family=\"sans-serif\" role=\"img\">\n" +
-      "<rect width=\"100%\" height=\"100%\" fill=\"#ffffff\"/>" +
-      label(left, 20, "Change of " + title + " since the first calibration, %", "start", ink, 14);
+  const double height =
+      driftHead + static_cast<double>(drift.places.size()) * (driftHeight + driftGap) + 10;
+  std::string svg = "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " +
+                    coordinate(driftWidth) + " " + coordinate(height) +
+                    "\" font-family=\"sans-serif\" role=\"img\">\n" +
+                    "<rect width=\"100%\" height=\"100%\" fill=\"#ffffff\"/>" +
+                    label(driftLeft, 20, "Change of " + title + " since the first calibration, %",
+                          "start", ink, 14);
   const std::vector<double> times = timesOf(drift);
-  double top = head + 16;
-  for (std::size_t i = 0; i < drift.places.size(); ++i, top += panelHeight + gap)
+  double top = driftHead + 16;
+  for (std::size_t i = 0; i < drift.places.size(); ++i, top += driftHeight + driftGap)
     svg += panel(drift, drift.places[i], times, top, i + 1 == drift.places.size());
   return svg + "</svg>\n";
 }

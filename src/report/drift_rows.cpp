@@ -3,6 +3,7 @@
 
 #include "base/readable_number.h"
 #include "report/budget_text.h"
+#include "report/printed_values.h"
 
 namespace pelmora::report {
 namespace {
@@ -23,12 +24,12 @@ std::vector<std::string> driftCells(const calibration::Drift& drift,
   const calibration::DriftValue& value = place.values[i];
   const auto& shift = value.sincePrevious;
   return {std::to_string(dated.calibration) + (dated.date.empty() ? "" : " " + dated.date),
-          significantText(value.strouhal, 7),
+          printedFactor(value.strouhal),
           expandedPercentText(value.budget),
           percentText(value.percent),
           shift ? percentText(shift->percent) : "-",
-          shift ? significantText(shift->uncertaintyPercent, 2) : "-",
-          shift ? significantText(shift->en, 2) : "-",
+          shift ? printedUncertainty(shift->uncertaintyPercent) : "-",
+          shift ? printedUncertainty(shift->en) : "-",
           verdictOf(value, verdicts)};
 }
 

@@ -14,6 +14,16 @@
 namespace pelmora::report {
 namespace {
 
+calibration::PointState stateOf(const calibration::Fit& fit, std::size_t merged) {
+  if (!fit.trust) return calibration::PointState::used;
+  switch (fit.trust->judged.at(merged).use) {
+    case calibration::PointUse::distrusted: return calibration::PointState::distrusted;
+    case calibration::PointUse::outside: return calibration::PointState::outsideRange;
+    case calibration::PointUse::used: break;
+  }
+  return calibration::PointState::used;
+}
+
 // The merged points and those that the merge left out, by part and number.
 std::vector<calibration::RawPoint> pointsOf(const calibration::Fit& fit) {
   std::vector<calibration::RawPoint> points;
@@ -29,8 +39,7 @@ std::vector<calibration::RawPoint> pointsOf(const calibration::Fit& fit) {
   };
   for (std::size_t i = 0; i < fit.merged.size(); ++i) {
     const calibration::PointPlace& place = fit.places.at(i);
-    add(place.part, place.number, fit.merged(i, 0), fit.merged(i, 1),
-        calibration::PointState::used);
+    add(place.part, place.number, fit.merged(i, 0), fit.merged(i, 1), stateOf(fit, i));
   }
   for (const calibration::CutPoint& cut : fit.cut)
     add(cut.part, cut.number, cut.roshko, cut.strouhal, calibration::PointState::cut);
@@ -40,7 +49,7 @@ std::vector<calibration::RawPoint> pointsOf(const calibration::Fit& fit) {
   return points;
 }
 
-SeriesInput seriesOf(const calibration::Fit& fit) {
+SeriesInput seriesOf(const calibration::Fit& fit, const std::stop_token& stop) {
   SeriesInput input;
   input.stored.name = fit.series.empty() ? "Fit" : fit.series;
   input.stored.id = fit.seriesID;
@@ -54,7 +63,7 @@ SeriesInput seriesOf(const calibration::Fit& fit) {
   input.settings.RatioCurve = fit.settings.ratio;
   input.settingsAreKept = true;
   input.settings.Choice = calibration::choiceKey(fit.settings.choice);
-  input.refit = {fit.outcome, fit.curve, fit.reason(), ""};
+  input.refit = {fit.outcome, fit.curve, fit.reason(stop), ""};
   return input;
 }
 
@@ -63,12 +72,13 @@ SeriesInput seriesOf(const calibration::Fit& fit) {
 
 namespace pelmora::calibration {
 
-std::string plotOf(const Fit& fit) {
+std::string plotOf(const Fit& fit, const std::stop_token& stop) {
   report::ReportInput input;
   input.meter = fit.meter;
   input.softwareVersion = version;
   input.createdAt = utcText();
-  input.series.push_back(report::seriesOf(fit));
+  input.stop = stop;
+  input.series.push_back(report::seriesOf(fit, stop));
   return report::svgReport(report::buildReport(input));
 }
 

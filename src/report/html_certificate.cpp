@@ -115,6 +115,19 @@ std::string standText(const Report& report) {
   return stand + (place.empty() ? "" : (stand.empty() ? "" : ", ") + ("position " + place));
 }
 
+// The air around the meter; the units tell the values apart.
+std::string ambientText(const Report& report) {
+  std::vector<std::string> texts;
+  const auto add = [&](const char* key, const char* more) {
+    const std::string value = detailOf(report, key);
+    if (!value.empty()) texts.push_back(value + more);
+  };
+  add("ambient-temperature", "");
+  add("ambient-humidity", " relative humidity");
+  add("ambient-pressure", "");
+  return joined(texts);
+}
+
 std::string methodFacts(const Report& report) {
   FactTable facts;
   for (const char* key : {"method", "procedure"}) facts.addDetail(report, key);
@@ -124,7 +137,8 @@ std::string methodFacts(const Report& report) {
   facts.add("Operators",
             orNotRecorded(distinct(report, [](const Run& run) { return run.operatorName; })));
   facts.add("Jobs", distinct(report, [](const Run& run) { return joined(run.jobs); }));
-  for (const char* key : conditionDetails) facts.addDetail(report, key);
+  facts.add("Ambient", ambientText(report));
+  facts.addDetail(report, "line-pressure");
   return facts.take("Method and conditions");
 }
 
@@ -183,7 +197,12 @@ std::string resultNotes(const Report& report) {
   std::string text =
       "Deviations are those of the used points from the stored curve, whose table is read linearly "
       "between its points; PASS and FAIL compare the largest one with the limit, without regard to "
-      "the uncertainty U (simple acceptance). Mean K: half the sum of the largest and the smallest "
+      "the uncertainty U (simple acceptance)." +
+      std::string(any([](const SeriesReport& s) { return s.result.distrusted > 0; })
+                      ? " The largest one takes in the distrusted points: they contradict the "
+                        "others, the curve was fitted without them, and nobody has excluded them."
+                      : "") +
+      " Mean K: half the sum of the largest and the smallest "
       "value; linearity: half their difference.";
   if (any([](const SeriesReport& s) { return s.result.repeatabilityPercent.has_value(); })) {
     text +=
@@ -224,6 +243,8 @@ std::string htmlFacts(const Report& report) {
 }
 
 std::string htmlResults(const Report& report) {
+  const bool hasDistrusted = std::ranges::any_of(
+      report.series, [](const SeriesReport& s) { return s.result.distrusted > 0; });
   HtmlTable table("Results",
                   {{"Series", false},
                    {"Result", false},
@@ -236,7 +257,7 @@ std::string htmlResults(const Report& report) {
                    {"U %", true},
                    {"Repeat. %", true},
                    {"Hyst. %", true},
-                   {"Used / cut / excl.", true}},
+                   {hasDistrusted ? "Used / cut / excl. / distr." : "Used / cut / excl.", true}},
                   "keep results");
   for (const SeriesReport& series : report.series) {
     const SeriesResult& r = series.result;
@@ -249,7 +270,8 @@ std::string htmlResults(const Report& report) {
                   series.uncertainty.isStated() ? percentSpanText(series.uncertainty.span) : "-",
                   magnitude(r.repeatabilityPercent), magnitude(r.hysteresisPercent),
                   std::to_string(r.used) + " / " + std::to_string(r.cut) + " / " +
-                      std::to_string(r.excluded)},
+                      std::to_string(r.excluded) +
+                      (hasDistrusted ? " / " + std::to_string(r.distrusted) : "")},
                  r.passes && !*r.passes ? "fail" : "");
   }
   return "<h2>Results</h2>\n" + table.take() + resultNotes(report);

@@ -50,7 +50,7 @@ std::string ranking(const SeriesReport& series) {
                   number(significantText(equation.WorstResidualX, 6))},
                  equation.Verdict == EquationVerdict::chosen ? "best" : "");
     // By the rule 'trusted', equations that fail in the same way follow each other, the nearest
-    // first. Its reason stands for all of them.
+    // first. Its reason applies to all of them.
     const bool isSaid = isTrusted && equation.Verdict == last;
     if (!why.empty() && !isSaid) table.addNote(withShortNumbers(why));
     last = equation.Verdict;

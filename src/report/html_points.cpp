@@ -85,9 +85,11 @@ std::string noteOf(const MeasuredPoint& point) {
     return "Excluded" + (why.userName.empty() ? "" : " by " + why.userName) + " on " +
            why.excludedAt + ": " + why.reason;
   }
-  if (point.state != PointState::used || !point.isDistrusted) return {};
   const std::string off =
       point.sigmas ? fixedText(std::fabs(*point.sigmas), 1) + " sigmas off" : "off";
+  if (point.isSetAside())
+    return "Distrusted: " + off + " its neighbours; the curve was fitted without it";
+  if (point.state != PointState::used || !point.isDistrusted) return {};
   return "Suspect: " + off + " its neighbours, not excluded";
 }
 
@@ -134,6 +136,7 @@ std::string htmlPoints(const Report& report, const SeriesReport& series) {
     HtmlTable table(name + ", points of " + series.name, pointColumns(report, series, shown),
                     "points measured");
     for (const MeasuredPoint& point : part.points) {
+      report.requireGoOn();
       const bool isListed =
           listed < mostListedPoints &&
           (point.state != PointState::used || point.isDistrusted || least <= 0 ||

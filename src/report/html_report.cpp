@@ -51,15 +51,21 @@ std::string style(const Report& report) {
          plotStyle() + pageMargins(report);
 }
 
-// For a program without CSS grids.
-std::string paperStyle() {
-  return ".blocks,.pair{display:table;width:100%}.block,.pair>div{display:table-cell;"
-         "padding-right:5mm}.block{width:33%}.pair>div{width:50%}dl.facts{display:block}"
+// For a program without CSS grids. The picture of the first page leaves room for what is recorded.
+std::string paperStyle(const Report& report) {
+  constexpr std::size_t fewDetails = 20;
+  const bool hasFew = report.details.size() + report.laboratory.size() <= fewDetails;
+  return std::string(".front .plot{width:") + (hasFew ? "62%" : "42%") +
+         "}"
+         ".blocks,.pair{display:table;width:100%}.block,.pair>div{display:table-cell;"
+         "padding-right:5mm}.block{width:33%}.pair>div{width:50%}"
+         "dl.facts,dl.facts div{display:block}dl.facts dt,dl.facts dd{display:inline;font-size:8pt}"
+         "dl.facts dt:after{content:\": \"}"
          ".sign{display:table;width:100%;table-layout:fixed;border-spacing:6mm 0;margin:9mm 0 2mm}"
          ".sign div{display:table-cell;font-size:8pt;border-top:.3mm solid #4a5666}"
-         ".front .plot{width:62%}#series-1 .sheet{break-before:auto}"
+         ".front figure{margin:0}#series-1 .sheet{break-before:auto}"
          ".legend li,.legend .key{display:inline}.legend "
-         "li{margin-right:5mm}"
+         "li{margin-right:5mm}.legend svg{margin-right:1mm}"
          ".scroll{overflow:visible}";
 }
 
@@ -171,7 +177,7 @@ std::string navigation(const Report& report) {
 
 std::string htmlReport(const Report& report, const PageOptions& options) {
   const bool isScripted = hasScripts() && !options.isPaper;
-  const std::string css = style(report) + (options.isPaper ? paperStyle() : "");
+  const std::string css = style(report) + (options.isPaper ? paperStyle(report) : "");
   const std::string title = reportTitle(report), name = pageName(report);
   std::string html =
       "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
@@ -189,8 +195,10 @@ std::string htmlReport(const Report& report, const PageOptions& options) {
           signatures(report);
   if (options.isPaper && !report.series.empty())
     html += "<div class=\"front\">" + htmlPicture(report.series.front(), options) + "</div>\n";
-  for (std::size_t i = 0; i < report.series.size(); ++i)
+  for (std::size_t i = 0; i < report.series.size(); ++i) {
+    report.requireGoOn();
     html += htmlSeries(report, report.series[i], sectionId(i), i == 0, options);
+  }
   html += "<footer>\n<h2>Origin</h2>\n" + runs(report) + changes(report) + origin(report) +
           "</footer>\n</main>\n";
   return html + (isScripted ? scripts(report) : "") + "</body>\n</html>\n";

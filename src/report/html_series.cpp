@@ -12,6 +12,7 @@
 #include "report/printed_values.h"
 #include "report/report_details.h"
 #include "report/series_plot.h"
+#include "report/signature_words.h"
 
 #include <algorithm>
 
@@ -64,14 +65,9 @@ std::string settings(const SeriesReport& series) {
 std::string signatures(const SeriesReport& series) {
   std::string html;
   for (const Signature& signature : series.signatures) {
-    const calibration::SignOff& entry = signature.entry;
-    html +=
-        "<p><b>" +
-        std::string(signature.isValid ? "Signed off" : "Void, changed since it was signed off") +
-        "</b> by " + escaped(entry.name) + ", " + escaped(entry.signedAt) +
-        (entry.remark.empty() ? "" : ": " + escaped(entry.remark)) +
-        ". <span class=\"fine\">Fingerprint <code>" + escaped(entry.fingerprint) +
-        "</code></span></p>\n";
+    html += "<p><b>" + signatureState(signature) + "</b> " + escaped(signedBy(signature)) +
+            ". <span class=\"fine\">Fingerprint <code>" + escaped(signature.entry.fingerprint) +
+            "</code></span></p>\n";
   }
   return html;
 }
@@ -137,11 +133,14 @@ std::string halfOfTable(const Report& report, const SeriesReport& series, std::s
                         std::size_t end, const TableColumns& shown) {
   std::vector<HtmlColumn> columns{
       {"No.", true},
-      {withUnit(report, "Roshko", "roshko-unit"), true},
-      {isQuotient(series) ? "Ratio" : withUnit(report, "K", "strouhal-unit"), true}};
+      {withUnit(report, "Roshko", "roshko-unit"), true, "x"},
+      {isQuotient(series) ? "Ratio" : withUnit(report, "K", "strouhal-unit"), true, "y"}};
   if (shown.uncertainty) columns.push_back({"U", true});
   if (shown.factor) columns.push_back({"k", true});
-  if (shown.bands) columns.insert(columns.end(), {{"\u00B1 conf.", true}, {"\u00B1 pred.", true}});
+  if (shown.bands) {
+    columns.insert(columns.end(),
+                   {{"\u00B1 conf.", true, "confidence"}, {"\u00B1 pred.", true, "prediction"}});
+  }
   HtmlTable table(
       "Predicted table, points " + std::to_string(begin + 1) + " to " + std::to_string(end),
       columns, "points predicted");

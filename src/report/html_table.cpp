@@ -14,6 +14,14 @@ std::string classAttribute(const std::string& cssClass) {
                                                  : " class=\"" + cssClass + "\"";
 }
 
+// Where titles may wrap, a unit stays on one line: "Roshko, Hz/cSt".
+std::string titleHtml(const std::string& title, bool mayWrap) {
+  const auto comma = title.rfind(", ");
+  if (!mayWrap || comma == std::string::npos) return escaped(title);
+  return escaped(title.substr(0, comma + 2)) + "<span class=unit>" +
+         escaped(title.substr(comma + 2)) + "</span>";
+}
+
 }  // namespace
 
 // Optional end tags are left out: they would be a third of a table of numbers. For the same reason,
@@ -28,9 +36,13 @@ HtmlTable::HtmlTable(std::string caption, std::vector<HtmlColumn> columns, std::
   html_ = isAllNumbers_ ? "<div><table" + label
                         : "<div class=scroll tabindex=0 role=group" + label + "><table";
   html_ += classAttribute(cssClass) + ">\n<thead><tr>";
-  for (const HtmlColumn& column : columns_)
-    html_ +=
-        "<th scope=col" + classAttribute(column.isNumber ? "" : "t") + ">" + escaped(column.title);
+  const bool mayWrap = cssClass.find("results") != std::string::npos ||
+                       cssClass.find("predicted") != std::string::npos;
+  for (const HtmlColumn& column : columns_) {
+    html_ += "<th scope=col" + classAttribute(column.isNumber ? "" : "t") +
+             (column.key.empty() ? "" : " data-key=" + column.key) + ">" +
+             titleHtml(column.title, mayWrap);
+  }
   html_ += "\n<tbody>\n";
 }
 

@@ -10,6 +10,7 @@ namespace pelmora::report {
 struct HtmlColumn {
   std::string title;
   bool isNumber = false;  // right-aligned
+  std::string key{};      // under which the page's script finds the column; may be empty
 };
 
 // Rows of texts; cells are escaped. The first column heads its row unless it is a number. A table

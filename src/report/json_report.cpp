@@ -22,24 +22,27 @@ json pointJson(const Point& point) {
 }
 
 // As the raw tables hold them: without the excluded points.
-json partsJson(const std::vector<RawPart>& parts) {
+json partsJson(const Report& report, const std::vector<RawPart>& parts) {
   json list = json::array();
   for (const RawPart& part : parts) {
     json points = json::array();
     for (const MeasuredPoint& point : part.points) {
+      report.requireGoOn();
       if (point.isExcluded()) continue;
       points.push_back(pointJson(point));
       points.back()["cut"] = point.isCut();
     }
-    list.push_back({{"part", part.number}, {"fluid", orNull(part.fluid)}, {"points", points}});
+    list.push_back({{"part", part.number}, {"fluid", orNull(part.fluid)}});
+    list.back()["points"] = std::move(points);
   }
   return list;
 }
 
-json rawPointsJson(const std::vector<RawPart>& parts) {
+json rawPointsJson(const Report& report, const std::vector<RawPart>& parts) {
   json list = json::array();
   for (const RawPart& part : parts) {
     for (const MeasuredPoint& point : part.points) {
+      report.requireGoOn();
       list.push_back(rawPointJson(point));
       list.back()["deviationPercent"] = orNull(point.deviationPercent);
       addUncertainty(list.back(), point.uncertainty);
@@ -63,6 +66,7 @@ json resultJson(const SeriesResult& result) {
           {"cut", result.cut},
           {"excluded", result.excluded},
           {"outsideRange", result.outside},
+          {"distrusted", result.distrusted},
           {"lowestRoshko", orNull(result.lowestRoshko)},
           {"highestRoshko", orNull(result.highestRoshko)},
           {"lowestFlow", orNull(result.lowestFlow)},
@@ -154,9 +158,17 @@ json historyJson(const std::vector<calibration::HistoryEntry>& history) {
   return list;
 }
 
-json seriesJson(const SeriesReport& series) {
-  json merged = json::array(), equations = json::array(), remarks = json::array();
-  for (const MergedPoint& point : series.merged) merged.push_back(pointJson(point));
+json mergedJson(const Report& report, const std::vector<MergedPoint>& points) {
+  json list = json::array();
+  for (const MergedPoint& point : points) {
+    report.requireGoOn();
+    list.push_back(pointJson(point));
+  }
+  return list;
+}
+
+json seriesJson(const Report& report, const SeriesReport& series) {
+  json equations = json::array(), remarks = json::array(), signatures = json::array();
   for (const RankedEquation& equation : series.equations) {
     equations.push_back(equationJson(equation.outcome));
     equations.back()["rank"] = equation.rank;
@@ -164,41 +176,48 @@ json seriesJson(const SeriesReport& series) {
   }
   for (const Remark& remark : series.remarks)
     remarks.push_back({{"kind", remark.kind}, {"text", remark.text}});
-  return {{"name", series.name},
-          {"seriesId", series.seriesID},
-          {"rawDataSha256", series.rawDataHash},
-          {"raw", partsJson(series.parts)},
-          {"rawPoints", rawPointsJson(series.parts)},
-          {"merged", merged},
-          {"result", resultJson(series.result)},
-          {"attempt", attemptJson(series.attempt)},
-          {"curveAge", calibration::curveAgeKey(series.curveAge)},
-          {"curve", curveJson(series)},
-          {"uncertainty", uncertaintyJson(series.uncertainty, series.pointUncertainty)},
-          {"settings", settingsJson(series)},
-          {"equations", equations},
-          {"chosen", orNull(series.chosen)},
-          {"warnings", remarks},
-          {"report", series.storedText},
-          {"previous", series.previous ? comparisonJson(*series.previous) : json()}};
+  for (const Signature& signature : series.signatures)
+    signatures.push_back(signatureJson(signature.entry, signature.isValid));
+  json made{{"name", series.name},
+            {"seriesId", series.seriesID},
+            {"rawDataSha256", series.rawDataHash},
+            {"result", resultJson(series.result)},
+            {"attempt", attemptJson(series.attempt)},
+            {"curveAge", calibration::curveAgeKey(series.curveAge)},
+            {"curve", curveJson(series)},
+            {"uncertainty", uncertaintyJson(series.uncertainty, series.pointUncertainty)},
+            {"settings", settingsJson(series)},
+            {"equations", equations},
+            {"chosen", orNull(series.chosen)},
+            {"warnings", remarks},
+            {"report", series.storedText},
+            {"previous", series.previous ? comparisonJson(*series.previous) : json()},
+            {"signatures", signatures}};
+  // An initializer list would copy them, point by point.
+  made["raw"] = partsJson(report, series.parts);
+  made["rawPoints"] = rawPointsJson(report, series.parts);
+  made["merged"] = mergedJson(report, series.merged);
+  return made;
 }
 
 }  // namespace
 
 std::string jsonReport(const Report& report) {
   json series = json::array();
-  for (const SeriesReport& entry : report.series) series.push_back(seriesJson(entry));
-  return jsonText({{"schema", schemaName},
-                   {"database", report.database},
-                   {"softwareVersion", report.softwareVersion},
-                   {"createdAt", report.createdAt},
-                   {"meter", meterJson(report.meter)},
-                   {"laboratory", report.laboratory},
-                   {"details", report.details},
-                   {"setups", runsJson(report.runs)},
-                   {"rawDataSha256", report.rawDataHash},
-                   {"history", historyJson(report.history)},
-                   {"series", series}});
+  for (const SeriesReport& entry : report.series) series.push_back(seriesJson(report, entry));
+  json whole{{"schema", schemaName},
+             {"database", report.database},
+             {"softwareVersion", report.softwareVersion},
+             {"createdAt", report.createdAt},
+             {"meter", meterJson(report.meter)},
+             {"laboratory", report.laboratory},
+             {"details", report.details},
+             {"setups", runsJson(report.runs)},
+             {"rawDataSha256", report.rawDataHash},
+             {"history", historyJson(report.history)}};
+  whole["series"] = std::move(series);
+  report.requireGoOn();
+  return jsonText(whole, report.stop);
 }
 
 }  // namespace pelmora::report

@@ -3,12 +3,14 @@
 #pragma once
 
 #include <pelmora/calibration/points.h>
+#include <pelmora/calibration/sign_off.h>
 #include <pelmora/calibration/values.h>
 #include <pelmora/fit_outcome.h>
 #include <pelmora/types.h>
 
 #include <nlohmann/json_fwd.hpp>
 
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -20,8 +22,12 @@ namespace pelmora::report {
 [[nodiscard]] nlohmann::json equationJson(const EquationOutcome& equation);
 [[nodiscard]] nlohmann::json rawPointJson(const calibration::RawPoint& point);
 [[nodiscard]] nlohmann::json warningJson(const CurveWarning& warning);
+// isValid: the series is as it was signed.
+[[nodiscard]] nlohmann::json signatureJson(const calibration::SignOff& entry, bool isValid);
 
 // Indented, ending in a line end; numbers in their shortest exact form, non-finite ones null.
 [[nodiscard]] std::string jsonText(const nlohmann::json& value);
+// Errors: Cancelled at a stop.
+[[nodiscard]] std::string jsonText(const nlohmann::json& value, const std::stop_token& stop);
 
 }  // namespace pelmora::report

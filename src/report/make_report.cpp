@@ -49,7 +49,11 @@ std::optional<PreviousSeries> previousOf(const Database& lab, const std::vector<
     if (std::find(names.begin(), names.end(), series) == names.end()) continue;
     const StoredSeries stored = lab.series(meter, series);
     if (stored.curve.size() < 2) continue;
-    return PreviousSeries{meter.calibration, datesOf(lab.runs(meter)), stored.curve};
+    const calibration::Details details = lab.details(meter);
+    const auto recorded = details.find("date");
+    return PreviousSeries{meter.calibration,
+                          recorded == details.end() ? datesOf(lab.runs(meter)) : recorded->second,
+                          stored.curve};
   }
   return std::nullopt;
 }
@@ -61,12 +65,12 @@ std::vector<Meter> earlierCalibrations(const Database& lab, const Meter& meter) 
   return list;
 }
 
-// The curve behind the stored table. Whatever keeps it from being known keeps no report.
+// The curve behind the stored table. If it cannot be had, the report is made all the same.
 void addFittedCurve(const Database& lab, const calibration::Repeated& repeated,
-                    SeriesInput& series) {
+                    const calibration::Observer& observer, SeriesInput& series) {
   if (series.stored.curve.empty()) return;
   try {
-    series.fitted = lab.fittedCurve(series.stored, repeated);
+    series.fitted = lab.fittedCurve(series.stored, repeated, observer);
   } catch (const calibration::BadData& failure) {
     series.fittedTrouble = failure.what();
   } catch (const calibration::NoCurve& failure) {
@@ -86,22 +90,27 @@ ReportInput inputOf(const Database& lab, const Meter& meter,
   input.database = shortLocation(lab.location());
   input.softwareVersion = version;
   input.createdAt = utcText();
+  input.stop = options.observer.stop;
   input.history = lab.history({.serial = meter.serial, .calibration = meter.calibration});
   const auto earlier = earlierCalibrations(lab, meter);
   auto all = lab.everySeries(meter, options.series);
   // In the order of an import: the rotors before the series that are derived from them.
   if (options.series.empty()) std::ranges::sort(all, {}, &StoredSeries::id);
   for (const StoredSeries& stored : all) {
+    requireGoOn(options.observer.stop);
     const calibration::Repeated repeated = lab.repeat(stored, options.unkept, options.observer);
-    const EquationOutcome* nearest = nearestEquation(repeated.fit);
+    // Its points are shown with the nearest equation only where the fit has no curve.
+    const EquationOutcome* nearest =
+        repeated.fit.curve.empty() ? nearestEquation(repeated.fit, options.observer.stop) : nullptr;
     SeriesInput& series = input.series.emplace_back();
     series.stored = stored;
-    series.points = lab.points(stored);
+    series.points = lab.points(stored, options.observer);
     series.settings = repeated.settings;
     series.settingsAreKept = repeated.settingsAreKept;
     series.refit = {repeated.fit.outcome, repeated.fit.curve, repeated.trouble,
                     nearest == nullptr ? "" : nearest->Name};
-    addFittedCurve(lab, repeated, series);
+    requireGoOn(options.observer.stop);
+    addFittedCurve(lab, repeated, options.observer, series);
     series.previous = previousOf(lab, earlier, stored.name);
     series.signOffs = lab.signOffs(stored);
   }
@@ -126,13 +135,13 @@ std::string pdfWithCertificate(const report::Report& report, const ReportOptions
   try {
     xml = digitalCertificate(report, options);
   } catch (const BadData& failure) {
-    // Whoever signs has to learn that there is no certificate.
+    // A signature was asked for, so the lack of a certificate is an error.
     if (options.signer) throw;
     if (options.note)
       options.note(std::string("no digital certificate is attached: ") + failure.what() +
                    (failure.remedy().empty() ? "" : "; " + failure.remedy()));
   }
-  return report::pdfReport(report, {options.storedText}, xml);
+  return report::pdfReport(report, {options.storedText}, xml, options.observer.stop);
 }
 
 constexpr std::array<std::pair<std::string_view, ReportKind>, 7> endings{
@@ -167,7 +176,10 @@ std::vector<CertificateFlaw> checkCertificate(const std::string& xml, const std:
 
 std::string makeReport(const Database& lab, const Meter& meter, ReportKind kind,
                        const ReportOptions& options) {
-  const report::Report report = report::buildReport(report::inputOf(lab, meter, options));
+  const report::ReportInput input = report::inputOf(lab, meter, options);
+  report::requireGoOn(options.observer.stop);
+  const report::Report report = report::buildReport(input);
+  report.requireGoOn();
   switch (kind) {
     case ReportKind::html: return report::htmlReport(report, {options.storedText});
     case ReportKind::json: return report::jsonReport(report);
@@ -185,10 +197,11 @@ void writeReport(const Database& lab, const Meter& meter, const std::string& fil
   namespace fs = std::filesystem;
   const auto kind = reportKindOf(file);
   if (!kind) {
-    throw BadData({"the name '" + file + "' does not tell what kind of report it is to be", file,
+    throw BadData({"the name '" + file + "' has no ending of a report", file,
                    "end it in .html, .pdf, .xml, .json, .csv, .xlsx or .svg"});
   }
   const std::string content = makeReport(lab, meter, *kind, options);
+  report::requireGoOn(options.observer.stop);
   const fs::path unfinished = file + ".unfinished";
   std::error_code failed;
   {

@@ -2,14 +2,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "base/markup_text.h"
+
 #include <string>
-#include <string_view>
 
 namespace pelmora::report {
 
-// The text with & < > " ' as entities, for content and quoted attributes. Control characters, which
-// XML forbids, and bytes that are no UTF-8 become U+FFFD; line breaks and tabs stay.
-[[nodiscard]] std::string escaped(std::string_view text);
+using pelmora::escaped;
 
 // A coordinate in px with at most two decimals, as short as it can be.
 [[nodiscard]] std::string coordinate(double value);

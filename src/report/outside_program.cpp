@@ -7,24 +7,40 @@
 #include <pelmora/calibration/failure.h>
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstring>
+#include <thread>
 
 namespace pelmora::report {
 namespace {
 
 using calibration::Unusable;
 
-// What wait() says of a program that has ended.
+// How often a program that may be stopped is looked at.
+constexpr std::chrono::milliseconds betweenLooks{10};
+
+// What wait() says of a program that has ended. On a stop, the program is ended.
 //
 // Errors: Unusable if the system has forgotten it, as it does where SIGCHLD is ignored.
-int endOf(pid_t child, const std::string& program) {
+int endOf(pid_t child, const std::string& program, const std::stop_token& stop) {
   int status = 0;
-  for (;;) {
-    if (waitpid(child, &status, 0) == child) return status;
+  for (bool mayRun = stop.stop_possible();;) {
+    const pid_t ended = waitpid(child, &status, mayRun ? WNOHANG : 0);
+    if (ended == child) return status;
+    if (ended == 0 && !stop.stop_requested()) {
+      std::this_thread::sleep_for(betweenLooks);
+      continue;
+    }
+    if (ended == 0) {
+      kill(child, SIGKILL);
+      mayRun = false;
+      continue;
+    }
     if (errno == EINTR) continue;
     throw Unusable({"nobody knows how the program " + program +
                         " ended: this process ignores SIGCHLD, or something else in it has waited "
@@ -35,7 +51,8 @@ int endOf(pid_t child, const std::string& program) {
 
 }  // namespace
 
-ProgramEnd runProgram(const std::vector<std::string>& arguments, const std::string& package) {
+ProgramEnd runProgram(const std::vector<std::string>& arguments, const std::string& package,
+                      const std::stop_token& stop) {
   const ScratchFolder folder;
   const std::string errors = folder.file("errors");
   SpawnPlan plan;
@@ -53,7 +70,9 @@ ProgramEnd runProgram(const std::vector<std::string>& arguments, const std::stri
     throw Unusable({"the program " + program + " cannot be started: " + std::strerror(trouble), "",
                     "check the package " + package});
   }
-  const int status = endOf(child, program);
+  const int status = endOf(child, program, stop);
+  if (stop.stop_requested())
+    throw calibration::Cancelled({"the program " + program + " was ended: cancelled", "", ""});
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, folder.read("errors")};
 }
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -14,9 +15,10 @@ struct ProgramEnd {
 
 // Runs the program to its end, without standard input; its standard output is discarded.
 //
-// arguments: the first one is the program's name.
+// arguments: the first one is the program's name. A stop ends the program with Cancelled.
 // Errors: Unusable if there is no such program (`package` is the one to install), and if nobody
 //         knows how it ended: in a process that ignores SIGCHLD, the system forgets it.
-ProgramEnd runProgram(const std::vector<std::string>& arguments, const std::string& package);
+ProgramEnd runProgram(const std::vector<std::string>& arguments, const std::string& package,
+                      const std::stop_token& stop = {});
 
 }  // namespace pelmora::report

@@ -8,7 +8,8 @@
 
 namespace pelmora::report {
 
-std::string pdfReport(const Report& report, const PageOptions& options, const std::string& dccXml) {
+std::string pdfReport(const Report& report, const PageOptions& options, const std::string& dccXml,
+                      const std::stop_token& stop) {
   PageOptions paper = options;
   paper.isPaper = true;
   const ScratchFolder folder;
@@ -17,11 +18,11 @@ std::string pdfReport(const Report& report, const PageOptions& options, const st
   if (!dccXml.empty())
     words.insert(words.end(), {"--attachment", folder.write("certificate.xml", dccXml)});
   words.insert(words.end(), {page, folder.file("report.pdf")});
-  const ProgramEnd end = runProgram(words, "weasyprint");
+  const ProgramEnd end = runProgram(words, "weasyprint", stop);
   std::string pdf = folder.read("report.pdf");
   if (end.exitCode == 0 && pdf.starts_with("%PDF-")) return pdf;
-  throw calibration::Unusable({"weasyprint has made no PDF: " + end.errors.substr(0, 300), "",
-                               "write the page as .html and print it"});
+  throw calibration::Unusable({"weasyprint could not make the PDF: " + end.errors.substr(0, 300),
+                               "", "write the page as .html and print it"});
 }
 
 }  // namespace pelmora::report

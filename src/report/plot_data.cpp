@@ -102,7 +102,10 @@ PointSet pointsOf(const SeriesReport& series, const std::string& key) {
   for (const RawPart& part : series.parts) {
     if (std::to_string(part.number) != key.substr(3)) continue;
     for (const MeasuredPoint& point : part.points) {
-      const char* kind = point.isExcluded() ? "out" : point.isCut() ? "cut" : "raw";
+      const char* kind = point.isExcluded()   ? "out"
+                         : point.isCut()      ? "cut"
+                         : point.isSetAside() ? "dis"
+                                              : "raw";
       if (key.starts_with(kind)) set.add(point.roshko, point.strouhal);
     }
   }

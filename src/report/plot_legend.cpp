@@ -14,7 +14,8 @@ std::vector<LegendEntry> legendOf(const SeriesReport& series) {
     const std::string name = "Raw " + number + (part.fluid.empty() ? "" : ", " + part.fluid);
     const auto cut = std::ranges::count_if(part.points, &MeasuredPoint::isCut);
     const auto excluded = std::ranges::count_if(part.points, &MeasuredPoint::isExcluded);
-    if (cut + excluded < static_cast<std::ptrdiff_t>(part.points.size()))
+    const auto setAside = std::ranges::count_if(part.points, &MeasuredPoint::isSetAside);
+    if (cut + excluded + setAside < static_cast<std::ptrdiff_t>(part.points.size()))
       entries.push_back({"raw" + number, true, name});
     if (cut > 0)
       entries.push_back(
@@ -22,6 +23,9 @@ std::vector<LegendEntry> legendOf(const SeriesReport& series) {
     if (excluded > 0)
       entries.push_back(
           {"out" + number, true, name + ", excluded (" + std::to_string(excluded) + ")"});
+    if (setAside > 0)
+      entries.push_back(
+          {"dis" + number, true, name + ", distrusted (" + std::to_string(setAside) + ")"});
   }
   if (!series.merged.empty()) entries.push_back({"merged", true, "Merged"});
   if (series.attempt) {

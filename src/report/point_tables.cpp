@@ -7,23 +7,24 @@
 namespace pelmora::report {
 
 ReportTable resultsTable(const Report& report) {
-  ReportTable table{"results",
-                    {"series", "used", "cut", "excluded", "outsideRange", "lowestRoshko",
-                     "highestRoshko", "lowestFlow", "highestFlow", "turndown", "meanFactor",
-                     "linearityPercent", "largestDeviationPercent", "largestDeviationRoshko",
-                     "repeatabilityPercent", "hysteresisPercent", "limitPercent", "passes"},
-                    {}};
+  ReportTable table{
+      "results",
+      {"series", "used", "cut", "excluded", "outsideRange", "distrusted", "lowestRoshko",
+       "highestRoshko", "lowestFlow", "highestFlow", "turndown", "meanFactor", "linearityPercent",
+       "largestDeviationPercent", "largestDeviationRoshko", "repeatabilityPercent",
+       "hysteresisPercent", "limitPercent", "passes"},
+      {}};
   const auto count = [](std::size_t value) { return wholeCell(static_cast<std::int64_t>(value)); };
   for (const SeriesReport& series : report.series) {
     const SeriesResult& r = series.result;
-    table.rows.push_back({textCell(series.name), count(r.used), count(r.cut), count(r.excluded),
-                          count(r.outside), numberCell(r.lowestRoshko), numberCell(r.highestRoshko),
-                          numberCell(r.lowestFlow), numberCell(r.highestFlow),
-                          numberCell(r.turndown), numberCell(r.meanFactor),
-                          numberCell(r.linearityPercent), numberCell(r.worstPercent),
-                          r.worstPercent ? numberCell(r.worstRoshko) : Value(),
-                          numberCell(r.repeatabilityPercent), numberCell(r.hysteresisPercent),
-                          numberCell(r.limitPercent), r.passes ? wholeCell(*r.passes) : Value()});
+    table.rows.push_back(
+        {textCell(series.name), count(r.used), count(r.cut), count(r.excluded), count(r.outside),
+         count(r.distrusted), numberCell(r.lowestRoshko), numberCell(r.highestRoshko),
+         numberCell(r.lowestFlow), numberCell(r.highestFlow), numberCell(r.turndown),
+         numberCell(r.meanFactor), numberCell(r.linearityPercent), numberCell(r.worstPercent),
+         r.worstPercent ? numberCell(r.worstRoshko) : Value(), numberCell(r.repeatabilityPercent),
+         numberCell(r.hysteresisPercent), numberCell(r.limitPercent),
+         r.passes ? wholeCell(*r.passes) : Value()});
   }
   return table;
 }
@@ -72,6 +73,7 @@ ReportTable pointsTable(const Report& report) {
   for (const SeriesReport& series : report.series) {
     for (const RawPart& part : series.parts) {
       for (const MeasuredPoint& point : part.points) {
+        report.requireGoOn();
         const auto reading = point.reading.value_or(calibration::StandReading());
         const auto exclusion = point.exclusion.value_or(calibration::Exclusion());
         table.rows.push_back({textCell(series.name),
@@ -105,6 +107,7 @@ ReportTable mergedTable(const Report& report) {
   ReportTable table{"merged", {"series", "roshko", "strouhal", "deviationPercent"}, {}};
   for (const SeriesReport& series : report.series) {
     for (const MergedPoint& point : series.merged) {
+      report.requireGoOn();
       table.rows.push_back({textCell(series.name), numberCell(point.roshko),
                             numberCell(point.strouhal), numberCell(point.deviationPercent)});
     }

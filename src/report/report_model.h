@@ -16,6 +16,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -86,6 +87,9 @@ struct SeriesReport {
   std::vector<Signature> signatures;  // the newest first
 };
 
+// Errors: Cancelled at a stop.
+void requireGoOn(const std::stop_token& stop);
+
 struct Report {
   calibration::Meter meter;
   std::vector<calibration::Run> runs;
@@ -96,6 +100,11 @@ struct Report {
   std::string rawDataHash;                         // of all series of this report
   std::vector<calibration::HistoryEntry> history;  // of this calibration, the newest first
   std::vector<SeriesReport> series;
+  // Not of the contents: requesting a stop ends what builds or writes the report with Cancelled.
+  std::stop_token stop{};
+
+  // Called for each of many points. Errors: Cancelled.
+  void requireGoOn() const;
 };
 
 }  // namespace pelmora::report

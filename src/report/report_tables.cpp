@@ -176,6 +176,21 @@ ReportTable shifts(const Report& report) {
   return table;
 }
 
+ReportTable signatureTable(const Report& report) {
+  ReportTable table{
+      "signatures",
+      {"series", "name", "signedAt", "valid", "remark", "user", "fingerprint", "softwareVersion"},
+      {}};
+  for (const SeriesReport& series : report.series) {
+    for (const auto& [entry, isValid] : series.signatures) {
+      table.rows.push_back({textCell(series.name), textCell(entry.name), textCell(entry.signedAt),
+                            wholeCell(isValid), textCell(entry.remark), textCell(entry.userName),
+                            textCell(entry.fingerprint), textCell(entry.softwareVersion)});
+    }
+  }
+  return table;
+}
+
 ReportTable history(const Report& report) {
   ReportTable table{
       "history", {"entry", "changedAt", "command", "series", "user", "softwareVersion"}, {}};
@@ -207,7 +222,7 @@ std::vector<ReportTable> reportTables(const Report& report) {
           pointsTable(report),      mergedTable(report),  curve(report),
           uncertaintyTable(report), budgetTable(report),  equations(report),
           parameters(report),       warnings(report),     shifts(report),
-          history(report),          reports(report)};
+          signatureTable(report),   history(report),      reports(report)};
 }
 
 }  // namespace pelmora::report

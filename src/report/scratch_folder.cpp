@@ -3,7 +3,9 @@
 
 #include <pelmora/calibration/failure.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -12,10 +14,13 @@
 namespace pelmora::report {
 
 ScratchFolder::ScratchFolder() {
-  std::error_code failed;
-  path_ = (std::filesystem::temp_directory_path(failed) / "pelmora-XXXXXX").string();
-  if (failed || mkdtemp(path_.data()) == nullptr)
-    throw calibration::Unusable({"there is no room for temporary files", "", "check TMPDIR"});
+  const char* const stated = std::getenv("TMPDIR");
+  const std::string folder = stated == nullptr || *stated == '\0' ? "/tmp" : stated;
+  path_ = folder + "/pelmora-XXXXXX";
+  if (mkdtemp(path_.data()) != nullptr) return;
+  throw calibration::Unusable(
+      {"temporary files cannot be written in the folder '" + folder + "': " + std::strerror(errno),
+       folder, "set TMPDIR to a folder that can be written"});
 }
 
 ScratchFolder::~ScratchFolder() {
@@ -28,7 +33,8 @@ std::string ScratchFolder::write(const std::string& name, const std::string& con
   stream << content;
   stream.close();
   if (!stream)
-    throw calibration::Unusable({"a temporary file cannot be written", file(name), "check TMPDIR"});
+    throw calibration::Unusable({"a temporary file cannot be written", file(name),
+                                 "check the room in the folder of TMPDIR"});
   return file(name);
 }
 

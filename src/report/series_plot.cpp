@@ -21,7 +21,7 @@ PanelPlace placeAt(double top, double height) {
 
 // The same lines and points in values of Strouhal or in per cent of the curve.
 struct Drawing {
-  std::vector<std::vector<PlotPoint>> kept, cut, out;  // for each raw part
+  std::vector<std::vector<PlotPoint>> kept, cut, out, distrusted;  // for each raw part
   std::vector<PlotPoint> attempt;
   std::vector<PlotPoint> merged, curve, bandAbove, bandBelow;
   std::vector<PlotPoint> confidenceAbove, confidenceBelow, predictionAbove, predictionBelow;
@@ -30,14 +30,18 @@ struct Drawing {
 template <class YOf>
 void addPoints(const SeriesReport& series, Drawing& drawing, YOf yOf) {
   for (const RawPart& part : series.parts) {
-    std::vector<PlotPoint> kept, cut, out;
+    std::vector<PlotPoint> kept, cut, out, distrusted;
     for (const MeasuredPoint& point : part.points) {
-      auto& to = point.isExcluded() ? out : point.isCut() ? cut : kept;
+      auto& to = point.isExcluded()   ? out
+                 : point.isCut()      ? cut
+                 : point.isSetAside() ? distrusted
+                                      : kept;
       to.push_back({point.roshko, yOf(point)});
     }
     drawing.kept.push_back(std::move(kept));
     drawing.cut.push_back(std::move(cut));
     drawing.out.push_back(std::move(out));
+    drawing.distrusted.push_back(std::move(distrusted));
   }
   for (const MergedPoint& point : series.merged)
     drawing.merged.push_back({point.roshko, yOf(point)});
@@ -99,6 +103,7 @@ void collect(std::vector<double>& values, const std::vector<PlotPoint>& points, 
 std::vector<double> valuesOf(const Drawing& drawing, std::size_t c, bool withLeftOut) {
   std::vector<double> values;
   for (const auto& points : drawing.kept) collect(values, points, c);
+  for (const auto& points : drawing.distrusted) collect(values, points, c);
   for (const auto* leftOut : {&drawing.cut, &drawing.out}) {
     for (const auto& points : *leftOut) {
       if (withLeftOut) collect(values, points, c);
@@ -124,6 +129,7 @@ void draw(PlotPanel& panel, const Drawing& drawing, const std::vector<RawPart>& 
     panel.drawMarkers("raw" + number, drawing.kept[k]);
     panel.drawMarkers("cut" + number, drawing.cut[k]);
     panel.drawMarkers("out" + number, drawing.out[k]);
+    panel.drawMarkers("dis" + number, drawing.distrusted[k]);
   }
   panel.drawMarkers("merged", drawing.merged);
 }
@@ -197,6 +203,8 @@ std::string plotDefinitions() {
                   "<path class=\"k" + std::to_string(k) + "\" d=\"M-4-4L4 4M-4 4L4-4\"/>");
     svg += marker("o" + std::to_string(k),
                   "<path class=\"k" + std::to_string(k) + "\" d=\"M-4 0H4M0-4V4M-4-4H4V4H-4Z\"/>");
+    svg += marker("d" + std::to_string(k), "<g class=\"k" + std::to_string(k) +
+                                               "\"><circle r=\"2.5\"/><circle r=\"5.2\"/></g>");
   }
   return svg + marker("mm", "<circle class=\"km\" r=\"1.5\"/>") + "</defs>\n";
 }

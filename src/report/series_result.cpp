@@ -118,6 +118,14 @@ std::vector<FlowResult> flowsOf(const RawPart& part) {
   return flows;
 }
 
+void takeWorst(SeriesResult& result, const MeasuredPoint& point) {
+  const auto& off = point.deviationPercent;
+  if (!off || (result.worstPercent && std::fabs(*off) <= std::fabs(*result.worstPercent))) return;
+  result.worstPercent = off;
+  result.worstRoshko = point.roshko;
+  result.worstIsDistrusted = point.isSetAside();
+}
+
 void takeLargest(std::optional<double>& largest, const std::optional<double>& value) {
   if (value && (!largest || std::fabs(*value) > std::fabs(*largest))) largest = value;
 }
@@ -134,18 +142,17 @@ SeriesResult resultOf(const std::vector<RawPart>& parts, std::optional<double> l
         case PointState::cut: ++result.cut; continue;
         case PointState::excluded: ++result.excluded; continue;
         case PointState::outsideRange: ++result.outside; continue;
+        case PointState::distrusted:
+          ++result.distrusted;
+          takeWorst(result, point);
+          continue;
         case PointState::used: break;
       }
       ++result.used;
       roshko.add(point.roshko);
       factor.add(point.strouhal);
       if (point.reading && point.reading->flow) flow.add(*point.reading->flow);
-      if (!point.deviationPercent) continue;
-      if (result.worstPercent &&
-          std::fabs(*point.deviationPercent) <= std::fabs(*result.worstPercent))
-        continue;
-      result.worstPercent = point.deviationPercent;
-      result.worstRoshko = point.roshko;
+      takeWorst(result, point);
     }
     for (FlowResult& each : flowsOf(part)) {
       takeLargest(result.repeatabilityPercent, each.repeatabilityPercent);
@@ -158,7 +165,6 @@ SeriesResult resultOf(const std::vector<RawPart>& parts, std::optional<double> l
   result.lowestFlow = flow.low();
   result.highestFlow = flow.high();
   const Range& turned = flow.low() ? flow : roshko;
-  result.turndownIsOfFlow = flow.low().has_value();
   if (turned.low() && *turned.low() > 0) result.turndown = *turned.high() / *turned.low();
   if (factor.low() && *factor.low() + *factor.high() != 0) {
     result.meanFactor = (*factor.low() + *factor.high()) / 2;

@@ -24,6 +24,7 @@ struct MeasuredPoint : calibration::RawPoint {
 
   [[nodiscard]] bool isCut() const { return state == calibration::PointState::cut; }
   [[nodiscard]] bool isExcluded() const { return state == calibration::PointState::excluded; }
+  [[nodiscard]] bool isSetAside() const { return state == calibration::PointState::distrusted; }
 };
 
 // The used points of one fluid at one nominal flow.
@@ -41,22 +42,23 @@ struct FlowResult {
 };
 
 struct SeriesResult {
-  std::size_t used = 0, cut = 0, excluded = 0, outside = 0;
+  std::size_t used = 0, cut = 0, excluded = 0, outside = 0, distrusted = 0;
   // Of the used points.
   std::optional<double> lowestRoshko{}, highestRoshko{}, lowestFlow{}, highestFlow{};
   // Highest over lowest flow; of Roshko numbers if the flows are not known.
   std::optional<double> turndown{};
-  bool turndownIsOfFlow = false;
   // (largest + smallest) / 2 of the K factors, and half their difference in per cent of it.
   std::optional<double> meanFactor{}, linearityPercent{};
-  // The largest deviation of a used point from the curve, signed, and where.
+  // The largest deviation from the curve of a point that nobody excluded, signed, and where: of the
+  // used points and of the distrusted ones, since leaving out a measurement is a person's decision.
   std::optional<double> worstPercent{};
   double worstRoshko = 0;
+  bool worstIsDistrusted = false;
   std::vector<FlowResult> flows;  // by part and flow; empty if nominal flows are not recorded
   std::optional<double> repeatabilityPercent{}, hysteresisPercent{};  // largest of the flows
   std::optional<double> limitPercent{};
-  // Whether no used point deviates by more than the limit (simple acceptance); absent without a
-  // limit or a deviation.
+  // Whether the largest deviation is within the limit (simple acceptance); absent without a limit
+  // or a deviation.
   std::optional<bool> passes{};
 };
 

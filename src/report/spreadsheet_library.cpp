@@ -12,6 +12,7 @@ SpreadsheetLibrary load() {
   library.find("lxw_strerror", found.lxw_strerror);
   library.find("workbook_new", found.workbook_new);
   library.find("workbook_close", found.workbook_close);
+  library.find("lxw_workbook_free", found.lxw_workbook_free);
   library.find("workbook_set_properties", found.workbook_set_properties);
   library.find("workbook_add_format", found.workbook_add_format);
   library.find("workbook_add_worksheet", found.workbook_add_worksheet);

@@ -12,6 +12,7 @@ struct SpreadsheetLibrary {
   decltype(&::lxw_strerror) lxw_strerror;
   decltype(&::workbook_new) workbook_new;
   decltype(&::workbook_close) workbook_close;
+  decltype(&::lxw_workbook_free) lxw_workbook_free;
   decltype(&::workbook_set_properties) workbook_set_properties;
   decltype(&::workbook_add_format) workbook_add_format;
   decltype(&::workbook_add_worksheet) workbook_add_worksheet;

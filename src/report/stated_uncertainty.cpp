@@ -23,12 +23,13 @@ UncertaintyStatement notStated(const std::string& why) {
   return none;
 }
 
-std::vector<CurveEstimate> atTablePoints(const FittedCurve& curve) {
+std::vector<CurveEstimate> atTablePoints(const FittedCurve& curve, const std::stop_token& stop) {
   std::vector<double> roshko;
   for (const calibration::CurvePoint& point : curve.table().points())
     roshko.push_back(point.roshko);
   calibration::EvaluateOptions options;
   options.reading = calibration::ReadAs::linear;
+  options.stop = stop;
   return curve.at(roshko, options);
 }
 
@@ -56,12 +57,12 @@ std::optional<UncertaintySpan> spanOf(const std::vector<std::optional<StatedUnce
   return span;
 }
 
-UncertaintyStatement uncertaintyStatementOf(const FittedCurve& curve) {
+UncertaintyStatement uncertaintyStatementOf(const FittedCurve& curve, const std::stop_token& stop) {
   if (curve.source() == calibration::CurveSource::table && curve.name().empty())
     return notStated("a new fit does not give the stored curve");
   std::vector<CurveEstimate> estimates;
   try {
-    estimates = atTablePoints(curve);
+    estimates = atTablePoints(curve, stop);
   } catch (const calibration::BadData& failure) {
     return notStated(failure.what());
   }

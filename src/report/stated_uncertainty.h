@@ -5,6 +5,7 @@
 #include <pelmora/calibration/fitted_curve.h>
 
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -50,7 +51,9 @@ struct UncertaintyStatement {
   [[nodiscard]] bool isStated() const { return whyNone.empty(); }
 };
 
-[[nodiscard]] UncertaintyStatement uncertaintyStatementOf(const calibration::FittedCurve& curve);
+// Errors: Cancelled.
+[[nodiscard]] UncertaintyStatement uncertaintyStatementOf(const calibration::FittedCurve& curve,
+                                                          const std::stop_token& stop = {});
 
 // "k = 2.00, 95.45 %", "k = 2.00 to 2.06, 95.45 %".
 [[nodiscard]] std::string coverageText(const UncertaintySpan& span);

@@ -64,7 +64,8 @@ std::string plotStyle() {
          "#m3)}"
          ".raw4{marker:url(#m4)}.cut1{marker:url(#c1)}.cut2{marker:url(#c2)}.cut3{marker:url(#c3)}"
          ".cut4{marker:url(#c4)}.out1{marker:url(#o1)}.out2{marker:url(#o2)}"
-         ".out3{marker:url(#o3)}.out4{marker:url(#o4)}.merged{marker:url(#mm)}"
+         ".out3{marker:url(#o3)}.out4{marker:url(#o4)}.dis1{marker:url(#d1)}.dis2{marker:url(#d2)}"
+         ".dis3{marker:url(#d3)}.dis4{marker:url(#d4)}.merged{marker:url(#mm)}"
          ".line{fill:none;stroke-width:1.5;stroke-linejoin:round}.curve,.shift{stroke:var(--ink)}"
          ".attempt{stroke:var(--ink);stroke-dasharray:2 "
          "3}.band{stroke:var(--band);stroke-dasharray:6 "
@@ -90,7 +91,10 @@ std::string darkColours() {
 std::string svgReport(const Report& report) {
   int y = headHeight;
   std::string blocks;
-  for (const SeriesReport& series : report.series) blocks += block(series, y);
+  for (const SeriesReport& series : report.series) {
+    report.requireGoOn();
+    blocks += block(series, y);
+  }
   const std::string size = std::to_string(plotWidth) + "\" height=\"" + std::to_string(y);
   return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
          "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" +

@@ -6,24 +6,33 @@
 #include "report/spreadsheet_library.h"
 
 #include <algorithm>
+#include <chrono>
 #include <ctime>
+#include <future>
 #include <iomanip>
 #include <map>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
+#include <stop_token>
+#include <thread>
+#include <utility>
 
 namespace pelmora::report {
 namespace {
 
 constexpr double narrowest = 8, widest = 48;  // characters
+constexpr const char* workbookName = "report.xlsx";
+constexpr std::chrono::milliseconds betweenWorkbookLooks{10};
 
 const SpreadsheetLibrary& library() { return spreadsheetLibrary(); }
 
+[[noreturn]] void fail(const std::string& why) {
+  throw std::runtime_error("the workbook cannot be made: " + why);
+}
+
 void require(lxw_error error) {
-  if (error != LXW_NO_ERROR)
-    throw std::runtime_error(std::string("the workbook cannot be made: ") +
-                             library().lxw_strerror(error));
+  if (error != LXW_NO_ERROR) fail(library().lxw_strerror(error));
 }
 
 // The time of "2026-11-21T13:40:00Z"; 0, which the library takes for now, of any other text.
@@ -35,9 +44,11 @@ std::time_t timeOf(const std::string& text) {
   return stream.fail() ? 0 : timegm(&utc);
 }
 
-struct CloseWorkbook {
-  void operator()(lxw_workbook* book) const { library().workbook_close(book); }
+// Of one that is not finished: closing would write the file.
+struct FreeWorkbook {
+  void operator()(lxw_workbook* book) const { library().lxw_workbook_free(book); }
 };
+using Workbook = std::unique_ptr<lxw_workbook, FreeWorkbook>;
 
 // XML holds no control characters except line breaks and tabs.
 std::string xmlText(const std::string& text) {
@@ -113,18 +124,19 @@ class NumberFormats {
 };
 
 void addSheet(lxw_workbook* book, lxw_format* bold, NumberFormats& formats,
-              const ReportTable& table) {
+              const ReportTable& table, const std::stop_token& stop) {
   lxw_worksheet* sheet = library().workbook_add_worksheet(book, table.name.c_str());
-  if (sheet == nullptr)
-    throw std::runtime_error("the workbook cannot be made: no sheet '" + table.name + "'");
+  if (sheet == nullptr) fail("no sheet '" + table.name + "'");
   for (std::size_t c = 0; c < table.columns.size(); ++c) {
     const auto column = static_cast<lxw_col_t>(c);
     require(library().worksheet_write_string(sheet, 0, column, table.columns[c].c_str(), bold));
     lxw_format* format = formats.of(numberFormat(table.columns[c]));
     double width = std::max(narrowest, static_cast<double>(table.columns[c].size()) + 2);
-    for (std::size_t r = 0; r < table.rows.size(); ++r)
+    for (std::size_t r = 0; r < table.rows.size(); ++r) {
+      requireGoOn(stop);
       width = std::max(
           width, write(sheet, static_cast<lxw_row_t>(r) + 1, column, table.rows[r][c], format) + 2);
+    }
     require(
         library().worksheet_set_column(sheet, column, column, std::min(width, widest), nullptr));
   }
@@ -135,28 +147,47 @@ void addSheet(lxw_workbook* book, lxw_format* bold, NumberFormats& formats,
   }
 }
 
-std::string workbookOf(const std::vector<ReportTable>& tables, std::time_t created) {
-  const ScratchFolder folder;  // the library writes only files
-  std::unique_ptr<lxw_workbook, CloseWorkbook> book(
-      library().workbook_new(folder.file("report.xlsx").c_str()));
-  if (!book) throw std::runtime_error("the workbook cannot be made: no memory");
+// Writes the file, which takes the library a second for many points. It cannot be asked to stop:
+// on a stop, it goes on in a thread that nobody waits for, which removes the file afterwards.
+std::string written(Workbook book, const std::shared_ptr<const ScratchFolder>& folder,
+                    const std::stop_token& stop) {
+  if (!stop.stop_possible()) {
+    require(library().workbook_close(book.release()));
+    return folder->read(workbookName);
+  }
+  std::promise<lxw_error> promise;
+  std::future<lxw_error> closed = promise.get_future();
+  std::thread([book = book.release(), folder, promise = std::move(promise)]() mutable {
+    promise.set_value(library().workbook_close(book));
+  }).detach();
+  while (closed.wait_for(betweenWorkbookLooks) != std::future_status::ready) requireGoOn(stop);
+  require(closed.get());
+  return folder->read(workbookName);
+}
+
+std::string workbookOf(const std::vector<ReportTable>& tables, std::time_t created,
+                       const std::stop_token& stop) {
+  const auto folder = std::make_shared<const ScratchFolder>();  // the library writes only files
+  Workbook book(library().workbook_new(folder->file(workbookName).c_str()));
+  if (!book) fail("no memory");
   lxw_doc_properties properties{};
   properties.created = created;
   require(library().workbook_set_properties(book.get(), &properties));
   lxw_format* bold = library().workbook_add_format(book.get());
   library().format_set_bold(bold);
   NumberFormats formats(book.get());
-  for (const ReportTable& table : tables) addSheet(book.get(), bold, formats, table);
-  require(library().workbook_close(book.release()));
-  return folder.read("report.xlsx");
+  for (const ReportTable& table : tables) addSheet(book.get(), bold, formats, table, stop);
+  return written(std::move(book), folder, stop);
 }
 
 }  // namespace
 
 std::string xlsxReport(const Report& report) {
-  return workbookOf(reportTables(report), timeOf(report.createdAt));
+  return workbookOf(reportTables(report), timeOf(report.createdAt), report.stop);
 }
 
-std::string xlsxTable(const ReportTable& table) { return workbookOf({table}, timeOf(utcText())); }
+std::string xlsxTable(const ReportTable& table) {
+  return workbookOf({table}, timeOf(utcText()), {});
+}
 
 }  // namespace pelmora::report

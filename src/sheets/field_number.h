@@ -34,7 +34,7 @@ struct NumberStyle {
 // double that the same digits with a decimal point give.
 [[nodiscard]] std::optional<double> fieldNumber(std::string_view text, NumberStyle style);
 
-// What programs write where there is no number: "NaN", "n/a", "#DIV/0!".
+// What programs write instead of a missing number: "NaN", "n/a", "#DIV/0!".
 [[nodiscard]] bool isMissingValue(std::string_view text);
 
 // Whether it is a number in one style or another.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "sheets/record_source.h"
 
+#include "base/run_time_error.h"
 #include "base/text_case.h"
 #include "sheets/field_number.h"
 
@@ -53,8 +54,10 @@ char statedSeparator(std::string_view line) {
   return rest.empty() || rest == "\"" ? line[size] : '\0';
 }
 
-RecordSource::RecordSource(std::string_view text, char separator)
-    : comments_(std::make_shared<Comments>()),
+RecordSource::RecordSource(std::string_view text, char separator,
+                           std::function<bool()> stopRequested)
+    : stopRequested_(std::move(stopRequested)),
+      comments_(std::make_shared<Comments>()),
       reader_(text, {separator, [all = comments_, isFirst = true](std::string_view line) mutable {
                        if (std::exchange(isFirst, false) && statedSeparator(line) != 0) return true;
                        if (!isComment(line)) return false;
@@ -64,6 +67,9 @@ RecordSource::RecordSource(std::string_view text, char separator)
                      }}) {}
 
 bool RecordSource::next(Record& record) {
+  constexpr std::size_t betweenLooks = 64;
+  if (records_++ % betweenLooks == 0 && stopRequested_ && stopRequested_())
+    throw Error(operationStopped, "Pelmora", "Reading the text was stopped.");
   comments_->last.clear();
   try {
     if (!reader_.next(fields_)) return false;

@@ -5,6 +5,7 @@
 #include "base/csv_reader.h"
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -31,9 +32,10 @@ struct Record {
 class RecordSource {
  public:
   // `text` must outlive this object.
-  RecordSource(std::string_view text, char separator);
+  // stopRequested: that of Style; may be empty.
+  RecordSource(std::string_view text, char separator, std::function<bool()> stopRequested = {});
 
-  // False at the end. Errors: SheetError.
+  // False at the end. Errors: SheetError; Error 0x80004004 at a stop.
   bool next(Record& record);
   // Comment lines so far.
   [[nodiscard]] std::size_t comments() const { return comments_->count; }
@@ -43,6 +45,8 @@ class RecordSource {
     std::size_t count = 0;
     std::string last;
   };
+  std::function<bool()> stopRequested_;
+  std::size_t records_ = 0;
   std::shared_ptr<Comments> comments_;
   CsvReader reader_;
   std::vector<CsvField> fields_;

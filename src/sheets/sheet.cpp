@@ -39,13 +39,14 @@ bool isOpen(std::string_view text, char mark) {
 
 class Sheet::Content {
  public:
-  Content(std::string bytes, const Style& style) : text_(decoded(std::move(bytes))) {
+  Content(std::string bytes, const Style& style)
+      : stopRequested_(style.stopRequested), text_(decoded(std::move(bytes))) {
     recognised_.encoding = text_.encoding;
     recognised_.hasByteOrderMark = text_.hasByteOrderMark;
     chooseSeparator(style);
     findHeader(style);
     readEvidence(style);
-    rows_.emplace(text_.text, recognised_.separator);
+    rows_.emplace(text_.text, recognised_.separator, stopRequested_);
   }
 
   [[nodiscard]] const Recognised& recognised() const { return recognised_; }
@@ -75,7 +76,7 @@ class Sheet::Content {
   }
 
   void findHeader(const Style& style) {
-    RecordSource source(text_.text, recognised_.separator);
+    RecordSource source(text_.text, recognised_.separator, stopRequested_);
     std::vector<Record> start;
     Record record;
     while (start.size() < startRecords && source.next(record)) {
@@ -105,7 +106,7 @@ class Sheet::Content {
   }
 
   void readEvidence(const Style& style) {
-    RecordSource source(text_.text, recognised_.separator);
+    RecordSource source(text_.text, recognised_.separator, stopRequested_);
     Record record;
     DecimalSigns signs;
     std::size_t mostFields = 0;
@@ -131,7 +132,7 @@ class Sheet::Content {
 
   [[nodiscard]] ColumnSizes sizesOf(std::size_t column, char open) const {
     ColumnSizes sizes;
-    RecordSource source(text_.text, recognised_.separator);
+    RecordSource source(text_.text, recognised_.separator, stopRequested_);
     Record record;
     const NumberStyle grouping{open == '.' ? ',' : '.', true};
     while (nextValues(source, record)) {
@@ -156,6 +157,7 @@ class Sheet::Content {
                                   "point or comma");
   }
 
+  std::function<bool()> stopRequested_;
   DecodedText text_;
   Recognised recognised_;
   Layout layout_;

@@ -2,6 +2,7 @@
 #include "solver/solver_model.h"
 
 #include "solver/equations/expression_parser.h"
+#include "solver/equations/known_equations.h"
 #include "solver/fit_log.h"
 #include "solver/linear/linear_fit.h"
 #include "solver/nonlinear/nonlinear_fit.h"
@@ -53,12 +54,11 @@ void SolverModel::attach(const std::shared_ptr<const FitData>& data) {
 }
 
 Solution SolverModel::solve(const FitData* data) {
-  Expression expression = parseExpression(Definition.Expression);
-  letters_ = expression.letters();
+  const auto equation = knownEquation(Definition.Expression);
+  letters_ = equation->letters;
   const std::size_t p = letters_.size();
   if (p == 0) throw NoSolution{"the equation has no parameters"};
-  const auto form = linearForm(expression, letters_);
-  linear_ = form.has_value();
+  linear_ = equation->form.has_value();
   if (data == nullptr) throw NoSolution{"there are no data"};
   const std::size_t xColumn = columnOf(*data, "X"), yColumn = columnOf(*data, "Y");
   const std::vector<double>&x = data->Columns[xColumn], &y = data->Columns[yColumn];
@@ -75,8 +75,8 @@ Solution SolverModel::solve(const FitData* data) {
     requireFinite(y, "Y");
     series_ = cache_->add(x, y);
   }
-  if (form) return fitLinear(std::move(expression), *form, *series_);
-  return fitNonlinear(std::move(expression), *series_, Settings);
+  if (linear_) return fitLinear(*equation, *series_);
+  return fitNonlinear(equation->expression, *series_, Settings);
 }
 
 FitData SolverModel::results() const {
@@ -92,6 +92,10 @@ FitData SolverModel::results() const {
 
 std::vector<double> SolverModel::evaluate(std::span<const double> x) const {
   return solution_ ? solution_->curve->values(x) : std::vector<double>{};
+}
+
+std::vector<double> SolverModel::sampleCurve(std::span<const double> x) const {
+  return solution_ ? solution_->curve->samples(x) : std::vector<double>{};
 }
 
 std::vector<FitParameter> SolverModel::parameters() const {

@@ -26,9 +26,7 @@ class SolverModel : public FitModel {
   [[nodiscard]] bool linear() const override { return linear_; }
   [[nodiscard]] std::vector<double> covariance() const override;
   [[nodiscard]] std::vector<double> standardErrorsOfCurve(std::span<const double> x) const override;
-  [[nodiscard]] std::vector<double> sampleCurve(std::span<const double> x) const override {
-    return evaluate(x);
-  }
+  [[nodiscard]] std::vector<double> sampleCurve(std::span<const double> x) const override;
 
  private:
   [[nodiscard]] Solution solve(const FitData* data);

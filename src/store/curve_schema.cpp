@@ -3,6 +3,9 @@
 
 #include "base/run_time_error.h"
 #include "base/text_case.h"
+#include "store/fleet_tables.h"
+
+#include <utility>
 
 namespace pelmora {
 namespace {
@@ -217,6 +220,7 @@ std::vector<SchemaTable> allOwnTables() {
        asStored},
       unfinishedCopies(),
       historyEntries()};
+  for (SchemaTable& table : fleetTables()) tables.push_back(std::move(table));
   for (const char* name : excludedTables) tables.push_back(excludedPoints(name));
   for (const char* name : keptTableNames) {
     const SchemaTable* given = tableNamed(curveTables(), name);
@@ -229,7 +233,8 @@ std::vector<SchemaTable> allOwnTables() {
 
 std::vector<TableIndex> SchemaTable::designIndexes() const {
   std::vector<TableIndex> indexes;
-  for (const SchemaIndex& index : Indexes) indexes.push_back({index.Name, Name, index.Columns});
+  for (const SchemaIndex& index : Indexes)
+    indexes.push_back({index.Name, Name, index.Columns, index.IsUnique});
   return indexes;
 }
 

@@ -16,6 +16,7 @@ namespace pelmora {
 struct SchemaIndex {
   std::string Name;
   std::vector<std::string> Columns;
+  bool IsUnique = false;
 };
 
 // A column that names a row of another table by its ID.
@@ -79,6 +80,10 @@ inline constexpr const char* fitSettingsTable = "pelmora_fit_settings";
 inline constexpr const char* salvagedPartTable = "pelmora_salvaged_part";
 inline constexpr const char* signOffTable = "pelmora_sign_off";
 inline constexpr const char* historyEntryTable = "pelmora_history_entry";
+// Refits that many workers share: the jobs, their ranges of series, what came of each series.
+inline constexpr const char* fleetJobTable = "pelmora_fleet_job";
+inline constexpr const char* fleetRangeTable = "pelmora_fleet_range";
+inline constexpr const char* fleetResultTable = "pelmora_fleet_result";
 // How far a copy in portions into this database has come; empty in a database that is whole.
 inline constexpr const char* copyTable = "pelmora_copy";
 

@@ -2,6 +2,7 @@
 #include "base/number_text.h"
 #include "base/run_time_error.h"
 #include "store/connection.h"
+#include "store/curve_settings_rows.h"
 #include "store/curve_schema.h"
 #include "store/field_value.h"
 #include "store/own_rows.h"
@@ -9,7 +10,6 @@
 #include <pelmora/curve_settings.h>
 #include <pelmora/own_tables.h>
 
-#include <array>
 #include <sstream>
 #include <string_view>
 #include <vector>
@@ -58,35 +58,64 @@ Value laterColumn(const Recordset& rows, std::string_view name) {
 
 }  // namespace
 
+CurveSettings settingsInRow(const Recordset& rows) {
+  CurveSettings settings;
+  settings.BandPercent = toDouble(rows.value("BandPercent"));
+  settings.Points = toInt32(rows.value("Points"));
+  settings.Min = numberOrNothing(rows.value("MinRoshko"));
+  settings.Max = numberOrNothing(rows.value("MaxRoshko"));
+  settings.RatioCurve = flag(rows.value("RatioCurve"));
+  settings.Inverted = flag(rows.value("Inverted"));
+  settings.IgnoreResiduals = flag(rows.value("IgnoreResiduals"));
+  if (!isNull(rows.value("Equations"))) settings.Equations = toText(rows.value("Equations"));
+  settings.SoftwareVersion = toText(rows.value("SoftwareVersion"));
+  settings.FittedAt = toText(rows.value("FittedAt"));
+  settings.MergeBandPercent = numberOrNothing(laterColumn(rows, "MergeBand"));
+  settings.KeepsOverlap = flag(laterColumn(rows, "KeepsOverlap"));
+  settings.PointsFingerprint = toText(laterColumn(rows, "PointsFingerprint"));
+  settings.CurveFingerprint = toText(laterColumn(rows, "CurveFingerprint"));
+  settings.Choice = toText(laterColumn(rows, "Choice"));
+  settings.FitMin = numberOrNothing(laterColumn(rows, "FitMinRoshko"));
+  settings.FitMax = numberOrNothing(laterColumn(rows, "FitMaxRoshko"));
+  settings.Only = listOf(laterColumn(rows, "OnlyEquations"));
+  settings.Without = listOf(laterColumn(rows, "WithoutEquations"));
+  const Value order = laterColumn(rows, "MaxOrder");
+  if (!isNull(order)) settings.MaxOrder = toInt32(order);
+  settings.Spacing = toText(laterColumn(rows, "Spacing"));
+  return settings;
+}
+
+std::vector<Value> rowOfSettings(std::int32_t SeriesID, const CurveSettings& settings) {
+  return {Value(std::int64_t{SeriesID}),
+          Value(settings.BandPercent),
+          Value(std::int64_t{settings.Points}),
+          valueOf(settings.Min),
+          valueOf(settings.Max),
+          valueOf(settings.RatioCurve),
+          valueOf(settings.Inverted),
+          valueOf(settings.IgnoreResiduals),
+          settings.Equations ? Value(*settings.Equations) : Value(),
+          Value(settings.SoftwareVersion),
+          Value(settings.FittedAt),
+          valueOf(settings.MergeBandPercent),
+          valueOf(settings.KeepsOverlap),
+          valueOf(settings.PointsFingerprint),
+          valueOf(settings.CurveFingerprint),
+          valueOf(settings.Choice),
+          valueOf(settings.FitMin),
+          valueOf(settings.FitMax),
+          valueOf(settings.Only),
+          valueOf(settings.Without),
+          settings.MaxOrder ? Value(std::int64_t{*settings.MaxOrder}) : Value(),
+          valueOf(settings.Spacing)};
+}
+
 std::optional<CurveSettings> keptCurveSettings(const ConnectionPtr& curves, std::int32_t SeriesID) {
   if (!hasTable(curves, fitSettingsTable)) return std::nullopt;
   const auto rows = curves->openRecordset("Select *" + rowsOf(SeriesID), CursorType::forwardOnly,
                                           LockType::optimistic);
   if (rows->atEnd()) return std::nullopt;
-  CurveSettings settings;
-  settings.BandPercent = toDouble(rows->value("BandPercent"));
-  settings.Points = toInt32(rows->value("Points"));
-  settings.Min = numberOrNothing(rows->value("MinRoshko"));
-  settings.Max = numberOrNothing(rows->value("MaxRoshko"));
-  settings.RatioCurve = flag(rows->value("RatioCurve"));
-  settings.Inverted = flag(rows->value("Inverted"));
-  settings.IgnoreResiduals = flag(rows->value("IgnoreResiduals"));
-  if (!isNull(rows->value("Equations"))) settings.Equations = toText(rows->value("Equations"));
-  settings.SoftwareVersion = toText(rows->value("SoftwareVersion"));
-  settings.FittedAt = toText(rows->value("FittedAt"));
-  settings.MergeBandPercent = numberOrNothing(laterColumn(*rows, "MergeBand"));
-  settings.KeepsOverlap = flag(laterColumn(*rows, "KeepsOverlap"));
-  settings.PointsFingerprint = toText(laterColumn(*rows, "PointsFingerprint"));
-  settings.CurveFingerprint = toText(laterColumn(*rows, "CurveFingerprint"));
-  settings.Choice = toText(laterColumn(*rows, "Choice"));
-  settings.FitMin = numberOrNothing(laterColumn(*rows, "FitMinRoshko"));
-  settings.FitMax = numberOrNothing(laterColumn(*rows, "FitMaxRoshko"));
-  settings.Only = listOf(laterColumn(*rows, "OnlyEquations"));
-  settings.Without = listOf(laterColumn(*rows, "WithoutEquations"));
-  const Value order = laterColumn(*rows, "MaxOrder");
-  if (!isNull(order)) settings.MaxOrder = toInt32(order);
-  settings.Spacing = toText(laterColumn(*rows, "Spacing"));
-  return settings;
+  return settingsInRow(*rows);
 }
 
 void keepCurveSettings(const ConnectionPtr& curves, std::int32_t SeriesID,
@@ -95,30 +124,7 @@ void keepCurveSettings(const ConnectionPtr& curves, std::int32_t SeriesID,
   createTable(curves, table.design());
   for (const TableIndex& index : table.designIndexes()) createIndex(curves, index);
   curves->execute("Delete *" + rowsOf(SeriesID));
-  // In the order of the table's columns.
-  const std::array values{Value(std::int64_t{SeriesID}),
-                          Value(settings.BandPercent),
-                          Value(std::int64_t{settings.Points}),
-                          valueOf(settings.Min),
-                          valueOf(settings.Max),
-                          valueOf(settings.RatioCurve),
-                          valueOf(settings.Inverted),
-                          valueOf(settings.IgnoreResiduals),
-                          settings.Equations ? Value(*settings.Equations) : Value(),
-                          Value(settings.SoftwareVersion),
-                          Value(settings.FittedAt),
-                          valueOf(settings.MergeBandPercent),
-                          valueOf(settings.KeepsOverlap),
-                          valueOf(settings.PointsFingerprint),
-                          valueOf(settings.CurveFingerprint),
-                          valueOf(settings.Choice),
-                          valueOf(settings.FitMin),
-                          valueOf(settings.FitMax),
-                          valueOf(settings.Only),
-                          valueOf(settings.Without),
-                          settings.MaxOrder ? Value(std::int64_t{*settings.MaxOrder}) : Value(),
-                          valueOf(settings.Spacing)};
-  addOwnRow(*curves, fitSettingsTable, values);
+  addOwnRow(*curves, fitSettingsTable, rowOfSettings(SeriesID, settings));
 }
 
 }  // namespace pelmora

@@ -21,7 +21,7 @@ std::string rowsOfPart(int part, std::int32_t SeriesID) {
 
 void createTables(Connection& curves) {
   for (const char* name : excludedTables)
-    createOwnTable(curves, name, "This database cannot keep points that are left out.");
+    createOwnTable(curves, name, "This database cannot keep excluded points.");
 }
 
 }  // namespace

@@ -27,7 +27,7 @@ TableReader::TableReader(std::span<const double> x, std::span<const double> y, R
   };
   if (x.size() != y.size()) refuse("the columns of the table differ in length", "give each x a y");
   if (x.size() < fewestPoints(reading)) {
-    refuse("a table for " + std::string(readingName(reading)) + " reading has at least " +
+    refuse("a table for " + std::string(readingName(reading)) + " reading needs at least " +
                std::to_string(fewestPoints(reading)) + " points",
            "ask for more points");
   }

@@ -17,8 +17,9 @@ double componentSize(const Component& component, const OperatingPoint& at) {
   if (!value || !(value->value > 0)) {
     refuse("the uncertainty of the " + std::string(causeName(component.cause)) + " is stated in " +
                std::string(unit.symbol) + ", and its value is not known here",
-           "state the uncertainty in %, or give the " +
-               std::string(units::quantityName(unit.quantity)));
+           "state the uncertainty in %, give the " +
+               std::string(units::quantityName(unit.quantity)) +
+               ", or record the units of what the stand read");
   }
   return units::convertedDifference(component.standard.value, unit, *value->unit) / value->value;
 }

@@ -139,10 +139,12 @@ CurveMeasurement curveMeasurement(const CurvePlace& place, const StandUncertaint
                          each.distribution, each.evaluation, each.degreesOfFreedom, 0, 0,
                          each.betweenRotors, each.betweenCalibrations});
     const bool isSplit = splitsByRotor(each, place.kind);
+    // The flow cancels in a quotient of rotors: its size does not matter.
+    const bool cancels = each.cause == Cause::flow && place.kind != SeriesKind::rotor;
+    const double size = cancels ? 0 : componentSize(each, place.operating);
     for (int rotor = 0; rotor < (isSplit ? 2 : 1); ++rotor) {
-      made.inputs.push_back({std::string(causeName(each.cause)), 0,
-                             componentSize(each, place.operating), each.distribution,
-                             each.degreesOfFreedom});
+      made.inputs.push_back(
+          {std::string(causeName(each.cause)), 0, size, each.distribution, each.degreesOfFreedom});
       made.rowOf.push_back(row);
     }
     if (isSplit && each.betweenRotors != 0)
@@ -165,15 +167,19 @@ Budget curveBudget(const CurvePlace& place, const StandUncertainty& stand) {
   for (std::size_t row = 0; row < budget.rows.size(); ++row) {
     BudgetRow& made = budget.rows[row];
     std::vector<Contribution> parts(measured.inputs.size());
-    std::size_t inputs = 0;
+    std::vector<double> sizes, degrees;
     for (std::size_t i = 0; i < parts.size(); ++i) {
       if (measured.rowOf[i] != row) continue;
       parts[i] = result.contributions[i];
       made.contribution = parts[i].uncertainty;
-      ++inputs;
+      sizes.push_back(parts[i].uncertainty);
+      degrees.push_back(measured.inputs[i].degreesOfFreedom);
     }
-    if (inputs > 1)
+    if (sizes.size() > 1) {
       made.contribution = std::sqrt(std::max(0.0, covariance(parts, parts, measured.correlations)));
+      // Two independent errors together are known better than each of them.
+      if (made.betweenRotors == 0) made.degreesOfFreedom = effectiveDegrees(sizes, degrees);
+    }
     if (made.standardUncertainty > 0)
       made.sensitivity = made.contribution / made.standardUncertainty;
   }

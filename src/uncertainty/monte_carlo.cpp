@@ -113,6 +113,7 @@ class Trials {
 
  private:
   void runBlock(std::size_t block) {
+    if (options_.goOn) options_.goOn();
     RandomStream random(options_.seed, block);
     Sampler sampler = sampler_;
     std::vector<double> drawn(inputs_);

@@ -6,6 +6,7 @@
 #include "uncertainty/input.h"
 
 #include <cstdint>
+#include <functional>
 #include <span>
 
 namespace pelmora::uncertainty {
@@ -18,6 +19,8 @@ struct MonteCarloOptions {
   int significantDigits = 2;
   std::uint64_t seed = 1;
   unsigned threads = 0;  // 0: one for each processor
+  // Called before each block, in the caller's thread and others. What it throws ends the trials.
+  std::function<void()> goOn = {};
 };
 
 // low, high: the probabilistically symmetric coverage interval; shortLow, shortHigh: the shortest

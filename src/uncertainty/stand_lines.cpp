@@ -37,10 +37,9 @@ void requireNew(const std::vector<Named>& known, const Named& added, const std::
   const auto same = std::find_if(known.begin(), known.end(),
                                  [&](const Named& each) { return each.name == added.name; });
   if (same == known.end()) return;
-  refuseLine(
-      added.line,
-      what + " " + quoted(added.name) + " already stands in line " + std::to_string(same->line),
-      where, "remove one of them, or give it another name");
+  refuseLine(added.line,
+             what + " " + quoted(added.name) + " is already in line " + std::to_string(same->line),
+             where, "remove one of them, or give it another name");
 }
 
 bool isQuote(char c) { return c == '"' || c == '\''; }
@@ -158,7 +157,7 @@ std::vector<Section> readSections(std::string_view text, const std::string& wher
     }
     Setting setting = settingOf(line, number, where);
     if (sections.empty()) {
-      refuseLine(number, quoted(setting.name) + " stands before the first section", where,
+      refuseLine(number, quoted(setting.name) + " comes before the first section", where,
                  "write [stand] or the section that it belongs to above it");
     }
     requireNew(sections.back().settings, setting, "setting", where);

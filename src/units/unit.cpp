@@ -3,6 +3,7 @@
 
 #include "base/suggestion.h"
 #include "base/text_flaw.h"
+#include "base/trimmed_text.h"
 
 #include <pelmora/calibration/failure.h>
 
@@ -101,12 +102,6 @@ void requireOneQuantity(const Unit& from, const Unit& to) {
                  "", "choose two units of the same quantity"});
 }
 
-std::string_view trimmed(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
-
 }  // namespace
 
 std::span<const Unit> knownUnits() { return table; }
@@ -156,14 +151,14 @@ double convertedDifference(double difference, const Unit& from, const Unit& to) 
 }
 
 Measure readMeasure(std::string_view text) {
-  text = trimmed(text);
+  text = trimmed(text, " \t");
   double value = 0;
   const auto [end, trouble] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (trouble != std::errc() || !std::isfinite(value)) {
     throw BadData({quoted(text) + " does not start with a number", "",
                    "write a number with a decimal point and its unit, such as 0.05 %"});
   }
-  const std::string_view symbol = trimmed({end, text.data() + text.size()});
+  const std::string_view symbol = trimmed({end, text.data() + text.size()}, " \t");
   if (symbol.empty()) {
     throw BadData({quoted(text) + " has no unit", "", "write the unit behind the number"});
   }

@@ -29,11 +29,19 @@
 #include "adapters/ado/ado_connection.h"
 #endif
 
+#include <functional>
 #include <memory>
 #include <utility>
 
 namespace pelmora {
+
+namespace sqlite {
+class SchemaMemory;
+}
+
 namespace {
+
+using SchemaMemoryPtr = std::shared_ptr<sqlite::SchemaMemory>;
 
 [[maybe_unused]] Error noDriver(const std::string& location) {
   return {static_cast<std::int32_t>(RunTimeError::noObject), "Pelmora:openDatabase",
@@ -41,7 +49,8 @@ namespace {
 }
 
 ConnectionPtr driverFor([[maybe_unused]] const std::string& location,
-                        [[maybe_unused]] const Patience& patience) {
+                        [[maybe_unused]] const Patience& patience,
+                        [[maybe_unused]] const SchemaMemoryPtr& memory) {
   if (isServerAddress(location)) {
 #if defined(PELMORA_HAS_POSTGRESQL)
     return postgresConnection(location, patience);
@@ -52,25 +61,43 @@ ConnectionPtr driverFor([[maybe_unused]] const std::string& location,
 #if defined(PELMORA_HAS_ADO)
   if (isAccessLocation(location)) return accessConnection(location);
 #endif
+#if defined(PELMORA_HAS_SQLITE)
+  // First: other looks at a file take longer.
+  if (isSqliteFile(location)) return sqliteConnection(location, patience, memory);
+#endif
 #if defined(PELMORA_HAS_ACCESS)
   if (isAccessFile(location)) return accessFileConnection(location);
 #endif
 #if defined(PELMORA_HAS_SQLITE)
   if (isStandCsv(location)) return standCsvConnection(location);
-  return sqliteConnection(location, patience);
+  return sqliteConnection(location, patience, memory);
 #else
   return nullptr;
 #endif
 }
 
-}  // namespace
-
-ConnectionPtr databaseConnection(const std::string& location, const Patience& patience) {
-  ConnectionPtr connection = driverFor(location, patience);
+ConnectionPtr connectionTo(const std::string& location, const Patience& patience,
+                           const SchemaMemoryPtr& memory) {
+  ConnectionPtr connection = driverFor(location, patience, memory);
   // A stand's engine is asked to insert its points into the curve database, whatever keeps that.
   if (auto* stand = dynamic_cast<InsertsElsewhere*>(connection.get()))
     stand->setElsewhere(databaseConnection);
   return connection;
+}
+
+}  // namespace
+
+ConnectionPtr databaseConnection(const std::string& location, const Patience& patience) {
+  return connectionTo(location, patience, nullptr);
+}
+
+std::function<ConnectionPtr(const std::string& location)> operationConnections() {
+#if defined(PELMORA_HAS_SQLITE)
+  const SchemaMemoryPtr memory = schemaMemory();
+#else
+  const SchemaMemoryPtr memory;
+#endif
+  return [memory](const std::string& location) { return connectionTo(location, {}, memory); };
 }
 
 ConnectionPtr openDatabase(const std::string& location) { return openDatabase(location, {}); }

@@ -5,6 +5,7 @@
 #include <pelmora/database.h>
 #include <pelmora/patience.h>
 
+#include <functional>
 #include <string>
 
 namespace pelmora {
@@ -13,5 +14,9 @@ namespace pelmora {
 // nothing usable gets the SQLite driver, which says so when it is opened.
 [[nodiscard]] ConnectionPtr databaseConnection(const std::string& location,
                                                const Patience& patience = {});
+
+// The same for the operations of one host, each of which opens a connection and closes it again.
+// What one has read of a database's tables is known to those after it.
+[[nodiscard]] std::function<ConnectionPtr(const std::string& location)> operationConnections();
 
 }  // namespace pelmora

@@ -16,9 +16,7 @@ Platform defaultPlatform() {
   platform.createBandTester = createBandTester;
   platform.createFitEngine = createSolver;
   platform.componentFolder = libraryFolder();
-  platform.createConnection = [](const std::string& location) {
-    return databaseConnection(location);
-  };
+  platform.createConnection = operationConnections();
   return platform;
 }
 

@@ -24,9 +24,7 @@ constexpr std::size_t fewestLoops = 1000;
 bool isLender(const std::string& name) {
   static const std::set<std::string> references{"at",    "drawn", "function", "schemaTable",
                                                 "sheet", "table", "value"};
-  // They return a value, and the loops bind a member of it directly, which keeps it alive.
-  static const std::set<std::string> values{"exclude", "importAccess"};
-  return references.contains(name) || values.contains(name);
+  return references.contains(name);
 }
 
 bool isNamePart(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }

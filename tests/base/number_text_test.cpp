@@ -5,7 +5,14 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <limits>
+#include <random>
 #include <string>
 
 namespace pelmora {
@@ -44,6 +51,59 @@ TEST(number_text, whole_numbers_are_plain) {
   EXPECT_EQ(numberText(40.0), "40");
   EXPECT_EQ(numberText(-7), "-7");
   EXPECT_EQ(numberText(123456789012345.0), "123456789012345");
+}
+
+// What the C library writes, which knows every digit of a number.
+std::string printed(double value) {
+  std::array<char, 64> text;
+  std::snprintf(text.data(), text.size(), "%.15g", value);
+  std::string printed = text.data();
+  if (const auto at = printed.find('e'); at != std::string::npos) printed[at] = 'E';
+  return printed;
+}
+
+TEST(number_text, doubles_are_rounded_from_all_their_digits) {
+  std::mt19937_64 random(1);  // NOLINT: the same numbers each time
+  for (int i = 0; i < 200'000; ++i) {
+    const auto value = std::bit_cast<double>(random());
+    if (!std::isfinite(value)) continue;
+    ASSERT_EQ(numberText(value), printed(value)) << std::hexfloat << value;
+  }
+}
+
+TEST(number_text, measured_numbers_are_rounded_from_all_their_digits) {
+  std::mt19937_64 random(2);  // NOLINT
+  std::uniform_real_distribution<double> digit(-1, 1), size(-7, 18);
+  for (int i = 0; i < 200'000; ++i) {
+    const double value = digit(random) * std::pow(10, std::floor(size(random)));
+    ASSERT_EQ(numberText(value), printed(value)) << std::hexfloat << value;
+  }
+}
+
+// 16 digits with a 5 at the end, which most numbers are a little above or below, and their
+// neighbours.
+TEST(number_text, doubles_near_the_middle_between_two_texts_go_to_the_nearer_one) {
+  std::mt19937_64 random(3);  // NOLINT
+  std::uniform_int_distribution<std::int64_t> digits(100'000'000'000'000, 999'999'999'999'999);
+  std::uniform_int_distribution<int> exponent(-320, 290);
+  for (int i = 0; i < 100'000; ++i) {
+    const std::string middle =
+        std::to_string(digits(random)) + "5e" + std::to_string(exponent(random));
+    const double value = std::strtod(middle.c_str(), nullptr);
+    for (const double near : {std::nextafter(value, 0), value, std::nextafter(value, 2 * value)})
+      ASSERT_EQ(numberText(near), printed(near)) << middle;
+  }
+}
+
+TEST(number_text, rounding_may_carry_into_a_new_digit) {
+  for (const double value : {9.9999999999999995, 0.99999999999999989, 99999999999999.996,
+                             999999999999999.9, 1e15, 9999999999999998.0, 0.000099999999999999991})
+    EXPECT_EQ(numberText(value), printed(value));
+  for (int power = -300; power <= 300; ++power) {
+    const double value = std::pow(10, power);
+    EXPECT_EQ(numberText(std::nextafter(value, 0)), printed(std::nextafter(value, 0)));
+    EXPECT_EQ(numberText(value), printed(value));
+  }
 }
 
 TEST(number_text, minus_zero_is_zero) { EXPECT_EQ(numberText(-0.0), "0"); }

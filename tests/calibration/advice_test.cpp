@@ -5,6 +5,7 @@
 #include <pelmora/calibration/advice.h>
 
 #include <algorithm>
+#include <cmath>
 #include <random>
 
 namespace pelmora::calibration::test {
@@ -113,6 +114,24 @@ TEST(Advice, says_once_what_six_equations_say) {
   const auto rejected = rejectedTogether(fit);
   ASSERT_FALSE(rejected.empty());
   EXPECT_GE(rejected[0].names.size(), 5U);
+}
+
+TEST(Advice, names_equations_with_too_many_parameters_in_one_line) {
+  PointArray six(18);
+  for (std::size_t i = 0; i < six.size(); ++i) {
+    const double repeat = static_cast<double>(i % 3);
+    six(i, 0) = 20 * std::pow(2.0, static_cast<double>(i / 3)) * (1 + 0.003 * repeat);
+    six(i, 1) = 1000 * (1 - 0.4 / six(i, 0)) * (1 + 2e-4 * std::sin(static_cast<double>(7 * i)));
+  }
+  const Fit fit = calibration::fit(std::vector{six}, {.choice = Choice::trusted});
+  std::size_t lines = 0, names = 0;
+  for (const Rejected& rejected : rejectedTogether(fit)) {
+    if (rejected.why.find("parameters for 6 distinct flows") == std::string::npos) continue;
+    ++lines;
+    names += rejected.names.size();
+  }
+  EXPECT_EQ(lines, 1U);
+  EXPECT_GE(names, 5U);
 }
 
 TEST(Advice, about_too_few_flows_is_to_measure_more) {

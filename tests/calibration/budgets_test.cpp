@@ -208,5 +208,11 @@ TEST_F(service_budgets, refuse_a_statement_that_is_not_understood) {
   EXPECT_FALSE(db.standUncertainty(meter));
 }
 
+TEST(table_readings, are_found_by_their_keys) {
+  for (const ReadAs reading : {ReadAs::none, ReadAs::linear, ReadAs::log, ReadAs::cubic})
+    EXPECT_EQ(tableReadingOf(tableReadingKey(reading)), reading);
+  EXPECT_EQ(tableReadingOf("Linear"), std::nullopt);
+}
+
 }  // namespace
 }  // namespace pelmora::calibration::test

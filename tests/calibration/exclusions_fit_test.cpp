@@ -60,6 +60,44 @@ TEST_F(Exclusions, a_bad_point_stands_out_from_the_others) {
   }
 }
 
+TEST_F(Exclusions, a_point_that_the_stored_curve_was_fitted_without_is_not_listed_as_used) {
+  PointArray spoiled = smoothPoints(24);
+  for (std::size_t i = 0; i < spoiled.size(); ++i) spoiled(i, 1) *= i % 2 == 0 ? 1.0002 : 0.9998;
+  spoiled(10, 1) *= 1.02;
+  db_.storeRaw(meter_, "S", 1, spoiled);
+  const auto stateOfBad = [&] { return db_.points(meter_, "S")[10].state; };
+  EXPECT_EQ(stateOfBad(), PointState::used) << "no curve has left it out yet";
+  (void)db_.store(db_.fit(meter_, "S", {.band = 3, .choice = Choice::adjustedR2}));
+  EXPECT_EQ(stateOfBad(), PointState::used) << "this rule fits all points";
+  const Fit fit = db_.fit(meter_, "S", {.choice = Choice::trusted});
+  (void)db_.store(fit);
+  const auto listed = db_.points(meter_, "S");
+  for (std::size_t i = 0; i < listed.size(); ++i) {
+    const bool isUsed = fit.trust->judged[i].use == PointUse::used;
+    EXPECT_EQ(listed[i].state == PointState::distrusted, !isUsed) << i;
+    EXPECT_EQ(listed[i].state == PointState::distrusted, i == 10) << i;
+  }
+  EXPECT_STREQ(pointStateKey(listed[10].state), "distrusted");
+}
+
+TEST_F(Exclusions, points_that_were_not_to_be_fitted_judge_no_others) {
+  PointArray points = smoothPoints(24);
+  for (std::size_t i = 0; i < points.size(); ++i) points(i, 1) *= i % 2 == 0 ? 1.0002 : 0.9998;
+  points(0, 1) *= 0.9;
+  points(1, 1) *= 0.95;
+  const double lowest = (points(1, 0) + points(2, 0)) / 2;
+  db_.storeRaw(meter_, "S", 1, points);
+  const Fit fit = db_.fit(meter_, "S", {.fitMin = lowest, .choice = Choice::trusted});
+  (void)db_.store(fit);
+  const auto listed = db_.points(meter_, "S");
+  EXPECT_EQ(listed[0].state, PointState::outsideRange);
+  EXPECT_EQ(listed[1].state, PointState::outsideRange);
+  for (std::size_t i = 2; i < listed.size(); ++i) {
+    EXPECT_EQ(listed[i].state, PointState::used) << i;
+    EXPECT_NEAR(listed[i].sigmas.value_or(99), fit.trust->judged[i].sigmas(), 1e-6) << i;
+  }
+}
+
 TEST_F(Exclusions, a_fit_names_points_by_their_numbers_in_the_whole_part) {
   PointArray spoiled = smoothPoints(24);
   for (std::size_t i = 0; i < spoiled.size(); ++i) spoiled(i, 1) *= i % 2 == 0 ? 1.0002 : 0.9998;

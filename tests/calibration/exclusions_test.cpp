@@ -65,8 +65,9 @@ TEST_F(Exclusions, ranges_mean_what_they_say) {
   const double third = points_(2, 0), tenth = points_(9, 0);
   const auto numbersOf = [&](const PointSelection& selection) {
     const Change trial = db_.begin("trial");  // not committed
+    const auto excluded = db_.exclude(meter_, "K", selection, "trial");
     std::vector<std::size_t> numbers;
-    for (const auto& point : db_.exclude(meter_, "K", selection, "trial").points)
+    for (const auto& point : excluded.points)
       numbers.push_back(point.number + 100 * static_cast<std::size_t>(point.part));
     return numbers;
   };

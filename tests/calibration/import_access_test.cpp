@@ -118,9 +118,9 @@ TEST_F(import_access, shows_rows_that_belong_to_nothing_because_of_a_changed_id)
   bytes[row + 3] = 7;
   std::ofstream(scratch.file("damaged.mdb"), std::ios::binary) << bytes;
   const auto problemsOf = [&](const std::string& file, const std::string& database) {
+    const cal::ProofSheet sheet = cal::importAccess(file, scratch.file(database));
     std::vector<std::string> ids;
-    for (const cal::Finding& problem : cal::importAccess(file, scratch.file(database)).problems)
-      ids.push_back(problem.id);
+    for (const cal::Finding& problem : sheet.problems) ids.push_back(problem.id);
     return ids;
   };
   EXPECT_THAT(problemsOf(scratch.file("damaged.mdb"), "a.db"), testing::Contains("orphaned-rows"));

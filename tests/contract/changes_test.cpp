@@ -78,7 +78,7 @@ TYPED_TEST(changes_made_together, let_others_read_however_many_they_are) {
   const OnePoint<TypeParam> curves;
   const ConnectionPtr other = curves.another();
   const Transaction transaction(curves.connection);
-  // Some 5 MB: twice what the engine keeps in memory unless it is told to keep more.
+  // Some 5 MB: twice what the engine keeps in memory by default.
   const std::string text(500000, 'x');
   for (int i = 0; i < 10; ++i) {
     curves.execute("INSERT INTO DataFitResults (seriesID, summary) VALUES (1, '" + text + "')");

@@ -67,9 +67,10 @@ TEST(curve_evaluation, tells_where_a_curve_turns) {
 
 TEST(curve_evaluation, finds_no_roshko_number_below_zero) {
   EXPECT_DOUBLE_EQ(roshkoAt(falling, 11.5).roshko, 0.25);
-  EXPECT_EQ(failureOf([] { (void)roshkoAt(falling, 12.5); }),
-            "Continued straight beyond its ends, the curve has Strouhal 12.5 at no Roshko number "
-            "above 0.");
+  EXPECT_EQ(
+      failureOf([] { (void)roshkoAt(falling, 12.5); }),
+      "Extended straight beyond its ends, the curve does not reach Strouhal 12.5 at any Roshko "
+      "number above 0.");
 }
 
 TEST(curve_evaluation, has_no_band_where_the_points_have_none) {

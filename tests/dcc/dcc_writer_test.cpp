@@ -76,6 +76,18 @@ TEST(dcc_writer, says_every_text_as_it_is) {
   EXPECT_EQ(contact->child("name")->child("content")->text, "Flow <laboratory> & sons");
 }
 
+// XML has no control characters; a reader sees that something stood there.
+TEST(dcc_writer, marks_the_place_of_a_control_character) {
+  Certificate certificate = sampleCertificate();
+  certificate.customer.name =
+      "Ab\x01"
+      "c \"& Sons\"";
+  const XmlElement root = readXml(certificateXml(certificate), "");
+  const XmlElement* name = root.child("administrativeData")->child("customer")->child("name");
+  ASSERT_NE(name, nullptr);
+  EXPECT_EQ(name->child("content")->text, "Ab\uFFFDc \"& Sons\"");
+}
+
 TEST(dcc_writer, refuses_a_certificate_with_gaps) {
   Certificate gap = sampleCertificate();
   gap.customer.city.clear();
@@ -124,7 +136,7 @@ INSTANTIATE_TEST_SUITE_P(
             "column 'quotient' differs in length from 'Roshko number'"},
         Gap{"uncertainties",
             [](Certificate& c) { c.results[0].columns[1].uncertainties->values.pop_back(); },
-            "column 'K factor' has not one uncertainty for each value"},
+            "column 'K factor' does not have one uncertainty for each value"},
         Gap{"factors",
             [](Certificate& c) { c.results[0].columns[1].uncertainties->coverageFactors.clear(); },
             "column 'K factor' has neither one coverage factor nor one for each value"}),

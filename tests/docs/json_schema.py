@@ -8,6 +8,7 @@ missing. Leave ACCESS_FILE out if this build cannot read Access files.
 import copy
 import json
 import os
+import pathlib
 import re
 import subprocess
 import sys
@@ -19,21 +20,12 @@ except ImportError:
     print("Python's jsonschema is missing: install python3-jsonschema, as scripts/setup does")
     sys.exit(77)
 
+sys.path.append(str(pathlib.Path(__file__).parents[1] / "support"))
+from strict_schema import strict  # noqa: E402
+
 PROGRAM, DATA, SCHEMA = sys.argv[1:4]
 ACCESS_FILE = sys.argv[4] if len(sys.argv) > 4 else None
 BAND_FAILED, MOVED, PROBLEMS, BAD_DATA = 6, 9, 5, 5  # exit codes of commands that write their JSON all the same
-
-
-def strict(schema):
-    """The schema that allows no member beyond those it names."""
-    if isinstance(schema, list):
-        return [strict(part) for part in schema]
-    if not isinstance(schema, dict):
-        return schema
-    closed = {key: strict(value) for key, value in schema.items()}
-    if isinstance(closed.get("properties"), dict) and closed.get("type") == "object":
-        closed["additionalProperties"] = False
-    return closed
 
 
 def outputs(folder):
@@ -47,7 +39,8 @@ def outputs(folder):
 
     begin = {"report": [curves, "-o", "-"], "meter": ["set", curves], "laboratory": ["set", curves], "equations": [],
              "import-access": [], "check-dcc": [], "stand": ["uncertainty", curves],
-             "fluid set": ["set", curves], "fluid show": ["show", curves]}
+             "fleet start": ["start", curves], "fleet status": ["status", curves], "fluid set": ["set", curves],
+             "fluid show": ["show", curves]}
 
     def run(command, *arguments, code=0):
         ended = subprocess.run([PROGRAM, command.split()[0], *begin.get(command, [curves]), *arguments, "--json"],
@@ -83,6 +76,11 @@ def outputs(folder):
     yield "equations", run("equations")
     yield "refit", run("refit", "--all")
     yield "refit", run("refit", "--meter", "M1", "--dry-run")
+    yield "fleet start", run("fleet start", "--range", "3", "--changed", "0", "--choose", "adjusted-r2")
+    yield "worker", run("worker", "--ranges", "1")
+    yield "fleet status", run("fleet status")
+    yield "worker", run("worker")
+    yield "fleet status", run("fleet status")
     stated = os.path.join(folder, "stand.ini")
     with open(stated, "w", encoding="ascii") as file:
         file.write("[stand]\nname = S\n[flow]\nstandard = 0.05 %\n[viscosity]\nhalf-width = 1 %\ndistribution = rectangular\n")

@@ -31,7 +31,7 @@ std::vector<Calibrated> history(const std::vector<double>& percent, double indep
 
 TEST(interval_advice, is_the_time_until_drift_and_scatter_reach_the_limit) {
   const auto calibrations = history({0, 0.05, 0.10, 0.15, 0.20}, 0.01);
-  const IntervalAdvice advice = adviseInterval(calibrations, {.limitPercent = 0.12});
+  const IntervalAdvice advice = adviseInterval(calibrations, 0.12);
   EXPECT_NEAR(advice.ratePercentPerYear, 0.05, 1e-9);
   EXPECT_NEAR(advice.dispersionPercent, 0.01, 1e-9);
   EXPECT_NEAR(advice.rateUncertainty, 0.01 / std::sqrt(10.0), 1e-9);
@@ -47,27 +47,25 @@ TEST(interval_advice, is_the_time_until_drift_and_scatter_reach_the_limit) {
 
 TEST(interval_advice, is_not_stretched_far_beyond_what_was_seen) {
   const auto calibrations = history({0, 0.001, -0.001, 0, 0.001, 0}, 0.005);
-  const IntervalAdvice advice = adviseInterval(calibrations, {.limitPercent = 1});
+  const IntervalAdvice advice = adviseInterval(calibrations, 1);
   EXPECT_TRUE(advice.isCapped);
   EXPECT_DOUBLE_EQ(advice.years, 2);
 }
 
 TEST(interval_advice, is_none_where_the_scatter_exceeds_the_limit) {
-  EXPECT_EQ(adviseInterval(history({0, 0.1, -0.1, 0.1}, 0.01), {.limitPercent = 0.1}).years, 0);
-  EXPECT_EQ(adviseInterval(history({0, 0, 0, 0}, 0.1), {.limitPercent = 0.1}).years, 0);
+  EXPECT_EQ(adviseInterval(history({0, 0.1, -0.1, 0.1}, 0.01), 0.1).years, 0);
+  EXPECT_EQ(adviseInterval(history({0, 0, 0, 0}, 0.1), 0.1).years, 0);
 }
 
 TEST(interval_advice, takes_three_calibrations_and_a_limit) {
-  EXPECT_THROW((void)adviseInterval(history({0, 0.1}, 0.01), {.limitPercent = 0.1}),
-               calibration::BadData);
-  EXPECT_THROW((void)adviseInterval(history({0, 0.1, 0.1}, 0.01), {.limitPercent = 0}),
-               calibration::BadData);
+  EXPECT_THROW((void)adviseInterval(history({0, 0.1}, 0.01), 0.1), calibration::BadData);
+  EXPECT_THROW((void)adviseInterval(history({0, 0.1, 0.1}, 0.01), 0), calibration::BadData);
   auto mixed = history({0, 0.1, 0.1}, 0.01);
   mixed[2].years = 2000;
-  EXPECT_THROW((void)adviseInterval(mixed, {.limitPercent = 1}), calibration::BadData);
+  EXPECT_THROW((void)adviseInterval(mixed, 1), calibration::BadData);
   auto zero = history({0, 0.1, 0.1}, 0.01);
   zero[0].budget.value = 0;
-  EXPECT_THROW((void)adviseInterval(zero, {.limitPercent = 1}), calibration::BadData);
+  EXPECT_THROW((void)adviseInterval(zero, 1), calibration::BadData);
 }
 
 }  // namespace

@@ -35,7 +35,7 @@ TEST_F(bad_database, that_is_missing_is_not_made) {
 TEST_F(bad_database, that_is_empty) { expectRefused(write("curves.db", ""), "the file is empty"); }
 
 TEST_F(bad_database, that_is_no_database) {
-  expectRefused(write("curves.db", "hello, world\n"), "not a SQLite database");
+  expectRefused(write("curves.db", "hello, world\n"), "not an SQLite database");
 }
 
 TEST_F(bad_database, that_is_a_folder) { expectRefused(scratch.path().string(), "it is a folder"); }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/file_bytes.h"
 #include "tests/support/pseudo_terminal.h"
 #include "tests/support/scratch_folder.h"
 
@@ -29,12 +30,8 @@ struct CommandResult {
   [[nodiscard]] nlohmann::json json() const { return nlohmann::json::parse(output); }
 };
 
-inline std::string contentsOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-// Working files of one test, its curve database and the example data.
+// Working files of one test, its curve database and the example data. What many tests begin with is
+// made once in a process and copied then.
 class CommandTest : public testing::Test {
  protected:
   using Arguments = std::vector<std::string>;
@@ -42,7 +39,7 @@ class CommandTest : public testing::Test {
   [[nodiscard]] CommandResult run(const Arguments& arguments) const {
     const std::string error = scratch.file("stderr.txt");
     CommandResult result = run(arguments, " 2>" + quoted(error) + " </dev/null");
-    result.error = contentsOf(error);
+    result.error = bytesOf(error);
     return result;
   }
   // Runs a command with an operator at the terminal; `error` is what the terminal shows.
@@ -69,7 +66,27 @@ class CommandTest : public testing::Test {
     return result.error;
   }
 
-  void init() const { done({"init", curves}); }
+  // An empty curve database.
+  void init() const {
+    static std::string bytes;
+    if (bytes.empty()) {
+      done({"init", curves});
+      bytes = bytesOf(curves);
+    } else {
+      write("curves.db", bytes);
+    }
+  }
+  // A curve database with the example meter, imported and fitted by one `calibrate`.
+  void initCalibrated() const {
+    static std::string bytes;
+    if (bytes.empty()) {
+      init();
+      done(twoFluids());
+      bytes = bytesOf(curves);
+    } else {
+      write("curves.db", bytes);
+    }
+  }
   Arguments calibration(const std::string& stand, const Arguments& more = {}) const {
     Arguments arguments{"calibrate", curves, "--meter", "M1", "--stand", stand};
     arguments.insert(arguments.end(), more.begin(), more.end());
@@ -107,7 +124,7 @@ class CommandTest : public testing::Test {
     const std::string output = scratch.file("stdout" + std::to_string(++calls_) + ".txt");
     line += " >" + quoted(output) + redirects;
     const int status = std::system(line.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentsOf(output), {}};
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, bytesOf(output), {}};
   }
   mutable std::atomic<int> calls_ = 0;
 

@@ -76,7 +76,7 @@ TEST_F(command_line, has_colour_on_a_terminal_unless_the_user_wants_none) {
     const std::string line =
         "script -qec '" + program + "' " + scratch.file("terminal") + " >/dev/null 2>&1";
     EXPECT_NE(std::system(line.c_str()), 0);
-    return contentsOf(scratch.file("terminal"));
+    return bytesOf(scratch.file("terminal"));
   };
   EXPECT_THAT(onTerminal("-u NO_COLOR TERM=xterm"), HasSubstr("\033[1;31mpelmora: error:\033[0m"));
   EXPECT_THAT(onTerminal("NO_COLOR=1 TERM=xterm"), testing::Not(HasSubstr("\033[")));
@@ -145,8 +145,7 @@ TEST_F(command_line, shows_an_empty_database) {
 }
 
 TEST_F(command_line, shows_the_report_as_it_is_stored) {
-  init();
-  done(twoFluids());
+  initCalibrated();
   const CommandResult text = done({"show", curves, "--meter", "M1", "--series", "Rotor A"});
   EXPECT_THAT(text.output,
               AllOf(HasSubstr("Meter Serial Number: M1"), HasSubstr("Band Percentage = 0.3%")));
@@ -162,7 +161,7 @@ TEST_F(command_line, fails_where_its_output_cannot_be_written) {
                            "' >/dev/full 2>'" + scratch.file("error.txt") + "'";
   const int status = std::system(line.c_str());
   EXPECT_EQ(WEXITSTATUS(status), 1);
-  EXPECT_THAT(contentsOf(scratch.file("error.txt")), HasSubstr("cannot be written"));
+  EXPECT_THAT(bytesOf(scratch.file("error.txt")), HasSubstr("cannot be written"));
 }
 
 }  // namespace

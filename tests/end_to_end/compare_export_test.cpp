@@ -78,10 +78,7 @@ TEST_F(compare, has_a_table_of_80_columns) {
 
 class export_points : public CommandTest {
  protected:
-  export_points() {
-    init();
-    done(twoFluids());
-  }
+  export_points() { initCalibrated(); }
 };
 
 TEST_F(export_points, writes_every_digit_and_brings_it_back) {

@@ -40,6 +40,11 @@ TEST_F(copy_command, says_what_is_in_the_way) {
   EXPECT_THAT(trouble(3, {"copy", curves, target(), "--meter", "M1", "--new-ids"}),
               HasSubstr("already has meter 'M1', calibration 0"));
   EXPECT_THAT(trouble(4, {"copy", curves, target(), "--meter", "M9"}), HasSubstr("M9"));
+  const std::string others = scratch.file("others.db");
+  done({"init", others});
+  PlainSqlite(others).run("INSERT INTO meter VALUES (1, 'N', 'N', 0)");
+  EXPECT_THAT(trouble(3, {"copy", curves, others, "--meter", "M1"}),
+              HasSubstr("give the rows new ids with --new-ids"));
   EXPECT_THAT(trouble(5, {"copy", curves, curves}), HasSubstr("cannot be copied into itself"));
 }
 

@@ -41,8 +41,7 @@ TEST_F(curve_settings, are_kept_by_calibrate_for_each_series) {
 }
 
 TEST_F(curve_settings, are_those_of_the_last_fit_with_its_range_and_equations) {
-  init();
-  done(twoFluids());
+  initCalibrated();
   const std::string equations = write("own.txt", "Third order\ta+b*ln(x)+c*ln(x)^2+d*ln(x)^3\n");
   done({"fit", curves, "--meter", "M1", "--series", "Rotor A", "--min", "20", "--max", "900",
         "--band", "1", "--equations", equations, "--ignore-residuals"});
@@ -53,8 +52,7 @@ TEST_F(curve_settings, are_those_of_the_last_fit_with_its_range_and_equations) {
 }
 
 TEST_F(curve_settings, stay_where_no_equation_passes) {
-  init();
-  done(twoFluids());
+  initCalibrated();
   const std::string query = "select * from pelmora_fit_settings order by SeriesID";
   const auto before = rows(query);
   ASSERT_EQ(before.size(), 4U);

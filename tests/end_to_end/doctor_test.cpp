@@ -16,8 +16,7 @@ using testing::HasSubstr;
 class doctor : public CommandTest {
  protected:
   doctor() {
-    init();
-    done(twoFluids());
+    initCalibrated();
     done({"raw", curves, write("p.csv", "1,2\n3,4\n5,6\n"), "--meter", "P", "--register",
           "--series", "S"});
   }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iomanip>
 #include <sstream>
 
 namespace pelmora::test {
@@ -48,6 +49,15 @@ class drift : public CommandTest {
     return arguments;
   }
 };
+
+TEST_F(drift, goes_by_the_day_of_the_measurements_where_it_is_recorded) {
+  calibrate(0, "2023-06-01", true);
+  calibrate(0.1, "2024-09-30");
+  done({"meter", "set", curves, "--meter", "M1", "--date", "2024-06-01"});
+  const json value = done(of({"--at", "100", "--json"})).json();
+  EXPECT_EQ(value["calibrations"][0]["date"], "2023-06-01");
+  EXPECT_EQ(value["calibrations"][1]["date"], "2024-06-01");
+}
 
 // More flow for the same pulses: Strouhal falls by 1 - 1 / 1.005.
 TEST_F(drift, shows_the_shift_of_each_calibration_with_its_uncertainty) {
@@ -97,10 +107,16 @@ TEST_F(drift, is_drawn_as_a_page_and_as_a_picture) {
   calibrate(0, "2023-06-01", true);
   calibrate(0.1, "2024-06-01");
   const std::string page = scratch.file("d.html"), picture = scratch.file("d.svg");
-  done(of({"-o", page}));
-  EXPECT_THAT(contentsOf(page), AllOf(HasSubstr("<svg"), HasSubstr("no. 1, "), HasSubstr("En")));
+  const json shift = done(of({"--at", "100", "-o", page, "--json"}))
+                         .json()["places"][0]["values"][1]["sincePrevious"];
+  std::ostringstream en;
+  en << std::setprecision(2) << shift["en"].get<double>();
+  EXPECT_THAT(bytesOf(page),
+              AllOf(HasSubstr("<svg"), HasSubstr(">no. 1, 2024-06-01</text>"),
+                    HasSubstr("<th scope=col>En<"), HasSubstr("<th scope=row>1 2024-06-01<td>"),
+                    HasSubstr("<td>" + en.str() + "<")));
   done(of({"-o", picture}));
-  EXPECT_TRUE(contentsOf(picture).starts_with("<svg"));
+  EXPECT_TRUE(bytesOf(picture).starts_with("<svg"));
   EXPECT_THAT(trouble(2, of({"-o", scratch.file("d.png")})), HasSubstr(".svg"));
 }
 
@@ -122,7 +138,17 @@ TEST_F(drift, of_two_calibrations_is_judged_by_compare) {
   asJson.emplace_back("--json");
   const json same = done(asJson).json();
   EXPECT_FALSE(same["significant"].get<bool>());
-  EXPECT_TRUE(same["warnings"].is_array());
+  json warnings = json::array();
+  for (const std::string number : {"1", "2"}) {
+    const json fit = done({"fit", curves, "--meter", "M1", "--calibration", number, "--series",
+                           "Rotor A", "--json"})
+                         .json();
+    for (const json& warning : fit["warnings"])
+      warnings.push_back("calibration " + number + ": " + warning["text"].get<std::string>());
+  }
+  EXPECT_FALSE(warnings.empty());
+  EXPECT_EQ(same["warnings"], warnings);
+  EXPECT_THAT(done(compare).output, HasSubstr("Warning, calibration 2: "));
 }
 
 }  // namespace

@@ -13,10 +13,7 @@ using testing::HasSubstr;
 
 class evaluate : public CommandTest {
  protected:
-  evaluate() {
-    init();
-    done(twoFluids());
-  }
+  evaluate() { initCalibrated(); }
   Arguments of(const std::string& series, const Arguments& more) const {
     Arguments arguments{"evaluate", curves, "--meter", "M1", "--series", series};
     arguments.insert(arguments.end(), more.begin(), more.end());

@@ -183,7 +183,7 @@ TEST_F(fit_choice, says_that_the_range_crops_the_table_alone) {
   const Arguments range{"--min", "20", "--max", "500"};
   EXPECT_EQ(fitted(range)["fittedPoints"], 41);
   const std::string text = done(command("fit", range)).output;
-  EXPECT_THAT(text, HasSubstr("cropped: 14 points beyond it are fitted all the same"));
+  EXPECT_THAT(text, HasSubstr("cropped: 14 points beyond it are fitted anyway"));
   EXPECT_THAT(done(command("fit", {"--fit-min", "20"})).output, Not(HasSubstr("cropped")));
 }
 

@@ -14,10 +14,7 @@ using testing::HasSubstr;
 
 class flow_table : public CommandTest {
  protected:
-  flow_table() {
-    init();
-    done(twoFluids());
-  }
+  flow_table() { initCalibrated(); }
   Arguments of(const std::string& series, const Arguments& more) const {
     Arguments arguments{"export", curves, "--meter", "M1", "--series", series};
     arguments.insert(arguments.end(), more.begin(), more.end());
@@ -28,7 +25,7 @@ class flow_table : public CommandTest {
     Arguments arguments = of(series, more);
     arguments.insert(arguments.end(), {"-o", file});
     done(arguments);
-    return json::parse(contentsOf(file));
+    return json::parse(bytesOf(file));
   }
   json valuesAt(const std::string& series, const std::vector<double>& roshko,
                 const Arguments& more = {}) const {
@@ -92,7 +89,7 @@ TEST_F(flow_table, is_written_as_the_name_of_the_file_says) {
     Arguments arguments = of("Rotor A", {"--for", "roshko", "--points", "10", "-o", file});
     arguments.insert(arguments.end(), more.begin(), more.end());
     EXPECT_THAT(done(arguments).output, AllOf(HasSubstr(name), HasSubstr("reading error")));
-    return contentsOf(file);
+    return bytesOf(file);
   };
   EXPECT_TRUE(written("t.xlsx").starts_with("PK"));
   const std::string csv = written("t.csv", {"--separator", "semicolon", "--decimal", "comma"});
@@ -111,7 +108,7 @@ TEST_F(flow_table, is_written_as_the_name_of_the_file_says) {
 TEST_F(flow_table, of_points_alone_takes_the_same_names_and_signs) {
   const std::string file = scratch.file("points.xlsx");
   done({"export", curves, "--meter", "M1", "--points", "curve", "-o", file});
-  EXPECT_TRUE(contentsOf(file).starts_with("PK"));
+  EXPECT_TRUE(bytesOf(file).starts_with("PK"));
   EXPECT_THAT(trouble(2, {"export", curves, "--meter", "M1", "-o", scratch.file("points.txt")}),
               HasSubstr(".csv"));
 }

@@ -73,10 +73,10 @@ TEST_F(history_commands, restore_and_undo_the_restoring) {
 }
 
 TEST_F(history_commands, restore_in_a_dry_run_changes_nothing) {
-  const std::string before = contentsOf(curves);
+  const std::string before = bytesOf(curves);
   EXPECT_THAT(done({"restore", curves, "1", "--dry-run"}).output,
               AllOf(HasSubstr("raw part 1"), HasSubstr("nothing was changed")));
-  EXPECT_EQ(contentsOf(curves), before);
+  EXPECT_EQ(bytesOf(curves), before);
 }
 
 TEST_F(history_commands, restore_names_what_it_cannot_do) {
@@ -127,12 +127,12 @@ TEST_F(history_commands, delete_a_calibration_or_a_whole_meter) {
 }
 
 TEST_F(history_commands, delete_says_what_would_go) {
-  const std::string before = contentsOf(curves);
+  const std::string before = bytesOf(curves);
   const auto value =
       done({"delete", curves, "--meter", "P", "--series", "S", "--dry-run", "--json"}).json();
   EXPECT_EQ(value["deleted"][0]["rows"]["raw1"], 1);
   EXPECT_EQ(value["dryRun"], true);
-  EXPECT_EQ(contentsOf(curves), before);
+  EXPECT_EQ(bytesOf(curves), before);
 }
 
 TEST_F(history_commands, delete_needs_to_be_told_what) {
@@ -159,7 +159,7 @@ class asked_on_a_terminal : public history_commands {
 TEST_F(asked_on_a_terminal, delete_goes_on_with_yes_alone) {
   const auto before = raw();
   EXPECT_EQ(answerWith("n"), 8);
-  EXPECT_THAT(contentsOf(scratch.file("terminal")),
+  EXPECT_THAT(bytesOf(scratch.file("terminal")),
               AllOf(HasSubstr("Delete this? [y/N]"), HasSubstr("not confirmed")));
   EXPECT_EQ(answerWith(""), 8);
   EXPECT_EQ(raw(), before);
@@ -169,7 +169,7 @@ TEST_F(asked_on_a_terminal, delete_goes_on_with_yes_alone) {
 }
 
 TEST_F(history_commands, delete_asks_nobody_who_is_not_there) {
-  const std::string before = contentsOf(curves);
+  const std::string before = bytesOf(curves);
   for (const Arguments& more : std::vector<Arguments>{{}, {"--no-input"}}) {
     Arguments arguments{"delete", curves, "--meter", "P", "--series", "S"};
     arguments.insert(arguments.end(), more.begin(), more.end());
@@ -177,7 +177,7 @@ TEST_F(history_commands, delete_asks_nobody_who_is_not_there) {
   }
   EXPECT_THAT(trouble(2, {"delete", curves, "--meter", "P", "--series", "S", "--json"}),
               HasSubstr("--yes"));
-  EXPECT_EQ(contentsOf(curves), before);
+  EXPECT_EQ(bytesOf(curves), before);
 }
 
 TEST_F(history_commands, prune_old_entries) {

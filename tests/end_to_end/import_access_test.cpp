@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/end_to_end/command.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <map>
 
@@ -19,7 +21,7 @@ class import_access_command : public CommandTest {
   // A copy of the file in which the first page with rows of raw1 is zeros. Such a page begins with
   // the bytes 1, 1 and names the page that defines its table: for raw1, page 60.
   [[nodiscard]] std::string damagedFile() const {
-    std::string bytes = contentsOf(accessFile("curves.mdb"));
+    std::string bytes = bytesOf(accessFile("curves.mdb"));
     for (std::size_t at = 0; at < bytes.size(); at += 4096) {
       if (bytes.compare(at, 2, "\x01\x01") != 0) continue;
       if (bytes.compare(at + 4, 4, std::string("\x3C\0\0\0", 4)) != 0) continue;
@@ -102,7 +104,7 @@ TEST_F(import_access_command, shows_what_a_file_without_a_curve_database_holds) 
 
 TEST_F(import_access_command, leaves_nothing_behind_if_it_cannot_read_the_file) {
   EXPECT_THAT(trouble(5, {"import-access", accessFile("stand.mdb"), curves}),
-              HasSubstr("holds no curve database"));
+              HasSubstr("does not contain a curve database"));
   EXPECT_THAT(trouble(5, {"import-access", write("text.mdb", "no database"), curves}),
               HasSubstr("Unrecognized database format"));
   EXPECT_THAT(trouble(3, {"import-access", scratch.file("missing.mdb"), curves}),
@@ -110,12 +112,24 @@ TEST_F(import_access_command, leaves_nothing_behind_if_it_cannot_read_the_file) 
   EXPECT_FALSE(std::filesystem::exists(curves));
 }
 
+TEST_F(import_access_command, says_that_a_path_names_a_folder_or_a_pipe) {
+  const std::string pipe = scratch.file("pipe");
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_THAT(trouble(3, {"import-access", scratch.path().string(), curves}),
+              HasSubstr("it is a folder. Name the file inside it"));
+  for (const std::string& path : {pipe, std::string("/dev/zero")}) {
+    EXPECT_THAT(trouble(3, {"import-access", path, curves}),
+                HasSubstr("Could not open '" + path + "': it is not a regular file."));
+  }
+  EXPECT_FALSE(std::filesystem::exists(curves));
+}
+
 TEST_F(import_access_command, does_not_mix_two_databases) {
   done({"import-access", accessFile("curves.mdb"), curves});
-  const std::string before = contentsOf(curves);
+  const std::string before = bytesOf(curves);
   EXPECT_THAT(trouble(3, {"import-access", accessFile("curves.mdb"), curves}),
               HasSubstr("already holds rows"));
-  EXPECT_EQ(contentsOf(curves), before);
+  EXPECT_EQ(bytesOf(curves), before);
 }
 
 TEST_F(import_access_command, access_file_is_a_curve_database_to_read) {
@@ -137,7 +151,7 @@ TEST_F(import_access_command, access_file_is_a_curve_database_to_read) {
 }
 
 TEST_F(import_access_command, change_of_an_access_file_is_refused_with_what_to_do) {
-  const std::string bytes = contentsOf(accessFile("curves.mdb"));
+  const std::string bytes = bytesOf(accessFile("curves.mdb"));
   const std::string file = write("old.mdb", bytes);
   const Arguments series{"--meter", "TF-10021", "--series", "TF-10021 recal 2"};
   for (const char* command : {"fit", "delete"}) {
@@ -148,7 +162,7 @@ TEST_F(import_access_command, change_of_an_access_file_is_refused_with_what_to_d
                                              HasSubstr("'pelmora import-access'")))
         << command;
   }
-  EXPECT_EQ(contentsOf(file), bytes);
+  EXPECT_EQ(bytesOf(file), bytes);
 }
 
 TEST_F(import_access_command, damaged_access_file_is_refused_as_a_database) {

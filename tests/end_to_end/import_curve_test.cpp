@@ -34,9 +34,9 @@ class import_curve : public CommandTest {
   // A refused file stays, and nothing in the database changes.
   void expectRefused(int exitCode, const std::string& file, const std::string& why) const {
     const auto before = stored();
-    const std::string contents = contentsOf(file);
+    const std::string contents = bytesOf(file);
     EXPECT_THAT(trouble(exitCode, command(file)), HasSubstr(why));
-    EXPECT_EQ(contentsOf(file), contents);
+    EXPECT_EQ(bytesOf(file), contents);
     EXPECT_FALSE(std::filesystem::exists(file + ".sav"));
     EXPECT_EQ(stored(), before);
   }
@@ -47,7 +47,7 @@ TEST_F(import_curve, stores_the_points_and_keeps_the_file_under_another_name) {
   EXPECT_THAT(done(command(file)).output,
               AllOf(HasSubstr("Read 2 points"), HasSubstr("results.txt.sav")));
   EXPECT_FALSE(std::filesystem::exists(file));
-  EXPECT_THAT(contentsOf(file + ".sav"), HasSubstr("20.5 6"));
+  EXPECT_THAT(bytesOf(file + ".sav"), HasSubstr("20.5 6"));
   EXPECT_THAT(stored().dump(), AllOf(HasSubstr("10.25"), HasSubstr("20.5")));
 }
 
@@ -90,8 +90,8 @@ TEST_F(import_curve, never_renames_over_an_older_file) {
   write("results.txt.sav", "the first");
   std::filesystem::create_symlink("nowhere", file + ".sav.1");
   EXPECT_EQ(done(json(command(file))).json()["keptFile"], file + ".sav.2");
-  EXPECT_EQ(contentsOf(file + ".sav"), "the first");
-  EXPECT_THAT(contentsOf(file + ".sav.2"), HasSubstr("20 6"));
+  EXPECT_EQ(bytesOf(file + ".sav"), "the first");
+  EXPECT_THAT(bytesOf(file + ".sav.2"), HasSubstr("20 6"));
   EXPECT_FALSE(std::filesystem::exists(file));
 }
 

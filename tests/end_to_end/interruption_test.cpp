@@ -158,9 +158,9 @@ TEST_F(refit_interruption, tells_how_many_series_are_stored) {
   EXPECT_EQ(command.end(), 143);
   const std::int64_t stored = storedCurves();
   EXPECT_LT(stored, seriesCount);
-  EXPECT_EQ(contentsOf(error), "pelmora: error: interrupted: " + std::to_string(stored) + " of " +
-                                   std::to_string(seriesCount) +
-                                   " series are stored, the others are unchanged\n");
+  EXPECT_EQ(bytesOf(error), "pelmora: error: interrupted: " + std::to_string(stored) + " of " +
+                                std::to_string(seriesCount) +
+                                " series are stored, the others are unchanged\n");
   EXPECT_EQ(query("SELECT count(*) FROM pragma_integrity_check WHERE integrity_check = 'ok'"), 1);
 }
 

@@ -41,8 +41,7 @@ std::string dump(const std::string& path) {
 class kept_data : public CommandTest {
  protected:
   kept_data() {
-    init();
-    done(twoFluids());
+    initCalibrated();
     done({"raw", curves, write("p.csv", "1,2\n3,4\n5,6\n"), "--meter", "P", "--register",
           "--series", "S"});
   }
@@ -100,14 +99,14 @@ TEST_F(kept_data, is_none_where_nothing_was_replaced) {
 
 TEST_F(kept_data, dry_runs_say_the_same_and_change_nothing) {
   for (const Arguments& change : changes()) {
-    const std::string before = contentsOf(curves);
+    const std::string before = bytesOf(curves);
     const auto dry = done(with(with(change, "--dry-run"), "--json")).json();
     EXPECT_EQ(dry["dryRun"], true) << change[0];
     EXPECT_EQ(dry["historyEntries"].size(), 0U) << change[0];
     EXPECT_THAT(done(with(change, "--dry-run")).output,
                 AllOf(HasSubstr("nothing was changed"), Not(HasSubstr("Stored"))))
         << change[0];
-    EXPECT_EQ(contentsOf(curves), before) << change[0];
+    EXPECT_EQ(bytesOf(curves), before) << change[0];
     auto wet = done(with(change, "--json")).json();
     wet["dryRun"] = true;
     wet["historyEntries"] = nlohmann::json::array();

@@ -48,8 +48,7 @@ class main_job : public CommandTest {
 };
 
 TEST_F(main_job, stores_curves_that_are_true_within_the_allowed_percentage) {
-  init();
-  done(twoFluids());
+  initCalibrated();
   expectTrue("Rotor A", trueCurve("roshko_a", "strouhal_a", false));
   expectTrue("Rotor B", trueCurve("roshko_b", "strouhal_b", false));
   expectTrue("Rotor Sum", trueCurve("roshko_sum", "quotient_b_over_a", true));
@@ -57,8 +56,7 @@ TEST_F(main_job, stores_curves_that_are_true_within_the_allowed_percentage) {
 }
 
 TEST_F(main_job, derives_the_series_of_both_fluids_as_the_exact_formulas_tell) {
-  init();
-  done(twoFluids());
+  initCalibrated();
   const auto rows = rowsOf(data("stand-dual-rotor-truth.csv"));
   std::map<std::string, std::size_t> column;
   for (std::size_t i = 0; i < rows.front().size(); ++i) column[rows.front()[i]] = i;
@@ -85,8 +83,7 @@ TEST_F(main_job, derives_the_series_of_both_fluids_as_the_exact_formulas_tell) {
 }
 
 TEST_F(main_job, cuts_the_trailing_points_of_fluid_1) {
-  init();
-  done(twoFluids());
+  initCalibrated();
   const json found = stored("Rotor A");
   EXPECT_EQ(found["raw"][0].size() + found["raw"][1].size(), 48U);
   // Fluid 1's eight points below the end of fluid 2 read up to 7 % low.
@@ -135,8 +132,7 @@ TEST_F(main_job, writes_tables_of_80_columns) {
 }
 
 TEST_F(main_job, can_be_run_again_with_the_same_result) {
-  init();
-  done(twoFluids());
+  initCalibrated();
   const json first = stored("Rotor A");
   done(twoFluids());
   const json second = stored("Rotor A");
@@ -145,8 +141,7 @@ TEST_F(main_job, can_be_run_again_with_the_same_result) {
 }
 
 TEST_F(main_job, keeps_the_old_calibration_when_a_new_one_begins) {
-  init();
-  done(twoFluids());
+  initCalibrated();
   done(twoFluids({"--new-calibration"}));
   const json meters = done({"show", curves, "--json"}).json()["meters"];
   ASSERT_EQ(meters.size(), 2U);

@@ -24,12 +24,12 @@ class out_of_memory : public CommandTest {
 TEST_F(out_of_memory, ends_in_order_wherever_it_happens) {
   if (std::string(PELMORA_FAILING_MEMORY).empty()) GTEST_SKIP() << "a sanitizer owns the memory";
   init();
-  const std::string before = contentsOf(curves);
+  const std::string before = bytesOf(curves);
   // What is allocated before main() is no business of the program.
   long long allocations = 2000;
   int failures = 0;
   for (;; allocations += allocations / 4) {
-    ASSERT_EQ(contentsOf(curves), before);
+    ASSERT_EQ(bytesOf(curves), before);
     const CommandResult result = calibrateWith(allocations);
     if (result.exitCode == 0) break;
     ++failures;

@@ -47,6 +47,25 @@ TEST_F(points_command, names_the_bad_points_of_a_job_and_what_leaves_them_out) {
   std::string suggested = "pelmora exclude " + curves + " --meter M1 --series 'Rotor A' --part 1";
   for (const int number : bad) suggested += " --point " + std::to_string(number);
   EXPECT_THAT(rotorA("points").output, HasSubstr(suggested + " --reason 'up to "));
+
+  // The default rule fits without them, and every list says so.
+  (void)rotorA("fit");
+  const auto fitted = rotorA("points", {"--json"}).json();
+  for (const auto& point : fitted["points"]) {
+    const bool isBad = std::count(bad.begin(), bad.end(), point["number"].get<int>()) > 0;
+    EXPECT_EQ(point["state"], isBad ? "distrusted" : "used") << point;
+  }
+  const std::string text = rotorA("points").output;
+  EXPECT_THAT(text, HasSubstr("24 points, 2 distrusted"));
+  EXPECT_THAT(text, HasSubstr("curve was fitted without it"));
+  EXPECT_THAT(text, HasSubstr(suggested + " --reason 'up to "));
+  EXPECT_THAT(rotorA("plot", {"--ascii"}).output, HasSubstr("d distrusted, not fitted"));
+  const auto report = done({"report", curves, "--meter", "M1", "-o", "-", "--json"}).json();
+  for (const auto& series : report["series"]) {
+    if (series["name"] != "Rotor A") continue;
+    EXPECT_EQ(series["result"]["used"], 22) << series["result"];
+    EXPECT_EQ(series["result"]["distrusted"], 2) << series["result"];
+  }
 }
 
 TEST_F(points_command, excluded_points_are_listed_with_their_reason_until_they_are_included) {

@@ -14,10 +14,7 @@ using testing::IsEmpty;
 
 class report_command : public CommandTest {
  protected:
-  void SetUp() override {
-    init();
-    done(twoFluids());
-  }
+  void SetUp() override { initCalibrated(); }
   Arguments report(const std::string& file, const Arguments& more = {}) const {
     Arguments arguments{"report", curves, "--meter", "M1", "-o", file};
     arguments.insert(arguments.end(), more.begin(), more.end());
@@ -44,16 +41,15 @@ class report_command : public CommandTest {
 
 TEST_F(report_command, writes_the_format_of_the_extension) {
   EXPECT_THAT(done(report(scratch.file("r.HTML"))).output, HasSubstr("4 series"));
-  EXPECT_TRUE(contentsOf(scratch.file("r.HTML")).starts_with("<!DOCTYPE html>"));
+  EXPECT_TRUE(bytesOf(scratch.file("r.HTML")).starts_with("<!DOCTYPE html>"));
   done(report(scratch.file("r.json")));
-  EXPECT_EQ(nlohmann::json::parse(contentsOf(scratch.file("r.json")))["schema"],
-            "pelmora-report/1");
+  EXPECT_EQ(nlohmann::json::parse(bytesOf(scratch.file("r.json")))["schema"], "pelmora-report/1");
   done(report(scratch.file("r.csv")));
-  EXPECT_TRUE(contentsOf(scratch.file("r.csv")).starts_with("table,"));
+  EXPECT_TRUE(bytesOf(scratch.file("r.csv")).starts_with("table,"));
   done(report(scratch.file("r.xlsx")));
-  EXPECT_TRUE(contentsOf(scratch.file("r.xlsx")).starts_with("PK"));
+  EXPECT_TRUE(bytesOf(scratch.file("r.xlsx")).starts_with("PK"));
   done(report(scratch.file("r.svg")));
-  EXPECT_TRUE(contentsOf(scratch.file("r.svg")).starts_with("<?xml"));
+  EXPECT_TRUE(bytesOf(scratch.file("r.svg")).starts_with("<?xml"));
 }
 
 TEST_F(report_command, writes_to_standard_output) {
@@ -73,15 +69,15 @@ TEST_F(report_command, refuses_what_is_no_file_to_write) {
   EXPECT_THAT(trouble(2, report(scratch.file("none/r.html"))),
               HasSubstr("folder that is not there"));
   EXPECT_THAT(trouble(2, report("/dev/null", {"--json"})), HasSubstr("is not a regular file"));
-  EXPECT_THAT(trouble(2, report(scratch.file("r.doc"))), HasSubstr("does not tell a format"));
+  EXPECT_THAT(trouble(2, report(scratch.file("r.doc"))), HasSubstr("has no ending of a report"));
   EXPECT_THAT(trouble(2, report(scratch.file("r"), {"--json", "--csv"})),
               HasSubstr("exclude each other"));
 }
 
 TEST_F(report_command, never_writes_over_its_database) {
-  const std::string before = contentsOf(curves);
+  const std::string before = bytesOf(curves);
   EXPECT_THAT(trouble(2, report(curves, {"--json"})), HasSubstr("is the curve database"));
-  EXPECT_EQ(contentsOf(curves), before);
+  EXPECT_EQ(bytesOf(curves), before);
 }
 
 TEST_F(report_command, knows_the_names_that_there_are) {
@@ -93,7 +89,7 @@ TEST_F(report_command, replaces_a_file_as_a_whole_and_keeps_its_rights) {
   const std::string file = write("r.json", "old");
   ASSERT_EQ(chmod(file.c_str(), 0640), 0);
   done(report(file));
-  EXPECT_TRUE(nlohmann::json::accept(contentsOf(file)));
+  EXPECT_TRUE(nlohmann::json::accept(bytesOf(file)));
   struct stat state {};
   ASSERT_EQ(stat(file.c_str(), &state), 0);
   EXPECT_EQ(state.st_mode & 0777U, 0640U);
@@ -105,7 +101,7 @@ TEST_F(report_command, replaces_a_file_as_a_whole_and_keeps_its_rights) {
 TEST_F(report_command, leaves_the_old_file_where_the_report_fails) {
   const std::string file = write("r.json", "old");
   trouble(4, report(file, {"--series", "none"}));
-  EXPECT_EQ(contentsOf(file), "old");
+  EXPECT_EQ(bytesOf(file), "old");
 }
 
 TEST_F(report_command, repeats_a_fit_by_the_settings_that_were_kept) {

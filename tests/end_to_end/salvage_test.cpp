@@ -79,13 +79,12 @@ class salvage : public CommandTest {
   static void TearDownTestSuite() { folder_.reset(); }
   void SetUp() override {
     if (!std::filesystem::exists(original_)) makeOriginal();
-    bytes_ = contentsOf(original_);
+    bytes_ = bytesOf(original_);
     expected_ = Reader(original_).tables();
   }
 
   void makeOriginal() const {
-    init();
-    done(twoFluids());
+    initCalibrated();
     done({"delete", curves, "--meter", "M1", "--series", "Ratio", "--yes"});
     std::mt19937 random(7);
     std::uniform_real_distribution<double> number(1, 5000);
@@ -242,7 +241,7 @@ TEST_F(salvage, never_writes_over_a_file_and_leaves_nothing_behind_where_it_fail
   const std::string there = write("there.db", "precious");
   EXPECT_THAT(trouble(3, {"doctor", write("d.db", bytes_), "--salvage", there}),
               HasSubstr("exists"));
-  EXPECT_EQ(contentsOf(there), "precious");
+  EXPECT_EQ(bytesOf(there), "precious");
   const std::string text = write("text.txt", "this never was a database");
   EXPECT_THAT(trouble(3, {"doctor", text, "--salvage", scratch.file("new.db")}),
               HasSubstr("nothing in the file"));

@@ -11,8 +11,7 @@ using testing::HasSubstr;
 class bad_stand : public CommandTest {
  protected:
   bad_stand() {
-    init();
-    done(twoFluids());
+    initCalibrated();
     before = show();
   }
   ~bad_stand() override { EXPECT_EQ(show(), before) << "what was stored has changed"; }
@@ -110,7 +109,7 @@ TEST_F(bad_stand, same_fluid_twice) {
   EXPECT_THAT(
       trouble(2, {"import", curves, "--meter", "M1", "--stand", data("stand-dual-rotor.csv"),
                   "--job", "1001", "--fluid", "oil", "--job", "1007", "--fluid", "OIL"}),
-      HasSubstr("there twice"));
+      HasSubstr("appears twice"));
 }
 
 TEST_F(bad_stand, fifth_fluid) {

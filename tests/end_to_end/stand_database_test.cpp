@@ -55,9 +55,9 @@ TEST_F(stand_database, gives_the_same_points_as_its_export) {
 }
 
 TEST_F(stand_database, is_only_read) {
-  const std::string before = contentsOf(stand);
+  const std::string before = bytesOf(stand);
   done(import());
-  EXPECT_EQ(contentsOf(stand), before);
+  EXPECT_EQ(bytesOf(stand), before);
 }
 
 TEST_F(stand_database, with_a_null_or_a_text_is_refused) {

@@ -11,10 +11,7 @@ using testing::HasSubstr;
 
 class stand_uncertainty : public CommandTest {
  protected:
-  stand_uncertainty() {
-    init();
-    done(twoFluids());
-  }
+  stand_uncertainty() { initCalibrated(); }
   Arguments stand(const Arguments& more = {}) const {
     Arguments arguments{"stand", "uncertainty", curves, "--meter", "M1"};
     arguments.insert(arguments.end(), more.begin(), more.end());

@@ -16,8 +16,8 @@ class standard_output : public CommandTest {
     const std::string line = "{ '" PELMORA_PROGRAM "' " + arguments + "; echo $? >'" + code +
                              "'; } 2>'" + error + "' " + redirect;
     EXPECT_EQ(std::system(line.c_str()), 0);
-    EXPECT_EQ(contentsOf(code), "1\n") << arguments << redirect;
-    const std::string text = contentsOf(error);
+    EXPECT_EQ(bytesOf(code), "1\n") << arguments << redirect;
+    const std::string text = bytesOf(error);
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1) << text;
     return text;
   }
@@ -63,7 +63,7 @@ TEST_F(standard_output, that_is_closed_never_lands_in_a_file) {
   const std::string line =
       "'" PELMORA_PROGRAM "' export '" + curves + "' --meter P -o '" + report + "' >&- 2>&- <&-";
   EXPECT_EQ(std::system(line.c_str()), 0);
-  EXPECT_THAT(contentsOf(report), testing::StartsWith("series,points,roshko,strouhal\n"));
+  EXPECT_THAT(bytesOf(report), testing::StartsWith("series,points,roshko,strouhal\n"));
 }
 
 }  // namespace

@@ -46,7 +46,7 @@ class suggested_commands : public CommandTest {
         ("PATH='" + folder + "':\"$PATH\"; " + command + " >'" + output + "' 2>&1").c_str());
     CommandResult result;
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    result.output = contentsOf(output);
+    result.output = bytesOf(output);
     EXPECT_EQ(result.exitCode, 0) << command << "\n" << result.output;
     return result;
   }

@@ -13,10 +13,7 @@ constexpr double litresPerGallon = 3.785411784;
 
 class units : public CommandTest {
  protected:
-  units() {
-    init();
-    done(twoFluids());
-  }
+  units() { initCalibrated(); }
   void record() const {
     done({"meter", "set", curves, "--meter", "M1", "--roshko-unit", "Hz/cSt", "--strouhal-unit",
           "pulses/gal"});

@@ -37,7 +37,7 @@ class unreadable_series : public CommandTest {
   void sql(const std::string& statements) const { PlainSqlite(curves).run(statements); }
   // Overwrites the start of every page that holds the number, as a bad disk would.
   void damagePageOf(double number) const {
-    std::string content = contentsOf(curves), bytes;
+    std::string content = bytesOf(curves), bytes;
     const auto bits = std::bit_cast<std::uint64_t>(number);
     for (int shift = 56; shift >= 0; shift -= 8) bytes += static_cast<char>(bits >> shift & 0xff);
     constexpr std::size_t pageSize = 4096;

@@ -119,7 +119,7 @@ TEST_F(fluid_name, is_the_same_in_capitals_of_any_alphabet) {
            {"\u043c\u0430\u0441\u043b\u043e", "\u041c\u0410\u0421\u041b\u041e"}}) {
     EXPECT_THAT(trouble(2, import({"--job", "1001", "--fluid", small, "--job", "1002", "--fluid",
                                    capital})),
-                HasSubstr("there twice"));
+                HasSubstr("appears twice"));
     done(import({"--job", "1001", "--fluid", small, "--new-calibration"}));
     const auto again = done(import({"--job", "1002", "--fluid", capital})).json();
     ASSERT_EQ(again["setups"].size(), 1U) << "the second run replaces the first";

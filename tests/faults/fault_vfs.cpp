@@ -47,6 +47,10 @@ void FaultVfs::strike() {
     isOff_ = true;
 }
 
+std::mt19937 FaultVfs::chance() const {
+  return std::mt19937(plan_.seed * 7919 + static_cast<std::uint32_t>(plan_.at));
+}
+
 FaultVfs::Verdict FaultVfs::verdict() {
   if (isOff_) return Verdict::fail;
   if (calls_++ != plan_.at || plan_.kind == FaultKind::none) return Verdict::goOn;
@@ -128,7 +132,7 @@ int FaultVfs::write(sqlite3_file* file, const void* bytes, int size, sqlite3_int
     return SQLITE_IOERR_WRITE;
   }
   const bool isTorn = verdict == Verdict::tear;
-  if (isTorn) size = static_cast<int>(active->plan_.seed % static_cast<unsigned>(size));
+  if (isTorn) size = static_cast<int>(active->chance()() % static_cast<unsigned>(size));
   change.bytes.resize(static_cast<std::size_t>(size));
   note(own, std::move(change));
   const int code =
@@ -226,7 +230,7 @@ std::string FaultVfs::survivorOf(const Inode& inode, std::mt19937& random) {
 }
 
 void FaultVfs::losePower() {
-  std::mt19937 random(plan_.seed * 7919 + static_cast<std::uint32_t>(plan_.at));
+  std::mt19937 random = chance();
   for (const auto& [path, entry] : entries_) {
     const Inode* const inode = entry[random() % entry.size()];
     std::filesystem::remove(path);

@@ -83,6 +83,8 @@ class FaultVfs {
   static sqlite3_io_methods methods();
 
   [[nodiscard]] Verdict verdict();
+  // The same numbers for the same plan.
+  [[nodiscard]] std::mt19937 chance() const;
   static void note(File& file, Change change);
   Inode* inodeOf(const std::string& path);
   void syncFolder();

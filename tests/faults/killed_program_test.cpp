@@ -24,6 +24,7 @@ class killed_program : public testing::Test {
   // Ends like the program: by itself, or by the signal.
   [[nodiscard]] int run(const std::string& arguments, long killAt) const {
     const std::string line = "exec env PELMORA_TEST_KILL_AT=" + std::to_string(killAt) +
+                             " PELMORA_TEST_KILL_SEED=" + std::to_string(faultSeed()) +
                              " LD_PRELOAD='" + PELMORA_KILLING_CALLS + "' '" + PELMORA_PROGRAM +
                              "' " + arguments + " >/dev/null 2>&1";
     return std::system(line.c_str());
@@ -55,7 +56,8 @@ class killed_program : public testing::Test {
     }
     ASSERT_GT(kills, 10U);
     std::cout << "| " << arguments.substr(0, arguments.find(' ')) << " | " << kills << " | "
-              << kills - changed << " | " << changed << " | 0 |\n";
+              << kills << " | " << kills - changed << " | " << changed << " | 0 |\n"
+              << std::flush;
   }
   [[nodiscard]] std::string curves() const { return "'" + path_ + "'"; }
 

@@ -1,5 +1,6 @@
 // Loaded in front of a program, this ends it with SIGKILL at one of its calls that change or lock
-// files. The environment has the number of the call; if it is a write, half of it is done.
+// files. The environment has the number of the call; if it is a write, a part of it is done, which
+// another number chooses.
 // SPDX-License-Identifier: MIT
 #ifndef _GNU_SOURCE
 #define _GNU_SOURCE
@@ -17,11 +18,13 @@ namespace {
 
 std::atomic<long> calls{0};
 
+long given(const char* name) {
+  const char* text = std::getenv(name);
+  return text == nullptr ? -1 : std::atol(text);
+}
+
 bool isTime() {
-  static const long number = [] {
-    const char* text = std::getenv("PELMORA_TEST_KILL_AT");
-    return text == nullptr ? -1 : std::atol(text);
-  }();
+  static const long number = given("PELMORA_TEST_KILL_AT");
   return calls++ == number;
 }
 
@@ -39,7 +42,9 @@ extern "C" {
 ssize_t pwrite64(int file, const void* bytes, size_t size, off64_t at) {
   static auto* const real = next<ssize_t(int, const void*, size_t, off64_t)>("pwrite64");
   if (isTime()) {
-    (void)real(file, bytes, size / 2, at);
+    const auto chosen = static_cast<size_t>(given("PELMORA_TEST_KILL_SEED") + 1) * 7919 +
+                        static_cast<size_t>(calls.load()) * 104729;
+    (void)real(file, bytes, chosen % (size + 1), at);
     end();
   }
   return real(file, bytes, size, at);

@@ -52,6 +52,18 @@ TEST_F(history_entries, of_a_series_count_its_rows_alone) {
   EXPECT_EQ(entries(curves.connection)[2].rowsOf("raw1"), 4U);
 }
 
+TEST_F(history_entries, count_their_rows_however_many_there_are) {
+  constexpr std::size_t many = 60;
+  for (std::size_t i = 0; i < many; ++i)
+    (void)change("fit", fittedCurve(1, 1), {}, "2026-01-01T00:00:00Z");
+  const auto all = entries(curves.connection);
+  ASSERT_EQ(all.size(), many);
+  for (const Entry& entry : all) {
+    EXPECT_EQ(entry.rowsOf("curve"), 3U);
+    EXPECT_EQ(findEntry(curves.connection, entry.ID)->rowsOf("curve"), 3U);
+  }
+}
+
 TEST_F(history_entries, that_are_old_can_be_taken_out) {
   changeThrice();
   const auto prune = [&](const Pruning& pruning) {

@@ -54,6 +54,13 @@ TEST(csv_report, holds_one_table_alone) {
                calibration::BadData);
 }
 
+TEST(csv_report, writes_a_table_with_other_signs) {
+  const ReportTable table{
+      "t", {"x; y", "=2+5", "n"}, {{1.5, "a;b", std::int64_t{2}}, {{}, "a,b", 2.0}}};
+  EXPECT_EQ(csvTable(table, {';', ','}), "\"x; y\";'=2+5;n\n1,5;\"a;b\";2\n;a,b;2\n");
+  EXPECT_EQ(csvTable(table), "x; y,'=2+5,n\n1.5,a;b,2\n,\"a,b\",2\n");
+}
+
 TEST(csv_report, quotes_what_would_break_a_line) {
   EXPECT_THAT(csvOf("a,\"b\"\nc"), HasSubstr(",\"a,\"\"b\"\"\nc\","));
 }

@@ -12,6 +12,7 @@ namespace pelmora::report::test {
 namespace {
 
 using calibration::PointState;
+using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -51,6 +52,19 @@ TEST(dcc_report, has_the_used_points_and_the_curve) {
   EXPECT_EQ(made.results[1].columns[1].unit, "pulses/l");
 }
 
+TEST(dcc_report, counts_points_that_the_fit_left_out_and_does_not_list_them) {
+  ReportInput input = completeInput();
+  for (calibration::RawPoint& point : input.series[0].points) {
+    if (point.roshko == 50) point.state = PointState::distrusted;
+  }
+  const dcc::Certificate made = certificateOf(buildReport(input));
+  EXPECT_THAT(made.results[0].columns[0].values, ElementsAre("1.000000", "100.0000"));
+  EXPECT_THAT(made.statements,
+              Contains(AllOf(
+                  HasSubstr("2 points used, 1 cut"), HasSubstr("1 distrusted (contradicting"),
+                  HasSubstr("+1.000 %, of a distrusted point"), HasSubstr("FAIL, limit 0.5 %"))));
+}
+
 TEST(dcc_report, has_readings_whose_units_are_recorded) {
   ReportInput input = completeInput();
   for (calibration::RawPoint& point : input.series[0].points)
@@ -72,6 +86,21 @@ TEST(dcc_report, says_who_signs_and_what_was_decided) {
   EXPECT_EQ(made.conditions[0].value, "21.5");
   EXPECT_EQ(made.conditions[0].unit, "C");
   EXPECT_THAT(made.statements, Contains(HasSubstr("FAIL, limit 0.5 %")));
+}
+
+TEST(dcc_report, states_signatures_and_whether_they_are_void) {
+  ReportInput input = completeInput();
+  calibration::SignOff valid, isVoid;
+  valid.name = "Ada", valid.remark = "as found", valid.signedAt = "2026-11-22T09:15:00Z";
+  valid.fingerprint = calibration::signedFingerprint(input.series[0].stored);
+  isVoid.name = "Bob", isVoid.signedAt = "2026-11-21T09:15:00Z", isVoid.fingerprint = "0123";
+  input.series[0].signOffs = {valid, isVoid};
+  const dcc::Certificate made = certificateOf(buildReport(input));
+  EXPECT_THAT(made.statements,
+              Contains("Rotor A: Signed off by Ada, 2026-11-22T09:15:00Z: as found. Fingerprint " +
+                       valid.fingerprint));
+  EXPECT_THAT(made.statements, Contains("Rotor A: Void, changed since it was signed off by Bob, "
+                                        "2026-11-21T09:15:00Z. Fingerprint 0123"));
 }
 
 TEST(dcc_report, names_everything_that_is_missing_at_once) {

@@ -5,6 +5,8 @@ import re
 
 from expectations import expect, expect_equal
 
+# How points are marked by their state.
+MARKS = {"raw": ("used", "outside range"), "cut": ("cut",), "dis": ("distrusted",), "out": ("excluded",)}
 PIXEL = 0.051 + 1e-6  # places are tenths of a pixel
 
 
@@ -65,9 +67,10 @@ def compare_panels(panels, model):
             inPercent = name == "percent"
             value = "deviationPercent" if inPercent else "strouhal"
             pairs = lambda points: [(p["roshko"], p[value]) for p in points]
-            for part in series["raw"]:
-                for key, is_cut in (("raw", False), ("cut", True)):
-                    panel.expect_marks(f"{key}{part['part']}", pairs(p for p in part["points"] if p["cut"] == is_cut))
+            for part in {point["part"] for point in series["rawPoints"]}:
+                for key, states in MARKS.items():
+                    panel.expect_marks(f"{key}{part}", pairs(p for p in series["rawPoints"]
+                                                             if p["part"] == part and p["state"] in states))
             panel.expect_marks("merged", pairs(series["merged"]))
             middle = lambda p: 0 if inPercent else p["strouhal"]
             unit = lambda p: 100 / abs(p["strouhal"]) if inPercent else 1

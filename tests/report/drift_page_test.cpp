@@ -63,7 +63,7 @@ TEST(drift_page, gives_every_calibration_its_verdict) {
 
 // 0.12 would be less than the laboratory's capability of 0.1234 %.
 TEST(drift_page, rounds_the_uncertainty_to_two_digits_up_to_the_capability) {
-  EXPECT_THAT(driftPage(fourCalibrations(), ""), HasSubstr("<td>1305<td>0.13<td>"));
+  EXPECT_THAT(driftPage(fourCalibrations(), ""), HasSubstr("<td>1305.000<td>0.13<td>"));
 }
 
 TEST(drift_page, says_where_its_control_limits_come_from) {

@@ -18,7 +18,7 @@ import tempfile
 import xml.etree.ElementTree as ElementTree
 import zipfile
 
-from drawn_panels import Panel, compare_panels
+from drawn_panels import MARKS, Panel, compare_panels
 from expectations import expect, expect_equal, expect_rounded
 from page_tables import Rows
 
@@ -80,7 +80,7 @@ def tables_of(model):
 
     meter = model["meter"]
     tables = {name: [] for name in ("calibration", "setups", "series", "points", "curve", "equations", "parameters",
-                                    "warnings", "shifts", "reports", "results", "flows", "merged", "details", "history", "uncertainty", "budget")}
+                                    "warnings", "shifts", "reports", "results", "flows", "merged", "details", "history", "uncertainty", "budget", "signatures")}
     tables["history"] += [{**entry, "user": entry["user"] or None} for entry in model["history"]]
     tables["details"] += [{"detail": key, "value": value} for part in (model["details"], model["laboratory"])
                           for key, value in part.items()]
@@ -129,6 +129,7 @@ def tables_of(model):
                                       "value": parameter["value"], "standardError": parameter["standardError"]}
                                      for parameter in equation["parameters"]]
         tables["warnings"] += [{"series": name, **warning} for warning in series["warnings"]]
+        tables["signatures"] += [{"series": name, **entry, "remark": entry["remark"] or None} for entry in series["signatures"]]
         tables["reports"] += [{"series": name, "number": i + 1, "text": line or None}
                               for i, line in enumerate(series["report"].splitlines())]
     return tables
@@ -298,13 +299,13 @@ def page_gives_its_script_the_numbers_of_json(model):
         sys.exit(77)
     for series, data in zip(model["series"], json.loads(page.scripts["data"])):
         sets = {points["key"]: points for points in data["points"]}
-        kept = []
-        for part in series["raw"]:
-            for key, is_cut in (("raw", False), ("cut", True)):
-                wanted = [p for p in part["points"] if p["cut"] == is_cut]
-                kept += [] if is_cut else wanted
-                found = sets.get(f"{key}{part['part']}", {"x": [], "y": []})
-                expect_equal(len(found["x"]), len(wanted), f"{series['name']} {key}{part['part']}")
+        points = series["rawPoints"]
+        kept = [point for point in points if point["state"] not in ("cut", "excluded")]
+        for part in {point["part"] for point in points}:
+            for key, states in MARKS.items():
+                wanted = [point for point in points if point["part"] == part and point["state"] in states]
+                found = sets.get(f"{key}{part}", {"x": [], "y": []})
+                expect_equal(len(found["x"]), len(wanted), f"{series['name']} {key}{part}")
                 for x, y, point in zip(found["x"], found["y"], wanted):
                     expect_equal(x, point["roshko"], "roshko", 5e-9)
                     expect_equal(y, point["strouhal"], "strouhal", 5e-9)

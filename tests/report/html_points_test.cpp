@@ -39,6 +39,18 @@ TEST(html_points, name_the_suspects_among_those_that_are_used) {
               HasSubstr("Suspect: 7.3 sigmas off its neighbours, not excluded"));
 }
 
+TEST(html_points, say_which_points_the_curve_was_fitted_without) {
+  SeriesInput series = straightSeries();
+  series.points[1].isDistrusted = true;
+  series.points[1].state = PointState::distrusted;
+  series.points[1].sigmas = 7.26;
+  const std::string html = pointsOf(reportOf(series));
+  EXPECT_THAT(html, HasSubstr("Distrusted: 7.3 sigmas off its neighbours; the curve was fitted "
+                              "without it"));
+  EXPECT_THAT(html, HasSubstr(">distrusted"));
+  EXPECT_THAT(html, Not(HasSubstr("Suspect")));
+}
+
 TEST(html_points, count_what_the_merge_has_cut) {
   SeriesInput series = straightSeries();
   series.points[2].cutPercent = -0.4321;

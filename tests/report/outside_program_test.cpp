@@ -8,11 +8,15 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
+#include <stop_token>
 #include <string>
+#include <thread>
 
 namespace pelmora::report {
 namespace {
@@ -71,6 +75,27 @@ TEST(outside_program, inherits_no_files_and_no_signals_of_its_host) {
   EXPECT_EQ(set >> (SIGUSR2 - 1) & 1U, 0U) << end.errors;
 }
 
+TEST(outside_program, ends_when_it_is_stopped) {
+  std::stop_source stop;
+  const ScratchFolder folder;
+  const std::string started = folder.file("started");
+  std::jthread impatient([&] {
+    while (!std::filesystem::exists(started)) std::this_thread::yield();
+    stop.request_stop();
+  });
+  // It would last longer than a test may.
+  EXPECT_THROW((void)runProgram({"sh", "-c", "touch " + started + "; exec sleep 10000"}, "dash",
+                                stop.get_token()),
+               calibration::Cancelled);
+  int status = 0;
+  EXPECT_EQ(waitpid(-1, &status, WNOHANG), -1);  // nobody is left behind
+}
+
+TEST(outside_program, that_could_be_stopped_ends_as_usual) {
+  const std::stop_source stop;
+  EXPECT_EQ(runProgram({"sh", "-c", "exit 7"}, "dash", stop.get_token()).exitCode, 7);
+}
+
 TEST(outside_program, that_is_missing_is_named_with_its_package) {
   try {
     (void)runProgram({"pelmora-no-such-program"}, "some-package");
@@ -79,6 +104,19 @@ TEST(outside_program, that_is_missing_is_named_with_its_package) {
     EXPECT_STREQ(failure.what(), "the program 'pelmora-no-such-program' is not installed");
     EXPECT_THAT(failure.remedy(), testing::HasSubstr("some-package"));
   }
+}
+
+TEST(scratch_folder, that_cannot_be_made_is_named) {
+  const char* const before = std::getenv("TMPDIR");
+  const std::string kept = before == nullptr ? "" : before;
+  setenv("TMPDIR", "/nowhere", 1);
+  EXPECT_EQ(pelmora::test::complaint([] { const ScratchFolder folder; }),
+            "temporary files cannot be written in the folder '/nowhere': No such file or "
+            "directory; set TMPDIR to a folder that can be written");
+  if (before == nullptr)
+    unsetenv("TMPDIR");
+  else
+    setenv("TMPDIR", kept.c_str(), 1);
 }
 
 TEST(outside_program, has_a_folder_that_goes_with_its_object) {

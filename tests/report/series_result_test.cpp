@@ -34,7 +34,6 @@ TEST(series_result, has_range_turndown_and_linearity) {
   const SeriesResult result = resultOf({upAndDown()}, std::nullopt);
   EXPECT_THAT(result.lowestRoshko, Optional(10.0));
   EXPECT_THAT(result.highestRoshko, Optional(40.0));
-  EXPECT_TRUE(result.turndownIsOfFlow);
   EXPECT_THAT(result.turndown, Optional(4.0));
   EXPECT_THAT(result.meanFactor, Optional(100.0));
   EXPECT_THAT(result.linearityPercent, Optional(DoubleNear(2, rounding)));
@@ -79,6 +78,21 @@ TEST(series_result, leaves_out_what_is_not_used) {
   EXPECT_THAT(result.worstPercent, Optional(0.05));
   EXPECT_THAT(result.passes, Optional(true));
   EXPECT_THAT(resultOf({part}, 0.0499).passes, Optional(false));
+}
+
+// Nobody has decided that such a point is wrong: the verdict must not improve by itself.
+TEST(series_result, counts_distrusted_points_in_the_verdict_alone) {
+  RawPart part = upAndDown();
+  part.points[2].state = calibration::PointState::distrusted;
+  part.points[2].deviationPercent = -0.8;
+  part.points[2].strouhal = 1e6;
+  const SeriesResult result = resultOf({part}, 0.3);
+  EXPECT_EQ(result.used, part.points.size() - 1);
+  EXPECT_EQ(result.distrusted, 1U);
+  EXPECT_THAT(result.worstPercent, Optional(-0.8));
+  EXPECT_TRUE(result.worstIsDistrusted);
+  EXPECT_THAT(result.passes, Optional(false));
+  EXPECT_LT(result.meanFactor.value_or(1e9), 1e5);
 }
 
 }  // namespace

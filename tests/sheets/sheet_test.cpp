@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -22,6 +23,34 @@ std::string utf16(std::string_view ascii, bool isBigEndian) {
     if (!isBigEndian) bytes += '\0';
   }
   return bytes;
+}
+
+// How often the reading of `text` asks whether to stop, which it is told to at the question `last`.
+int questionsUntil(const std::string& text, int last, bool& isStopped) {
+  int asked = 0;
+  try {
+    Sheet sheet(text, {.stopRequested = [&] { return ++asked == last; }});
+    for (Row row; sheet.next(row);) {
+    }
+    isStopped = false;
+  } catch (const Error& error) {
+    EXPECT_EQ(error.number(), static_cast<std::int32_t>(0x80004004U)) << error.what();
+    isStopped = true;
+  }
+  return asked;
+}
+
+TEST(sheet, reading_ends_wherever_it_is_stopped) {
+  std::string text = "Roshko,Strouhal\n";
+  for (int i = 1; i <= 2000; ++i) text += std::to_string(i) + ",2.25\n";
+  bool isStopped = true;
+  const int all = questionsUntil(text, 0, isStopped);
+  EXPECT_FALSE(isStopped);
+  EXPECT_GE(all, 2 * 2000 / 100);  // the whole text is looked at, and then read row by row
+  for (int last = 1; last <= all; ++last) {
+    EXPECT_EQ(questionsUntil(text, last, isStopped), last);
+    EXPECT_TRUE(isStopped) << last;
+  }
 }
 
 TEST(sheet, a_plain_file_has_no_remarks) {

@@ -1,4 +1,4 @@
-// What a refused action tells its caller.
+// What the caller of a refused action learns.
 // SPDX-License-Identifier: MIT
 #pragma once
 

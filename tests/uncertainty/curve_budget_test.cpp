@@ -90,7 +90,9 @@ TEST(curve_budget, says_which_value_an_absolute_uncertainty_misses) {
     EXPECT_STREQ(failure.what(),
                  "the uncertainty of the reference flow is stated in gpm, and its value is not "
                  "known here");
-    EXPECT_EQ(failure.remedy(), "state the uncertainty in %, or give the volume flow");
+    EXPECT_EQ(failure.remedy(),
+              "state the uncertainty in %, give the volume flow, or record the units of what "
+              "the stand read");
   }
 }
 
@@ -150,6 +152,22 @@ TEST(curve_budget_of_a_quotient, has_the_scatter_of_both_rotors) {
   const Budget common =
       budgetOf(quotient(SeriesKind::quotientBA, 1.03), scatter + "rotors = common\n");
   EXPECT_NEAR(size(common, 1), 0, 1e-9);
+}
+
+// 0.03 % of each rotor by 6 observations: both together have twice 5 degrees of freedom, so that
+// the formula of Welch and Satterthwaite gives the same of the rows as they are listed.
+TEST(curve_budget_of_a_quotient, lists_the_degrees_of_freedom_of_both_rotors) {
+  const Budget budget =
+      budgetOf(quotient(SeriesKind::quotientBA, 1.03),
+               "[repeatability]\nstandard = 0.03 %\ntype = A\ndegrees of freedom = 5\n");
+  EXPECT_NEAR(budget.rows[1].degreesOfFreedom, 10, 1e-6);
+  EXPECT_NEAR(budget.degreesOfFreedom, 10, 1e-6);
+}
+
+TEST(curve_budget_of_a_quotient, needs_no_flow_for_what_cancels) {
+  const Budget budget =
+      budgetOf(quotient(SeriesKind::quotientBA, 1.03), "[flow]\nstandard = 0.001 gal/s\n");
+  EXPECT_EQ(budget.standardUncertainty, 0);
 }
 
 TEST(curve_budget_of_a_quotient, may_have_a_capability_of_its_own) {

@@ -35,6 +35,26 @@ TEST(monte_carlo, reproduces_the_additive_model_of_the_supplement) {
   EXPECT_NEAR(monteCarlo(sumOfAll, rectangular, {}, options).halfWidth(), 3.88, 2 * drawnEnd);
 }
 
+TEST(monte_carlo, ends_before_the_block_whose_turn_is_refused) {
+  struct Enough {};
+  const std::vector<Input> inputs(4, Input{"x", 0, 1, Distribution::normal});
+  MonteCarloOptions options;
+  options.threads = 1;
+  options.mostTrials = 50'000;
+  options.significantDigits = 9;  // never stable
+  int asked = 0, last = 0;
+  options.goOn = [&] {
+    if (++asked == last) throw Enough();
+  };
+  EXPECT_EQ(monteCarlo(sumOfAll, inputs, {}, options).trials, options.mostTrials);
+  const int all = asked;
+  EXPECT_EQ(all, 5);
+  for (last = 1; last <= all; ++last) {
+    asked = 0;
+    EXPECT_THROW((void)monteCarlo(sumOfAll, inputs, {}, options), Enough) << last;
+  }
+}
+
 // The same with one rectangular input ten times as wide: table 4, +-17.0.
 TEST(monte_carlo, sees_an_input_that_is_not_normal_dominate) {
   std::vector<Input> inputs(4, Input{"x", 0, 1, Distribution::rectangular});

@@ -220,13 +220,13 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{"cmc", "[stand]\ncmc = 0.1 C\n",
                 "line 2: 'cmc': '0.1 C' is not relative; write it in %"},
         Refused{"twice", "[flow]\nstandard = 1 %\n[flow]\nstandard = 1 %\n",
-                "line 3: section 'flow' already stands in line 1; remove one of them, or give it "
+                "line 3: section 'flow' is already in line 1; remove one of them, or give it "
                 "another name"},
         Refused{"setting_twice", "[flow]\nstandard = 1 %\nstandard = 2 %\n",
-                "line 3: setting 'standard' already stands in line 2; remove one of them, or "
+                "line 3: setting 'standard' is already in line 2; remove one of them, or "
                 "give it another name"},
         Refused{"outside", "standard = 1 %\n",
-                "line 1: 'standard' stands before the first section; write [stand] or the "
+                "line 1: 'standard' comes before the first section; write [stand] or the "
                 "section that it belongs to above it"},
         Refused{"bracket", "[flow\n", "line 1: '[flow' has no closing bracket; write [SECTION]"},
         Refused{"no_value", "[flow]\nstandard =\n",

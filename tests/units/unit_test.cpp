@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "units/unit.h"
 
-#include <pelmora/calibration/failure.h>
+#include "tests/support/complaint.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@
 namespace pelmora::units {
 namespace {
 
-using calibration::BadData;
+using test::complaint;
 
 // A conversion rounds a few times.
 constexpr double rounding = 4e-16;
@@ -64,16 +64,6 @@ TEST(units, are_found_by_other_spellings) {
   EXPECT_EQ(&unitOf("m^2/s"), &unitOf("m2/s"));
   EXPECT_EQ(&unitOf("°C"), &unitOf("C"));
   EXPECT_EQ(&unitOf("1/gal"), &unitOf("pulses/gal"));
-}
-
-template <class Action>
-std::string complaint(Action action) {
-  try {
-    action();
-  } catch (const BadData& failure) {
-    return std::string(failure.what()) + "; " + failure.remedy();
-  }
-  return "nothing was refused";
 }
 
 TEST(units, are_never_mixed) {

@@ -8,7 +8,8 @@ import sys
 import tempfile
 import time
 
-from served import PATIENCE, digest, run_cases
+from databases import digest
+from served import PATIENCE, run_cases
 
 PROGRAM, DATA = sys.argv[1:3]
 CHANGE = json.dumps({"meter": "M1", "series": "Rotor A", "revision": "x", "excluded": [], "settings": {}}).encode()

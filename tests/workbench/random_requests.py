@@ -2,7 +2,7 @@
 """Random requests, malformed HTTP among them, neither end the workbench nor store anything:
 random_requests.py PROGRAM DATA COUNT [SEED]
 
-COUNT: 1000, or 600s for so many seconds."""
+COUNT: 1000 requests, or 600s for 600 seconds."""
 # SPDX-License-Identifier: MIT
 import json
 import os
@@ -11,11 +11,13 @@ import sys
 import tempfile
 import time
 
-from served import Workbench, calibrated, digest
+from databases import digest
+from served import Workbench, calibrated
 
 PROGRAM, DATA, COUNT = sys.argv[1:4]
 SEED = int(sys.argv[4]) if len(sys.argv) > 4 else 1
-READING = ["state", "meters", "meter", "series", "revision", "points", "check", "drift", "history", "budget", "report", "openapi.json"]
+READING = ["state", "meters", "meter", "series", "revision", "points", "check", "drift", "history", "budget", "report", "table",
+           "openapi.json"]
 CHANGING = ["fit", "store", "sign", "restore", "import", "raw", "upload"]
 WORDS = ["M1", "Rotor A", "Ratio", "", "0", "-1", "1e308", "NaN", "'", "\"", "\\", "%00", "a" * 300, "Ⅷ", "..", "true", "null", "[]", "32767"]
 NAMES = ["meter", "calibration", "series", "search", "from", "limit", "format", "name", "entry", "revision", "excluded", "settings", "runs",

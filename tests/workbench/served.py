@@ -1,11 +1,9 @@
 """A workbench that runs while a test asks it."""
 # SPDX-License-Identifier: MIT
-import hashlib
 import http.client
 import json
 import os
 import re
-import shutil
 import signal
 import socket
 import subprocess
@@ -17,6 +15,7 @@ import traceback
 import types
 import urllib.parse
 
+from databases import copied_database, new_database
 
 # How long an answer may take on a machine that does much else.
 PATIENCE = 300
@@ -84,7 +83,7 @@ class Workbench:
             connection.close()
 
     def raw(self, data, seconds=PATIENCE):
-        """What comes back for bytes that need not be HTTP; empty if the connection ends without a word."""
+        """What comes back for bytes that need not be HTTP; empty if the connection closes without an answer."""
         with socket.create_connection(("127.0.0.1", self.port), timeout=seconds) as connection:
             try:
                 connection.sendall(data)
@@ -135,13 +134,13 @@ def run_cases(program, data, module, names):
     assert left, names
     failed = []
     with tempfile.TemporaryDirectory() as folder:
-        model = os.path.join(folder, "model.db")
+        model = new_database(folder, "model")
         calibrated(program, data, model)
 
         def run(name, case):
-            begin, curves = time.monotonic(), os.path.join(folder, name + ".db")
-            shutil.copy(model, curves)
+            begin = time.monotonic()
             try:
+                curves = copied_database(folder, model, name)
                 with Workbench(program, curves) as bench:
                     case(bench.open(), curves)
                 assert bench.process.returncode == 130, (bench.process.returncode, bench.error)
@@ -163,8 +162,3 @@ def run_cases(program, data, module, names):
         for thread in threads:
             thread.join()
     sys.exit(1 if failed else 0)
-
-
-def digest(file):
-    with open(file, "rb") as stream:
-        return hashlib.sha256(stream.read()).hexdigest()

@@ -35,6 +35,8 @@ void addDeleteCommand(Program& program);
 void addDoctorCommand(Program& program);
 void addHistoryCommand(Program& program);
 void addRefitCommand(Program& program);
+void addFleetCommand(Program& program);
+void addWorkerCommand(Program& program);
 void addRestoreCommand(Program& program);
 void addCompletionCommand(Program& program);
 void addManCommand(Program& program);

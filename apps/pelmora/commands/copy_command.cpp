@@ -40,7 +40,13 @@ calibration::ProofSheet copied(const CopyRequest& request) {
     requireNotInterrupted();
     progress.show(text);
   };
-  return calibration::copyCurves(request.from, request.to.path, options, observer);
+  try {
+    return calibration::copyCurves(request.from, request.to.path, options, observer);
+  } catch (const calibration::Exists& taken) {
+    const bool needsNewIds = taken.remedy().ends_with("new ids");
+    throw Trouble(ExitCode::database, taken.what(),
+                  taken.remedy() + (needsNewIds ? " with --new-ids" : ""));
+  }
 }
 
 void copyCurves(const CopyRequest& request) {

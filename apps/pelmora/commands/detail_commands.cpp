@@ -13,6 +13,8 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace pelmora::cli {
 namespace {
@@ -21,6 +23,9 @@ using calibration::DetailField;
 using calibration::DetailKind;
 using calibration::DetailOf;
 using calibration::Details;
+
+// Names of details are shorter.
+constexpr std::size_t valueIndent = 26;
 
 struct DetailRequest {
   DatabaseOption curves;
@@ -31,20 +36,23 @@ struct DetailRequest {
   bool isLaboratory = false, isDryRun = false, asJson = false;
 };
 
+std::vector<std::string> linesOf(const std::string& text) {
+  std::vector<std::string> lines;
+  for (std::size_t at = 0; at <= text.size();) {
+    const std::size_t end = std::min(text.find('\n', at), text.size());
+    lines.push_back(text.substr(at, end - at));
+    at = end + 1;
+  }
+  return lines;
+}
+
 nlohmann::json detailsJson(const Details& details) {
   nlohmann::json value = nlohmann::json::object();
   for (const auto& [key, text] : details) {
-    if (calibration::detailField(key).kind != DetailKind::list) {
+    if (calibration::detailField(key).kind == DetailKind::list)
+      value[key] = linesOf(text);
+    else
       value[key] = text;
-      continue;
-    }
-    nlohmann::json lines = nlohmann::json::array();
-    for (std::size_t at = 0; at <= text.size();) {
-      const std::size_t end = std::min(text.find('\n', at), text.size());
-      lines.push_back(text.substr(at, end - at));
-      at = end + 1;
-    }
-    value[key] = lines;
   }
   return value;
 }
@@ -54,10 +62,16 @@ std::string detailsTable(const Details& details) {
   for (const DetailField& field : calibration::detailFields()) {
     const auto found = details.find(field.key);
     if (found == details.end()) continue;
-    std::string text = found->second;
-    for (std::size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n'))
-      text.replace(at, 1, "; ");
-    table.addRow({"--" + field.key, text});
+    // Everything, as a certificate will state it: each text on as many lines as it needs.
+    std::string name = "--" + field.key;
+    for (const std::string& text : linesOf(found->second)) {
+      std::string lines = wrapped(text, valueIndent);
+      while (lines.ends_with('\n')) lines.pop_back();
+      for (const std::string& line : linesOf(lines)) {
+        table.addRow({name, line.substr(std::min(line.find_first_not_of(' '), line.size()))});
+        name.clear();
+      }
+    }
   }
   return table.text();
 }

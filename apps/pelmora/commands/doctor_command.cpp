@@ -101,7 +101,7 @@ SalvageReport salvaged(const DatabaseOption& curves, const std::string& newPath 
 void describeDamage(const DoctorRequest& request, const std::vector<IntegrityProblem>& problems) {
   const std::string& path = request.curves.path;
   const SalvageReport held = salvaged(request.curves);
-  const char* remedy = "restore it from a copy, or bring over what can be read with --salvage NEW";
+  const char* remedy = "restore it from a copy, or salvage what can be read with --salvage NEW";
   if (request.asJson) {
     const Finding finding{
         "damaged-file",      Severity::error, problems.size(), "The file is damaged",

@@ -56,7 +56,7 @@ std::string listText(const EquationsRequest& request, const EquationList& list, 
   }
   return text + "\n" +
          wrapped(
-             "--only NAME and --without NAME choose among them; --write FILE begins a list of "
+             "--only NAME and --without NAME choose among them; --write FILE starts a list of "
              "your own, for --equations FILE.",
              0);
 }
@@ -78,7 +78,7 @@ void writeList(const std::string& path, const EquationList& list) {
   requireOutputFile(path, {});
   std::error_code ignored;
   if (std::filesystem::exists(path, ignored))
-    throw Trouble(ExitCode::usage, "--write: there is a file '" + path + "' already",
+    throw Trouble(ExitCode::usage, "--write: the file '" + path + "' exists already",
                   "name a new one");
   writeOutputFile(path, list.asFile());
   printData(wrapped("Wrote " + counted(list.equations().size(), "equation") + " to " + path +

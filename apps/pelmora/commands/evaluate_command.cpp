@@ -118,13 +118,13 @@ std::string sourceText(const FittedCurve& curve, ReadAs reading) {
 std::string notesText(const FittedCurve& curve, const std::vector<Evaluated>& values,
                       ReadAs reading, const ShownUnits& units) {
   std::string text = unitsLine(units) + wrapped(sourceText(curve, reading), 0);
-  bool isAnyExtrapolated = false, hasBudget = false;
+  bool isAnyExtrapolated = false;
+  std::vector<calibration::Budget> budgets;
   for (const Evaluated& value : values) {
     isAnyExtrapolated |= value.estimate.isExtrapolated;
-    if (!value.estimate.budget || hasBudget) continue;
-    hasBudget = true;
-    text += wrapped(value.estimate.budget->contents(), 0);
+    if (value.estimate.budget) budgets.push_back(*value.estimate.budget);
   }
+  if (!budgets.empty()) text += wrapped(calibration::contentsOf(budgets), 0);
   text += wrapped(
       "The 95 % bands contain the scatter of the points alone: of the curve (confidence), of one "
       "more measured point (prediction).",
@@ -134,8 +134,8 @@ std::string notesText(const FittedCurve& curve, const std::vector<Evaluated>& va
          wrapped("Extrapolated: beyond the curve, which covers Roshko " +
                      significantText(curve.lowestRoshko() * units.roshko.factor, 6) + " to " +
                      significantText(curve.highestRoshko() * units.roshko.factor, 6) +
-                     "; on the straight line through its two outermost points, with an error that "
-                     "nobody knows.",
+                     "; on the straight line through its two outermost points, with an unknown "
+                     "error.",
                  0);
 }
 
@@ -242,7 +242,7 @@ void addValueOptions(Command& command, const std::shared_ptr<EvaluateRequest>& r
   command.addText(
       {"--viscosity", "CST",
        "Viscosity of the fluid, for a stand whose uncertainty is stated in units rather "
-       "than in %"},
+       "than in % (default: what the stand read near the Roshko number)"},
       [request](const std::string& text) {
         request->options.viscosity = numberOption("--viscosity", text);
       });

@@ -11,6 +11,7 @@
 #include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/session.h"
 #include "apps/pelmora/trouble.h"
+#include "report/csv_report.h"
 #include "report/json_values.h"
 #include "report/xlsx_report.h"
 
@@ -33,7 +34,7 @@ struct ExportRequest {
   std::int16_t calibration = calibration::latestCalibration;
   calibration::TableOptions table;
   FluidOptions fluid;
-  CsvForm csv;
+  report::CsvForm csv;
   bool asJson = false;
 };
 
@@ -44,7 +45,8 @@ FileKind kindOf(const ExportRequest& request) {
   if (!request.asJson && file.ends_with(".csv")) return FileKind::csv;
   if (!request.asJson && file.ends_with(".xlsx")) return FileKind::xlsx;
   if (request.asJson) {
-    throw Trouble(ExitCode::usage, "--output: '" + file + "' does not end in .json, as --json asks",
+    throw Trouble(ExitCode::usage,
+                  "--output: '" + file + "' does not end in .json, as --json requires",
                   "end the name in .json, or leave --json out");
   }
   throw Trouble(ExitCode::usage, "--output: '" + file + "' has no known ending",
@@ -133,7 +135,7 @@ std::string wantedPoints(const ExportRequest& request) {
 std::string contentOf(const ExportRequest& request, FileKind kind, const report::ReportTable& table,
                       const std::string& json) {
   if (kind == FileKind::json) return json;
-  return kind == FileKind::csv ? tableCsv(table, request.csv) : report::xlsxTable(table);
+  return kind == FileKind::csv ? report::csvTable(table, request.csv) : report::xlsxTable(table);
 }
 
 void writeContent(const ExportRequest& request, const std::string& content) {
@@ -157,7 +159,7 @@ void exportTable(const ExportRequest& request, FileKind kind, Session& session,
                  const calibration::Meter& meter) {
   const calibration::Database& lab = session.database();
   if (request.series.size() != 1) {
-    throw Trouble(ExitCode::usage, "a table for a flow computer is of one series",
+    throw Trouble(ExitCode::usage, "a table for a flow computer holds one series",
                   "name it with --series NAME");
   }
   calibration::TableOptions options = request.table;
@@ -171,18 +173,14 @@ void exportTable(const ExportRequest& request, FileKind kind, Session& session,
                                             : TableForm::roshko;
   options.viscosity = viscosityOf(request.fluid, lab);
   options.celsius = celsiusOf(request.fluid);
-  options.expansionPerKelvin = request.fluid.expansionPerKelvin;
+  options.expansionPerKelvin = expansionOf(request.fluid, lab, meter);
   const calibration::StoredSeries series = lab.series(meter, request.series.front());
   const calibration::FlowComputerTable table =
       calibration::tableFor(lab.fittedCurve(series, session.observer()), options);
   session.progress().clear();
   noteOldCurves(session.path(), request.calibration, {series});
-  nlohmann::json json = flowTableJson(table);
-  json["database"] = session.path();
-  json["meter"] = report::meterJson(meter);
-  json["series"] = series.name;
-  json["curveAge"] = calibration::curveAgeKey(series.age);
-  writeContent(request, contentOf(request, kind, flowTable(table), report::jsonText(json)));
+  const std::string json = report::jsonText(flowTableJson(table, session.path(), series));
+  writeContent(request, contentOf(request, kind, flowTable(table), json));
   // Standard output is for the data alone.
   const std::string summary = flowTableText(table);
   if (request.output != "-")
@@ -219,10 +217,13 @@ void addTableOptions(Command& command, const std::shared_ptr<ExportRequest>& req
   command.addFlag("--even", request->table.evenly,
                   "Space the points evenly in the logarithm instead");
   addFluid(command, request->fluid);
-  command.addText({"--x-unit", "UNIT", "Unit of the first column (default Hz/cSt or Hz)"},
-                  request->table.xUnit);
-  command.addText({"--y-unit", "UNIT", "Unit of K and Strouhal (default pulses/gal)"},
-                  request->table.yUnit);
+  command.addText(
+      {"--x-unit", "UNIT",
+       "Unit of the first column (default: as recorded, else Hz/cSt; of frequencies Hz)"},
+      request->table.xUnit);
+  command.addText(
+      {"--y-unit", "UNIT", "Unit of K and Strouhal (default: as recorded, else pulses/gal)"},
+      request->table.yUnit);
   command.addChoice({"--separator", "comma|semicolon|tab", "Of a CSV file (default: comma)"},
                     [request](const std::string& word) {
                       request->csv.separator = word == "tab" ? '\t' : word == "comma" ? ',' : ';';

@@ -66,7 +66,7 @@ std::string cropLine(const calibration::Fit& fit) {
   if (beyond == 0) return {};
   return wrapped("The table is cropped: " + counted(beyond, "point") + " beyond it " +
                      (beyond == 1 ? "is" : "are") +
-                     " fitted all the same (--fit-min, --fit-max leave points out)",
+                     " fitted anyway (--fit-min, --fit-max leave points out)",
                  0);
 }
 

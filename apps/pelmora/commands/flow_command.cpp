@@ -32,7 +32,7 @@ using calibration::StoredSeries;
 
 struct FlowRequest {
   DatabaseOption curves;
-  std::string meter, series, instruments, unit = "gal/s";
+  std::string meter, series, instruments, unit;
   std::int16_t calibration = calibration::latestCalibration;
   double frequency = 0;
   std::optional<double> frequencyB;
@@ -40,13 +40,14 @@ struct FlowRequest {
   bool readsTable = false, showsBudget = false, asJson = false;
 };
 
-ServiceReading readingOf(const FlowRequest& request, const calibration::Database& lab) {
+ServiceReading readingOf(const FlowRequest& request, const calibration::Database& lab,
+                         const calibration::Meter& meter) {
   ServiceReading reading;
   reading.frequency = request.frequency;
   reading.frequencyB = request.frequencyB;
   reading.viscosity = viscosityOf(request.fluid, lab);
   reading.celsius = celsiusOf(request.fluid);
-  reading.expansionPerKelvin = request.fluid.expansionPerKelvin;
+  reading.expansionPerKelvin = expansionOf(request.fluid, lab, meter);
   if (!request.instruments.empty()) reading.instruments = readStatement(request.instruments);
   if (request.readsTable) reading.reading = ReadAs::linear;
   return reading;
@@ -87,11 +88,16 @@ std::string differenceText(const ServiceFlow& flow) {
                  0);
 }
 
+std::string unitOf(const FlowRequest& request, const ServiceFlow& flow) {
+  return request.unit.empty() ? flow.unit : request.unit;
+}
+
 std::string flowText(const FlowRequest& request, const std::string& series,
                      const ServiceReading& reading, const ServiceFlow& flow) {
   const auto right = TextAlign::right;
-  TextTable table({{""}, {"Roshko", right}, {"Strouhal", right}, {"Flow " + request.unit, right}});
-  const double factor = calibration::conversionFactor("gal/s", request.unit);
+  const std::string unit = unitOf(request, flow);
+  TextTable table({{""}, {"Roshko", right}, {"Strouhal", right}, {"Flow " + unit, right}});
+  const double factor = calibration::conversionFactor(flow.unit, unit);
   const auto addRotor = [&](const std::string& name, const RotorFlow& rotor) {
     table.addRow({name, significantText(rotor.roshko, 8), significantText(rotor.strouhal, 8),
                   significantText(rotor.flow * factor, 8)});
@@ -100,10 +106,10 @@ std::string flowText(const FlowRequest& request, const std::string& series,
   if (flow.rotorB) addRotor("Rotor B", *flow.rotorB);
   if (flow.rotorB) table.addRow({"both", "", "", significantText(flow.flow * factor, 8)});
   std::string text = table.text() + "\n";
-  std::string result = "Flow " + significantText(flow.flow * factor, 8) + " " + request.unit;
+  std::string result = "Flow " + significantText(flow.flow * factor, 8) + " " + unit;
   if (flow.budget) {
-    result += ", U = " + significantText(flow.budget->roundedExpanded() * factor, 2) + " " +
-              request.unit + " (" + report::expandedPercentText(flow.budget) + " %).";
+    result += ", U = " + expandedText(scaled(*flow.budget, factor)) + " " + unit + " (" +
+              report::expandedPercentText(flow.budget) + " %).";
   } else {
     result += isExtrapolated(flow)
                   ? "; beyond the calibrated range, so its uncertainty is not known."
@@ -112,8 +118,12 @@ std::string flowText(const FlowRequest& request, const std::string& series,
   text += wrapped(result, 0);
   text +=
       wrapped("Viscosity " + significantText(flow.viscosity, 6) + " cSt" +
-                  (flow.isViscosityOfQuotient ? ", from the quotient of both frequencies" : "") +
-                  ", at " + significantText(reading.celsius, 5) + " C.",
+                  (flow.isViscosityOfQuotient ? ", from the ratio of the two frequencies" : "") +
+                  ", at " + significantText(reading.celsius, 5) + " C." +
+                  (reading.expansionPerKelvin
+                       ? " Linear expansion of the meter's body " +
+                             significantText(*reading.expansionPerKelvin, 6) + " 1/K."
+                       : ""),
               0);
   text += differenceText(flow);
   if (!flow.budget) return text;
@@ -133,7 +143,8 @@ nlohmann::json rotorJson(const RotorFlow& rotor, double factor) {
 std::string flowJson(const FlowRequest& request, const std::string& path,
                      const std::vector<StoredSeries>& series, const ServiceReading& reading,
                      const ServiceFlow& flow) {
-  const double factor = calibration::conversionFactor("gal/s", request.unit);
+  const std::string unit = unitOf(request, flow);
+  const double factor = calibration::conversionFactor(flow.unit, unit);
   nlohmann::json value{{"database", path},
                        {"meter", report::meterJson(series.front().meter)},
                        {"series", series.front().name},
@@ -145,7 +156,7 @@ std::string flowJson(const FlowRequest& request, const std::string& path,
                        {"roshko", flow.rotor.roshko},
                        {"strouhal", flow.rotor.strouhal},
                        {"flow", flow.flow * factor},
-                       {"flowUnit", request.unit},
+                       {"flowUnit", unit},
                        {"extrapolated", isExtrapolated(flow)}};
   if (flow.rotorB) {
     value["frequencyB"] = *reading.frequencyB;
@@ -166,7 +177,7 @@ void showFlow(const FlowRequest& request) {
   Session session(request.curves, calibration::Mode::read);
   const calibration::Database& lab = session.database();
   const calibration::Meter meter = lab.meter(request.meter, request.calibration);
-  const ServiceReading reading = readingOf(request, lab);
+  const ServiceReading reading = readingOf(request, lab, meter);
   const auto series = seriesFor(request, lab, meter, reading.viscosity.has_value());
   const ServiceFlow flow = flowFrom(series, lab, reading, session.observer());
   session.progress().clear();
@@ -207,7 +218,9 @@ void addFlowCommand(Program& program) {
   command.addFlag("--table", request->readsTable,
                   "Read the stored table linearly, as a flow computer does; the reading error is "
                   "then part of U");
-  command.addText({"--unit", "UNIT", "Unit of the flow (default: gal/s)"},
+  command.addText({"--unit", "UNIT",
+                   "Unit of the flow (default: the volume of the recorded unit of Strouhal per "
+                   "second, else gal/s)"},
                   [request](const std::string& text) {
                     requireUnit("--unit", text, "gal/s");
                     request->unit = text;

@@ -53,7 +53,7 @@ FluidLaw lawOf(const FluidRequest& request) {
                   "give --point T:NU twice or more, or --law with --constant for each constant");
   }
   if (!fluid.constants.empty() && (!request.lowest || !request.highest)) {
-    throw Trouble(ExitCode::usage, "it is not said in which range the constants hold",
+    throw Trouble(ExitCode::usage, "the range in which the constants hold is missing",
                   "give --from and --to");
   }
   fluid.lowestCelsius = request.lowest.value_or(0);
@@ -150,7 +150,7 @@ std::string listText(const FluidRequest& request, const std::vector<FluidLaw>& f
 void runFluid(const FluidRequest& request) {
   const bool isChange = request.action == "set" || request.action == "remove";
   if (isChange && request.name.empty())
-    throw Trouble(ExitCode::usage, "it is not said which fluid", "give --name NAME");
+    throw Trouble(ExitCode::usage, "the name of the fluid is missing", "give --name NAME");
   std::optional<FluidLaw> given;
   if (request.action == "set") given = lawOf(request);
   Session session(request.curves, isChange ? calibration::Mode::write : calibration::Mode::read);
@@ -168,8 +168,8 @@ void runFluid(const FluidRequest& request) {
                      0);
     }
     if (previous)
-      done += wrapped("The previous law comes back with", 0) +
-              setCommand(session.path(), *previous) + "\n";
+      done +=
+          wrapped("To restore the previous law:", 0) + setCommand(session.path(), *previous) + "\n";
     return printData(done + (done.empty() ? "" : "\n") + listText(request, fluids));
   }
   nlohmann::json list = nlohmann::json::array();

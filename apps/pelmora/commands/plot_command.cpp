@@ -27,7 +27,7 @@ void plot(const PlotRequest& request) {
   calibration::Database& lab = session.database();
   const calibration::Meter meter = lab.meter(request.meter, request.reCalID);
   const calibration::StoredSeries stored = lab.series(meter, request.series);
-  DrawnSeries series{lab.points(meter, request.series), stored.curve, 0};
+  DrawnSeries series{lab.points(stored, session.observer()), stored.curve, 0};
   if (stored.settings) series.bandPercent = stored.settings->BandPercent;
   const PlotStyle style = request.isAscii ? PlotStyle::ascii : PlotStyle::unicode;
   const std::string picture = drawing(series, drawingSize(), style, showsColour(stdout));

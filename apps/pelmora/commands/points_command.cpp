@@ -27,23 +27,20 @@ struct PointsRequest {
   bool asJson = false;
 };
 
-bool isSuspect(const calibration::RawPoint& point) {
-  return point.isDistrusted && point.sigmas &&
-         (point.state == calibration::PointState::used ||
-          point.state == calibration::PointState::outsideRange);
-}
-
-// The points that the smooth curve through the others distrusts, with what leaves them out.
+// The points that contradict the others, with what excludes them.
 std::string suspectLines(const PointsRequest& request, const std::string& series,
                          const std::vector<calibration::RawPoint>& points) {
   std::string text;
   std::vector<SuspectPoint> suspects;
   for (const calibration::RawPoint& point : points) {
-    if (!isSuspect(point)) continue;
+    if (!point.isDistrusted || !point.sigmas) continue;
     text +=
         wrapped("Part " + std::to_string(point.part) + ", point " + std::to_string(point.number) +
                     " at Roshko " + significantText(point.roshko, 6) + " lies " +
-                    fixedText(std::fabs(*point.sigmas), 1) + " sigmas off its neighbours.",
+                    fixedText(std::fabs(*point.sigmas), 1) + " sigmas off its neighbours" +
+                    (point.state == calibration::PointState::distrusted
+                         ? "; the stored curve was fitted without it."
+                         : "."),
                 0);
     suspects.push_back({point.part, point.number, *point.sigmas});
   }
@@ -71,7 +68,7 @@ void listPoints(const PointsRequest& request) {
   calibration::Database& lab = session.database();
   const calibration::Meter meter = lab.meter(request.meter, request.reCalID);
   calibration::StoredSeries stored = lab.series(meter, request.series);
-  auto points = lab.points(meter, request.series);
+  auto points = lab.points(stored, session.observer());
   const calibration::CurveAge age = lab.curveAge(stored);
   const ShownUnits units = shownUnits(lab, stored, request.units);
   convert(stored, units);
@@ -120,7 +117,8 @@ void addPointsCommand(Program& program) {
       "points",
       "List the raw points of a series: how far each lies off the stored curve and, in standard "
       "deviations (sigmas), off the smooth curve through all others; which points the merge has "
-      "cut, and which were excluded, by whom and why. Point numbers stay the same while points "
+      "cut, which the stored curve was fitted without because the others contradict them, and "
+      "which were excluded, by whom and why. Point numbers stay the same while points "
       "are excluded and included.");
   const auto request = std::make_shared<PointsRequest>();
   addDatabase(command, request->curves);

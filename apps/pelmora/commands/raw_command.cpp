@@ -75,6 +75,7 @@ void raw(const RawRequest& request) {
   const PointArray& points = read.points;
   sayRecognised(request.file, read.recognised);
   if (!read.derivation.empty()) printNote(read.derivation);
+  if (!read.assumption.empty()) printNote(read.assumption);
   Session session(request.curves, calibration::Mode::write);
   calibration::Database& lab = session.database();
   CommandChange change(session, "raw", request.isDryRun);

@@ -137,14 +137,8 @@ void addRefitCommand(Program& program) {
       [request](const std::string& text) {
         request->threads = static_cast<std::size_t>(integerOption("--jobs", text, 1, mostThreads));
       });
-  command.addText(
-      {"--changed", "PERCENT", "Report curves that moved by more than PERCENT % (default 0.01)"},
-      [request](const std::string& text) {
-        request->changedPercent = numberOption("--changed", text);
-        if (request->changedPercent >= 0) return;
-        throw Trouble(ExitCode::usage, "--changed: '" + text + "' is negative",
-                      "give per cent, 0 or more");
-      });
+  addChangedPercent(command, "Report curves that moved by more than PERCENT % (default 0.01)",
+                    [request](double percent) { request->changedPercent = percent; });
   addFitChoices(command, request->choices,
                 "as the curve was fitted; " + usualChoice() + " for a series without a curve");
   command.setFooter(

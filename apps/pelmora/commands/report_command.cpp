@@ -59,7 +59,7 @@ ReportKind kindOf(const ReportRequest& request) {
   if (request.output == "-") return ReportKind::html;
   if (const auto told = calibration::reportKindOf(request.output)) return *told;
   throw Trouble(
-      ExitCode::usage, "--output: '" + request.output + "' does not tell a format",
+      ExitCode::usage, "--output: '" + request.output + "' has no ending of a report",
       "end the name in one of .html, .pdf, .xml, .json, .csv, .xlsx, .svg, or give the format's "
       "option");
 }

@@ -93,7 +93,8 @@ void addStandCommand(Program& program) {
       "Store what the stand contributes to the uncertainty of a calibration, or show what is "
       "stored. U of its curves contains it from then on.");
   const auto request = std::make_shared<StandRequest>();
-  command.addChoice({"ACTION", "uncertainty", "What about the stand", true}, request->action);
+  command.addChoice({"ACTION", "uncertainty", "What to store or show about the stand", true},
+                    request->action);
   addDatabase(command, request->curves);
   addPath(command,
           {"FILE,--file", "FILE",

@@ -54,6 +54,10 @@ class PointFile {
     result.recognised = sheet_.recognised();
     result.roshkoColumn = sheet_.columnName(derived_ ? derived_->viscosity() : xColumn_);
     if (derived_) result.derivation = derived_->words();
+    if (isAssumed_) {
+      result.assumption = "column '" + sheet_.columnName(xColumn_) + "' was taken as Roshko and '" +
+                          sheet_.columnName(yColumn_) + "' as Strouhal; choose with --x and --y";
+    }
     return result;
   }
 
@@ -88,6 +92,8 @@ class PointFile {
       yColumn_ = column(wanted_.y.empty() ? "Strouhal" : wanted_.y);
     } else if (sheet_.columns().size() != 2) {
       throw notTwoColumns();
+    } else {
+      isAssumed_ = hasHeader() && !(sheet_.find("x") == 0 && sheet_.find("y") == 1);
     }
   }
 
@@ -143,7 +149,7 @@ class PointFile {
     };
     if (x_.back() <= 0) {
       refuse(xColumn_, "a Roshko number of " + row.fields[xColumn_] +
-                           " cannot be: it is a frequency over a viscosity");
+                           " is not possible: it is a frequency over a viscosity");
     }
     if (y_.back() == 0)
       refuse(yColumn_, "a value of 0 cannot be fitted, because residuals are relative to it");
@@ -165,6 +171,7 @@ class PointFile {
   sheets::Sheet sheet_;
   std::optional<DerivedColumns> derived_;
   std::size_t xColumn_ = 0, yColumn_ = 1;
+  bool isAssumed_ = false;  // the header names the columns otherwise
   std::vector<std::pair<std::size_t, std::string>> filters_;
   std::vector<double> x_, y_;
 };

@@ -28,6 +28,7 @@ struct CsvPoints {
   PointArray points;
   sheets::Recognised recognised;
   std::string derivation;          // how x and y were derived; empty if they were read
+  std::string assumption;          // which columns were taken, if the header has other names
   std::vector<std::size_t> lines;  // of the file, one for each point
   std::string roshkoColumn;        // that of Roshko, or of the viscosity it was derived from
 };

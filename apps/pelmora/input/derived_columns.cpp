@@ -74,7 +74,7 @@ ColumnChoice columnChoice(const std::string& text) {
     }
     if (value == nullptr || equals + 1 == part.size())
       throw usage("'" + shortened(part) + "' is not a column of q, f, nu or t");
-    if (!value->empty()) throw usage("'" + part.substr(0, equals) + "' is there twice");
+    if (!value->empty()) throw usage("'" + part.substr(0, equals) + "' appears twice");
     *value = part.substr(equals + 1);
     const std::size_t comma = value->find(',');
     if (comma != std::string::npos && value->find('=', comma) != std::string::npos)
@@ -138,7 +138,7 @@ double DerivedColumns::positive(const sheets::Row& row, std::size_t column, cons
   if (value > 0) return value;
   throw sheets::SheetError(
       "line " + std::to_string(row.line) + ", column " + sheet_.columnName(column),
-      "a " + std::string(quantity) + " of " + row.fields[column] + " cannot be",
+      "a " + std::string(quantity) + " of " + row.fields[column] + " is not possible",
       "correct it or leave the line out");
 }
 

@@ -25,7 +25,7 @@ char separatorNamed(const std::string& text) {
   constexpr std::string_view signs = "\t!#$%&'()*,/:;<=>?@[\\]^_`{|}~";
   if (text.size() == 1 && signs.find(text[0]) != std::string_view::npos) return text[0];
   throw Trouble(ExitCode::usage, "--separator: '" + shortened(text) + "' is not allowed",
-                "give comma, semicolon, tab or one other sign");
+                "give comma, semicolon, tab or any other single character");
 }
 
 }  // namespace
@@ -118,10 +118,11 @@ void addConsent(Command& command, Consent& consent) {
 }
 
 void addSheetStyle(Command& command, sheets::Style& style) {
-  command.addText({"--separator", "SIGN",
-                   "Between the fields of the file: comma, semicolon, tab or one other sign "
-                   "(default: recognised)"},
-                  [&style](const std::string& text) { style.separator = separatorNamed(text); });
+  command.addText(
+      {"--separator", "SIGN",
+       "Between the fields of the file: comma, semicolon, tab or any other single character "
+       "(default: recognised)"},
+      [&style](const std::string& text) { style.separator = separatorNamed(text); });
   command.addChoice(
       {"--decimal", "point|comma", "Decimal sign of the numbers in the file (default: recognised)"},
       [&style](const std::string& text) { style.decimal = text == "point" ? '.' : ','; });

@@ -3,6 +3,7 @@
 
 #include "apps/pelmora/input/input_file.h"
 #include "apps/pelmora/trouble.h"
+#include "base/trimmed_text.h"
 
 #include <cstdlib>
 #include <istream>
@@ -11,12 +12,8 @@
 namespace pelmora::cli {
 namespace {
 
-std::string trimmed(const std::string& text) {
-  constexpr const char* blanks = " \t\r";
-  const std::size_t first = text.find_first_not_of(blanks);
-  if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
+// Lines of Windows files end with a carriage return.
+std::string unblanked(const std::string& text) { return std::string(trimmed(text, " \t\r")); }
 
 }  // namespace
 
@@ -55,18 +52,18 @@ std::vector<CLI::ConfigItem> ConfigurationReader::from_config(std::istream& inpu
   for (std::string line; std::getline(input, line);) {
     ++number;
     if (number == 1 && line.starts_with("\xEF\xBB\xBF")) line.erase(0, 3);
-    line = trimmed(line);
+    line = unblanked(line);
     if (line.empty() || line.front() == '#' || line.front() == ';') continue;
     if (line.front() == '[' && line.back() == ']') {
-      command = {trimmed(line.substr(1, line.size() - 2))};
+      command = {unblanked(line.substr(1, line.size() - 2))};
       continue;
     }
     const std::size_t equals = line.find('=');
     const bool isAlone = equals == std::string::npos;
     CLI::ConfigItem item;
     item.parents = command;
-    item.name = trimmed(line.substr(0, equals));
-    item.inputs = {isAlone ? "true" : trimmed(line.substr(equals + 1))};
+    item.name = unblanked(line.substr(0, equals));
+    item.inputs = {isAlone ? "true" : unblanked(line.substr(equals + 1))};
     if (item.name.empty() || item.inputs.front().empty()) {
       throw Trouble(
           ExitCode::usage,

@@ -8,6 +8,7 @@
 #include "apps/pelmora/trouble.h"
 
 #include <limits>
+#include <utility>
 
 namespace pelmora::cli {
 namespace {
@@ -87,6 +88,19 @@ void addChoose(Command& command, std::optional<calibration::Choice>& choice,
                const std::string& help) {
   command.addChoice({"--choose", "trusted|adjusted-r2", help},
                     [&choice](const std::string& text) { choice = calibration::choiceOf(text); });
+}
+
+void addChangedPercent(Command& command, const std::string& help,
+                       std::function<void(double percent)> take) {
+  command.addText({"--changed", "PERCENT", help},
+                  [take = std::move(take)](const std::string& text) {
+                    const double percent = numberOption("--changed", text);
+                    if (percent < 0) {
+                      throw Trouble(ExitCode::usage, "--changed: '" + text + "' is negative",
+                                    "give per cent, 0 or more");
+                    }
+                    take(percent);
+                  });
 }
 
 void addFitChoices(Command& command, FitChoices& options, const std::string& otherwise) {

@@ -7,6 +7,7 @@
 #include <pelmora/calibration/fit.h>
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -34,6 +35,9 @@ struct FitChoices {
 [[nodiscard]] std::string usualChoice();
 // otherwise: the rule that applies without --choose, as the help shows it.
 void addFitChoices(Command& command, FitChoices& options, const std::string& otherwise);
+// --changed PERCENT, 0 or more: from which shift on a refitted curve counts as changed.
+void addChangedPercent(Command& command, const std::string& help,
+                       std::function<void(double percent)> take);
 // --choose alone.
 void addChoose(Command& command, std::optional<calibration::Choice>& choice,
                const std::string& help);

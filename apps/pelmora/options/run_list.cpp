@@ -55,7 +55,7 @@ std::vector<ListedRun> listedRuns(const std::vector<std::string>& jobs,
     for (const ListedRun& earlier : runs) {
       if (!equalNames(earlier.run.fluid, run.fluid)) continue;
       throw Trouble(
-          ExitCode::usage, "--fluid '" + run.fluid + "' is there twice",
+          ExitCode::usage, "--fluid '" + run.fluid + "' appears twice",
           "a meter keeps one run of a fluid, so the second would replace the first; give each run "
           "its own fluid name");
     }

@@ -3,6 +3,7 @@
 
 #include "apps/pelmora/input/input_file.h"
 #include "apps/pelmora/options/strict_number.h"
+#include "apps/pelmora/recorded_expansion.h"
 #include "apps/pelmora/trouble.h"
 
 namespace pelmora::cli {
@@ -40,11 +41,8 @@ void requireUnit(const std::string& option, const std::string& unit, const std::
 }
 
 void addReading(Command& command, const std::string& help, calibration::ReadAs& reading) {
-  using calibration::ReadAs;
   command.addChoice({"--read", "linear|log|cubic", help}, [&reading](const std::string& word) {
-    for (const ReadAs each : {ReadAs::linear, ReadAs::log, ReadAs::cubic}) {
-      if (word == calibration::tableReadingKey(each)) reading = each;
-    }
+    reading = *calibration::tableReadingOf(word);
   });
 }
 
@@ -65,8 +63,8 @@ void addFluid(Command& command, FluidOptions& options) {
                   });
   command.addText(
       {"--expansion", "ALPHA",
-       "Linear thermal expansion of the meter's body per K (default 1.728e-5, stainless "
-       "steel)"},
+       "Linear thermal expansion of the meter's body per K (default: as recorded with 'pelmora "
+       "meter set', else 1.728e-5, stainless steel)"},
       [&options](const std::string& text) {
         options.expansionPerKelvin = numberOption("--expansion", text);
       });
@@ -83,6 +81,12 @@ std::optional<double> viscosityOf(const FluidOptions& options, const calibration
                   "give --temperature as well");
   }
   return lab.fluidLaw(options.fluid).viscosity(*options.celsius);
+}
+
+std::optional<double> expansionOf(const FluidOptions& options, const calibration::Database& lab,
+                                  const calibration::Meter& meter) {
+  if (options.expansionPerKelvin) return options.expansionPerKelvin;
+  return recordedExpansion(lab, meter);
 }
 
 double celsiusOf(const FluidOptions& options) {

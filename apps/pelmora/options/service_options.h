@@ -48,6 +48,11 @@ void addFluid(Command& command, FluidOptions& options);
 //         for an unknown fluid.
 [[nodiscard]] std::optional<double> viscosityOf(const FluidOptions& options,
                                                 const calibration::Database& lab);
+// Linear expansion of the meter's body per K: of the options, else as it is recorded with the
+// calibration; absent if neither is known.
+[[nodiscard]] std::optional<double> expansionOf(const FluidOptions& options,
+                                                const calibration::Database& lab,
+                                                const calibration::Meter& meter);
 // In degrees C; 70 F if none is given.
 [[nodiscard]] double celsiusOf(const FluidOptions& options);
 

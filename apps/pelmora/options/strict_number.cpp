@@ -3,6 +3,7 @@
 
 #include "apps/pelmora/trouble.h"
 #include "base/text_flaw.h"
+#include "base/trimmed_text.h"
 
 #include <charconv>
 #include <cmath>
@@ -10,18 +11,15 @@
 namespace pelmora::cli {
 namespace {
 
-std::string_view trimmed(std::string_view text) {
-  constexpr const char* blanks = " \t";
-  const std::size_t first = text.find_first_not_of(blanks);
-  if (first == std::string_view::npos) return {};
-  text = text.substr(first, text.find_last_not_of(blanks) - first + 1);
+std::string_view withoutBlanksAndPlus(std::string_view text) {
+  text = trimmed(text, " \t");
   const bool plusOnly = text.size() > 1 && text[0] == '+' && text[1] != '-' && text[1] != '+';
   return plusOnly ? text.substr(1) : text;
 }
 
 template <class Number>
 std::optional<Number> whole(std::string_view text) {
-  text = trimmed(text);
+  text = withoutBlanksAndPlus(text);
   Number value{};
   const auto [end, code] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (code != std::errc() || end != text.data() + text.size() || text.empty()) return std::nullopt;
@@ -40,7 +38,7 @@ std::optional<std::int64_t> strictInteger(std::string_view text) {
 }
 
 std::string notANumber(std::string_view text) {
-  if (trimmed(text).empty()) return "the field is empty";
+  if (withoutBlanksAndPlus(text).empty()) return "the field is empty";
   const std::string quoted = "'" + shortened(text) + "'";
   if (text.size() > shortened(text).size()) return quoted + " is not a number";
   std::string withPoint(text);

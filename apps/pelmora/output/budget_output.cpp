@@ -6,6 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cmath>
 
 namespace pelmora::cli {
@@ -35,7 +36,10 @@ std::string budgetText(const Budget& budget) {
   table.addRow({"combined", significantText(budget.standardUncertainty, 3), "", "",
                 degreesText(budget.degreesOfFreedom),
                 significantText(budget.standardUncertainty / size, 3)});
-  return table.text();
+  const std::string factor = "k = " + report::printedCoverageFactor(budget.coverageFactor);
+  return table.text() + "U = " + expandedText(budget) + " (" +
+         report::printedUncertainty(budget.roundedPercent()) + " %" +
+         (budget.isCmc ? "): the laboratory's CMC; " + factor : "), " + factor) + "\n";
 }
 
 Budget scaled(Budget budget, double factor) {

@@ -134,7 +134,7 @@ Trouble warningTrouble(const Fit& fit) {
   return {ExitCode::notFitted,
           "the curve of series '" + fit.series + "' of meter '" + fit.meter.serial + "' has " +
               counted(warnings.size(), "warning") + ": " + withShortNumbers(warnings.front().Text),
-          "leave --strict out to store it all the same; no curve was stored"};
+          "leave --strict out to store it anyway; no curve was stored"};
 }
 
 }  // namespace pelmora::cli

@@ -2,13 +2,10 @@
 #include "apps/pelmora/output/flow_table_output.h"
 
 #include "apps/pelmora/output/text_table.h"
-#include "report/csv_report.h"
 #include "report/json_null.h"
+#include "report/json_values.h"
 
 #include <nlohmann/json.hpp>
-
-#include <algorithm>
-#include <variant>
 
 namespace pelmora::cli {
 namespace {
@@ -27,32 +24,7 @@ std::string withUnit(const std::string& name, const std::string& unit) {
   return unit.empty() ? name : name + " (" + unit + ")";
 }
 
-std::string cell(const Value& value, const CsvForm& form) {
-  std::string text = report::csvCell(value);
-  if (std::holds_alternative<double>(value)) {
-    std::replace(text.begin(), text.end(), '.', form.decimal);
-  } else if (form.separator != ',' && text.find(form.separator) != std::string::npos &&
-             !text.starts_with('"')) {
-    text = '"' + text + '"';
-  }
-  return text;
-}
-
 }  // namespace
-
-std::string tableCsv(const report::ReportTable& table, const CsvForm& form) {
-  std::string text;
-  for (const std::string& column : table.columns)
-    text += (text.empty() ? "" : std::string(1, form.separator)) + cell(Value(column), form);
-  text += "\n";
-  for (const auto& row : table.rows) {
-    std::string line;
-    for (std::size_t i = 0; i < row.size(); ++i)
-      line += (i == 0 ? "" : std::string(1, form.separator)) + cell(row[i], form);
-    text += line + "\n";
-  }
-  return text;
-}
 
 report::ReportTable flowTable(const FlowComputerTable& table) {
   report::ReportTable made{
@@ -68,8 +40,13 @@ report::ReportTable flowTable(const FlowComputerTable& table) {
   return made;
 }
 
-nlohmann::json flowTableJson(const FlowComputerTable& table) {
-  nlohmann::json value{{"for", calibration::tableFormKey(table.options.form)},
+nlohmann::json flowTableJson(const FlowComputerTable& table, const std::string& location,
+                             const calibration::StoredSeries& series) {
+  nlohmann::json value{{"database", location},
+                       {"meter", report::meterJson(series.meter)},
+                       {"series", series.name},
+                       {"curveAge", calibration::curveAgeKey(series.age)},
+                       {"for", calibration::tableFormKey(table.options.form)},
                        {"read", calibration::tableReadingKey(table.options.reading)},
                        {"x", {{"name", table.xName}, {"unit", table.xUnit}}},
                        {"y", {{"name", table.yName}, {"unit", table.yUnit}}},

@@ -5,6 +5,7 @@
 #include "report/report_tables.h"
 
 #include <pelmora/calibration/tables.h>
+#include <pelmora/calibration/values.h>
 
 #include <nlohmann/json_fwd.hpp>
 
@@ -12,17 +13,12 @@
 
 namespace pelmora::cli {
 
-// How a CSV file is written.
-struct CsvForm {
-  char separator = ',', decimal = '.';
-};
-
-// A header line and the rows; numbers in their shortest exact form.
-[[nodiscard]] std::string tableCsv(const report::ReportTable& table, const CsvForm& form);
-
 // Columns x, y and U, named with their units: "Roshko (Hz/cSt)".
 [[nodiscard]] report::ReportTable flowTable(const calibration::FlowComputerTable& table);
-[[nodiscard]] nlohmann::json flowTableJson(const calibration::FlowComputerTable& table);
+// The table of `series` in the database at `location`.
+[[nodiscard]] nlohmann::json flowTableJson(const calibration::FlowComputerTable& table,
+                                           const std::string& location,
+                                           const calibration::StoredSeries& series);
 // Reading error, U and what it contains, in words.
 [[nodiscard]] std::string flowTableText(const calibration::FlowComputerTable& table);
 

@@ -28,7 +28,7 @@ std::string stateText(const RawPoint& point) {
   std::string text = calibration::pointStateKey(point.state);
   if (point.exclusion) return text + ": " + point.exclusion->reason;
   if (point.cutPercent) text += ": " + signedText(point.cutPercent, 3) + " %";
-  return point.isDistrusted ? text + ", suspect" : text;
+  return point.isDistrusted && point.state != PointState::distrusted ? text + ", suspect" : text;
 }
 
 std::size_t count(const std::vector<RawPoint>& points, PointState state) {
@@ -70,6 +70,7 @@ std::string pointCounts(const std::vector<RawPoint>& points) {
   };
   add(PointState::excluded, " excluded");
   add(PointState::cut, " cut by the merge");
+  add(PointState::distrusted, " distrusted");
   add(PointState::outsideRange, " beyond the stored curve");
   return text;
 }

@@ -41,9 +41,8 @@ std::string wordOf(Kind kind) {
   }
 }
 
-std::vector<const RefitResult*> resultsOf(const RefitSummary& summary,
-                                          std::initializer_list<Kind> kinds) {
-  std::vector<const RefitResult*> list;
+RefitResults resultsOf(const RefitSummary& summary, std::initializer_list<Kind> kinds) {
+  RefitResults list;
   for (const RefitResult& result : summary.outcome.results) {
     if (std::ranges::find(kinds, result.kind) != kinds.end()) list.push_back(&result);
   }
@@ -55,8 +54,13 @@ std::string andMore(std::size_t all) {
   return "... and " + std::to_string(all - mostRows) + " more: --json lists them all.\n";
 }
 
-std::string changedTable(const RefitSummary& summary) {
-  auto changed = resultsOf(summary, {Kind::changed});
+std::string countLine(std::size_t count, const std::string& what) {
+  return count == 0 ? "" : "  " + std::to_string(count) + " " + what + "\n";
+}
+
+}  // namespace
+
+std::string changedTable(RefitResults changed) {
   if (changed.empty()) return "";
   // The largest first: that is where people look.
   std::ranges::stable_sort(changed, std::greater(), [](const RefitResult* result) {
@@ -78,9 +82,7 @@ std::string changedTable(const RefitSummary& summary) {
   return "\n" + table.text() + andMore(changed.size());
 }
 
-std::string missingTable(const RefitSummary& summary) {
-  const auto missing =
-      resultsOf(summary, {Kind::notFitted, Kind::unusable, Kind::unreadable, Kind::gone});
+std::string missingTable(const RefitResults& missing) {
   if (missing.empty()) return "";
   TextTable table(
       {{"Meter"}, {"Cal.", TextTable::Align::right}, {"Series"}, {"Why there is no new curve"}});
@@ -92,11 +94,21 @@ std::string missingTable(const RefitSummary& summary) {
   return "\n" + table.text() + andMore(missing.size());
 }
 
-std::string countLine(std::size_t count, const std::string& what) {
-  return count == 0 ? "" : "  " + std::to_string(count) + " " + what + "\n";
+nlohmann::json resultJson(const RefitResult& result, bool isStored) {
+  nlohmann::json entry = {{"meter", result.task.meter.serial},
+                          {"calibration", result.task.meter.calibration},
+                          {"series", result.task.series},
+                          {"outcome", wordOf(result.kind)},
+                          {"stored", isStored},
+                          {"changedMeanwhile", result.changedMeanwhile}};
+  if (!result.equation.empty()) entry["equation"] = result.equation;
+  if (!result.reason.empty()) entry["reason"] = result.reason;
+  const bool isCompared = result.kind == Kind::changed || result.kind == Kind::kept;
+  if (isCompared && result.reason.empty()) {
+    entry["largestShift"] = {{"percent", result.shiftPercent}, {"roshko", result.shiftRoshko}};
+  }
+  return entry;
 }
-
-}  // namespace
 
 std::string refitText(const RefitSummary& summary) {
   const std::size_t all = summary.outcome.results.size();
@@ -117,7 +129,9 @@ std::string refitText(const RefitSummary& summary) {
                         " of these meanwhile; they were fitted again as they are now.",
                     0);
   }
-  text += changedTable(summary) + missingTable(summary);
+  text += changedTable(resultsOf(summary, {Kind::changed})) +
+          missingTable(
+              resultsOf(summary, {Kind::notFitted, Kind::unusable, Kind::unreadable, Kind::gone}));
   if (summary.options.isDryRun) return text + "\nDry run: nothing was changed.\n";
   if (summary.outcome.kept.empty()) return text;
   return text + "\n" +
@@ -131,19 +145,7 @@ std::string refitJson(const RefitSummary& summary) {
       {"dryRun", summary.options.isDryRun}, {"changedMeanwhile", changedMeanwhile(summary)},
       {"series", nlohmann::json::array()}};
   for (const RefitResult& result : summary.outcome.results) {
-    nlohmann::json entry = {{"meter", result.task.meter.serial},
-                            {"calibration", result.task.meter.calibration},
-                            {"series", result.task.series},
-                            {"outcome", wordOf(result.kind)},
-                            {"stored", result.isStored && !summary.options.isDryRun},
-                            {"changedMeanwhile", result.changedMeanwhile}};
-    if (!result.equation.empty()) entry["equation"] = result.equation;
-    if (!result.reason.empty()) entry["reason"] = result.reason;
-    const bool isCompared = result.kind == Kind::changed || result.kind == Kind::kept;
-    if (isCompared && result.reason.empty()) {
-      entry["largestShift"] = {{"percent", result.shiftPercent}, {"roshko", result.shiftRoshko}};
-    }
-    value["series"].push_back(std::move(entry));
+    value["series"].push_back(resultJson(result, result.isStored && !summary.options.isDryRun));
   }
   return report::jsonText(value);
 }

@@ -28,10 +28,12 @@ const std::array<PlotMark, 4> partMarks{
     {{"●", 'o', 6}, {"▲", 'x', 3}, {"■", '#', 5}, {"◆", '*', 2}}};
 const PlotMark excludedMark{"×", 'e', 1};
 const PlotMark cutMark{"○", 'c', 0};
+const PlotMark distrustedMark{"◎", 'd', 1};
 
 const PlotMark& markOf(const RawPoint& point) {
   if (point.state == PointState::excluded) return excludedMark;
   if (point.state == PointState::cut) return cutMark;
+  if (point.state == PointState::distrusted) return distrustedMark;
   return partMarks.at(static_cast<std::size_t>(point.part - 1));
 }
 
@@ -191,16 +193,18 @@ std::string legend(const DrawnSeries& series, PlotStyle style, bool isColoured) 
             " " + words;
   };
   std::set<int> parts;
-  bool hasExcluded = false, hasCut = false;
+  bool hasExcluded = false, hasCut = false, hasDistrusted = false;
   for (const RawPoint& point : series.points) {
     hasExcluded |= point.state == PointState::excluded;
     hasCut |= point.state == PointState::cut;
+    hasDistrusted |= point.state == PointState::distrusted;
     if (!parts.insert(point.part).second) continue;
     add(partMarks.at(static_cast<std::size_t>(point.part - 1)),
         point.fluid.empty() ? "part " + std::to_string(point.part) : point.fluid);
   }
   if (hasCut) add(cutMark, "cut by the merge");
   if (hasExcluded) add(excludedMark, "excluded");
+  if (hasDistrusted) add(distrustedMark, "distrusted, not fitted");
   return text;
 }
 

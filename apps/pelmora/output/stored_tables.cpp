@@ -50,7 +50,7 @@ std::string excludedLine(const std::vector<StoredSeries>& all) {
   std::vector<PointsOfSeries> excluded;
   for (const StoredSeries& series : all) excluded.push_back({series.name, series.excluded.size()});
   const std::string points = pointsBySeries(excluded);
-  return points.empty() ? "" : wrapped("Excluded: " + points + "; 'pelmora points' tells why.", 0);
+  return points.empty() ? "" : wrapped("Excluded: " + points + "; 'pelmora points' says why.", 0);
 }
 
 json excludedJson(const StoredSeries& series) {

@@ -14,7 +14,7 @@ namespace {
 std::string reasonOf(const std::vector<SuspectPoint>& points) {
   double most = 0;
   for (const SuspectPoint& point : points) most = std::max(most, std::fabs(point.sigmas));
-  const std::string sigmas = significantText(most, 2) + " sigma off ";
+  const std::string sigmas = sigmasText(most) + " sigma off ";
   return points.size() == 1 ? sigmas + "its neighbours" : "up to " + sigmas + "their neighbours";
 }
 

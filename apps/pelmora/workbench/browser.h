@@ -9,7 +9,7 @@ namespace pelmora::cli::workbench {
 
 // Hands the browser a file that leads to the address: everybody on the machine can read the
 // arguments of a program, and the address has a token in it. The file, which this user alone can
-// read, lives as long as the object. A machine without a browser is no error.
+// read, lives as long as the object. It is not an error if the machine has no browser.
 class BrowserFile {
  public:
   explicit BrowserFile(const std::string& address);

@@ -2,16 +2,24 @@
 // SPDX-License-Identifier: MIT
 #include "bindings/python/module/bindings.h"
 #include "bindings/python/module/curve_handle.h"
+#include "bindings/python/module/pickling.h"
+#include "bindings/python/module/records.h"
+#include "bindings/python/module/watched.h"
 
+#include <pelmora/calibration/coverage.h>
 #include <pelmora/calibration/curve.h>
 #include <pelmora/calibration/failure.h>
 #include <pelmora/calibration/flow.h>
+#include <pelmora/calibration/report.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <limits>
 #include <optional>
+#include <span>
 #include <sstream>
+#include <string>
 #include <vector>
 
 namespace pelmora::python {
@@ -50,11 +58,36 @@ double placeIn(const cal::Curve& curve, double roshko, py::ssize_t index, bool e
                          "through the last two points"});
 }
 
+// Between the portions of a long evaluation: a signal ends it, and other threads get their turn.
+void takeTurns() {
+  if (PyErr_CheckSignals() != 0) throw py::error_already_set();
+  const py::gil_scoped_release others;
+}
+
 template <class Value>
 py::array_t<double> atEach(const Column& places, Value value) {
+  constexpr py::ssize_t portion = 64;
   py::array_t<double> result(places.size());
   double* out = result.mutable_data();
-  for (py::ssize_t i = 0; i < places.size(); ++i) out[i] = value(places.data()[i], i);
+  for (py::ssize_t i = 0; i < places.size(); ++i) {
+    if (i % portion == portion - 1) takeTurns();
+    out[i] = value(places.data()[i], i);
+  }
+  return result;
+}
+
+// values(portion of the places) gives as many numbers.
+template <class Values>
+py::array_t<double> inPortions(const std::vector<double>& places, Values values) {
+  constexpr std::size_t portion = 1024;
+  const std::span<const double> all(places);
+  py::array_t<double> result(static_cast<py::ssize_t>(places.size()));
+  double* out = result.mutable_data();
+  for (std::size_t first = 0; first < places.size(); first += portion) {
+    if (first > 0) takeTurns();
+    for (const double value : values(all.subspan(first, std::min(portion, all.size() - first))))
+      *out++ = value;
+  }
   return result;
 }
 
@@ -70,10 +103,7 @@ py::array_t<double> arrayOf(const std::vector<double>& values) {
 }
 
 cal::ReadAs readingNamed(const std::string& reading) {
-  for (const auto each :
-       {cal::ReadAs::none, cal::ReadAs::linear, cal::ReadAs::log, cal::ReadAs::cubic}) {
-    if (reading == cal::tableReadingKey(each)) return each;
-  }
+  if (const auto known = cal::tableReadingOf(reading)) return *known;
   throw cal::BadData({"there is no reading '" + reading + "'", "reading",
                       "use 'linear', 'log' or 'cubic', or None for the curve itself"});
 }
@@ -81,7 +111,9 @@ cal::ReadAs readingNamed(const std::string& reading) {
 py::array_t<double> strouhal(const CurveHandle& curve, const Column& roshko, bool extrapolate,
                              const std::string& reading) {
   const std::vector<double> places = placesIn(curve.table(), roshko, extrapolate);
-  return arrayOf(curve.function().read(places, readingNamed(reading)));
+  const cal::ReadAs how = readingNamed(reading);
+  const cal::FittedCurve& function = curve.function();
+  return inPortions(places, [&](auto portion) { return function.read(portion, how); });
 }
 
 py::array_t<double> halfWidths(const CurveHandle& curve, const Column& roshko, bool ofPrediction) {
@@ -94,12 +126,15 @@ py::array_t<double> halfWidths(const CurveHandle& curve, const Column& roshko, b
 // U of each place; NaN where it is not known.
 py::array_t<double> expanded(const CurveHandle& curve, const Column& roshko,
                              const std::string& reading, std::optional<double> viscosity) {
-  std::vector<double> values;
   const std::vector<double> places = placesIn(curve.table(), roshko, false);
   const cal::EvaluateOptions options{readingNamed(reading), viscosity};
-  for (const cal::CurveEstimate& at : curve.function().at(places, options))
-    values.push_back(at.budget ? at.budget->expanded : unknown);
-  return arrayOf(values);
+  const cal::FittedCurve& function = curve.function();
+  return inPortions(places, [&](auto portion) {
+    std::vector<double> values;
+    for (const cal::CurveEstimate& at : function.at(portion, options))
+      values.push_back(at.budget ? at.budget->expanded : unknown);
+    return values;
+  });
 }
 
 py::array_t<double> roshko(const CurveHandle& curve, const Column& strouhal, bool extrapolate) {
@@ -119,7 +154,9 @@ py::array_t<double> roshko(const CurveHandle& curve, const Column& strouhal, boo
 }
 
 py::array_t<double> slope(const CurveHandle& curve, const Column& roshko, bool extrapolate) {
-  return arrayOf(curve.function().slopes(placesIn(curve.table(), roshko, extrapolate)));
+  const std::vector<double> places = placesIn(curve.table(), roshko, extrapolate);
+  const cal::FittedCurve& function = curve.function();
+  return inPortions(places, [&](auto portion) { return function.slopes(portion); });
 }
 
 py::array_t<double> flow(const CurveHandle& curve, const Column& frequency, const Column& viscosity,
@@ -133,6 +170,30 @@ py::array tableOf(const py::object& self) {
   const auto& points = self.cast<const CurveHandle&>().table().points();
   return viewOf(&points.front().roshko, {static_cast<py::ssize_t>(points.size()), 2},
                 {sizeof(cal::CurvePoint), offsetof(cal::CurvePoint, strouhal)}, self);
+}
+
+// How many standard uncertainties the 95 % bands are wide.
+double coverageOf(const cal::Fit& fit) {
+  if (fit.trust) return 2;
+  const EquationOutcome& chosen = fit.chosen();
+  const auto parameters = static_cast<std::int32_t>(chosen.Parameters.size());
+  return cal::coverageFactor(0.95, chosen.Statistics.Observations - parameters);
+}
+
+// The chosen equation and the coverage of the bands; None if no fit gives the curve.
+py::object equationOf(const CurveHandle& curve) {
+  if (!curve.fit()) return py::none();
+  const cal::Fit& fit = **curve.fit();
+  return py::make_tuple(recordOf(fit.equations().front()), coverageOf(fit));
+}
+
+py::object pictureOf(const CurveHandle& curve) {
+  if (!curve.fit()) return py::none();
+  std::string picture;
+  watched({}, [&](const cal::Observer& observer) {
+    picture = cal::plotOf(**curve.fit(), observer.stop);
+  });
+  return textOf(picture);
 }
 
 }  // namespace
@@ -150,6 +211,9 @@ void bindCurve(py::module_& module) {
                                return std::string(cal::curveSourceName(curve.function().source()));
                              })
       .def_property_readonly("table", &tableOf)
+      .def_property_readonly("equation", &equationOf)
+      .def("picture", &pictureOf)
+      .def("to_bytes", [](const CurveHandle& curve) { return py::bytes(bytesOf(curve)); })
       .def_property_readonly("has_bands",
                              [](const CurveHandle& curve) {
                                for (const cal::CurvePoint& point : curve.table().points())
@@ -159,6 +223,8 @@ void bindCurve(py::module_& module) {
       .def_property_readonly("range", [](const CurveHandle& curve) {
         return py::make_tuple(curve.table().lowestRoshko(), curve.table().highestRoshko());
       });
+  module.def(
+      "curve_from", [](const std::string& pickled) { return curveFrom(pickled); }, "pickled"_a);
 }
 
 }  // namespace pelmora::python

@@ -38,15 +38,17 @@ FitResult fitSeries(Laboratory& lab, const cal::StoredSeries& series, const py::
       }));
 }
 
-// The fit repeated with the settings of the stored curve, whether it gave the stored curve, and why
-// there is no curve.
-py::tuple repeatFit(Laboratory& lab, const cal::StoredSeries& series) {
-  cal::Repeated repeated = lab.use({}, [&](cal::Database& database, const cal::Observer& observer) {
-    return database.repeat(series, {}, observer);
+// With the fit behind it if that gives the curve again.
+CurveHandle storedCurve(Laboratory& lab, const cal::Meter& meter, const std::string& series) {
+  return lab.use({}, [&](cal::Database& database, const cal::Observer& observer) {
+    const cal::StoredSeries stored = database.series(meter, series);
+    (void)stored.storedCurve();
+    cal::Repeated repeated = database.repeat(stored, {}, observer);
+    if (!repeated.isStoredCurve())
+      return CurveHandle(database.fittedCurve(stored, repeated, observer).table(), stored.name);
+    repeated.fit.curve = stored.curve;  // to the last digit
+    return CurveHandle(FitResult(std::move(repeated.fit)), database.standUncertainty(meter));
   });
-  const bool isStored = repeated.isStoredCurve();
-  const py::str trouble = textOf(repeated.trouble);
-  return py::make_tuple(FitResult(std::move(repeated.fit)), isStored, trouble);
 }
 
 py::tuple refit(Laboratory& lab, const std::vector<std::pair<cal::Meter, std::string>>& tasks,
@@ -106,19 +108,12 @@ void bindLookUps(py::class_<Laboratory>& type) {
             return lab.use([&](auto& database) { return database.series(meter, name); });
           },
           "meter"_a, "name"_a)
-      .def(
-          "curve",
-          [](Laboratory& lab, const cal::Meter& meter, const std::string& series) {
-            return CurveHandle(lab.use({}, [&](auto& database, const cal::Observer& observer) {
-              return database.fittedCurve(database.series(meter, series), observer);
-            }));
-          },
-          "meter"_a, "series"_a)
+      .def("curve", &storedCurve, "meter"_a, "series"_a)
       .def(
           "is_outdated",
           [](Laboratory& lab, const cal::StoredSeries& series) {
-            return lab.use([&](auto& database) {
-              return database.curveAge(series) == cal::CurveAge::outdated;
+            return lab.use({}, [&](cal::Database& database, const cal::Observer& observer) {
+              return database.curveAge(series, observer) == cal::CurveAge::outdated;
             });
           },
           "series"_a)
@@ -165,7 +160,6 @@ void bindChanges(py::class_<Laboratory>& type) {
 
 void bindFits(py::class_<Laboratory>& type) {
   type.def("fit", &fitSeries, "series"_a, "settings"_a, "status"_a, "progress"_a)
-      .def("repeat", &repeatFit, "series"_a)
       .def("refit", &refit, "tasks"_a, "all"_a, "threads"_a, "changed_percent"_a, "dry_run"_a,
            "progress"_a);
 }
@@ -185,6 +179,7 @@ void bindDatabase(py::module_& module) {
   bindImport(type);
   bindPoints(type);
   bindDetails(type);
+  bindSignOffs(type);
   bindReports(type);
 }
 

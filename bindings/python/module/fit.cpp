@@ -4,16 +4,18 @@
 #include "bindings/python/module/curve_handle.h"
 #include "bindings/python/module/fit_result.h"
 #include "bindings/python/module/fit_settings.h"
+#include "bindings/python/module/pickling.h"
 #include "bindings/python/module/records.h"
 #include "bindings/python/module/watched.h"
 
-#include <pelmora/calibration/coverage.h>
-#include <pelmora/calibration/curve.h>
 #include <pelmora/calibration/report.h>
 
 #include <pybind11/stl.h>
 
 #include <limits>
+#include <optional>
+#include <stop_token>
+#include <string>
 
 namespace pelmora::python {
 namespace {
@@ -34,20 +36,6 @@ FitResult fitOf(const std::vector<Part>& parts, const py::dict& settings, const 
   return FitResult(std::move(*fit));
 }
 
-CurveHandle curveOf(const FitResult& fit) {
-  std::vector<cal::CurvePoint> points(fit->curve.size());
-  const FitOutcome& outcome = fit->outcome;
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    points[i].roshko = fit->curve(i, 0);
-    points[i].strouhal = fit->curve(i, 1);
-    if (i < outcome.ConfidenceHalfWidth.size())
-      points[i].confidence = outcome.ConfidenceHalfWidth[i];
-    if (i < outcome.PredictionHalfWidth.size())
-      points[i].prediction = outcome.PredictionHalfWidth[i];
-  }
-  return {cal::Curve(std::move(points)), [fit] { return cal::FittedCurve(*fit); }};
-}
-
 // Rows of part, number, Roshko, Strouhal and how far off the merged points, in per cent.
 py::array cutOf(const FitResult& fit) {
   constexpr double beyondEnds = std::numeric_limits<double>::quiet_NaN();
@@ -66,17 +54,22 @@ py::array cutOf(const FitResult& fit) {
 
 // The rank of the equation nearest to passing and the band that it would pass, each or None.
 py::tuple nearestOf(const FitResult& fit) {
-  const EquationOutcome* nearest = cal::nearestEquation(*fit);
+  const EquationOutcome* nearest = nullptr;
+  std::optional<double> band;
+  watched({}, [&](const cal::Observer& observer) {
+    nearest = cal::nearestEquation(*fit, observer.stop);
+    if (nearest != nullptr) band = cal::passingBand(*fit, *nearest, observer.stop);
+  });
   if (nearest == nullptr) return py::make_tuple(py::none(), py::none());
-  return py::make_tuple(textOf(nearest->Name), orNone(cal::passingBand(*fit, *nearest)));
+  return py::make_tuple(textOf(nearest->Name), orNone(band));
 }
 
-// How many standard uncertainties the 95 % bands are wide.
-double coverageOf(const FitResult& fit) {
-  if (fit->trust) return 2;
-  const EquationOutcome& chosen = fit->chosen();
-  const auto parameters = static_cast<std::int32_t>(chosen.Parameters.size());
-  return cal::coverageFactor(0.95, chosen.Statistics.Observations - parameters);
+// make(stop) gives a text, beside the interpreter.
+template <class Make>
+py::str watchedText(Make&& make) {
+  std::string text;
+  watched({}, [&](const cal::Observer& observer) { text = make(observer.stop); });
+  return textOf(text);
 }
 
 py::list equationsOf(const cal::EquationList& list) {
@@ -91,7 +84,11 @@ py::list equationsOf(const cal::EquationList& list) {
 void bindFit(py::module_& module) {
   py::class_<FitResult>(module, "Fit")
       .def_property_readonly("accepted", [](const FitResult& fit) { return fit->accepted(); })
-      .def_property_readonly("reason", [](const FitResult& fit) { return textOf(fit->reason()); })
+      .def_property_readonly(
+          "reason",
+          [](const FitResult& fit) {
+            return watchedText([&](const std::stop_token& stop) { return fit->reason(stop); });
+          })
       .def_property_readonly("series", [](const FitResult& fit) { return textOf(fit->series); })
       // None if the points came from no database.
       .def_property_readonly("meter",
@@ -113,18 +110,24 @@ void bindFit(py::module_& module) {
                              })
       .def_property_readonly("cut", &cutOf)
       .def_property_readonly("band", [](const FitResult& fit) { return fit->settings.band; })
-      .def_property_readonly("coverage", &coverageOf)
       .def_property_readonly("trust",
                              [](const FitResult& fit) -> py::object {
                                if (!fit->trust) return py::none();
                                return recordOf(*fit->trust);
                              })
-      .def("curve", &curveOf)
+      .def("curve", [](const FitResult& fit) { return CurveHandle(fit); })
       .def("nearest", &nearestOf)
       .def("equations", [](const FitResult& fit) { return recordsOf(fit->equations()); })
       .def("warnings", [](const FitResult& fit) { return recordsOf(fit->outcome.Warnings); })
-      .def("picture", [](const FitResult& fit) { return textOf(cal::plotOf(*fit)); });
+      .def("picture",
+           [](const FitResult& fit) {
+             return watchedText(
+                 [&](const std::stop_token& stop) { return cal::plotOf(*fit, stop); });
+           })
+      .def("to_bytes", [](const FitResult& fit) { return py::bytes(bytesOf(fit)); });
 
+  module.def(
+      "fit_from", [](const std::string& pickled) { return fitFrom(pickled); }, "pickled"_a);
   module.def("fit", &fitOf, "parts"_a, "settings"_a, "status"_a, "progress"_a);
   module.def(
       "built_in_equations",

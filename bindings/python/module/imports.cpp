@@ -40,8 +40,8 @@ Outcome importInto(cal::Database& database, WantedImport wanted, const cal::Obse
   const cal::Stand stand(
       wanted.stand,
       {.limit = wanted.wait,
-       .goesOn =
-           [&observer](std::chrono::milliseconds) { return !observer.stop.stop_requested(); }},
+       .goesOn = [&observer](std::chrono::milliseconds) { return !observer.stop.stop_requested(); },
+       .stopRequested = [&observer] { return observer.stop.stop_requested(); }},
       wanted.style);
   cal::Change change = database.begin("import");
   const bool isKnown = database.findMeter(wanted.serial).has_value();

@@ -16,6 +16,7 @@ Laboratory::Laboratory(const Settings& settings)
   options.patience.goesOn = [stop = stop_](std::chrono::milliseconds) {
     return !stop->token.stop_requested();
   };
+  options.patience.stopRequested = [stop = stop_] { return stop->token.stop_requested(); };
   watched({}, [&](const cal::Observer& observer) {
     stop_->token = observer.stop;
     database_.emplace(settings.isNew ? cal::create(location_, options)

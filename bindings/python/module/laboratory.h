@@ -87,7 +87,7 @@ class Laboratory {
     std::unique_lock<std::timed_mutex> lock_;
   };
 
-  // Read by the connections while they wait for a lock.
+  // Read by the connections while they wait for a lock or a server, and while they read.
   struct Stop {
     std::stop_token token;
   };

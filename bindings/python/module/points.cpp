@@ -38,7 +38,9 @@ void bindPoints(py::class_<Laboratory>& type) {
           "points",
           [](Laboratory& lab, const cal::Meter& meter, const std::string& series) {
             return recordsOf(
-                lab.use([&](auto& database) { return database.points(meter, series); }));
+                lab.use({}, [&](cal::Database& database, const cal::Observer& observer) {
+                  return database.points(database.series(meter, series), observer);
+                }));
           },
           "meter"_a, "series"_a)
       .def(

@@ -3,6 +3,7 @@
 #include "bindings/python/module/bindings.h"
 #include "bindings/python/module/records.h"
 
+#include <pelmora/calibration/sign_off.h>
 #include <pelmora/calibration/values.h>
 
 namespace pelmora::python {
@@ -62,6 +63,9 @@ void bindValues(py::module_& module) {
                              })
       .def_property_readonly("age",
                              [](const cal::StoredSeries& series) { return ageKey(series.age); })
+      .def_property_readonly(
+          "fingerprint",
+          [](const cal::StoredSeries& series) { return cal::signedFingerprint(series); })
       .def_property_readonly("age_warning", [](const cal::StoredSeries& series) {
         return textOf(series.ageWarning());
       });

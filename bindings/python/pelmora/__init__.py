@@ -29,8 +29,9 @@ from ._points import ChangedPoint, DroppedExclusion, ExclusionChange, Point, Sta
 from ._records import Record, Table, to_frame
 from ._series import Series
 from ._settings import Equation, equations
+from ._sign_offs import SignOff
 from .errors import (BadData, Cancelled, Changed, Damaged, Error, Exists, Locked, MissingFile, NoFit, NotFound,
-                     OutOfRange, PelmoraWarning, Unusable)
+                     OutOfRange, PelmoraWarning, Unpicklable, Unusable)
 
 __version__: str = _pelmora.__version__
 
@@ -38,6 +39,7 @@ __all__ = [
     "BadData", "Calibration", "Cancelled", "Changed", "ChangedPoint", "Curve", "Damaged", "Database", "DetailField",
     "DroppedExclusion", "Equation", "EquationResult", "Error", "ExclusionChange", "Exists", "Fit", "HistoryEntry", "Import",
     "JudgedPoint", "Locked", "Meter", "MissingFile", "NoFit", "NotFound", "OutOfRange", "Parameter", "PelmoraWarning",
-    "Point", "Record", "Refit", "RefitResult", "Restored", "Run", "Series", "StandReading", "Table", "Unusable",
+    "Point", "Record", "Refit", "RefitResult", "Restored", "Run", "Series", "SignOff", "StandReading", "Table",
+    "Unpicklable", "Unusable",
     "__version__", "create", "detail_fields", "equations", "errors", "fit", "open", "to_frame",
 ]

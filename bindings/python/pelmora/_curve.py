@@ -2,10 +2,10 @@
 # SPDX-License-Identifier: MIT
 from __future__ import annotations
 
-from collections.abc import Callable, Sequence
+from collections.abc import Sequence
 from typing import TYPE_CHECKING, Any, Literal, Optional, Union, overload
 
-from . import _numbers
+from . import _numbers, _pelmora
 from ._arguments import number, text
 from ._equation import CurveEquation, Parameter
 from ._records import json_text, pandas_module
@@ -15,8 +15,6 @@ if TYPE_CHECKING:
     import numpy as np
     import numpy.typing as npt
     import pandas
-
-    from . import _pelmora
 
     Floats = npt.NDArray[np.float64]
     Kind = Literal["confidence", "prediction", "expanded"]
@@ -31,13 +29,11 @@ class Curve:
     from the table, as a flow computer does. It takes a number, a list, an array of any shape or a pandas Series, and
     returns the same form; a Series keeps its index.
 
-    Curves come from ``fit.curve`` and ``series.curve``; they do not change when the database does.
+    Curves come from ``fit.curve`` and ``series.curve``; they do not change when the database does. They can be pickled.
     """
 
-    def __init__(self, table: _pelmora.Curve, name: str, equation: Callable[[], Optional[CurveEquation]], *,
-                 stale: bool = False, title: str = "", picture: Optional[Callable[[], str]] = None) -> None:
+    def __init__(self, table: _pelmora.Curve, name: str, *, stale: bool = False, title: str = "") -> None:
         self._table, self._name, self._title, self._stale = table, name, title, stale
-        self._find_equation, self._picture = equation, picture
         self._equation: Optional[CurveEquation] = None
 
     @property
@@ -268,15 +264,24 @@ class Curve:
         return f"<Curve{of}: {self.name or 'equation unknown'}, Roshko {low:.6g} to {high:.6g}{stale}>"
 
     def _repr_html_(self) -> Optional[str]:
-        return self._picture() if self._picture is not None else None
+        return self._table.picture()
+
+    def __reduce__(self) -> Any:
+        return _curve_from, (self._table.to_bytes(), self._name, self._stale, self._title)
 
     def _require_equation(self) -> CurveEquation:
-        if self._equation is None:
-            self._equation = self._find_equation()
-        if self._equation is None:
+        if self._equation is not None:
+            return self._equation
+        found = self._table.equation
+        if found is None:
             raise NotFound("the equation of this curve is not known: it is not kept with the curve, and a new fit "
                            "with its settings gives another curve", where=self._title, remedy="fit the series again")
+        self._equation = CurveEquation(*found)
         return self._equation
+
+
+def _curve_from(pickled: bytes, name: str, stale: bool, title: str) -> Curve:
+    return Curve(_pelmora.curve_from(pickled), name, stale=stale, title=title)
 
 
 def _reading(reading: Any) -> str:

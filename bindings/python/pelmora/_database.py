@@ -14,6 +14,7 @@ from ._fit import Fit
 from ._history import HistoryEntry, Refit, RefitResult, Restored, entries_of, restored_of
 from ._imports import Calibration, Import, import_of, wanted_import
 from ._meter import Meter
+from ._places import Place
 from ._progress import Progress, progress_function, status_function
 from ._records import Table
 from ._series import Series
@@ -26,7 +27,7 @@ if TYPE_CHECKING:
     Path = Union[str, os.PathLike[str]]
 
 
-class Database:
+class Database(Place):
     """An open curve database; `pelmora.open` and `pelmora.create` give one. A context manager that closes it.
 
     Several can be open at once, on the same file too. One that is used from several threads lets one operation at a

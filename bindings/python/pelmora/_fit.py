@@ -6,7 +6,7 @@ from typing import TYPE_CHECKING, Any, Optional
 
 from . import _pelmora
 from ._curve import Curve
-from ._equation import CurveEquation, Parameter
+from ._equation import Parameter
 from ._records import Record, Table, json_text
 from .errors import NoFit
 
@@ -78,7 +78,7 @@ class Fit:
     """A fit of raw points: what was merged, what was tried, and the curve.
 
     The names of lmfit work too: ``params``, ``covar``, ``best_fit``, ``residual``, ``eval``, ``eval_uncertainty``,
-    ``fit_report()``.
+    ``fit_report()``. A fit can be pickled; what is read from it elsewhere is the same to the last digit.
     """
 
     def __init__(self, result: _pelmora.Fit) -> None:
@@ -143,9 +143,7 @@ class Fit:
         """The curve. Errors: NoFit if no equation passed the tests."""
         if not self.accepted:
             raise self.no_fit()
-        record = self.equations[0].to_dict()
-        return Curve(self._result.curve(), self.chosen, lambda: CurveEquation(record, self._result.coverage),
-                     title=self._result.series, picture=self._repr_html_)
+        return Curve(self._result.curve(), self.chosen, title=self._result.series)
 
     @property
     def expression(self) -> str:
@@ -236,6 +234,9 @@ class Fit:
     def _repr_html_(self) -> str:
         return self._result.picture()
 
+    def __reduce__(self) -> Any:
+        return _fit_from, (self._result.to_bytes(),)
+
     def no_fit(self) -> NoFit:
         """The exception that says why there is no curve and what to do."""
         name, band = self._result.nearest()
@@ -245,3 +246,7 @@ class Fit:
         error = NoFit(f"no equation fits: {self.reason}", where=self._result.series, remedy=remedy)
         error.fit = self
         return error
+
+
+def _fit_from(pickled: bytes) -> Fit:
+    return Fit(_pelmora.fit_from(pickled))

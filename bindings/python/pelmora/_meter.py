@@ -11,6 +11,7 @@ from ._arguments import path as path_of, text, texts
 from ._cautions import caution
 from ._details import Detail, changes_of, values_of
 from ._history import HistoryEntry, entries_of
+from ._places import Place
 from ._points import dropped_of
 from ._records import Record, Table, frame_of, json_text
 from ._series import Series
@@ -33,7 +34,7 @@ class Run(Record):
     points: int
 
 
-class SeriesByName(Mapping[str, Series]):
+class SeriesByName(Place, Mapping[str, Series]):
     """The series of a calibration by name, as they are stored now."""
 
     def __init__(self, meter: Meter) -> None:
@@ -59,7 +60,7 @@ class SeriesByName(Mapping[str, Series]):
         return repr(list(self))
 
 
-class Meter:
+class Meter(Place):
     """A calibration of a meter.
 
     A Meter is a place in the database: its properties read what is stored now.

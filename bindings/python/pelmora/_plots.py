@@ -24,7 +24,7 @@ def _axes(ax: Any, ordinate: str = "Strouhal") -> Any:
         except ImportError:
             raise Error("matplotlib is not installed", where="plot()",
                         remedy="install matplotlib; a notebook shows the object itself without it") from None
-        ax = pyplot.subplots()[1]
+        ax = pyplot.subplots(layout="constrained")[1]
     if not ax.has_data():
         ax.set_xscale("log")
         ax.set_xlabel("Roshko")
@@ -74,7 +74,7 @@ def plot_deviations(fit: Fit, ax: Any, k: float, **kwargs: Any) -> Any:
     """How far the points are off the curve, in per cent of it, and the band, which Strouhal's scale would hide."""
     import numpy as np
 
-    ax = _axes(ax, "deviation from the curve in %")
+    ax = _axes(ax, "deviation in %")
     x, curve = _places(fit.curve), fit.curve
     half = curve.eval_uncertainty(x, k) / np.abs(curve(x)) * 100
     kwargs.setdefault("label", f"confidence, k = {k:g}")

@@ -46,7 +46,7 @@ class Point(Record):
     loo_sigma: Optional[float]
     #: Whether it contradicts the other points.
     distrusted: bool
-    #: "used", "cut", "excluded" or "outside range".
+    #: "used", "cut", "excluded", "outside range", or "distrusted": the stored curve was fitted without it.
     state: str
     #: For a cut point, how far it is off the merged points.
     cut_percent: Optional[float]

@@ -8,13 +8,14 @@ from typing import TYPE_CHECKING, Any, Optional, Union
 from . import _pelmora
 from ._arguments import text
 from ._curve import Curve
-from ._equation import CurveEquation
 from ._fit import Fit
 from ._history import HistoryEntry, entries_of
+from ._places import Place
 from ._points import ExclusionChange, Point, StandReading, change_of, points_of, selection
 from ._progress import Progress, progress_function, status_function
 from ._records import Table, json_text
 from ._settings import Equations, fit_settings
+from ._sign_offs import SignOff
 from .errors import BadData, NotFound
 
 if TYPE_CHECKING:
@@ -27,7 +28,7 @@ if TYPE_CHECKING:
     Floats = npt.NDArray[np.float64]
 
 
-class Series:
+class Series(Place):
     """A series of a meter's calibration, such as "Rotor A": raw points in up to four parts, and at most one curve.
 
     A Series is a place in the database: its properties read what is stored now.
@@ -65,8 +66,7 @@ class Series:
         """
         stored = self._stored()
         return Curve(self._database.curve(self._meter._key, self._name), stored.equation,
-                     lambda: self._equation_of(stored), stale=self._database.is_outdated(stored), title=self._title(),
-                     picture=self._repr_html_)
+                     stale=self._database.is_outdated(stored), title=self._title())
 
     @property
     def report(self) -> str:
@@ -159,6 +159,30 @@ class Series:
                           remedy="store it in its own series")
         return self._database.store(fit._result)
 
+    @property
+    def fingerprint(self) -> str:
+        """What a signature is put under: SHA-256 of points, exclusions, settings and curve as they are stored now."""
+        return self._stored().fingerprint
+
+    def sign_off(self, name: str, *, remark: str = "", fingerprint: str = "") -> SignOff:
+        """Signs the series as it is stored now; earlier signatures stay. Reports list the signatures.
+
+        name: of the person who signs. remark: in words.
+        fingerprint: of the series as you looked at it, see `fingerprint`: one that has changed since is not signed.
+
+        Errors: NotFound without a stored curve; BadData for an empty name and for a curve that is older than its
+            points; Changed.
+        """
+        return SignOff(**self._database.sign_off(self._meter._key, self._name, text(name, "name"),
+                                                 text(remark, "remark"), text(fingerprint, "fingerprint")))
+
+    @property
+    def signatures(self) -> Table[SignOff]:
+        """The signatures, newest first. One is not `valid` if the series has changed since; if the change is undone,
+        it is valid again.
+        """
+        return Table((SignOff(**record) for record in self._database.sign_offs(self._meter._key, self._name)), SignOff)
+
     def history(self) -> Table[HistoryEntry]:
         """What was replaced or deleted of this series, newest first."""
         return entries_of(self._database.history(self._meter.serial, self._name, self._meter.calibration))
@@ -195,12 +219,6 @@ class Series:
 
     def _stored(self) -> _pelmora.StoredSeries:
         return self._database.series(self._meter._key, self._name)
-
-    def _equation_of(self, stored: _pelmora.StoredSeries) -> Optional[CurveEquation]:
-        repeated, is_stored, _ = self._database.repeat(stored)
-        if not is_stored or not repeated.accepted:
-            return None
-        return CurveEquation(repeated.equations()[0], repeated.coverage)
 
 
 def _title(name: str, meter: _pelmora.Meter) -> str:

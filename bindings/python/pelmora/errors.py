@@ -13,7 +13,7 @@ if TYPE_CHECKING:
     from ._fit import Fit
 
 __all__ = ["Error", "NotFound", "MissingFile", "Exists", "Locked", "Unusable", "Damaged", "BadData", "OutOfRange",
-           "NoFit", "Changed", "Cancelled", "PelmoraWarning"]
+           "NoFit", "Changed", "Cancelled", "Unpicklable", "PelmoraWarning"]
 
 
 class Error(Exception):
@@ -34,7 +34,8 @@ class Error(Exception):
         return f"{text}; {self.remedy}" if self.remedy else text
 
     def __reduce__(self) -> Any:
-        return _restored, (type(self), self.what, self.where, self.remedy)
+        others = {name: value for name, value in self.__dict__.items() if name not in ("what", "where", "remedy")}
+        return _restored, (type(self), self.what, self.where, self.remedy), others
 
 
 def _restored(kind: type[Error], what: str, where: str, remedy: str) -> Error:
@@ -85,6 +86,10 @@ class Changed(Error, RuntimeError):
 
 class Cancelled(Error, RuntimeError):
     """The operation was cancelled. Nothing was stored."""
+
+
+class Unpicklable(Error, TypeError):
+    """A database, or something in one, that was to be pickled: it cannot be used in another process."""
 
 
 class PelmoraWarning(UserWarning):

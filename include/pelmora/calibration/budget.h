@@ -5,6 +5,7 @@
 #include <pelmora/export.h>
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -52,6 +53,10 @@ struct Budget {
   // What U contains and what it does not, as a sentence: "U contains ...".
   [[nodiscard]] PELMORA_API std::string contents() const;
 };
+
+// Budget::contents() of several values of one kind, whose coverage factors may differ: "k = 1.96 to
+// 2.01". Empty without a value.
+[[nodiscard]] PELMORA_API std::string contentsOf(std::span<const Budget> budgets);
 
 // A check of a budget by random draws (JCGM 101).
 struct MonteCarloCheck {

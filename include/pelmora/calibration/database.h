@@ -164,9 +164,10 @@ class PELMORA_API Database {
 
   // Every raw point of a series, by part and number, excluded ones too.
   //
-  // Errors: NotFound; BadData as for series().
+  // Errors: NotFound; BadData as for series(); Cancelled at the observer's stop.
   [[nodiscard]] std::vector<RawPoint> points(const Meter& meter, const std::string& series) const;
-  [[nodiscard]] std::vector<RawPoint> points(const StoredSeries& series) const;
+  [[nodiscard]] std::vector<RawPoint> points(const StoredSeries& series,
+                                             const Observer& observer = {}) const;
 
   // Leaves points out of a series. They are removed from the raw parts, so that every program sees
   // the reduced series, and kept with the reason, the user and the time. An exclusion lasts until
@@ -215,7 +216,8 @@ class PELMORA_API Database {
   [[nodiscard]] FittedCurve fittedCurve(const StoredSeries& series,
                                         const Observer& observer = {}) const;
   // The same from a fit that has been repeated already.
-  [[nodiscard]] FittedCurve fittedCurve(const StoredSeries& series, const Repeated& repeated) const;
+  [[nodiscard]] FittedCurve fittedCurve(const StoredSeries& series, const Repeated& repeated,
+                                        const Observer& observer = {}) const;
 
   // The uncertainty of the stand that measured a calibration, stored with the calibration. A change
   // returns the history entry of the previous statement, 0 if there was none.
@@ -236,7 +238,9 @@ class PELMORA_API Database {
 
   // Whether the stored curve belongs to the stored raw points. If StoredSeries::age is unknown, the
   // fit is repeated. A curve that the new fit reproduces is current.
-  [[nodiscard]] CurveAge curveAge(const StoredSeries& series) const;
+  //
+  // Errors: Cancelled at the observer's stop.
+  [[nodiscard]] CurveAge curveAge(const StoredSeries& series, const Observer& observer = {}) const;
 
   // Fits the series with the settings of its stored curve, or with `unkept` if they were not kept.
   // A range beyond the points is used as it is, because that of a stored curve may extend there.

@@ -38,7 +38,7 @@ struct DatedCurve {
 };
 
 // A date such as 2026-11-21, 11/21/2026 or 21.11.2026 as a year and its fraction; empty for any
-// other text.
+// other text, and for a date such as 03/04/2026, which may be in March or in April.
 [[nodiscard]] PELMORA_API std::optional<double> yearsOf(const std::string& date);
 
 struct DriftOptions {

@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -143,7 +144,8 @@ struct Fit {
   // The chosen equation; needs accepted().
   [[nodiscard]] const EquationOutcome& chosen() const { return outcome.Equations[*outcome.Chosen]; }
   // Why no equation was chosen, as one clause; empty if one was.
-  [[nodiscard]] PELMORA_API std::string reason() const;
+  // Errors: Cancelled at a stop.
+  [[nodiscard]] PELMORA_API std::string reason(const std::stop_token& stop = {}) const;
   // From best to worst.
   [[nodiscard]] std::vector<RankedEquation> equations() const {
     return ranking(outcome, settings.choice);
@@ -152,12 +154,18 @@ struct Fit {
 
 // The equation that came nearest to passing: it failed at a later test, or by less. Null if none
 // was tried.
-[[nodiscard]] PELMORA_API const EquationOutcome* nearestEquation(const Fit& fit);
+//
+// Errors: Cancelled at a stop.
+[[nodiscard]] PELMORA_API const EquationOutcome* nearestEquation(const Fit& fit,
+                                                                 const std::stop_token& stop = {});
 
 // The narrowest band, with two digits, around the equation's table that contains the merged points;
 // nothing if 100 % is not enough or the equation has no table.
+//
+// Errors: Cancelled at a stop.
 [[nodiscard]] PELMORA_API std::optional<double> passingBand(const Fit& fit,
-                                                            const EquationOutcome& equation);
+                                                            const EquationOutcome& equation,
+                                                            const std::stop_token& stop = {});
 
 // Fits points that are not in a database: up to four raw parts, each n points of Roshko and
 // Strouhal. A part with fewer than two points is left out.

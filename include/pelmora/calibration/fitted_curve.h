@@ -5,6 +5,7 @@
 #include <pelmora/calibration/budget.h>
 #include <pelmora/calibration/curve.h>
 #include <pelmora/calibration/fit.h>
+#include <pelmora/calibration/points.h>
 #include <pelmora/export.h>
 
 #include <cstddef>
@@ -12,6 +13,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -22,6 +24,24 @@ struct StandStatement {
   std::string text;
   std::string file;  // where the text came from
   std::string storedAt{}, userName{};
+};
+
+// A point of a series, with what the stand read there.
+struct PointReading {
+  int part = 0;  // 1 to 4
+  double roshko = 0, strouhal = 0;
+  StandReading reading;
+};
+
+// What is known about the calibration behind a curve. Units are those recorded with it (details.h);
+// without one, Roshko is taken to be in Hz/cSt, Strouhal in pulses/gal, frequencies in Hz and
+// viscosities in cSt.
+struct CurveOrigin {
+  std::optional<StandStatement> stand{};  // of the stand that measured the points
+  std::string roshkoUnit{}, strouhalUnit{}, frequencyUnit{}, viscosityUnit{}, flowUnit{};
+  // For a stand whose uncertainty is stated in units rather than in per cent: the values that it
+  // refers to.
+  std::vector<PointReading> readings{};
 };
 
 // Checks the text. Result: the name of the stand; may be empty.
@@ -49,14 +69,18 @@ enum class ReadAs {
 
 // "linear", "log", "cubic"; empty for none.
 [[nodiscard]] PELMORA_API const char* tableReadingKey(ReadAs reading);
+// The reading of such a key; nothing for any other text.
+[[nodiscard]] PELMORA_API std::optional<ReadAs> tableReadingOf(const std::string& key);
 
 struct EvaluateOptions {
   ReadAs reading = ReadAs::none;
   // For stands whose uncertainty is stated in a unit rather than in per cent: the kinematic
-  // viscosity in the unit of the calibration (cSt), with which the Roshko number gives frequency
-  // and flow. Absent: BadData for such a stand.
+  // viscosity in cSt, with which the Roshko number gives frequency and flow. Absent: what the stand
+  // read near this Roshko number; BadData if that is not known.
   std::optional<double> viscosity{};
   double temperatureF = 70;
+  // Requesting a stop ends what takes long, at many places or with many trials, with Cancelled.
+  std::stop_token stop{};
 };
 
 // A value of a curve.
@@ -79,8 +103,10 @@ class PELMORA_API FittedCurve {
   //
   // Errors: NoFit if the fit has no curve; BadData for the statement.
   explicit FittedCurve(const Fit& fit, const std::optional<StandStatement>& statement = {});
+  // Errors: Cancelled at a stop, too.
+  FittedCurve(const Fit& fit, const CurveOrigin& origin, const std::stop_token& stop = {});
   // A stored table whose fit cannot be reproduced.
-  FittedCurve(const Curve& table, const std::string& series);
+  FittedCurve(const Curve& table, const std::string& series, const CurveOrigin& origin = {});
 
   [[nodiscard]] CurveSource source() const;
   // The name of the equation, or "Reference curve"; empty for a table.

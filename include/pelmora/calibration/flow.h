@@ -67,8 +67,10 @@ struct RotorFlow {
   bool isExtrapolated = false;
 };
 
-// Units:  flow in volumes of Strouhal's unit per second: gal/s for pulses/gal.
+// Units:  Roshko, Strouhal in those of the curves.
 struct ServiceFlow {
+  // Of the flows: the volume of Strouhal's unit per second.
+  std::string unit = "gal/s";
   double viscosity = 0;
   bool isViscosityOfQuotient = false;  // from both frequencies
   RotorFlow rotor;                     // rotor A, or the only one
@@ -89,8 +91,10 @@ struct ServiceFlow {
                                              const ServiceReading& reading);
 // The flows of n readings, without their uncertainty.
 //
-// Units:  Hz, cSt, degrees F.  Shape: n values each.
-// Errors: as above; OutOfRange, naming the reading, beyond the ends of the curve.
+// Units:  Hz, cSt, degrees F; flows in volumes of Strouhal's unit per second.
+// Shape:  n values each.
+// Errors: as above; BadData for different numbers of values; OutOfRange, naming the reading, beyond
+// the ends of the curve.
 [[nodiscard]] PELMORA_API std::vector<double> flowsOf(const FittedCurve& rotor,
                                                       std::span<const double> frequency,
                                                       std::span<const double> viscosity,

@@ -17,9 +17,10 @@ enum class PointState {
   cut = 1,           // left out by the merge
   excluded = 2,      // left out by a person
   outsideRange = 3,  // beyond the ends of the stored curve, or of the range that was fitted
+  distrusted = 4,    // contradicts the others; the stored curve was fitted without it
 };
 
-// "used", "cut", "excluded", "outside range": the names in JSON, which never change.
+// "used", "cut", "excluded", "outside range", "distrusted": the names in JSON, which never change.
 [[nodiscard]] PELMORA_API const char* pointStateKey(PointState state);
 
 // What the stand measured at a point, in the stand's own units; absent where it recorded no number.
@@ -44,7 +45,8 @@ struct RawPoint {
   // How far it lies off the smooth curve through all other points that are used, in standard
   // deviations of a good point (solver/reference); absent if there are too few points for it.
   std::optional<double> sigmas{};
-  // The other points contradict this one: `sigmas` is large.
+  // The other points contradict this one: `sigmas` is large. If the stored curve was chosen by the
+  // rule Choice::trusted, its fit left the point out, and the state says so.
   bool isDistrusted = false;
   PointState state = PointState::used;
   std::optional<Exclusion> exclusion{};

@@ -47,14 +47,12 @@ struct ProofSheet {
   // not copied: `written`, `empty` and `checksumWritten` are 0.
   std::vector<ProofTable> otherTables;
 
-  [[nodiscard]] bool isComplete() const;
-};
-
-inline bool ProofSheet::isComplete() const {
-  for (const ProofTable& table : tables) {
-    if (!table.isWhole()) return false;
+  [[nodiscard]] bool isComplete() const {
+    for (const ProofTable& table : tables) {
+      if (!table.isWhole()) return false;
+    }
+    return missing.empty();
   }
-  return missing.empty();
-}
+};
 
 }  // namespace pelmora::calibration

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -54,7 +55,9 @@ struct ReportOptions {
 
 // The plot of a fit, as an SVG picture: what the report shows once the fit is stored. Points that
 // the merge left out are marked.
-[[nodiscard]] PELMORA_API std::string plotOf(const Fit& fit);
+//
+// Errors: Cancelled at a stop.
+[[nodiscard]] PELMORA_API std::string plotOf(const Fit& fit, const std::stop_token& stop = {});
 
 // Writes the report to a file, whose extension decides the kind. An existing file is replaced once
 // the new one is complete.

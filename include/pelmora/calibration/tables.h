@@ -32,8 +32,8 @@ struct TableOptions {
   std::optional<double> viscosity{};
   double celsius = 190.0 / 9;                  // 70 F
   std::optional<double> expansionPerKelvin{};  // absent: stainless steel
-  // Units of the table. Empty: those of the calibration (Hz/cSt, pulses/gal, Hz). K factors and
-  // Strouhal numbers have the same unit.
+  // Units of the table. Empty: those of the curve, and Hz. K factors and Strouhal numbers have the
+  // same unit.
   std::string xUnit{}, yUnit{};
 };
 

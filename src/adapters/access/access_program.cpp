@@ -94,9 +94,9 @@ void AccessProgram::failBecauseItEnded() {
   const int ending = child_.endingSignal();
   if (ending == SIGXCPU) {
     throw cannotRead(path_, "it takes more than " + std::to_string(settings_.processorSeconds) +
-                                " s of the processor's time; it is damaged or too large");
+                                " s of processor time; it is damaged or too large");
   }
-  throw cannotRead(path_, "its reader ended in the middle" +
+  throw cannotRead(path_, "its reader ended unexpectedly" +
                               (ending == 0 ? "" : " (signal " + std::to_string(ending) + ")") +
                               "; the file is damaged or too large");
 }

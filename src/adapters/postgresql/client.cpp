@@ -12,12 +12,15 @@
 #include <filesystem>
 #include <future>
 #include <system_error>
+#include <thread>
+#include <utility>
 
 namespace pelmora::postgres {
 
 namespace {
 
 constexpr const char* moduleName = "libpelmora-postgresql.so";
+constexpr std::chrono::milliseconds betweenQuestions{20};
 
 std::atomic<std::size_t>& requests() {
   static std::atomic<std::size_t> count{0};
@@ -91,9 +94,41 @@ class StoredRows : public RowSink {
   ServerRows delivered_;
 };
 
+struct Attempt {
+  ServerLink::Outcome outcome;
+  std::unique_ptr<ServerLink> link;
+};
+
+// The client library resolves names, asks one server after the other and waits for each without a
+// break. At a stop it goes on in a thread that nobody waits for, until the server answers or the
+// time to connect is over.
+std::unique_ptr<ServerLink> linkTo(const std::string& address,
+                                   const std::function<bool()>& stopRequested) {
+  const OpenLink open = openLink();
+  Attempt attempt;
+  if (stopRequested) {
+    std::promise<Attempt> promise;
+    std::future<Attempt> answer = promise.get_future();
+    std::thread([open, address, promise = std::move(promise)]() mutable {
+      Attempt made;
+      made.outcome = open(address, made.link);
+      promise.set_value(std::move(made));
+    }).detach();
+    while (answer.wait_for(betweenQuestions) != std::future_status::ready) {
+      if (stopRequested()) throw ServerError({stoppedState, "", false});
+    }
+    attempt = answer.get();
+  } else {
+    attempt.outcome = open(address, attempt.link);
+  }
+  check(attempt.outcome);
+  return std::move(attempt.link);
+}
+
 }  // namespace
 
-Client::Client(const std::string& address) { check(openLink()(address, link_)); }
+Client::Client(const std::string& address, const std::function<bool()>& stopRequested)
+    : link_(linkTo(address, stopRequested)) {}
 
 ServerRows Client::run(const std::string& statements) {
   ++requests();
@@ -105,7 +140,6 @@ ServerRows Client::run(const std::string& statements) {
 // The client library waits for the server without a break, so that it waits in a thread of its own.
 ServerRows Client::run(const std::string& statements, const std::function<bool()>& stopRequested) {
   if (!stopRequested) return run(statements);
-  constexpr auto betweenQuestions = std::chrono::milliseconds(20);
   auto running = std::async(std::launch::async, [&] { return run(statements); });
   bool isStopped = false;
   while (running.wait_for(betweenQuestions) != std::future_status::ready) {

@@ -42,8 +42,11 @@ struct ServerRows {
 // Errors of all functions but isOpen: ServerError.
 class Client {
  public:
+  // `stopRequested`, which may be empty, is asked often while the server does not answer; true ends
+  // the wait with the state stoppedState.
+  //
   // Errors also: Error 429 where the module with the client library is missing.
-  explicit Client(const std::string& address);
+  explicit Client(const std::string& address, const std::function<bool()>& stopRequested = {});
 
   [[nodiscard]] bool isOpen() const noexcept { return link_->isOpen(); }
   // Runs one or more statements in one round trip and delivers the rows of the last one. Outside
@@ -52,7 +55,7 @@ class Client {
   // The same, but for a statement that only reads: `stopRequested`, which may be empty, is asked
   // often; true ends the statement with the state stoppedState.
   ServerRows run(const std::string& statements, const std::function<bool()>& stopRequested);
-  // Stores lines of COPY's text form; `nextLine` delivers false behind the last one.
+  // Stores lines of COPY's text form; `nextLine` returns false after the last one.
   void copy(const std::string& table, const std::vector<std::string>& quotedColumns,
             const std::function<bool(std::string&)>& nextLine);
 

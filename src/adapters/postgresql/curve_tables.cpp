@@ -69,7 +69,8 @@ std::string createIndexStatement(const TableIndex& index,
     const std::string name = quotedName(column);
     columns += (columns.empty() ? "" : ", ") + (isText ? "pelmora_small(" + name + ")" : name);
   }
-  return "CREATE INDEX IF NOT EXISTS " + quotedName(index.Name) + " ON " + quotedName(index.Table) +
+  const std::string create = index.IsUnique ? "CREATE UNIQUE INDEX" : "CREATE INDEX";
+  return create + " IF NOT EXISTS " + quotedName(index.Name) + " ON " + quotedName(index.Table) +
          " (" + columns + ")";
 }
 

@@ -145,8 +145,8 @@ void createPostgresCurveDatabase(const std::string& location) {
     } catch (const ServerError& error) {
       if (error.state() != "42501") throw;
       throw Error(static_cast<std::int32_t>(RunTimeError::permissionDenied), "Pelmora",
-                  "User '" + database.user + "' may not make a curve database in '" + shown +
-                      "'. The user needs CREATE on schema '" + database.schema +
+                  "User '" + database.user + "' is not allowed to make a curve database in '" +
+                      shown + "'. The user needs CREATE on schema '" + database.schema +
                       "' and CREATEROLE, or an administrator who runs: " +
                       forAnAdministrator(roles, database.user) + " (PostgreSQL " + error.state() +
                       ": " + error.what() + ")");

@@ -4,6 +4,7 @@
 #include "adapters/postgresql/curve_tables.h"
 #include "adapters/postgresql/postgres_database.h"
 #include "adapters/postgresql/postgres_session.h"
+#include "adapters/postgresql/range_leases.h"
 #include "adapters/postgresql/server_indexes.h"
 #include "adapters/sql_dialect/dialect_error.h"
 #include "adapters/sql_dialect/name_scope.h"
@@ -62,7 +63,7 @@ bool PostgresConnection::hasTable(std::string_view name) const {
   return session().catalogue().findTable("main", name).has_value();
 }
 
-// Who only writes rows may not change tables: nothing is sent where everything is there.
+// A role that only writes rows must not change tables, so nothing is sent if nothing is missing.
 void PostgresConnection::createTable(const OwnTable& table) {
   const auto made = session().catalogue().findTable("main", table.Name);
   if (!made) return session().design(createTableStatement(table));
@@ -87,7 +88,7 @@ void PostgresConnection::createIndex(const TableIndex& index) {
   for (const sql::ColumnShape& column : table->columns) {
     if (column.kind == sql::ColumnKind::text) textColumns.push_back(column.name);
   }
-  TableIndex exact{index.Name, table->name, {}};
+  TableIndex exact{index.Name, table->name, {}, index.IsUnique};
   for (const std::string& name : index.Columns) {
     const sql::ColumnShape* column = sql::findColumn(*table, name);
     if (column == nullptr) throw sql::missingColumn(name, table->name);
@@ -114,6 +115,22 @@ void PostgresConnection::setLockPatience(std::chrono::milliseconds limit) {
   patience_.limit = limit;
   if (session_) session_->setLockPatience(limit);
 }
+
+std::optional<LeasedRange> PostgresConnection::leaseRange(std::int64_t job,
+                                                          const std::string& worker,
+                                                          std::chrono::seconds time) {
+  return postgres::leaseRange(session(), job, worker, time);
+}
+
+bool PostgresConnection::extendLease(const LeasedRange& range, std::chrono::seconds time) {
+  return postgres::extendLease(session(), range, time);
+}
+
+void PostgresConnection::limitTransaction(std::chrono::seconds time) {
+  postgres::limitTransaction(session(), time);
+}
+
+std::int64_t PostgresConnection::secondsSince1970() { return serverSeconds(session()); }
 
 }  // namespace postgres
 

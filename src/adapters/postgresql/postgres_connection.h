@@ -4,6 +4,7 @@
 
 #include "store/connection.h"
 #include "store/lock_patience.h"
+#include "store/range_leases.h"
 #include "store/table_design.h"
 #include "store/transactions.h"
 
@@ -22,7 +23,8 @@ class PostgresSession;
 class PostgresConnection : public Connection,
                            public TableDesign,
                            public Transactions,
-                           public LockPatience {
+                           public LockPatience,
+                           public RangeLeases {
  public:
   explicit PostgresConnection(std::string location, Patience patience = {})
       : location_(std::move(location)), patience_(std::move(patience)) {}
@@ -55,6 +57,12 @@ class PostgresConnection : public Connection,
 
   [[nodiscard]] std::chrono::milliseconds lockPatience() const override { return patience_.limit; }
   void setLockPatience(std::chrono::milliseconds limit) override;
+
+  [[nodiscard]] std::optional<LeasedRange> leaseRange(std::int64_t job, const std::string& worker,
+                                                      std::chrono::seconds time) override;
+  [[nodiscard]] bool extendLease(const LeasedRange& range, std::chrono::seconds time) override;
+  void limitTransaction(std::chrono::seconds time) override;
+  [[nodiscard]] std::int64_t secondsSince1970() override;
 
  private:
   [[nodiscard]] PostgresSession& session() const;

@@ -23,7 +23,7 @@ class PostgresWriter : public sql::StatementWriter {
 };
 
 // What keeps a key of the database's own from being given a second time, once rows have brought
-// keys along. To be run behind the INSERT.
+// keys along. To be run after the INSERT.
 [[nodiscard]] std::string countOnFrom(const std::string& table, const std::string& key);
 
 }  // namespace pelmora::postgres

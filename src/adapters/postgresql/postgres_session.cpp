@@ -63,7 +63,8 @@ PostgresSession::PostgresSession(std::string location, Patience patience)
 
 void PostgresSession::connect() {
   try {
-    auto client = std::make_unique<Client>(connectionAddress(location_));
+    auto client =
+        std::make_unique<Client>(connectionAddress(location_), turn_.patience().stopRequested);
     database_ = preparedSession(*client, shown_);
     client_ = std::move(client);
   } catch (const ServerError& error) {
@@ -134,6 +135,20 @@ ServerRows PostgresSession::write(const std::string& sql) {
   }
   lastUse_ = std::chrono::steady_clock::now();
   return rows;
+}
+
+ServerRows PostgresSession::writeWithoutTurn(const std::string& sql) {
+  if (std::chrono::steady_clock::now() - lastUse_ > longPause) read("SELECT 1");
+  requireConnection();
+  try {
+    ServerRows rows = client_->run(sql);
+    lastUse_ = std::chrono::steady_clock::now();
+    return rows;
+  } catch (const ServerError& error) {
+    if (!error.isConnectionLost()) throw failure(error);
+    client_.reset();
+    throw lost(error, "Whether it was done is not known.");
+  }
 }
 
 void PostgresSession::design(const std::string& sql) {

@@ -40,6 +40,8 @@ class PostgresSession : public sql::RowSource {
   // Changes rows with one or more statements of the server's own SQL, together. The rows of the
   // last one.
   ServerRows write(const std::string& sql);
+  // One statement on rows for which nobody takes a turn; outside of transactions.
+  ServerRows writeWithoutTurn(const std::string& sql);
   // Changes tables, with the owner's rights.
   void design(const std::string& sql);
 

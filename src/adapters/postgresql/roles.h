@@ -20,7 +20,7 @@ struct Roles {
 
 // Makes those that are not there.
 [[nodiscard]] std::vector<std::string> createRoleStatements(const Roles& roles);
-// What an administrator runs for a user who may not make roles.
+// What an administrator runs for a user who must not create roles.
 [[nodiscard]] std::string forAnAdministrator(const Roles& roles, const std::string& user);
 
 // What they may do with the tables of the schema, and with those that the owner makes later. Then

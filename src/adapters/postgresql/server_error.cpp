@@ -45,7 +45,7 @@ Error errorOf(const ServerError& error, const std::string& database) {
   if (state == dialect_state::noSuchPower) return makeError(RunTimeError::invalidArgument);
   if (isOneOf(state, {dialect_state::notANumber, "22P02"})) return sql::typeMismatch();
   if (state == stoppedState)
-    return {sql::stopped, "Pelmora", "Reading database '" + database + "' was stopped."};
+    return {operationStopped, "Pelmora", "The wait for database '" + database + "' was stopped."};
   if (state == "57014") {
     return sql::statementError(
         "The server has stopped the statement, which took longer than its "
@@ -54,8 +54,8 @@ Error errorOf(const ServerError& error, const std::string& database) {
   }
   if (isOneOf(state, {"42501", "25006"})) {
     return {sql::updateRefused, "Pelmora",
-            "Operation must use an updateable query. You may not do this in database '" + database +
-                "'; its owner grants the roles of readers and writers." + native(error)};
+            "Operation must use an updateable query. You are not allowed to do this in database '" +
+                database + "'; its owner grants the roles of readers and writers." + native(error)};
   }
   if (kind == "23") {
     return {sql::constraintFailed, "Pelmora",

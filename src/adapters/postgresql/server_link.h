@@ -43,7 +43,7 @@ class ServerLink {
   [[nodiscard]] virtual Outcome run(const std::string& statements, RowSink& rows) noexcept = 0;
   // Asks the server to end the statement that another thread runs now; nothing where none runs.
   virtual void cancel() noexcept = 0;
-  // Lines of COPY's text form; `nextLine` delivers false behind the last one.
+  // Lines of COPY's text form; `nextLine` returns false after the last one.
   [[nodiscard]] virtual Outcome copy(
       const std::string& table, const std::vector<std::string>& quotedColumns,
       const std::function<bool(std::string& line)>& nextLine) noexcept = 0;

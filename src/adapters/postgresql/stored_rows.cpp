@@ -13,7 +13,7 @@ namespace pelmora::postgres {
 
 namespace {
 
-// Up to so many rows are quicker in one statement than by COPY, which needs two round trips.
+// Up to this many rows are quicker in one statement than by COPY, which needs two round trips.
 constexpr std::size_t mostInStatement = 100;
 
 std::string insertion(const sql::TableShape& table, const std::string& alias,

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sql_dialect/date_literal.h"
 
+#include "base/trimmed_text.h"
+
 #include <array>
 #include <cstdio>
 #include <utility>
@@ -13,12 +15,6 @@ struct Number {
   int value = 0;
   int digits = 0;
 };
-
-std::string_view trimmed(std::string_view text) {
-  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
-  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
-  return text;
-}
 
 std::optional<Number> takeNumber(std::string_view& text) {
   Number number;

@@ -12,7 +12,7 @@ namespace pelmora::sqlite {
 // With POSIX locks, closing any descriptor of a file drops all locks that the process has on it.
 // SQLite therefore keeps a descriptor open while it counts a lock on the file. It counts first and
 // closes later (up to 3.51 at least), and a lock that another thread takes in between is lost
-// without a word: two processes then write at once, and the database is damaged.
+// silently: two processes then write at once, and the database is damaged.
 [[nodiscard]] sqlite3_vfs* carefulFiles();
 
 }  // namespace pelmora::sqlite

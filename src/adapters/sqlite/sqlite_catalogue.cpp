@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <map>
 #include <string>
+#include <utility>
 
 namespace pelmora::sqlite {
 
@@ -45,21 +46,76 @@ bool isCurveTable(std::string_view name) {
 
 }  // namespace
 
-SqliteCatalogue::SqliteCatalogue(sqlite3* database)
+SqliteCatalogue::SqliteCatalogue(sqlite3* database, std::shared_ptr<SchemaMemory> memory)
     : KnownTables("main"),
       database_(database),
-      readVersion_(database, "PRAGMA \"main\".schema_version") {}
+      readVersion_(database, "PRAGMA \"main\".schema_version"),
+      memory_(std::move(memory)) {
+  const Moment moment(*this);
+  if (!memory_) {
+    PreparedStatement(database, "SELECT 1 FROM sqlite_master LIMIT 1").step();
+    return;
+  }
+  schemaVersion_ = lastVersion_;
+  schema_ = schema();
+  if (schema_.empty()) memory_ = nullptr;
+  if (!memory_) return;
+  remembered_ = memory_->find(schema_);
+  isAsOpened_ = true;
+}
 
-std::int64_t SqliteCatalogue::readVersion() const {
+void SqliteCatalogue::recall(sql::StatementTranslations& translations) const {
+  if (memory_) translations.adopt(memory_->takeTranslations(schema_, schemaVersion_));
+}
+
+void SqliteCatalogue::remember(sql::StatementTranslations& translations) const noexcept {
+  if (isAsOpened_) memory_->giveTranslations(schema_, schemaVersion_, translations.release());
+}
+
+SqliteCatalogue::Moment::Moment(const SqliteCatalogue& catalogue)
+    : catalogue_(catalogue.versionOfMoment_ ? nullptr : &catalogue) {
+  if (catalogue_ == nullptr) return;
   try {
-    readVersion_.step();
-    const std::int64_t version = sqlite3_column_int64(readVersion_.get(), 0);
-    readVersion_.reset();
-    return version;
+    catalogue.readVersion_.step();
   } catch (const Error&) {
-    readVersion_.reset();
+    catalogue.readVersion_.reset();
     throw;
   }
+  // The statement is left where it is: its end would be the end of the reading.
+  catalogue.lastVersion_ = sqlite3_column_int64(catalogue.readVersion_.get(), 0);
+  catalogue.versionOfMoment_ = catalogue.lastVersion_;
+  if (catalogue.lastVersion_ != catalogue.schemaVersion_) catalogue.isAsOpened_ = false;
+}
+
+SqliteCatalogue::Moment::~Moment() {
+  if (catalogue_ == nullptr) return;
+  catalogue_->versionOfMoment_.reset();
+  catalogue_->readVersion_.reset();
+}
+
+std::int64_t SqliteCatalogue::readVersion() const {
+  const Moment moment(*this);
+  return *versionOfMoment_;
+}
+
+std::string SqliteCatalogue::schema() const {
+  constexpr std::size_t most = std::size_t{1} << 20U;
+  // What the engine itself makes its tables of, and what is asked for below.
+  PreparedStatement parts(database_,
+                          "SELECT type, name, sql, rootpage = 0 FROM \"main\".sqlite_master");
+  std::string schema = "schema";  // of a database without tables, too
+  while (parts.step()) {
+    for (int column = 0; column < 3; ++column) {
+      const auto* text = static_cast<const char*>(sqlite3_column_blob(parts.get(), column));
+      const int size = sqlite3_column_bytes(parts.get(), column);
+      schema += text == nullptr ? "-" : std::to_string(size);
+      schema += ':';
+      if (text != nullptr) schema.append(text, static_cast<std::size_t>(size));
+    }
+    schema += sqlite3_column_int(parts.get(), 3) != 0 ? '0' : '1';
+    if (schema.size() > most) return {};
+  }
+  return schema;
 }
 
 // What the component stores in lies in tables. A view in the place of one could show anything, and
@@ -90,6 +146,23 @@ void SqliteCatalogue::requireUsable(std::string_view database, std::string_view 
 
 std::optional<sql::TableShape> SqliteCatalogue::readTable(std::string_view database,
                                                           std::string_view name) const {
+  if (!memory_ || database != "main") return describe(database, name);
+  if (remembered_ && lastVersion_ == schemaVersion_) {
+    if (const auto known = remembered_->find(name); known != remembered_->end())
+      return known->second;
+  }
+  const Moment moment(*this);
+  auto table = describe(database, name);
+  if (schema() != schema_) {
+    isAsOpened_ = false;
+  } else if (table) {
+    memory_->keep(schema_, std::string(name), *table);
+  }
+  return table;
+}
+
+std::optional<sql::TableShape> SqliteCatalogue::describe(std::string_view database,
+                                                         std::string_view name) const {
   requireUsable(database, name);
   PreparedStatement columns(
       database_, "SELECT t.name, c.name, c.type, c.pk, t.type FROM " + quotedName(database) +

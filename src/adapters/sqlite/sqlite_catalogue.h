@@ -4,9 +4,13 @@
 
 #include "adapters/sql_engine/known_tables.h"
 #include "adapters/sqlite/prepared_statement.h"
+#include "adapters/sqlite/schema_memory.h"
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 struct sqlite3;
@@ -16,8 +20,28 @@ namespace pelmora::sqlite {
 // An undone transaction gives its schema version to the next one that changes tables.
 class SqliteCatalogue : public sql::KnownTables {
  public:
-  // Names of databases: "main" or that of an attached one.
-  explicit SqliteCatalogue(sqlite3* database);
+  // Names of databases: "main" or that of an attached one. memory: may be null; knows the tables of
+  // the main one. A look at the database.
+  // Errors: Error, genericFailure if the database is locked.
+  SqliteCatalogue(sqlite3* database, std::shared_ptr<SchemaMemory> memory);
+
+  // While it lives, the connection sees the database as it is at one moment, and locks it once for
+  // everything that is read; for statements that change nothing.
+  class Moment {
+   public:
+    // Errors: Error, genericFailure if the database is locked.
+    explicit Moment(const SqliteCatalogue& catalogue);
+    ~Moment();
+    Moment(const Moment&) = delete;
+    Moment& operator=(const Moment&) = delete;
+
+   private:
+    const SqliteCatalogue* catalogue_;  // null within another moment
+  };
+
+  // From the memory, and into it, if all tables are still those that it knows.
+  void recall(sql::StatementTranslations& translations) const;
+  void remember(sql::StatementTranslations& translations) const noexcept;
 
  private:
   // Errors: Error untrustedSchema.
@@ -25,6 +49,10 @@ class SqliteCatalogue : public sql::KnownTables {
   [[nodiscard]] std::int64_t readVersion() const override;
   [[nodiscard]] std::optional<sql::TableShape> readTable(std::string_view database,
                                                          std::string_view name) const override;
+  [[nodiscard]] std::optional<sql::TableShape> describe(std::string_view database,
+                                                        std::string_view name) const;
+  // Everything that the main database says about itself; empty if that is too much to keep.
+  [[nodiscard]] std::string schema() const;
 
   [[nodiscard]] std::vector<std::string> readingOrder(std::string_view database,
                                                       const sql::TableShape& table,
@@ -33,6 +61,14 @@ class SqliteCatalogue : public sql::KnownTables {
 
   sqlite3* database_;
   mutable PreparedStatement readVersion_;
+  mutable std::optional<std::int64_t> versionOfMoment_;
+  mutable std::int64_t lastVersion_ = -1;
+  // Of the schema as it was when the database was opened.
+  std::shared_ptr<SchemaMemory> memory_;
+  std::string schema_;
+  std::int64_t schemaVersion_ = -1;
+  std::shared_ptr<const SchemaMemory::Tables> remembered_;
+  mutable bool isAsOpened_ = false;
 };
 
 }  // namespace pelmora::sqlite

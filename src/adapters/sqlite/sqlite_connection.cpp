@@ -148,12 +148,18 @@ std::vector<IntegrityProblem> SqliteConnection::integrityProblems(std::size_t mo
 
 }  // namespace sqlite
 
-ConnectionPtr sqliteConnection(const std::string& path, const Patience& patience) {
+ConnectionPtr sqliteConnection(const std::string& path, const Patience& patience,
+                               const std::shared_ptr<sqlite::SchemaMemory>& memory) {
   return std::make_shared<sqlite::SqliteConnection>(
-      [path](const Patience& now) {
-        return std::make_shared<sqlite::SqliteSession>(sqlite::checkedSqliteFile(path), now);
+      [path, memory](const Patience& now) {
+        return std::make_shared<sqlite::SqliteSession>(sqlite::checkedSqliteFile(path), now,
+                                                       memory);
       },
       patience);
+}
+
+std::shared_ptr<sqlite::SchemaMemory> schemaMemory() {
+  return std::make_shared<sqlite::SchemaMemory>();
 }
 
 }  // namespace pelmora

@@ -7,20 +7,30 @@
 #include <pelmora/database.h>
 #include <pelmora/patience.h>
 
+#include <memory>
 #include <string>
 
 namespace pelmora {
 
+namespace sqlite {
+class SchemaMemory;
+}
+
 // Whether the file at `path` (UTF-8) begins like an SQLite database. False where it cannot be read.
 [[nodiscard]] bool isSqliteFile(const std::string& path);
 
-// A connection to the file at `path`, not yet opened. Opening never creates anything.
+// Lets connections that follow one another know the tables that those before them have read.
+[[nodiscard]] std::shared_ptr<sqlite::SchemaMemory> schemaMemory();
+
+// A connection to the file at `path`, not yet opened. Opening never creates anything. `memory` may
+// be null.
 //
 // Errors: of open(): genericFailure if the file is locked, 53 missing, 70 not permitted, 75 a
 //         folder, 321 empty or not an SQLite database; the description names the file and what to
 //         do.
-[[nodiscard]] ConnectionPtr sqliteConnection(const std::string& path,
-                                             const Patience& patience = {});
+[[nodiscard]] ConnectionPtr sqliteConnection(
+    const std::string& path, const Patience& patience = {},
+    const std::shared_ptr<sqlite::SchemaMemory>& memory = {});
 
 // Makes a new curve database with all tables and indexes at `path`.
 //

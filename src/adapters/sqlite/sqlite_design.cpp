@@ -75,7 +75,8 @@ std::string createIndexStatement(const TableIndex& index) {
   for (const std::string& column : index.Columns) {
     columns += (columns.empty() ? "" : ", ") + quotedName(column);
   }
-  return "CREATE INDEX IF NOT EXISTS \"main\"." + quotedName(index.Name) + " ON " +
+  const std::string create = index.IsUnique ? "CREATE UNIQUE INDEX" : "CREATE INDEX";
+  return create + " IF NOT EXISTS \"main\"." + quotedName(index.Name) + " ON " +
          quotedName(index.Table) + " (" + columns + ")";
 }
 

@@ -44,11 +44,12 @@ bool wasStopped(sqlite3* database) {
 }
 
 Error notAllowed(sqlite3* database, const std::string& file, const std::string& native) {
-  return {untrustedSchema, "Pelmora",
-          schemaCode(database) + " of " + file +
-              " does something that code stored in a database may not do. Remove it, or use "
-              "another database." +
-              native};
+  return {
+      untrustedSchema, "Pelmora",
+      schemaCode(database) + " of " + file +
+          " does something that code stored in a database is not allowed to do. Remove it, or use "
+          "another database." +
+          native};
 }
 
 Error errorAbout(int code, sqlite3* database, const std::string& file) {
@@ -106,7 +107,7 @@ Error errorAbout(int code, sqlite3* database, const std::string& file) {
 }  // namespace
 
 Error stoppedReading(const std::string& file) {
-  return {sql::stopped, "Pelmora", "Reading " + file + " was stopped."};
+  return {operationStopped, "Pelmora", "Reading " + file + " was stopped."};
 }
 
 Error sqliteError(int code, sqlite3* database) {

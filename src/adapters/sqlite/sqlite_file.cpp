@@ -112,7 +112,7 @@ std::string checkedSqliteFile(const std::string& path) {
     case Contents::other:
       throw fail(RunTimeError::invalidFileFormat,
                  "Unrecognized database format '" + path +
-                     "': the file is not a SQLite database. Name another file.");
+                     "': the file is not an SQLite database. Name another file.");
   }
   return utf8Text(std::filesystem::absolute(filePath(path)));
 }

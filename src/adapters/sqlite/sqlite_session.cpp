@@ -33,17 +33,19 @@ const SqliteWriter writer;
 
 }  // namespace
 
-SqliteSession::SqliteSession(const std::string& file, OpenMode mode, const Patience& patience)
+SqliteSession::SqliteSession(const std::string& file, OpenMode mode, const Patience& patience,
+                             std::shared_ptr<SchemaMemory> memory)
     : file_(file), handle_(std::in_place, file, mode, patience) {
   registerDialect(database(), fault_);
   // The first look at the file: a lock, damage or a refused right shows here.
-  PreparedStatement(database(), "SELECT 1 FROM sqlite_master LIMIT 1").step();
-  catalogue_.emplace(database());
+  catalogue_.emplace(database(), std::move(memory));
   pool_.emplace(database());
   translations_.emplace(*catalogue_, writer);
+  catalogue_->recall(*translations_);
 }
 
 void SqliteSession::close() {
+  if (translations_) catalogue_->remember(*translations_);
   translations_.reset();
   pool_.reset();
   catalogue_.reset();
@@ -146,6 +148,7 @@ sql::SelectedRows SqliteSession::select(const std::string& text) {
   sql::DialectStatement statement = translations().read(text);
   if (!std::holds_alternative<sql::SelectStatement>(*statement.tree))
     throw sql::statementError("Only a SELECT statement delivers rows.");
+  const SqliteCatalogue::Moment moment(catalogue());
   StatementPool::Use query = prepare(statement);
   sql::SelectedRows selected = rowsOf(*query);
   selected.translation = statement.known;

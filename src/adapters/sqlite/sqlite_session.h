@@ -10,10 +10,12 @@
 #include "adapters/sqlite/statement_pool.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <set>
 #include <span>
 #include <string>
+#include <utility>
 
 namespace pelmora::sqlite {
 
@@ -21,11 +23,13 @@ class PreparedStatement;
 
 class SqliteSession : public sql::RowSource {
  public:
-  // `file`: absolute path. Errors: Error, genericFailure if the database is locked.
-  SqliteSession(const std::string& file, const Patience& patience)
-      : SqliteSession(file, OpenMode::existing, patience) {}
+  // `file`: absolute path. memory: may be null.
+  // Errors: Error, genericFailure if the database is locked.
+  SqliteSession(const std::string& file, const Patience& patience,
+                std::shared_ptr<SchemaMemory> memory = {})
+      : SqliteSession(file, OpenMode::existing, patience, std::move(memory)) {}
   // A database of its own in memory.
-  SqliteSession() : SqliteSession({}, OpenMode::memory, {}) {}
+  SqliteSession() : SqliteSession({}, OpenMode::memory, {}, {}) {}
 
   void close();
   // Errors: Error connectionClosed after close().
@@ -75,7 +79,8 @@ class SqliteSession : public sql::RowSource {
 
  private:
   [[nodiscard]] sql::SelectedRows rowsOf(PreparedStatement& query);
-  SqliteSession(const std::string& file, OpenMode mode, const Patience& patience);
+  SqliteSession(const std::string& file, OpenMode mode, const Patience& patience,
+                std::shared_ptr<SchemaMemory> memory);
   void forgetSchema() noexcept;
 
   std::string file_;

@@ -86,7 +86,7 @@ void StandRows::readHeader() {
              "remove it, or name it as one of JobRecordID and V1 to V37");
     }
     if (std::exchange(isFound[*column], true))
-      refuse("column " + columnName(*column) + " is there twice", "remove one of them");
+      refuse("column " + columnName(*column) + " appears twice", "remove one of them");
     if (isInOtherTime(*column, field.unit)) {
       refuse("column " + columnName(*column) + " is in " + field.unit,
              "give the times V1, V3 and V20 in seconds");

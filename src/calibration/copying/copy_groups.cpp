@@ -27,6 +27,12 @@ std::pair<std::string, std::string> ownerOf(const SchemaTable& table) {
   return {table.References.front().Table, table.References.front().Column};
 }
 
+// Belongs to one database rather than to its curves.
+bool isWorkInProgress(std::string_view table) {
+  return table == copyTable || table == fleetJobTable || table == fleetRangeTable ||
+         table == fleetResultTable;
+}
+
 std::vector<CopyGroup> allGroups() {
   std::vector<CopyGroup> groups;
   for (const std::string_view owner : owners) {
@@ -38,7 +44,7 @@ std::vector<CopyGroup> allGroups() {
   }
   for (const auto* tables : {&curveTables(), &ownTables()}) {
     for (const SchemaTable& table : *tables) {
-      if (table.Name == copyTable) continue;
+      if (isWorkInProgress(table.Name)) continue;
       const auto [owner, column] = ownerOf(table);
       const std::string& name = owner;
       const auto group = std::ranges::find(groups, name, &CopyGroup::owner);

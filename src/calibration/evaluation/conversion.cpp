@@ -9,7 +9,8 @@ namespace pelmora::calibration {
 double conversionFactor(const std::string& from, const std::string& to) {
   const units::Unit &a = units::unitOf(from), &b = units::unitOf(to);
   if (a.offset != 0 || b.offset != 0)
-    throw BadData({"'" + from + "' and '" + to + "' have no common zero", "", "convert the value"});
+    throw BadData(
+        {"'" + from + "' and '" + to + "' have different zeros", "", "convert the value"});
   return units::converted(1, a, b);
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "calibration/evaluation/curve_function.h"
 
+#include "calibration/fit_watch.h"
 #include "solver/reference/reference_curve.h"
 #include "solver/solver.h"
 #include "uncertainty/input.h"
@@ -37,7 +38,7 @@ std::vector<double> withNeighbours(std::span<const double> roshko) {
   return places;
 }
 
-ReferenceCurve referenceBehind(const Fit& fit) {
+ReferenceCurve referenceBehind(const Fit& fit, const solver::reference::StopRequested& stop) {
   std::vector<double> x, y;
   std::vector<int> parts;
   std::vector<std::uint8_t> outside;
@@ -47,7 +48,7 @@ ReferenceCurve referenceBehind(const Fit& fit) {
     parts.push_back(point.part);
     outside.push_back(point.use == PointUse::outside ? 1 : 0);
   }
-  return solver::reference::fitReference({x, y, parts, outside});
+  return solver::reference::fitReference({x, y, parts, outside}, {.stopRequested = stop});
 }
 
 double scatterOf(const ReferenceEstimate& at) {
@@ -59,7 +60,8 @@ double scatterOf(const ReferenceEstimate& at) {
 class ReferenceFunction : public CurveFunction {
  public:
   // table: Roshko numbers at which the interpolation is exact.
-  ReferenceFunction(const ReferenceCurve& curve, std::span<const double> table) {
+  ReferenceFunction(const ReferenceCurve& curve, std::span<const double> table,
+                    const solver::reference::StopRequested& stop) {
     const std::size_t intervals = table.size() - 1;
     const std::size_t parts = (interpolatedPlaces + intervals - 1) / intervals;
     for (std::size_t i = 0; i < intervals; ++i) {
@@ -70,7 +72,7 @@ class ReferenceFunction : public CurveFunction {
       }
     }
     x_.push_back(table.back());
-    estimates_ = curve.evaluate(x_);
+    estimates_ = curve.evaluate(x_, stop);
   }
   [[nodiscard]] CurveSource source() const override { return CurveSource::reference; }
 
@@ -218,16 +220,25 @@ bool isTableOf(const CurveFunction& function, const PointArray& table) {
   return true;
 }
 
+std::shared_ptr<const CurveFunction> referenceFunctionOf(const Fit& fit,
+                                                         const std::stop_token& stop) {
+  const auto stopRequested = [&stop] { return stop.stop_requested(); };
+  try {
+    return std::make_shared<const ReferenceFunction>(referenceBehind(fit, stopRequested),
+                                                     fit.curve.column(0), stopRequested);
+  } catch (const solver::reference::Stopped&) {
+    throw Cancelled({"the fit of " + nameOf(fit) + " was cancelled", nameOf(fit), ""});
+  }
+}
+
 }  // namespace
 
-std::shared_ptr<const CurveFunction> functionOf(const Fit& fit) {
+std::shared_ptr<const CurveFunction> functionOf(const Fit& fit, const std::stop_token& stop) {
   if (!fit.accepted()) {
     throw NoFit({"the fit has no curve: " + fit.reason(), fit.series, "try another band or range"});
   }
   std::shared_ptr<const CurveFunction> reference;
-  if (fit.trust)
-    reference =
-        std::make_shared<const ReferenceFunction>(referenceBehind(fit), fit.curve.column(0));
+  if (fit.trust) reference = referenceFunctionOf(fit, stop);
   const bool isReference = reference && fit.chosen().Name == referenceCurveName;
   if (!isReference) return std::make_shared<const EquationFunction>(fit, std::move(reference));
   if (isTableOf(*reference, fit.curve)) return reference;

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -34,8 +35,9 @@ class CurveFunction {
 // The chosen equation, or the reference curve if a trusted fit chose that. Fits this one curve
 // again.
 //
-// Errors: NoFit if the fit has no curve.
-[[nodiscard]] std::shared_ptr<const CurveFunction> functionOf(const Fit& fit);
+// Errors: NoFit if the fit has no curve; Cancelled at a stop.
+[[nodiscard]] std::shared_ptr<const CurveFunction> functionOf(const Fit& fit,
+                                                              const std::stop_token& stop = {});
 [[nodiscard]] std::shared_ptr<const CurveFunction> functionOf(const Curve& table);
 
 }  // namespace pelmora::calibration

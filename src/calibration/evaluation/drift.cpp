@@ -15,7 +15,7 @@
 namespace pelmora::calibration {
 namespace {
 
-constexpr int usualPlaces = 5;
+constexpr int usualPlaces = 5, lastMonth = 12;
 
 std::optional<CurveShift> shiftBetween(const uncertainty::Budget& earlier,
                                        const uncertainty::Budget& now, double roshko) {
@@ -36,7 +36,7 @@ RoshkoRange commonRange(const std::vector<DatedCurve>& calibrations) {
   }
   if (!(range.min < range.max)) {
     throw BadData({"the curves of the calibrations have no range in common", "",
-                   "leave the calibration out that covers another range"});
+                   "leave out the calibration that covers another range"});
   }
   return range;
 }
@@ -88,8 +88,7 @@ void addInterval(DriftPlace& place, const std::vector<DatedCurve>& calibrations,
   std::vector<drift::Calibrated> history;
   for (std::size_t i = 0; i < budgets.size(); ++i)
     history.push_back({*calibrations[i].years, *budgets[i]});
-  const drift::IntervalAdvice advice =
-      drift::adviseInterval(history, {.limitPercent = limitPercent});
+  const drift::IntervalAdvice advice = drift::adviseInterval(history, limitPercent);
   place.interval =
       IntervalAdvice{advice.years,           advice.isCapped,          advice.ratePercentPerYear,
                      advice.rateUncertainty, advice.dispersionPercent, advice.coverageFactor,
@@ -103,7 +102,12 @@ std::string obstacleToInterval(const std::vector<DatedCurve>& calibrations,
   if (calibrations.size() < 3) return "three calibrations are needed";
   for (std::size_t i = 0; i < calibrations.size(); ++i) {
     const std::string name = "calibration " + std::to_string(calibrations[i].calibration);
-    if (!calibrations[i].years) return "the date of " + name + " is not known";
+    const std::string& date = calibrations[i].date;
+    if (!calibrations[i].years) {
+      return "the date of " + name +
+             (date.empty() ? " is not known"
+                           : ", '" + date + "', is not clear; record it as year-month-day");
+    }
     if (i > 0 && !(*calibrations[i].years > *calibrations[i - 1].years))
       return name + " is not later than the one before it";
   }
@@ -133,12 +137,15 @@ std::optional<double> yearsOf(const std::string& date) {
   int year = -1, month = -1, day = -1;
   if (const auto iso = numbersOf(date, '-'); iso[2] >= 0) {
     year = iso[0], month = iso[1], day = iso[2];
-  } else if (const auto american = numbersOf(date, '/'); american[2] >= 0) {
-    month = american[0], day = american[1], year = american[2];
+  } else if (const auto slashed = numbersOf(date, '/'); slashed[2] >= 0) {
+    // Some write the day first, others the month: 03/04/2026 may be either.
+    const bool isDayFirst = slashed[0] > lastMonth;
+    if (!isDayFirst && slashed[1] <= lastMonth && slashed[0] != slashed[1]) return std::nullopt;
+    day = slashed[isDayFirst ? 0 : 1], month = slashed[isDayFirst ? 1 : 0], year = slashed[2];
   } else if (const auto european = numbersOf(date, '.'); european[2] >= 0) {
     day = european[0], month = european[1], year = european[2];
   }
-  if (year < 1000 || month < 1 || month > 12 || day < 1 || day > 31) return std::nullopt;
+  if (year < 1000 || month < 1 || month > lastMonth || day < 1 || day > 31) return std::nullopt;
   constexpr std::array<int, 12> before{0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334};
   return year + (before[static_cast<std::size_t>(month - 1)] + day - 1) / 365.25;
 }
@@ -151,15 +158,16 @@ std::optional<CurveShift> shiftOf(const FittedCurve& earlier, const FittedCurve&
 }
 
 std::string Drift::assumptions() const {
-  return "Advice by the method of control charts (ILAC-G24): it takes the drift as a straight line "
-         "in time, assumes that the meter keeps changing as it has, and holds the drift and the "
+  return "Advice by the method of control charts (ILAC-G24): it assumes that the drift is linear "
+         "in "
+         "time and that the meter keeps changing as it has, and holds the drift and the "
          "scatter of a calibration within the limit with a probability of 95.45 %; at most twice "
          "the longest interval so far.";
 }
 
 Drift driftOf(std::vector<DatedCurve> calibrations, const DriftOptions& options) {
   if (calibrations.size() < 2) {
-    throw BadData({"a drift takes at least two calibrations with a curve of the series", "",
+    throw BadData({"a drift needs at least two calibrations with a curve of the series", "",
                    "calibrate the meter again, or fit the series of its other calibrations"});
   }
   Drift drift;

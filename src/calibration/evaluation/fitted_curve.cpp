@@ -50,23 +50,32 @@ const char* tableReadingKey(ReadAs reading) {
   return "cubic";
 }
 
+std::optional<ReadAs> tableReadingOf(const std::string& key) {
+  for (const ReadAs each : {ReadAs::none, ReadAs::linear, ReadAs::log, ReadAs::cubic}) {
+    if (key == tableReadingKey(each)) return each;
+  }
+  return std::nullopt;
+}
+
 std::optional<double> CurveEstimate::expandedRoshko() const {
   if (!budget || slope == 0) return std::nullopt;
   return budget->expanded / std::abs(slope);
 }
 
-FittedCurve::FittedCurve(const Fit& fit, const std::optional<StandStatement>& statement) {
-  auto function = functionOf(fit);
+FittedCurve::FittedCurve(const Fit& fit, const std::optional<StandStatement>& statement)
+    : FittedCurve(fit, CurveOrigin{statement}) {}
+
+FittedCurve::FittedCurve(const Fit& fit, const CurveOrigin& origin, const std::stop_token& stop) {
+  auto function = functionOf(fit, stop);
   const auto body =
       std::make_shared<Body>(Curve(pointsWithBands(fit.curve, fit.outcome)), fit.chosen().Name,
-                             fit.series, fit.settings.ratio, std::move(function), statement);
+                             fit.series, fit.settings.ratio, std::move(function), origin);
   for (const CurveWarning& warning : fit.outcome.Warnings) body->warnings.push_back(warning.Text);
   body_ = body;
 }
 
-FittedCurve::FittedCurve(const Curve& table, const std::string& series)
-    : body_(std::make_shared<const Body>(table, "", series, false, functionOf(table),
-                                         std::nullopt)) {}
+FittedCurve::FittedCurve(const Curve& table, const std::string& series, const CurveOrigin& origin)
+    : body_(std::make_shared<const Body>(table, "", series, false, functionOf(table), origin)) {}
 
 CurveSource FittedCurve::source() const { return body_->function->source(); }
 const std::string& FittedCurve::name() const { return body_->name; }
@@ -122,6 +131,7 @@ std::vector<CurveEstimate> FittedCurve::at(std::span<const double> roshko,
   std::vector<CurveEstimate> estimates;
   std::size_t next = 0;
   for (const double x : roshko) {
+    requireGoOn(options);
     if (body_->isInside(body_->settled(x))) {
       estimates.push_back(estimateOf(*body_, places[next++]));
     } else {
@@ -157,10 +167,12 @@ std::vector<std::optional<Budget>> FittedCurve::measured(std::span<const double>
   if (inside.empty()) return budgets;
   const std::vector<Body::Place> places = body_->places(settled, ofCurve);
   for (std::size_t k = 0; k < inside.size(); ++k) {
+    requireGoOn(options);
     const FunctionValue& value = places[k].value;
     if (!value.scatter) continue;
     uncertainty::CurvePlace place = places[k].place;
     place.strouhal = strouhal[inside[k]];
+    place.operating = body_->operatingAt(roshko[inside[k]], place.strouhal, options);
     place.fitUncertainty = *value.scatter;
     place.curve = nullptr;  // the tangent, through the point
     Budget& made = budgets[inside[k]].emplace(
@@ -211,9 +223,12 @@ MonteCarloCheck FittedCurve::monteCarlo(double roshko, const EvaluateOptions& op
   if (!at.value.uncertainty)
     throw BadData({"the uncertainty of the curve is not known", "", "fit the series again"});
   const uncertainty::CurveMeasurement measured = uncertainty::curveMeasurement(at.place, at.stand);
-  const uncertainty::MonteCarloResult drawn = uncertainty::monteCarlo(
-      measured.model, measured.inputs, measured.correlations,
-      {.mostTrials = mostTrials, .probability = at.stand.probability, .seed = seed});
+  const uncertainty::MonteCarloResult drawn =
+      uncertainty::monteCarlo(measured.model, measured.inputs, measured.correlations,
+                              {.mostTrials = mostTrials,
+                               .probability = at.stand.probability,
+                               .seed = seed,
+                               .goOn = [&options] { requireGoOn(options); }});
   return {drawn.mean, drawn.standardDeviation, drawn.low, drawn.high, drawn.trials, drawn.isStable};
 }
 

@@ -4,6 +4,8 @@
 #include "base/text_case.h"
 #include "uncertainty/stand_file.h"
 
+#include <pelmora/calibration/failure.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -16,6 +18,9 @@ using uncertainty::SeriesKind;
 // The ends of a table and those of the points that it was fitted to differ by rounding.
 constexpr double sameEnd = 1e-9;
 constexpr int placesPerSegment = 33;
+// Between two looks at a stop.
+constexpr std::size_t portion = 1024;
+constexpr const char *usualRoshkoUnit = "Hz/cSt", *usualStrouhalUnit = "pulses/gal";
 
 SeriesKind seriesKindOf(const std::string& series, bool isRatio) {
   if (equalNames(series, "Rotor Sum")) return SeriesKind::quotientAB;
@@ -43,6 +48,11 @@ std::vector<double> readingErrorsOf(const CurveFunction& function, std::span<con
 
 }  // namespace
 
+void requireGoOn(const EvaluateOptions& options) {
+  if (options.stop.stop_requested())
+    throw Cancelled({"evaluating the curve was cancelled", "", ""});
+}
+
 tables::Reading readingOf(ReadAs reading) {
   if (reading == ReadAs::log) return tables::Reading::logarithmic;
   return reading == ReadAs::cubic ? tables::Reading::cubic : tables::Reading::linear;
@@ -50,13 +60,19 @@ tables::Reading readingOf(ReadAs reading) {
 
 FittedCurve::Body::Body(Curve curveTable, std::string curveName, const std::string& series,
                         bool isRatio, std::shared_ptr<const CurveFunction> behind,
-                        const std::optional<StandStatement>& statement)
+                        const CurveOrigin& origin)
     : table(std::move(curveTable)),
       name(std::move(curveName)),
       kind(seriesKindOf(series, isRatio)),
       function(std::move(behind)),
-      hasStand(statement.has_value()) {
-  if (statement) stand = uncertainty::readStandUncertainty(statement->text, statement->file);
+      hasStand(origin.stand.has_value()),
+      roshkoUnit(origin.roshkoUnit.empty() ? usualRoshkoUnit : origin.roshkoUnit),
+      strouhalUnit(origin.strouhalUnit.empty() ? usualStrouhalUnit : origin.strouhalUnit),
+      hertzPerCentistoke(
+          units::converted(1, units::unitOf(usualRoshkoUnit), units::unitOf(roshkoUnit))),
+      measuredAt(origin) {
+  if (origin.stand)
+    stand = uncertainty::readStandUncertainty(origin.stand->text, origin.stand->file);
 }
 
 double FittedCurve::Body::settled(double roshko) const {
@@ -104,13 +120,47 @@ void FittedCurve::Body::addDeparture(const FunctionValue& value,
   to.components.push_back(component);
 }
 
+uncertainty::OperatingPoint FittedCurve::Body::operatingAt(double roshko, double strouhal,
+                                                           const EvaluateOptions& options) const {
+  uncertainty::OperatingPoint made;
+  if (options.viscosity) {
+    const BodyExpansion expansion;
+    const double frequency = roshko / hertzPerCentistoke * *options.viscosity /
+                             expansion.roshkoFactor(options.temperatureF);
+    made.viscosity = {*options.viscosity, &units::unitOf("cSt")};
+    made.frequency = {frequency, &units::unitOf("Hz")};
+    if (kind == SeriesKind::rotor && strouhal > 0) {
+      made.flow = {frequency * expansion.strouhalFactor(options.temperatureF) / strouhal,
+                   &units::unitOf(flowUnitOf(strouhalUnit))};
+    }
+  } else {
+    made = measuredAt.of(roshko, strouhal);
+  }
+  // Roshko is the sum of both rotors there; each counter has its own error.
+  if (kind != SeriesKind::rotor && made.frequency)
+    made.frequency->value *= std::min(strouhal, 1.0) / (1 + strouhal);
+  return made;
+}
+
 std::vector<FittedCurve::Body::Place> FittedCurve::Body::places(
     std::span<const double> roshko, const EvaluateOptions& options) const {
   std::optional<tables::TableReader> read;
   if (options.reading != ReadAs::none) read = reader(options.reading);
   std::vector<Place> found;
-  for (const FunctionValue& value : function->at(roshko)) {
-    const double x = roshko[found.size()];
+  for (std::size_t first = 0; first < roshko.size(); first += portion)
+    addPlaces(roshko.subspan(first, std::min(portion, roshko.size() - first)), read, options,
+              found);
+  return found;
+}
+
+void FittedCurve::Body::addPlaces(std::span<const double> roshko,
+                                  const std::optional<tables::TableReader>& read,
+                                  const EvaluateOptions& options, std::vector<Place>& found) const {
+  requireGoOn(options);
+  const std::vector<FunctionValue> values = function->at(roshko);
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const FunctionValue& value = values[i];
+    const double x = roshko[i];
     Place made;
     made.value = value;
     made.stand = stand;
@@ -126,21 +176,10 @@ std::vector<FittedCurve::Body::Place> FittedCurve::Body::places(
     place.curve = [y = place.strouhal, x, slope = value.slope, bend = value.bend](double at) {
       return y + (at - x) * (slope + bend * (at - x) / 2);
     };
-    if (options.viscosity) {
-      const double frequency =
-          x * *options.viscosity / place.expansion.roshkoFactor(options.temperatureF);
-      place.operating.viscosity = {*options.viscosity, &units::unitOf("cSt")};
-      place.operating.frequency = {frequency, &units::unitOf("Hz")};
-      if (kind == uncertainty::SeriesKind::rotor && place.strouhal > 0) {
-        place.operating.flow = {
-            frequency * place.expansion.strouhalFactor(options.temperatureF) / place.strouhal,
-            &units::unitOf("gal/s")};
-      }
-    }
+    place.operating = operatingAt(x, place.strouhal, options);
     addDeparture(value, made.stand);
     found.push_back(std::move(made));
   }
-  return found;
 }
 
 std::vector<CurvePoint> pointsWithBands(const PointArray& curve, const FitOutcome& outcome) {

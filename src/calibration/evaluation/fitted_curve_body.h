@@ -3,6 +3,7 @@
 #pragma once
 
 #include "calibration/evaluation/curve_function.h"
+#include "calibration/evaluation/operating_points.h"
 #include "tables/table_reader.h"
 #include "uncertainty/curve_budget.h"
 
@@ -19,7 +20,7 @@ namespace pelmora::calibration {
 class FittedCurve::Body {
  public:
   Body(Curve curveTable, std::string curveName, const std::string& series, bool isRatio,
-       std::shared_ptr<const CurveFunction> behind, const std::optional<StandStatement>& statement);
+       std::shared_ptr<const CurveFunction> behind, const CurveOrigin& origin);
 
   Curve table;
   std::string name;
@@ -28,6 +29,9 @@ class FittedCurve::Body {
   std::shared_ptr<const CurveFunction> function;
   uncertainty::StandUncertainty stand;
   bool hasStand = false;
+  std::string roshkoUnit, strouhalUnit;  // never empty
+  double hertzPerCentistoke = 1;         // in the unit of Roshko
+  OperatingPoints measuredAt;
 
   // `roshko`, or the end of the table if it lies beyond that end by no more than rounding.
   [[nodiscard]] double settled(double roshko) const;
@@ -50,10 +54,17 @@ class FittedCurve::Body {
   [[nodiscard]] std::optional<uncertainty::Budget> budgetAt(double roshko,
                                                             const EvaluateOptions& options) const;
 
+  // What uncertainties in units refer to, on the curve or at a measured point.
+  [[nodiscard]] uncertainty::OperatingPoint operatingAt(double roshko, double strouhal,
+                                                        const EvaluateOptions& options) const;
+
   // The largest error of reading the table from one of its points to the next, in per cent.
   [[nodiscard]] double readingErrorAt(double roshko, ReadAs reading) const;
 
  private:
+  // Adds the places of a portion; `read` is that of options.reading.
+  void addPlaces(std::span<const double> roshko, const std::optional<tables::TableReader>& read,
+                 const EvaluateOptions& options, std::vector<Place>& found) const;
   void addDeparture(const FunctionValue& value, uncertainty::StandUncertainty& to) const;
   mutable std::array<std::vector<double>, 4> readingErrors_;  // by ReadAs, then by segment
 };
@@ -66,5 +77,8 @@ class FittedCurve::Body {
 [[nodiscard]] Budget publicBudget(const uncertainty::Budget& budget, bool hasStand);
 
 [[nodiscard]] tables::Reading readingOf(ReadAs reading);
+
+// Errors: Cancelled at a stop.
+void requireGoOn(const EvaluateOptions& options);
 
 }  // namespace pelmora::calibration

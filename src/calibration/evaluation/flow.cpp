@@ -38,16 +38,28 @@ struct Placed {
   [[nodiscard]] flow::CalibratedStrouhal calibrated() const { return {&*budget, steepness}; }
 };
 
+// roshko: in the unit of the curve.
 Placed placed(const FittedCurve& curve, double roshko, ReadAs reading,
               const flow::Service& service) {
-  const EvaluateOptions options{reading, service.viscosity, service.temperatureF};
+  EvaluateOptions options{reading, {}, service.temperatureF};
+  // The stand did not measure in this fluid: it counts only if nothing better is known.
+  if (curve.body().measuredAt.empty()) options.viscosity = service.viscosity;
   return {roshko * curve.slopes({&roshko, 1}).front(),
           !curve.body().isInside(curve.body().settled(roshko)),
           curve.body().budgetAt(roshko, options)};
 }
 
+// Over Roshko in Hz/cSt, which frequencies and viscosities give.
 flow::StrouhalCurve curveOf(const FittedCurve& curve, ReadAs reading) {
-  return [&curve, reading](double roshko) { return curve.read({&roshko, 1}, reading).front(); };
+  return [&curve, reading](double hertzPerCentistoke) {
+    const double roshko = hertzPerCentistoke * curve.body().hertzPerCentistoke;
+    return curve.read({&roshko, 1}, reading).front();
+  };
+}
+
+// The Roshko number of a flow in the unit of the curve.
+double roshkoOf(const FittedCurve& curve, const flow::MeterFlow& flow) {
+  return flow.roshko * curve.body().hertzPerCentistoke;
 }
 
 uncertainty::StandUncertainty instrumentsOf(const ServiceReading& reading) {
@@ -81,8 +93,8 @@ Budget publicFlowBudget(const uncertainty::Budget& budget, const FittedCurve& ro
   return made;
 }
 
-RotorFlow rotorOf(const flow::MeterFlow& flow, const Placed& at) {
-  return {flow.roshko, flow.strouhal, flow.flow, at.isExtrapolated};
+RotorFlow rotorOf(const FittedCurve& curve, const flow::MeterFlow& flow, const Placed& at) {
+  return {roshkoOf(curve, flow), flow.strouhal, flow.flow, at.isExtrapolated};
 }
 
 }  // namespace
@@ -94,10 +106,11 @@ ServiceFlow flowOf(const FittedCurve& rotor, const ServiceReading& reading) {
   const flow::Service service = serviceOf(reading);
   const flow::MeterFlow found =
       flow::volumeFlow(curveOf(rotor, reading.reading), reading.frequency, service);
-  const Placed at = placed(rotor, found.roshko, reading.reading, service);
+  const Placed at = placed(rotor, roshkoOf(rotor, found), reading.reading, service);
   ServiceFlow made;
+  made.unit = flowUnitOf(rotor.body().strouhalUnit);
   made.viscosity = service.viscosity;
-  made.rotor = rotorOf(found, at);
+  made.rotor = rotorOf(rotor, found, at);
   made.flow = found.flow;
   if (at.budget) {
     made.budget =
@@ -111,9 +124,16 @@ ServiceFlow flowOf(const FittedCurve& rotor, const ServiceReading& reading) {
 std::vector<double> flowsOf(const FittedCurve& rotor, std::span<const double> frequency,
                             std::span<const double> viscosity, std::span<const double> fahrenheit) {
   requireRotor(rotor);
+  if (viscosity.size() != frequency.size() || fahrenheit.size() != frequency.size()) {
+    throw BadData({std::to_string(frequency.size()) + " frequencies, " +
+                       std::to_string(viscosity.size()) + " viscosities and " +
+                       std::to_string(fahrenheit.size()) + " temperatures do not make readings",
+                   "", "give each reading one value of each"});
+  }
   std::vector<double> flows;
   for (std::size_t i = 0; i < frequency.size(); ++i) {
-    const auto strouhal = [&](double roshko) {
+    const auto strouhal = [&](double hertzPerCentistoke) {
+      const double roshko = hertzPerCentistoke * rotor.body().hertzPerCentistoke;
       const double x = rotor.body().settled(roshko);
       if (rotor.body().isInside(x)) return rotor(x);
       throw OutOfRange({"reading " + std::to_string(i) + " (counted from 0) has Roshko " +
@@ -139,9 +159,11 @@ void requireQuotient(const FittedCurve* quotient) {
 
 double viscosityFrom(const FittedCurve& quotient, const ServiceReading& reading,
                      const flow::Service& service) {
+  const double unit = quotient.body().hertzPerCentistoke;
   return flow::viscosityOfQuotient(
-      curveOf(quotient, ReadAs::none), {quotient.lowestRoshko(), quotient.highestRoshko()},
-      reading.frequency, *reading.frequencyB, service.temperatureF, service.expansion);
+      curveOf(quotient, ReadAs::none),
+      {quotient.lowestRoshko() / unit, quotient.highestRoshko() / unit}, reading.frequency,
+      *reading.frequencyB, service.temperatureF, service.expansion);
 }
 
 // The contributions of the instruments and of the viscosity that follows from the rotors; empty if
@@ -150,7 +172,8 @@ std::optional<uncertainty::StandUncertainty> withQuotient(
     const uncertainty::StandUncertainty& instruments, const FittedCurve& quotient,
     const ServiceReading& reading, const flow::Service& service) {
   const double roshko = (reading.frequency + *reading.frequencyB) / service.viscosity *
-                        service.expansion.roshkoFactor(service.temperatureF);
+                        service.expansion.roshkoFactor(service.temperatureF) *
+                        quotient.body().hertzPerCentistoke;
   const Placed at = placed(quotient, roshko, ReadAs::none, service);
   if (!at.budget) return std::nullopt;
   uncertainty::StandUncertainty all = withoutViscosity(instruments);
@@ -177,11 +200,12 @@ ServiceFlow flowOf(const FittedCurve& rotorA, const FittedCurve& rotorB,
   const flow::DualFlow found =
       flow::dualFlow(curveOf(rotorA, reading.reading), curveOf(rotorB, reading.reading),
                      reading.frequency, *reading.frequencyB, service);
-  const Placed a = placed(rotorA, found.rotorA.roshko, reading.reading, service);
-  const Placed b = placed(rotorB, found.rotorB.roshko, reading.reading, service);
+  const Placed a = placed(rotorA, roshkoOf(rotorA, found.rotorA), reading.reading, service);
+  const Placed b = placed(rotorB, roshkoOf(rotorB, found.rotorB), reading.reading, service);
+  made.unit = flowUnitOf(rotorA.body().strouhalUnit);
   made.viscosity = service.viscosity;
-  made.rotor = rotorOf(found.rotorA, a);
-  made.rotorB = rotorOf(found.rotorB, b);
+  made.rotor = rotorOf(rotorA, found.rotorA, a);
+  made.rotorB = rotorOf(rotorB, found.rotorB, b);
   made.flow = found.flow;
   // At the viscosity of the quotient, both rotors show the same flow whatever their state.
   if (!made.isViscosityOfQuotient) made.differencePercent = found.differencePercent;

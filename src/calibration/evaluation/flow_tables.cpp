@@ -16,17 +16,17 @@ namespace {
 using uncertainty::SeriesKind;
 
 struct FormWords {
-  const char *key, *x, *y, *xUnit;
+  const char *key, *x, *y;
 };
-constexpr std::array<FormWords, 3> formWords{{{"roshko", "Roshko", "Strouhal", "Hz/cSt"},
-                                              {"uvc", "f/v", "K factor", "Hz/cSt"},
-                                              {"linear", "frequency", "K factor", "Hz"}}};
+constexpr std::array<FormWords, 3> formWords{{{"roshko", "Roshko", "Strouhal"},
+                                              {"uvc", "f/v", "K factor"},
+                                              {"linear", "frequency", "K factor"}}};
 
 void requireForm(const FittedCurve& curve, const TableOptions& options) {
   const bool isQuotient = curve.body().kind != SeriesKind::rotor;
   if (isQuotient && options.form != TableForm::roshko) {
     throw BadData({"the y of this series is a quotient of two rotors, not a K factor", "",
-                   "export it for roshko, or choose the series of a rotor"});
+                   "export the form roshko, or choose the series of a rotor"});
   }
   if (options.form == TableForm::linear && !options.viscosity) {
     throw BadData({"a table of K over frequency holds for one fluid at one temperature", "",
@@ -40,7 +40,7 @@ tables::Form formOf(const FittedCurve& curve, const TableOptions& options) {
   if (options.form == TableForm::roshko) return roshko;
   const tables::MeterState state = meterState(options.celsius, options.expansionPerKelvin);
   if (options.form == TableForm::uvc) return tables::universalViscosityForm(roshko, state);
-  return tables::frequencyForm(roshko, *options.viscosity, state);
+  return tables::frequencyForm(roshko, *options.viscosity / curve.body().hertzPerCentistoke, state);
 }
 
 // Adds U at each knot, and the largest U at and halfway between knots. x is proportional to Roshko.
@@ -53,7 +53,7 @@ void addUncertainty(const FittedCurve& curve, double roshkoPerX, const std::vect
   }
   for (double& x : places) x = std::clamp(x, curve.lowestRoshko(), curve.highestRoshko());
   EvaluateOptions options;
-  options.viscosity = table.options.viscosity;
+  if (curve.body().measuredAt.empty()) options.viscosity = table.options.viscosity;
   const auto found = curve.body().places(places, options);
   for (std::size_t i = 0; i < found.size(); ++i) {
     if (!found[i].value.uncertainty) return;
@@ -86,9 +86,10 @@ FlowComputerTable tableFor(const FittedCurve& curve, const TableOptions& options
   if (options.reading == ReadAs::none) table.options.reading = ReadAs::linear;
   const FormWords& words = formWords[static_cast<std::size_t>(options.form)];
   const bool isQuotient = curve.body().kind != SeriesKind::rotor;
-  const std::string ownY = isQuotient ? "1" : "pulses/gal";
-  const units::Unit &xFrom = units::unitOf(words.xUnit), &yFrom = units::unitOf(ownY);
-  const units::Unit& xTo = wantedUnit(options.xUnit, words.xUnit);
+  const std::string ownX = options.form == TableForm::linear ? "Hz" : curve.body().roshkoUnit;
+  const std::string ownY = isQuotient ? "1" : curve.body().strouhalUnit;
+  const units::Unit &xFrom = units::unitOf(ownX), &yFrom = units::unitOf(ownY);
+  const units::Unit& xTo = wantedUnit(options.xUnit, ownX);
   const units::Unit& yTo = wantedUnit(options.yUnit, ownY);
   (void)units::converted(1, xFrom, xTo);  // refuses a wrong unit before the work begins
   (void)units::converted(1, yFrom, yTo);

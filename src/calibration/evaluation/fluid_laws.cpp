@@ -35,8 +35,8 @@ flow::ViscosityLaw lawOf(const FluidLaw& fluid) {
   if (!fluid.constants.empty()) {
     const std::size_t wanted = isAndrade ? 3 : 2;
     if (fluid.kind == ViscosityLawKind::table || fluid.constants.size() != wanted) {
-      throw BadData({"a law of " + std::to_string(fluid.constants.size()) +
-                         " constants is not one of '" + viscosityLawKey(fluid.kind) + "'",
+      throw BadData({"the law '" + std::string(viscosityLawKey(fluid.kind)) + "' does not take " +
+                         std::to_string(fluid.constants.size()) + " constants",
                      fluid.name, "d341 has a and b, andrade a, b and c, a table has points"});
     }
     if (isAndrade) {
@@ -101,7 +101,8 @@ FluidLaw fluidOf(const FluidRow& row, const std::string& location) {
     fluid.lowestCelsius = ends[0];
     fluid.highestCelsius = ends[1];
   } else {
-    for (std::size_t i = 0; i + 1 < found.size(); i += 2)
+    if (found.size() % 2 != 0) refuse();
+    for (std::size_t i = 0; i < found.size(); i += 2)
       fluid.points.push_back({found[i], found[i + 1]});
   }
   return fluid;

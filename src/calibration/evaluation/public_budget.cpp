@@ -3,6 +3,7 @@
 #include "calibration/evaluation/fitted_curve_body.h"
 #include "uncertainty/rounding.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace pelmora::calibration {
@@ -40,25 +41,36 @@ double Budget::roundedPercent() const {
   return uncertainty::roundedUncertainty(expandedPercent, 2, cmcPercent);
 }
 
-std::string Budget::contents() const {
-  const std::string start = "U (k = " + fixedText(coverageFactor, 2) + ", " +
-                            significantText(100 * probability, 4) + " %) contains ";
-  const std::string ofStand = std::string(isOfPoint ? "the scatter of one point" : "the curve") +
+std::string Budget::contents() const { return contentsOf({this, 1}); }
+
+std::string contentsOf(std::span<const Budget> budgets) {
+  if (budgets.empty()) return {};
+  const auto [least, most] = std::ranges::minmax_element(budgets, {}, &Budget::coverageFactor);
+  const std::string low = fixedText(least->coverageFactor, 2),
+                    high = fixedText(most->coverageFactor, 2);
+  const Budget& of = budgets.front();
+  const std::string start = "U (k = " + low + (low == high ? "" : " to " + high) + ", " +
+                            significantText(100 * of.probability, 4) + " %) contains ";
+  const std::string ofStand = std::string(of.isOfPoint ? "the scatter of one point" : "the curve") +
                               " and everything that the stand states" +
-                              (stand.empty() ? "" : " (" + stand + ")");
+                              (of.stand.empty() ? "" : " (" + of.stand + ")");
   const std::string noStand = "no uncertainty of the stand is stored with the calibration";
-  if (isOfFlow) {
-    return start + (hasStand ? ofStand : "the scatter of the points about the curve; " + noStand) +
+  if (of.isOfFlow) {
+    return start +
+           (of.hasStand ? ofStand : "the scatter of the points about the curve; " + noStand) +
            ". " +
-           (hasInstruments ? "It also contains the instruments in service."
-                           : "It contains nothing of the instruments in service.");
+           (of.hasInstruments ? "It also contains the instruments in service."
+                              : "It contains nothing of the instruments in service.");
   }
-  if (!hasStand) {
-    return start + "the scatter of " + (isOfPoint ? "one point" : "the points") +
+  if (!of.hasStand) {
+    return start + "the scatter of " + (of.isOfPoint ? "one point" : "the points") +
            " about the curve alone: " + noStand + ".";
   }
+  if (std::ranges::none_of(budgets, &Budget::isCmc)) return start + ofStand + ".";
   return start + ofStand +
-         (isCmc ? "; it is the laboratory's CMC, below which no uncertainty is stated." : ".");
+         (std::ranges::all_of(budgets, &Budget::isCmc)
+              ? "; it is the laboratory's CMC, below which no uncertainty is stated."
+              : "; where that is less than the laboratory's CMC, U is the CMC.");
 }
 
 }  // namespace pelmora::calibration

@@ -50,7 +50,12 @@ void fitTasks(Work& work) {
     RefitReading read = readAgain(lab, *session, work.tasks[index]);
     moment.reset();
     reading.unlock();  // others need not wait for the fit
-    RefitCurve curve = fitAgain(lab, std::move(read), work.options);
+    RefitCurve curve;
+    try {
+      curve = fitAgain(lab, std::move(read), work.options, work.stop);
+    } catch (const Cancelled&) {
+      return;
+    }
     curve.index = index;
     if (!work.queue.send(std::move(curve))) return;
   }
@@ -149,15 +154,6 @@ class Portion {
   Clock::time_point end_;
 };
 
-// A calibration's number; -1 if it cannot be read.
-int numberOrNone(const Value& value) {
-  try {
-    return isNull(value) ? 0 : toInt16(value);
-  } catch (const Error&) {
-    return -1;
-  }
-}
-
 }  // namespace
 
 std::vector<RefitTask> Database::allSeries() const {
@@ -167,13 +163,12 @@ std::vector<RefitTask> Database::allSeries() const {
                  "Select meter.ID, meter.SerialNumber, meter.SerialNumberAdjusted, meter.ReCalID, "
                  "series.name from meter inner join series on meter.ID = series.meterid ORDER BY "
                  "meter.SerialNumber, meter.ReCalID, series.ID");
-    const auto text = [&](std::size_t field) {
-      return isNull(rows->value(field)) ? std::string() : toText(rows->value(field));
-    };
+    const auto text = [&](std::size_t field) { return toText(rows->value(field)); };
     std::vector<RefitTask> tasks;
     for (; !rows->atEnd(); rows->moveNext()) {
       tasks.push_back(
-          {{text(1), text(2), numberOrNone(rows->value(3)), toInt32(rows->value(0))}, text(4)});
+          {{text(1), text(2), calibrationNumber(rows->value(3)), toInt32(rows->value(0))},
+           text(4)});
     }
     return tasks;
   });

@@ -3,6 +3,7 @@
 
 #include "calibration/repeated_fit.h"
 #include "calibration/stored_fit.h"
+#include "store/field_value.h"
 
 #include <algorithm>
 #include <cmath>
@@ -44,6 +45,14 @@ void requireNames(const RefitTask& task, const std::string& location) {
 
 }  // namespace
 
+int calibrationNumber(const Value& value) {
+  try {
+    return isNull(value) ? 0 : toInt16(value);
+  } catch (const Error&) {
+    return -1;
+  }
+}
+
 RefitReading readAgain(const Database& lab, const Session& session, const RefitTask& task) {
   RefitReading reading;
   RefitCurve& curve = reading.curve;
@@ -66,12 +75,13 @@ RefitReading readAgain(const Database& lab, const Session& session, const RefitT
   return reading;
 }
 
-RefitCurve fitAgain(const Database& lab, RefitReading reading, const RefitOptions& options) {
+RefitCurve fitAgain(const Database& lab, RefitReading reading, const RefitOptions& options,
+                    const std::stop_token& stop) {
   RefitCurve curve = std::move(reading.curve);
   const auto& stored = reading.stored;
   if (!stored) return curve;
   curve.result.kind = hasPointsToFit(*stored) ? Kind::notFitted : Kind::unusable;
-  Repeated repeated = repeatWith(lab, *stored, {}, options.change, {});
+  Repeated repeated = repeatWith(lab, *stored, {}, options.change, Observer{.stop = stop});
   if (!repeated.fit.accepted()) {
     curve.result.reason = repeated.trouble;
     return curve;

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <stop_token>
 
 namespace pelmora::calibration {
 
@@ -27,6 +28,9 @@ struct RefitReading {
   std::optional<StoredSeries> stored;
 };
 
+// The number of a calibration as it is stored; -1 if it cannot be read.
+[[nodiscard]] int calibrationNumber(const Value& value);
+
 // Errors: Locked, Unusable.
 [[nodiscard]] RefitReading readAgain(const Database& lab, const Session& session,
                                      const RefitTask& task);
@@ -34,7 +38,7 @@ struct RefitReading {
 // Fits what was read, with the settings of its curve after options.change. Does not use the
 // database and stores nothing. The result gives the reason if the series cannot be fitted.
 [[nodiscard]] RefitCurve fitAgain(const Database& lab, RefitReading reading,
-                                  const RefitOptions& options);
+                                  const RefitOptions& options, const std::stop_token& stop = {});
 
 // Stores the curve in the change that is open: nobody else can write. Where another program has
 // changed the series, its curve or its settings since they were read, it is fitted again as it is

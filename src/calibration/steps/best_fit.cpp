@@ -5,6 +5,7 @@
 #include "curves/curve_checks.h"
 #include "curves/outcome_details.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace pelmora::calibration::steps {
@@ -16,6 +17,12 @@ void dropOne(std::vector<std::int16_t>& ranking) {
   } else {
     ranking.pop_back();
   }
+}
+
+PointArray pointsOf(const FitData& data) {
+  PointArray points(data.Columns[0].size());
+  for (std::size_t c = 0; c < 2; ++c) std::ranges::copy(data.Columns[c], points.column(c).begin());
+  return points;
 }
 
 }  // namespace
@@ -46,7 +53,7 @@ void CatalogueFit::select(const BandTesterFactory& createBandTester, CatalogueSe
     } else {
       const std::string failure = tester->FailureText();
       // At the place in the sorted order, not at the equation that failed: stored reports read so.
-      slots_[k].details += "\r\n\r\n" + failure;
+      slots_[k].failures += "\r\n\r\n" + failure;
       slot.outcome.Reason = failure;
       dropOne(ranking);
     }
@@ -104,12 +111,26 @@ PointArray CatalogueFit::curve() const {
   return slot != nullptr ? slot->result : PointArray();
 }
 
+std::string CatalogueFit::reportOf(const Slot& slot) {
+  std::string report = slot.details;
+  if (const auto& run = slot.accepted) {
+    const std::vector<double>& x = run->data->Columns[0];
+    const auto [minX, maxX] = std::minmax_element(x.begin(), x.end());
+    report += reportBody({run->labels, *minX, *maxX, slot.outcome.Parameters,
+                          slot.outcome.Statistics, run->residualTolerance, run->bandPercent,
+                          run->numberOfFittedPoints, run->predictedXmin, run->predictedXmax});
+    report += predictedListing(run->labels, slot.outcome.Predicted) + "\r\n\r\n" +
+              rawListing(run->labels, pointsOf(*run->data));
+  }
+  return report + slot.failures;
+}
+
 std::string CatalogueFit::details() const {
   if (failed_) return {};
-  if (const Slot* slot = chosenSlot()) return slot->details;
+  if (const Slot* slot = chosenSlot()) return reportOf(*slot);
   std::string all;
   for (const Slot& slot : slots_) {
-    all += slot.details + "\r\n================================\r\n";
+    all += reportOf(slot) + "\r\n================================\r\n";
   }
   return all;
 }

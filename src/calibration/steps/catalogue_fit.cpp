@@ -81,7 +81,6 @@ RunEnd CatalogueFit::run(const CatalogueRun& run, CatalogueSettings& settings,
   currentEquation_.clear();
   try {
     labels_ = run.labels;
-    rawListing_ = rawListing(labels_, run.points);
     if (!run.engine) throw makeError(RunTimeError::noEngine);
     if (equations_.size() > mostEquations) throw makeError(RunTimeError::overflow);
     data_ = makeFitData(labels_, run.points);
@@ -189,17 +188,18 @@ void CatalogueFit::acceptSolution(const Running& running, std::size_t index) {
   const std::vector<double>& y = predicted->Columns[1];
   if (y.size() != x.size()) throw makeError(RunTimeError::outOfRange);
 
-  const auto [minX, maxX] = std::minmax_element(data_->Columns[0].begin(), data_->Columns[0].end());
-  slot.details +=
-      reportBody({labels_, *minX, *maxX, slot.outcome.Parameters, slot.outcome.Statistics,
-                  slot.model->Settings.ResidualTolerance, settings.BandPercent,
-                  settings.NumberOfFittedPoints, run.Predicted_Xmin, run.Predicted_Xmax});
+  slot.accepted = ReportedRun{labels_,
+                              data_,
+                              slot.model->Settings.ResidualTolerance,
+                              settings.BandPercent,
+                              settings.NumberOfFittedPoints,
+                              run.Predicted_Xmin,
+                              run.Predicted_Xmax};
   PointArray curve(x.size());
   for (std::size_t j = 0; j < x.size(); ++j) {
     curve(j, 0) = x[j];
     curve(j, 1) = y[j];
   }
-  slot.details += predictedListing(labels_, curve) + "\r\n\r\n" + rawListing_;
   slot.outcome.Predicted = curve;
   slot.outcome.Verdict = EquationVerdict::accepted;
   slot.result = std::move(curve);

@@ -99,11 +99,23 @@ class CatalogueFit {
   [[nodiscard]] const std::string& currentEquation() const { return currentEquation_; }
 
  private:
+  // What the report of an accepted equation says of its run. Only one report is read as a rule, so
+  // it is written when it is asked for.
+  struct ReportedRun {
+    FitLabels labels;
+    std::shared_ptr<const FitData> data;
+    double residualTolerance;
+    float bandPercent;
+    std::int16_t numberOfFittedPoints;
+    double predictedXmin, predictedXmax;
+  };
   // What a run leaves for one equation.
   struct Slot {
     std::shared_ptr<FitEngine> engine;  // outlives its model
     std::unique_ptr<FitModel> model;
-    std::string details;
+    std::string details;  // the report up to `accepted`
+    std::optional<ReportedRun> accepted;
+    std::string failures;  // ends the report
     PointArray result;
     std::unique_ptr<FitData> dataResult;
     EquationOutcome outcome;
@@ -113,6 +125,7 @@ class CatalogueFit {
   void resetSlots();
   [[nodiscard]] bool hasChosen() const { return !ranking_.empty() && ranking_.front() != -1; }
   [[nodiscard]] const Slot* chosenSlot() const;
+  [[nodiscard]] static std::string reportOf(const Slot& slot);
 
   // The run, in catalogue_fit.cpp.
   RunEnd runEquations(const Running& running);
@@ -131,7 +144,6 @@ class CatalogueFit {
   std::vector<Slot> slots_;
   std::vector<std::int16_t> ranking_;
   FitLabels labels_;
-  std::string rawListing_;
   std::shared_ptr<const FitData> data_;
   std::string currentEquation_;
   bool failed_ = false;

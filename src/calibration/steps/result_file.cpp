@@ -5,6 +5,7 @@
 #include "base/number_text.h"
 #include "base/run_time_error.h"
 #include "base/text_lines.h"
+#include "base/trimmed_text.h"
 #include "store/point_rows.h"
 
 #include <algorithm>
@@ -19,12 +20,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t headerLines = 3;
-
-std::string_view trimmed(std::string_view text) {
-  const auto first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
 
 void keepAsSaved(const fs::path& path) {
   fs::path saved = path;

@@ -34,7 +34,7 @@ void CatalogueFit::selectSimplest(const BandTesterFactory& createBandTester,
       passed.push_back(static_cast<std::int16_t>(i));
       continue;
     }
-    slot.details += "\r\n\r\n" + slot.outcome.Reason;
+    slot.failures += "\r\n\r\n" + slot.outcome.Reason;
   }
   if (best == slots_.size()) return;
   ranking_.clear();

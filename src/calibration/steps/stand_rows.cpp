@@ -49,7 +49,7 @@ void insertRow(Connection& curves, const std::string& names, const std::vector<V
 }  // namespace
 
 void copyStandRows(Connection& stand, Connection& curves, std::int32_t CalSetupID,
-                   const std::string& job) {
+                   const std::string& job, const std::function<void()>& goOn) {
   if (!isWholeNumber(job)) throw makeError(RunTimeError::typeMismatch);
   curves.execute("Delete * from CalDataPoint where CalDataPoint.calsetupid=" +
                  numberText(CalSetupID));
@@ -66,6 +66,7 @@ void copyStandRows(Connection& stand, Connection& curves, std::int32_t CalSetupI
   std::vector<Value> values(fields.size());
   values[0] = std::int64_t{CalSetupID};
   for (; !from->atEnd(); from->moveNext()) {
+    if (goOn) goOn();
     for (std::size_t i = 1; i < values.size(); ++i) values[i] = from->value(i - 1);
     try {
       to->addRow(fields, values);
@@ -75,6 +76,7 @@ void copyStandRows(Connection& stand, Connection& curves, std::int32_t CalSetupI
       insertRow(curves, names, values);
     }
   }
+  if (goOn) goOn();
   to->updateBatch();
 }
 

@@ -65,9 +65,8 @@ std::string named(const JudgedPoint& point) {
 Advice checkPoints(const Fit& fit, std::vector<JudgedPoint> points) {
   std::string text = "check ";
   for (std::size_t i = 0; i < points.size(); ++i) {
-    text += (i == 0 ? "" : ", ") + named(points[i]) + ", " +
-            significantText(std::abs(points[i].sigmas()), 2) + " sigma " +
-            (points[i].leaveOneOut > 0 ? "above" : "below") + " its neighbours";
+    text += (i == 0 ? "" : ", ") + named(points[i]) + ", " + sigmasText(points[i].sigmas()) +
+            " sigma " + (points[i].leaveOneOut > 0 ? "above" : "below") + " its neighbours";
   }
   text += ", and leave out what is wrong";
   if (!fit.series.empty()) text = "series '" + fit.series + "': " + text;
@@ -199,13 +198,17 @@ std::vector<Rejected> rejectedTogether(const Fit& fit) {
     // A trusted fit has already left out the points that make several equations fail. Equations
     // that still fail are too simple for the curve, or swing.
     const bool isByPoint = equation.Verdict == EquationVerdict::bandTestFailed && !fit.trust;
-    const bool isTooSimple = fit.trust && (equation.Verdict == EquationVerdict::bandTestFailed ||
-                                           (equation.Verdict == EquationVerdict::notSound &&
-                                            equation.Parameters.size() < fit.trust->flows));
-    const double place = isByPoint ? worstPlace(fit, equation) : isTooSimple ? 1 : 0;
+    const bool isNotSound = fit.trust && equation.Verdict == EquationVerdict::notSound;
+    const bool isTooLarge = isNotSound && equation.Parameters.size() >= fit.trust->flows;
+    const bool isTooSimple = fit.trust && !isTooLarge &&
+                             (isNotSound || equation.Verdict == EquationVerdict::bandTestFailed);
+    const double place = isByPoint     ? worstPlace(fit, equation)
+                         : isTooSimple ? 1
+                         : isTooLarge  ? 2
+                                       : 0;
     const auto same = std::ranges::find_if(groups, [&](const Group& group) {
       return group.verdict == equation.Verdict && group.place == place &&
-             (isByPoint || isTooSimple || group.rejected.why == why);
+             (isByPoint || place > 0 || group.rejected.why == why);
     });
     if (same != groups.end()) {
       same->rejected.names.push_back(equation.Name);

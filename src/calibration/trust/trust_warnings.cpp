@@ -27,7 +27,7 @@ CurveWarning distrusted(const JudgedPoint& point, bool isRelative) {
       std::abs(isRelative ? point.leaveOneOut : 100 * point.leaveOneOut / point.strouhal);
   warning.Text = "Point " + std::to_string(point.number) + " of part " +
                  std::to_string(point.part) + " (Roshko " + significantText(point.roshko, 5) +
-                 ") is " + significantText(std::abs(point.sigmas()), 2) + " sigma, " +
+                 ") is " + sigmasText(point.sigmas()) + " sigma, " +
                  significantText(warning.Percent, 2) + " %, " +
                  (point.leaveOneOut > 0 ? "above" : "below") + " the curve of the others" +
                  (std::abs(point.sigmas()) <= sigmasOfAPair ? ", beside another such point" : "") +

@@ -2,6 +2,7 @@
 # into one source file.
 #
 # Result: PELMORA_PAGE_SOURCE, the file; PELMORA_PAGE_HAS_PLOTS, whether the page's plots are interactive.
+include(${PROJECT_SOURCE_DIR}/cmake/text_literals.cmake)
 set(web ${CMAKE_CURRENT_SOURCE_DIR}/web)
 set(packages ${CMAKE_CURRENT_BINARY_DIR}/web)
 set(PELMORA_PAGE_HAS_PLOTS OFF)
@@ -50,25 +51,14 @@ else()
   message(STATUS "The report page has static plots only: PELMORA_WITH_PLOTS is off, or npm or the network is missing")
 endif()
 
-# A C++ function that gives a file's text; an empty one where the page has no script. Literals are short, because
-# compilers limit them.
+# A C++ function that gives a file's text; an empty one where the page has no script.
 function(pelmora_embed name file needs_plots)
   set(text "")
   if(NOT needs_plots OR PELMORA_PAGE_HAS_PLOTS)
     file(READ ${file} text)
     string(REGEX REPLACE "\n +" "\n" text "${text}")  # indentation, which no reader of the page needs
   endif()
-  string(LENGTH "${text}" length)
-  set(literals "")
-  set(at 0)
-  while(at LESS length)
-    string(SUBSTRING "${text}" ${at} 8000 piece)
-    string(APPEND literals "\n    R\"page(${piece})page\"")
-    math(EXPR at "${at} + 8000")
-  endwhile()
-  if(NOT literals)
-    set(literals " \"\"")
-  endif()
+  pelmora_text_literals(literals "${text}")
   set(page "${page}std::string_view ${name}() {\n  return${literals};\n}\n" PARENT_SCOPE)
 endfunction()
 

@@ -10,16 +10,21 @@ var shapes = {
   raw4: function (c) { c.moveTo(0, -4.9); c.lineTo(4.9, 0); c.lineTo(0, 4.9); c.lineTo(-4.9, 0); c.closePath(); },
   out: function (c) { c.rect(-4, -4, 8, 8); c.moveTo(-4, 0); c.lineTo(4, 0); c.moveTo(0, -4); c.lineTo(0, 4); },
   cut: function (c) { c.moveTo(-4, -4); c.lineTo(4, 4); c.moveTo(-4, 4); c.lineTo(4, -4); },
+  dis: function (c) { c.arc(0, 0, 3, 0, 7); c.moveTo(6, 0); c.arc(0, 0, 6, 0, 7); },
   merged: function (c) { c.arc(0, 0, 1.5, 0, 7); }
 };
 
-// The predicted table of a section: Roshko, Strouhal, half widths of confidence and prediction.
+// The predicted table of a section: Roshko, Strouhal, half widths of confidence and prediction. Which
+// columns a table has differs; those of the curve name themselves.
 function curveOf(section) {
-  var c = { x: [], y: [], c: [], q: [] };
-  section.querySelectorAll(".predicted tbody tr").forEach(function (row) {
-    ["x", "y", "c", "q"].forEach(function (name, i) {
-      var value = row.cells[i + 1] ? parseFloat(row.cells[i + 1].textContent) : NaN;
-      c[name].push(isFinite(value) ? value : null);
+  var c = { x: [], y: [], confidence: [], prediction: [] };
+  section.querySelectorAll(".predicted").forEach(function (table) {
+    var keys = [].map.call(table.tHead.rows[0].cells, function (cell) { return cell.dataset.key; });
+    [].forEach.call(table.tBodies[0].rows, function (row) {
+      Object.keys(c).forEach(function (name) {
+        var cell = row.cells[keys.indexOf(name)], value = cell ? parseFloat(cell.textContent) : NaN;
+        c[name].push(isFinite(value) ? value : null);
+      });
     });
   });
   return c;
@@ -46,7 +51,7 @@ function Pair(box, data) {
   this.data = data;
   this.hidden = {};
   data.curve = curveOf(document.getElementById(data.id));
-  if (data.attempt) data.curve = { x: data.attempt.x, y: data.attempt.y, c: [], q: [] };
+  if (data.attempt) data.curve = { x: data.attempt.x, y: data.attempt.y, confidence: [], prediction: [] };
   this.read = box.parentNode.querySelector(".read");
   this.panels = [].map.call(box.querySelectorAll(".panel"), function (g) {
     var d = g.dataset;
@@ -58,7 +63,7 @@ function Pair(box, data) {
   data.points.forEach(function (set) {
     if (!unpacked(set).x) {
       this.points.slice().forEach(function (p) {
-        if (p.key.indexOf("raw") === 0) this.points.push(Object.assign({}, p, { key: set.key, label: set.label }));
+        if (/^(raw|dis)/.test(p.key)) this.points.push(Object.assign({}, p, { key: set.key, label: set.label }));
       }, this);
       return;
     }
@@ -93,7 +98,7 @@ Pair.prototype.columns = function (panel) {
   [1, -1].forEach(function (sign) {
     list.push(c.y.map(function (y) { return inPercent ? sign * band * 100 : y * (1 + sign * band); }));
   });
-  [c.c, c.q].forEach(function (half) {
+  [c.confidence, c.prediction].forEach(function (half) {
     [1, -1].forEach(function (sign) {
       list.push(c.y.map(function (y, i) {
         if (half[i] === null) return null;
@@ -198,6 +203,7 @@ Pair.prototype.draw = function (u, panel) {
   c.beginPath();
   c.rect(u.bbox.left - 6 * ratio, u.bbox.top, u.bbox.width + 12 * ratio, u.bbox.height);
   c.clip();
+  c.setLineDash([]);  // of the last line that was drawn
   this.points.forEach(function (p, i) {
     var value = self.shown(panel, p);
     if (value === null || self.hidden[p.key] || p.x < self.window[0] || p.x > self.window[1]) return;

@@ -12,14 +12,32 @@ namespace {
 
 using Evaluator = BlockEvaluator<DoubleDouble>;
 
-Evaluator::Letters byLetter(const Expression& expression,
-                            const std::vector<DoubleDouble>& parameters) {
-  Evaluator::Letters letters{};
+// T: double or DoubleDouble.
+template <class T>
+typename BlockEvaluator<T>::Letters byLetter(const Expression& expression,
+                                             const std::vector<DoubleDouble>& parameters) {
+  typename BlockEvaluator<T>::Letters letters{};
   const std::vector<int> used = expression.letters();
   for (std::size_t k = 0; k < used.size(); ++k) {
-    letters[static_cast<std::size_t>(used[k])] = parameters[k];
+    letters[static_cast<std::size_t>(used[k])] = static_cast<T>(parameters[k]);
   }
   return letters;
+}
+
+template <class T>
+std::vector<double> valuesOf(const Expression& expression,
+                             const std::vector<DoubleDouble>& parameters,
+                             std::span<const double> x) {
+  BlockEvaluator<T> evaluator(expression, {{expression.root}});
+  const auto letters = byLetter<T>(expression, parameters);
+  std::vector<double> result;
+  result.reserve(x.size());
+  for (std::size_t start = 0; start < x.size(); start += BlockEvaluator<T>::block) {
+    evaluator.load(x.subspan(start, std::min(BlockEvaluator<T>::block, x.size() - start)), letters);
+    for (const T& value : evaluator.value(expression.root))
+      result.push_back(static_cast<double>(value));
+  }
+  return result;
 }
 
 }  // namespace
@@ -31,21 +49,16 @@ ExpressionCurve::ExpressionCurve(Expression expression, std::vector<DoubleDouble
       fit_(std::move(fit)) {}
 
 std::vector<double> ExpressionCurve::values(std::span<const double> x) const {
-  Evaluator evaluator(expression_, {{expression_.root}});
-  const auto letters = byLetter(expression_, parameters_);
-  std::vector<double> result;
-  for (std::size_t start = 0; start < x.size(); start += Evaluator::block) {
-    evaluator.load(x.subspan(start, std::min(Evaluator::block, x.size() - start)), letters);
-    for (const DoubleDouble value : evaluator.value(expression_.root)) {
-      result.push_back(static_cast<double>(value));
-    }
-  }
-  return result;
+  return valuesOf<DoubleDouble>(expression_, parameters_, x);
+}
+
+std::vector<double> ExpressionCurve::samples(std::span<const double> x) const {
+  return valuesOf<double>(expression_, parameters_, x);
 }
 
 std::vector<double> ExpressionCurve::unitErrors(std::span<const double> x) const {
   Evaluator evaluator(expression_, {{expression_.root}});
-  const auto letters = byLetter(expression_, parameters_);
+  const auto letters = byLetter<DoubleDouble>(expression_, parameters_);
   const std::vector<int> used = expression_.letters();
   std::vector<double> result;
   for (std::size_t start = 0; start < x.size(); start += Evaluator::block) {

@@ -15,6 +15,7 @@ class ExpressionCurve : public Curve {
   ExpressionCurve(Expression expression, std::vector<DoubleDouble> parameters,
                   std::shared_ptr<const NestedFit> fit);
   [[nodiscard]] std::vector<double> values(std::span<const double> x) const override;
+  [[nodiscard]] std::vector<double> samples(std::span<const double> x) const override;
   [[nodiscard]] std::vector<double> unitErrors(std::span<const double> x) const override;
 
  private:

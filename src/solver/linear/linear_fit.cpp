@@ -5,7 +5,6 @@
 #include "solver/linear/expression_curve.h"
 #include "solver/linear/function_column.h"
 #include "solver/linear/orthogonal_factor.h"
-#include "solver/equations/power_basis.h"
 #include "solver/linear/power_curve.h"
 #include "base/number_text.h"
 
@@ -133,12 +132,12 @@ Solution fitTerms(Expression expression, const LinearForm& form, const Series& s
 
 }  // namespace
 
-Solution fitLinear(Expression expression, const LinearForm& form, Series& series) {
-  if (const auto basis = powerBasis(expression, form)) {
-    const auto fit = powerFitOf(expression, *basis, series);
-    return fitPowers(std::move(expression), *basis, series, fit);
+Solution fitLinear(const KnownEquation& equation, Series& series) {
+  if (equation.basis) {
+    const auto fit = powerFitOf(equation.expression, *equation.basis, series);
+    return fitPowers(equation.expression, *equation.basis, series, fit);
   }
-  return fitTerms(std::move(expression), form, series);
+  return fitTerms(equation.expression, equation.form.value(), series);
 }
 
 }  // namespace pelmora::solver

@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "solver/equations/expression.h"
-#include "solver/equations/linear_form.h"
+#include "solver/equations/known_equations.h"
 #include "solver/linear/series.h"
 #include "solver/linear/solution.h"
 
@@ -16,9 +15,9 @@ namespace pelmora::solver {
 // place of n - 1) where none is: a line through the origin explains y, not its deviation from the
 // mean.
 //
-// Shape:  series of n points, equation of p parameters, n > p >= 1.
+// Shape:  series of n points, equation with a form and p parameters, n > p >= 1.
 // Errors: NoSolution for a term that is not finite at some point and for parameters that the data
 //         cannot tell apart.
-[[nodiscard]] Solution fitLinear(Expression expression, const LinearForm& form, Series& series);
+[[nodiscard]] Solution fitLinear(const KnownEquation& equation, Series& series);
 
 }  // namespace pelmora::solver

@@ -47,6 +47,34 @@ std::vector<double> PowerCurve::values(std::span<const double> x) const {
   return result;
 }
 
+bool PowerCurve::isOverLogarithm() const {
+  const Node& node = expression_.at(base_);
+  return node.op == Op::ln && expression_.at(node.left).op == Op::variable;
+}
+
+// Clenshaw's recurrence, all points at a time for each column. Other functions than the logarithm
+// cost little in double-double.
+std::vector<double> PowerCurve::samples(std::span<const double> x) const {
+  if (fit_->hasPole || !isOverLogarithm()) return values(x);
+  std::vector<double> t(x.size()), first(x.size()), second(x.size()), result(x.size());
+  for (std::size_t k = 0; k < x.size(); ++k) {
+    const double u = std::log(x[k]);
+    t[k] = (u - fit_->middle) * fit_->stretch;
+    result[k] = fit_->lowest == 0 ? 1 : std::pow(u, fit_->lowest);
+  }
+  for (std::size_t j = columnParameters_.size(); j-- > 1;) {
+    const double parameter = columnParameters_[j].hi;
+    for (std::size_t k = 0; k < x.size(); ++k) {
+      const double next = parameter + 2 * t[k] * first[k] - second[k];
+      second[k] = first[k];
+      first[k] = next;
+    }
+  }
+  for (std::size_t k = 0; k < x.size(); ++k)
+    result[k] *= columnParameters_[0].hi + t[k] * first[k] - second[k];
+  return result;
+}
+
 std::vector<double> PowerCurve::unitErrors(std::span<const double> x) const {
   std::vector<double> result = functionAt(x).hi;
   const UpperTriangle& r = fit_->fit.factor.r;

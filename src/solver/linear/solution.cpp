@@ -3,6 +3,7 @@
 
 #include "solver/arithmetic/double_double_functions.h"
 
+#include <algorithm>
 #include <numeric>
 #include <utility>
 
@@ -13,11 +14,14 @@ std::vector<double> Solution::covariance() const {
   std::vector<double> result(p * p);
   const DoubleDouble degrees(static_cast<double>(statistics.Observations) - static_cast<double>(p));
   const DoubleDouble variance = fit->factor.residualSquares[p] / degrees;
+  const auto isOne = [](DoubleDouble factor) { return factor.hi == 1 && factor.lo == 0; };
+  const bool hasFactors = !std::ranges::all_of(factorOfTerm, isOne);
   for (std::size_t k = 0; k < p; ++k) {
-    for (std::size_t l = 0; l < p; ++l) {
-      const DoubleDouble cell =
-          variance * fit->unitCovariance(p, k, l) / (factorOfTerm[k] * factorOfTerm[l]);
-      result[parameterOfTerm[k] * p + parameterOfTerm[l]] = static_cast<double>(cell);
+    for (std::size_t l = k; l < p; ++l) {
+      DoubleDouble cell = variance * fit->unitCovariance(p, k, l);
+      if (hasFactors) cell = cell / (factorOfTerm[k] * factorOfTerm[l]);
+      const std::size_t row = parameterOfTerm[k], column = parameterOfTerm[l];
+      result[row * p + column] = result[column * p + row] = static_cast<double>(cell);
     }
   }
   return result;

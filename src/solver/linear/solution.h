@@ -18,6 +18,10 @@ class Curve {
  public:
   virtual ~Curve() = default;
   [[nodiscard]] virtual std::vector<double> values(std::span<const double> x) const = 0;
+  // The same to the precision of double, for a look at many more places.
+  [[nodiscard]] virtual std::vector<double> samples(std::span<const double> x) const {
+    return values(x);
+  }
   // Standard error of the curve at x for a residual variance of 1.
   [[nodiscard]] virtual std::vector<double> unitErrors(std::span<const double> x) const = 0;
 };

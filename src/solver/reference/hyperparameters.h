@@ -16,7 +16,8 @@ struct Hyperparameters {
 // Variance of one point's noise at a share of the largest flow, in units of that at the largest:
 // 1 + growth^2 (1 / flowFraction^2 - 1). What grows so is an error of constant size in the flow:
 // a pulse more or less in a fixed time, a leak, a drifting zero.
-[[nodiscard]] constexpr double noiseVariance(double growth, double flowFraction) {
+template <class Number>
+[[nodiscard]] constexpr Number noiseVariance(const Number& growth, double flowFraction) {
   return 1 + growth * growth * (1 / (flowFraction * flowFraction) - 1);
 }
 

@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <set>
+#include <utility>
 
 namespace pelmora::solver::reference {
 namespace {
@@ -31,46 +32,52 @@ class Lattice {
            inside(p.growth, range_.growths);
   }
 
-  double logWeight(Place p) {
-    const auto found = nodes_.find(p);
-    if (found != nodes_.end()) return found->second.logWeight;
-    auto& steps = steps_[p.length];
-    const Hyperparameters h = at(p);
-    if (steps.empty()) steps = stepsBetween(knots_, h.length);
-    const Node node = pass_.evaluate(h, steps);
-    best_ = nodes_.empty() || node.logWeight > nodes_.at(best_).logWeight ? p : best_;
-    nodes_.emplace(p, node);
-    return node.logWeight;
+  // Evaluates those of the places that it has not seen, side by side where they share a length.
+  void visit(std::vector<Place> places) {
+    std::erase_if(places, [&](const Place& p) { return nodes_.contains(p) || takeSpare(p); });
+    std::sort(places.begin(), places.end());
+    for (std::size_t first = 0; first < places.size();) {
+      std::vector<Place> group{places[first]};
+      while (++first < places.size() && group.size() < laneCount &&
+             places[first].length == group.front().length)
+        group.push_back(places[first]);
+      evaluate(group);
+    }
   }
 
   void visitAll() {
+    std::vector<Place> all;
     for (int i = 0; i < range_.lengths; ++i) {
       for (int j = 0; j < range_.amplitudes; ++j) {
-        for (int k = 0; k < range_.growths; ++k) logWeight({i, j, k});
+        for (int k = 0; k < range_.growths; ++k) all.push_back({i, j, k});
       }
     }
+    visit(std::move(all));
   }
 
   // Up to the best node, each time visiting the neighbours of the best so far.
   void climbFrom(Place start) {
-    logWeight(start);
+    visit({start});
     for (Place from = start;; from = best_) {
-      for (const Place& p : neighbours(from)) logWeight(p);
+      visit(neighbours(from));
       if (best_ == from) return;
     }
   }
 
   // Outwards from the best, as far as nodes are within `reach` of it.
   void spread(double reach) {
-    std::vector<Place> open{best_};
+    std::vector<Place> border{best_};
     std::set<Place> opened{best_};
-    while (!open.empty()) {
-      const Place p = open.back();
-      open.pop_back();
-      if (logWeight(p) < nodes_.at(best_).logWeight - reach) continue;
-      for (const Place& q : neighbours(p)) {
-        if (opened.insert(q).second) open.push_back(q);
+    while (!border.empty()) {
+      visit(border);
+      std::vector<Place> next;
+      for (const Place& p : border) {
+        if (nodes_.at(p).logWeight < nodes_.at(best_).logWeight - reach) continue;
+        for (const Place& q : neighbours(p)) {
+          if (opened.insert(q).second) next.push_back(q);
+        }
       }
+      border = std::move(next);
     }
   }
 
@@ -91,6 +98,46 @@ class Lattice {
   }
 
  private:
+  void evaluate(std::vector<Place> group) {
+    const std::size_t asked = group.size();
+    addLikely(group);
+    std::vector<Hyperparameters> hyperparameters;
+    for (const Place& p : group) hyperparameters.push_back(at(p));
+    auto& steps = steps_[group.front().length];
+    if (steps.empty()) steps = stepsBetween(knots_, hyperparameters.front().length);
+    std::vector<Node> nodes = pass_.evaluate(hyperparameters, steps);
+    for (std::size_t i = 0; i < group.size(); ++i) {
+      if (i < asked) {
+        keep(group[i], std::move(nodes[i]));
+      } else {
+        spare_.emplace(group[i], std::move(nodes[i]));
+      }
+    }
+  }
+
+  // Lanes that would be idle take neighbours of the group, which are likely to be asked for next.
+  void addLikely(std::vector<Place>& group) const {
+    for (std::size_t i = 0; i < group.size() && group.size() < laneCount; ++i) {
+      for (const Place& p : neighbours(group[i])) {
+        if (p.length == group.front().length && group.size() < laneCount && !nodes_.contains(p) &&
+            !spare_.contains(p) && std::find(group.begin(), group.end(), p) == group.end())
+          group.push_back(p);
+      }
+    }
+  }
+
+  bool takeSpare(Place p) {
+    auto spare = spare_.extract(p);
+    if (spare.empty()) return false;
+    keep(p, std::move(spare.mapped()));
+    return true;
+  }
+
+  void keep(Place p, Node node) {
+    if (nodes_.empty() || node.logWeight > nodes_.at(best_).logWeight) best_ = p;
+    nodes_.emplace(p, std::move(node));
+  }
+
   [[nodiscard]] std::vector<Place> neighbours(Place p) const {
     std::vector<Place> found;
     for (const int step : {-1, 1}) {
@@ -117,7 +164,8 @@ class Lattice {
   const LatticeRange& range_;
   int parts_;
   double firstGrowth_;
-  std::map<Place, Node> nodes_;
+  std::map<Place, Node> nodes_;  // that were asked for
+  std::map<Place, Node> spare_;  // evaluated beside them
   std::map<int, std::vector<MaternStep>> steps_;
   Place best_{};
 };
@@ -129,6 +177,18 @@ double sharingNodes(const std::vector<SharedNode>& nodes) {
 }
 
 }  // namespace
+
+std::vector<std::span<const SharedNode>> groupsOf(std::span<const SharedNode> nodes) {
+  std::vector<std::span<const SharedNode>> groups;
+  const auto lengthOf = [&](std::size_t i) { return nodes[i].node.hyperparameters.length; };
+  for (std::size_t first = 0, end = 0; first < nodes.size(); first = end) {
+    for (end = first + 1;
+         end < nodes.size() && end - first < laneCount && lengthOf(end) == lengthOf(first);)
+      ++end;
+    groups.push_back(nodes.subspan(first, end - first));
+  }
+  return groups;
+}
 
 std::vector<SharedNode> visitLattice(const Knots& knots, const ReferencePriors& priors,
                                      double offsets, const LatticeRange& range, double depth,

@@ -4,6 +4,7 @@
 
 #include "solver/reference/restricted_likelihood.h"
 
+#include <span>
 #include <vector>
 
 namespace pelmora::solver::reference {
@@ -37,6 +38,9 @@ struct SharedNode {
   Node node;
   double share = 0;
 };
+
+// Neighbours in the list that have one length, up to laneCount of them.
+[[nodiscard]] std::vector<std::span<const SharedNode>> groupsOf(std::span<const SharedNode> nodes);
 
 // By rising length, so that neighbours share their steps. Where every node is visited, nodes of
 // share 0 are there as well up to `depth` (ln) below the best: they may come to count when points

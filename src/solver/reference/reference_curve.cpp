@@ -91,19 +91,23 @@ std::vector<ReferenceCurve::OnScale> ReferenceCurve::onScale(std::span<const dou
   std::vector<OnScale> sum(t.size(), OnScale{});
   std::vector<double> squares(t.size());
   double length = 0;
-  for (const SharedNode& shared : nodes_) {
-    requireGoOn(stop);
-    const Hyperparameters& h = shared.node.hyperparameters;
-    if (h.length != length) places.setLength(length = h.length);
+  const auto add = [&](const SharedNode& shared, const std::vector<Smoothed>& smoothed) {
+    const double growth = shared.node.hyperparameters.growth;
     const double unit = factor * factor * shared.node.squares / freedom;
-    const auto smoothed = places.smoothAt(shared.node, offsets_);
     for (std::size_t i = 0; i < t.size(); ++i) {
       sum[i].z += shared.share * smoothed[i].mean;
       squares[i] += shared.share * smoothed[i].mean * smoothed[i].mean;
       sum[i].slope += shared.share * smoothed[i].slope;
       sum[i].curveVariance += shared.share * unit * smoothed[i].variance;
-      sum[i].noiseVariance += shared.share * unit * noiseVariance(h.growth, flowFraction[i]);
+      sum[i].noiseVariance += shared.share * unit * noiseVariance(growth, flowFraction[i]);
     }
+  };
+  for (const auto& group : groupsOf(nodes_)) {
+    requireGoOn(stop);
+    const double lengthOfGroup = group.front().node.hyperparameters.length;
+    if (lengthOfGroup != length) places.setLength(length = lengthOfGroup);
+    const auto smoothed = places.smoothAt(group, offsets_);
+    for (std::size_t lane = 0; lane < group.size(); ++lane) add(group[lane], smoothed[lane]);
   }
   for (std::size_t i = 0; i < t.size(); ++i)
     sum[i].curveVariance += std::max(0.0, squares[i] - sum[i].z * sum[i].z);

@@ -7,6 +7,7 @@
 #include "solver/reference/stop.h"
 #include "solver/reference/trend_regression.h"
 
+#include <span>
 #include <vector>
 
 namespace pelmora::solver::reference {
@@ -19,6 +20,9 @@ namespace pelmora::solver::reference {
 // `offsets` > 0 and there are two to mostFluidOffsets of them.
 [[nodiscard]] int columnsOf(const Knots& knots, double offsets);
 [[nodiscard]] Columns observationAt(const Knots& knots, const Knot& knot, int columns);
+
+// The observations at all knots, for one pass after another.
+[[nodiscard]] std::vector<Columns> observationsOf(const Knots& knots, int columns);
 
 // With n points and f = n - 2 + noiseDegrees degrees of freedom, up to a constant that does not
 // depend on the hyperparameters,
@@ -40,18 +44,21 @@ struct Node {
 //
 // Source: de Jong: A cross-validation filter for time series models, Biometrika 75 (1988) 594-600.
 struct Influence {
-  double u = 0, own = 0, withNext = 0;
+  Lanes u = 0, own = 0, withNext = 0;
 };
+
+// Up to laneCount nodes of one length, which pass over the points side by side.
+using NodeGroup = std::span<const Hyperparameters>;
 
 class LikelihoodPass {
  public:
   LikelihoodPass(const Knots& knots, const ReferencePriors& priors, double offsets,
                  StopRequested stop = {});
-  // steps: stepsBetween(knots, h.length).  Errors: Stopped.
-  [[nodiscard]] Node evaluate(const Hyperparameters& h, const std::vector<MaternStep>& steps);
-  // Of the node evaluated last, by knot; valid until the next call.
-  [[nodiscard]] const std::vector<Influence>& influences(const std::vector<MaternStep>& steps,
-                                                         const TrendFit& trend);
+  // steps: stepsBetween(knots, length of the group).  Errors: Stopped.
+  [[nodiscard]] std::vector<Node> evaluate(NodeGroup group, const std::vector<MaternStep>& steps);
+  // Of a group of nodes that evaluate() has returned, by knot; valid until the next call.
+  [[nodiscard]] const std::vector<Influence>& influences(std::span<const Node> nodes,
+                                                         const std::vector<MaternStep>& steps);
   [[nodiscard]] double degreesOfFreedom() const { return degreesOfFreedom_; }
 
  private:
@@ -61,8 +68,15 @@ class LikelihoodPass {
   StopRequested stop_;
   int columns_;
   double degreesOfFreedom_;
+  std::vector<Columns> observations_;
   std::vector<Innovation> innovations_;
   std::vector<Influence> influences_;
+
+  // Calls take(knot, variance of its points' noise, innovation) at each knot; the innovation is
+  // written to `innovations`, which has room for all or for one.
+  template <class Take>
+  void filter(const Lanes& amplitude, const Lanes& growth, const std::vector<MaternStep>& steps,
+              std::vector<Innovation>& innovations, Take take);
 };
 
 }  // namespace pelmora::solver::reference

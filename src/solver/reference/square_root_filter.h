@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "solver/reference/lanes.h"
 #include "solver/reference/matern_step.h"
 
 #include <array>
@@ -15,11 +16,17 @@ inline constexpr int mostFluidOffsets = 4;
 inline constexpr int mostColumns = 4 + mostFluidOffsets;
 using Columns = std::array<double, mostColumns>;
 
+// The same for four nodes. Points and steps are theirs in common, amplitude and noise are not.
+using LaneColumns = std::array<Lanes, mostColumns>;
+using LaneVector3 = std::array<Lanes, 3>;
+using LaneMatrix3 = std::array<LaneVector3, 3>;
+
 // One observation's part in the likelihood.
 struct Innovation {
-  Columns value;    // observed less predicted
-  double variance;  // of `value`, in units of the noise's variance
-  Vector3 gain;
+  LaneColumns value;  // observed less predicted
+  Lanes variance;     // of `value`, in units of the noise's variance
+  Lanes weight;       // 1 / variance
+  LaneVector3 gain;
 };
 
 // State mean and covariance factor x factor'. Neither step subtracts: a prediction is an
@@ -30,20 +37,22 @@ struct Innovation {
 class SquareRootFilter {
  public:
   // `amplitude` is the process's standard deviation; noise has variance 1.
-  SquareRootFilter(double amplitude, int columns);
+  SquareRootFilter(const Lanes& amplitude, int columns);
 
   void predict(const MaternStep& step);
-  Innovation observe(const Columns& observed, double noiseVariance);
+  // Only the columns of the model are read, and written to `innovation`.
+  void observe(const Columns& observed, const Lanes& noiseVariance, Innovation& innovation);
 
-  [[nodiscard]] const Matrix3& factor() const { return factor_; }
+  // Lower triangle.
+  [[nodiscard]] const LaneMatrix3& factor() const { return factor_; }
   // Mean of part i of the state, by column.
-  [[nodiscard]] const Columns& mean(int i) const { return mean_[static_cast<unsigned>(i)]; }
+  [[nodiscard]] const LaneColumns& mean(int i) const { return mean_[static_cast<unsigned>(i)]; }
 
  private:
-  double amplitude_;
-  int columns_;
-  std::array<Columns, 3> mean_{};
-  Matrix3 factor_;
+  Lanes amplitude_;
+  unsigned columns_;
+  std::array<LaneColumns, 3> mean_{};
+  LaneMatrix3 factor_;
 };
 
 }  // namespace pelmora::solver::reference

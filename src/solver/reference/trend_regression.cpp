@@ -13,31 +13,38 @@ TrendRegression::TrendRegression(int columns, double drag, double offsets) : col
   }
 }
 
-void TrendRegression::multiply(double factor) {
+void TrendRegression::multiply(const Lanes& factor) {
   constexpr double large = 1e100, small = 1e-100;
   product_ *= factor;
-  if (product_ > large || product_ < small) {
-    logDeterminant_ += std::log(product_);
-    product_ = 1;
-  }
+  bool isExtreme = false;
+  for (std::size_t lane = 0; lane < laneCount; ++lane)
+    isExtreme = isExtreme || product_[lane] > large || product_[lane] < small;
+  if (!isExtreme) return;
+  logDeterminant_ += log(product_);
+  product_ = 1;
 }
 
 void TrendRegression::add(const Innovation& innovation) {
-  const double weight = 1 / innovation.variance;
   for (unsigned a = 0; a < static_cast<unsigned>(columns_); ++a) {
-    for (unsigned b = 0; b <= a; ++b)
-      gram_[a][b] += innovation.value[a] * innovation.value[b] * weight;
+    const Lanes weighted = innovation.value[a] * innovation.weight;
+    for (unsigned b = 0; b <= a; ++b) gram_[a][b] += weighted * innovation.value[b];
   }
   multiply(innovation.variance);
 }
 
-void TrendRegression::addRepeats(double count, double scatter, double variance) {
+void TrendRegression::addRepeats(double count, double scatter, const Lanes& variance) {
   if (count <= 1) return;
   gram_[0][0] += scatter / variance;
-  logDeterminant_ += (count - 1) * std::log(variance) + std::log(count);
+  multiply(count);
+  constexpr double few = 9;  // factors cost less than their logarithms
+  if (count > few) {
+    logDeterminant_ += (count - 1) * log(variance);
+  } else {
+    for (double left = count - 1; left > 0; --left) multiply(variance);
+  }
 }
 
-TrendFit TrendRegression::finish() const {
+TrendFit TrendRegression::finish(std::size_t lane) const {
   const auto p = static_cast<unsigned>(columns_);
   TrendFit fit;
   fit.columns = columns_;
@@ -46,7 +53,7 @@ TrendFit TrendRegression::finish() const {
   double determinant = 1;
   for (unsigned i = 1; i < p; ++i) {
     for (unsigned j = 1; j <= i; ++j) {
-      double sum = gram_[i][j];
+      double sum = gram_[i][j][lane];
       for (unsigned k = 1; k < j; ++k) sum -= l[i][k] * l[j][k];
       l[i][j] = i == j ? std::sqrt(sum) : sum / l[j][j];
     }
@@ -58,9 +65,9 @@ TrendFit TrendRegression::finish() const {
     }
   }
   Columns half{};  // l^-1 X'V^-1 y
-  fit.squares = gram_[0][0];
+  fit.squares = gram_[0][0][lane];
   for (unsigned i = 1; i < p; ++i) {
-    for (unsigned j = 1; j <= i; ++j) half[i] += inverse[i][j] * gram_[j][0];
+    for (unsigned j = 1; j <= i; ++j) half[i] += inverse[i][j] * gram_[j][0][lane];
     fit.squares -= half[i] * half[i];
   }
   for (unsigned i = 1; i < p; ++i) {
@@ -70,7 +77,7 @@ TrendFit TrendRegression::finish() const {
         fit.covariance[i][j] += inverse[k][i] * inverse[k][j];
     }
   }
-  fit.logDeterminant = logDeterminant_ + std::log(product_) + 2 * std::log(determinant);
+  fit.logDeterminant = logDeterminant_[lane] + std::log(product_[lane]) + 2 * std::log(determinant);
   return fit;
 }
 

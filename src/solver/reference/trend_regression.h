@@ -28,15 +28,15 @@ class TrendRegression {
   TrendRegression(int columns, double drag, double offsets);
   void add(const Innovation& innovation);
   // What repeats add beyond their mean: their scatter over its variance, and the determinant.
-  void addRepeats(double count, double scatter, double variance);
-  [[nodiscard]] TrendFit finish() const;
+  void addRepeats(double count, double scatter, const Lanes& variance);
+  [[nodiscard]] TrendFit finish(std::size_t lane) const;
 
  private:
   int columns_;
-  ColumnMatrix gram_{};
-  double logDeterminant_ = 0;
-  double product_ = 1;  // of variances whose logarithms are still to be added
-  void multiply(double factor);
+  std::array<LaneColumns, mostColumns> gram_{};  // lower triangle
+  Lanes logDeterminant_ = 0;
+  Lanes product_ = 1;  // of variances whose logarithms are still to be added
+  void multiply(const Lanes& factor);
 };
 
 }  // namespace pelmora::solver::reference

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "solver/reference/restricted_likelihood.h"
+#include "solver/reference/node_lattice.h"
 
 #include <span>
 #include <vector>
@@ -23,7 +23,8 @@ class MergedPlaces {
   MergedPlaces(const Knots& knots, std::span<const double> t);
   // Call before smoothAt with nodes of another length.
   void setLength(double length);
-  // At every t, in their order. The past comes as a mean and the root of a covariance from the
+  // At every t, in their order, for each node of a group: up to laneCount nodes of that length. The
+  // past comes as a mean and the root of a covariance from the
   // forward filter, the future as the root of an information matrix, carried backwards; joined,
   // both are orthogonal triangularisations, so that no digits are lost where the points say much
   // more than the prior.
@@ -31,7 +32,8 @@ class MergedPlaces {
   // Source: Fraser, Potter: The optimum linear smoother as a combination of two optimum linear
   //         filters, IEEE Trans. Automatic Control 14 (1969) 387-390; roots: Kailath, Sayed,
   //         Hassibi (2000), chapter 12.
-  [[nodiscard]] std::vector<Smoothed> smoothAt(const Node& node, double offsets) const;
+  [[nodiscard]] std::vector<std::vector<Smoothed>> smoothAt(std::span<const SharedNode> group,
+                                                            double offsets) const;
 
  private:
   struct Entry {

@@ -42,11 +42,11 @@ void expectWords(const Failure& failure, std::int32_t number, const std::string&
 }
 
 TEST_F(access_program, that_crashes_ends_in_a_message) {
-  expectWords(failure(shell("kill -SEGV $$")), 321, "its reader ended in the middle (signal 11)");
+  expectWords(failure(shell("kill -SEGV $$")), 321, "its reader ended unexpectedly (signal 11)");
 }
 
 TEST_F(access_program, that_ends_early_ends_in_a_message) {
-  expectWords(failure(shell("exit 0")), 321, "its reader ended in the middle");
+  expectWords(failure(shell("exit 0")), 321, "its reader ended unexpectedly");
 }
 
 TEST_F(access_program, that_sends_invalid_messages_ends_in_a_message) {
@@ -68,7 +68,7 @@ TEST_F(access_program, that_takes_too_long_is_ended) {
   access::ProgramSettings settings =
       shell("ulimit -S -t \"$2\"; while :; do :; done");  // as the real one limits itself
   settings.processorSeconds = 1;
-  expectWords(failure(settings), 321, "takes more than 1 s of the processor's time");
+  expectWords(failure(settings), 321, "takes more than 1 s of processor time");
 }
 
 TEST_F(access_program, limits_its_own_memory) {

@@ -1,7 +1,7 @@
 // Who asks for an end of a long reading gets it.
 // SPDX-License-Identifier: MIT
 #include "adapters/postgresql/postgres_session.h"
-#include "adapters/sql_engine/engine_error.h"
+#include "base/run_time_error.h"
 #include "tests/adapters/postgresql/server_test.h"
 
 #include <gtest/gtest.h>
@@ -25,7 +25,7 @@ TEST_F(stopped_reading, ends_with_an_error_of_its_own) {
   int asked = 0;
   postgres::PostgresSession session(
       curves.path, {.limit = 250ms, .goesOn = {}, .stopRequested = [&] { return ++asked >= 3; }});
-  EXPECT_EQ(failureOf([&] { session.read(endless); }).number, sql::stopped);
+  EXPECT_EQ(failureOf([&] { session.read(endless); }).number, operationStopped);
   asked = -1000000;
   EXPECT_EQ(session.read("SELECT 1").rows.rows(), 1U);
 }
@@ -37,7 +37,7 @@ TEST_F(stopped_reading, leaves_a_transaction_as_it_was) {
       curves.path, {.limit = 250ms, .goesOn = {}, .stopRequested = [&] { return isStopped; }});
   session.begin();
   session.write("INSERT INTO \"Fluids\" (\"Name\") VALUES ('Water')");
-  EXPECT_EQ(failureOf([&] { session.read(endless); }).number, sql::stopped);
+  EXPECT_EQ(failureOf([&] { session.read(endless); }).number, operationStopped);
   isStopped = false;
   session.commit();
   EXPECT_EQ(curves.count("Fluids"), 1);

@@ -141,7 +141,7 @@ TEST_F(hostile_schema, may_not_call_what_is_not_made_for_it) {
 
 TEST_F(hostile_schema, may_not_allocate_at_will) {
   change("CREATE VIEW DataPoint AS SELECT hex(zeroblob(100000000)) AS JobRecordID");
-  expectPart(selecting("Select * from DataPoint"), "may not do");
+  expectPart(selecting("Select * from DataPoint"), "is not allowed to do");
 }
 
 }  // namespace

@@ -57,7 +57,7 @@ TEST(sqlite_open, another_format_is_no_database) {
   const ScratchFolder folder;
   const std::string path = folder.file("letter.txt");
   std::ofstream(path) << "Dear Sir or Madam, this is no database.";
-  EXPECT_NE(refusal(path, RunTimeError::invalidFileFormat).find("not a SQLite database"),
+  EXPECT_NE(refusal(path, RunTimeError::invalidFileFormat).find("not an SQLite database"),
             std::string::npos);
   EXPECT_FALSE(isSqliteFile(path));
 }

@@ -143,7 +143,7 @@ void expectSaid(const StandExport& file, std::int32_t number,
 TEST(stand_csv, a_wrong_header_says_what_is_wrong) {
   expectSaid(StandExport(""), 321, {"is empty", "JobRecordID and the columns V1 to V5"});
   expectSaid(StandExport("JobRecordID,V1,V2\n"), 321, {"line 1", "missing column V3, V4"});
-  expectSaid(StandExport(standHeader() + ",V5\n"), 321, {"line 1", "V5 is there twice"});
+  expectSaid(StandExport(standHeader() + ",V5\n"), 321, {"line 1", "V5 appears twice"});
   expectSaid(StandExport(standHeader() + ",V38\n"), 321, {"line 1", "'V38' is not a column"});
 }
 

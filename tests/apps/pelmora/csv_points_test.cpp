@@ -52,6 +52,19 @@ TEST_F(csv_points, take_the_columns_that_are_named) {
   EXPECT_EQ(read("1,2,3\n", {"3", "1", {}}), (PointArray{{3, 1}}));
 }
 
+TEST_F(csv_points, say_which_columns_they_took_if_the_header_has_other_names) {
+  const auto assumption = [&](const std::string& text, const PointColumns& columns = {}) {
+    (void)read(text, columns);
+    return readCsvPoints(path, columns).assumption;
+  };
+  EXPECT_EQ(assumption("Roshko,Strouhal\n1,2\n"), "");
+  EXPECT_EQ(assumption("1,2\n", {"2", "1", {}}), "");
+  EXPECT_EQ(assumption("1,2\n3,4\n"), "");
+  EXPECT_EQ(assumption("X;Y\n1;2\n"), "");
+  EXPECT_THAT(assumption("K factor,Ro\n1,2\n"),
+              HasSubstr("column 'K factor' was taken as Roshko and 'Ro' as Strouhal"));
+}
+
 TEST_F(csv_points, take_only_rows_that_pass_the_filters) {
   const std::string text = "set,kind,roshko,strouhal\n1,a,1,10\n2,a,2,20\n2.0,b,3,30\n";
   EXPECT_EQ(read(text, {"", "", {{"set", "2"}}}), (PointArray{{2, 20}, {3, 30}}));
@@ -150,7 +163,8 @@ TEST_F(derived_points, refuse_readings_that_cannot_be) {
   const std::string header = "q [gpm],f [Hz],nu [cSt]\n3,60,1.5\n";
   const PointColumns named = columns("q=q,f=f,nu=nu");
   EXPECT_THAT(refusal(header + "3,60,0\n", named), HasSubstr("line 3, column nu [cSt]"));
-  EXPECT_THAT(refusal(header + "3,-60,1\n", named), HasSubstr("a frequency of -60 cannot be"));
+  EXPECT_THAT(refusal(header + "3,-60,1\n", named),
+              HasSubstr("a frequency of -60 is not possible"));
   EXPECT_THAT(refusal(header + "0,60,1\n", named), HasSubstr("a flow of 0"));
 }
 

@@ -44,8 +44,8 @@ TEST(run_list, need_one_fluid_each) {
 }
 
 TEST(run_list, may_not_replace_each_other) {
-  EXPECT_THAT(refusal({"1", "2"}, {"Oil", "oil"}, {}), HasSubstr("there twice"));
-  EXPECT_THAT(refusal({"1", "2"}, {"caf\u00e9", "CAF\u00c9"}, {}), HasSubstr("there twice"));
+  EXPECT_THAT(refusal({"1", "2"}, {"Oil", "oil"}, {}), HasSubstr("appears twice"));
+  EXPECT_THAT(refusal({"1", "2"}, {"caf\u00e9", "CAF\u00c9"}, {}), HasSubstr("appears twice"));
 }
 
 TEST(run_list, have_whole_numbers_for_jobs) {

@@ -83,6 +83,8 @@ TEST(number_texts, may_keep_their_zeros_to_stand_in_line) {
   EXPECT_EQ(alignedText(2231.4, 7), "2231.400");
   EXPECT_EQ(alignedText(0.3618, 4), "0.3618");
   EXPECT_EQ(alignedText(0, 3), "0.00");
+  EXPECT_EQ(alignedText(0.0997, 2), "0.10");
+  EXPECT_EQ(alignedText(-9.96, 2), "-10");
   EXPECT_EQ(alignedText(123456789, 3), "123456789");
 }
 
@@ -92,6 +94,14 @@ TEST(short_numbers, round_decimals_and_leave_the_rest) {
   EXPECT_EQ(withShortNumbers("7 of 12345678 points, R2 1.5."), "7 of 12345678 points, R2 1.5.");
   EXPECT_EQ(withShortNumbers("1.2.3 and 1234567.1234567"), "1.2.3 and 1.23457e+06");
   EXPECT_EQ(withShortNumbers(""), "");
+}
+
+TEST(sigmas_text, has_no_power_of_ten) {
+  EXPECT_EQ(sigmasText(-7.26), "7.3");
+  EXPECT_EQ(sigmasText(5.02), "5");
+  EXPECT_EQ(sigmasText(9.96), "10");
+  EXPECT_EQ(sigmasText(183.4), "183");
+  EXPECT_EQ(sigmasText(-1234567), "1234567");
 }
 
 TEST(percent_text, has_a_sign_and_three_decimals) {

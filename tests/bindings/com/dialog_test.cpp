@@ -36,7 +36,7 @@ TEST_F(dialog, is_titled_with_the_programs_name_where_it_has_no_title) {
   EXPECT_EQ(showMessageForm("text", style, ""), IDOK);
   ASSERT_EQ(boxes.boxes().size(), 1U);
   EXPECT_EQ(boxes.boxes().front().title, executableName());
-  EXPECT_EQ(executableName(), "dialog_test.exe");
+  EXPECT_EQ(executableName(), "windows_test.exe");
 }
 
 TEST_F(dialog, reads_as_cancel_when_it_is_closed) {

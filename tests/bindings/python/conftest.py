@@ -2,6 +2,9 @@
 # SPDX-License-Identifier: MIT
 import os
 import pathlib
+import signal
+import subprocess
+import sys
 
 import numpy as np
 import pytest
@@ -22,6 +25,24 @@ def measured(count=30, low=40.0, high=6000.0, noise=2e-4, seed=1):
     """Points of true_curve with relative noise."""
     roshko = np.geomspace(low, high, count)
     return roshko, true_curve(roshko) * (1 + noise * np.random.default_rng(seed).standard_normal(count))
+
+
+@pytest.fixture
+def interrupted():
+    """Runs a statement in a process of its own and sends it Ctrl-C, which must end it with KeyboardInterrupt."""
+    def run(statement):
+        script = "\n".join(["import sys, pelmora", "print('waiting', flush=True)", "try:", f"    {statement}",
+                            "except KeyboardInterrupt:", "    sys.exit(77)"])
+        process = subprocess.Popen([sys.executable, "-c", script], stdout=subprocess.PIPE)
+        assert process.stdout.readline() == b"waiting\n"
+        try:
+            process.wait(1)
+        except subprocess.TimeoutExpired:
+            pass
+        process.send_signal(signal.SIGINT)
+        assert process.wait(120) == 77
+
+    return run
 
 
 @pytest.fixture

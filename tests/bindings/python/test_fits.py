@@ -200,6 +200,9 @@ def test_the_deviations_of_the_points_are_drawn_beside_the_band(points):
     ax = fit.plot(deviations=True, color="gray")
     drawn, = (line.get_ydata() for line in ax.get_lines() if line.get_label() == "points")
     assert np.allclose(drawn, (points[1] / fit.curve(points[0]) - 1) * 100, atol=1e-9)
+    ax.figure.canvas.draw()
+    label = ax.yaxis.label.get_window_extent()
+    assert ax.figure.bbox.x0 <= label.x0 and label.x1 <= ax.figure.bbox.x1
     band, = ax.collections
     at_end = fit.curve.eval_uncertainty(40.0) / fit.curve(40.0) * 100
     ends = [y for x, y in band.get_paths()[0].vertices if x == pytest.approx(40.0)]

@@ -2,9 +2,11 @@
 import gc
 import os
 import pathlib
+import pickle
 import sys
 
 import numpy as np
+import pytest
 
 import pelmora
 from conftest import measured
@@ -15,20 +17,39 @@ def resident():
     return int(pathlib.Path("/proc/self/statm").read_text().split()[1]) * os.sysconf("SC_PAGE_SIZE")
 
 
-def test_ten_thousand_fits_leave_no_memory_behind():
+#: Of a fit that was kept, in bytes: its tables, the curves of all equations and the report.
+FIT = 20e3
+
+
+@pytest.mark.parametrize("choose, count", [("adjusted-r2", 1000), ("trusted", 300)])
+def test_fits_in_a_loop_leave_no_memory_behind(choose, count):
+    """Ten thousand of each, measured once, left nothing either."""
     roshko, strouhal = measured(60)
 
     def fits(count):
         for _ in range(count):
-            fit = pelmora.fit(roshko, strouhal, choose="adjusted-r2")
+            fit = pelmora.fit(roshko, strouhal, choose=choose)
             fit.curve(100.0), fit.merged, fit.curve.table, fit.equations
         gc.collect()
 
-    fits(500)
+    fits(count // 5)
     before = resident()
-    fits(10_000)
-    # A fit that was kept would be 20 kB or more: 200 MB.
-    assert resident() - before < 10e6
+    fits(count)
+    assert resident() - before < count * FIT / 2
+
+
+def test_pickled_fits_leave_no_memory_behind():
+    fit = pelmora.fit(*measured(60))
+
+    def pickles(count):
+        for _ in range(count):
+            pickle.loads(pickle.dumps((fit, fit.curve)))
+        gc.collect()
+
+    pickles(400)
+    before = resident()
+    pickles(2000)
+    assert resident() - before < 2000 * FIT / 4
 
 
 def test_failed_fits_and_errors_leave_no_memory_behind():
@@ -41,10 +62,10 @@ def test_failed_fits_and_errors_leave_no_memory_behind():
                     pass
         gc.collect()
 
-    failures(500)
+    failures(400)
     before = resident()
-    failures(10_000)
-    assert resident() - before < 10e6
+    failures(2000)
+    assert resident() - before < 2000 * FIT / 4
 
 
 def test_databases_that_were_opened_leave_nothing_behind(db):

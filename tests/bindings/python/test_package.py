@@ -77,12 +77,10 @@ def test_the_package_and_its_examples_pass_mypy_strict(tmp_path):
     config = tmp_path / "mypy.ini"
     config.write_text("[mypy]\nstrict = True\ncache_dir = " + str(tmp_path / "cache") + "\n"
                       "[mypy-pandas.*,matplotlib.*,tqdm.*]\nignore_missing_imports = True\n")
-    ended = mypy("mypy", "--config-file", str(config), "-p", "pelmora")
-    assert ended.returncode == 0, ended.stdout
     # The blocks of the page, as one program.
     page = tmp_path / "page.py"
     page.write_text("\n".join(re.findall(r"```python\n(.*?)```", (SOURCE / "docs" / "python.md").read_text(), re.S)))
-    ended = mypy("mypy", "--config-file", str(config), *map(str, EXAMPLES), str(page), MYPYPATH=str(PACKAGE.parent))
+    ended = mypy("mypy", "--config-file", str(config), str(PACKAGE), *map(str, EXAMPLES), str(page))
     assert ended.returncode == 0, ended.stdout
 
 

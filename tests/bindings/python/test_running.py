@@ -1,11 +1,14 @@
 """The library works beside the interpreter: signals, callbacks, threads. Nothing here depends on how fast it is."""
 # SPDX-License-Identifier: MIT
+import os
 import signal
 import sqlite3
 import subprocess
 import sys
 import textwrap
 import threading
+import time
+import warnings
 
 import numpy as np
 import pytest
@@ -38,27 +41,58 @@ def failures_in_threads(count, work):
     return failures
 
 
-def test_control_c_ends_a_wait_and_nothing_is_stored(db):
+def test_control_c_ends_a_wait_and_nothing_is_stored(db, interrupted):
     """Without an answer to the signal, the wait would last longer than the time limit of the test."""
     holder = locked(db.location)
-    script = textwrap.dedent(f"""
-        import sys, pelmora
-        print("waiting", flush=True)
-        try:
-            pelmora.open({db.location!r}, wait=3000).register("M1")
-        except KeyboardInterrupt:
-            sys.exit(77)
-        """)
-    process = subprocess.Popen([sys.executable, "-c", script], stdout=subprocess.PIPE)
-    assert process.stdout.readline() == b"waiting\n"
-    try:
-        process.wait(1)
-    except subprocess.TimeoutExpired:
-        pass
-    process.send_signal(signal.SIGINT)
-    assert process.wait(120) == 77
+    interrupted(f"pelmora.open({db.location!r}, wait=3000).register('M1')")
     holder.close()
     assert db.meters() == []
+
+
+def test_control_c_ends_the_program_that_makes_a_pdf(series, tmp_path, monkeypatch):
+    """Without an answer to the signal, the program would last longer than the time limit of the test."""
+    started, report = tmp_path / "started", tmp_path / "m1.pdf"
+    program = tmp_path / "bin" / "weasyprint"
+    program.parent.mkdir()
+    program.write_text(f"#!/bin/sh\ntouch {started}\nexec sleep 10000\n")
+    program.chmod(0o755)
+    monkeypatch.setenv("PATH", f"{program.parent}:{os.environ['PATH']}")
+    report.write_text("the earlier report")
+
+    def interrupt():
+        while not started.exists():
+            time.sleep(0.01)
+        os.kill(os.getpid(), signal.SIGINT)
+
+    waiting = threading.Thread(target=interrupt)
+    waiting.start()
+    with warnings.catch_warnings(), pytest.raises(KeyboardInterrupt):
+        warnings.simplefilter("ignore", pelmora.PelmoraWarning)
+        series.meter.report(report)
+    waiting.join()
+    assert report.read_text() == "the earlier report"
+    assert sorted(path.name for path in tmp_path.glob("m1*")) == ["m1.pdf"]
+
+
+@pytest.mark.parametrize("work, count", [
+    (lambda curve, x: curve.inverse(curve(x)), 2000), (lambda curve, x: curve(x), 200_000),
+    (lambda curve, x: curve.derivative(x), 20_000), (lambda curve, x: curve.eval_uncertainty(x), 1_000_000),
+    (lambda curve, x: curve.eval_uncertainty(x, kind="expanded"), 20_000)],
+    ids=["inverse", "eval", "derivative", "confidence", "expanded"])
+def test_signals_are_answered_while_a_curve_is_evaluated_at_many_places(points, work, count):
+    """Of the signals that come meanwhile, an evaluation that waited for its end would answer one."""
+    answered = []
+    curve = pelmora.fit(*points).curve
+    x = np.geomspace(*curve.range, count)[1:-1]
+    curve.eval_uncertainty(x[:1], kind="expanded"), curve(x[:1])  # the function behind the table is made
+    previous = signal.signal(signal.SIGALRM, lambda *_: answered.append(1))
+    try:
+        signal.setitimer(signal.ITIMER_REAL, 0.001, 0.001)
+        work(curve, x)
+    finally:
+        signal.setitimer(signal.ITIMER_REAL, 0)
+        signal.signal(signal.SIGALRM, previous)
+    assert len(answered) > 5
 
 
 def test_a_signal_handler_runs_while_the_library_works(db):
@@ -127,7 +161,9 @@ def test_an_exception_of_a_callback_ends_the_operation(db):
     assert len(db.meters()) == 8
 
 
-def test_a_callback_that_uses_its_own_database_is_refused_and_does_not_hang(series, db):
+def test_a_callback_that_uses_its_own_database_is_refused_and_does_not_hang(db):
+    # So many points that the fit has not ended when the first callback comes.
+    series = db.register("M9").add_series("K", *measured(20000))
     with pytest.raises(pelmora.Error, match="busy.*callback"):
         series.fit(progress=lambda done, of: db.meters())
     assert db.meters()

@@ -98,6 +98,16 @@ const cases = {
     assert.ok(Math.abs(numbers[3] - point.deviationPercent) < 1e-3, read);
   },
 
+  async draws_the_bands_of_the_fit() {
+    const page = await open(twoFluids());
+    const drawn = await page.evaluate(() => document.querySelector("#series-1 .box").pair.data.curve);
+    for (const [name, member] of [["x", "roshko"], ["y", "strouhal"], ["confidence", "confidenceHalfWidth"], ["prediction", "predictionHalfWidth"]]) {
+      const wanted = model().series[0].curve.map((point) => point[member]);
+      assert.equal(drawn[name].length, wanted.length);
+      drawn[name].forEach((value, i) => assert.ok(Math.abs(value / wanted[i] - 1) < 6e-3, `${name} ${i}: ${value} for ${wanted[i]}`));
+    }
+  },
+
   async zooms_with_the_pointer_both_plots_at_once() {
     const page = await open(twoFluids());
     await section(page).locator(".box").scrollIntoViewIfNeeded();

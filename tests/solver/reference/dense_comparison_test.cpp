@@ -54,7 +54,7 @@ struct Series {
 Node nodeOf(const Series& series, const json& n) {
   const Hyperparameters h{n.at("length"), n.at("amplitude"), n.at("growth")};
   return LikelihoodPass(series.knots, {}, series.offsets)
-      .evaluate(h, stepsBetween(series.knots, h.length));
+      .evaluate({&h, 1}, stepsBetween(series.knots, h.length))[0];
 }
 
 double lowestShare(const Knots& knots) {
@@ -91,7 +91,8 @@ TEST(dense_comparison, curve_slope_and_variance_at_and_beyond_the_points) {
     for (std::size_t i = 0; i < series.t.size(); ++i) {
       MergedPlaces place(series.knots, {&series.t[i], 1});
       place.setLength(n.at("length"));
-      const Smoothed smoothed = place.smoothAt(nodeOf(series, n), series.offsets)[0];
+      const SharedNode node{nodeOf(series, n), 1};
+      const Smoothed smoothed = place.smoothAt({&node, 1}, series.offsets)[0][0];
       SCOPED_TRACE(series.at[i]);
       const double mean = n.at("mean")[i], slope = n.at("slope")[i];
       const double line = series.knots.level + series.knots.slope * series.t[i];

@@ -32,6 +32,7 @@ export async function has_no_accessibility_violation(bench) {
       await page.getByRole("tab", { name: tab }).click();
       await page.waitForFunction((title) => document.querySelector(`#panel-${title.toLowerCase()}`).childElementCount > 0, tab);
       await checkAccess(bench, page, `${JSON.stringify(options)} ${tab}`);
+      await bench.picture(page, tab.toLowerCase());
     }
     await page.getByRole("tab", { name: "Points" }).click();
     await row(page, 1, 6).check();
@@ -40,6 +41,32 @@ export async function has_no_accessibility_violation(bench) {
     await bench.picture(page, "dialog");
     await page.context().close();
   }
+}
+
+export async function the_picture_follows_the_theme(bench) {
+  bench.calibrated();
+  const page = await bench.open({ colorScheme: "light" }, atRotorA);
+  await settled(page);
+  // The bands of the picture are pale on a light page and deep on a dark one.
+  const becomes = (wanted) => page.waitForFunction((isDark) => {
+    const { width, height } = document.querySelector("#plot canvas");
+    const copy = Object.assign(document.createElement("canvas"), { width, height }).getContext("2d", { willReadFrequently: true });
+    copy.drawImage(document.querySelector("#plot canvas"), 0, 0);
+    const d = copy.getImageData(0, 0, width, height).data;
+    let sum = 0, count = 0;
+    for (let i = 0; i < d.length; i += 4) if (d[i + 3] === 255) { sum += d[i] + d[i + 1] + d[i + 2]; ++count; }
+    return isDark ? sum / count / 3 < 110 : sum / count / 3 > 160;
+  }, wanted === "dark");
+  const theme = page.locator("#theme");
+  await becomes("light");
+  await theme.click();
+  await theme.click();
+  assert.equal(await theme.textContent(), "Theme: dark");
+  await becomes("dark");
+  await theme.click();
+  await becomes("light");
+  await page.emulateMedia({ colorScheme: "dark" });
+  await becomes("dark");
 }
 
 export async function fits_every_width_and_both_colours(bench) {

@@ -10,6 +10,11 @@ import { createInterface } from "node:readline";
 const pictures = process.env.PELMORA_PICTURES;
 if (pictures) mkdirSync(pictures, { recursive: true });
 
+// A server that runs while the test runs (on_server.py): the folder of its socket. Databases are files otherwise.
+const databaseServer = process.env.PELMORA_TEST_SERVER;
+const onServer = (program, ...words) => execFileSync(program, ["-h", databaseServer, "-U", "lab", ...words], { maxBuffer: 1 << 28 });
+let databases = 0;
+
 // How long something may take on a machine that does much else.
 const patience = 120000;
 
@@ -29,7 +34,7 @@ export class Bench {
   constructor(name, { program, data, modules, browsers, shared }) {
     Object.assign(this, { name, program, modules, browsers, shared });
     this.folder = mkdtempSync(join(tmpdir(), "pelmora-workbench-test-"));
-    this.curves = this.file("curves.db");
+    this.curves = databaseServer ? this.newOnServer() : this.file("curves.db");
     this.stand = join(data, "stand-dual-rotor.csv");
   }
   async end() {
@@ -43,7 +48,17 @@ export class Bench {
   write(name, text) { writeFileSync(this.file(name), text); return this.file(name); }
   run(...words) { return execFileSync(this.program, words, { stdio: ["ignore", "pipe", "pipe"], maxBuffer: 1 << 28 }); }
   json(...words) { return JSON.parse(this.run(...words, "--json")); }
-  digest() { return createHash("sha256").update(readFileSync(this.curves)).digest("hex"); }
+  newOnServer() {
+    this.database = `case${++databases}`;
+    onServer("createdb", this.database);
+    return `postgresql://lab@/${this.database}?host=${databaseServer}`;
+  }
+  // The same as long as nothing has changed in the database. Each dump of a server has a key of its own, and a change that
+  // was undone leaves gaps between numbers.
+  digest() {
+    const bytes = databaseServer ? onServer("pg_dump", this.database).toString().replace(/^(\\(un)?restrict |SELECT pg_catalog.setval).*$/gm, "") : readFileSync(this.curves);
+    return createHash("sha256").update(bytes).digest("hex");
+  }
   // A curve database with one meter of two fluids.
   calibrated() {
     this.run("init", this.curves);
@@ -67,6 +82,11 @@ export class Bench {
       this.origin = new URL(value.trim()).origin;
       return value.trim();
     }
+  }
+  // The processor time that the workbench has taken, in ms.
+  serverTime() {
+    const ticks = readFileSync(`/proc/${this.#server.pid}/stat`, "utf8").split(") ")[1].split(" ");
+    return (Number(ticks[11]) + Number(ticks[12])) * 10;
   }
   async endServer() {
     const server = this.#server;

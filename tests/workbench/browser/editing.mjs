@@ -86,7 +86,7 @@ export async function settings_change_the_curve_and_nothing_that_is_stored(bench
   await page.getByRole("tab", { name: "Settings" }).click();
   await page.getByLabel("Highest order").fill("6");
   await page.getByLabel("Highest order").blur();
-  await until(page, "changed: highest order");
+  await until(page, "highest order changed");
   await settled(page);
   await bench.picture(page, "highest-order");
   const difference = await page.locator("#difference").textContent();
@@ -99,7 +99,7 @@ export async function settings_change_the_curve_and_nothing_that_is_stored(bench
   await until(page, "Everything is stored");
   await page.getByLabel("Try Polynomial 9th Order").focus();
   await page.keyboard.press("Space");
-  await until(page, "changed: equations");
+  await until(page, "equations changed");
   await page.locator("tr.out", { hasText: "Polynomial 9th Order" }).waitFor();
   await page.waitForFunction(() => document.activeElement.getAttribute("aria-label") === "Try Polynomial 9th Order");
   await bench.picture(page, "without");
@@ -116,6 +116,8 @@ export async function a_range_beyond_the_points_is_explained(bench) {
   await page.getByLabel("Curve to Roshko").blur();
   await page.locator("#verdict .bad").waitFor();
   assert.match(await page.locator("#verdict").textContent(), /50000|beyond|range/i);
+  // What the stored merge has cut is still drawn, and explained.
+  assert.match(await page.locator("#legend").textContent(), /Cut/);
   assert.ok(await page.locator("#store").isDisabled());
   await bench.picture(page, "refused");
 }

@@ -17,6 +17,16 @@ function spoiledStand(bench) {
   return { file: bench.write("stand.csv", lines.join("\n")), spoiled };
 }
 
+// The text of the file that a click on `link` brings.
+async function downloaded(bench, page, link, name) {
+  const waits = page.waitForEvent("download");
+  await link.click();
+  const saved = bench.file(name), download = await waits;
+  await download.saveAs(saved);
+  assert.equal(download.suggestedFilename(), name);
+  return readFileSync(saved, "utf8");
+}
+
 export async function the_story_from_a_spoiled_stand_file_to_a_signed_report(bench) {
   bench.run("init", bench.curves);
   const { file, spoiled } = spoiledStand(bench), page = await bench.open();
@@ -63,12 +73,15 @@ export async function the_story_from_a_spoiled_stand_file_to_a_signed_report(ben
   await page.getByText("Valid:").waitFor();
   await settled(page);
   await bench.picture(page, "signed");
-  const waits = page.waitForEvent("download");
-  await page.getByRole("link", { name: "Certificate (HTML)" }).click();
-  const saved = bench.file("report.html"), download = await waits;
-  await download.saveAs(saved);
-  assert.equal(download.suggestedFilename(), "M1-calibration-0.html");
-  assert.match(readFileSync(saved, "utf8"), /<b>Signed off<\/b> by Ada Byron, .*: two readings of a faulty timer left out/);
+  const certificate = await downloaded(bench, page, page.getByRole("link", { name: "Certificate (HTML)" }), "M1-calibration-0.html");
+  assert.match(certificate, /<b>Signed off<\/b> by Ada Byron, .*: two readings of a faulty timer left out/);
+  await page.getByLabel("What it looks up").selectOption("uvc");
+  await page.getByLabel("Number of points").fill("20");
+  await page.getByRole("button", { name: "Show the reading error" }).click();
+  await page.getByText(/^20 points: the reading error is at most .* With it, U is at most/).waitFor();
+  await bench.picture(page, "flow-table");
+  const table = await downloaded(bench, page, page.getByRole("button", { name: "Table (CSV)" }), "M1-calibration-0-Rotor_A-uvc.csv");
+  assert.equal(table, String(bench.run("export", bench.curves, ...rotorA, "--for", "uvc", "--points", "20")));
   // A later change makes the signature visibly void.
   await page.getByRole("tab", { name: "Points" }).click();
   await row(page, spoiled[0].part, spoiled[0].number).check();

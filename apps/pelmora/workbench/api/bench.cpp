@@ -3,10 +3,27 @@
 
 #include "base/sha256.h"
 
+#include <array>
+#include <bit>
+
 namespace pelmora::cli::workbench {
 
 using calibration::latestCalibration;
 using calibration::StoredSeries;
+
+namespace {
+
+// As bytes: the digits of tens of thousands of points take longer than reading them.
+void addBytes(std::string& text, const PointArray& points) {
+  text += std::to_string(points.size()) + "\n";
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    const auto bytes =
+        std::bit_cast<std::array<char, 2 * sizeof(double)>>(std::array{points(i, 0), points(i, 1)});
+    text.append(bytes.data(), bytes.size());
+  }
+}
+
+}  // namespace
 
 calibration::Meter meterOf(Bench& bench, const Arguments& arguments) {
   constexpr std::int64_t highest = 32767;
@@ -21,8 +38,14 @@ SeriesPlace placeOf(Bench& bench, const Arguments& arguments) {
 
 std::string revisionOf(const calibration::Database& lab, const StoredSeries& series) {
   constexpr std::size_t enough = 16;
+  StoredSeries others = series;  // everything but its points
+  others.raw = {};
+  others.merged = others.curve = PointArray();
   std::string text =
-      signedContents(series) + "\n" + std::to_string(series.id) + "\n" + series.report + "\n";
+      signedContents(others) + "\n" + std::to_string(series.id) + "\n" + series.report + "\n";
+  for (const PointArray& part : series.raw) addBytes(text, part);
+  addBytes(text, series.merged);
+  addBytes(text, series.curve);
   if (series.settings) text += series.settings->FittedAt;
   const auto signatures = lab.signOffs(series);
   if (!signatures.empty()) text += "\n" + std::to_string(signatures.front().id);

@@ -20,7 +20,7 @@ struct Route {
   std::size_t bodyLimit;
 };
 
-constexpr std::array<Route, 19> routes{{{"GET", "state", &getState, 0},
+constexpr std::array<Route, 20> routes{{{"GET", "state", &getState, 0},
                                         {"GET", "meters", &getMeters, 0},
                                         {"GET", "meter", &getMeter, 0},
                                         {"GET", "series", &getSeries, 0},
@@ -31,6 +31,7 @@ constexpr std::array<Route, 19> routes{{{"GET", "state", &getState, 0},
                                         {"GET", "history", &getHistory, 0},
                                         {"GET", "budget", &getBudget, 0},
                                         {"GET", "report", &getReport, 0},
+                                        {"GET", "table", &getTable, 0},
                                         {"GET", "openapi.json", &getInterface, 0},
                                         {"POST", "fit", &postFit, 4 * megabyte},
                                         {"POST", "upload", &postUpload, 64 * megabyte},

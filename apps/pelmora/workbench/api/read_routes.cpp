@@ -65,15 +65,8 @@ json signOffsJson(const Database& lab, const StoredSeries& series) {
   json list = json::array();
   const auto entries = lab.signOffs(series);
   const std::string now = entries.empty() ? "" : signedFingerprint(series);
-  for (const calibration::SignOff& entry : entries) {
-    list.push_back({{"name", entry.name},
-                    {"remark", entry.remark},
-                    {"signedAt", entry.signedAt},
-                    {"user", entry.userName},
-                    {"fingerprint", entry.fingerprint},
-                    {"softwareVersion", entry.softwareVersion},
-                    {"valid", entry.fingerprint == now}});
-  }
+  for (const calibration::SignOff& entry : entries)
+    list.push_back(report::signatureJson(entry, entry.fingerprint == now));
   return list;
 }
 
@@ -138,7 +131,6 @@ http::Response getSeries(Bench& bench, const http::Request& request) {
                      {"settings", settingsJson(settingsFor(series))},
                      {"settingsAreKept", series.settings.has_value()},
                      {"fittedAt", series.settings ? orNull(series.settings->FittedAt) : json()},
-                     {"report", series.report},
                      {"signatures", signOffsJson(bench.lab(), series)}});
 }
 
@@ -156,7 +148,7 @@ http::Response getPoints(Bench& bench, const http::Request& request) {
   const SeriesPlace place = placeOf(bench, arguments);
   const StoredSeries series = bench.lab().series(place.meter, place.series);
   json list = json::array();
-  const auto points = bench.lab().points(series);
+  const auto points = bench.lab().points(series, bench.session.observer());
   for (const auto& point : points) list.push_back(report::rawPointJson(point));
   json former = json::array();
   for (const auto& point : series.excludedBefore) {

@@ -19,6 +19,7 @@ namespace pelmora::cli::workbench {
 [[nodiscard]] http::Response getHistory(Bench& bench, const http::Request& request);
 [[nodiscard]] http::Response getBudget(Bench& bench, const http::Request& request);
 [[nodiscard]] http::Response getReport(Bench& bench, const http::Request& request);
+[[nodiscard]] http::Response getTable(Bench& bench, const http::Request& request);
 [[nodiscard]] http::Response getInterface(Bench& bench, const http::Request& request);
 // Working something out; nothing is stored.
 [[nodiscard]] http::Response postFit(Bench& bench, const http::Request& request);

@@ -89,14 +89,14 @@ std::optional<Response> Guard::strangerRefusal(const Request& request,
   if (isFramed(request)) return refusal(403, "The workbench does not open in a frame.");
   const auto origin = onlyValue(request.headers, "origin");
   if (origin && *origin != origin_)
-    return refusal(403, "A page of another origin may not ask for this.");
+    return refusal(403, "A page of another origin must not ask for this.");
   // "none": a person typed the address or a program opened it. The exchange is protected by its
   // token: the file that hands it to the browser is of another origin.
   const auto site = onlyValue(request.headers, "sec-fetch-site");
   const bool isOwn =
       !site || *site == "same-origin" || (*site == "none" && request.method == "GET");
   if (!isOwn && path != openingPathInside)
-    return refusal(403, "A page of another origin may not ask for this.");
+    return refusal(403, "A page of another origin must not ask for this.");
   return std::nullopt;
 }
 

@@ -1,4 +1,4 @@
-// What every answer tells the browser.
+// The headers of every answer.
 // SPDX-License-Identifier: MIT
 #pragma once
 

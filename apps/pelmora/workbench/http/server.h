@@ -25,11 +25,11 @@ class Visitor {
  public:
   virtual ~Visitor() = default;
   // Called once the headers are there. An answer here is the answer to the request: its body is
-  // read, because a browser may not look at an answer that comes before, and thrown away.
+  // read, because a browser may ignore an answer that comes before, and discarded.
   [[nodiscard]] virtual std::optional<Response> refuse(const Request& head) = 0;
   // The largest body that this request may have.
   [[nodiscard]] virtual std::size_t bodyLimit(const Request& head) = 0;
-  // Called with the whole body. What it throws becomes status 500, without a word of why.
+  // Called with the whole body. What it throws becomes status 500; the answer does not say why.
   [[nodiscard]] virtual Response answer(const Request& request) = 0;
 };
 
@@ -37,7 +37,7 @@ class Server {
  public:
   // Listens at 127.0.0.1 and nowhere else. port 0: a free one that the system chooses.
   //
-  // Errors: std::system_error where the port is taken or may not be used.
+  // Errors: std::system_error if the port is taken or must not be used.
   explicit Server(std::uint16_t port, const Limits& limits = {});
   ~Server();
   Server(const Server&) = delete;

@@ -13,8 +13,10 @@ export function showLegend(root, { points, preview, series, draft }, hasOld) {
   const present = new Set(points.part), shapes = ["circle", "square", "triangle", "diamond"];
   const item = (key, text) => h("li", {}, key, text);
   const fluidOf = (part) => { const i = points.part.findIndex((p, k) => p === part && points.details[k]?.fluid); return i < 0 ? "" : `, ${points.fluid(i)}`; };
+  // Without a fit, those that the stored merge has cut.
+  const hasCut = points.cut ? points.cut.size > 0 : points.details.some((point) => point?.state === "cut");
   fill(root, [...present].sort().map((part) => item(keyOfShape(shapes[part - 1], `p${part}`), `Part ${part}${fluidOf(part)}`)),
-    draft.excluded.size ? item(keyOfShape("circle", "ink", true), "Left out") : null, points.cut?.size ? item(keyOfShape("cross", "soft"), "Cut") : null,
+    draft.excluded.size ? item(keyOfShape("circle", "ink", true), "Left out") : null, hasCut ? item(keyOfShape("cross", "soft"), "Cut") : null,
     preview?.curve.length || series.curve.length ? item(keyOfShape("line", "curve"), hasOld ? "New curve" : "Curve") : null, hasOld ? item(keyOfShape("dash", "old"), "Stored") : null,
     item(keyOfShape("area", "band"), `Band ${number(draft.settings.band, 4)} %`), preview?.referenceCurve.length ? item(keyOfShape("area", "refband"), "Reference ± 2σ") : null);
 }

@@ -8,7 +8,7 @@ import { MeterList } from "./meters.js";
 import { mayLeave, openMeter } from "./opening.js";
 import { loadPanel, onRestore } from "./panels.js";
 import { activate, keyOnPlot, leaveOut, select, takeBack } from "./selecting.js";
-import { makeShown, shown } from "./showing.js";
+import { makeShown, showEquations, shown } from "./showing.js";
 import { keep, reload, restore, sign, store, watch } from "./storing.js";
 import { failed, guarded, onConflict, open } from "./work.js";
 
@@ -17,6 +17,7 @@ const watchMs = 4000;
 const pick = makeTabs((name) => {
   loadPanel(name);
   if (name === "points") shown.table?.draw();
+  if (name === "equations") showEquations();
 });
 byId("panel-points").append(h("div", { class: "tools" }, h("button", { type: "button", id: "leave", onclick: leaveOut }, "Leave out …"), h("button", { type: "button", id: "back", onclick: takeBack }, "Take back"), h("span", { id: "chosen", class: "fine" })));
 makeShown({ select, active: activate, keys: keyOnPlot, settings: changeSettings, sign, keep });

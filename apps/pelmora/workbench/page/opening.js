@@ -11,6 +11,7 @@ import { refresh } from "./showing.js";
 import { guarded, open } from "./work.js";
 
 export async function openMeter(serial, calibration, series) {
+  performance.mark("open");
   const meter = await guarded(get("meter", { meter: serial }));
   if (!meter) return null;
   open.meter = meter;
@@ -62,7 +63,6 @@ async function leaveForSeries(calibration, series) {
 
 export async function openSeries(calibration, name, keepsView) {
   const number = ++open.opened, place = { meter: open.place.meter, calibration, series: name };
-  performance.mark("open");
   document.body.dataset.details = "loading";
   const series = await guarded(get("series", place));
   if (!series || number !== open.opened) return;

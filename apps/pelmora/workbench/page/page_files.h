@@ -11,7 +11,7 @@ struct File {
   std::string_view name, type, text;
 };
 
-// Null where there is no file of that name. "" is index.html.
+// Null if the page has no such file. "" is index.html.
 [[nodiscard]] const File* file(std::string_view name);
 
 }  // namespace pelmora::cli::workbench::page

@@ -1,17 +1,11 @@
 // The drawing: points and curves above, residuals below, on one canvas. SPDX-License-Identifier: MIT
 import { h } from "./dom.js";
+import { shapePath, Squares } from "./marks.js";
 import { Axis, quantile, reader, ticks, tickText } from "./scale.js";
 
 // In pixels at the usual size of letters.
 const usual = { left: 64, right: 12, top: 8, bottom: 34, gap: 14 };
 const shapes = ["circle", "square", "triangle", "diamond"];
-
-export function shapePath(path, shape, x, y, r) {
-  if (shape === "circle") { path.moveTo(x + r, y); path.arc(x, y, r, 0, 2 * Math.PI); }
-  else if (shape === "square") path.rect(x - r * 0.9, y - r * 0.9, r * 1.8, r * 1.8);
-  else if (shape === "triangle") { path.moveTo(x, y - r * 1.15); path.lineTo(x + r, y + r * 0.8); path.lineTo(x - r, y + r * 0.8); path.closePath(); }
-  else { path.moveTo(x, y - r * 1.2); path.lineTo(x + r * 1.2, y); path.lineTo(x, y + r * 1.2); path.lineTo(x - r * 1.2, y); path.closePath(); }
-}
 
 // What is drawn: `data` (see Plot.set), `view` in x (null: everything), `selection`, `active` point, `drag` with its box.
 export class Picture {
@@ -22,11 +16,14 @@ export class Picture {
     this.selection = new Set();
     this.canvas = h("canvas", { "aria-hidden": "true" });
     new ResizeObserver(() => this.draw()).observe(root);
-    matchMedia("(prefers-color-scheme: dark)").addEventListener("change", () => this.draw());
+    this.dark = matchMedia("(prefers-color-scheme: dark)");
+    this.dark.addEventListener("change", () => this.draw());
   }
 
   colours() {
     const style = getComputedStyle(this.root), take = (name) => style.getPropertyValue(name).trim();
+    const scheme = `${style.colorScheme} ${this.dark.matches}`;
+    if (scheme === this.scheme) return this.colour;
     // light-dark() is only worked out where a property uses it.
     const probe = h("i", { class: "unseen" });
     this.root.append(probe);
@@ -36,7 +33,8 @@ export class Picture {
       colour[name] = getComputedStyle(probe).color;
     }
     probe.remove();
-    return colour;
+    this.scheme = scheme;
+    return this.colour = colour;
   }
 
   axes(width, height) {
@@ -63,7 +61,7 @@ export class Picture {
     const read = reader(this.base), residuals = [];
     for (const i of xs) {
       const at = read(roshko[i]);
-      if (at && points.state(i) === "used") residuals.push(Math.abs(100 * (strouhal[i] / at - 1)));
+      if (at && (points.state(i) === "used" || points.state(i) === "distrusted")) residuals.push(Math.abs(100 * (strouhal[i] / at - 1)));
     }
     const most = Math.max(1.6 * this.data.band, 1.25 * quantile(residuals, residuals.length > 500 ? 0.999 : 0.97), 1e-6);
     const r = new Axis(-most, most, false);
@@ -241,7 +239,7 @@ export class Picture {
     if (base.length > 1) this.line(c, [base[0], base[base.length - 1]], rest, r, () => 0);
   }
 
-  // Where a point stands; beyond the residual scale it stands at its edge.
+  // The place of a point; beyond the residual scale, the edge of the scale.
   place(i, area) {
     const { points } = this.data, { x, y, r, main, read } = this.geometry, value = points.roshko[i];
     if (value < x.min || value > x.max) return null;
@@ -258,17 +256,19 @@ export class Picture {
     const { points } = this.data, n = points.roshko.length, r = (n > 4000 ? 1.3 : n > 600 ? 2.4 : 4) * this.unit;
     const solid = [1, 2, 3, 4].map(() => new Path2D()), hollow = [1, 2, 3, 4].map(() => new Path2D());
     const cut = new Path2D(), marked = new Path2D(), chosen = new Path2D();
+    const squares = n > 4000 ? new Squares(area, window.devicePixelRatio || 1, 2 * r) : null;
     for (let i = 0; i < n; ++i) {
       const p = place(i);
       if (!p) continue;
       const [px, py, isBeyond] = p, part = points.part[i] - 1, state = points.state(i), shape = shapes[part];
       if (state === "excluded") shapePath(hollow[part], shape, px, py, Math.max(r, 3.4));
       else if (state === "cut") { const k = Math.max(r * 0.8, 2); cut.moveTo(px - k, py - k); cut.lineTo(px + k, py + k); cut.moveTo(px + k, py - k); cut.lineTo(px - k, py + k); }
-      else if (n > 4000) solid[part].rect(px - r, py - r, 2 * r, 2 * r);
+      else if (squares) squares.add(px, py, colour[`p${part + 1}`]);
       else shapePath(isBeyond ? hollow[part] : solid[part], isBeyond ? "triangle" : shape, px, py, r);
-      if (state === "used" && points.isSuspect(i)) { marked.moveTo(px + r + 4, py); marked.arc(px, py, r + 4, 0, 2 * Math.PI); }
+      if (state === "distrusted" || (state === "used" && points.isSuspect(i))) { marked.moveTo(px + r + 4, py); marked.arc(px, py, r + 4, 0, 2 * Math.PI); }
       if (this.selection.has(i)) { chosen.moveTo(px + r + 3, py); chosen.arc(px, py, r + 3, 0, 2 * Math.PI); }
     }
+    squares?.paint(c);
     c.lineWidth = 1.2;
     c.strokeStyle = colour.soft;
     c.stroke(cut);

@@ -25,13 +25,15 @@ export class Plot extends Picture {
   }
 
   // data: {points: {roshko, strouhal, part, state(i), isSuspect(i), label(i)}, curve, stored, reference, band, isRatio}
-  // state(i): "used", "cut", "excluded" or "outside range"
+  // state(i): "used", "cut", "excluded", "outside range" or "distrusted"
   set(data, keepsView) {
-    this.data = data;
     const n = data.points.roshko.length;
-    this.order = Array.from({ length: n }, (_, i) => i).sort((a, b) => data.points.roshko[a] - data.points.roshko[b]);
-    this.rank = new Int32Array(n);
-    this.order.forEach((index, rank) => { this.rank[index] = rank; });
+    if (data.points !== this.data?.points) {
+      this.order = Array.from({ length: n }, (_, i) => i).sort((a, b) => data.points.roshko[a] - data.points.roshko[b]);
+      this.rank = new Int32Array(n);
+      this.order.forEach((index, rank) => { this.rank[index] = rank; });
+    }
+    this.data = data;
     if (!keepsView) this.view = null;
     if (this.active >= n) this.active = -1;
     this.draw();

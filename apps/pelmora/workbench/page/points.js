@@ -21,7 +21,13 @@ export class PointTable {
     new ResizeObserver(() => this.draw()).observe(this.scroll);
     root.append(this.scroll);
   }
-  set(points) { this.points = points; this.order(); }
+  set(points) {
+    if (points !== this.points) {
+      this.usual = Array.from(points.part, (_, i) => i).sort((a, b) => points.part[a] - points.part[b] || points.number[a] - points.number[b]);
+    }
+    this.points = points;
+    this.order();
+  }
   update() { this.order(); }
 
   sortBy(key) {
@@ -30,16 +36,17 @@ export class PointTable {
   }
   order() {
     if (!this.points) return;
-    const { by, falls } = this.sort, points = this.points, n = points.roshko.length;
+    const { by, falls } = this.sort, points = this.points;
     const size = (value) => value === null || value === undefined || Number.isNaN(value) ? -1 : Math.abs(value);
     // What was left out stays in sight, above what might be left out next; what the merge cut comes last.
     const sigmas = (i) => ({ excluded: Infinity, cut: -2 })[points.state(i)] ?? size(points.sigmas(i));
     const key = { part: (i) => points.part[i], number: (i) => points.number[i], roshko: (i) => points.roshko[i], strouhal: (i) => points.strouhal[i],
       residual: (i) => size(points.residual(i)), sigmas, state: (i) => points.state(i) }[by];
-    const keys = Array.from({ length: n }, (_, i) => key(i));
-    this.rows = Array.from({ length: n }, (_, i) => i).sort((a, b) => {
+    const keys = Array.from(points.part, (_, i) => key(i));
+    // Equal ones keep the order of part and number.
+    this.rows = this.usual.slice().sort((a, b) => {
       const order = keys[a] < keys[b] ? -1 : keys[a] > keys[b] ? 1 : 0;
-      return (falls ? -order : order) || points.part[a] - points.part[b] || points.number[a] - points.number[b];
+      return falls ? -order : order;
     });
     this.head.forEach((cell, i) => cell.setAttribute("aria-sort", columns[i][0] !== by ? "none" : falls ? "descending" : "ascending"));
     this.draw();
@@ -58,13 +65,13 @@ export class PointTable {
   }
   row(i) {
     const p = this.points, state = p.state(i), reason = p.reason(i), suspect = p.isSuspect(i) && state !== "excluded" && state !== "cut";
-    return h("tr", { "data-index": String(i), class: `${i === p.active ? "active" : ""} ${state === "excluded" || state === "cut" ? "out" : ""}`, onmouseenter: () => this.on.active(i, false) },
+    return h("tr", { "data-index": String(i), class: `${i === p.active ? "active" : ""} ${state === "excluded" || state === "cut" || state === "distrusted" ? "out" : ""}`, onmouseenter: () => this.on.active(i, false) },
       h("td", {}, h("input", { type: "checkbox", ".checked": p.selection.has(i), "aria-label": p.label(i),
         onfocus: () => this.on.active(i, false), onchange: () => this.on.select([i], "toggle") })),
       h("td", { class: "n" }, String(p.part[i])), h("td", { class: "n" }, String(p.number[i])), h("td", { class: "n" }, number(p.roshko[i])),
       h("td", { class: "n" }, number(p.strouhal[i])), h("td", { class: "n" }, signed(p.residual(i), 3)),
       h("td", { class: suspect ? "n suspect" : "n" }, state === "excluded" && !p.hasSigmas(i) ? "–" : signed(p.sigmas(i), 1)),
-      h("td", { title: reason ?? "" }, reason ? `out: ${reason}` : suspect ? (p.judged.size ? "set aside" : "suspect") : state));
+      h("td", { title: reason ?? "" }, reason ? `out: ${reason}` : suspect && state === "used" ? "used, suspect" : state));
   }
   reveal(i) {
     const at = this.rows.indexOf(i) * rowHeight, view = this.scroll;

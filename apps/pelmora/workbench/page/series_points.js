@@ -8,18 +8,23 @@ export function pointsOf(series, open) {
   const { part, number: numbers, roshko, strouhal } = series.points, n = part.length;
   const index = new Map();
   for (let i = 0; i < n; ++i) index.set(keyOf(part[i], numbers[i]), i);
-  const points = { part, number: numbers, roshko, strouhal, index, details: new Array(n), judged: new Map(), selection: new Set(), active: -1, cut: null, read: () => undefined };
+  const points = { part, number: numbers, roshko, strouhal, index, details: new Array(n), preview: null, judged: new Map(), selection: new Set(), active: -1, cut: null, read: () => undefined };
   points.key = (i) => keyOf(part[i], numbers[i]);
   points.state = (i) => {
     const key = points.key(i);
     if (open.draft.excluded.has(key)) return "excluded";
-    if (points.cut) return points.cut.has(key) ? "cut" : isOutside(open.draft.settings.fitRange, roshko[i]) ? "outside range" : "used";
+    if (points.cut) {
+      if (points.cut.has(key)) return "cut";
+      if (isOutside(open.draft.settings.fitRange, roshko[i])) return "outside range";
+      return points.judged.get(key)?.distrusted ? "distrusted" : "used";
+    }
     const state = points.details[i]?.state;
     return state && state !== "excluded" ? state : "used";
   };
   points.residual = (i) => { const at = points.read(roshko[i]); return at ? 100 * (strouhal[i] / at - 1) : null; };
   points.hasSigmas = (i) => points.judged.has(points.key(i));
   points.sigmas = (i) => points.judged.get(points.key(i))?.sigmas ?? points.details[i]?.sigmas ?? null;
+  // It contradicts the others: its state is "distrusted" if the curve was fitted without it, "used" otherwise.
   points.isSuspect = (i) => points.judged.size ? points.judged.get(points.key(i))?.distrusted === true : points.details[i]?.suspect === true;
   points.reason = (i) => open.draft.excluded.get(points.key(i))?.reason ?? null;
   points.fluid = (i) => points.details[i]?.fluid ?? "";

@@ -31,8 +31,11 @@ function curveOf() {
 export function refresh(keepsView = true) {
   const { series, points, draft, preview } = open, { stored, curve, isNew } = curveOf();
   const reference = preview?.referenceCurve ?? [];
-  points.cut = preview ? new Set(preview.cut.map((point) => keyOf(point.part, point.number))) : null;
-  points.judged = new Map((preview?.judged ?? []).map((point) => [keyOf(point.part, point.number), point]));
+  if (points.preview !== preview) {
+    points.preview = preview;
+    points.cut = preview ? new Set(preview.cut.map((point) => keyOf(point.part, point.number))) : null;
+    points.judged = new Map((preview?.judged ?? []).map((point) => [keyOf(point.part, point.number), point]));
+  }
   points.read = reader(curve.length ? curve : stored.length ? stored : reference.map(([x, y]) => [x, y]));
   shown.plot.set({ points, curve, stored, isNew: isNew && stored.length > 0, reference, band: draft.settings.band, isRatio: draft.settings.ratio }, keepsView);
   shown.plot.select(points.selection);
@@ -40,18 +43,23 @@ export function refresh(keepsView = true) {
   shown.settings.set(draft.settings);
   byId("verdict").setAttribute("aria-busy", String(open.fitting));
   showVerdict(byId("verdict"), { preview, isNew: isNew && preview.isOfChange, trouble: open.trouble, isOld: draft.isChanged ? null : series.ageWarning });
-  showRanking(byId("panel-equations"), preview, draft.settings, act.settings);
+  showEquations();
   showSigning(byId("panel-sign"), { series, place: open.place, isChanged: draft.isChanged, sign: act.sign, keep: act.keep });
   showBar();
   showLegend(byId("legend"), open, isNew && stored.length > 0);
   showSelection();
 }
 
+// As soon as somebody looks at it: it is the longest of the panels.
+export function showEquations() {
+  if (open.draft && !byId("panel-equations").hidden) showRanking(byId("panel-equations"), open.preview, open.draft.settings, act.settings);
+}
+
 // What is not stored, and what can be done about it.
 export function showBar() {
   const { draft, series } = open, { out, back, settings } = draft.changes;
   const words = [out.length ? `${counted(out.length, "point")} left out` : null, back.length ? `${counted(back.length, "point")} taken back` : null,
-    settings.length ? `changed: ${[...new Set(settings.map(titleOf))].join(", ")}` : null].filter(Boolean);
+    settings.length ? `${[...new Set(settings.map(titleOf))].join(", ")} changed` : null].filter(Boolean);
   const isFirst = !series.curve.length;
   byId("changes").textContent = words.length ? `Not stored: ${words.join("; ")}` : isFirst ? "No curve is stored yet" : series.curveAge === "outdated" ? "The stored curve is older than its points" : "Everything is stored";
   byId("undo").disabled = !draft.canUndo;

@@ -1,6 +1,7 @@
 // What a fit says, in words and tables; drift; signatures. SPDX-License-Identifier: MIT
 import { address } from "./api.js";
 import { counted, fill, h, moment, number, s, sentence, signed } from "./dom.js";
+import { flowTableForm } from "./flow_table.js";
 import { Axis, ticks, tickText } from "./scale.js";
 
 // Under the plot: the curve, how it differs from the stored one, warnings and what to do.
@@ -34,7 +35,7 @@ export function showRanking(root, preview, settings, change) {
     h("tbody", {}, preview.ranking.map((entry) => [h("tr", { class: `${entry.verdict === "chosen" ? "best" : ""} ${entry.why ? "tied" : ""}` }, h("td", {}, box(entry.name, !left.has(entry.name))),
       h("td", { class: "n" }, String(entry.rank)), h("td", { title: entry.expression }, entry.name), h("td", {}, entry.verdictText),
       h("td", { class: "n" }, signed(entry.worstResidualPercent, 3)), h("td", { class: "n" }, entry.adjustedR2 === null ? "–" : entry.adjustedR2.toFixed(6)),
-      h("td", { class: "n" }, entry.aicc === null ? "–" : entry.aicc.toFixed(1))),
+      h("td", { class: "n" }, entry.aicc === null ? "–" : entry.aicc.toFixed(1).replace("-", "−"))),
     entry.why ? h("tr", {}, h("td"), h("td"), h("td", { colspan: "5", class: "fine" }, entry.why)) : null]),
     gone.map((name) => h("tr", { class: "out" }, h("td", {}, box(name, false)), h("td"), h("td", {}, name), h("td", {}, "left out"), h("td"), h("td"), h("td")))))));
 }
@@ -128,7 +129,8 @@ export function showSigning(root, { series, place, isChanged, sign, keep }) {
     return h("a", { class: "button", download: true, href, onclick: (event) => { event.preventDefault(); keep(href); } }, title);
   };
   fill(root, form, signatures.length ? h("h3", {}, "Signatures") : null, signatures, h("h3", {}, "Files"),
-    series.curve.length ? null : h("p", { class: "fine" }, "No curve is stored yet; the files show the points."), h("div", { class: "files" }, files.map(link)));
+    series.curve.length ? null : h("p", { class: "fine" }, "No curve is stored yet; the files show the points."), h("div", { class: "files" }, files.map(link)),
+    series.curve.length ? [h("h3", {}, "Table for a flow computer"), flowTableForm(place, keep)] : null);
 }
 
 export const stateWords = (entry) => ({ none: "no curve", current: "stored", outdated: "stale", unknown: "stored" })[entry.curveAge];

@@ -52,7 +52,7 @@ std::string currencyText(std::int64_t value) {
 
 std::string decimalText(Bytes field, unsigned scale) {
   if (scale > mostScale)
-    throw Damage("it has more digits behind the point than a decimal can have");
+    throw Damage("it has more digits after the decimal point than a decimal can have");
   Words words{};
   for (std::size_t i = 0; i < words.size(); ++i) words[i] = u32(field, 1 + 4 * i);
   std::string digits;

@@ -48,7 +48,7 @@ std::optional<OwnColumnType> typeFor(const AccessColumn& column) {
 
 Value fieldValue(LongValues& longValues, const AccessColumn& column, Bytes field) {
   const std::size_t size = sizeOfType(column.type);
-  if (size != 0 && field.size() != size) throw Damage("it has a wrong size");
+  if (size != 0 && field.size() != size) throw Damage("its size is wrong");
   switch (column.type) {
     case MDB_BYTE: return wholeNumber<std::uint8_t>(field);
     case MDB_INT: return wholeNumber<std::int16_t>(field);

@@ -28,7 +28,7 @@ void checkChain(const PageFile& file, std::uint32_t first) {
   Page page = file.page(first, PageKind::table);
   const std::size_t length = u32(page, lengthAt);
   for (std::uint32_t number = first;;) {
-    if (!seen.insert(number).second) throw Damage("its definition leads in a circle");
+    if (!seen.insert(number).second) throw Damage("its definition refers back to itself");
     bytes += pageSize - definitionHead;
     number = u32(page, nextPageAt);
     if (number == 0) break;

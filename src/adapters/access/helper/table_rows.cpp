@@ -75,7 +75,7 @@ class TableScan {
         default: to = rowPlaceAt(bytes, 0);
       }
     }
-    throw Damage("it leads nowhere");
+    throw Damage("it refers to nothing");
   }
 
   void readRow(Bytes bytes, const RowPlace& place) {

@@ -34,7 +34,7 @@ using PageNumber = std::uint32_t;  // from 1; 0: none
 // so damaged that no other program can use it either.
 class PageFile {
  public:
-  // Reading ends with error sql::stopped when the patience asks for it.
+  // Reading ends with error operationStopped when the patience asks for it.
   //
   // Errors: Error 53 missing, 70 or 75 if it cannot be read, 321 if nothing in it looks like a
   //         page of a database, genericFailure if another user has locked it.
