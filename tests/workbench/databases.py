@@ -1,10 +1,12 @@
 """Curve databases of tests: files or, while on_server.py runs a test, databases on its server."""
 # SPDX-License-Identifier: MIT
+import contextlib
 import hashlib
 import itertools
 import os
 import re
 import shutil
+import sqlite3
 import subprocess
 
 SERVER = os.environ.get("PELMORA_TEST_SERVER")  # the folder of its socket
@@ -32,6 +34,27 @@ def copied_database(folder, model, name):
     if SERVER:
         return _made_on_server("-T", _name_of(model))
     return shutil.copy(model, os.path.join(folder, name + ".db"))
+
+
+@contextlib.contextmanager
+def locked(location):
+    """While nobody else can read or change the database."""
+    if SERVER:
+        lock = """BEGIN; DO $$ DECLARE name text; BEGIN
+            FOR name IN SELECT quote_ident(tablename) FROM pg_tables WHERE schemaname = 'public' ORDER BY 1
+            LOOP EXECUTE 'LOCK TABLE ' || name; END LOOP; END $$; SELECT 'locked';
+            """
+        client = subprocess.Popen(["psql", *CLIENT, "-qAt", _name_of(location)], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+        client.stdin.write(lock)
+        client.stdin.flush()
+        assert client.stdout.readline() == "locked\n"
+        yield
+        client.communicate()
+        return
+    connection = sqlite3.connect(location, isolation_level=None)
+    connection.execute("BEGIN EXCLUSIVE")
+    yield
+    connection.close()
 
 
 def digest(location):

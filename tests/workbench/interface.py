@@ -2,14 +2,18 @@
 """The JSON interface of the workbench does what its description says:
 interface.py PROGRAM DATA OPENAPI SCHEMA [CASE...]"""
 # SPDX-License-Identifier: MIT
+import concurrent.futures
+import http.client
 import json
 import os
 import re
+import signal
 import subprocess
 import sys
 import tempfile
+import time
 
-from databases import digest
+from databases import digest, locked
 from described import CHECKED, DATA, INTERFACE, OPENAPI, PROGRAM, ROTOR, as_command, change, check, command, read
 from served import Workbench, run_cases
 
@@ -200,6 +204,26 @@ def errors_say_what_where_and_what_to_do(bench, curves):
     for status, kind, members in changes:
         error = change(bench, "/store", status, **ROTOR, revision=series["revision"], **members)["error"]
         assert error["kind"] == kind and error["what"], error
+    assert digest(curves) == before
+
+
+def what_is_under_way_is_told_that_the_workbench_ends(bench, curves):
+    series = read(bench, "/series", **ROTOR)
+    before = digest(curves)
+    for pause in (0.2, 1, 5, 25):  # until the request waits
+        with Workbench(PROGRAM, curves) as other, concurrent.futures.ThreadPoolExecutor() as threads:
+            other.open()
+            with locked(curves):
+                request = threads.submit(other.post, "store", **ROTOR, revision=series["revision"], excluded=[], settings={"band": 5})
+                time.sleep(pause)
+                other.process.send_signal(signal.SIGINT)
+                try:
+                    status, answer = request.result()
+                    break
+                except (ConnectionError, http.client.HTTPException):
+                    pass  # it had not been read yet
+    error = check("/store", status, answer, "post")["error"]
+    assert (status, error["kind"]) == (503, "ending") and "start it again" in error["remedy"], (status, error)
     assert digest(curves) == before
 
 

@@ -170,4 +170,8 @@ export async function says_so_when_the_workbench_has_ended(bench) {
   await page.getByText("The workbench does not answer").waitFor();
   await bench.picture(page, "ended");
   bench.expectTrouble("ERR_CONNECTION_REFUSED");
+  // What the page had asked for in between.
+  bench.expectTrouble("503 (Service Unavailable)");
+  bench.expectTrouble("ERR_EMPTY_RESPONSE");
+  bench.expectTrouble("ERR_CONNECTION_RESET");
 }

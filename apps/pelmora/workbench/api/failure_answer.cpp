@@ -87,4 +87,10 @@ http::Response failureAnswer() {
   }
 }
 
+http::Response endingAnswer() {
+  return jsonAnswer(errorJson("ending", "the workbench is ending", "",
+                              "start it again and look at what is stored"),
+                    503);
+}
+
 }  // namespace pelmora::cli::workbench

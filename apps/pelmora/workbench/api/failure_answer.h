@@ -19,4 +19,7 @@ namespace pelmora::cli::workbench {
 // Interrupted and std::bad_alloc pass through.
 [[nodiscard]] http::Response failureAnswer();
 
+// The answer to what was under way when the workbench was asked to end.
+[[nodiscard]] http::Response endingAnswer();
+
 }  // namespace pelmora::cli::workbench

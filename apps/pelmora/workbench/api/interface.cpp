@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/workbench/api/interface.h"
 
+#include "apps/pelmora/interruption.h"
 #include "apps/pelmora/workbench/api/failure_answer.h"
 #include "apps/pelmora/workbench/api/routes.h"
 
@@ -61,7 +62,7 @@ http::Response answerOf(Bench& bench, const std::string& path, const http::Reque
     try {
       return route.answer(bench, request);
     } catch (...) {
-      http::Response answer = failureAnswer();
+      http::Response answer = isInterrupted() ? endingAnswer() : failureAnswer();
       answer.body = bench.uploads.withNames(std::move(answer.body));
       return answer;
     }

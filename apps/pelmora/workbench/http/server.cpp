@@ -169,7 +169,7 @@ class Server::Daemon {
     try {
       return visitor_->answer(request);
     } catch (...) {
-      return refusal(500, "The workbench is ending, or has no memory left for this.");
+      return refusal(500, "The workbench has no memory left for this.");
     }
   }
 

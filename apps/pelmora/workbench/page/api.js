@@ -16,6 +16,7 @@ async function answerOf(response) {
   if (response.headers.get("content-type")?.startsWith("application/json")) {
     const value = await response.json();
     if (response.ok) return value;
+    if (value.error.kind === "ending") throw gone();
     throw new ApiError(response.status, value.error);
   }
   throw new ApiError(response.status, { kind: "failed", what: (await response.text()).trim() || `status ${response.status}`, where: "", remedy: "" });
