@@ -243,19 +243,24 @@ void checkTable(const CheckedCurve& curve, std::vector<CurveWarning>& warnings) 
 
 }  // namespace
 
-std::size_t distinctLevels(std::span<const double> x) {
+std::vector<Level> levelsOf(std::span<const double> x) {
   constexpr double shareOfMeanSpacing = 0.2;
-  if (x.size() < 2) return x.size();
+  if (x.empty()) return {};
   const bool logarithmic = allPositive(x);
   const auto position = [&](double value) { return logarithmic ? std::log(value) : value; };
   const double mean =
       (position(x.back()) - position(x.front())) / static_cast<double>(x.size() - 1);
-  std::size_t levels = 1;
+  std::vector<Level> levels{{x[0], x[0], 1}};
   for (std::size_t i = 1; i < x.size(); ++i) {
-    if (position(x[i]) - position(x[i - 1]) > shareOfMeanSpacing * mean) ++levels;
+    if (position(x[i]) - position(x[i - 1]) > shareOfMeanSpacing * mean)
+      levels.push_back({x[i], x[i], 0});
+    levels.back().to = x[i];
+    ++levels.back().count;
   }
   return levels;
 }
+
+std::size_t distinctLevels(std::span<const double> x) { return levelsOf(x).size(); }
 
 std::vector<CurveWarning> checkCurve(const CheckedCurve& curve) {
   std::vector<CurveWarning> warnings;

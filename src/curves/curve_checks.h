@@ -28,8 +28,15 @@ struct CheckedCurve {
 // Errors: Error 9 if the model delivers samples, but not one for each x.
 [[nodiscard]] std::vector<CurveWarning> checkCurve(const CheckedCurve& curve);
 
-// How many distinct x levels there are: neighbours closer than a fifth of the mean spacing (of ln x
+// Values of x that count as one: measured at the same flow.
+struct Level {
+  double from, to;
+  std::size_t count;
+};
+
+// The distinct levels of x, rising: neighbours closer than a fifth of the mean spacing (of ln x
 // where all x are positive) belong to one level. `x` is sorted.
+[[nodiscard]] std::vector<Level> levelsOf(std::span<const double> x);
 [[nodiscard]] std::size_t distinctLevels(std::span<const double> x);
 
 }  // namespace pelmora

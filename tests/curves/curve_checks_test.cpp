@@ -114,6 +114,18 @@ TEST(curve_checks, repeated_flows_are_one_level_each) {
   EXPECT_THAT(check(setting), IsEmpty());
 }
 
+TEST(curve_checks, a_level_is_as_wide_as_its_points_and_counts_them) {
+  const std::vector<Level> levels = levelsOf(std::vector<double>{1, 1.01, 1.02, 10, 100, 101});
+  ASSERT_EQ(levels.size(), 3U);
+  EXPECT_EQ(levels[0].from, 1);
+  EXPECT_EQ(levels[0].to, 1.02);
+  EXPECT_EQ(levels[0].count, 3U);
+  EXPECT_EQ(levels[1].from, levels[1].to);
+  EXPECT_EQ(levels[2].to, 101);
+  EXPECT_EQ(levels[2].count, 2U);
+  EXPECT_TRUE(levelsOf({}).empty());
+}
+
 TEST(curve_checks, evenly_spread_points_are_all_levels) {
   EXPECT_EQ(distinctLevels(logSpaced(1, 1000, 57)), 57U);
 }

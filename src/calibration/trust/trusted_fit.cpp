@@ -151,11 +151,33 @@ void describeTable(Trust& trust, std::span<const double> grid, const ReferenceJu
   }
 }
 
+// For each row of the table the readings that decide the curve there alone, as a share of one new
+// reading's variance: 1 / n at or beyond the first and the last flow, which was measured n times;
+// less towards the flow next to it, and 0 from there on.
+std::vector<double> shareOfEndReadings(const Fit& fit) {
+  const std::vector<Level> levels = levelsOf(fit.fitted.column(0));
+  const Level &first = levels.front(), &second = levels[1];
+  const Level &last = levels.back(), &lastButOne = levels[levels.size() - 2];
+  std::vector<double> shares;
+  for (const double roshko : fit.curve.column(0)) {
+    const double low = std::log(second.from / roshko) / std::log(second.from / first.to);
+    const double high = std::log(roshko / lastButOne.to) / std::log(last.from / lastButOne.to);
+    shares.push_back(std::max(std::clamp(low, 0.0, 1.0) / static_cast<double>(first.count),
+                              std::clamp(high, 0.0, 1.0) / static_cast<double>(last.count)));
+  }
+  return shares;
+}
+
+// At an end the curve follows the readings of one flow, whichever way they err: there the band is
+// that of as many new readings.
 void describeBands(Fit& fit, const ReferenceJudge& judge) {
   const std::vector<double> distances = judge.distances(fit.curve.column(1));
+  const std::vector<double> ends = shareOfEndReadings(fit);
   for (std::size_t i = 0; i < distances.size(); ++i) {
     const auto& at = judge.table()[i];
-    fit.outcome.ConfidenceHalfWidth.push_back(std::hypot(2 * at.curveSd, distances[i]));
+    const double ofReading = at.newPointSd * at.newPointSd - at.curveSd * at.curveSd;
+    const double curveSd = std::sqrt(at.curveSd * at.curveSd + ends[i] * ofReading);
+    fit.outcome.ConfidenceHalfWidth.push_back(std::hypot(2 * curveSd, distances[i]));
     fit.outcome.PredictionHalfWidth.push_back(std::hypot(2 * at.newPointSd, distances[i]));
   }
 }
