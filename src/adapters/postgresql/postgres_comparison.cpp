@@ -5,6 +5,7 @@
 #include "adapters/sql_dialect/dialect_error.h"
 #include "adapters/sql_dialect/literal_number.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace pelmora::postgres {
@@ -140,8 +141,26 @@ std::string PostgresExpression::between(const Expression& expression) const {
          comparison(operands[0], "<=", operands[2]) + "))";
 }
 
-std::string PostgresExpression::in(const Expression& expression) const {
+// A list of whole numbers is one condition to the server, however long it is; it would plan and
+// look up each number of a disjunction by itself.
+std::string PostgresExpression::inWholeNumbers(const Expression& expression) const {
+  const auto& operands = expression.operands;
+  const bool areWhole = std::all_of(operands.begin() + 1, operands.end(), [](const auto& operand) {
+    return operand.kind == ExpressionKind::number &&
+           numberLiteral(operand.text).kind == ValueKind::whole;
+  });
+  if (!areWhole) return {};
+  const TypedSql side = value(operands[0]);
+  if (!isNumber(side.kind)) return {};
   std::string list;
+  for (std::size_t i = 1; i < operands.size(); ++i)
+    list += (i == 1 ? "" : ", ") + numberLiteral(operands[i].text).sql;
+  return "(" + side.sql + (expression.negated ? " NOT IN (" : " IN (") + list + "))";
+}
+
+std::string PostgresExpression::in(const Expression& expression) const {
+  std::string list = inWholeNumbers(expression);
+  if (!list.empty()) return list;
   for (std::size_t i = 1; i < expression.operands.size(); ++i) {
     list +=
         (i == 1 ? "" : " OR ") + comparison(expression.operands[0], "=", expression.operands[i]);

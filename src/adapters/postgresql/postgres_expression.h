@@ -71,6 +71,8 @@ class PostgresExpression {
                                                   const sql::Expression& literal) const;
   [[nodiscard]] std::string between(const sql::Expression& expression) const;
   [[nodiscard]] std::string in(const sql::Expression& expression) const;
+  // Empty if it is another list.
+  [[nodiscard]] std::string inWholeNumbers(const sql::Expression& expression) const;
 
   const sql::NameScope& scope_;
   Rows rows_;

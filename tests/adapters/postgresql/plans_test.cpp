@@ -57,6 +57,22 @@ TEST_F(plans, of_every_look_up_and_deletion_use_an_index) {
   }
 }
 
+TEST_F(plans, of_rows_of_many_series_have_one_condition) {
+  const test::ServerCurves curves;
+  postgres::PostgresSession session(curves.path, {});
+  const std::string plan =
+      planOf(session, "Delete from merge where seriesID in (1, 2, 3, 5, 8, 13, 21)");
+  EXPECT_EQ(occurrences(plan, "Index Cond"), 1U) << plan;
+}
+
+TEST_F(plans, are_not_compiled) {
+  const test::ServerCurves curves;
+  postgres::PostgresSession session(curves.path, {});
+  Value setting;
+  session.read("SHOW jit").rows.read(0, 0, setting);
+  EXPECT_EQ(std::get<std::string>(setting), "off");
+}
+
 TEST_F(plans, of_series_in_blocks_need_no_sort) {
   const test::ServerCurves curves;
   postgres::PostgresSession session(curves.path, {});
