@@ -23,7 +23,8 @@
 namespace pelmora::calibration {
 namespace {
 
-constexpr std::size_t sliceSize = 50;
+// Each slice needs a dozen round trips, and its rows are in memory.
+constexpr std::size_t sliceSize = 250;
 
 std::string idsWithin(const std::string& column, const IdRange& range) {
   return " where " + column + ">" + std::to_string(range.after) + " and " + column +
