@@ -28,8 +28,9 @@ def as_user(name):
 
 
 @contextlib.contextmanager
-def server():
-    """The address of an empty database on a server that lives as long as the context."""
+def server(fsync="off"):
+    """The address of an empty database on a server that lives as long as the context. fsync: whether it waits for the
+    disk, which a test of killed workers need not."""
     programs = sorted(glob.glob("/usr/lib/postgresql/*/bin"))
     if not programs:
         skip("no PostgreSQL server is installed")
@@ -42,7 +43,7 @@ def server():
         subprocess.run([f"{bin_}/initdb", "-D", f"{folder}/data", "-A", "trust", "-U", "lab", "-E", "UTF8",
                         "--locale=C", "-N"], **quiet)
         control = [f"{bin_}/pg_ctl", "-D", f"{folder}/data", "-w", "-s", "-l", f"{folder}/data/log"]
-        subprocess.run([*control, "-o", f"-k {folder} -c listen_addresses= -c fsync=off", "start"], **quiet)
+        subprocess.run([*control, "-o", f"-k {folder} -c listen_addresses= -c fsync={fsync}", "start"], **quiet)
         try:
             subprocess.run([f"{bin_}/createdb", "-h", folder, "-U", "lab", "curves"], **quiet)
             yield f"postgresql://lab@/curves?host={folder}"
