@@ -12,7 +12,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <numeric>
+#include <set>
 #include <utility>
 
 namespace pelmora::calibration {
@@ -31,6 +33,30 @@ bool isOfUnits(double factor, double least) {
 
 std::string rawTable(int part) { return "Raw" + std::to_string(part); }
 
+double middleOf(std::vector<double> values) {
+  if (values.empty()) return 0;
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+// Of each series in the rows; of none whose Roshko numbers cannot all be read.
+std::map<std::int32_t, std::vector<double>> positiveRoshkos(Recordset& rows) {
+  std::map<std::int32_t, std::vector<double>> found;
+  std::set<std::int32_t> unreadable;
+  for (; !rows.atEnd(); rows.moveNext()) {
+    const std::int32_t id = toInt32(rows.value(0));
+    try {
+      const double roshko = toDouble(rows.value(1));
+      if (roshko > 0) found[id].push_back(roshko);
+    } catch (const Error&) {
+      unreadable.insert(id);
+    }
+  }
+  for (const std::int32_t id : unreadable) found.erase(id);
+  return found;
+}
+
 }  // namespace
 
 double typicalRoshko(const PointArray& points) {
@@ -39,10 +65,7 @@ double typicalRoshko(const PointArray& points) {
   for (const double value : points.column(0)) {
     if (value > 0) values.push_back(value);
   }
-  if (values.empty()) return 0;
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
+  return middleOf(std::move(values));
 }
 
 double farFactor(double roshko, std::span<const double> others) {
@@ -62,21 +85,18 @@ std::vector<double> otherRoshkos(Session& session, const Meter& meter, const std
   std::vector<double> found;
   const std::string ofSeries =
       series.empty() ? "" : " and series.Name = " + NameText::quoted(series).literal();
-  auto rows = readRows(session.connection(),
-                       "Select series.ID from meter LEFT JOIN series ON meter.ID = series.MeterID "
-                       "where meter.SerialNumber = " +
-                           NameText::quoted(meter.serial).literal() + ofSeries);
-  for (; !rows->atEnd(); rows->moveNext()) {
-    if (isNull(rows->value(0))) continue;  // a calibration without a series
-    const std::int32_t id = toInt32(rows->value(0));
-    for (int part = 1; part <= steps::rawPartCount; ++part) {
-      if (id == exceptSeries && part == exceptPart) continue;
-      try {
-        found.push_back(typicalRoshko(steps::readPoints(session.connection(), rawTable(part), id)));
-      } catch (const Error&) {
-        continue;  // a part that cannot be read has no typical number
-      }
-    }
+  for (int part = 1; part <= steps::rawPartCount; ++part) {
+    const std::string table = rawTable(part);
+    auto rows =
+        readRows(session.connection(),
+                 "Select series.ID, " + table +
+                     ".Roshko from (meter INNER JOIN series ON meter.ID = series.MeterID) "
+                     "INNER JOIN " +
+                     table + " ON series.ID = " + table + ".seriesID where meter.SerialNumber = " +
+                     NameText::quoted(meter.serial).literal() + ofSeries);
+    auto parts = positiveRoshkos(*rows);
+    if (part == exceptPart) parts.erase(exceptSeries);
+    for (auto& [id, values] : parts) found.push_back(middleOf(std::move(values)));
   }
   return found;
 }

@@ -4,6 +4,8 @@
 #include "store/meter_registry.h"
 #include "tests/adapters/postgresql/server_test.h"
 
+#include <pelmora/calibration/database.h>
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -48,6 +50,21 @@ TEST_F(round_trips, of_points_do_not_grow_with_their_number) {
   EXPECT_LE(many, 5U);
   EXPECT_EQ(of([&] { addPoints(curves, 32000); }), many);
   EXPECT_EQ(curves.count("raw1"), 33040);
+}
+
+// Every run of a meter is looked at, to warn of a wrong unit.
+TEST_F(round_trips, of_stored_points_do_not_grow_with_the_series_of_the_meter) {
+  const ServerCurves curves;
+  calibration::Database lab = calibration::open(curves.path);
+  const calibration::Meter meter = lab.registerMeter("M1");
+  const PointArray points{{1, 2}, {2, 2.1}};
+  const auto store = [&](int number) {
+    (void)lab.storeRaw(meter, "S" + std::to_string(number), 1, points);
+  };
+  store(0);
+  const std::size_t few = of([&] { store(1); });
+  for (int i = 2; i < 9; ++i) store(i);
+  EXPECT_EQ(of([&] { store(9); }), few);
 }
 
 TEST_F(round_trips, of_a_new_series_are_few) {
