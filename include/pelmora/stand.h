@@ -9,6 +9,7 @@
 #include <pelmora/types.h>
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -40,8 +41,10 @@ struct OpenedStand {
 // which they were stored. Empty if the stand has no such job.
 //
 // JobRecordID: a whole number, as for an import.
+// goOn: called before each row; what it throws ends the reading.
 // Errors: as for standJobs; Error 13 if JobRecordID is not a whole number.
 [[nodiscard]] PELMORA_API ValueTable standPoints(const ConnectionPtr& stand,
-                                                 const std::string& JobRecordID);
+                                                 const std::string& JobRecordID,
+                                                 const std::function<void()>& goOn = {});
 
 }  // namespace pelmora

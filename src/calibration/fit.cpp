@@ -31,7 +31,8 @@ PointArray pointsToFit(const Fit& fit) {
     if (!isOutsideFitRange(settings, fit.merged(i, 0))) inside.push_back(i);
   }
   if (inside.size() < 2) {
-    throw OutOfRange({"fewer than two points of " + nameOf(fit) + " are inside the range to fit",
+    throw OutOfRange({"fewer than two points" + (fit.series.empty() ? "" : " of " + nameOf(fit)) +
+                          " are inside the range to fit",
                       nameOf(fit), "give a wider range to fit"});
   }
   PointArray points(inside.size());
@@ -58,8 +59,9 @@ void settleRange(Fit& fit) {
   if (!isInside && settings.outside == RangePolicy::refuse) {
     throw OutOfRange(
         {"the range from " + significantText(fit.min, 15) + " to " + significantText(fit.max, 15) +
-             " extends beyond the raw points of " + nameOf(fit) + ", which reach from " +
-             significantText(lowest, 15) + " to " + significantText(highest, 15),
+             " extends beyond " + (fit.series.empty() ? "" : "the raw points of ") + nameOf(fit) +
+             ", which reach from " + significantText(lowest, 15) + " to " +
+             significantText(highest, 15),
          nameOf(fit), "choose a range within them, fit all of them or extrapolate"},
         {fit.min, fit.max}, {lowest, highest});
   }
@@ -86,7 +88,7 @@ void fitCatalogue(Fit& fit, const steps::Observer& watch, const Observer& observ
   if (fit.settings.spacing != PointSpacing::optimal || !fit.accepted()) return;
   const FitModel* model = catalogue.model();
   const CurveSamples samples = [model](std::span<const double> x) { return model->evaluate(x); };
-  const std::vector<double> grid = optimalGrid(fit, samples);
+  const std::vector<double> grid = optimalGrid(fit, samples, [&] { requireGoOn(fit, observer); });
   replaceTable(fit, grid, samples(grid));
   fit.outcome.ConfidenceHalfWidth.clear();
   fit.outcome.PredictionHalfWidth.clear();

@@ -169,7 +169,7 @@ Imported Database::importRuns(const Meter& meter, const Stand& stand,
   const std::vector<StandRun> wanted = cleanRuns(runs);
   Imported imported;
   requireGoOn(meter, observer);
-  imported.jobWithoutRotorB = checkReadings(stand, wanted);
+  imported.jobWithoutRotorB = checkReadings(stand, wanted, [&] { requireGoOn(meter, observer); });
   requireGoOn(meter, observer);
   return session_->changing("import", "importing into " + placeOf(meter), [&] {
     imported.isNewCalibration = options.newCalibration;
@@ -185,6 +185,7 @@ Imported Database::importRuns(const Meter& meter, const Stand& stand,
     requireGoOn(meter, observer);
     imported.runs = this->runs(imported.meter);
     imported.doubts = doubtsAbout(*session_, imported, stand, wanted);
+    requireGoOn(meter, observer);
     exclusions.applyAgain(imported);
     imported.kept.assign(session_->kept().begin() + static_cast<std::ptrdiff_t>(keptBefore),
                          session_->kept().end());

@@ -8,10 +8,11 @@
 
 namespace pelmora::calibration {
 
-std::vector<double> optimalGrid(const Fit& fit, const CurveSamples& curve) {
+std::vector<double> optimalGrid(const Fit& fit, const CurveSamples& curve,
+                                const std::function<void()>& goOn) {
   std::vector<double> grid =
       tables::placeTable(curve, {fit.min, fit.max}, static_cast<std::size_t>(fit.settings.points),
-                         tables::Reading::linear)
+                         tables::Reading::linear, goOn)
           .x;
   grid.front() = fit.min;
   grid.back() = fit.max;

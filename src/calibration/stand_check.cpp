@@ -27,9 +27,12 @@ constexpr std::array<Reading, 6> commonReadings{{{1, "time of the reference", fa
 constexpr std::array<Reading, 2> rotorBReadings{
     {{20, "time of rotor B", false}, {21, "pulses of rotor B", false}}};
 
-ValueTable pointsOf(const Stand& stand, const std::string& job, const std::string& place) {
+ValueTable pointsOf(const Stand& stand, const std::string& job, const std::string& place,
+                    const std::function<void()>& goOn) {
   try {
-    return standPoints(stand.connection(), job);
+    return standPoints(stand.connection(), job, goOn);
+  } catch (const Failure&) {
+    throw;
   } catch (const Error& error) {
     throwFailure(place + ": its points cannot be read", stand.location(), error);
   }
@@ -38,11 +41,11 @@ ValueTable pointsOf(const Stand& stand, const std::string& job, const std::strin
 // The points of one job.
 class JobCheck {
  public:
-  JobCheck(const Stand& stand, const std::string& job)
+  JobCheck(const Stand& stand, const std::string& job, const std::function<void()>& goOn)
       : stand_(stand),
         job_(job),
         place_("stand '" + stand.location() + "', job " + job),
-        points_(pointsOf(stand, job, place_)) {
+        points_(pointsOf(stand, job, place_, goOn)) {
     if (points_.rows() <= static_cast<std::size_t>(mostPoints)) return;
     throw BadData({place_ + ": " + std::to_string(points_.rows()) +
                        " points; a series holds at most " + std::to_string(mostPoints),
@@ -110,12 +113,14 @@ class JobCheck {
 
 }  // namespace
 
-std::string checkReadings(const Stand& stand, std::span<const StandRun> runs) {
+std::string checkReadings(const Stand& stand, std::span<const StandRun> runs,
+                          const std::function<void()>& goOn) {
   if (runs.empty()) throw BadData({"there is no run to import", stand.location(), "name a job"});
   std::string jobWithoutRotorB;
   for (const StandRun& run : runs) {
     stand.requireJob(run.job);
-    const JobCheck job(stand, run.job);
+    goOn();
+    const JobCheck job(stand, run.job, goOn);
     job.require(commonReadings);
     if (job.hasRotorB()) {
       job.require(rotorBReadings);

@@ -12,7 +12,9 @@
 namespace pelmora::calibration {
 namespace {
 
-BadData refused(const std::string& why) { return BadData({why, "", ""}); }
+BadData refused(const std::string& why, const std::string& remedy = "fit the series again") {
+  return BadData({why, "", remedy});
+}
 
 void requireMonotone(std::span<const CurvePoint> curve) {
   const bool rises = curve[1].strouhal > curve[0].strouhal;
@@ -20,7 +22,8 @@ void requireMonotone(std::span<const CurvePoint> curve) {
     const double step = curve[i].strouhal - curve[i - 1].strouhal;
     if (rises ? step > 0 : step < 0) continue;
     throw refused("The curve turns at Roshko " + significantText(curve[i - 1].roshko, 6) +
-                  ": several Roshko numbers have the same Strouhal number.");
+                      ": several Roshko numbers have the same Strouhal number.",
+                  "fit a curve of a range (min, max) that ends there");
   }
 }
 
@@ -88,7 +91,7 @@ CurveValue roshkoAt(std::span<const CurvePoint> curve, double strouhal) {
   if (value.isExtrapolated && value.roshko <= 0) {
     throw OutOfRange({"Extended straight beyond its ends, the curve does not reach Strouhal " +
                           significantText(strouhal, 6) + " at any Roshko number above 0.",
-                      "", ""});
+                      "", "stay near the Strouhal numbers of the table"});
   }
   const double slope = std::abs((b.strouhal - a.strouhal) / (b.roshko - a.roshko));
   if (value.confidence) *value.confidence /= slope;

@@ -31,7 +31,8 @@ std::vector<std::string> standJobs(const ConnectionPtr& stand) {
   return rowsAsTexts(*rows);
 }
 
-ValueTable standPoints(const ConnectionPtr& stand, const std::string& JobRecordID) {
+ValueTable standPoints(const ConnectionPtr& stand, const std::string& JobRecordID,
+                       const std::function<void()>& goOn) {
   if (!isWholeNumber(JobRecordID)) throw makeError(RunTimeError::typeMismatch);
   std::string columns;
   for (std::size_t i = 1; i <= measuredValues; ++i) {
@@ -41,6 +42,7 @@ ValueTable standPoints(const ConnectionPtr& stand, const std::string& JobRecordI
       readStand(stand, "Select " + columns + " from DataPoint where JobRecordID=" + JobRecordID);
   ValueTable points(measuredValues, static_cast<std::size_t>(rows->recordCount()));
   for (std::size_t row = 0; row < points.rows(); ++row, rows->moveNext()) {
+    if (goOn) goOn();
     for (std::size_t i = 0; i < measuredValues; ++i) points(i, row) = rows->value(i);
   }
   return points;

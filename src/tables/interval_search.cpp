@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace pelmora::tables {
 namespace {
@@ -15,12 +16,14 @@ constexpr double closeness = 1e-6;
 
 }  // namespace
 
-IntervalSearch::IntervalSearch(const SampledCurve& curve, Reading reading)
-    : curve_(curve), isLinear_(reading == Reading::linear) {
+IntervalSearch::IntervalSearch(const SampledCurve& curve, Reading reading,
+                               std::function<void()> goOn)
+    : curve_(curve), isLinear_(reading == Reading::linear), goOn_(std::move(goOn)) {
   for (const double x : curve.x()) place_.push_back(isLinear_ ? x : std::log(x));
 }
 
 double IntervalSearch::errorOf(double from, double to) const {
+  requireGoOn();
   const auto placeAt = [&](double place) {
     const double x = curve_.xAt(place);
     return isLinear_ ? x : std::log(x);

@@ -6,6 +6,7 @@
 #include "tables/table_reader.h"
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -15,8 +16,9 @@ namespace pelmora::tables {
 // between them included.
 class IntervalSearch {
  public:
-  // reading: linear or logarithmic.
-  IntervalSearch(const SampledCurve& curve, Reading reading);
+  // reading: linear or logarithmic. goOn: called whenever a piece is judged; may be empty. What it
+  // throws ends the search.
+  IntervalSearch(const SampledCurve& curve, Reading reading, std::function<void()> goOn = {});
 
   // The largest error of the piece, a share of the curve.
   [[nodiscard]] double errorOf(double from, double to) const;
@@ -26,12 +28,16 @@ class IntervalSearch {
   // The largest error of any piece.
   [[nodiscard]] double largestError(const std::vector<double>& knots) const;
   [[nodiscard]] double end() const { return static_cast<double>(curve_.samples()); }
+  void requireGoOn() const {
+    if (goOn_) goOn_();
+  }
 
  private:
   [[nodiscard]] double farthest(double from, double error) const;
   const SampledCurve& curve_;
   std::vector<double> place_;  // x or ln x of each sample
   bool isLinear_;
+  std::function<void()> goOn_;
 };
 
 }  // namespace pelmora::tables

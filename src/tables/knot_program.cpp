@@ -78,6 +78,7 @@ Places bestOfGrid(const IntervalSearch& search, std::size_t points, double guess
   std::vector<double> cost(cells + 1, none);
   cost[0] = 0;
   for (std::size_t k = 1; k < points; ++k) {
+    search.requireGoOn();
     std::vector<double> next(cells + 1, none);
     for (std::size_t i = 0; i < cells; ++i) {
       for (std::size_t j = 0; j < weight[i].size() && cost[i] < none; ++j) {

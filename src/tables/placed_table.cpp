@@ -56,9 +56,9 @@ void fillUp(std::vector<double>& knots, std::size_t points) {
   }
 }
 
-std::vector<double> placeForStraight(const SampledCurve& curve, std::size_t points,
-                                     Reading reading) {
-  const IntervalSearch search(curve, reading);
+std::vector<double> placeForStraight(const SampledCurve& curve, std::size_t points, Reading reading,
+                                     const std::function<void()>& goOn) {
+  const IntervalSearch search(curve, reading, goOn);
   const auto end = static_cast<double>(curve.samples());
   std::vector<double> best(points);
   double high = 0;
@@ -144,12 +144,13 @@ ReadingError readingError(const Curve& curve, std::span<const double> x, std::sp
   return {100 * worst.error, worst.at};
 }
 
-PlacedTable placeTable(const Curve& curve, Range range, std::size_t points, Reading reading) {
+PlacedTable placeTable(const Curve& curve, Range range, std::size_t points, Reading reading,
+                       const std::function<void()>& goOn) {
   requirePoints(points, reading);
   const SampledCurve samples = sampled(curve, range, points);
   const std::vector<double> knots = reading == Reading::cubic
                                         ? placeForCubic(samples, points)
-                                        : placeForStraight(samples, points, reading);
+                                        : placeForStraight(samples, points, reading, goOn);
   std::vector<double> x;
   for (const double knot : knots) x.push_back(samples.xAt(knot));
   return tableOf(curve, std::move(x), reading);

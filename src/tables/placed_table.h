@@ -6,6 +6,7 @@
 #include "tables/table_reader.h"
 
 #include <cstddef>
+#include <functional>
 #include <span>
 #include <vector>
 
@@ -32,13 +33,14 @@ inline constexpr std::size_t mostPoints = 5000;
 // this is the smallest possible error; with them it is an upper limit of it. Cubic reading: the
 // knots are moved towards the segments that err most until nothing is won any more.
 //
+// goOn: called often while linear and logarithmic tables are made; what it throws ends the work.
 // Units:  x > 0 in any unit; y in any.
 // Errors: BadData for fewer than fewestPoints(reading) or more than mostPoints points; as
 //         SampledCurve.
 //
 //   const PlacedTable table = placeTable(curve, {1.2, 900}, 16, Reading::linear);
 [[nodiscard]] PlacedTable placeTable(const Curve& curve, Range range, std::size_t points,
-                                     Reading reading);
+                                     Reading reading, const std::function<void()>& goOn = {});
 
 // The shortest such table whose error is at most `mostPercent`: how many points a reading error
 // takes.

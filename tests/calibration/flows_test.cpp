@@ -3,6 +3,8 @@
 #include "tests/calibration/service_fixture.h"
 #include "tests/support/csv_table.h"
 
+#include <stop_token>
+
 namespace pelmora::calibration::test {
 namespace {
 
@@ -109,6 +111,17 @@ TEST_F(service_flows, need_as_many_values_of_each_kind) {
   const auto failure = failureOf<BadData>([&] { (void)flowsOf(rotor, two, one, temperatures); });
   EXPECT_THAT(failure.what(), HasSubstr("2 frequencies, 1 viscosities and 2 temperatures"));
   EXPECT_THROW((void)flowsOf(rotor, two, temperatures, one), BadData);
+}
+
+TEST_F(service_flows, end_where_the_caller_asks_for_it) {
+  Database db = lab();
+  const FittedCurve rotor = db.fittedCurve(demo(db), "Rotor A");
+  const std::vector<double> frequency{400}, viscosity{1.2}, temperature{70};
+  std::stop_source source;
+  EXPECT_EQ(flowsOf(rotor, frequency, viscosity, temperature, source.get_token()).size(), 1U);
+  source.request_stop();
+  EXPECT_THROW((void)flowsOf(rotor, frequency, viscosity, temperature, source.get_token()),
+               Cancelled);
 }
 
 TEST_F(service_flows, refuse_a_stored_law_with_half_a_point) {

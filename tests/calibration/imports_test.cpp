@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: MIT
+#include "calibration/steps/stand_rows.h"
 #include "tests/calibration/service_fixture.h"
 #include "tests/support/plain_sqlite.h"
 #include "tests/support/stand_export.h"
 
+#include <pelmora/stand.h>
+
 #include <fstream>
+#include <stop_token>
 
 namespace pelmora::calibration::test {
 namespace {
@@ -86,6 +90,40 @@ TEST_F(Imports, a_reading_that_cannot_be_used_stops_everything) {
   EXPECT_THAT(importOf(pelmora::test::exportLine("7", {{4, ""}})).what(), HasSubstr("V4"));
   EXPECT_TRUE(db_.seriesOf(meter_).empty());
   EXPECT_TRUE(db_.runs(meter_).empty());
+}
+
+TEST_F(Imports, end_where_the_caller_asks_for_it_and_store_nothing) {
+  const Stand stand(exampleData("stand-dual-rotor.csv"));
+  for (const std::string step : {"Copying job 1001", "Copying job 1002", "Deriving Rotor B"}) {
+    std::stop_source source;
+    Observer observer;
+    observer.stop = source.get_token();
+    observer.status = [&](const std::string& text) {
+      if (text == step) source.request_stop();
+    };
+    (void)failureOf<Cancelled>([&] {
+      (void)db_.importRuns(meter_, stand, {{"1001", "oil", ""}, {"1002", "water", ""}}, {},
+                           observer);
+    });
+    EXPECT_TRUE(db_.seriesOf(meter_).empty()) << step;
+    EXPECT_TRUE(db_.runs(meter_).empty()) << step;
+  }
+}
+
+TEST_F(Imports, look_for_a_stop_before_each_row) {
+  struct Enough {};
+  const Stand stand(exampleData("stand-dual-rotor.csv"));
+  int rows = 0;
+  const auto thirdIsEnough = [&rows] {
+    if (++rows == 3) throw Enough();
+  };
+  EXPECT_THROW((void)standPoints(stand.connection(), "1001", thirdIsEnough), Enough);
+  EXPECT_EQ(rows, 3);
+  rows = 0;
+  EXPECT_THROW(
+      steps::copyStandRows(*stand.connection(), *db_.connection(), 1, "1001", thirdIsEnough),
+      Enough);
+  EXPECT_EQ(rows, 3);
 }
 
 TEST_F(Imports, a_stand_found_damaged_when_it_is_read_is_named) {

@@ -3,7 +3,9 @@
 #include "calibration/refit/refit_one.h"
 #include "tests/calibration/service_fixture.h"
 
+#include <algorithm>
 #include <functional>
+#include <stop_token>
 
 namespace pelmora::calibration::test {
 namespace {
@@ -201,6 +203,30 @@ TEST_F(Refits, end_where_the_caller_asks_for_it) {
   observer.stop = source.get_token();
   const RefitOutcome outcome = db_.refit(db_.allSeries(), {}, observer);
   EXPECT_TRUE(outcome.isCancelled);
+}
+
+TEST_F(Refits, end_while_they_run_and_keep_what_is_stored) {
+  constexpr std::size_t more = 60;  // than wait to be stored when the stop comes
+  for (std::size_t i = 0; i < more; ++i)
+    db_.storeRaw(meter_, "S" + std::to_string(i), 1, smoothPoints(12));
+  std::stop_source source;
+  Observer observer;
+  observer.stop = source.get_token();
+  std::size_t fitted = 0;
+  observer.progress = [&](std::size_t done, std::size_t) {
+    fitted = done;
+    if (done == 2) source.request_stop();
+  };
+  const RefitOutcome outcome = db_.refit(db_.allSeries(), {.threads = 1}, observer);
+  EXPECT_TRUE(outcome.isCancelled);
+  EXPECT_LT(fitted, more / 2);
+  const auto isStored = [](const RefitResult& result) { return result.isStored; };
+  const auto stored = std::ranges::count_if(outcome.results, isStored);
+  EXPECT_EQ(std::ranges::count_if(db_.allSeries(),
+                                  [&](const RefitTask& task) {
+                                    return !db_.series(task.meter, task.series).curve.empty();
+                                  }),
+            stored + 3);  // with those that had a curve before
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "curves/curve_evaluation.h"
 
-#include <pelmora/error.h>
+#include <pelmora/calibration/failure.h>
 
 #include <gtest/gtest.h>
 
@@ -63,6 +63,15 @@ TEST(curve_evaluation, tells_where_a_curve_turns) {
   EXPECT_EQ(failureOf([] { (void)roshkoAt(turning, 7); }),
             "The curve turns at Roshko 3: several Roshko numbers have the same Strouhal number.");
   EXPECT_DOUBLE_EQ(strouhalAt(turning, 5).strouhal, 7);
+}
+
+TEST(curve_evaluation, says_what_to_do_where_a_curve_turns) {
+  try {
+    (void)roshkoAt(turning, 7);
+    FAIL();
+  } catch (const BadData& failure) {
+    EXPECT_NE(failure.remedy().find("range"), std::string::npos);
+  }
 }
 
 TEST(curve_evaluation, finds_no_roshko_number_below_zero) {

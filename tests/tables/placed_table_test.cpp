@@ -49,6 +49,18 @@ std::vector<double> segmentErrors(const PlacedTable& table, Reading reading,
 // Bends one way in x and in ln x.
 double drag(double x) { return 1300 * (1 - 0.5 * std::pow(x, -0.7)); }
 
+TEST(placed_table, ends_when_it_is_asked_to) {
+  struct Enough {};
+  for (const std::size_t points : {40U, 1000U}) {
+    int asked = 0;
+    const auto goOn = [&asked] {
+      if (++asked == 5000) throw Enough();  // in the middle of the search
+    };
+    EXPECT_THROW((void)placeTable(curveOf(bend), {8, 900}, points, Reading::linear, goOn), Enough);
+    EXPECT_EQ(asked, 5000);
+  }
+}
+
 TEST(placed_table, errs_equally_in_all_segments_of_a_curve_that_bends_one_way) {
   for (const Reading reading : {Reading::linear, Reading::logarithmic}) {
     for (const std::size_t points : {10U, 16U, 40U}) {

@@ -8,6 +8,7 @@
 
 #include <optional>
 #include <span>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -94,11 +95,12 @@ struct ServiceFlow {
 // Units:  Hz, cSt, degrees F; flows in volumes of Strouhal's unit per second.
 // Shape:  n values each.
 // Errors: as above; BadData for different numbers of values; OutOfRange, naming the reading, beyond
-// the ends of the curve.
+// the ends of the curve; Cancelled at the stop.
 [[nodiscard]] PELMORA_API std::vector<double> flowsOf(const FittedCurve& rotor,
                                                       std::span<const double> frequency,
                                                       std::span<const double> viscosity,
-                                                      std::span<const double> fahrenheit);
+                                                      std::span<const double> fahrenheit,
+                                                      const std::stop_token& stop = {});
 // The flow from both rotors. quotient: the series Rotor Sum, needed if no viscosity is given.
 //
 // Errors: as above; BadData if the quotient occurs at several Roshko numbers; OutOfRange if it is

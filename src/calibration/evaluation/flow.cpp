@@ -122,7 +122,8 @@ ServiceFlow flowOf(const FittedCurve& rotor, const ServiceReading& reading) {
 }
 
 std::vector<double> flowsOf(const FittedCurve& rotor, std::span<const double> frequency,
-                            std::span<const double> viscosity, std::span<const double> fahrenheit) {
+                            std::span<const double> viscosity, std::span<const double> fahrenheit,
+                            const std::stop_token& stop) {
   requireRotor(rotor);
   if (viscosity.size() != frequency.size() || fahrenheit.size() != frequency.size()) {
     throw BadData({std::to_string(frequency.size()) + " frequencies, " +
@@ -132,6 +133,7 @@ std::vector<double> flowsOf(const FittedCurve& rotor, std::span<const double> fr
   }
   std::vector<double> flows;
   for (std::size_t i = 0; i < frequency.size(); ++i) {
+    if (stop.stop_requested()) throw Cancelled({"computing the flows was cancelled", "", ""});
     const auto strouhal = [&](double hertzPerCentistoke) {
       const double roshko = hertzPerCentistoke * rotor.body().hertzPerCentistoke;
       const double x = rotor.body().settled(roshko);

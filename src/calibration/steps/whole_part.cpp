@@ -9,8 +9,11 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <string_view>
+#include <utility>
 
 namespace pelmora::calibration::steps {
 namespace {
@@ -70,12 +73,20 @@ WholePart readWholePart(Connection& curves, int part, std::int32_t SeriesID) {
     whole.Adrift = std::move(excluded);
     return whole;
   }
-  for (ExcludedRow& row : excluded) {  // by rising number, so that each finds its place free
+  std::vector<WholePoint> rest = std::exchange(whole.Points, {});
+  whole.Points.reserve(rest.size() + excluded.size());
+  auto next = std::make_move_iterator(rest.begin());
+  const auto end = std::make_move_iterator(rest.end());
+  for (ExcludedRow& row : excluded) {  // by rising number
+    const std::ptrdiff_t between = row.Number - 1 - std::ssize(whole.Points);
+    const auto before = next + std::clamp<std::ptrdiff_t>(between, 0, end - next);
+    whole.Points.insert(whole.Points.end(), next, before);
+    next = before;
     WholePoint point{row.Roshko, row.Strouhal, std::nullopt};
-    const auto at = whole.Points.begin() + (row.Number - 1);
     point.Exclusion = std::move(row);
-    whole.Points.insert(at, std::move(point));
+    whole.Points.push_back(std::move(point));
   }
+  whole.Points.insert(whole.Points.end(), next, end);
   return whole;
 }
 

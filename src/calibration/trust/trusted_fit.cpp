@@ -25,6 +25,10 @@ namespace {
 using ReferenceState = solver::reference::PointState;
 using solver::reference::ReferenceCurve;
 
+void throwIfStopped(const std::function<bool()>& stopRequested) {
+  if (stopRequested && stopRequested()) throw solver::reference::Stopped();
+}
+
 // The linear reading of the table may take this part of the test band.
 constexpr double readingShareOfBand = 0.25;
 
@@ -223,6 +227,7 @@ bool fitTrustedPoints(Fit& fit, std::span<const steps::PartPoint> origins,
   if (catalogue.run(run, settings, watch) == steps::RunEnd::stopped) return false;
   std::vector<Soundness> soundness(tried.size());
   const auto test = [&](std::size_t index, const FitModel& model) -> std::optional<std::string> {
+    throwIfStopped(stopRequested);
     soundness[index] = judge.judge(model, fit.trust->flows);
     if (soundness[index].isSound) return std::nullopt;
     return soundness[index].why;
@@ -241,7 +246,8 @@ bool fitTrustedPoints(Fit& fit, std::span<const steps::PartPoint> origins,
     addReferenceCurve(fit, reference, referenceTable(fit, judge));
   if (!fit.accepted()) return true;
   if (fit.settings.spacing == PointSpacing::optimal) {
-    const std::vector<double> optimal = optimalGrid(fit, chosen);
+    const std::vector<double> optimal =
+        optimalGrid(fit, chosen, [&] { throwIfStopped(stopRequested); });
     judge = ReferenceJudge(reference, optimal, fit.settings.band, stopRequested);
     placeTable(fit, optimal, judge, chosen(optimal), catalogue.model() == nullptr);
   }
