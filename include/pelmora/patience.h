@@ -27,4 +27,8 @@ struct Patience {
 // waiting writers starves.
 PELMORA_API ConnectionPtr openDatabase(const std::string& location, const Patience& patience);
 
+// As createCurveDatabase(path); on a server that does not answer, Patience::stopRequested ends the
+// wait with error 0x80004004, and nothing is made.
+PELMORA_API void createCurveDatabase(const std::string& path, const Patience& patience);
+
 }  // namespace pelmora

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "base/run_time_error.h"
 #include "base/server_address.h"
 #include "calibration/session.h"
 #include "history/kept_tables.h"
@@ -32,13 +33,15 @@ Database open(const std::string& location, OpenOptions options) {
 Database create(const std::string& location, OpenOptions options) {
   const std::string shown = shownLocation(location);
   try {
-    createCurveDatabase(location);
+    createCurveDatabase(location, options.patience);
   } catch (const Error& error) {
     constexpr std::int32_t fileExists = 58;
     if (error.number() == fileExists) {
       throw Exists({"'" + shown + "' exists already", shown, "choose another name"},
                    error.number());
     }
+    if (error.number() == operationStopped)
+      throw Cancelled({"creating '" + shown + "' was cancelled", shown, ""}, error.number());
     throw Unusable({error.what(), shown, remedyOf(error)}, error.number());
   }
   Database lab(location, std::move(options));

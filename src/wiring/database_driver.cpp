@@ -133,10 +133,12 @@ OpenedStand openStand(const std::string& location, const Patience& patience,
 
 bool isOpenAsDatabase(const std::string& path) { return isDatabaseInUse(filePath(path)); }
 
-void createCurveDatabase(const std::string& path) {
+void createCurveDatabase(const std::string& path) { createCurveDatabase(path, {}); }
+
+void createCurveDatabase(const std::string& path, [[maybe_unused]] const Patience& patience) {
   if (isServerAddress(path)) {
 #if defined(PELMORA_HAS_POSTGRESQL)
-    return createPostgresCurveDatabase(path);
+    return createPostgresCurveDatabase(path, patience);
 #else
     throw noDriver(path);
 #endif

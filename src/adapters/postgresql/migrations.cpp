@@ -81,8 +81,9 @@ const std::vector<Migration>& curveMigrations() {
 
 int currentMigration() { return curveMigrations().back().number; }
 
-ServerDatabase preparedSession(Client& client, const std::string& shown) {
-  const ServerRows rows = client.run(settings);
+ServerDatabase preparedSession(Client& client, const std::string& shown,
+                               const std::function<bool()>& stopRequested) {
+  const ServerRows rows = client.run(settings, stopRequested);
   ServerDatabase database{textOf(rows, 0), textOf(rows, 1), textOf(rows, 2), numberOf(rows, 5), 0,
                           textOf(rows, 3)};
   if (database.schema.empty()) {
@@ -102,14 +103,14 @@ ServerDatabase preparedSession(Client& client, const std::string& shown) {
 }
 
 int migrate(Client& client, const ServerDatabase& database,
-            const std::vector<Migration>& migrations) {
+            const std::vector<Migration>& migrations, const std::function<bool()>& stopRequested) {
   const Roles roles = rolesOf(database.name, database.schema);
   int applied = 0;
   client.run("BEGIN");
   try {
     // Of two who do it at once, one finds it done.
-    client.run("SELECT pg_advisory_xact_lock(1346718797, 0); " +
-               joined(createRoleStatements(roles)) +
+    client.run("SELECT pg_advisory_xact_lock(1346718797, 0)", stopRequested);
+    client.run(joined(createRoleStatements(roles)) +
                joined(grantStatements(roles, database.schema)) +
                "CREATE TABLE IF NOT EXISTS pelmora_migration (number integer PRIMARY KEY, title "
                "text NOT NULL, applied_at timestamptz NOT NULL DEFAULT now(), applied_by text NOT "
@@ -133,19 +134,19 @@ int migrate(Client& client, const ServerDatabase& database,
 
 }  // namespace postgres
 
-void createPostgresCurveDatabase(const std::string& location) {
+void createPostgresCurveDatabase(const std::string& location, const Patience& patience) {
   using namespace postgres;
   const std::string shown = shownLocation(location);
   try {
-    Client client(connectionAddress(location));
-    const ServerDatabase database = preparedSession(client, shown);
+    Client client(connectionAddress(location), patience.stopRequested);
+    const ServerDatabase database = preparedSession(client, shown, patience.stopRequested);
     const Roles roles = rolesOf(database.name, database.schema);
     if (database.migration >= currentMigration()) {
       throw Error(static_cast<std::int32_t>(RunTimeError::fileExists), "Pelmora",
                   "Database '" + shown + "' is a curve database already.");
     }
     try {
-      migrate(client, database, curveMigrations());
+      migrate(client, database, curveMigrations(), patience.stopRequested);
     } catch (const ServerError& error) {
       if (error.state() != "42501") throw;
       throw Error(static_cast<std::int32_t>(RunTimeError::permissionDenied), "Pelmora",

@@ -33,14 +33,19 @@ struct ServerDatabase {
 };
 
 // Prepares a new connection for the dialect: settings, and the schema in which all names are looked
-// for. Errors: ServerError; Error 321 where the database cannot hold curves.
-[[nodiscard]] ServerDatabase preparedSession(Client& client, const std::string& shown);
+// for. `stopRequested`: as for Client::run; may be empty.
+//
+// Errors: ServerError; Error 321 where the database cannot hold curves.
+[[nodiscard]] ServerDatabase preparedSession(Client& client, const std::string& shown,
+                                             const std::function<bool()>& stopRequested = {});
 
 // Applies those of `migrations` that the database does not have, with the roles, in one
-// transaction. The number of migrations applied.
+// transaction. The number of migrations applied. `stopRequested` also ends the wait for somebody
+// else who does the same.
 //
 // Errors: ServerError; nothing is then changed.
 int migrate(Client& client, const ServerDatabase& database,
-            const std::vector<Migration>& migrations);
+            const std::vector<Migration>& migrations,
+            const std::function<bool()>& stopRequested = {});
 
 }  // namespace pelmora::postgres

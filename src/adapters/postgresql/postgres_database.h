@@ -22,7 +22,8 @@ namespace pelmora {
 // address, which must exist, or brings an older curve database up to date. In one transaction.
 //
 // Errors: Error 58 if there is a curve database of this version already, 70 if the user may not do
-//         it; another Error as above. Nothing is then changed.
-void createPostgresCurveDatabase(const std::string& location);
+//         it, operationStopped if Patience::stopRequested has ended the wait for an answer; another
+//         Error as above. Nothing is then changed.
+void createPostgresCurveDatabase(const std::string& location, const Patience& patience = {});
 
 }  // namespace pelmora

@@ -65,7 +65,7 @@ void PostgresSession::connect() {
   try {
     auto client =
         std::make_unique<Client>(connectionAddress(location_), turn_.patience().stopRequested);
-    database_ = preparedSession(*client, shown_);
+    database_ = preparedSession(*client, shown_, turn_.patience().stopRequested);
     client_ = std::move(client);
   } catch (const ServerError& error) {
     const ServerError clean(

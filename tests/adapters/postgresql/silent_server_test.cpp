@@ -61,5 +61,17 @@ TEST(silent_server, is_left_at_whatever_question_says_so) {
   }
 }
 
+TEST(silent_server, gets_no_curve_database_once_somebody_says_so) {
+  const SilentServer server;
+  int asked = 0;
+  const auto failure = test::failureOf([&] {
+    createPostgresCurveDatabase(
+        server.address(),
+        {.limit = 250ms, .goesOn = {}, .stopRequested = [&] { return ++asked == 3; }});
+  });
+  EXPECT_EQ(failure.number, operationStopped) << failure.description;
+  EXPECT_EQ(asked, 3);
+}
+
 }  // namespace
 }  // namespace pelmora
