@@ -6,6 +6,9 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <string_view>
 
 namespace pelmora::cli {
@@ -18,6 +21,17 @@ constexpr int firstSignalCode = 128;  // as shells count
 std::atomic<int> caught = 0;
 static_assert(std::atomic<int>::is_always_lock_free);
 std::array<struct sigaction, signals.size()> before{};
+
+// Short beside what a person takes for an answer at once.
+constexpr std::chrono::milliseconds betweenLooks(20);
+
+// In a thread, so that they end the waits of another one.
+void blockSignals() {
+  sigset_t all;
+  sigemptyset(&all);
+  for (const int signal : signals) sigaddset(&all, signal);
+  pthread_sigmask(SIG_BLOCK, &all, nullptr);
+}
 
 void endAtOnce(int signal) {
   constexpr std::string_view line =
@@ -54,6 +68,17 @@ bool isInterrupted() noexcept { return caught.load(std::memory_order_relaxed) !=
 void requireNotInterrupted() {
   if (const int signal = caught.load(std::memory_order_relaxed)) throw Interrupted{signal};
 }
+
+StopAtSignal::StopAtSignal()
+    : watch_([source = source_](const std::stop_token& isDone) mutable {
+        blockSignals();
+        std::mutex mutex;
+        std::condition_variable_any sleep;
+        std::unique_lock lock(mutex);
+        while (!isDone.stop_requested() && !isInterrupted())
+          sleep.wait_for(lock, isDone, betweenLooks, [] { return false; });
+        if (isInterrupted()) source.request_stop();
+      }) {}
 
 int exitCodeOf(const Interrupted& interruption) noexcept {
   return firstSignalCode + interruption.signal;

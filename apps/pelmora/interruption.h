@@ -2,6 +2,9 @@
 // after any other trouble. SPDX-License-Identifier: MIT
 #pragma once
 
+#include <stop_token>
+#include <thread>
+
 namespace pelmora::cli {
 
 // What ends a run that was asked to. No std::exception: what handles errors lets it through.
@@ -24,6 +27,18 @@ class InterruptionHandlers {
 
 // Long work and waits call it between their steps. Errors: Interrupted.
 void requireNotInterrupted();
+
+// Requests a stop soon after one of the signals has come: a handler can only set a flag.
+class StopAtSignal {
+ public:
+  StopAtSignal();
+
+  [[nodiscard]] std::stop_token token() const { return source_.get_token(); }
+
+ private:
+  std::stop_source source_;
+  std::jthread watch_;
+};
 
 // How a run ends that a signal has ended.
 [[nodiscard]] int exitCodeOf(const Interrupted& interruption) noexcept;

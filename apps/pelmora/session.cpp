@@ -3,7 +3,6 @@
 
 #include "apps/pelmora/failure_trouble.h"
 #include "apps/pelmora/input/sheet_input.h"
-#include "apps/pelmora/interruption.h"
 #include "apps/pelmora/lock_holder.h"
 #include "apps/pelmora/options/names.h"
 
@@ -28,6 +27,7 @@ calibration::Observer Session::observer() {
     requireNotInterrupted();
     progress_.show(text);
   };
+  observer.stop = stop_.token();
   return observer;
 }
 

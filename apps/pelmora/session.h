@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "apps/pelmora/interruption.h"
 #include "apps/pelmora/options/database_option.h"
 #include "apps/pelmora/output/progress.h"
 
@@ -26,7 +27,7 @@ class Session {
   [[nodiscard]] Progress& progress() { return progress_; }
   [[nodiscard]] const std::string& path() const { return curves_.path; }
   [[nodiscard]] const DatabaseOption& curves() const { return curves_; }
-  // Shows the steps of an operation; a signal ends it with Interrupted.
+  // Shows the steps of an operation; a signal ends it at one of them, or where it looks for a stop.
   [[nodiscard]] calibration::Observer observer();
   // Opens a stand for reading, with the wait of the curve database.
   //
@@ -36,6 +37,7 @@ class Session {
  private:
   DatabaseOption curves_;
   Progress progress_;
+  StopAtSignal stop_;
   std::optional<calibration::Database> database_;
 };
 

@@ -93,6 +93,18 @@ TEST_F(interruption, of_a_wait_for_a_lock_changes_nothing) {
   sqlite3_close(other);
 }
 
+// Without an answer to the signal, the draws for all values would last longer than any test may.
+TEST_F(interruption, of_a_monte_carlo_check_ends_it) {
+  done({"fit", curves, "--meter", "P", "--series", "S", "--band", "5"});
+  std::vector<std::string> arguments{"evaluate", curves, "--meter",       "P",
+                                     "--series", "S",    "--monte-carlo", "100000000"};
+  for (int i = 0; i < 20000; ++i) arguments.push_back(std::to_string(20 + i * 0.01));
+  RunningCommand command(arguments, {});
+  ASSERT_TRUE(comesTrue([&] { return command.processorSeconds() > 1; }));
+  command.send(SIGINT);
+  EXPECT_EQ(command.end(), 130);
+}
+
 TEST_F(interruption, that_comes_twice_ends_at_once) {
   const PseudoTerminal terminal;
   RunningCommand command = waitingFit(terminal);

@@ -19,6 +19,7 @@
 
 #include <cmath>
 #include <memory>
+#include <stop_token>
 
 namespace pelmora::cli {
 namespace {
@@ -70,17 +71,18 @@ void convert(Evaluated& value, const ShownUnits& units, bool isInverse, double n
 }
 
 std::vector<Evaluated> evaluated(const FittedCurve& curve, const EvaluateRequest& request,
-                                 const ShownUnits& units) {
+                                 const ShownUnits& units, const std::stop_token& stop) {
+  EvaluateOptions options = request.options;
+  options.stop = stop;
   std::vector<Evaluated> values;
   for (const std::string& text : request.numbers) {
     const double given = numberOption(request.isInverse ? "STROUHAL" : "ROSHKO", text);
     const double number = given / (request.isInverse ? units.strouhal.factor : units.roshko.factor);
     Evaluated value;
-    value.estimate = request.isInverse ? curve.inverse(number, request.options)
-                                       : curve.at(number, request.options);
+    value.estimate = request.isInverse ? curve.inverse(number, options) : curve.at(number, options);
     value.bands = request.isInverse ? curve.table().inverse(number) : curve.table()(number);
     if (request.trials > 0 && value.estimate.budget) {
-      value.check = curve.monteCarlo(value.estimate.roshko, request.options,
+      value.check = curve.monteCarlo(value.estimate.roshko, options,
                                      static_cast<std::size_t>(request.trials));
     }
     convert(value, units, request.isInverse, given);
@@ -203,9 +205,10 @@ void evaluate(const EvaluateRequest& request) {
   const calibration::Database& lab = session.database();
   const calibration::Meter meter = lab.meter(request.meter, request.calibration);
   const calibration::StoredSeries series = lab.series(meter, request.series);
-  const FittedCurve curve = lab.fittedCurve(series, session.observer());
+  const calibration::Observer observer = session.observer();
+  const FittedCurve curve = lab.fittedCurve(series, observer);
   const ShownUnits units = shownUnits(lab, series, request.units);
-  const std::vector<Evaluated> values = evaluated(curve, request, units);
+  const std::vector<Evaluated> values = evaluated(curve, request, units, observer.stop);
   session.progress().clear();
   noteOldCurves(session.path(), request.calibration, {series});
   if (!request.asJson) return printData(valuesText(curve, values, request, units));

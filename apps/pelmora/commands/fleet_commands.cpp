@@ -23,8 +23,6 @@
 #include <array>
 #include <chrono>
 #include <memory>
-#include <stop_token>
-#include <thread>
 
 namespace pelmora::cli {
 namespace {
@@ -141,15 +139,8 @@ calibration::FleetWork work(const WorkerRequest& request) {
                   " stored");
   };
   calibration::Observer observer;
-  std::stop_source stop;
-  observer.stop = stop.get_token();
-  // Signals only set a flag: someone has to look at it.
-  const std::jthread watch([&](const std::stop_token& isDone) {
-    while (!isDone.stop_requested()) {
-      if (isInterrupted()) stop.request_stop();
-      std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    }
-  });
+  const StopAtSignal stop;
+  observer.stop = stop.token();
   return calibration::workOnFleet(request.curves.path, options, observer);
 }
 

@@ -104,7 +104,7 @@ void refit(const RefitRequest& request) {
   options.change = request.choices.change();
   options.isStrict = request.choices.isStrict;
   options.portionStored = [&](std::size_t curves) { noteSeriesStored(curves, tasks.size()); };
-  calibration::Observer observer;
+  calibration::Observer observer = session.observer();
   observer.progress = [&](std::size_t done, std::size_t of) {
     requireNotInterrupted();
     session.progress().count("Refitting", done, of);
