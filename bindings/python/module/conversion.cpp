@@ -24,6 +24,11 @@ py::object orNone(const std::string& text) {
   return textOf(text);
 }
 
+void takeTurns() {
+  if (PyErr_CheckSignals() != 0) throw py::error_already_set();
+  const py::gil_scoped_release others;
+}
+
 PointArray pointsOf(const Column& roshko, const Column& strouhal) {
   if (roshko.ndim() != 1 || strouhal.ndim() != 1 || roshko.size() != strouhal.size())
     throw py::value_error("roshko and strouhal must be one-dimensional and of equal length");

@@ -28,6 +28,10 @@ template <class T>
 }
 [[nodiscard]] py::object orNone(const std::string& text);
 
+// Between the portions of long work under the interpreter lock: a signal ends it, and other threads
+// get their turn. Errors: what the signal's handler raised.
+void takeTurns();
+
 // Copies two columns of equal length. Errors: ValueError for anything else.
 [[nodiscard]] PointArray pointsOf(const Column& roshko, const Column& strouhal);
 

@@ -58,12 +58,6 @@ double placeIn(const cal::Curve& curve, double roshko, py::ssize_t index, bool e
                          "through the last two points"});
 }
 
-// Between the portions of a long evaluation: a signal ends it, and other threads get their turn.
-void takeTurns() {
-  if (PyErr_CheckSignals() != 0) throw py::error_already_set();
-  const py::gil_scoped_release others;
-}
-
 template <class Value>
 py::array_t<double> atEach(const Column& places, Value value) {
   constexpr py::ssize_t portion = 64;
@@ -162,8 +156,14 @@ py::array_t<double> slope(const CurveHandle& curve, const Column& roshko, bool e
 py::array_t<double> flow(const CurveHandle& curve, const Column& frequency, const Column& viscosity,
                          const Column& fahrenheit) {
   const auto size = static_cast<std::size_t>(frequency.size());
-  return arrayOf(cal::flowsOf(curve.function(), {frequency.data(), size}, {viscosity.data(), size},
-                              {fahrenheit.data(), size}));
+  const std::span<const double> hertz(frequency.data(), size), centistokes(viscosity.data(), size),
+      degrees(fahrenheit.data(), size);
+  const cal::FittedCurve& function = curve.function();
+  std::vector<double> flows;
+  watched({}, [&](const cal::Observer& observer) {
+    flows = cal::flowsOf(function, hertz, centistokes, degrees, observer.stop);
+  });
+  return arrayOf(flows);
 }
 
 py::array tableOf(const py::object& self) {

@@ -6,7 +6,10 @@
 #include <pelmora/calibration/failure.h>
 #include <pelmora/calibration/stand.h>
 
+#include <cctype>
 #include <exception>
+#include <string>
+#include <utility>
 
 namespace pelmora::python {
 namespace {
@@ -28,8 +31,11 @@ const char* classOf(const cal::Failure& failure) {
   return "Error";
 }
 
-// With the arguments that settle how a text file is read.
+// With the arguments that settle how a text file is read, or what to do about a range.
 std::string remedyOf(const cal::Failure& failure) {
+  const auto* range = dynamic_cast<const cal::OutOfRange*>(&failure);
+  if (range != nullptr && range->requested() && range->requested()->min < range->requested()->max)
+    return failure.remedy() + ": outside=\"whole\" or \"extrapolate\"";
   const auto* text = dynamic_cast<const cal::UnreadableText*>(&failure);
   if (text == nullptr) return failure.remedy();
   switch (text->doubt()) {
@@ -41,8 +47,20 @@ std::string remedyOf(const cal::Failure& failure) {
   return failure.remedy();
 }
 
-void raise(const char* name, const std::string& what, const std::string& where,
-           const std::string& remedy) {
+// Sentences that end in what to do, as the adapters write them: "... does not exist. Create it".
+std::pair<std::string, std::string> withRemedy(const std::string& what, const std::string& remedy) {
+  const std::size_t end = what.rfind(". ");
+  // Names are quoted, and may hold anything.
+  if (!remedy.empty() || end == std::string::npos || what.find('\'', end) != std::string::npos)
+    return {what, remedy};
+  std::string last = what.substr(end + 2);
+  last.front() = static_cast<char>(std::tolower(static_cast<unsigned char>(last.front())));
+  return {what.substr(0, end), last};
+}
+
+void raise(const char* name, const std::string& text, const std::string& where,
+           const std::string& toDo) {
+  const auto [what, remedy] = withRemedy(text, toDo);
   const py::object type = py::module_::import("pelmora.errors").attr(name);
   const py::object error =
       type(textOf(what), py::arg("where") = textOf(where), py::arg("remedy") = textOf(remedy));

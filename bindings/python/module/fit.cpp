@@ -84,6 +84,10 @@ py::list equationsOf(const cal::EquationList& list) {
 void bindFit(py::module_& module) {
   py::class_<FitResult>(module, "Fit")
       .def_property_readonly("accepted", [](const FitResult& fit) { return fit->accepted(); })
+      .def_property_readonly("chosen",
+                             [](const FitResult& fit) {
+                               return fit->accepted() ? textOf(fit->chosen().Name) : py::str();
+                             })
       .def_property_readonly(
           "reason",
           [](const FitResult& fit) {

@@ -11,6 +11,8 @@
 #include <pelmora/calibration/refit.h>
 #include <pelmora/calibration/values.h>
 
+#include <cstddef>
+
 namespace pelmora::python {
 
 [[nodiscard]] py::dict recordOf(const calibration::Run& run);
@@ -31,8 +33,12 @@ namespace pelmora::python {
 
 template <class Values>
 [[nodiscard]] py::list recordsOf(const Values& values) {
+  constexpr std::size_t portion = 1024;
   py::list list;
-  for (const auto& value : values) list.append(recordOf(value));
+  for (const auto& value : values) {
+    list.append(recordOf(value));
+    if (list.size() % portion == 0) takeTurns();
+  }
   return list;
 }
 

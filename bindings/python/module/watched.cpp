@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "bindings/python/module/watched.h"
 
+#include "bindings/python/module/crew.h"
+
 #include <chrono>
 #include <condition_variable>
 #include <exception>
 #include <mutex>
 #include <optional>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -81,14 +82,15 @@ void watched(const Callbacks& callbacks,
   std::optional<py::error_already_set> interruption;
   {
     const py::gil_scoped_release released;
-    std::thread worker([&] {
-      try {
-        work(observer);
-      } catch (...) {
-        failure = std::current_exception();
-      }
-      mailbox.finish();
-    });
+    inAnotherThread(
+        [&] {
+          try {
+            work(observer);
+          } catch (...) {
+            failure = std::current_exception();
+          }
+        },
+        [&mailbox] { mailbox.finish(); });
     for (bool isDone = false; !isDone;) {
       const News news = mailbox.take();
       isDone = news.isDone;
@@ -102,7 +104,6 @@ void watched(const Callbacks& callbacks,
         stop.request_stop();
       }
     }
-    worker.join();
   }
   if (interruption) throw py::error_already_set(*interruption);
   if (failure) std::rethrow_exception(failure);

@@ -16,7 +16,7 @@ struct Callbacks {
   py::object progress = py::none();  // progress(done, of)
 };
 
-// Runs `work` in a thread of its own with the interpreter lock released. The calling thread waits,
+// Runs `work` in another thread with the interpreter lock released. The calling thread waits,
 // calls the callbacks and answers signals; an exception from either requests a stop and is raised
 // once `work` has ended. Of progress that comes faster than the callback takes it, only the latest
 // is passed on.

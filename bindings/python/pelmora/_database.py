@@ -16,13 +16,15 @@ from ._imports import Calibration, Import, import_of, wanted_import
 from ._meter import Meter
 from ._places import Place
 from ._progress import Progress, progress_function, status_function
-from ._records import Table
+from ._records import Table, json_text, to_frame
 from ._series import Series
 from .errors import BadData, MissingFile, NoFit, NotFound
 
 if TYPE_CHECKING:
     import datetime
     from types import TracebackType
+
+    import pandas
 
     Path = Union[str, os.PathLike[str]]
 
@@ -203,6 +205,18 @@ class Database(Place):
             raise BadData(f"{series!r} is in another database, {series._database.location}", where="series",
                           remedy="refit it there")
         return series.meter._key, series.name
+
+    def to_frame(self) -> pandas.DataFrame:
+        """A row for each calibration, as `pelmora.to_frame(db.meters())`. Needs pandas."""
+        return to_frame(self.meters())
+
+    def to_dict(self) -> dict[str, Any]:
+        """The location and every calibration."""
+        return {"location": self.location, "meters": [meter.to_dict() for meter in self.meters()]}
+
+    def to_json(self) -> str:
+        """As to_dict()."""
+        return json_text(self.to_dict())
 
     def __repr__(self) -> str:
         return f"<Database {self.location!r}, {'closed' if self.closed else 'mode ' + repr(self._mode)}>"

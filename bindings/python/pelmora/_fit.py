@@ -93,7 +93,7 @@ class Fit:
     @property
     def chosen(self) -> str:
         """The name of the chosen equation; empty if there is none."""
-        return self.equations[0].name if self.accepted else ""
+        return self._result.chosen
 
     @property
     def reason(self) -> str:
@@ -130,7 +130,7 @@ class Fit:
         """Every equation of the catalogue, from best to worst; to_frame() for pandas."""
         if self._equations is None:
             self._equations = Table((EquationResult(**record) for record in self._result.equations()), EquationResult)
-        return self._equations
+        return self._equations[:]  # a list of the caller's own
 
     @property
     def points(self) -> Table[JudgedPoint]:

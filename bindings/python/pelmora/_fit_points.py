@@ -6,6 +6,7 @@ from collections.abc import Iterable
 from typing import TYPE_CHECKING, Any, Optional, Union
 
 from . import _numbers, _pelmora
+from ._cautions import caution
 from ._fit import Fit
 from ._progress import Progress, progress_function, status_function
 from ._settings import Equations, fit_settings
@@ -51,13 +52,16 @@ def fit(roshko: Any, strouhal: Any, *, part: Any = None, data: Any = None, band:
         "extrapolate".
     progress: a function of (done, of), a tqdm bar, or True. status: a function of a text.
 
-    Errors: BadData for columns that are not numbers, have NaN or different lengths; OutOfRange; NoFit if no equation
-        passes the tests: its ``fit`` has what was tried.
+    Columns that look like a mistake, such as a Strouhal number that never changes, are fitted with a PelmoraWarning.
+
+    Errors: BadData for columns that are not numbers, have NaN or different lengths, and for a single Roshko number;
+        OutOfRange; NoFit if no equation passes the tests: its ``fit`` has what was tried.
 
     >>> fit = pelmora.fit(frame["roshko"], frame["strouhal"])
     >>> fit.curve(120.0)
     """
     x, y = _numbers.columns(_numbers.column_of(data, roshko, "roshko"), _numbers.column_of(data, strouhal, "strouhal"))
+    _numbers.require_curve(x, y)
     settings = fit_settings(band=band, points=points, min=min, max=max, fit_min=fit_min, fit_max=fit_max,
                             choose=choose, equations=equations, only=only, without=without, max_order=max_order,
                             ratio=ratio, inverted=inverted, merge_band=merge_band, cut_overlap=cut_overlap,
@@ -78,7 +82,8 @@ def _parts(x: Floats, y: Floats, part: Iterable[Any]) -> list[tuple[Floats, Floa
         place = _numbers.label(part, int(np.isnan(labels).argmax()))
         raise BadData(f"part is NaN at {place}", where="part", remedy="leave those points out first: frame.dropna()")
     if labels.shape != x.shape:
-        raise BadData(f"part has {labels.size} values for {len(x)} points", where="part",
+        what = f"is {part!r:.60}" if labels.ndim == 0 else f"has {labels.size} values for {len(x)} points"
+        raise BadData(f"part {what}", where="part",
                       remedy="pass one value for each point")
     distinct = list(dict.fromkeys(labels.tolist()))
     if all(isinstance(label, (int, float)) for label in distinct):
@@ -86,4 +91,8 @@ def _parts(x: Floats, y: Floats, part: Iterable[Any]) -> list[tuple[Floats, Floa
     if len(distinct) > 4:
         raise BadData(f"part has {len(distinct)} different values", where="part",
                       remedy="pass at most four: a run in one fluid each")
+    for label in distinct:
+        if (labels == label).sum() == 1:
+            caution(f"part {label!r} has a single point, which is not fitted; leave the point out, or put it into "
+                    "another part")
     return [(x[labels == label], y[labels == label]) for label in distinct]

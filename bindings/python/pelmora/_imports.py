@@ -52,6 +52,9 @@ class Calibration(Record):
         """The calibration."""
         return self.imported.meter
 
+    def _repr_html_(self) -> str:
+        return self.meter._repr_html_()
+
 
 def wanted_import(serial: Any, stand: Any, runs: Any, *, operator: Any, stand_number: Any, position: Any, date: Any,
                   new_calibration: Any, update: Any, separator: Any, decimal: Any, wait: float) -> dict[str, Any]:

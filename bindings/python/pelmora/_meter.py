@@ -13,7 +13,7 @@ from ._details import Detail, changes_of, values_of
 from ._history import HistoryEntry, entries_of
 from ._places import Place
 from ._points import dropped_of
-from ._records import Record, Table, frame_of, json_text
+from ._records import Record, Table, frame_of, json_text, pandas_module
 from ._series import Series
 from .errors import BadData, MissingFile, NotFound, Unusable
 
@@ -55,6 +55,20 @@ class SeriesByName(Place, Mapping[str, Series]):
 
     def __contains__(self, name: object) -> bool:
         return name in self._meter._database.series_of(self._meter._key)
+
+    def to_frame(self) -> pandas.DataFrame:
+        """A row for each series with the columns name, points and equation. Needs pandas."""
+        rows = [{"name": one.name, "points": sum(map(len, one.parts.values())), "equation": one._stored().equation}
+                for one in self.values()]
+        return pandas_module().DataFrame(rows, columns=["name", "points", "equation"])
+
+    def to_dict(self) -> dict[str, Any]:
+        """Every series by its name, as `Series.to_dict` gives it."""
+        return {name: series.to_dict() for name, series in self.items()}
+
+    def to_json(self) -> str:
+        """As to_dict()."""
+        return json_text(self.to_dict())
 
     def __repr__(self) -> str:
         return repr(list(self))

@@ -5,6 +5,7 @@ from __future__ import annotations
 from collections.abc import Callable
 from typing import TYPE_CHECKING, Any
 
+from ._cautions import caution
 from .errors import BadData, NotFound
 
 if TYPE_CHECKING:
@@ -30,8 +31,13 @@ def numbers(values: Any, name: str) -> Floats:
 
     array = np.asarray(values)
     if array.ndim != 1:
-        what = "a single number" if array.ndim == 0 else f"an array of shape {array.shape}"
-        raise BadData(f"{name} is {what}", where=name, remedy="pass one column: a list, an array or a Series")
+        what = f"{values!r:.60}" if array.ndim == 0 else f"an array of shape {array.shape}"
+        raise BadData(f"{name} is {what}", where=name,
+                      remedy='pass one column: a list, an array or a Series, such as frame["name"]')
+    mask: Any = getattr(values, "mask", None) if isinstance(values, np.ma.MaskedArray) else None
+    if mask is not None and array.dtype.kind in "fiu":
+        present: Floats = np.where(mask, np.nan, array.astype(np.float64))
+        return present
     if array.dtype.kind in "fiu":
         return np.ascontiguousarray(array, dtype=np.float64)
     if array.dtype.kind == "O":
@@ -41,10 +47,11 @@ def numbers(values: Any, name: str) -> Floats:
         return converted
     if array.size == 0:
         return np.empty(0)
-    held = {"U": "texts", "S": "texts", "b": "truth values", "M": "dates", "m": "times", "c": "complex numbers"}
-    shown = f", {array[0].item()!r} to begin with" if array.dtype.kind in "US" else ""
-    raise BadData(f"{name} holds {held.get(array.dtype.kind, str(array.dtype))}, not numbers{shown}", where=name,
-                  remedy="check that it is the right column; pandas.to_numeric turns texts into numbers")
+    held = {"S": "bytes", "b": "truth values", "M": "dates", "m": "times", "c": "complex numbers"}
+    if array.dtype.kind == "U":
+        _number(array[0].item(), values, 0, name)
+    raise BadData(f"{name} holds {held.get(array.dtype.kind, str(array.dtype))}, not real numbers", where=name,
+                  remedy="check that it is the right column")
 
 
 def _number(value: Any, values: Any, position: int, name: str) -> float:
@@ -52,9 +59,37 @@ def _number(value: Any, values: Any, position: int, name: str) -> float:
         return float("nan")
     if isinstance(value, (bool, str)) or not hasattr(value, "__float__"):
         raise BadData(f"{name} has {value!r} at {label(values, position)}, which is not a number", where=name,
-                      remedy="check that it is the right column; pandas.to_numeric(..., errors='coerce') turns "
-                             "texts into numbers and the rest into NaN, dropna() drops those")
+                      remedy=_remedy_for(value))
     return float(value)
+
+
+def _remedy_for(value: Any) -> str:
+    if not isinstance(value, str):
+        return "check that it is the right column"
+    try:
+        float(value.replace(",", ".", 1))
+    except ValueError:
+        return ("check that it is the right column; pandas.to_numeric(..., errors='coerce') turns texts into numbers and "
+                "the rest into NaN, dropna() drops those")
+    if "," in value:
+        return "its decimal sign is a comma: read the file with pandas.read_csv(..., decimal=',')"
+    return "turn the texts into numbers, with pandas.to_numeric or numpy.asarray(..., dtype=float)"
+
+
+def require_curve(roshko: Floats, strouhal: Floats) -> None:
+    """Whether the columns can be those of one curve. Errors: BadData; a PelmoraWarning for what is unlikely."""
+    if roshko.min() == roshko.max():
+        raise BadData(f"roshko is {roshko[0]:g} at every point, and a curve needs several flows", where="roshko",
+                      remedy="check that it is the right column")
+    if not strouhal.any():
+        raise BadData("strouhal is 0 at every point", where="strouhal", remedy="check that it is the right column")
+    if strouhal.min() == strouhal.max():
+        caution(f"strouhal is {strouhal[0]:g} at every point; check that it is the right column")
+    elif (roshko == strouhal).all():
+        caution("roshko and strouhal are the same numbers; check that they are the right columns")
+    elif roshko.min() > 0 and strouhal.min() > 0 and \
+            roshko.max() < 1.5 * roshko.min() and strouhal.max() > 10 * strouhal.min():
+        caution("roshko is nearly level and strouhal is not; check that they have not changed places")
 
 
 def finite(values: Any, name: str) -> Floats:
@@ -116,6 +151,8 @@ def through(values: Any, result: str, function: Callable[[Floats], Floats], argu
     """
     import numpy as np
 
+    if values is None:
+        raise BadData(f"{argument} is None", where=argument, remedy="pass a number, a list, an array or a Series")
     if isinstance(values, (int, float)) and not isinstance(values, bool):
         return float(function(np.array([values], dtype=np.float64))[0])
     if is_series(values):

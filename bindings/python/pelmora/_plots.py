@@ -5,7 +5,7 @@ from __future__ import annotations
 from collections.abc import Callable
 from typing import TYPE_CHECKING, Any
 
-from .errors import Error, NotFound
+from .errors import BadData, Error, NotFound
 
 if TYPE_CHECKING:
     import numpy as np
@@ -25,6 +25,8 @@ def _axes(ax: Any, ordinate: str = "Strouhal") -> Any:
             raise Error("matplotlib is not installed", where="plot()",
                         remedy="install matplotlib; a notebook shows the object itself without it") from None
         ax = pyplot.subplots(layout="constrained")[1]
+    if not hasattr(ax, "has_data"):
+        raise BadData(f"ax is {ax!r:.60}", where="ax", remedy="pass matplotlib Axes, or None for new ones")
     if not ax.has_data():
         ax.set_xscale("log")
         ax.set_xlabel("Roshko")

@@ -2,8 +2,8 @@
 # SPDX-License-Identifier: MIT
 from __future__ import annotations
 
-from collections.abc import Iterable, Iterator, Sequence
-from typing import TYPE_CHECKING, Any, Generic, TypeVar, overload
+from collections.abc import Iterable, Sequence
+from typing import TYPE_CHECKING, Any, SupportsIndex, TypeVar, overload
 
 from .errors import BadData, Error
 
@@ -69,6 +69,11 @@ class Record:
     def _fields(cls) -> list[str]:
         return [name for name in cls.__annotations__ if not name.startswith("_")]
 
+    @classmethod
+    def _is_number(cls, name: str) -> bool:
+        kinds = (base.__dict__.get("__annotations__", {}).get(name) for base in cls.__mro__)
+        return any(kind in ("float", "Optional[float]") for kind in kinds)
+
     def to_dict(self) -> dict[str, Any]:
         """The fields by name."""
         return {name: getattr(self, name) for name in self._fields()}
@@ -79,7 +84,10 @@ class Record:
 
     def to_frame(self) -> pandas.DataFrame:
         """The fields as a frame of one row."""
-        return frame_of([self])
+        return Table([self], type(self)).to_frame()
+
+    def _repr_html_(self) -> str:
+        return html_table([row_of(self)])
 
 
 def row_of(item: Any) -> dict[str, Any]:
@@ -97,34 +105,23 @@ def frame_of(items: Iterable[Any], columns: Sequence[str] = ()) -> Any:
 R = TypeVar("R", bound=Record)
 
 
-class Table(Sequence[R], Generic[R]):
-    """Records in a fixed order: a sequence that turns into a frame, a list of dictionaries or JSON."""
+class Table(list[R]):
+    """Records in a fixed order: a list that turns into a frame, a list of dictionaries or JSON."""
 
     def __init__(self, records: Iterable[R], kind: type[R]) -> None:
-        self._records = tuple(records)
+        super().__init__(records)
         self._kind = kind
 
     @overload
-    def __getitem__(self, index: int) -> R: ...
+    def __getitem__(self, index: SupportsIndex) -> R: ...
 
     @overload
     def __getitem__(self, index: slice) -> Table[R]: ...
 
-    def __getitem__(self, index: int | slice) -> R | Table[R]:
+    def __getitem__(self, index: SupportsIndex | slice) -> R | Table[R]:
         if isinstance(index, slice):
-            return Table(self._records[index], self._kind)
-        return self._records[index]
-
-    def __len__(self) -> int:
-        return len(self._records)
-
-    def __iter__(self) -> Iterator[R]:
-        return iter(self._records)
-
-    def __eq__(self, other: object) -> bool:
-        return isinstance(other, Sequence) and list(self) == list(other)
-
-    __hash__ = None  # type: ignore[assignment]
+            return Table(super().__getitem__(index), self._kind)
+        return super().__getitem__(index)
 
     def __repr__(self) -> str:
         if not self:
@@ -137,7 +134,9 @@ class Table(Sequence[R], Generic[R]):
     def to_frame(self) -> pandas.DataFrame:
         """A row for each record. Needs pandas."""
         columns = [name for name in self._kind._fields() if name not in self._kind._nested]
-        return frame_of(self, columns)
+        frame = frame_of(self, columns)
+        numbers = {name: "float64" for name in columns if self._kind._is_number(name)}
+        return frame.astype(numbers)  # a column of nothing but None, too
 
     def to_dict(self) -> list[dict[str, Any]]:
         """A dictionary for each record."""

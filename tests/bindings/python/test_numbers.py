@@ -48,10 +48,45 @@ def test_a_wrong_column_is_named(points):
     frame = pandas.DataFrame({"roshko": points[0], "strouhal": points[1], "note": ["ok"] * 30, "good": [True] * 30})
     assert "'ok'" in refused(frame["roshko"], frame["note"]) and "column" in refused(frame["roshko"], frame["note"])
     assert "truth values" in refused(frame["roshko"], frame["good"])
-    assert "texts" in refused(points[0], np.array(["1.5"] * 30))
+    assert "turn the texts into numbers" in refused(points[0], np.array(["1.5"] * 30))
+    assert "decimal=','" in refused(points[0], ["1,5"] * 30)
     assert "dates" in refused(points[0], np.array(["2026-01-01"] * 30, dtype="datetime64[D]"))
     assert "shape (30, 4)" in refused(frame["roshko"], frame)
-    assert "single number" in refused(1.0, 2.0)
+    assert "roshko is 1.0; pass one column" in refused(1.0, 2.0)
+    assert "roshko is None" in refused(None, points[1])
+
+
+def test_masked_points_are_missing(points):
+    assert "roshko is NaN at position 29" in refused(np.ma.masked_greater(points[0], 5999), points[1])
+
+
+def test_columns_without_a_curve_are_refused(points):
+    assert "roshko is 100 at every point" in refused(np.full(30, 100.0), points[1])
+    assert "strouhal is 0 at every point" in refused(points[0], np.zeros(30))
+
+
+@pytest.mark.parametrize("columns, text", [
+    (lambda x, y: (x, np.full(30, 1001)), "strouhal is 1001 at every point; check"),
+    (lambda x, y: (x, x), "the same numbers; check"), (lambda x, y: (y, x), "changed places")])
+def test_columns_that_are_probably_others_are_fitted_with_a_warning(points, columns, text):
+    with pytest.warns(pelmora.PelmoraWarning, match=text) as caught:
+        try:
+            pelmora.fit(*columns(*points))
+        except pelmora.NoFit:
+            pass
+    assert caught[0].filename == __file__
+
+
+def test_a_part_of_one_point_is_named(points):
+    with pytest.warns(pelmora.PelmoraWarning, match="part 2 has a single point"):
+        pelmora.fit(*points, part=[1] * 29 + [2])
+
+
+def test_a_range_beyond_the_points_says_what_to_pass(points):
+    with pytest.raises(pelmora.OutOfRange, match="beyond the points, which") as caught:
+        pelmora.fit(*points, min=1)
+    assert 'outside="whole" or "extrapolate"' in caught.value.remedy
+    assert pelmora.fit(*points, min=1, outside="whole").range == (40, 6000)
 
 
 def test_columns_can_be_named_of_a_frame(points):
@@ -128,9 +163,10 @@ def test_points_are_sorted_by_roshko():
     lambda db, series: series.fit().curve.eval_uncertainty(100.0, k=0),
     lambda db, series: series.fit().curve.eval_uncertainty(100.0, kind="expanded", viscosity="thin"),
     lambda db, series: series.fit().curve(100.0, reading=1), lambda db, series: series.fit().curve("100"),
+    lambda db, series: series.fit().curve(None), lambda db, series: series.fit().curve.plot(ax=3),
     lambda db, series: series.fit().curve.flow(100.0, "thin"), lambda db, series: series.meter.report(5),
     lambda db, series: series.meter.set_stand_uncertainty(5), lambda db, series: pelmora.open(None),
-    lambda db, series: pelmora.open(db.location, wait="long"), lambda db, series: pelmora.to_frame(db),
+    lambda db, series: pelmora.open(db.location, wait="long"), lambda db, series: pelmora.to_frame(5),
     lambda db, series: pelmora.fit("x", "y", data=5), lambda db, series: pelmora.equations(5),
     lambda db, series: pelmora.fit(*measured(), part=np.full(30, np.nan))])
 def test_an_argument_of_the_wrong_kind_is_refused_with_what_to_pass(db, series, mistake):
@@ -142,7 +178,7 @@ def test_an_argument_of_the_wrong_kind_is_refused_with_what_to_pass(db, series, 
 def test_the_argument_of_a_curve_is_called_by_its_name(points):
     curve = pelmora.fit(*points).curve
     for function, name in ((curve, "roshko"), (curve.derivative, "roshko"), (curve.inverse, "strouhal")):
-        with pytest.raises(pelmora.BadData, match=f"^{name} holds texts"):
+        with pytest.raises(pelmora.BadData, match=f"^{name} has '100' at position 0"):
             function(["100"])
-    with pytest.raises(pelmora.BadData, match="^frequency holds texts"):
+    with pytest.raises(pelmora.BadData, match="^frequency has '100'"):
         curve.flow(["100"], 1.0)

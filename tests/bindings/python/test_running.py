@@ -76,9 +76,9 @@ def test_control_c_ends_the_program_that_makes_a_pdf(series, tmp_path, monkeypat
 
 @pytest.mark.parametrize("work, count", [
     (lambda curve, x: curve.inverse(curve(x)), 2000), (lambda curve, x: curve(x), 200_000),
-    (lambda curve, x: curve.derivative(x), 20_000), (lambda curve, x: curve.eval_uncertainty(x), 1_000_000),
+    (lambda curve, x: curve.derivative(x), 20_000), (lambda curve, x: curve.flow(x, 1.0), 400_000), (lambda curve, x: curve.eval_uncertainty(x), 1_000_000),
     (lambda curve, x: curve.eval_uncertainty(x, kind="expanded"), 20_000)],
-    ids=["inverse", "eval", "derivative", "confidence", "expanded"])
+    ids=["inverse", "eval", "derivative", "flow", "confidence", "expanded"])
 def test_signals_are_answered_while_a_curve_is_evaluated_at_many_places(points, work, count):
     """Of the signals that come meanwhile, an evaluation that waited for its end would answer one."""
     answered = []
@@ -167,6 +167,47 @@ def test_a_callback_that_uses_its_own_database_is_refused_and_does_not_hang(db):
     with pytest.raises(pelmora.Error, match="busy.*callback"):
         series.fit(progress=lambda done, of: db.meters())
     assert db.meters()
+
+
+def test_many_points_become_records_and_signals_are_answered_meanwhile(db):
+    """Of the signals that come meanwhile, a conversion that waited for its end would answer one."""
+    answered = []
+    series = db.register("M1").add_series("K", *measured(20_000))
+    previous = signal.signal(signal.SIGALRM, lambda *_: answered.append(1))
+    try:
+        signal.setitimer(signal.ITIMER_REAL, 0.001, 0.001)
+        assert len(series.points) == 20_000
+    finally:
+        signal.setitimer(signal.ITIMER_REAL, 0)
+        signal.signal(signal.SIGALRM, previous)
+    assert len(answered) > 5
+
+
+def test_a_stop_while_a_refit_runs_keeps_what_is_stored(db):
+    for number in range(60):
+        db.register(f"M{number}").add_series("K", *measured(seed=number))
+
+    def stop(done, of):
+        raise KeyboardInterrupt
+
+    with pytest.raises(KeyboardInterrupt):
+        db.refit(progress=stop, jobs=1)
+    fitted = [meter for meter in db.meters() if meter.series["K"].to_dict()["curve"]]
+    assert len(db.refit(jobs=2).added) == 60 - len(fitted)
+
+
+def test_a_forked_process_can_fit():
+    """Threads do not go along: the child must not wait for one that is not there."""
+    expected = pelmora.fit(*measured()).curve.table
+    reading, writing = os.pipe()
+    child = os.fork()
+    if child == 0:
+        os.write(writing, pelmora.fit(*measured()).curve.table.tobytes())
+        os._exit(0)
+    os.close(writing)
+    with os.fdopen(reading, "rb") as pipe:
+        assert pipe.read() == expected.tobytes()
+    assert os.waitpid(child, 0)[1] == 0
 
 
 def test_several_databases_in_several_threads(tmp_path):

@@ -93,13 +93,14 @@ def test_a_server_that_refuses_connections_is_unusable():
     assert str(port) in str(caught.value) and not secrets_in(caught.value)
 
 
-def test_control_c_ends_the_wait_for_a_server_that_never_answers(interrupted):
+@pytest.mark.parametrize("function", ["open", "create"])
+def test_control_c_ends_the_wait_for_a_server_that_never_answers(interrupted, function):
     """Without an answer to the signal, the wait would last longer than the time limit of the test."""
     with socket.socket() as silent:
         silent.bind(("127.0.0.1", 0))
         silent.listen()  # the system accepts for it
         address = f"postgresql://lab@127.0.0.1:{silent.getsockname()[1]}/curves?connect_timeout=3600"
-        interrupted(f"pelmora.open({address!r})")
+        interrupted(f"pelmora.{function}({address!r})")
 
 
 def test_a_database_that_nobody_has_made_a_curve_database_says_so(address):
