@@ -51,9 +51,11 @@ std::string remedyOf(const cal::Failure& failure) {
 std::pair<std::string, std::string> withRemedy(const std::string& what, const std::string& remedy) {
   const std::size_t end = what.rfind(". ");
   // Names are quoted, and may hold anything.
-  if (!remedy.empty() || end == std::string::npos || what.find('\'', end) != std::string::npos)
+  if (!remedy.empty() || end == std::string::npos || end + 2 == what.size() ||
+      what.find('\'', end) != std::string::npos)
     return {what, remedy};
   std::string last = what.substr(end + 2);
+  if (last.ends_with('.')) last.pop_back();
   last.front() = static_cast<char>(std::tolower(static_cast<unsigned char>(last.front())));
   return {what.substr(0, end), last};
 }

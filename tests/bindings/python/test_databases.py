@@ -209,3 +209,9 @@ def test_every_error_derives_from_a_built_in_one():
 def test_records_do_not_change(calibrated):
     with pytest.raises(AttributeError, match="fluid"):
         calibrated.meter.runs[0].fluid = "Water"
+
+
+def test_what_to_do_about_a_place_is_a_remedy(tmp_path):
+    with pytest.raises(pelmora.Unusable) as caught:
+        pelmora.create(tmp_path / "no" / "curves.db")
+    assert caught.value.remedy == "create the folder first" and str(caught.value).endswith("; create the folder first")
