@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/curve_place.h"
 #include "tests/support/file_bytes.h"
 #include "tests/support/pseudo_terminal.h"
 #include "tests/support/scratch_folder.h"
@@ -69,8 +70,9 @@ class CommandTest : public testing::Test {
   // An empty curve database.
   void init() const {
     static std::string bytes;
-    if (bytes.empty()) {
+    if (bytes.empty() || isRunOnServer()) {
       done({"init", curves});
+      if (isRunOnServer()) return;
       bytes = bytesOf(curves);
     } else {
       write("curves.db", bytes);
@@ -79,9 +81,10 @@ class CommandTest : public testing::Test {
   // A curve database with the example meter, imported and fitted by one `calibrate`.
   void initCalibrated() const {
     static std::string bytes;
-    if (bytes.empty()) {
+    if (bytes.empty() || isRunOnServer()) {
       init();
       done(twoFluids());
+      if (isRunOnServer()) return;
       bytes = bytesOf(curves);
     } else {
       write("curves.db", bytes);
@@ -100,6 +103,10 @@ class CommandTest : public testing::Test {
     arguments.insert(arguments.end(), more.begin(), more.end());
     return arguments;
   }
+  // The database in a command that is shown to be copied.
+  [[nodiscard]] std::string shownCurves() const {
+    return isRunOnServer() ? quoted(curves) : curves;
+  }
   std::string write(const std::string& name, const std::string& text) const {
     std::ofstream(scratch.file(name), std::ios::binary) << text;
     return scratch.file(name);
@@ -109,7 +116,7 @@ class CommandTest : public testing::Test {
   }
 
   const ScratchFolder scratch;
-  const std::string curves = scratch.file("curves.db");
+  const std::string curves = newCurvePlace(scratch);
 
  private:
   [[nodiscard]] CommandResult run(const Arguments& arguments, const std::string& redirects) const {

@@ -130,7 +130,7 @@ TEST_F(fit_options, say_once_why_no_equation_passes_and_name_the_bad_point) {
               AllOf(HasSubstr(reason), HasSubstr("70.7946"), HasSubstr("fail in the same way"),
                     Not(testing::ContainsRegex("--band 0\\.[1-9]"))));
   EXPECT_EQ(result.output.find(reason), result.output.rfind(reason));
-  EXPECT_THAT(result.output, HasSubstr("pelmora exclude " + curves +
+  EXPECT_THAT(result.output, HasSubstr("pelmora exclude " + shownCurves() +
                                        " --meter P --series S --part 1 --point 18 --reason "));
   EXPECT_THAT(result.error, AllOf(HasSubstr("no equation passed"),
                                   HasSubstr("check point 18 of part 1 (Roshko 70.795)"),

@@ -61,10 +61,11 @@ TEST_F(old_curve, never_passes_silently) {
   for (const Arguments& arguments : all) {
     const CommandResult result = run(arguments);
     EXPECT_EQ(result.exitCode, 0) << arguments[0];
-    EXPECT_THAT(result.error,
-                AllOf(StartsWith("pelmora: note: the curve of series 'Rotor A' of meter 'M1', "
-                                 "calibration 1, is older than its raw points"),
-                      HasSubstr("pelmora refit " + curves + " --meter M1 --series 'Rotor A'\n")))
+    EXPECT_THAT(
+        result.error,
+        AllOf(StartsWith("pelmora: note: the curve of series 'Rotor A' of meter 'M1', "
+                         "calibration 1, is older than its raw points"),
+              HasSubstr("pelmora refit " + shownCurves() + " --meter M1 --series 'Rotor A'\n")))
         << arguments[0];
     EXPECT_EQ(std::ranges::count(result.error, '\n'), 1) << arguments[0];
   }
@@ -88,7 +89,8 @@ TEST_F(old_curve, is_a_member_of_the_json) {
 }
 
 TEST_F(old_curve, is_current_again_after_the_suggested_command) {
-  EXPECT_THAT(excluded, HasSubstr("pelmora refit " + curves + " --meter M1 --series 'Rotor A'"));
+  EXPECT_THAT(excluded,
+              HasSubstr("pelmora refit " + shownCurves() + " --meter M1 --series 'Rotor A'"));
   done(rotorA("refit", curves));
   for (const Arguments& arguments : readers()) EXPECT_EQ(run(arguments).error, "") << arguments[0];
   EXPECT_EQ(reported()["curveAge"], "current");

@@ -44,7 +44,8 @@ TEST_F(points_command, names_the_bad_points_of_a_job_and_what_leaves_them_out) {
     EXPECT_EQ(point["suspect"].get<bool>(), isBad) << point;
   }
   EXPECT_EQ(listed["curve"], "none");
-  std::string suggested = "pelmora exclude " + curves + " --meter M1 --series 'Rotor A' --part 1";
+  std::string suggested =
+      "pelmora exclude " + shownCurves() + " --meter M1 --series 'Rotor A' --part 1";
   for (const int number : bad) suggested += " --point " + std::to_string(number);
   EXPECT_THAT(rotorA("points").output, HasSubstr(suggested + " --reason 'up to "));
 
@@ -122,7 +123,8 @@ TEST_F(points_command, a_curve_is_fitted_without_them_and_is_said_to_be_old_befo
   EXPECT_EQ(rotorA("points", {"--json"}).json()["curve"], "current");
   const CommandResult next =
       rotorA("exclude", {"--part", "1", "--point", "2", "--reason", "trial"});
-  EXPECT_THAT(next.output, HasSubstr("pelmora refit " + curves + " --meter M1 --series 'Rotor A'"));
+  EXPECT_THAT(next.output,
+              HasSubstr("pelmora refit " + shownCurves() + " --meter M1 --series 'Rotor A'"));
   EXPECT_EQ(rotorA("points", {"--json"}).json()["curve"], "outdated");
   EXPECT_THAT(rotorA("points").output, HasSubstr("older than these points"));
 }
