@@ -92,7 +92,9 @@ def rooms(names):
         targets += re.findall(rf"^({re.escape(room.replace('/', '_'))}(?:_\w+)?_test): phony$", programs,
                               re.MULTILINE) or ["all"]
         folders.append(re.escape(room))
-    subprocess.run(["cmake", "--build", "--preset", "dev", "-j", str(jobs), "--target", *targets], check=True)
+    built = subprocess.run(["cmake", "--build", "--preset", "dev", "-j", str(jobs), "--target", *targets], check=False)
+    if built.returncode != 0:
+        return built.returncode
     return subprocess.run(["ctest", "--preset", "dev", "-j", str(jobs), "--no-tests=error", "--label-exclude", "slow|browser",
                            "--tests-regex", f"^({'|'.join(folders)})/"], check=False).returncode
 

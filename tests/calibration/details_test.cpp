@@ -1,5 +1,6 @@
 // What certificates state in addition to the measured numbers: stored, restored and refused.
 // SPDX-License-Identifier: MIT
+#include "store/connection.h"
 #include "tests/calibration/service_fixture.h"
 
 #include <pelmora/own_tables.h>

@@ -1,5 +1,6 @@
 // Flow in service, tables for flow computers and drift, through the service.
 // SPDX-License-Identifier: MIT
+#include "store/connection.h"
 #include "tests/calibration/service_fixture.h"
 #include "tests/support/csv_table.h"
 

@@ -5,6 +5,7 @@
 #include <pelmora/error.h>
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
