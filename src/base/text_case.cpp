@@ -45,6 +45,14 @@ std::size_t characterLength(unsigned char lead) {
   return 0;
 }
 
+// Of the next character. Most are ASCII.
+char32_t takeSmallLetter(std::string_view& text) {
+  const auto lead = static_cast<unsigned char>(text.front());
+  if (lead >= 0x80U) return smallLetter(takeCharacter(text));
+  text.remove_prefix(1);
+  return within(lead, 'A', 'Z') ? lead + 0x20U : lead;
+}
+
 }  // namespace
 
 char32_t takeCharacter(std::string_view& text) {
@@ -84,8 +92,8 @@ char32_t smallLetter(char32_t c) {
 
 int compareTexts(std::string_view a, std::string_view b) {
   while (!a.empty() && !b.empty()) {
-    const char32_t left = smallLetter(takeCharacter(a));
-    const char32_t right = smallLetter(takeCharacter(b));
+    const char32_t left = takeSmallLetter(a);
+    const char32_t right = takeSmallLetter(b);
     if (left != right) return left < right ? -1 : 1;
   }
   return static_cast<int>(!a.empty()) - static_cast<int>(!b.empty());

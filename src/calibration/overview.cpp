@@ -3,11 +3,13 @@
 #include "base/text_case.h"
 #include "calibration/session.h"
 #include "store/field_value.h"
-#include "store/name_text.h"
 #include "store/reading.h"
+#include "store/row_visits.h"
 
 #include <algorithm>
 #include <optional>
+#include <span>
+#include <utility>
 
 namespace pelmora::calibration {
 namespace {
@@ -23,25 +25,33 @@ int numberOf(const Value& value, const std::string& serial, const std::string& l
   }
 }
 
-// The calibrations of some serial numbers, a row for each series.
-void visitRows(Recordset& rows, const std::string& location,
-               const std::function<void(const MeterOverview&)>& visit) {
-  std::optional<MeterOverview> current;
-  for (; !rows.atEnd(); rows.moveNext()) {
-    const std::int32_t id = toInt32(rows.value(0));
-    if (!current || current->meter.id != id) {
-      if (current) visit(*current);
-      const std::string serial = toText(rows.value(1));
-      const int number = numberOf(rows.value(3), serial, location);
-      current = MeterOverview{{serial, toText(rows.value(2)), number, id}, {}};
+// Makes calibrations of rows, of which there is one for each series.
+class Calibrations {
+ public:
+  Calibrations(std::string location, const std::function<void(const MeterOverview&)>& visit)
+      : location_(std::move(location)), visit_(visit) {}
+
+  void add(std::span<const Value> row) {
+    const std::int32_t id = toInt32(row[0]);
+    if (!current_ || current_->meter.id != id) {
+      end();
+      const std::string serial = toText(row[1]);
+      const int number = numberOf(row[3], serial, location_);
+      current_ = MeterOverview{{serial, toText(row[2]), number, id}, {}};
     }
-    if (isNull(rows.value(4))) continue;
-    const Value& name = rows.value(5);
-    if (isNull(name)) throw namelessSeries(current->meter, location);
-    current->series.push_back(toText(name));
+    if (isNull(row[4])) return;
+    if (isNull(row[5])) throw namelessSeries(current_->meter, location_);
+    current_->series.push_back(toText(row[5]));
   }
-  if (current) visit(*current);
-}
+  void end() const {
+    if (current_) visit_(*current_);
+  }
+
+ private:
+  std::string location_;
+  const std::function<void(const MeterOverview&)>& visit_;
+  std::optional<MeterOverview> current_;
+};
 
 // Series that cannot be read, for one message.
 class Unreadable {
@@ -87,31 +97,20 @@ std::vector<std::string> Database::serials() const {
   });
 }
 
-void Database::overview(const std::function<void(const MeterOverview&)>& visit) const {
-  const auto moment = session_->moment();
+void Database::overview(const std::function<void(const MeterOverview&)>& visit,
+                        OverviewOrder order) const {
   session_->asking("listing the meters of '" + location() + "'", [&] {
-    Connection& connection = session_->connection();
-    const auto visitWhere = [&](const std::string& condition) {
-      visitRows(
-          *readRows(connection,
-                    "Select meter.ID, meter.SerialNumber, meter.SerialNumberAdjusted, "
-                    "meter.ReCalID, series.ID, series.name from meter LEFT JOIN series ON "
-                    "meter.ID = series.meterid where " +
-                        condition +
-                        " ORDER BY meter.SerialNumber, meter.ReCalID DESC, meter.ID, series.name"),
-          location(), visit);
-    };
-    visitWhere("meter.SerialNumber IS NULL");
-    for (std::string beyond = "SerialNumber IS NOT NULL";;) {
-      const auto serials = readRows(connection, "Select TOP 4000 SerialNumber from meter where " +
-                                                    beyond + " ORDER BY SerialNumber");
-      if (serials->atEnd()) return;
-      for (std::int32_t left = serials->recordCount() - 1; left > 0; --left) serials->moveNext();
-      const std::string last = toText(serials->value(0));
-      const std::string literal = NameText::quoted(last).literal();
-      visitWhere("meter." + beyond + " AND meter.SerialNumber <= " + literal);
-      beyond = "SerialNumber > " + literal;
-    }
+    Calibrations calibrations(location(), visit);
+    const std::string byID = "meter.ID, series.name";
+    visitRows(
+        session_->connection(),
+        "Select meter.ID, meter.SerialNumber, meter.SerialNumberAdjusted, meter.ReCalID, "
+        "series.ID, series.name from meter LEFT JOIN series ON meter.ID = series.meterid "
+        "ORDER BY " +
+            (order == OverviewOrder::none ? byID
+                                          : "meter.SerialNumber, meter.ReCalID DESC, " + byID),
+        [&](std::span<const Value> row) { calibrations.add(row); });
+    calibrations.end();
   });
 }
 

@@ -1,7 +1,12 @@
 // Reading many meters and many series at once.
 // SPDX-License-Identifier: MIT
+#include "store/connection.h"
 #include "tests/calibration/service_fixture.h"
 #include "tests/support/plain_sqlite.h"
+
+#include <pelmora/curve_database.h>
+
+#include <stdexcept>
 
 namespace pelmora::calibration::test {
 namespace {
@@ -11,9 +16,10 @@ using testing::HasSubstr;
 
 class Overviews : public ServiceTest {
  protected:
-  static std::vector<MeterOverview> overviewOf(const Database& lab) {
+  static std::vector<MeterOverview> overviewOf(const Database& lab,
+                                               OverviewOrder order = OverviewOrder::bySerial) {
     std::vector<MeterOverview> list;
-    lab.overview([&](const MeterOverview& overview) { list.push_back(overview); });
+    lab.overview([&](const MeterOverview& overview) { list.push_back(overview); }, order);
     return list;
   }
   void sql(const std::string& statements) const {
@@ -36,8 +42,8 @@ TEST_F(Overviews, list_calibrations_with_their_series_in_order) {
   EXPECT_EQ(db.serials(), (std::vector<std::string>{"m1", "O'Neil"}));
 }
 
-// More than one portion of a reading, and one serial number with many calibrations.
-TEST_F(Overviews, lose_no_meter_between_two_portions) {
+// One serial number has many calibrations.
+TEST_F(Overviews, lose_no_meter_of_many) {
   (void)lab();
   sql("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 10000) "
       "INSERT INTO meter (SerialNumber, SerialNumberAdjusted, ReCalID) "
@@ -51,6 +57,40 @@ TEST_F(Overviews, lose_no_meter_between_two_portions) {
   }
   for (const MeterOverview& overview : list)
     EXPECT_EQ(overview.series, std::vector<std::string>{"S"});
+}
+
+TEST_F(Overviews, sort_without_regard_to_case_and_begin_with_meters_without_a_serial_number) {
+  (void)lab();
+  const ConnectionPtr curves = openDatabase(path());
+  for (const char* row : {"7,'b',0", "3,'B',1", "5,NULL,0", "9,'',0", "2,'\u00c41',0",
+                          "8,'\u00e41',2", "1,'a',0", "6,'b',1", "4,NULL,3"})
+    curves->execute("Insert into meter (ID,SerialNumber,ReCalID) VALUES(" + std::string(row) + ")");
+  for (const char* row : {"4,'X',7", "2,'\u00dc',7", "3,'x',7", "1,'',7", "5,'only',1"})
+    curves->execute("Insert into series (ID,name,meterid) VALUES(" + std::string(row) + ")");
+  const std::vector<MeterOverview> expected{{{"", "", 3, 4}, {}},
+                                            {{"", "", 0, 5}, {}},
+                                            {{"", "", 0, 9}, {}},
+                                            {{"a", "", 0, 1}, {"only"}},
+                                            {{"B", "", 1, 3}, {}},
+                                            {{"b", "", 1, 6}, {}},
+                                            {{"b", "", 0, 7}, {"", "x", "X", "\u00dc"}},
+                                            {{"\u00e41", "", 2, 8}, {}},
+                                            {{"\u00c41", "", 0, 2}, {}}};
+  EXPECT_EQ(overviewOf(lab()), expected);
+  EXPECT_THAT(overviewOf(lab(), OverviewOrder::none), testing::UnorderedElementsAreArray(expected));
+}
+
+TEST_F(Overviews, read_more_about_a_meter_and_end_when_they_are_broken_off) {
+  Database db = lab();
+  for (const char* serial : {"M1", "M2", "M3"}) (void)db.registerMeter(serial);
+  int seen = 0;
+  const auto visit = [&](const MeterOverview& overview) {
+    EXPECT_EQ(db.meter(overview.meter.serial), overview.meter);
+    if (++seen == 2) throw std::runtime_error("enough");
+  };
+  EXPECT_THROW(db.overview(visit), std::runtime_error);
+  (void)db.registerMeter("M4");
+  EXPECT_EQ(overviewOf(db).size(), 4U);
 }
 
 TEST_F(Overviews, name_the_meter_of_what_cannot_be_read) {

@@ -56,11 +56,12 @@ std::string elementText(const nlohmann::json& value) {
 void printMeters(const calibration::Database& lab) {
   TableLayout table({{"Meter"}, {"Adjusted"}, {"Calibration", TextAlign::right}, {"Series"}});
   bool isEmpty = true;
-  lab.overview([&](const MeterOverview& overview) {
+  const auto measure = [&](const MeterOverview& overview) {
     requireNotInterrupted();
     isEmpty = false;
     table.measure(cellsOf(overview));
-  });
+  };
+  lab.overview(measure, calibration::OverviewOrder::none);
   if (isEmpty) return printData("No meter is stored yet.\n");
   Printer printer;
   printer.add(table.head());

@@ -15,7 +15,7 @@ constexpr std::size_t narrowest = 8;  // a cut column keeps at least this much
 bool startsCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }
 
 // The first `width` characters, the last three of them dots.
-std::string cut(const std::string& text, std::size_t width) {
+std::string cut(std::string text, std::size_t width) {
   if (displayWidth(text) <= width) return text;
   std::string result;
   std::size_t characters = 0;
@@ -24,11 +24,6 @@ std::string cut(const std::string& text, std::size_t width) {
     result += c;
   }
   return result + "...";
-}
-
-std::string aligned(const std::string& text, std::size_t width, TextAlign align) {
-  const std::string padding(width - displayWidth(text), ' ');
-  return align == TextAlign::left ? text + padding : padding + text;
 }
 
 }  // namespace
@@ -71,8 +66,11 @@ std::string TableLayout::line(const std::vector<std::string>& cells) const {
   std::string line;
   for (std::size_t c = 0; c < columns_.size(); ++c) {
     if (c > 0) line.append(gap, ' ');
-    const std::string cell = c < cells.size() ? oneLine(cells[c]) : "";
-    line += aligned(cut(cell, widths_[c]), widths_[c], columns_[c].align);
+    const std::string cell = c < cells.size() ? cut(oneLine(cells[c]), widths_[c]) : "";
+    const std::size_t padding = widths_[c] - displayWidth(cell);
+    if (columns_[c].align == TextAlign::right) line.append(padding, ' ');
+    line += cell;
+    if (columns_[c].align == TextAlign::left) line.append(padding, ' ');
   }
   line.erase(line.find_last_not_of(' ') + 1);
   return line + "\n";

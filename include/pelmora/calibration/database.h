@@ -102,11 +102,12 @@ class PELMORA_API Database {
   // Errors: NotFound; its remedy suggests similar names.
   [[nodiscard]] std::vector<Meter> meters() const;  // every calibration, by serial and number
   [[nodiscard]] std::vector<std::string> serials() const;  // in alphabetical order
-  // Calls `visit` with every calibration, by serial, the latest first. Reads some at a time, so
-  // that the memory that it needs does not grow with their number.
+  // Calls `visit` with every calibration, all of one moment. The memory that it needs does not grow
+  // with their number. `visit` may read from the database, but not change it.
   //
   // Errors: BadData if a series has no name or a calibration no number.
-  void overview(const std::function<void(const MeterOverview&)>& visit) const;
+  void overview(const std::function<void(const MeterOverview&)>& visit,
+                OverviewOrder order = OverviewOrder::bySerial) const;
   [[nodiscard]] std::vector<Meter> calibrations(const std::string& serial) const;  // rising
   [[nodiscard]] std::optional<Meter> findMeter(const std::string& serial,
                                                int calibration = latestCalibration) const;

@@ -35,6 +35,10 @@ struct MeterOverview {
   bool operator==(const MeterOverview&) const = default;
 };
 
+// bySerial: by serial number, the latest calibration first. none: whatever the database reads
+// fastest.
+enum class OverviewOrder { bySerial, none };
+
 // A stand's measurements in one fluid. A calibration has up to four runs, one raw part each.
 struct Run {
   std::int32_t id = 0;

@@ -59,6 +59,10 @@ std::unique_ptr<Recordset> PostgresConnection::openRecordset(const std::string& 
   return std::make_unique<sql::ClientRecordset>(session_, statement, lock);
 }
 
+void PostgresConnection::visitRows(const std::string& statement, const RowVisitor& visit) {
+  session().visitRows(statement, visit);
+}
+
 bool PostgresConnection::hasTable(std::string_view name) const {
   return session().catalogue().findTable("main", name).has_value();
 }

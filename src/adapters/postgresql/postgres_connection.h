@@ -5,6 +5,7 @@
 #include "store/connection.h"
 #include "store/lock_patience.h"
 #include "store/range_leases.h"
+#include "store/row_visits.h"
 #include "store/table_design.h"
 #include "store/transactions.h"
 
@@ -24,7 +25,8 @@ class PostgresConnection : public Connection,
                            public TableDesign,
                            public Transactions,
                            public LockPatience,
-                           public RangeLeases {
+                           public RangeLeases,
+                           public RowVisits {
  public:
   explicit PostgresConnection(std::string location, Patience patience = {})
       : location_(std::move(location)), patience_(std::move(patience)) {}
@@ -40,6 +42,8 @@ class PostgresConnection : public Connection,
   void execute(const std::string& statement) override;
   [[nodiscard]] std::unique_ptr<Recordset> openRecordset(const std::string& statement,
                                                          CursorType cursor, LockType lock) override;
+
+  void visitRows(const std::string& statement, const RowVisitor& visit) override;
 
   [[nodiscard]] bool hasTable(std::string_view name) const override;
   void createTable(const OwnTable& table) override;

@@ -8,6 +8,7 @@
 #include "adapters/postgresql/writing_turn.h"
 #include "adapters/sql_engine/row_source.h"
 #include "adapters/sql_engine/statement_translations.h"
+#include "store/row_visits.h"
 
 #include <chrono>
 #include <functional>
@@ -54,6 +55,8 @@ class PostgresSession : public sql::RowSource {
   void rollback() noexcept;
 
   [[nodiscard]] sql::SelectedRows select(const std::string& statement) override;
+  // Some thousand rows at a time. Outside a transaction it makes one, for reading alone.
+  void visitRows(const std::string& statement, const RowVisitor& visit);
   [[nodiscard]] sql::TableShape tableToChange(const std::string& name) override;
   void store(const sql::TableShape& table, std::span<const sql::RowBatch> batches) override;
   [[nodiscard]] std::optional<sql::RowStore> storeAndRead(const sql::TableShape& table,
@@ -68,6 +71,8 @@ class PostgresSession : public sql::RowSource {
 
   void connect();
   void requireConnection();
+  [[nodiscard]] sql::DialectStatement readSelect(const std::string& text);
+  void visitPortions(const std::string& sql, const RowVisitor& visit);
   [[nodiscard]] Error failure(const ServerError& error) const;
   [[nodiscard]] Error lost(const ServerError& error, const std::string& outcome) const;
   ServerRows runInTransaction(const std::string& sql, const std::function<bool()>& stopRequested);
@@ -89,6 +94,7 @@ class PostgresSession : public sql::RowSource {
   bool hasDesigned_ = false;  // in the open transaction
   bool isClosed_ = false;
   std::string transactionId_;
+  std::size_t cursors_ = 0;  // that have been opened
 };
 
 }  // namespace pelmora::postgres

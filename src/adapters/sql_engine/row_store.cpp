@@ -55,8 +55,7 @@ CellView RowStore::cell(std::size_t row, std::size_t column) const {
   return std::monostate();
 }
 
-void RowStore::read(std::size_t row, std::size_t column, Value& value) const {
-  const CellView content = cell(row, column);
+void assign(Value& value, const CellView& content) {
   if (const auto* text = std::get_if<std::string_view>(&content)) {
     if (auto* known = std::get_if<std::string>(&value)) {
       known->assign(*text);

@@ -17,6 +17,9 @@ namespace pelmora::sql {
 // What a cell holds; a text lives as long as the store is not changed.
 using CellView = std::variant<std::monostate, std::int64_t, double, std::string_view>;
 
+// The text memory of `value` is used again.
+void assign(Value& value, const CellView& content);
+
 // Cells of 16 bytes in rows of equal length; texts stand one behind the other in one block.
 class RowStore {
  public:
@@ -33,7 +36,9 @@ class RowStore {
   void clear();
 
   // Writes the cell to `value`, whose text memory is used again.
-  void read(std::size_t row, std::size_t column, Value& value) const;
+  void read(std::size_t row, std::size_t column, Value& value) const {
+    assign(value, cell(row, column));
+  }
   [[nodiscard]] CellView cell(std::size_t row, std::size_t column) const;
 
  private:

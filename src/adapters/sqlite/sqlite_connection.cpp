@@ -96,6 +96,10 @@ std::unique_ptr<Recordset> SqliteConnection::openRecordset(const std::string& st
   return std::make_unique<sql::ClientRecordset>(session_, statement, lock);
 }
 
+void SqliteConnection::visitRows(const std::string& statement, const RowVisitor& visit) {
+  session().visitRows(statement, visit);
+}
+
 bool SqliteConnection::hasTable(std::string_view name) const {
   return session().catalogue().findTable("main", name).has_value();
 }

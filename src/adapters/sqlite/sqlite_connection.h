@@ -7,6 +7,7 @@
 #include "store/elsewhere.h"
 #include "store/integrity.h"
 #include "store/lock_patience.h"
+#include "store/row_visits.h"
 #include "store/table_design.h"
 #include "store/transactions.h"
 
@@ -30,7 +31,8 @@ class SqliteConnection : public Connection,
                          public Transactions,
                          public LockPatience,
                          public IntegrityCheck,
-                         public InsertsElsewhere {
+                         public InsertsElsewhere,
+                         public RowVisits {
  public:
   explicit SqliteConnection(OpenSession openSession, Patience patience = {})
       : openSession_(std::move(openSession)), patience_(std::move(patience)) {}
@@ -46,6 +48,8 @@ class SqliteConnection : public Connection,
   void execute(const std::string& statement) override;
   [[nodiscard]] std::unique_ptr<Recordset> openRecordset(const std::string& statement,
                                                          CursorType cursor, LockType lock) override;
+
+  void visitRows(const std::string& statement, const RowVisitor& visit) override;
 
   [[nodiscard]] bool hasTable(std::string_view name) const override;
   void createTable(const OwnTable& table) override;

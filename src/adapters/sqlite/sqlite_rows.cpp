@@ -62,6 +62,11 @@ void appendRow(sqlite3_stmt* statement, sql::RowStore& rows) {
   rows.endRow();
 }
 
+void readRow(sqlite3_stmt* statement, std::span<Value> values) {
+  for (std::size_t i = 0; i < values.size(); ++i)
+    sql::assign(values[i], cellOf(statement, static_cast<int>(i)));
+}
+
 // Many rows in one run cost a quarter of what they cost one by one.
 void insertRows(SqliteSession& session, const sql::TableShape& table, const sql::RowBatch& batch) {
   constexpr std::size_t mostParameters = 999;  // of the engine's older builds

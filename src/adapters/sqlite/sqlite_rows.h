@@ -6,6 +6,7 @@
 #include "adapters/sql_engine/row_source.h"
 
 #include <cstddef>
+#include <span>
 
 struct sqlite3_stmt;
 
@@ -15,6 +16,9 @@ class SqliteSession;
 
 // Appends the current row of `statement`, which has as many columns as `rows`.
 void appendRow(sqlite3_stmt* statement, sql::RowStore& rows);
+
+// Writes the current row to `values`, one for each column.
+void readRow(sqlite3_stmt* statement, std::span<Value> values);
 
 // Inserts all rows of the batch. Errors: Error.
 void insertRows(SqliteSession& session, const sql::TableShape& table, const sql::RowBatch& batch);

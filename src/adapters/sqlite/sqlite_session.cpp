@@ -12,6 +12,7 @@
 
 #include <utility>
 #include <variant>
+#include <vector>
 
 namespace pelmora::sqlite {
 
@@ -144,10 +145,15 @@ void SqliteSession::design(const std::string& statement) {
   if (catalogue_->schemaVersion() == version) designed_.insert(statement);
 }
 
-sql::SelectedRows SqliteSession::select(const std::string& text) {
+sql::DialectStatement SqliteSession::readSelect(const std::string& text) {
   sql::DialectStatement statement = translations().read(text);
   if (!std::holds_alternative<sql::SelectStatement>(*statement.tree))
     throw sql::statementError("Only a SELECT statement delivers rows.");
+  return statement;
+}
+
+sql::SelectedRows SqliteSession::select(const std::string& text) {
+  sql::DialectStatement statement = readSelect(text);
   const SqliteCatalogue::Moment moment(catalogue());
   StatementPool::Use query = prepare(statement);
   sql::SelectedRows selected = rowsOf(*query);
@@ -168,6 +174,19 @@ sql::SelectedRows SqliteSession::rowsOf(PreparedStatement& query) {
   selected.rows = sql::RowStore(selected.fields.size());
   while (step(query)) appendRow(query.get(), selected.rows);
   return selected;
+}
+
+void SqliteSession::visitRows(const std::string& text, const RowVisitor& visit) {
+  sql::DialectStatement statement = readSelect(text);
+  std::optional<SqliteCatalogue::Moment> moment(std::in_place, catalogue());
+  StatementPool::Use query = prepare(statement);
+  bool hasRow = step(*query);
+  moment.reset();  // from the first row on, the statement itself holds it
+  std::vector<Value> values(static_cast<std::size_t>(sqlite3_column_count(query->get())));
+  for (; hasRow; hasRow = step(*query)) {
+    readRow(query->get(), values);
+    visit(values);
+  }
 }
 
 sql::TableShape SqliteSession::tableToChange(const std::string& name) {

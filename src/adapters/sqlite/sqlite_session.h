@@ -8,6 +8,7 @@
 #include "adapters/sqlite/dialect_functions.h"
 #include "adapters/sqlite/sqlite_catalogue.h"
 #include "adapters/sqlite/statement_pool.h"
+#include "store/row_visits.h"
 
 #include <cstdint>
 #include <memory>
@@ -65,7 +66,9 @@ class SqliteSession : public sql::RowSource {
   void design(const std::string& statement);
 
   [[nodiscard]] sql::SelectedRows select(const std::string& statement) override;
-  // The same for a statement that has been read, without its translation.
+  // Row by row, none of which is kept.
+  void visitRows(const std::string& statement, const RowVisitor& visit);
+  // The same as the first for a statement that has been read, without its translation.
   [[nodiscard]] sql::SelectedRows select(const sql::SelectStatement& statement);
   [[nodiscard]] sql::TableShape tableToChange(const std::string& name) override;
   void store(const sql::TableShape& table, std::span<const sql::RowBatch> batches) override;
@@ -78,6 +81,7 @@ class SqliteSession : public sql::RowSource {
   bool step(PreparedStatement& statement);
 
  private:
+  [[nodiscard]] sql::DialectStatement readSelect(const std::string& text);
   [[nodiscard]] sql::SelectedRows rowsOf(PreparedStatement& query);
   SqliteSession(const std::string& file, OpenMode mode, const Patience& patience,
                 std::shared_ptr<SchemaMemory> memory);
