@@ -9,6 +9,7 @@
 #include "adapters/postgresql/server_error.h"
 #include "adapters/postgresql/server_functions.h"
 #include "adapters/postgresql/statement_names.h"
+#include "adapters/postgresql/writing_turn.h"
 #include "base/run_time_error.h"
 #include "base/server_address.h"
 #include "base/version.h"
@@ -82,7 +83,8 @@ const std::vector<Migration>& curveMigrations() {
 int currentMigration() { return curveMigrations().back().number; }
 
 ServerDatabase preparedSession(Client& client, const std::string& shown,
-                               const std::function<bool()>& stopRequested) {
+                               const std::function<bool()>& stopRequested,
+                               const std::string& waitForLocks) {
   const ServerRows rows = client.run(settings, stopRequested);
   ServerDatabase database{textOf(rows, 0), textOf(rows, 1), textOf(rows, 2), numberOf(rows, 5), 0,
                           textOf(rows, 3)};
@@ -96,7 +98,8 @@ ServerDatabase preparedSession(Client& client, const std::string& shown,
                           ". Curves need a database with the encoding UTF8.");
   }
   if (numberOf(rows, 4) != 0) {
-    const ServerRows last = client.run("SELECT max(number) FROM pelmora_migration");
+    const ServerRows last =
+        client.run(waitForLocks + "SELECT max(number) FROM pelmora_migration", stopRequested);
     database.migration = static_cast<int>(numberOf(last, 0));
   }
   return database;
@@ -139,7 +142,10 @@ void createPostgresCurveDatabase(const std::string& location, const Patience& pa
   const std::string shown = shownLocation(location);
   try {
     Client client(connectionAddress(location), patience.stopRequested);
-    const ServerDatabase database = preparedSession(client, shown, patience.stopRequested);
+    ServerDatabase database;
+    WritingTurn(patience).waitForLocks([&](const std::string& waitBriefly) {
+      database = preparedSession(client, shown, patience.stopRequested, waitBriefly);
+    });
     const Roles roles = rolesOf(database.name, database.schema);
     if (database.migration >= currentMigration()) {
       throw Error(static_cast<std::int32_t>(RunTimeError::fileExists), "Pelmora",

@@ -34,11 +34,13 @@ struct ServerDatabase {
 };
 
 // Prepares a new connection for the dialect: settings, and the schema in which all names are looked
-// for. `stopRequested`: as for Client::run; may be empty.
+// for. `stopRequested`: as for Client::run; may be empty. `waitForLocks`: what limits the wait for
+// other programs' locks, as WritingTurn gives it; may be empty.
 //
 // Errors: ServerError; Error 321 where the database cannot hold curves.
 [[nodiscard]] ServerDatabase preparedSession(Client& client, const std::string& shown,
-                                             const std::function<bool()>& stopRequested = {});
+                                             const std::function<bool()>& stopRequested = {},
+                                             const std::string& waitForLocks = {});
 
 // Applies those of `migrations` that the database does not have, with the roles, in one
 // transaction. The number of migrations applied. `stopRequested` also ends the wait for somebody

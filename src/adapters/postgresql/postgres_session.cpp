@@ -66,7 +66,9 @@ void PostgresSession::connect() {
   try {
     auto client =
         std::make_unique<Client>(connectionAddress(location_), turn_.patience().stopRequested);
-    database_ = preparedSession(*client, shown_, turn_.patience().stopRequested);
+    turn_.waitForLocks([&](const std::string& waitBriefly) {
+      database_ = preparedSession(*client, shown_, turn_.patience().stopRequested, waitBriefly);
+    });
     client_ = std::move(client);
   } catch (const ServerError& error) {
     const ServerError clean(
@@ -106,7 +108,10 @@ ServerRows PostgresSession::read(const std::string& sql) {
   for (const bool isFirst : {true, false}) {
     requireConnection();
     try {
-      ServerRows rows = client_->run(sql, stopRequested);
+      ServerRows rows;
+      turn_.waitForLocks([&](const std::string& waitBriefly) {
+        rows = client_->run(waitBriefly + sql, stopRequested);
+      });
       lastUse_ = std::chrono::steady_clock::now();
       return rows;
     } catch (const ServerError& error) {
@@ -218,7 +223,8 @@ void PostgresSession::begin() {
 
 void PostgresSession::beginReading() {
   if (hasTransaction()) throw sql::statementError("A transaction has begun already.");
-  read("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY; SAVEPOINT part");
+  read("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY; " + turn_.waitAsLongAsMayBe() +
+       "SAVEPOINT part");
   transaction_ = Kind::reading;
 }
 

@@ -19,10 +19,8 @@ constexpr const char* lockClass = "1346718797";
 // the queue is lost: long enough for twenty writers before it.
 constexpr milliseconds longestAttempt{500};
 
-std::string takeTurn(std::int64_t schema, milliseconds limit) {
-  return "SET LOCAL lock_timeout TO " + std::to_string(limit.count()) +
-         "; SELECT pg_advisory_xact_lock(" + lockClass + ", (" + std::to_string(schema) +
-         " & 2147483647)::integer); ";
+std::string waitUpTo(milliseconds limit) {
+  return "SET LOCAL lock_timeout TO " + std::to_string(limit.count()) + "; ";
 }
 
 }  // namespace
@@ -31,7 +29,7 @@ std::string WritingTurn::waitAsLongAsMayBe() const {
   // 0 would mean without end to the server, as would more than its numbers hold.
   const milliseconds limit =
       std::clamp(patience_.limit, milliseconds(1), milliseconds(std::numeric_limits<int>::max()));
-  return "SET LOCAL lock_timeout TO " + std::to_string(limit.count()) + "; ";
+  return waitUpTo(limit);
 }
 
 bool WritingTurn::goesOnAfter(std::chrono::steady_clock::time_point begin) const {
@@ -40,8 +38,7 @@ bool WritingTurn::goesOnAfter(std::chrono::steady_clock::time_point begin) const
       std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - begin));
 }
 
-void WritingTurn::wait(std::int64_t schema,
-                       const std::function<void(const std::string&)>& attempt) const {
+void WritingTurn::waitForLocks(const std::function<void(const std::string&)>& attempt) const {
   const auto begin = std::chrono::steady_clock::now();
   for (;;) {
     const auto waited =
@@ -49,13 +46,20 @@ void WritingTurn::wait(std::int64_t schema,
     const milliseconds limit =
         std::clamp(patience_.limit - waited, milliseconds(1), longestAttempt);
     try {
-      attempt(takeTurn(schema, limit));
+      attempt(waitUpTo(limit));
       return;
     } catch (const ServerError& error) {
       const bool isOver = waited + limit >= patience_.limit;
       if (!isLockTimeout(error) || isOver || !goesOnAfter(begin)) throw;
     }
   }
+}
+
+void WritingTurn::wait(std::int64_t schema,
+                       const std::function<void(const std::string&)>& attempt) const {
+  const std::string turn = std::string("SELECT pg_advisory_xact_lock(") + lockClass + ", (" +
+                           std::to_string(schema) + " & 2147483647)::integer); ";
+  waitForLocks([&](const std::string& waitBriefly) { attempt(waitBriefly + turn); });
 }
 
 }  // namespace pelmora::postgres

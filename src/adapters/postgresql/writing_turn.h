@@ -26,6 +26,11 @@ class WritingTurn {
 
   // The statement that lets those behind it wait for other programs' locks as long as may be.
   [[nodiscard]] std::string waitAsLongAsMayBe() const;
+  // Calls `attempt` with the statement that lets those behind it wait briefly for other programs'
+  // locks, again after each time-out of a lock until the patience ends.
+  //
+  // Errors: ServerError of the last attempt.
+  void waitForLocks(const std::function<void(const std::string& waitBriefly)>& attempt) const;
   // Calls `attempt` with the statements that take the turn for the rest of the transaction, again
   // after each time-out of a lock until the patience ends.
   //

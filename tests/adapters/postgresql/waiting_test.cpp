@@ -76,6 +76,28 @@ TEST_F(waiting, also_for_rows_that_another_program_has_locked) {
   curves.execute("Update Fluids set Name = 'x'");
 }
 
+// As of a table that its owner alters.
+TEST_F(waiting, also_of_a_reader_for_a_table_that_another_program_has_locked) {
+  const ServerCurves curves;
+  int asked = 0;
+  const ConnectionPtr reader = patient(
+      curves, {.limit = 1h, .goesOn = [&](std::chrono::milliseconds) { return ++asked < 2; }});
+  const ConnectionPtr hurried = patient(curves, {.limit = 50ms, .goesOn = {}});
+  postgres::Client otherProgram(curves.path);
+  otherProgram.run("BEGIN; LOCK TABLE \"Fluids\", pelmora_migration");
+  EXPECT_EQ(failureOf([&] { (void)curves.count("Fluids"); }).number, genericFailure);
+  EXPECT_EQ(failureOf([&] { (void)postgresConnection(curves.path)->open(); }).number,
+            genericFailure);
+  EXPECT_EQ(failureOf([&] { reader->execute("Select * from Fluids"); }).number, genericFailure);
+  EXPECT_EQ(asked, 2);
+  {
+    const ReadView snapshot(hurried);
+    EXPECT_EQ(failureOf([&] { hurried->execute("Select * from Fluids"); }).number, genericFailure);
+  }
+  otherProgram.run("ROLLBACK");
+  EXPECT_EQ(failureOf([&] { reader->execute("Select * from Fluids"); }).number, 0);
+}
+
 // As another program's locks bring them about.
 TEST_F(waiting, also_means_a_deadlock_and_a_refused_serialization) {
   const ServerCurves curves;
