@@ -2,6 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "tests/end_to_end/command.h"
 
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <chrono>
 #include <cstdio>
 #include <filesystem>
 
@@ -35,14 +40,42 @@ class completion : public CommandTest {
   std::string script(const std::string& shell) const {
     return write("completion." + shell, done({"completion", shell}).output);
   }
+  // An address as COMP_WORDS has it: divided where COMP_WORDBREAKS says.
+  static std::vector<std::string> dividedByBash(const std::string& word) {
+    if (!word.starts_with("postgresql:")) return {word};
+    std::vector<std::string> parts;
+    bool wasBreak = true;
+    for (const char c : word) {
+      const bool isBreak = std::string("@=:").find(c) != std::string::npos;
+      if (parts.empty() || isBreak != wasBreak) parts.emplace_back();
+      parts.back() += c;
+      wasBreak = isBreak;
+    }
+    return parts;
+  }
   // What bash offers for the last of these words.
   std::string bash(const std::vector<std::string>& words) const {
     std::string line =
         "source '" + script("bash") + "'; compopt() { :; }; COMP_WORDS=('" PELMORA_PROGRAM "'";
-    for (const std::string& word : words) line += " '" + word + "'";
-    line += "); COMP_CWORD=" + std::to_string(words.size()) +
+    std::string typed = "pelmora";
+    std::size_t count = 0;
+    for (const std::string& word : words) {
+      typed += " " + word;
+      for (const std::string& part : dividedByBash(word)) {
+        line += " '" + part + "'";
+        ++count;
+      }
+    }
+    line += "); COMP_LINE='" + typed + "'; COMP_CWORD=" + std::to_string(count) +
             "; _pelmora; printf '%s\\n' \"${COMPREPLY[@]}\"";
     return outputOf("bash --norc -c \"$(cat '" + write("line.sh", line) + "')\"");
+  }
+  // A location as a shell takes it that knows the question mark.
+  static std::string typed(const std::string& location) {
+    const std::size_t question = location.find('?');
+    return question == std::string::npos
+               ? location
+               : location.substr(0, question) + "\\" + location.substr(question);
   }
   // What an interactive zsh shows when a tab follows `line`; it clears the line and says so
   // afterwards, which tells that it is done.
@@ -79,6 +112,25 @@ TEST_F(completion, of_bash_knows_meters_and_series_of_the_database) {
   EXPECT_EQ(bash({"show", "missing.db", "--meter", ""}), "\n");
 }
 
+// Of which one accepts connections and never says a word, and the other does not exist.
+TEST_F(completion, of_bash_never_waits_long_for_a_server) {
+  const int listener = socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  ASSERT_EQ(bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  ASSERT_EQ(listen(listener, 1), 0);
+  socklen_t size = sizeof address;
+  getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
+  const std::string silent =
+      "postgresql://lab@127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/lab";
+  const auto begin = std::chrono::steady_clock::now();
+  EXPECT_EQ(bash({"show", silent, "--meter", ""}), "\n");
+  EXPECT_EQ(bash({"show", "postgresql:///lab?host=/nonexistent", "--meter", ""}), "\n");
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(8));
+  close(listener);
+}
+
 TEST_F(completion, of_bash_offers_files_elsewhere) {
   EXPECT_EQ(bash({"show", scratch.file("cur")}), curves + "\n");
 }
@@ -93,7 +145,7 @@ TEST_F(completion, of_fish_offers_commands_choices_and_names) {
   };
   EXPECT_THAT(fish("pelmora im"), AllOf(HasSubstr("import\t"), HasSubstr("import-curve\t")));
   EXPECT_THAT(fish("pelmora fit --on-range "), AllOf(HasSubstr("abort"), HasSubstr("ignore")));
-  EXPECT_THAT(fish("pelmora show " + curves + " --meter "), HasSubstr("M"));
+  EXPECT_THAT(fish("pelmora show " + typed(curves) + " --meter "), HasSubstr("M"));
 }
 
 TEST_F(completion, of_zsh_offers_commands_choices_and_names) {
@@ -102,8 +154,8 @@ TEST_F(completion, of_zsh_offers_commands_choices_and_names) {
   EXPECT_THAT(zsh("pelmora im"), AllOf(HasSubstr("import "), HasSubstr("import-curve")));
   EXPECT_THAT(zsh("pelmora fit --on-range "),
               AllOf(HasSubstr("abort"), HasSubstr("retry"), HasSubstr("ignore")));
-  EXPECT_THAT(zsh("pelmora show " + curves + " --meter "), HasSubstr("--meter M\\ \\$1"));
-  EXPECT_THAT(zsh("pelmora show " + curves + " --meter M\\ \\$1 --series Rot"),
+  EXPECT_THAT(zsh("pelmora show " + typed(curves) + " --meter "), HasSubstr("--meter M\\ \\$1"));
+  EXPECT_THAT(zsh("pelmora show " + typed(curves) + " --meter M\\ \\$1 --series Rot"),
               AllOf(HasSubstr("Rotor\\ A"), HasSubstr("Rotor\\ B")));
 }
 

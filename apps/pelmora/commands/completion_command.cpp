@@ -3,9 +3,11 @@
 #include "apps/pelmora/options/common_options.h"
 #include "apps/pelmora/description/shell_completion.h"
 #include "apps/pelmora/output/standard_output.h"
-#include "apps/pelmora/session.h"
 #include "apps/pelmora/trouble.h"
 
+#include <pelmora/calibration.h>
+
+#include <chrono>
 #include <memory>
 
 namespace pelmora::cli {
@@ -20,11 +22,18 @@ struct NamesOptions {
   std::string kind, path, meter;
 };
 
+// Whoever presses a key waits neither for a lock nor for a server that does not answer.
+constexpr std::chrono::milliseconds mostWaitForLock{250};
+constexpr std::chrono::milliseconds mostWait{1500};
+
 // One name a line, for the completion of a half-typed line: what cannot be told is left out.
 void listNames(const NamesOptions& options) {
-  // Whoever presses a key does not wait for a lock.
-  Session session({options.path, std::chrono::milliseconds(250)}, calibration::Mode::read);
-  const calibration::Database& lab = session.database();
+  const auto end = std::chrono::steady_clock::now() + mostWait;
+  const calibration::Database lab(
+      options.path, {.mode = calibration::Mode::read,
+                     .patience = {.limit = mostWaitForLock, .goesOn = {}, .stopRequested = [end] {
+                                    return std::chrono::steady_clock::now() > end;
+                                  }}});
   std::vector<std::string> names;
   if (options.kind == "meters") {
     names = lab.serials();

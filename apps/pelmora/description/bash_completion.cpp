@@ -5,13 +5,16 @@ namespace pelmora::cli {
 namespace {
 
 // Behind the names that the database on the line holds. Quotes and backslashes are taken off what
-// was typed so far: names with blanks are completed quoted.
+// was typed so far: names with blanks are completed quoted. Bash divides an address at its colons
+// and other signs, so that it is taken from the line.
 constexpr const char* nameFunction = R"shell(_pelmora_names() {
   local file= meter= name typed i word
+  local address=$'postgres(ql)?://[^[:space:]\'"]+'
   typed=${cur//[\\\'\"]/}
   for ((i = 2; i < COMP_CWORD; i++)); do
     word=${COMP_WORDS[i]//[\\\'\"]/}
     [[ -z $file && -f $word ]] && file=$word
+    [[ -z $file && $word == postgres* && $COMP_LINE =~ $address ]] && file=${BASH_REMATCH[0]//\\}
     [[ ${COMP_WORDS[i - 1]} == --meter ]] && meter=$word
   done
   [[ -n $file ]] || return

@@ -10,6 +10,7 @@ constexpr const char* nameFunction = R"shell(function __pelmora_names
     set -l previous
     for word in (commandline -opc)[3..-1]
         test -z "$file"; and test -f "$word"; and set file $word
+        test -z "$file"; and string match -qr '^postgres(ql)?://' -- "$word"; and set file $word
         test "$previous" = --meter; and set meter --meter $word
         set previous $word
     end

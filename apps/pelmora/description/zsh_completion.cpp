@@ -9,7 +9,7 @@ constexpr const char* nameFunction = R"shell(_pelmora_names() {
   local file meter word previous=
   local -a names
   for word in "${(@Q)words[2,CURRENT-1]}"; do
-    [[ -z $file && -f $word ]] && file=$word
+    [[ -z $file && ( -f $word || $word == postgres(ql|)://* ) ]] && file=$word
     [[ $previous == --meter ]] && meter=$word
     previous=$word
   done
