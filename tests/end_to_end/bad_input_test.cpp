@@ -1,8 +1,8 @@
 // Bad input of every kind: one line, the right exit code, nothing changed.
 // SPDX-License-Identifier: MIT
 #include "tests/end_to_end/command.h"
+#include "tests/support/plain_database.h"
 
-#include <sqlite3.h>
 #include <unistd.h>
 
 namespace pelmora::test {
@@ -41,11 +41,7 @@ TEST_F(bad_database, that_is_no_database) {
 TEST_F(bad_database, that_is_a_folder) { expectRefused(scratch.path().string(), "it is a folder"); }
 
 TEST_F(bad_database, that_belongs_to_another_program) {
-  sqlite3* database = nullptr;
-  ASSERT_EQ(sqlite3_open(curves.c_str(), &database), SQLITE_OK);
-  ASSERT_EQ(sqlite3_exec(database, "CREATE TABLE notes (text)", nullptr, nullptr, nullptr),
-            SQLITE_OK);
-  sqlite3_close(database);
+  PlainSqlite(curves).run("CREATE TABLE notes (text)");
   expectRefused(curves, "meter");
 }
 
@@ -194,12 +190,7 @@ TEST_F(stored_points, that_are_null_cannot_be_read) {
   init();
   done(
       {"raw", curves, write("p.csv", "1,2\n3,4\n"), "--meter", "P", "--register", "--series", "S"});
-  sqlite3* database = nullptr;
-  ASSERT_EQ(sqlite3_open(curves.c_str(), &database), SQLITE_OK);
-  ASSERT_EQ(sqlite3_exec(database, "UPDATE raw1 SET Strouhal = NULL WHERE Roshko = 3", nullptr,
-                         nullptr, nullptr),
-            SQLITE_OK);
-  sqlite3_close(database);
+  PlainDatabase(curves).run(R"(UPDATE raw1 SET "Strouhal" = NULL WHERE "Roshko" = 3)");
   EXPECT_THAT(trouble(5, {"fit", curves, "--meter", "P", "--series", "S"}),
               HasSubstr("cannot be read"));
 }

@@ -107,6 +107,9 @@ TEST_F(export_points, writes_all_tables_of_all_series) {
 
 TEST_F(export_points, refuses_to_write_over_the_database) {
   EXPECT_THAT(trouble(2, {"export", curves, "--meter", "M1", "-o", curves}), HasSubstr("curve"));
+}
+
+TEST_F(export_points, refuses_points_of_no_known_kind) {
   EXPECT_THAT(trouble(2, {"export", curves, "--meter", "M1", "--points", "some"}),
               HasSubstr("--points"));
 }

@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/end_to_end/command.h"
 #include "tests/end_to_end/running_command.h"
-
-#include <sqlite3.h>
+#include "tests/support/plain_database.h"
 
 #include <algorithm>
 
@@ -20,23 +19,9 @@ class doctor : public CommandTest {
     done({"raw", curves, write("p.csv", "1,2\n3,4\n5,6\n"), "--meter", "P", "--register",
           "--series", "S"});
   }
-  void execute(const std::string& sql) const {
-    sqlite3* database = nullptr;
-    ASSERT_EQ(sqlite3_open(curves.c_str(), &database), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
-        << sqlite3_errmsg(database);
-    sqlite3_close(database);
-  }
-  [[nodiscard]] int count(const std::string& from) const {
-    sqlite3* database = nullptr;
-    sqlite3_stmt* statement = nullptr;
-    sqlite3_open(curves.c_str(), &database);
-    sqlite3_prepare_v2(database, ("SELECT COUNT(*) FROM " + from).c_str(), -1, &statement, nullptr);
-    sqlite3_step(statement);
-    const int rows = sqlite3_column_int(statement, 0);
-    sqlite3_finalize(statement);
-    sqlite3_close(database);
-    return rows;
+  void execute(const std::string& sql) const { PlainDatabase(curves).run(sql); }
+  [[nodiscard]] std::int64_t count(const std::string& from) const {
+    return PlainDatabase(curves).count(from);
   }
   nlohmann::json examined(int exitCode, const Arguments& more = {}) const {
     Arguments arguments{"doctor", curves, "--json"};
@@ -67,10 +52,13 @@ TEST_F(doctor, finds_nothing_wrong_after_the_commands_of_a_calibration) {
 }
 
 TEST_F(doctor, finds_points_that_are_no_finite_numbers) {
-  execute(
-      "UPDATE raw1 SET Strouhal = NULL WHERE seriesID = 5 AND Roshko = 3;"
-      "UPDATE raw1 SET Roshko = 9e999 WHERE seriesID = 5 AND Roshko = 5;"
-      "UPDATE curve SET Strouhal = 'thick' WHERE seriesID = 1 AND rowid = 1");
+  execute(R"(UPDATE raw1 SET "Strouhal" = NULL WHERE "seriesID" = 5 AND "Roshko" = 3;)"
+          R"(UPDATE raw1 SET "Roshko" = )" +
+          PlainDatabase(curves).infinity() +
+          R"( WHERE "seriesID" = 5 AND "Roshko" = 5;)"
+          // The server has columns of numbers alone, but it knows one that is none.
+          R"(UPDATE curve SET "Strouhal" = 'NaN' WHERE "seriesID" = 1 AND "Roshko" = )"
+          R"((SELECT min("Roshko") FROM curve WHERE "seriesID" = 1))");
   const auto found = finding("unusable-numbers", "error");
   EXPECT_EQ(found["count"], 3);
   EXPECT_EQ(found["repairable"], false);
@@ -81,32 +69,33 @@ TEST_F(doctor, finds_points_that_are_no_finite_numbers) {
 
 TEST_F(doctor, finds_series_and_calibrations_of_the_same_name) {
   execute(
-      "INSERT INTO series (name, meterid) VALUES ('rotor a', 1); INSERT INTO raw1 VALUES (6, 1, "
-      "2)");
+      "INSERT INTO series (name, meterid) VALUES ('rotor a', 1);"
+      R"(INSERT INTO raw1 ("seriesID", "Roshko", "Strouhal") VALUES (6, 1, 2))");
   EXPECT_EQ(finding("duplicate-series", "error")["example"],
             "series 'Rotor A' of meter 'M1', calibration 0");
-  execute(
-      "DELETE FROM series WHERE ID = 6; DELETE FROM raw1 WHERE seriesID = 6;"
-      "INSERT INTO meter (SerialNumber, ReCalID) VALUES ('m1', 0)");
+  execute(R"(DELETE FROM series WHERE "ID" = 6; DELETE FROM raw1 WHERE "seriesID" = 6;)"
+          R"(INSERT INTO meter ("SerialNumber", "ReCalID") VALUES ('m1', 0))");
   EXPECT_EQ(finding("duplicate-calibrations", "error")["count"], 1);
 }
 
 TEST_F(doctor, finds_series_without_a_name) {
-  execute(
-      "INSERT INTO series (ID, name, meterid) VALUES (8, NULL, 1), (9, '', 2);"
-      "INSERT INTO raw1 VALUES (8, 1, 2), (9, 1, 2)");
+  execute(R"(INSERT INTO series ("ID", name, meterid) VALUES (8, NULL, 1), (9, '', 2);)"
+          R"(INSERT INTO raw1 ("seriesID", "Roshko", "Strouhal") VALUES (8, 1, 2), (9, 1, 2))");
   const auto found = finding("unnamed-series", "error");
   EXPECT_EQ(found["count"], 2);
   EXPECT_EQ(found["example"], "series 8");
 }
 
 TEST_F(doctor, finds_calibration_numbers_that_are_none) {
-  execute("UPDATE meter SET ReCalID = 'first' WHERE SerialNumber = 'P'");
+  // The server's column holds whole numbers alone.
+  if (!isRunOnServer()) {
+    execute("UPDATE meter SET ReCalID = 'first' WHERE SerialNumber = 'P'");
+    EXPECT_EQ(finding("unusable-calibration-numbers", "error")["count"], 1);
+  }
+  execute(R"(UPDATE meter SET "ReCalID" = NULL WHERE "SerialNumber" = 'P')");
   const auto found = finding("unusable-calibration-numbers", "error");
   EXPECT_EQ(found["count"], 1);
   EXPECT_EQ(found["example"], "meter 'P', ID 2");
-  execute("UPDATE meter SET ReCalID = NULL WHERE SerialNumber = 'P'");
-  EXPECT_EQ(finding("unusable-calibration-numbers", "error")["count"], 1);
 }
 
 TEST_F(doctor, finds_the_same_without_an_index_of_the_points) {
@@ -114,7 +103,7 @@ TEST_F(doctor, finds_the_same_without_an_index_of_the_points) {
   done({"raw", curves, write("q.csv", "1,3\n2,5\n"), "--meter", "M1", "--series", "Rotor A",
         "--part", "2"});
   const nlohmann::json with = examined(5)["findings"];
-  execute("DROP INDEX raw1_series; DROP INDEX curve_series");
+  PlainDatabase(curves).alter("DROP INDEX raw1_series; DROP INDEX curve_series");
   const nlohmann::json without = examined(5)["findings"];
   for (const nlohmann::json& found : without) {
     if (found["id"] == "missing-indexes") continue;
@@ -149,8 +138,8 @@ TEST_F(doctor, finds_points_that_another_program_brought_back) {
   done({"exclude", curves, "--meter", "P", "--series", "S", "--part", "1", "--point", "2",
         "--reason", "air in the line"});
   examined(0);
-  execute(
-      "INSERT INTO raw1 (seriesID, Roshko, Strouhal) SELECT ID, 3, 4 FROM series WHERE name = 'S'");
+  execute(R"(INSERT INTO raw1 ("seriesID", "Roshko", "Strouhal") )"
+          R"(SELECT "ID", 3, 4 FROM series WHERE name = 'S')");
   const auto found = finding("exclusions-not-in-force", "warning");
   EXPECT_EQ(found["count"], 1);
   EXPECT_THAT(found["example"].get<std::string>(), HasSubstr("raw part 1 of series 'S'"));
@@ -158,11 +147,11 @@ TEST_F(doctor, finds_points_that_another_program_brought_back) {
 }
 
 TEST_F(doctor, removes_orphaned_rows_and_keeps_them) {
-  execute("DELETE FROM series WHERE ID = 1");  // what the component's own DeleteSeries leaves
+  execute(R"(DELETE FROM series WHERE "ID" = 1)");  // what the component's own DeleteSeries leaves
   const auto found = finding("orphaned-rows", "warning");
   EXPECT_EQ(found["repairable"], true);
   EXPECT_EQ(found["example"], "series 1");
-  const int rows = count("raw1");
+  const std::int64_t rows = count("raw1");
   const auto dry = examined(0, {"--repair", "--dry-run"});
   EXPECT_EQ(dry["findings"][0]["repaired"], true);
   EXPECT_EQ(count("raw1"), rows);
@@ -176,23 +165,25 @@ TEST_F(doctor, removes_orphaned_rows_and_keeps_them) {
 }
 
 TEST_F(doctor, removes_everything_of_a_missing_calibration) {
-  execute("DELETE FROM meter WHERE ID = 1");
+  execute(R"(DELETE FROM meter WHERE "ID" = 1)");
   EXPECT_EQ(finding("orphaned-rows", "warning")["example"], "meter 1");
   EXPECT_EQ(examined(0, {"--repair"})["findings"][0]["repaired"], true);
   EXPECT_EQ(count("series"), 1);
-  EXPECT_EQ(count("CalDataPoint"), 0);
+  EXPECT_EQ(count(R"("CalDataPoint")"), 0);
   EXPECT_EQ(count("curve"), 0);
   EXPECT_EQ(examined(0)["findings"].size(), 0U);
 }
 
 TEST_F(doctor, tells_rows_that_belong_to_nothing) {
-  execute(
-      "INSERT INTO raw3 VALUES (NULL, 1, 2); INSERT INTO CalDataPoint (CalSetupID) VALUES (77)");
+  execute(R"(INSERT INTO raw3 ("seriesID", "Roshko", "Strouhal") VALUES (NULL, 1, 2);)"
+          R"(INSERT INTO "CalDataPoint" ("CalSetupID") VALUES (77))");
   EXPECT_EQ(finding("stray-rows", "warning")["count"], 2);
 }
 
 TEST_F(doctor, makes_missing_indexes_and_history_tables) {
-  execute("DROP INDEX raw1_series; DROP INDEX series_meter; DROP TABLE pelmora_history_curve");
+  PlainDatabase(curves).alter(
+      "DROP INDEX raw1_series; DROP INDEX series_meter; "
+      "DROP TABLE pelmora_history_curve");
   const auto value = examined(0);
   ASSERT_EQ(value["findings"].size(), 2U);
   EXPECT_EQ(value["findings"][0]["id"], "missing-indexes");
@@ -215,13 +206,15 @@ TEST_F(doctor, needs_no_more_memory_for_more_series) {
   execute(
       "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 50000) "
       "INSERT INTO series (name, meterid) SELECT 'N' || i, 2 FROM n;"
-      "INSERT INTO raw1 (seriesID, Roshko, Strouhal) SELECT ID, 1, 2 FROM series WHERE ID > 5");
+      R"(INSERT INTO raw1 ("seriesID", "Roshko", "Strouhal") )"
+      R"(SELECT "ID", 1, 2 FROM series WHERE "ID" > 5)");
   constexpr long mostGrowth = 50'000 / 2;  // half a KiB a series; a list of their names takes more
   EXPECT_LT(memory() - before, mostGrowth);
 }
 
 TEST_F(doctor, shows_a_table_of_80_columns_and_one_line_of_trouble) {
-  execute("DELETE FROM series WHERE ID = 1; UPDATE raw1 SET Roshko = NULL WHERE seriesID = 5");
+  execute(R"(DELETE FROM series WHERE "ID" = 1; )"
+          R"(UPDATE raw1 SET "Roshko" = NULL WHERE "seriesID" = 5)");
   const CommandResult result = run({"doctor", curves});
   EXPECT_EQ(result.exitCode, 5);
   EXPECT_THAT(result.error, HasSubstr("has problems"));

@@ -1,7 +1,7 @@
 // Result files of the outside program, brought in at the command line.
 // SPDX-License-Identifier: MIT
 #include "tests/end_to_end/command.h"
-#include "tests/support/plain_sqlite.h"
+#include "tests/support/plain_database.h"
 
 namespace pelmora::test {
 namespace {
@@ -26,7 +26,6 @@ class import_curve : public CommandTest {
     arguments.emplace_back("--json");
     return arguments;
   }
-  void sql(const std::string& statements) const { PlainSqlite(curves).run(statements); }
   // The points merged for the series, as the program shows them.
   nlohmann::json stored() const {
     return done({"show", curves, "--meter", "M1", "--series", "S", "--json"}).json();
@@ -96,7 +95,13 @@ TEST_F(import_curve, never_renames_over_an_older_file) {
 }
 
 TEST_F(import_curve, leaves_the_file_where_nothing_can_be_stored) {
-  sql("CREATE TRIGGER full BEFORE INSERT ON merge BEGIN SELECT RAISE(ABORT, 'no room'); END");
+  PlainDatabase(curves).alter(
+      isRunOnServer()
+          ? "CREATE FUNCTION refuse() RETURNS trigger LANGUAGE plpgsql AS "
+            "'BEGIN RAISE EXCEPTION ''no room''; END';"
+            "CREATE TRIGGER no_room BEFORE INSERT ON merge EXECUTE FUNCTION refuse()"
+          : "CREATE TRIGGER no_room BEFORE INSERT ON merge BEGIN SELECT RAISE(ABORT, 'no room'); "
+            "END");
   expectRefused(3, results("20 6\r\n10 5\r\n"), "no room");
 }
 

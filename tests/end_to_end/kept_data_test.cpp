@@ -1,9 +1,9 @@
 // What commands replace is kept with them; a dry run and a change that fails leave all as it was.
 // SPDX-License-Identifier: MIT
 #include "tests/end_to_end/command.h"
+#include "tests/support/plain_database.h"
 
 #include <signal.h>
-#include <sqlite3.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -14,27 +14,16 @@ namespace {
 
 using testing::HasSubstr;
 
-// Everything in the file but the history itself.
-std::string dump(const std::string& path) {
+// Everything in the database but the history itself.
+std::string dump(const std::string& location) {
   std::string text;
-  sqlite3* database = nullptr;
-  EXPECT_EQ(sqlite3_open(path.c_str(), &database), SQLITE_OK);
+  const PlainDatabase database(location);
   for (const char* table : {"meter", "series", "raw1", "raw2", "raw3", "raw4", "merge", "curve",
                             "DataFitResults", "CalSetup", "CalDataPoint", "Fluids", "Operator"}) {
     text += std::string(table) + "\n";
-    sqlite3_stmt* statement = nullptr;
-    const std::string sql = "SELECT * FROM \"" + std::string(table) + "\"";
-    EXPECT_EQ(sqlite3_prepare_v2(database, sql.c_str(), -1, &statement, nullptr), SQLITE_OK);
-    while (sqlite3_step(statement) == SQLITE_ROW) {
-      for (int i = 0; i < sqlite3_column_count(statement); ++i) {
-        const auto* value = reinterpret_cast<const char*>(sqlite3_column_text(statement, i));
-        text += std::string(value == nullptr ? "null" : value) + "|";
-      }
-      text += "\n";
-    }
-    sqlite3_finalize(statement);
+    for (const std::string& row : database.rows("SELECT * FROM \"" + std::string(table) + "\""))
+      text += row + "\n";
   }
-  sqlite3_close(database);
   return text;
 }
 
@@ -99,14 +88,14 @@ TEST_F(kept_data, is_none_where_nothing_was_replaced) {
 
 TEST_F(kept_data, dry_runs_say_the_same_and_change_nothing) {
   for (const Arguments& change : changes()) {
-    const std::string before = bytesOf(curves);
+    const std::string before = PlainDatabase(curves).contents();
     const auto dry = done(with(with(change, "--dry-run"), "--json")).json();
     EXPECT_EQ(dry["dryRun"], true) << change[0];
     EXPECT_EQ(dry["historyEntries"].size(), 0U) << change[0];
     EXPECT_THAT(done(with(change, "--dry-run")).output,
                 AllOf(HasSubstr("nothing was changed"), Not(HasSubstr("Stored"))))
         << change[0];
-    EXPECT_EQ(bytesOf(curves), before) << change[0];
+    EXPECT_EQ(PlainDatabase(curves).contents(), before) << change[0];
     auto wet = done(with(change, "--json")).json();
     wet["dryRun"] = true;
     wet["historyEntries"] = nlohmann::json::array();
@@ -121,18 +110,10 @@ TEST_F(kept_data, dry_run_leaves_a_result_file_where_it_is) {
 }
 
 TEST_F(kept_data, is_kept_in_a_database_that_has_no_history_yet) {
-  sqlite3* database = nullptr;
-  ASSERT_EQ(sqlite3_open(curves.c_str(), &database), SQLITE_OK);
-  std::string drops;
-  const auto collect = [](void* text, int, char** values, char**) {
-    *static_cast<std::string*>(text) += "DROP TABLE " + std::string(values[0]) + ";";
-    return 0;
-  };
-  sqlite3_exec(database,
-               "SELECT name FROM sqlite_master WHERE name LIKE 'pelmora_history%' AND type='table'",
-               collect, &drops, nullptr);
-  ASSERT_EQ(sqlite3_exec(database, drops.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
-  sqlite3_close(database);
+  const PlainDatabase database(curves);
+  for (const std::string& table : database.rows(
+           "SELECT name FROM sqlite_master WHERE name LIKE 'pelmora_history%' AND type = 'table'"))
+    database.run("DROP TABLE " + table);
   const std::string before = dump(curves);
   done({"raw", curves, write("q.csv", "9,9\n8,8\n"), "--meter", "P", "--series", "S"});
   done({"restore", curves, "1"});

@@ -1,10 +1,7 @@
 // A curve database that another process has locked.
 // SPDX-License-Identifier: MIT
 #include "tests/end_to_end/command.h"
-
-#include <signal.h>
-#include <sqlite3.h>
-#include <unistd.h>
+#include "tests/support/held_database.h"
 
 #include <chrono>
 #include <memory>
@@ -15,41 +12,6 @@ namespace {
 
 using testing::AllOf;
 using testing::HasSubstr;
-
-// A process of its own that holds a lock until it is told to go.
-class LockingProcess {
- public:
-  LockingProcess(const std::string& path, const char* begin) {
-    int ready[2];
-    if (pipe(ready) != 0) std::abort();
-    child_ = fork();
-    if (child_ == 0) {
-      sqlite3* database = nullptr;
-      const bool isHeld = sqlite3_open(path.c_str(), &database) == SQLITE_OK &&
-                          sqlite3_exec(database, begin, nullptr, nullptr, nullptr) == SQLITE_OK;
-      const char answer = isHeld ? 'y' : 'n';
-      if (write(ready[1], &answer, 1) != 1) _exit(1);
-      for (;;) pause();
-    }
-    char answer = 'n';
-    const bool isTold = read(ready[0], &answer, 1) == 1;
-    close(ready[0]);
-    close(ready[1]);
-    isHeld_ = isTold && answer == 'y';
-  }
-  ~LockingProcess() {
-    kill(child_, SIGKILL);
-    waitpid(child_, nullptr, 0);
-  }
-  LockingProcess(const LockingProcess&) = delete;
-  LockingProcess& operator=(const LockingProcess&) = delete;
-  [[nodiscard]] bool isHeld() const { return isHeld_; }
-  [[nodiscard]] pid_t process() const { return child_; }
-
- private:
-  pid_t child_ = -1;
-  bool isHeld_ = false;
-};
 
 class locked_database : public CommandTest {
  protected:
@@ -71,8 +33,7 @@ TEST_F(locked_database, is_an_error_after_the_wait_and_not_changed) {
   const auto before = show();
   const auto start = std::chrono::steady_clock::now();
   {
-    const LockingProcess other(curves, "BEGIN EXCLUSIVE");
-    ASSERT_TRUE(other.isHeld());
+    const HeldDatabase other(curves, Held::againstAll);
     for (const Arguments& command : std::vector<Arguments>{
              {"show", curves},
              {"fit", curves, "--meter", "P", "--series", "S"},
@@ -83,7 +44,7 @@ TEST_F(locked_database, is_an_error_after_the_wait_and_not_changed) {
              {"doctor", curves},
              twoFluids()}) {
       EXPECT_THAT(trouble(3, hurried(command)),
-                  AllOf(HasSubstr("locked by another user"), HasSubstr("curves.db")))
+                  AllOf(HasSubstr("locked by another user"), HasSubstr(curves)))
           << command[0];
     }
   }
@@ -92,8 +53,7 @@ TEST_F(locked_database, is_an_error_after_the_wait_and_not_changed) {
 }
 
 TEST_F(locked_database, can_be_read_while_another_process_is_about_to_write) {
-  const LockingProcess other(curves, "BEGIN IMMEDIATE");
-  ASSERT_TRUE(other.isHeld());
+  const HeldDatabase other(curves, Held::againstWriters);
   EXPECT_EQ(show()["raw"][0].size(), 2U);
   EXPECT_THAT(
       trouble(3, hurried({"raw", curves, scratch.file("p.csv"), "--meter", "P", "--series", "S"})),
@@ -108,9 +68,8 @@ TEST_F(locked_database, can_be_read_while_another_process_is_about_to_write) {
 }
 
 TEST_F(locked_database, is_waited_for) {
-  for (const char* begin : {"BEGIN EXCLUSIVE", "BEGIN IMMEDIATE"}) {
-    auto other = std::make_unique<LockingProcess>(curves, begin);
-    ASSERT_TRUE(other->isHeld());
+  for (const Held held : {Held::againstAll, Held::againstWriters}) {
+    auto other = std::make_unique<HeldDatabase>(curves, held);
     std::thread release([&] {
       std::this_thread::sleep_for(std::chrono::seconds(1));
       other.reset();
@@ -122,8 +81,7 @@ TEST_F(locked_database, is_waited_for) {
 
 TEST_F(locked_database, is_waited_for_as_long_as_the_configuration_says) {
   const std::string file = write("config.ini", "[raw]\nwait=0.1\n");
-  const LockingProcess other(curves, "BEGIN EXCLUSIVE");
-  ASSERT_TRUE(other.isHeld());
+  const HeldDatabase other(curves, Held::againstAll);
   const auto start = std::chrono::steady_clock::now();
   trouble(
       3, {"--config", file, "raw", curves, scratch.file("p.csv"), "--meter", "P", "--series", "S"});
@@ -132,11 +90,10 @@ TEST_F(locked_database, is_waited_for_as_long_as_the_configuration_says) {
 
 TEST_F(locked_database, is_waited_for_with_a_word_at_a_terminal) {
   const PseudoTerminal terminal;
-  const LockingProcess other(curves, "BEGIN EXCLUSIVE");
-  ASSERT_TRUE(other.isHeld());
+  const HeldDatabase other(curves, Held::againstAll);
   const CommandResult result = runAt(terminal, {"show", curves, "--wait", "4"});
   EXPECT_EQ(result.exitCode, 3);
-  EXPECT_THAT(result.error, HasSubstr("waiting for process " + std::to_string(other.process())));
+  EXPECT_THAT(result.error, HasSubstr("waiting for " + other.holder()));
   EXPECT_THAT(result.error, HasSubstr(" s)"));
 }
 
@@ -151,10 +108,7 @@ TEST_F(locked_database, is_not_read_as_a_file_of_points) {
 }
 
 TEST_F(locked_database, works_again_when_the_other_process_has_gone) {
-  {
-    const LockingProcess other(curves, "BEGIN EXCLUSIVE");
-    ASSERT_TRUE(other.isHeld());
-  }
+  { const HeldDatabase other(curves, Held::againstAll); }
   done(twoFluids());
 }
 

@@ -1,6 +1,7 @@
 // A meter's calibration from the stand's measurements to the stored curve.
 // SPDX-License-Identifier: MIT
 #include "tests/end_to_end/true_curve.h"
+#include "tests/support/environment.h"
 
 #include <algorithm>
 #include <cmath>
@@ -95,6 +96,7 @@ TEST_F(main_job, tells_the_same_as_text_and_as_json) {
   constexpr std::size_t shortName = 20;
   const CommandResult text = done(twoFluids());
   std::filesystem::remove(curves);
+  EXPECT_EQ(newCurvePlace(scratch), curves);  // empty again
   init();
   const json value = done(twoFluids({"--json"})).json();
   EXPECT_EQ(value["meter"]["serialNumber"], "M1");
@@ -115,14 +117,17 @@ TEST_F(main_job, tells_the_same_as_text_and_as_json) {
 
 TEST_F(main_job, writes_tables_of_80_columns) {
   init();
-  // A short name, because the path of a file is never broken. Nor is a command to copy.
+  // A short name, because a location is never broken. Nor is a command to copy.
   const std::string before = std::filesystem::current_path().string();
   std::filesystem::current_path(scratch.path());
+  const Environment environment(isRunOnServer() ? variablesOf(curves)
+                                                : std::map<std::string, std::string>());
+  const std::string name = isRunOnServer() ? "postgresql://" : "curves.db";
   Arguments arguments = twoFluids();
-  arguments[1] = "curves.db";
+  arguments[1] = name;
   std::string output = done(arguments).output;
-  output += done({"show", "curves.db"}).output;
-  output += done({"show", "curves.db", "--meter", "M1"}).output;
+  output += done({"show", name}).output;
+  output += done({"show", name, "--meter", "M1"}).output;
   std::istringstream lines(output);
   std::filesystem::current_path(before);
   for (std::string line; std::getline(lines, line);) {

@@ -1,8 +1,7 @@
 // Commands that read a curve say if it is older than its points, and which points were left out.
 // SPDX-License-Identifier: MIT
 #include "tests/end_to_end/command.h"
-
-#include <sqlite3.h>
+#include "tests/support/plain_database.h"
 
 #include <algorithm>
 #include <map>
@@ -134,13 +133,8 @@ TEST_F(old_curve, of_points_that_another_program_brought_back_is_found_by_the_do
                                [](const json& f) { return f["id"] == "exclusions-not-in-force"; });
   };
   EXPECT_FALSE(isThere());
-  sqlite3* database = nullptr;
-  ASSERT_EQ(sqlite3_open(curves.c_str(), &database), SQLITE_OK);
-  const char* again =
-      "insert into raw1 (SeriesID, Roshko, Strouhal) "
-      "select SeriesID, Roshko, Strouhal from pelmora_excluded1";
-  EXPECT_EQ(sqlite3_exec(database, again, nullptr, nullptr, nullptr), SQLITE_OK);
-  sqlite3_close(database);
+  PlainDatabase(curves).run(R"(insert into raw1 ("seriesID", "Roshko", "Strouhal") )"
+                            R"(select "SeriesID", "Roshko", "Strouhal" from pelmora_excluded1)");
   EXPECT_TRUE(isThere());
   EXPECT_THAT(run({"doctor", curves}).output,
               AllOf(HasSubstr("raw part 1"), HasSubstr("Rotor A"), HasSubstr("pelmora points")));

@@ -1,9 +1,9 @@
 // The commands on a curve database of a PostgreSQL server: the same as on a file, to the last
 // digit. SPDX-License-Identifier: MIT
 #include "tests/end_to_end/command.h"
+#include "tests/support/environment.h"
 #include "tests/support/postgres_server.h"
 
-#include <cstdlib>
 #include <regex>
 #include <string>
 #include <utility>
@@ -101,14 +101,13 @@ TEST_F(server_database, keeps_a_password_out_of_sight) {
 
 TEST_F(server_database, takes_what_the_address_leaves_out_from_the_environment) {
   PostgresServer& server = PostgresServer::running();
-  const std::string name = server.newDatabase();
-  const std::string address = server.address(name);
-  setenv("PGHOST", address.substr(address.find("host=") + 5).c_str(), 1);
-  setenv("PGUSER", "lab", 1);
-  setenv("PGDATABASE", name.c_str(), 1);
-  const CommandResult made = run({"init", "postgresql://"});
-  const CommandResult shown = run({"show", "postgresql://", "--json"});
-  for (const char* variable : {"PGHOST", "PGUSER", "PGDATABASE"}) unsetenv(variable);
+  const std::string address = server.address(server.newDatabase());
+  CommandResult made, shown;
+  {
+    const Environment environment(variablesOf(address));
+    made = run({"init", "postgresql://"});
+    shown = run({"show", "postgresql://", "--json"});
+  }
   EXPECT_EQ(made.exitCode, 0) << made.error;
   EXPECT_EQ(shown.exitCode, 0) << shown.error;
   done({"show", address});

@@ -1,7 +1,7 @@
 // Stored data that cannot be read: never a series left out in silence, never exit code 0.
 // SPDX-License-Identifier: MIT
 #include "tests/end_to_end/command.h"
-#include "tests/support/plain_sqlite.h"
+#include "tests/support/plain_database.h"
 
 #include <bit>
 #include <cmath>
@@ -34,7 +34,7 @@ class unreadable_series : public CommandTest {
   static std::string strouhal(const std::string& series, int i) {
     return std::to_string((series == "B" ? 200 : 100) + 10 * (1 + i * 0.003));
   }
-  void sql(const std::string& statements) const { PlainSqlite(curves).run(statements); }
+  void sql(const std::string& statements) const { PlainDatabase(curves).run(statements); }
   // Overwrites the start of every page that holds the number, as a bad disk would.
   void damagePageOf(double number) const {
     std::string content = bytesOf(curves), bytes;
@@ -76,7 +76,7 @@ class unreadable_series : public CommandTest {
 };
 
 TEST_F(unreadable_series, with_an_empty_point_are_named) {
-  sql("Update raw1 set Strouhal=NULL where seriesID=2 and rowid%100=7");
+  sql(R"(Update raw1 set "Strouhal"=NULL where "seriesID"=2 and "Roshko">100 and "Roshko"<101)");
   expectNamed("B");
 }
 
@@ -102,7 +102,7 @@ TEST_F(unreadable_series, with_fit_settings_that_are_no_numbers_end_no_refit_of_
 }
 
 TEST_F(unreadable_series, without_a_name_are_not_left_out) {
-  sql("Update series set name=NULL where ID=2");
+  sql(R"(Update series set name=NULL where "ID"=2)");
   for (const Arguments& command : std::vector<Arguments>{{"show", curves},
                                                          {"show", curves, "--meter", "M1"},
                                                          {"export", curves, "--meter", "M1"},
@@ -114,9 +114,12 @@ TEST_F(unreadable_series, without_a_name_are_not_left_out) {
 }
 
 TEST_F(unreadable_series, of_a_calibration_without_a_number_are_not_left_out) {
-  sql("Update meter set ReCalID='first'");
-  EXPECT_THAT(trouble(5, {"show", curves}), HasSubstr("'M1'"));
-  EXPECT_EQ(run({"refit", curves, "--all"}).exitCode, 5);
+  for (const std::string number : {"100000", "'first'"}) {
+    if (isRunOnServer() && number == "'first'") continue;  // which its column refuses
+    sql(R"(Update meter set "ReCalID"=)" + number);
+    EXPECT_THAT(trouble(5, {"show", curves}), HasSubstr("'M1'")) << number;
+    EXPECT_EQ(run({"refit", curves, "--all"}).exitCode, 5) << number;
+  }
 }
 
 // The import derives the parts of its own runs again. Another part stays as it is.
@@ -124,7 +127,7 @@ TEST_F(unreadable_series, among_those_that_an_import_derives_end_a_calibration_w
   done(twoFluids());
   done({"raw", curves, write("p.csv", "1,2\n3,4\n"), "--meter", "M1", "--series", "Rotor B",
         "--part", "3"});
-  sql("Update raw3 set Strouhal=NULL");
+  sql(R"(Update raw3 set "Strouhal"=NULL)");
   const CommandResult result = run(twoFluids());
   EXPECT_EQ(result.exitCode, 5) << result.output;
   EXPECT_THAT(result.error, AllOf(HasSubstr("series 'Rotor B'"), HasSubstr("cannot be read")));
@@ -136,7 +139,7 @@ TEST_F(unreadable_series, on_a_damaged_page_are_named) {
 }
 
 TEST_F(unreadable_series, of_a_table_with_other_columns_are_not_left_out) {
-  sql("Alter table raw2 rename column Strouhal to Other");
+  PlainDatabase(curves).alter(R"(Alter table raw2 rename column "Strouhal" to "Other")");
   for (const Arguments& command : std::vector<Arguments>{{"show", curves, "--meter", "M1"},
                                                          {"export", curves, "--meter", "M1"},
                                                          {"refit", curves, "--all"}}) {

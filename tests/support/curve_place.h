@@ -8,6 +8,7 @@
 
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 namespace pelmora::test {
 
@@ -19,13 +20,20 @@ inline std::string lackOfServer() {
   return isRunOnServer() ? PostgresServer::lack() : std::string();
 }
 
+// Whether a test has changed the tables of its database, not only rows.
+inline bool& isCurvePlaceAltered() {
+  static bool isAltered = false;
+  return isAltered;
+}
+
 // Making a database on a server takes longer than most tests: all tests of a program have one,
-// which is empty again for each. A program must not have two places at the same time.
+// which is empty again for each, and a new one behind a test that has altered it. A program must
+// not have two places at the same time.
 inline std::string newCurvePlace(const ScratchFolder& folder) {
   if (!isRunOnServer() || !lackOfServer().empty()) return folder.file("curves.db");
   PostgresServer& server = PostgresServer::running();
   static std::string name;
-  if (name.empty()) {
+  if (name.empty() || std::exchange(isCurvePlaceAltered(), false)) {
     name = server.newDatabase();
   } else {
     // Without a record of its migrations it takes the tables for new ones.

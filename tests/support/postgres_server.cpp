@@ -156,11 +156,14 @@ void PostgresServer::run(const std::string& database, const std::string& stateme
     throw std::runtime_error("psql has failed; see " + folder_.file("log"));
 }
 
+std::string PostgresServer::client(const std::string& address) {
+  return "'" + folderOfPrograms() + "/psql' -XAtq -v ON_ERROR_STOP=1 -d '" + address + "'";
+}
+
 std::string PostgresServer::ask(const std::string& address, const std::string& question) {
   std::string quoted;
   for (const char c : question) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  const std::string command = "'" + folderOfPrograms() + "/psql' -XAtq -v ON_ERROR_STOP=1 -d '" +
-                              address + "' -c '" + quoted + "'";
+  const std::string command = client(address) + " -c '" + quoted + "'";
   FILE* answer = popen(command.c_str(), "r");
   if (answer == nullptr) throw std::runtime_error("psql cannot be run");
   std::string text;

@@ -29,6 +29,8 @@ class PostgresServer {
   [[nodiscard]] std::string newDatabase();
   // Runs statements of the server's own SQL, as the administrator.
   void run(const std::string& database, const std::string& statements) const;
+  // A shell's line that talks to a database in the server's own SQL: values without decoration.
+  [[nodiscard]] static std::string client(const std::string& address);
   // The answer to a question in the server's own SQL: values without decoration, a line for each
   // row.
   [[nodiscard]] static std::string ask(const std::string& address, const std::string& question);
