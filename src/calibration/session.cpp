@@ -51,8 +51,8 @@ void throwFailure(const std::string& doing, const std::string& location, const E
 
 std::string remedyOf(const Error& error) {
   if (error.number() != connectionLost) return {};
-  return "check the address and the password, and that the server runs and accepts connections "
-         "from this computer; 'psql' with the same address should connect";
+  return "the server has to run and to accept connections from this computer; 'psql' with the same "
+         "address should connect";
 }
 
 Session::Session(std::string address, OpenOptions options)

@@ -12,6 +12,7 @@
 namespace pelmora::test {
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -115,7 +116,18 @@ TEST_F(server_database, takes_what_the_address_leaves_out_from_the_environment) 
 
 TEST_F(server_database, says_what_is_wrong_and_what_to_do) {
   const std::string address = newAddress();
-  EXPECT_THAT(trouble(3, {"show", address}), HasSubstr("has no curve tables"));
+  const std::string access = data("../../tests/data/access/curves.mdb");
+  const std::string points = write("p.csv", "1,2\n3,4\n"), file = scratch.file("file.db");
+  done({"init", file});
+  for (const Arguments& command : std::vector<Arguments>{
+           {"show", address},
+           {"raw", address, points, "--meter", "M1", "--register", "--series", "S"},
+           {"import-access", access, address},
+           {"copy", file, address}}) {
+    EXPECT_THAT(trouble(3, command), AllOf(HasSubstr("has no curve tables"),
+                                           HasSubstr("'pelmora init ADDRESS'"), HasSubstr(address)))
+        << command[0];
+  }
   done({"init", address});
   EXPECT_THAT(trouble(3, {"init", address}), HasSubstr("exists already"));
   EXPECT_THAT(trouble(3, {"show", "postgresql:///lab?host=/nonexistent"}),

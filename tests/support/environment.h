@@ -12,12 +12,9 @@ namespace pelmora::test {
 class Environment {
  public:
   explicit Environment(const std::map<std::string, std::string>& variables) {
-    for (const auto& [name, value] : variables) {
-      const char* before = std::getenv(name.c_str());
-      before_[name] = before == nullptr ? std::nullopt : std::optional<std::string>(before);
-      setenv(name.c_str(), value.c_str(), 1);
-    }
+    for (const auto& [name, value] : variables) set(name, value);
   }
+  Environment(const std::string& name, const std::string& value) { set(name, value); }
   ~Environment() {
     for (const auto& [name, value] : before_) {
       if (value) {
@@ -31,6 +28,12 @@ class Environment {
   Environment& operator=(const Environment&) = delete;
 
  private:
+  void set(const std::string& name, const std::string& value) {
+    const char* before = std::getenv(name.c_str());
+    before_[name] = before == nullptr ? std::nullopt : std::optional<std::string>(before);
+    setenv(name.c_str(), value.c_str(), 1);
+  }
+
   std::map<std::string, std::optional<std::string>> before_;
 };
 

@@ -5,9 +5,11 @@
 
 #include <fcntl.h>
 #include <grp.h>
+#include <netinet/in.h>
 #include <pwd.h>
 #include <signal.h>
 #include <sys/prctl.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -48,6 +50,21 @@ std::string whatIsMissing() {
   return {};
 }
 
+// Of localhost. Another program may take it before the server does, but hardly ever will.
+int freePort() {
+  const int listener = socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in own{};
+  own.sin_family = AF_INET;
+  own.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t size = sizeof own;
+  auto* const address = reinterpret_cast<sockaddr*>(&own);
+  const bool isBound =
+      bind(listener, address, size) == 0 && getsockname(listener, address, &size) == 0;
+  close(listener);
+  if (!isBound) throw std::runtime_error("no free port");
+  return ntohs(own.sin_port);
+}
+
 }  // namespace
 
 const std::string& PostgresServer::lack() {
@@ -56,21 +73,51 @@ const std::string& PostgresServer::lack() {
 }
 
 PostgresServer& PostgresServer::running() {
-  static PostgresServer server;
+  static PostgresServer server(Reach::socket);
   return server;
 }
 
-PostgresServer::PostgresServer() : programs_(folderOfPrograms()) {
+PostgresServer& PostgresServer::encrypted() {
+  static PostgresServer server(Reach::network);
+  return server;
+}
+
+PostgresServer::PostgresServer(Reach reach) : programs_(folderOfPrograms()) {
   if (const passwd* user = serverUser()) {
     if (chown(folder_.path().c_str(), user->pw_uid, user->pw_gid) != 0)
       throw std::runtime_error("the folder cannot be given to the server's user");
   }
-  int status = 0;
-  const pid_t made = launch({programs_ + "/initdb", "-D", folder_.file("data"), "-A", "trust", "-U",
-                             "lab", "-E", "UTF8", "--locale=C", "-N"});
-  if (waitpid(made, &status, 0) != made || status != 0)
-    throw std::runtime_error("initdb has failed; see " + folder_.file("log"));
+  mustSucceed({programs_ + "/initdb", "-D", folder_.file("data"), "-A", "trust", "-U", "lab", "-E",
+               "UTF8", "--locale=C", "-N"});
+  if (reach == Reach::network) {
+    makeCertificates();
+    std::ofstream(folder_.file("data/pg_hba.conf"))
+        << "local all all trust\nhostssl all all localhost scram-sha-256\n";
+    port_ = freePort();
+  }
   start();
+}
+
+void PostgresServer::makeCertificates() const {
+  const auto authority = [&](const std::string& name) {
+    mustSucceed({"/usr/bin/openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-keyout",
+                 file(name + ".key"), "-out", file(name + ".pem"), "-days", "2", "-subj",
+                 "/CN=" + name});
+  };
+  authority("root");
+  authority("other");
+  mustSucceed({"/usr/bin/openssl", "req", "-newkey", "rsa:2048", "-nodes", "-keyout",
+               file("server.key"), "-out", file("request.pem"), "-subj", "/CN=localhost"});
+  mustSucceed({"/usr/bin/openssl", "x509", "-req", "-in", file("request.pem"), "-CA",
+               file("root.pem"), "-CAkey", file("root.key"), "-CAcreateserial", "-out",
+               file("server.pem"), "-days", "2"});
+}
+
+void PostgresServer::mustSucceed(const std::vector<std::string>& command) const {
+  int status = 0;
+  const pid_t child = launch(command);
+  if (waitpid(child, &status, 0) != child || status != 0)
+    throw std::runtime_error(command[0] + " has failed; see " + file("log"));
 }
 
 PostgresServer::~PostgresServer() { stop(SIGINT); }
@@ -111,10 +158,19 @@ bool PostgresServer::isReady() const {
 }
 
 void PostgresServer::start() {
-  server_ =
-      launch({programs_ + "/postgres", "-D", folder_.file("data"), "-k", folder_.path().string(),
-              "-c", "listen_addresses=", "-c", "fsync=off", "-c", "full_page_writes=off", "-c",
-              "shared_buffers=16MB", "-c", "max_connections=60"});
+  std::vector<std::string> command{programs_ + "/postgres", "-D", file("data"), "-k",
+                                   folder_.path().string()};
+  std::vector<std::string> settings{"fsync=off", "full_page_writes=off", "shared_buffers=16MB",
+                                    "max_connections=60"};
+  if (port_ == 0) {
+    settings.emplace_back("listen_addresses=");
+  } else {
+    settings.insert(settings.end(), {"listen_addresses=localhost", "port=" + std::to_string(port_),
+                                     "ssl=on", "ssl_cert_file=" + file("server.pem"),
+                                     "ssl_key_file=" + file("server.key"), "log_connections=on"});
+  }
+  for (const std::string& setting : settings) command.insert(command.end(), {"-c", setting});
+  server_ = launch(command);
   while (!isReady()) {
     if (waitpid(server_, nullptr, WNOHANG) == server_)
       throw std::runtime_error("the server has ended; see " + folder_.file("log"));
@@ -139,7 +195,13 @@ std::string PostgresServer::address(const std::string& database) const {
 }
 
 std::string PostgresServer::address(const std::string& database, const std::string& user) const {
-  return "postgresql://" + user + "@/" + database + "?host=" + folder_.path().string();
+  return "postgresql://" + user + "@/" + database + "?host=" + folder_.path().string() +
+         (port_ == 0 ? "" : "&port=" + std::to_string(port_));
+}
+
+std::string PostgresServer::networkAddress(const std::string& database,
+                                           const std::string& user) const {
+  return "postgresql://" + user + "@localhost:" + std::to_string(port_) + "/" + database;
 }
 
 std::string PostgresServer::newDatabase() {
@@ -149,11 +211,8 @@ std::string PostgresServer::newDatabase() {
 }
 
 void PostgresServer::run(const std::string& database, const std::string& statements) const {
-  int status = 0;
-  const pid_t client = launch({programs_ + "/psql", "-X", "-q", "-v", "ON_ERROR_STOP=1", "-d",
-                               address(database), "-c", statements});
-  if (waitpid(client, &status, 0) != client || status != 0)
-    throw std::runtime_error("psql has failed; see " + folder_.file("log"));
+  mustSucceed({programs_ + "/psql", "-X", "-q", "-v", "ON_ERROR_STOP=1", "-d", address(database),
+               "-c", statements});
 }
 
 std::string PostgresServer::client(const std::string& address) {

@@ -20,11 +20,20 @@ class PostgresServer {
   [[nodiscard]] static const std::string& lack();
   // Needs lack() empty. Errors: std::runtime_error.
   static PostgresServer& running();
+  // Another one, which also listens to localhost: there for encrypted connections alone, with a
+  // password. root.pem in its folder has signed its certificate, other.pem has not. Errors as
+  // above.
+  static PostgresServer& encrypted();
 
   // Of the administrator; "postgres" is always there.
   [[nodiscard]] std::string address(const std::string& database) const;
   // Of another user who may log in.
   [[nodiscard]] std::string address(const std::string& database, const std::string& user) const;
+  // Of encrypted(): on localhost, by TCP.
+  [[nodiscard]] std::string networkAddress(const std::string& database,
+                                           const std::string& user) const;
+  [[nodiscard]] int port() const { return port_; }
+  [[nodiscard]] std::string file(const std::string& name) const { return folder_.file(name); }
   // A new, empty database. The same name is never given twice.
   [[nodiscard]] std::string newDatabase();
   // Runs statements of the server's own SQL, as the administrator.
@@ -42,7 +51,10 @@ class PostgresServer {
   PostgresServer& operator=(const PostgresServer&) = delete;
 
  private:
-  PostgresServer();
+  enum class Reach { socket, network };
+  explicit PostgresServer(Reach reach);
+  void makeCertificates() const;
+  void mustSucceed(const std::vector<std::string>& command) const;
   [[nodiscard]] pid_t launch(const std::vector<std::string>& command) const;
   void start();
   void stop(int signal);
@@ -52,6 +64,7 @@ class PostgresServer {
   std::string programs_;
   pid_t server_ = -1;
   int databases_ = 0;
+  int port_ = 0;  // 0: a socket alone
 };
 
 }  // namespace pelmora::test

@@ -97,7 +97,8 @@ void addCopyCommand(Program& program) {
                   });
   command.setFooter(
       "Without --meter and --new-ids every row keeps its id, and the history comes along. Tables "
-      "that are not part of a curve database are not copied.");
+      "that are not part of a curve database are not copied. On a server, make the target first "
+      "with 'pelmora init'.");
   addJson(command, request->asJson);
   command.onRun([request] { copyCurves(*request); });
 }

@@ -85,7 +85,9 @@ void addImportAccessCommand(Program& program) {
           request->file);
   addDatabase(command, request->curves);
   command.setFooter(
-      "CURVES is created if it does not exist; otherwise it must be an empty curve database.");
+      "A file is created if it does not exist; otherwise CURVES must be an empty curve database. "
+      "On "
+      "a server, make one first with 'pelmora init'.");
   addJson(command, request->asJson);
   command.onRun([request] { importAccess(*request); });
 }

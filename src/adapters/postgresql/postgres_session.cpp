@@ -40,12 +40,13 @@ std::string textAt(const ServerRows& rows) {
 Error noCurveTables(const std::string& shown, int migration) {
   const std::string described =
       migration == 0 ? "Database '" + shown +
-                           "' has no curve tables. Create a curve database there first, or name "
-                           "another one."
+                           "' has no curve tables. Make them with 'pelmora init ADDRESS', or name "
+                           "another database."
       : migration < currentMigration()
           ? "The curve database '" + shown +
-                "' was made by an older version of this program. Its owner brings it up to date by "
-                "creating it again; its rows stay."
+                "' was made by an older version of this program. Its owner brings it up to date "
+                "with "
+                "'pelmora init ADDRESS'; its rows stay."
           : "The curve database '" + shown +
                 "' was made by a newer version of this program. Update the program.";
   return {static_cast<std::int32_t>(RunTimeError::invalidFileFormat), "Pelmora", described};

@@ -21,6 +21,21 @@ Error numbered(RunTimeError number, const std::string& description) {
   return {static_cast<std::int32_t>(number), "Pelmora", description};
 }
 
+// What to look at when no connection comes about. The client library gives its reasons as texts
+// alone; a host may have them in another language, and then gets the last advice.
+std::string adviceFor(std::string_view reason) {
+  const auto has = [&](std::string_view part) { return reason.find(part) != std::string::npos; };
+  if (has("certificate") || has("SSL error")) {
+    return "Check that sslrootcert names the certificate of the server's authority, and that the "
+           "address names the server as its certificate does.";
+  }
+  if (has("no password supplied") || has("password authentication failed"))
+    return "Check the user and the password, which comes from PGPASSWORD or the password file.";
+  if (has("service"))
+    return "Check the name of the service and the service file, which PGSERVICEFILE names.";
+  return "Check the address, the user and that the server runs.";
+}
+
 bool isOneOf(std::string_view state, std::initializer_list<std::string_view> states) {
   for (const std::string_view known : states) {
     if (state == known) return true;
@@ -80,8 +95,7 @@ Error connectionLostError(const ServerError& error, const std::string& database,
 
 Error cannotConnect(const ServerError& error, const std::string& database) {
   return {sql::connectionLost, "Pelmora",
-          "Could not open database '" + database +
-              "'. Check the address, the user and that the server runs." + native(error)};
+          "Could not open database '" + database + "'. " + adviceFor(error.what()) + native(error)};
 }
 
 }  // namespace pelmora::postgres
