@@ -90,11 +90,21 @@ HistoryEntry Database::remove(const Meter& meter) {
   return removeScope(*session_, history::wholeCalibration(meter.id), meter, "");
 }
 
-std::vector<HistoryEntry> Database::history(const HistoryFilter& filter) const {
+void Database::visitHistory(const HistoryFilter& filter,
+                            const std::function<void(const HistoryEntry&)>& visit) const {
   history::EntryFilter wanted{filter.serial, filter.series, {}};
   if (filter.calibration) wanted.ReCalID = *filter.calibration;
-  return session_->asking("the history of '" + location() + "' cannot be read",
-                          [&] { return entriesOf(history::entries(session_->curves(), wanted)); });
+  const auto moment = session_->moment();
+  session_->asking("the history of '" + location() + "' cannot be read", [&] {
+    history::visitEntries(session_->curves(), wanted,
+                          [&](const history::Entry& entry) { visit(entryOf(entry)); });
+  });
+}
+
+std::vector<HistoryEntry> Database::history(const HistoryFilter& filter) const {
+  std::vector<HistoryEntry> list;
+  visitHistory(filter, [&](const HistoryEntry& entry) { list.push_back(entry); });
+  return list;
 }
 
 Restored Database::restore(HistoryEntryId entry) {

@@ -4,6 +4,7 @@
 #include "store/curve_schema.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace pelmora::history {
 namespace {
@@ -30,27 +31,56 @@ std::vector<std::string> withExcluded(std::vector<std::string> tables) {
   return tables;
 }
 
-Entry entryOf(const Recordset& rows) {
-  Entry entry;
-  entry.ID = wholeOf(rows.value("ID"));
-  entry.Note = {textOf(rows.value("Command")), textOf(rows.value("ChangedAt")),
-                textOf(rows.value("UserName")), textOf(rows.value("Version"))};
-  entry.SerialNumber = textOf(rows.value("SerialNumber"));
-  entry.SeriesName = textOf(rows.value("SeriesName"));
-  entry.ReCalID = static_cast<std::int32_t>(wholeOf(rows.value("ReCalID")));
-  entry.Kept = {static_cast<std::int32_t>(wholeOf(rows.value("MeterID"))),
-                static_cast<std::int32_t>(wholeOf(rows.value("SeriesID"))),
-                withExcluded(split(textOf(rows.value("KeptTables"))))};
-  return entry;
-}
+// What EntryReader reads.
+constexpr const char* entryColumns =
+    "ID, Command, ChangedAt, UserName, Version, SerialNumber, SeriesName, ReCalID, MeterID, "
+    "SeriesID, KeptTables";
 
-std::vector<Entry> readEntries(const ConnectionPtr& curves, const std::string& where) {
-  std::vector<Entry> list;
-  if (!hasTable(curves, historyEntryTable)) return list;
-  const auto rows =
-      read(curves, "Select * from " + std::string(historyEntryTable) + where + " ORDER BY ID DESC");
-  for (; !rows->atEnd(); rows->moveNext()) list.push_back(entryOf(*rows));
-  return list;
+// Reads entries into others, whose memory is used again.
+class EntryReader {
+ public:
+  void read(const Recordset& row, Entry& entry) {
+    std::size_t column = 0;
+    const auto whole = [&] { return wholeOf(row.value(column++)); };
+    const auto text = [&] { return textOf(row.value(column++)); };
+    entry.ID = whole();
+    entry.Note.Command = text();
+    entry.Note.ChangedAt = text();
+    entry.Note.UserName = text();
+    entry.Note.Version = text();
+    entry.SerialNumber = text();
+    entry.SeriesName = text();
+    entry.ReCalID = static_cast<std::int32_t>(whole());
+    entry.Kept.MeterID = static_cast<std::int32_t>(whole());
+    entry.Kept.SeriesID = static_cast<std::int32_t>(whole());
+    entry.Kept.Tables = tablesOf(text());
+    entry.Rows.clear();
+  }
+
+ private:
+  // Most entries keep the same tables as the one before.
+  const std::vector<std::string>& tablesOf(std::string names) {
+    if (names != names_) {
+      tables_ = withExcluded(split(names));
+      names_ = std::move(names);
+    }
+    return tables_;
+  }
+
+  std::string names_;
+  std::vector<std::string> tables_;
+};
+
+void readEntries(const ConnectionPtr& curves, const std::string& top, const std::string& where,
+                 std::vector<Entry>& list) {
+  const auto rows = read(curves, "Select " + top + entryColumns + " from " + historyEntryTable +
+                                     where + " ORDER BY ID DESC");
+  list.resize(static_cast<std::size_t>(rows->recordCount()));
+  EntryReader reader;
+  for (Entry& entry : list) {
+    reader.read(*rows, entry);
+    rows->moveNext();
+  }
 }
 
 std::string literal(const std::string& text) {
@@ -66,45 +96,72 @@ std::string conditionOf(const EntryFilter& filter) {
   return where;
 }
 
-// The ids that series of that name have had.
-Ids seriesIds(const ConnectionPtr& curves, const std::vector<Entry>& list,
-              const std::string& name) {
-  Ids entryIds;
-  for (const Entry& entry : list) entryIds.push_back(entry.ID);
-  const std::string named = "=" + literal(name);
-  Ids ids = idsOf(curves, "Select DISTINCT SeriesID from " + std::string(historyEntryTable) +
-                              whereIn("ID", entryIds) + " AND SeriesName" + named);
-  const Ids kept = idsOf(curves, "Select DISTINCT ID from " + historyTableOf("series") +
-                                     whereIn("EntryID", entryIds) + " AND name" + named);
+// The ids that series of the filter's name have had.
+Ids seriesIds(const ConnectionPtr& curves, const EntryFilter& filter) {
+  const std::string table = historyEntryTable, where = conditionOf(filter);
+  const std::string named = "=" + literal(filter.SeriesName);
+  Ids ids =
+      idsOf(curves, "Select DISTINCT SeriesID from " + table + where + " AND SeriesName" + named);
+  const Ids kept =
+      idsOf(curves, "Select DISTINCT s.ID from " + historyTableOf("series") + " AS s INNER JOIN " +
+                        table + " AS e ON s.EntryID=e.ID" + where + " AND s.name" + named);
   ids.insert(ids.end(), kept.begin(), kept.end());
   return ids;
 }
 
-// For up to so many entries their rows are looked up; for more, all rows are counted in one pass.
-constexpr std::size_t fewEntries = 50;
-
-// Counts the kept rows of the entries, table by table. ofSeries: only rows of series with these
-// ids.
-void countRows(const ConnectionPtr& curves, std::vector<Entry>& list,
-               const std::optional<Ids>& ofSeries) {
-  Ids entryIds;
-  for (const Entry& entry : list) entryIds.push_back(entry.ID);
-  const std::string ofEntries = list.size() <= fewEntries ? whereIn("EntryID", entryIds) : "";
-  for (const KeptTable& table : keptTables()) {
-    if (!hasTable(curves, table.HistoryName) || (ofSeries && table.RowsBelongTo != Owner::series))
-      continue;
-    const std::string where = ofSeries ? whereIn(table.KeyColumn, *ofSeries) : ofEntries;
-    std::map<std::int64_t, std::size_t> counts;
-    const auto rows = read(curves, "Select EntryID, COUNT(*) AS n from [" + table.HistoryName +
-                                       "]" + where + " GROUP BY EntryID");
-    for (; !rows->atEnd(); rows->moveNext()) {
-      counts[wholeOf(rows->value("EntryID"))] = static_cast<std::size_t>(wholeOf(rows->value("n")));
-    }
-    for (Entry& entry : list) {
-      if (const auto found = counts.find(entry.ID); found != counts.end())
-        entry.Rows[table.Name] = found->second;
+// Counts the kept rows of entries, table by table. ofSeries: only rows of series with these ids.
+class RowCounter {
+ public:
+  explicit RowCounter(ConnectionPtr curves, const std::optional<Ids>& ofSeries = {})
+      : curves_(std::move(curves)), ofSeries_(ofSeries) {
+    for (const KeptTable& table : keptTables()) {
+      const bool isOfSeries = table.RowsBelongTo == Owner::series;
+      if ((!ofSeries_ || isOfSeries) && hasTable(curves_, table.HistoryName))
+        tables_.push_back(&table);
     }
   }
+
+  // list: from the newest to the oldest.
+  void count(std::vector<Entry>& list) const {
+    const std::string ofEntries = conditionOn(list);
+    for (const KeptTable* table : tables_) {
+      const std::string where =
+          ofSeries_ ? whereIn(table->KeyColumn, *ofSeries_) + " AND " : std::string(" where ");
+      const auto rows = read(curves_, "Select EntryID, COUNT(*) AS n from [" + table->HistoryName +
+                                          "]" + where + ofEntries + " GROUP BY EntryID");
+      for (; !rows->atEnd(); rows->moveNext()) {
+        const std::int64_t id = wholeOf(rows->value(0));
+        const auto entry = std::lower_bound(
+            list.begin(), list.end(), id,
+            [](const Entry& known, std::int64_t wanted) { return known.ID > wanted; });
+        if (entry != list.end() && entry->ID == id)
+          entry->Rows[table->Name] = static_cast<std::size_t>(wholeOf(rows->value(1)));
+      }
+    }
+  }
+
+ private:
+  // Few entries are looked up one by one; of many, the whole range is read.
+  static std::string conditionOn(const std::vector<Entry>& list) {
+    constexpr std::size_t few = 50;
+    if (list.size() > few) {
+      return "EntryID >= " + std::to_string(list.back().ID) +
+             " AND EntryID <= " + std::to_string(list.front().ID);
+    }
+    Ids ids;
+    for (const Entry& entry : list) ids.push_back(entry.ID);
+    return whereIn("EntryID", ids).substr(std::string(" where ").size());
+  }
+
+  ConnectionPtr curves_;
+  const std::optional<Ids>& ofSeries_;
+  std::vector<const KeptTable*> tables_;
+};
+
+// Whether the entry, with its rows counted, has to do with one of these series.
+bool concerns(const Entry& entry, const Ids& series) {
+  if (entry.Kept.SeriesID == 0) return !entry.Rows.empty();
+  return std::find(series.begin(), series.end(), entry.Kept.SeriesID) != series.end();
 }
 
 }  // namespace
@@ -114,26 +171,40 @@ std::size_t Entry::rowsOf(const std::string& table) const {
   return found == Rows.end() ? 0 : found->second;
 }
 
+void visitEntries(const ConnectionPtr& curves, const EntryFilter& filter,
+                  const EntryVisitor& visit) {
+  constexpr std::size_t most = 2000;  // in memory
+  if (!hasTable(curves, historyEntryTable)) return;
+  std::optional<Ids> ofSeries;
+  if (!filter.SeriesName.empty()) ofSeries = seriesIds(curves, filter);
+  if (ofSeries && ofSeries->empty()) return;
+  const RowCounter counter(curves, ofSeries);
+  const std::string top = "TOP " + std::to_string(most) + " ";
+  std::string where = conditionOf(filter);
+  std::vector<Entry> list;
+  do {
+    readEntries(curves, top, where, list);
+    if (list.empty()) return;
+    counter.count(list);
+    for (const Entry& entry : list) {
+      if (!ofSeries || concerns(entry, *ofSeries)) visit(entry);
+    }
+    where = conditionOf(filter) + " AND ID < " + std::to_string(list.back().ID);
+  } while (list.size() == most);
+}
+
 std::vector<Entry> entries(const ConnectionPtr& curves, const EntryFilter& filter) {
-  std::vector<Entry> list = readEntries(curves, conditionOf(filter));
-  if (list.empty()) return list;
-  if (filter.SeriesName.empty()) {
-    countRows(curves, list, std::nullopt);
-    return list;
-  }
-  const Ids ids = seriesIds(curves, list, filter.SeriesName);
-  countRows(curves, list, ids);
-  std::erase_if(list, [&](const Entry& entry) {
-    const bool isItsOwn = std::find(ids.begin(), ids.end(), entry.Kept.SeriesID) != ids.end();
-    return entry.Kept.SeriesID == 0 ? entry.Rows.empty() : !isItsOwn;
-  });
+  std::vector<Entry> list;
+  visitEntries(curves, filter, [&](const Entry& entry) { list.push_back(entry); });
   return list;
 }
 
 std::optional<Entry> findEntry(const ConnectionPtr& curves, std::int64_t entryID) {
-  std::vector<Entry> list = readEntries(curves, " where ID=" + std::to_string(entryID));
+  if (!hasTable(curves, historyEntryTable)) return std::nullopt;
+  std::vector<Entry> list;
+  readEntries(curves, "", " where ID=" + std::to_string(entryID), list);
   if (list.empty()) return std::nullopt;
-  countRows(curves, list, std::nullopt);
+  RowCounter(curves).count(list);
   return list.front();
 }
 

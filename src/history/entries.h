@@ -7,6 +7,7 @@
 #include "history/kept_change.h"
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -30,8 +31,14 @@ struct EntryFilter {
   std::optional<std::int32_t> ReCalID;
 };
 
-// Entries from the newest to the oldest; none where the database has no history. With a series,
-// entries of whole calibrations count the rows of that series alone.
+using EntryVisitor = std::function<void(const Entry&)>;
+
+// Calls `visit` with entries from the newest to the oldest, of which only some are in memory at a
+// time; with none where the database has no history. With a series, entries of whole calibrations
+// count the rows of that series alone. They are of one moment in a transaction alone.
+PELMORA_API void visitEntries(const ConnectionPtr& curves, const EntryFilter& filter,
+                              const EntryVisitor& visit);
+// All of them.
 [[nodiscard]] PELMORA_API std::vector<Entry> entries(const ConnectionPtr& curves,
                                                      const EntryFilter& filter = {});
 

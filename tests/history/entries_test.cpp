@@ -64,6 +64,39 @@ TEST_F(history_entries, count_their_rows_however_many_there_are) {
   }
 }
 
+// More than are in memory at a time, with gaps between their numbers.
+TEST_F(history_entries, are_delivered_one_by_one_however_many_there_are) {
+  changeThrice();
+  PlainSqlite(curves.path)
+      .run(
+          "WITH RECURSIVE n(i) AS (SELECT 4 UNION ALL SELECT i + 1 FROM n WHERE i < 6000) "
+          "INSERT INTO pelmora_history_entry (ID, SerialNumber, ReCalID, MeterID, SeriesID, "
+          "SeriesName, KeptTables) SELECT i, CASE WHEN i % 2 = 0 THEN 'M1' ELSE 'M9' END, 0, 1, "
+          "CASE WHEN i % 5 = 0 THEN 0 ELSE 2 END, CASE WHEN i % 5 <> 0 THEN 'Rotor B' END,"
+          " CASE WHEN i % 3 = 0 THEN 'curve' ELSE 'raw1' END FROM n WHERE i % 7 <> 0;"
+          "INSERT INTO pelmora_history_curve (EntryID, seriesID) "
+          "SELECT ID, 2 FROM pelmora_history_entry WHERE ID > 3 AND ID % 3 = 0");
+  const auto isThere = [](std::int64_t id) { return id % 7 != 0; };
+  std::int64_t next = 6000;
+  visitEntries(curves.connection, {}, [&](const Entry& entry) {
+    while (!isThere(next)) --next;
+    EXPECT_EQ(entry.ID, next--);
+    if (entry.ID <= 3) return;
+    EXPECT_EQ(entry.rowsOf("curve"), entry.ID % 3 == 0 ? 1U : 0U);
+    EXPECT_EQ(entry.Kept.Tables.front(), entry.ID % 3 == 0 ? "curve" : "raw1");
+    EXPECT_EQ(entry.Kept.SeriesID, entry.ID % 5 == 0 ? 0 : 2);
+  });
+  EXPECT_EQ(next, 0);
+
+  std::vector<std::int64_t> ofSeries;
+  for (std::int64_t id = 6000; id > 3; --id) {
+    const bool isOfCalibration = id % 5 == 0;
+    if (isThere(id) && id % 2 == 0 && (!isOfCalibration || id % 3 == 0)) ofSeries.push_back(id);
+  }
+  ofSeries.insert(ofSeries.end(), {2, 1});
+  EXPECT_EQ(ids({"M1", "Rotor B", {}}), ofSeries);
+}
+
 TEST_F(history_entries, that_are_old_can_be_taken_out) {
   changeThrice();
   const auto prune = [&](const Pruning& pruning) {

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/commands/commands.h"
 #include "apps/pelmora/input/question.h"
+#include "apps/pelmora/interruption.h"
 #include "apps/pelmora/last_words.h"
 #include "apps/pelmora/options/common_options.h"
 #include "apps/pelmora/options/strict_number.h"
 #include "apps/pelmora/output/history_output.h"
+#include "apps/pelmora/output/long_output.h"
 #include "apps/pelmora/output/standard_output.h"
 #include "apps/pelmora/output/text_table.h"
 #include "apps/pelmora/session.h"
@@ -33,22 +35,44 @@ struct HistoryRequest {
   Consent consent;
 };
 
+void listText(Session& session, const calibration::HistoryFilter& filter) {
+  TableLayout table(entryColumns());
+  bool isEmpty = true;
+  session.database().visitHistory(filter, [&](const calibration::HistoryEntry& entry) {
+    requireNotInterrupted();
+    isEmpty = false;
+    table.measure(entryCells(entry));
+  });
+  if (isEmpty) return printData("Nothing that was replaced is kept here.\n");
+  LongText text;
+  text.add(table.head());
+  session.database().visitHistory(filter, [&](const calibration::HistoryEntry& entry) {
+    requireNotInterrupted();
+    text.add(table.line(entryCells(entry)));
+  });
+  text.add("\n" +
+           wrapped("Points are those that were there before each command, Out those that were "
+                   "excluded. Bring an entry's rows back with 'pelmora restore " +
+                       session.path() + " #'.",
+                   0));
+  text.end();
+}
+
+void listJson(Session& session, const calibration::HistoryFilter& filter) {
+  LongList list({{"database", session.path()}, {"entries", nlohmann::json::array()}});
+  session.database().visitHistory(filter, [&](const calibration::HistoryEntry& entry) {
+    requireNotInterrupted();
+    list.add(entryJson(entry));
+  });
+  list.end();
+}
+
 void list(const HistoryRequest& request) {
   Session session(request.curves, calibration::Mode::read);
   calibration::HistoryFilter filter{request.meter, request.series, {}};
   if (request.calibration != calibration::latestCalibration)
     filter.calibration = request.calibration;
-  const auto entries = session.database().history(filter);
-  if (request.asJson) {
-    return printData(
-        report::jsonText({{"database", session.path()}, {"entries", entriesJson(entries)}}));
-  }
-  if (entries.empty()) return printData("Nothing that was replaced is kept here.\n");
-  printData(entriesTable(entries) + "\n" +
-            wrapped("Points are those that were there before each command, Out those that were "
-                    "excluded. Bring an entry's rows back with 'pelmora restore " +
-                        session.path() + " #'.",
-                    0));
+  request.asJson ? listJson(session, filter) : listText(session, filter);
 }
 
 void prune(const HistoryRequest& request) {

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/output/history_output.h"
 
-#include "apps/pelmora/output/text_table.h"
-
 #include <nlohmann/json.hpp>
 
 #include <array>
@@ -54,11 +52,6 @@ std::string rowsKey(const std::string& table) {
   return found == nullptr ? table : found->key;
 }
 
-std::size_t rowsOf(const HistoryEntry& entry, const std::string& table) {
-  const auto found = entry.rows.find(table);
-  return found == entry.rows.end() ? 0 : found->second;
-}
-
 std::string countText(std::size_t count) { return count == 0 ? "-" : std::to_string(count); }
 
 // "2026-11-21T14:05:09Z" as "2026-11-21 14:05"
@@ -93,30 +86,39 @@ std::string placeText(const std::string& serial, int calibration, const std::str
   return series.empty() ? meter : "series '" + series + "' of " + meter;
 }
 
-std::string entriesTable(const std::vector<HistoryEntry>& entries) {
-  TextTable table({{"#", Align::right},
-                   {"Changed (UTC)", Align::right},
-                   {"Command", Align::left},
-                   {"Meter", Align::left},
-                   {"Cal", Align::right},
-                   {"Series", Align::left},
-                   {"Raw", Align::right},
-                   {"Out", Align::right},
-                   {"Merged", Align::right},
-                   {"Curve", Align::right},
-                   {"User", Align::left}});
-  for (const HistoryEntry& entry : entries) {
-    std::size_t raw = 0, excluded = 0;
-    for (const char* part : {"1", "2", "3", "4"}) {
-      raw += rowsOf(entry, std::string("raw") + part);
-      excluded += rowsOf(entry, std::string("pelmora_excluded") + part);
-    }
-    table.addRow(
-        {std::to_string(entry.id), minuteText(entry.changedAt), entry.command, entry.serial,
-         std::to_string(entry.calibration), entry.series.empty() ? "(all)" : entry.series,
-         countText(raw), countText(excluded), countText(rowsOf(entry, "merge")),
-         countText(rowsOf(entry, "curve")), entry.userName.empty() ? "-" : entry.userName});
+std::vector<TextColumn> entryColumns() {
+  return {{"#", Align::right},      {"Changed (UTC)", Align::right},
+          {"Command", Align::left}, {"Meter", Align::left},
+          {"Cal", Align::right},    {"Series", Align::left},
+          {"Raw", Align::right},    {"Out", Align::right},
+          {"Merged", Align::right}, {"Curve", Align::right},
+          {"User", Align::left}};
+}
+
+std::vector<std::string> entryCells(const HistoryEntry& entry) {
+  std::size_t raw = 0, excluded = 0, merged = 0, curve = 0;
+  for (const auto& [table, count] : entry.rows) {
+    if (table.starts_with("raw")) raw += count;
+    if (table.starts_with("pelmora_excluded")) excluded += count;
+    if (table == "merge") merged = count;
+    if (table == "curve") curve = count;
   }
+  return {std::to_string(entry.id),
+          minuteText(entry.changedAt),
+          entry.command,
+          entry.serial,
+          std::to_string(entry.calibration),
+          entry.series.empty() ? "(all)" : entry.series,
+          countText(raw),
+          countText(excluded),
+          countText(merged),
+          countText(curve),
+          entry.userName.empty() ? "-" : entry.userName};
+}
+
+std::string entriesTable(const std::vector<HistoryEntry>& entries) {
+  TextTable table(entryColumns());
+  for (const HistoryEntry& entry : entries) table.addRow(entryCells(entry));
   return table.text();
 }
 

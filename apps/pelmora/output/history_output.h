@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "apps/pelmora/output/text_table.h"
+
 #include <pelmora/calibration/history.h>
 
 #include <nlohmann/json_fwd.hpp>
@@ -25,6 +27,9 @@ struct NamedCount {
 // In JSON, where names are never changed: "raw1", "curve" ...
 [[nodiscard]] nlohmann::json countsJson(const RowCounts& rows);
 
+// A table of entries, and an entry as its row.
+[[nodiscard]] std::vector<TextColumn> entryColumns();
+[[nodiscard]] std::vector<std::string> entryCells(const calibration::HistoryEntry& entry);
 [[nodiscard]] std::string entriesTable(const std::vector<calibration::HistoryEntry>& entries);
 [[nodiscard]] nlohmann::json entryJson(const calibration::HistoryEntry& entry);
 [[nodiscard]] nlohmann::json entriesJson(const std::vector<calibration::HistoryEntry>& entries);

@@ -292,7 +292,12 @@ class PELMORA_API Database {
   [[nodiscard]] Removal removal(const Meter& meter) const;
   HistoryEntry remove(const Removal& shown);
 
-  // Everything that was replaced or deleted, newest first.
+  // Calls `visit` with everything that was replaced or deleted, newest first, all of one moment.
+  // The memory that it needs does not grow with its number. `visit` may read from the database, but
+  // not change it.
+  void visitHistory(const HistoryFilter& filter,
+                    const std::function<void(const HistoryEntry&)>& visit) const;
+  // The same as a list.
   [[nodiscard]] std::vector<HistoryEntry> history(const HistoryFilter& filter = {}) const;
   // Brings back what an entry holds, with its ids. What it replaces is kept in turn.
   //
