@@ -95,6 +95,20 @@ TEST_F(old_curve, is_current_again_after_the_suggested_command) {
   EXPECT_EQ(reported()["curveAge"], "current");
 }
 
+// A point that the merge had cut was not fitted, so that the curve stays the same without it.
+TEST_F(old_curve, is_current_again_where_the_refit_finds_the_same_curve) {
+  done(rotorA("refit", curves));
+  const json points = done(rotorA("points", curves, {"--json"})).json()["points"];
+  const auto cut = std::ranges::find_if(points, [](const json& p) { return p["state"] == "cut"; });
+  ASSERT_NE(cut, points.end());
+  done(rotorA("exclude", curves,
+              {"--part", (*cut)["part"].dump(), "--point", (*cut)["number"].dump(), "--reason",
+               "air in the line"}));
+  EXPECT_EQ(reported()["curveAge"], "outdated");
+  EXPECT_EQ(done(rotorA("refit", curves, {"--json"})).json()["series"][0]["outcome"], "kept");
+  EXPECT_EQ(reported()["curveAge"], "current");
+}
+
 TEST_F(old_curve, does_not_matter_to_raw_points) {
   EXPECT_EQ(run(rotorA("export", curves, {"--points", "raw"})).error, "");
 }

@@ -93,8 +93,9 @@ RefitCurve fitAgain(const Database& lab, RefitReading reading, const RefitOption
   curve.fit = std::move(repeated.fit);
   compare(stored->curve, curve.fit.curve, options.changedPercent, curve.result);
   curve.result.equation = curve.fit.chosen().Name;
-  curve.isSame = curve.fit.curve == stored->curve && curve.fit.merged == stored->merged &&
-                 curve.fit.report == stored->report &&
+  // Stored all the same, a curve that was older than its points no longer is.
+  curve.isSame = stored->age != CurveAge::outdated && curve.fit.curve == stored->curve &&
+                 curve.fit.merged == stored->merged && curve.fit.report == stored->report &&
                  options.change.isInForceIn(settingsToRepeat(repeated.settings));
   return curve;
 }
