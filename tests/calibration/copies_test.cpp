@@ -184,6 +184,18 @@ TEST_F(Copies, in_portions_go_on_where_they_were_interrupted) {
   expectWhole();
 }
 
+TEST_F(Copies, in_portions_have_the_checksums_of_a_whole_one) {
+  makeTarget();
+  const auto checksums = [](const ProofSheet& sheet) {
+    std::map<std::string, std::pair<std::uint64_t, std::uint64_t>> all;
+    for (const ProofTable& table : sheet.tables)
+      all[table.name] = {table.checksumRead, table.checksumWritten};
+    return all;
+  };
+  const auto inPortions = checksums(copy({.portion = 2}));
+  EXPECT_EQ(inPortions, checksums(copyCurves(source(), scratchFile("whole.db"), {})));
+}
+
 TEST_F(Copies, that_were_interrupted_are_not_mixed_with_others) {
   makeTarget();
   std::stop_source stop;

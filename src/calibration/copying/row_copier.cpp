@@ -132,18 +132,27 @@ RowPortion RowCopier::inTarget(const RowPortion& portion, const std::string& own
   return RowPortion::of(std::move(owners));
 }
 
-// A row counts with its place among those of the portion: the order of points matters.
+// A row counts with its place among those of its owner: the order of points matters. Whether the
+// owners come in portions does not.
+std::uint64_t RowCopier::checksumOf(Row& row, Places& places) const {
+  const auto owner = columnOf(*table_, owner_.Column);
+  std::int64_t& place = places[owner ? rowChecksum({&row[*owner], 1}) : 0];
+  row.emplace_back(place++);
+  const std::uint64_t checksum = rowChecksum(row);
+  row.pop_back();
+  return checksum;
+}
+
 void RowCopier::readBack(const std::string& where, ProofTable& proof) {
   const auto rows = readRows(to_, "Select * from " + table_->Name + where);
   const auto fields = fieldsOf(*rows, *table_);
-  Row row(fields.size() + 1);
-  for (std::int64_t place = 0; !rows->atEnd(); rows->moveNext(), ++place) {
+  Row row(fields.size());
+  for (Places places; !rows->atEnd(); rows->moveNext()) {
     for (std::size_t i = 0; i < fields.size(); ++i) {
       row[i] = fields[i] ? rows->value(*fields[i]) : Value();
       if (isNull(row[i])) ++proof.empty;
     }
-    row.back() = place;
-    proof.checksumWritten += rowChecksum(row);
+    proof.checksumWritten += checksumOf(row, places);
     ++proof.written;
   }
 }
@@ -159,13 +168,12 @@ void RowCopier::copy(const SchemaTable& table, const std::string& owner,
     const auto rows = readRows(from_, "Select * from " + table.Name + portion.where(owner));
     fields_ = fieldsOf(*rows, table);
     target_ = openForBatch(to_, "Select * from " + table.Name + " where False");
-    for (std::int64_t place = 0; !rows->atEnd(); rows->moveNext()) {
+    for (Places places; !rows->atEnd(); rows->moveNext()) {
       ++proof.read;
       Row row = rowOf(*rows, proof.read);
       if (!takeIds(row, proof.read)) continue;
       write(row);
-      row.emplace_back(place++);
-      proof.checksumRead += rowChecksum(row);
+      proof.checksumRead += checksumOf(row, places);
     }
   }
   target_->updateBatch();

@@ -13,6 +13,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace pelmora::calibration {
@@ -29,6 +30,7 @@ class RowCopier {
 
  private:
   using Row = std::vector<Value>;
+  using Places = std::unordered_map<std::uint64_t, std::int64_t>;  // the next one of each owner
 
   [[nodiscard]] Row rowOf(const Recordset& rows, std::uint64_t number);
   // False if the row has to be left out; the reason is listed.
@@ -37,6 +39,7 @@ class RowCopier {
   [[nodiscard]] std::vector<RowReference> references() const;
   [[nodiscard]] std::int64_t newId(const Row& row);
   void write(const Row& row);
+  [[nodiscard]] std::uint64_t checksumOf(Row& row, Places& places) const;
   void readBack(const std::string& where, ProofTable& proof);
   [[nodiscard]] RowPortion inTarget(const RowPortion& portion, const std::string& ownerTable) const;
   void leaveOut(std::uint64_t number, const std::string& place, const std::string& reason);
