@@ -5,16 +5,21 @@
 #include "apps/pelmora/failure_trouble.h"
 #include "apps/pelmora/interruption.h"
 #include "apps/pelmora/last_words.h"
+#include "apps/pelmora/options/configuration_file.h"
 #include "apps/pelmora/options/program.h"
 #include "apps/pelmora/output/standard_output.h"
 #include "apps/pelmora/output/terminal_colour.h"
 #include "apps/pelmora/trouble.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdio>
 #include <exception>
 #include <new>
+#include <span>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace pelmora::cli {
 namespace {
@@ -27,48 +32,67 @@ int report(const Trouble& trouble) {
   return static_cast<int>(trouble.code());
 }
 
-void addCommands(Program& program) {
-  addInitCommand(program);
-  addImportCommand(program);
-  addImportCurveCommand(program);
-  addImportAccessCommand(program);
-  addCopyCommand(program);
-  addRawCommand(program);
-  addPlotCommand(program);
-  addPointsCommand(program);
-  addExcludeCommand(program);
-  addIncludeCommand(program);
-  addFitCommand(program);
-  addRefitCommand(program);
-  addFleetCommand(program);
-  addWorkerCommand(program);
-  addEquationsCommand(program);
-  addEvaluateCommand(program);
-  addCompareCommand(program);
-  addExportCommand(program);
-  addShowCommand(program);
-  addCalibrateCommand(program);
-  addMeterCommand(program);
-  addLaboratoryCommand(program);
-  addStandCommand(program);
-  addFlowCommand(program);
-  addDriftCommand(program);
-  addFluidCommand(program);
-  addReportCommand(program);
-  addCheckDccCommand(program);
-  addDeleteCommand(program);
-  addDoctorCommand(program);
-  addHistoryCommand(program);
-  addRestoreCommand(program);
-  addWorkbenchCommand(program);
-  addCompletionCommand(program);
-  addManCommand(program);
-  addNamesCommand(program);
+struct NamedCommand {
+  std::string_view name;
+  void (*add)(Program&);
+  bool describesAll = false;  // it needs all commands
+};
+
+// In the order in which the help lists them.
+constexpr std::array<NamedCommand, 36> commands{{{"init", addInitCommand},
+                                                 {"import", addImportCommand},
+                                                 {"import-curve", addImportCurveCommand},
+                                                 {"import-access", addImportAccessCommand},
+                                                 {"copy", addCopyCommand},
+                                                 {"raw", addRawCommand},
+                                                 {"plot", addPlotCommand},
+                                                 {"points", addPointsCommand},
+                                                 {"exclude", addExcludeCommand},
+                                                 {"include", addIncludeCommand},
+                                                 {"fit", addFitCommand},
+                                                 {"refit", addRefitCommand},
+                                                 {"fleet", addFleetCommand},
+                                                 {"worker", addWorkerCommand},
+                                                 {"equations", addEquationsCommand},
+                                                 {"evaluate", addEvaluateCommand},
+                                                 {"compare", addCompareCommand},
+                                                 {"export", addExportCommand},
+                                                 {"show", addShowCommand},
+                                                 {"calibrate", addCalibrateCommand},
+                                                 {"meter", addMeterCommand},
+                                                 {"laboratory", addLaboratoryCommand},
+                                                 {"stand", addStandCommand},
+                                                 {"flow", addFlowCommand},
+                                                 {"drift", addDriftCommand},
+                                                 {"fluid", addFluidCommand},
+                                                 {"report", addReportCommand},
+                                                 {"check-dcc", addCheckDccCommand},
+                                                 {"delete", addDeleteCommand},
+                                                 {"doctor", addDoctorCommand},
+                                                 {"history", addHistoryCommand},
+                                                 {"restore", addRestoreCommand},
+                                                 {"workbench", addWorkbenchCommand},
+                                                 {"completion", addCompletionCommand, true},
+                                                 {"man", addManCommand, true},
+                                                 {"names", addNamesCommand}}};
+
+// Commands have some hundred options together: where the first argument names one, or asks for the
+// version, the others are left out.
+void addCommands(Program& program, std::span<const char* const> arguments) {
+  if (!arguments.empty() && !hasConfiguration(arguments)) {
+    const std::string_view first = arguments.front();
+    if (first == "--version" && arguments.size() == 1) return;
+    for (const NamedCommand& command : commands) {
+      if (command.name == first && !command.describesAll) return command.add(program);
+    }
+  }
+  for (const NamedCommand& command : commands) command.add(program);
 }
 
 void parseAndRun(int argc, const char* const* argv) {
   Program program;
-  addCommands(program);
+  const std::span all(argv, static_cast<std::size_t>(argc));
+  addCommands(program, all.empty() ? all : all.subspan(1));
   program.run(argc, argv);
 }
 

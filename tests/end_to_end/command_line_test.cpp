@@ -3,6 +3,8 @@
 #include "tests/end_to_end/command.h"
 
 #include <regex>
+#include <string>
+#include <vector>
 
 namespace pelmora::test {
 namespace {
@@ -10,7 +12,22 @@ namespace {
 using testing::AllOf;
 using testing::HasSubstr;
 
-class command_line : public CommandTest {};
+class command_line : public CommandTest {
+ protected:
+  // The program lists its commands on the man page, one reference each: \fBpelmora\-show\fR(1)
+  [[nodiscard]] std::vector<std::string> commands() const {
+    const std::string page = done({"man"}).output;
+    const std::string start = "\\fBpelmora\\-", end = "\\fR(1)";
+    std::vector<std::string> names;
+    for (auto at = page.find(start); at != std::string::npos; at = page.find(start, at)) {
+      at += start.size();
+      names.push_back(page.substr(at, page.find(end, at) - at));
+      std::erase(names.back(), '\\');
+    }
+    EXPECT_GT(names.size(), 10U);
+    return names;
+  }
+};
 
 TEST_F(command_line, helps_and_tells_the_exit_codes) {
   const std::string help = done({"--help"}).output;
@@ -84,18 +101,19 @@ TEST_F(command_line, has_colour_on_a_terminal_unless_the_user_wants_none) {
 }
 
 TEST_F(command_line, offers_every_command_to_ask_nothing) {
-  // The program lists its commands on the man page, one reference each: \fBpelmora\-show\fR(1)
-  const std::string page = done({"man"}).output;
-  const std::string start = "\\fBpelmora\\-", end = "\\fR(1)";
-  int commands = 0;
-  for (auto at = page.find(start); at != std::string::npos; at = page.find(start, at)) {
-    at += start.size();
-    std::string command = page.substr(at, page.find(end, at) - at);
-    std::erase(command, '\\');
+  for (const std::string& command : commands())
     EXPECT_THAT(done({command, "--help"}).output, HasSubstr("--no-input")) << command;
-    ++commands;
+}
+
+// Without a configuration, the program leaves out the options of the other commands.
+TEST_F(command_line, has_the_same_help_of_a_command_with_and_without_a_configuration) {
+  for (const std::string& command : commands()) {
+    EXPECT_EQ(done({command, "--help"}).output,
+              done({"--config", "/dev/null", command, "--help"}).output);
+    EXPECT_EQ(trouble(2, {command, "--unknown"}),
+              trouble(2, {"--config", "/dev/null", command, "--unknown"}));
   }
-  EXPECT_GT(commands, 10);
+  EXPECT_EQ(done({"--version"}).output, done({"--config", "/dev/null", "--version"}).output);
 }
 
 TEST_F(command_line, asks_nothing_at_a_terminal_that_wants_no_input) {

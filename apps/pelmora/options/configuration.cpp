@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/options/configuration.h"
 
-#include "apps/pelmora/input/input_file.h"
 #include "apps/pelmora/trouble.h"
 #include "base/trimmed_text.h"
 
-#include <cstdlib>
 #include <istream>
 #include <utility>
 
@@ -16,28 +14,6 @@ namespace {
 std::string unblanked(const std::string& text) { return std::string(trimmed(text, " \t\r")); }
 
 }  // namespace
-
-std::string configurationFile() {
-  const auto folder = [](const char* variable, const char* below) {
-    const char* value = std::getenv(variable);
-    return value == nullptr || *value == '\0' ? std::string() : value + std::string(below);
-  };
-  for (const std::string& file :
-       {folder("PELMORA_CONFIG", ""), folder("XDG_CONFIG_HOME", "/pelmora/config.ini"),
-        folder("HOME", "/.config/pelmora/config.ini")}) {
-    if (!file.empty()) return file;
-  }
-  return {};
-}
-
-void requireConfigurationFile(const std::string& path) {
-  if (path == "/dev/null") return;
-  const std::string kind = otherKind(path);
-  if (kind.empty()) return;
-  throw Trouble(ExitCode::usage,
-                "the configuration file '" + path + "' cannot be read: it is " + kind,
-                "name a file with --config FILE or PELMORA_CONFIG");
-}
 
 std::string ConfigurationReader::to_config(const CLI::App* /*app*/, bool /*defaultAlso*/,
                                            bool /*writeDescription*/,

@@ -10,13 +10,6 @@
 
 namespace pelmora::cli {
 
-// Where it lies: $PELMORA_CONFIG, else pelmora/config.ini in the folder for configurations.
-[[nodiscard]] std::string configurationFile();
-
-// Errors: Trouble usage where there is something at `path` that is neither a regular file nor the
-// null device, which stands for no defaults.
-void requireConfigurationFile(const std::string& path);
-
 // Lines NAME=VALUE below [COMMAND]; one that begins with # or ; is a comment. A value reaches its
 // option byte for byte, without the blanks around it. A name alone switches a flag on; one that
 // comes again adds a value.

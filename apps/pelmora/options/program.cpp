@@ -4,6 +4,7 @@
 #include "apps/pelmora/exit_code.h"
 #include "apps/pelmora/options/arguments.h"
 #include "apps/pelmora/options/configuration.h"
+#include "apps/pelmora/options/configuration_file.h"
 #include "apps/pelmora/options/describe_parser.h"
 #include "apps/pelmora/options/help_formatter.h"
 #include "apps/pelmora/options/usage_trouble.h"
