@@ -24,6 +24,10 @@ set_target_properties(pelmora PROPERTIES
   VERSION ${PROJECT_VERSION}
   SOVERSION ${PROJECT_VERSION_MAJOR})
 target_compile_features(pelmora PUBLIC cxx_std_20)
+if(NOT APPLE AND NOT PELMORA_SANITIZE)
+  # The library's own functions need no look-up at the start of each program.
+  target_link_options(pelmora PRIVATE LINKER:-O1 LINKER:-Bsymbolic-functions)
+endif()
 target_include_directories(pelmora PUBLIC
   $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
   $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)

@@ -19,7 +19,8 @@ class PELMORA_API TableDesign {
   [[nodiscard]] virtual bool hasIndex(std::string_view table,
                                       std::span<const std::string> columns) const = 0;
   virtual void createIndex(const TableIndex& index) = 0;
-  // Whether opening the database has made sure that it has every table of a curve database.
+  // Whether the database certainly has every table of a curve database; false where only a look at
+  // each would tell.
   [[nodiscard]] virtual bool hasCurveTables() const { return false; }
   // Whether nobody can change the tables through this connection.
   [[nodiscard]] virtual bool isReadOnly() const = 0;

@@ -49,6 +49,7 @@ bool isCurveTable(std::string_view name) {
 SqliteCatalogue::SqliteCatalogue(sqlite3* database, std::shared_ptr<SchemaMemory> memory)
     : KnownTables("main"),
       database_(database),
+      questions_(database),
       readVersion_(database, "PRAGMA \"main\".schema_version"),
       memory_(std::move(memory)) {
   const Moment moment(*this);
@@ -121,20 +122,19 @@ std::string SqliteCatalogue::schema() const {
 // What the component stores in lies in tables. A view in the place of one could show anything, and
 // one that is made of other views takes a time to prepare that doubles with each of them.
 void SqliteCatalogue::requireUsable(std::string_view database, std::string_view name) const {
-  PreparedStatement kind(
-      database_,
+  StatementPool::Use kind = questions_.take(
       "SELECT t.type, t.sql GLOB '*[^a-zA-Z0-9_][wW][iI][tT][hH][^a-zA-Z0-9_]*' OR EXISTS (SELECT "
       "1 FROM " +
-          quotedName(database) +
-          ".sqlite_master AS v WHERE v.type = 'view' AND v.name <> t.name AND "
-          "instr(lower(t.sql), lower(v.name)) > 0) FROM " +
-          quotedName(database) +
-          ".sqlite_master AS t WHERE t.type IN ('table', 'view') AND t.rootpage = 0 "
-          "AND t.name = ?1 COLLATE NOCASE");
-  kind.bind(1, name);
-  if (!kind.step()) return;
-  const bool isView = columnText(kind.get(), 0) == "view";
-  const bool isNested = sqlite3_column_int(kind.get(), 1) != 0;
+      quotedName(database) +
+      ".sqlite_master AS v WHERE v.type = 'view' AND v.name <> t.name AND "
+      "instr(lower(t.sql), lower(v.name)) > 0) FROM " +
+      quotedName(database) +
+      ".sqlite_master AS t WHERE t.type IN ('table', 'view') AND t.rootpage = 0 "
+      "AND t.name = ?1 COLLATE NOCASE");
+  kind->bind(1, name);
+  if (!kind->step()) return;
+  const bool isView = columnText(kind->get(), 0) == "view";
+  const bool isNested = sqlite3_column_int(kind->get(), 1) != 0;
   if (isView && !isNested && !isCurveTable(name)) return;
   const char* file = sqlite3_db_filename(database_, std::string(database).c_str());
   throw Error(
@@ -164,21 +164,22 @@ std::optional<sql::TableShape> SqliteCatalogue::readTable(std::string_view datab
 std::optional<sql::TableShape> SqliteCatalogue::describe(std::string_view database,
                                                          std::string_view name) const {
   requireUsable(database, name);
-  PreparedStatement columns(
-      database_, "SELECT t.name, c.name, c.type, c.pk, t.type FROM " + quotedName(database) +
-                     ".sqlite_master AS t, pragma_table_info(t.name, ?2) AS c "
-                     "WHERE t.type IN ('table', 'view') AND t.name = ?1 COLLATE NOCASE");
-  columns.bind(1, name);
-  columns.bind(2, database);
+  StatementPool::Use columns =
+      questions_.take("SELECT t.name, c.name, c.type, c.pk, t.type FROM " + quotedName(database) +
+                      ".sqlite_master AS t, pragma_table_info(t.name, ?2) AS c "
+                      "WHERE t.type IN ('table', 'view') AND t.name = ?1 COLLATE NOCASE");
+  columns->bind(1, name);
+  columns->bind(2, database);
   std::optional<sql::TableShape> table;
   std::map<int, std::string> key;
   bool isView = false;
-  while (columns.step()) {
-    if (!table) table.emplace(sql::TableShape{columnText(columns.get(), 0), {}});
-    table->columns.push_back({columnText(columns.get(), 1), kindOf(columnText(columns.get(), 2))});
-    const int placeInKey = sqlite3_column_int(columns.get(), 3);
+  while (columns->step()) {
+    if (!table) table.emplace(sql::TableShape{columnText(columns->get(), 0), {}});
+    table->columns.push_back(
+        {columnText(columns->get(), 1), kindOf(columnText(columns->get(), 2))});
+    const int placeInKey = sqlite3_column_int(columns->get(), 3);
     if (placeInKey > 0) key.emplace(placeInKey, table->columns.back().name);
-    isView = columnText(columns.get(), 4) == "view";
+    isView = columnText(columns->get(), 4) == "view";
   }
   if (table && !isView) {
     std::vector<std::string> keyColumns;
@@ -206,13 +207,12 @@ std::vector<std::string> SqliteCatalogue::readingOrder(std::string_view database
 
 // The index of a key ends in the row's id, unless it is the table itself.
 bool SqliteCatalogue::hasRowIds(std::string_view database, std::string_view table) const {
-  PreparedStatement keyIsTable(
-      database_,
+  StatementPool::Use keyIsTable = questions_.take(
       "SELECT 1 FROM pragma_index_list(?1, ?2) AS l WHERE l.origin = 'pk' AND NOT EXISTS "
       "(SELECT 1 FROM pragma_index_xinfo(l.name, ?2) WHERE cid = -1)");
-  keyIsTable.bind(1, table);
-  keyIsTable.bind(2, database);
-  return !keyIsTable.step();
+  keyIsTable->bind(1, table);
+  keyIsTable->bind(2, database);
+  return !keyIsTable->step();
 }
 
 }  // namespace pelmora::sqlite

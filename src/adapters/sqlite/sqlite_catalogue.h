@@ -5,6 +5,7 @@
 #include "adapters/sql_engine/known_tables.h"
 #include "adapters/sqlite/prepared_statement.h"
 #include "adapters/sqlite/schema_memory.h"
+#include "adapters/sqlite/statement_pool.h"
 
 #include <cstdint>
 #include <memory>
@@ -60,6 +61,7 @@ class SqliteCatalogue : public sql::KnownTables {
   [[nodiscard]] bool hasRowIds(std::string_view database, std::string_view table) const;
 
   sqlite3* database_;
+  mutable StatementPool questions_;
   mutable PreparedStatement readVersion_;
   mutable std::optional<std::int64_t> versionOfMoment_;
   mutable std::int64_t lastVersion_ = -1;

@@ -4,6 +4,7 @@
 #include "adapters/sql_engine/client_recordset.h"
 #include "adapters/sql_engine/insert_elsewhere.h"
 #include "adapters/sqlite/attached_file.h"
+#include "adapters/sqlite/curve_schema.h"
 #include "adapters/sqlite/prepared_statement.h"
 #include "adapters/sqlite/sqlite_database.h"
 #include "adapters/sqlite/sqlite_design.h"
@@ -123,6 +124,10 @@ bool SqliteConnection::hasIndex(std::string_view table,
 
 void SqliteConnection::createIndex(const TableIndex& index) {
   session().design(createIndexStatement(index));
+}
+
+bool SqliteConnection::hasCurveTables() const {
+  return pelmora::sqlite::hasCurveTables(session().database());
 }
 
 bool SqliteConnection::isReadOnly() const { return session().isFrozen(); }

@@ -56,6 +56,7 @@ class SqliteConnection : public Connection,
   [[nodiscard]] bool hasIndex(std::string_view table,
                               std::span<const std::string> columns) const override;
   void createIndex(const TableIndex& index) override;
+  [[nodiscard]] bool hasCurveTables() const override;
   [[nodiscard]] bool isReadOnly() const override;
 
   void begin() override;
