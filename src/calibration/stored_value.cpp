@@ -36,6 +36,12 @@ std::optional<Value> wholeOf(const Value& value) {
   return value;
 }
 
+// Tables store no other numbers.
+bool isFiniteOrNoReal(const Value& value) {
+  const auto* real = std::get_if<double>(&value);
+  return real == nullptr || std::isfinite(*real);
+}
+
 std::optional<Value> realOf(const Value& value) {
   if (const auto* whole = std::get_if<std::int64_t>(&value)) {
     const auto real = static_cast<double>(*whole);
@@ -45,7 +51,7 @@ std::optional<Value> realOf(const Value& value) {
     const auto number = numberIn<double>(*text);
     return number && std::isfinite(*number) ? std::optional<Value>(*number) : std::nullopt;
   }
-  return value;
+  return isFiniteOrNoReal(value) ? std::optional(value) : std::nullopt;
 }
 
 }  // namespace
@@ -60,7 +66,7 @@ std::optional<Value> storedValue(const Value& value, OwnColumnType type) {
       return Value(valueText(value));
     case OwnColumnType::anything: break;
   }
-  return value;
+  return isFiniteOrNoReal(value) ? std::optional(value) : std::nullopt;
 }
 
 std::string valueText(const Value& value) {

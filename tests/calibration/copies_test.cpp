@@ -214,11 +214,13 @@ TEST_F(Copies, that_were_interrupted_are_not_mixed_with_others) {
 
 TEST_F(Copies, list_what_cannot_be_stored) {
   makeTarget();
-  sql("UPDATE raw1 SET Roshko = 'word' WHERE rowid = (SELECT min(rowid) FROM raw1)");
+  sql("UPDATE raw1 SET Roshko = 'word' WHERE rowid = (SELECT min(rowid) FROM raw1);"
+      "UPDATE raw1 SET Strouhal = -9e999 WHERE rowid = (SELECT min(rowid) + 1 FROM raw1)");
   const ProofSheet sheet = copy();
   EXPECT_FALSE(sheet.isComplete());
   EXPECT_EQ(gaps(sheet),
-            "raw1, row 1 of those read, column Roshko: 'word' cannot be stored there\n");
+            "raw1, row 1 of those read, column Roshko: 'word' cannot be stored there\n"
+            "raw1, row 2 of those read, column Strouhal: '-inf' cannot be stored there\n");
 }
 
 TEST_F(Copies, with_new_ids_say_how_many_rows_belong_to_nothing) {
