@@ -1,7 +1,9 @@
 // Curves in another curve database.
 // SPDX-License-Identifier: MIT
 #include "tests/end_to_end/command.h"
-#include "tests/support/plain_sqlite.h"
+#include "tests/support/plain_database.h"
+
+#include <set>
 
 namespace pelmora::test {
 namespace {
@@ -26,11 +28,26 @@ TEST_F(copy_command, proves_that_nothing_is_missing) {
             done({"show", curves, "--meter", "M1", "--series", "K", "--json"}).json());
 }
 
+TEST_F(copy_command, tells_all_tables_apart) {
+  std::istringstream lines(done({"copy", curves, target()}).output);
+  std::set<std::string> names;
+  int tables = 0;
+  for (std::string line; std::getline(lines, line);) {
+    const std::size_t end = line.find("  ");
+    if (end == std::string::npos) continue;
+    names.insert(line.substr(0, end));
+    ++tables;
+  }
+  EXPECT_GT(tables, 30);
+  EXPECT_EQ(names.size(), static_cast<std::size_t>(tables));
+}
+
 TEST_F(copy_command, ends_with_5_if_something_is_missing) {
-  PlainSqlite(curves).run("UPDATE raw1 SET Roshko = 'word' WHERE rowid = 1");
+  const PlainDatabase database(curves);
+  database.run(R"(UPDATE raw1 SET "Roshko" = )" + database.infinity() + R"( WHERE "Roshko" = 1)");
   const CommandResult result = run({"copy", curves, target()});
   EXPECT_EQ(result.exitCode, 5);
-  EXPECT_THAT(result.output, HasSubstr("column Roshko: 'word' cannot be stored there"));
+  EXPECT_THAT(result.output, HasSubstr("column Roshko: 'inf' cannot be stored there"));
   EXPECT_THAT(result.error, HasSubstr("not everything in '" + curves + "' was copied"));
 }
 

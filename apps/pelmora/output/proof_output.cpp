@@ -11,6 +11,7 @@
 #include <array>
 #include <cinttypes>
 #include <cstdio>
+#include <string_view>
 
 namespace pelmora::cli {
 namespace {
@@ -38,6 +39,12 @@ std::string expectedText(const ProofTable& table) {
   return table.expected ? std::to_string(*table.expected) : "unknown";
 }
 
+// Short, so that a narrow column does not cut off what tells the tables of the history apart.
+std::string shownName(const std::string& table) {
+  constexpr std::string_view history = "pelmora_history_";
+  return table.starts_with(history) ? "history: " + table.substr(history.size()) : table;
+}
+
 std::string copiedText(const ProofSheet& sheet) {
   if (sheet.tables.empty()) return "";
   TextTable table({{"Table", Align::left},
@@ -47,7 +54,7 @@ std::string copiedText(const ProofSheet& sheet) {
                    {"Empty values", Align::right},
                    {"Checksum", Align::left}});
   for (const ProofTable& proof : sheet.tables) {
-    table.addRow({proof.name, expectedText(proof), std::to_string(proof.read),
+    table.addRow({shownName(proof.name), expectedText(proof), std::to_string(proof.read),
                   std::to_string(proof.written), std::to_string(proof.empty), checksumText(proof)});
   }
   return table.text();
