@@ -9,7 +9,10 @@
 #include <pelmora/own_tables.h>
 
 #include <algorithm>
+#include <chrono>
+#include <future>
 #include <map>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -210,6 +213,24 @@ TEST_F(Copies, that_were_interrupted_are_not_mixed_with_others) {
   (void)create(other);
   EXPECT_THAT(failureOf<Exists>([&] { (void)copyCurves(other, path(), {.portion = 1}); }).what(),
               HasSubstr("has not ended"));
+}
+
+// The one that comes later waits, and finds the rows of the other.
+TEST_F(Copies, that_come_at_the_same_time_are_not_mixed) {
+  (void)create(path());
+  CopyOptions patient;
+  patient.open.patience = {.limit = std::chrono::minutes(1), .goesOn = {}};
+  const auto attempt = [&] {
+    try {
+      return std::string(copy(patient).isComplete() ? "complete" : "not complete");
+    } catch (const Failure& failure) {
+      return std::string(failure.what());
+    }
+  };
+  auto other = std::async(std::launch::async, attempt);
+  EXPECT_THAT((std::vector{attempt(), other.get()}),
+              testing::UnorderedElementsAre("complete", HasSubstr("already holds rows")));
+  expectWhole();
 }
 
 TEST_F(Copies, list_what_cannot_be_stored) {

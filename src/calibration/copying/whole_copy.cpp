@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <string>
 #include <utility>
 
 namespace pelmora::calibration {
@@ -33,23 +34,15 @@ class WholeCopy {
             const Observer& observer)
       : from_(from.connection()),
         to_(to.connection()),
+        source_(from.location()),
+        target_(to.location()),
         options_(options),
         observer_(observer),
-        state_(unfinishedCopy(to_)),
-        copier_(*from_, *to_, ids_, state_.gaps) {
-    if (state_.source.empty()) {
-      requireNoRows(*to_, to.location());
-      state_.source = from.location();
-    } else if (options.portion == 0 || state_.source != from.location()) {
-      throw Exists({"'" + to.location() + "' holds a part of '" + state_.source +
-                        "', whose copy has not ended",
-                    to.location(), "continue that copy in portions, or name another database"});
-    }
-    isResumed_ = !state_.owner.empty();
-  }
+        copier_(*from_, *to_, ids_, state_.gaps) {}
 
   ProofSheet run() {
     begin();
+    takeState();
     for (const CopyGroup& group : copyGroups()) {
       if (isResumed_ && group.owner != state_.owner) continue;
       if (!std::exchange(isResumed_, false)) state_.after.reset();
@@ -63,6 +56,19 @@ class WholeCopy {
   }
 
  private:
+  // In the transaction: another copy may have been under way before.
+  void takeState() {
+    state_ = unfinishedCopy(to_);
+    if (state_.source.empty()) {
+      requireNoRows(*to_, target_);
+      state_.source = source_;
+    } else if (options_.portion == 0 || state_.source != source_) {
+      throw Exists(
+          {"'" + target_ + "' holds a part of '" + state_.source + "', whose copy has not ended",
+           target_, "continue that copy in portions, or name another database"});
+    }
+    isResumed_ = !state_.owner.empty();
+  }
   void begin() {
     view_ = std::make_unique<ReadView>(from_);
     transaction_ = std::make_unique<Transaction>(to_);
@@ -132,6 +138,7 @@ class WholeCopy {
   }
 
   ConnectionPtr from_, to_;
+  std::string source_, target_;
   const CopyOptions& options_;
   const Observer& observer_;
   UnfinishedCopy state_;
