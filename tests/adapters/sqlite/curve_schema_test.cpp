@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sql_dialect/parser.h"
+#include "adapters/sqlite/curve_schema.h"
 #include "adapters/sqlite/sqlite_renderer.h"
 #include "adapters/sqlite/prepared_statement.h"
 #include "adapters/sqlite/sqlite_session.h"
 #include "tests/support/curve_file.h"
 #include "tests/support/look_up_statements.h"
+#include "tests/support/plain_sqlite.h"
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
@@ -47,6 +49,31 @@ TEST(curve_schema, tables_and_columns_have_their_names) {
   Names points{"CalSetupID", "JobRecordID"};
   for (int i = 1; i <= 37; ++i) points.push_back("V" + std::to_string(i));
   EXPECT_EQ(columnsOf(file, "CalDataPoint"), points);
+}
+
+TEST(curve_schema, is_whole_with_every_table_and_nothing_in_the_place_of_one) {
+  const auto isWholeAfter = [](const std::string& change) {
+    const CurveFile file;
+    test::PlainSqlite(file.path).run(change);
+    return sqlite::hasCurveTables(sqlite::SqliteSession(file.path, {}).database());
+  };
+  EXPECT_TRUE(isWholeAfter(""));
+  EXPECT_TRUE(isWholeAfter("ALTER TABLE raw1 RENAME TO other; ALTER TABLE other RENAME TO RAW1"));
+  EXPECT_TRUE(isWholeAfter("CREATE VIEW more AS SELECT 1; CREATE TABLE yet_more (x)"));
+  EXPECT_FALSE(isWholeAfter("DROP TABLE raw3"));
+  EXPECT_FALSE(isWholeAfter("DROP TABLE Fluids; CREATE VIEW Fluids AS SELECT 1 AS ID"));
+  EXPECT_FALSE(isWholeAfter("DROP TABLE Fluids; CREATE VIRTUAL TABLE Fluids USING fts5(Name)"));
+}
+
+TEST(curve_schema, a_table_that_cannot_be_read_is_an_error) {
+  const CurveFile file;
+  test::PlainSqlite(file.path).run(
+      "INSERT INTO curve VALUES (1, 2, 3); PRAGMA writable_schema = ON; "
+      "UPDATE sqlite_master SET rootpage = 9999 WHERE name = 'curve'");
+  EXPECT_NE(failureOf([&] {
+              (void)sqlite::hasCurveTables(sqlite::SqliteSession(file.path, {}).database());
+            }).number,
+            0);
 }
 
 TEST(curve_schema, every_column_may_be_null) {
