@@ -10,7 +10,6 @@
 #include <pelmora/curve_settings.h>
 #include <pelmora/own_tables.h>
 
-#include <sstream>
 #include <string_view>
 #include <vector>
 
@@ -21,24 +20,12 @@ std::string rowsOf(std::int32_t SeriesID) {
   return std::string(" from ") + fitSettingsTable + " where SeriesID=" + numberText(SeriesID);
 }
 
-std::optional<double> numberOrNothing(const Value& value) {
-  if (isNull(value)) return std::nullopt;
-  return toDouble(value);
-}
-Value valueOf(const std::optional<double>& number) { return number ? Value(*number) : Value(); }
 Value valueOf(bool flag) { return Value(std::int64_t{flag}); }
 bool flag(const Value& value) { return !isNull(value) && toInt32(value) != 0; }
 
 Value valueOf(const std::string& text) { return text.empty() ? Value() : Value(text); }
 
 // Names hold no line break.
-std::vector<std::string> listOf(const Value& value) {
-  std::vector<std::string> list;
-  if (isNull(value)) return list;
-  std::istringstream lines(toText(value));
-  for (std::string line; std::getline(lines, line);) list.push_back(line);
-  return list;
-}
 Value valueOf(const std::vector<std::string>& list) {
   std::string text;
   for (const std::string& line : list) text += (text.empty() ? "" : "\n") + line;
@@ -62,23 +49,23 @@ CurveSettings settingsInRow(const Recordset& rows) {
   CurveSettings settings;
   settings.BandPercent = toDouble(rows.value("BandPercent"));
   settings.Points = toInt32(rows.value("Points"));
-  settings.Min = numberOrNothing(rows.value("MinRoshko"));
-  settings.Max = numberOrNothing(rows.value("MaxRoshko"));
+  settings.Min = toOptionalDouble(rows.value("MinRoshko"));
+  settings.Max = toOptionalDouble(rows.value("MaxRoshko"));
   settings.RatioCurve = flag(rows.value("RatioCurve"));
   settings.Inverted = flag(rows.value("Inverted"));
   settings.IgnoreResiduals = flag(rows.value("IgnoreResiduals"));
   if (!isNull(rows.value("Equations"))) settings.Equations = toText(rows.value("Equations"));
   settings.SoftwareVersion = toText(rows.value("SoftwareVersion"));
   settings.FittedAt = toText(rows.value("FittedAt"));
-  settings.MergeBandPercent = numberOrNothing(laterColumn(rows, "MergeBand"));
+  settings.MergeBandPercent = toOptionalDouble(laterColumn(rows, "MergeBand"));
   settings.KeepsOverlap = flag(laterColumn(rows, "KeepsOverlap"));
   settings.PointsFingerprint = toText(laterColumn(rows, "PointsFingerprint"));
   settings.CurveFingerprint = toText(laterColumn(rows, "CurveFingerprint"));
   settings.Choice = toText(laterColumn(rows, "Choice"));
-  settings.FitMin = numberOrNothing(laterColumn(rows, "FitMinRoshko"));
-  settings.FitMax = numberOrNothing(laterColumn(rows, "FitMaxRoshko"));
-  settings.Only = listOf(laterColumn(rows, "OnlyEquations"));
-  settings.Without = listOf(laterColumn(rows, "WithoutEquations"));
+  settings.FitMin = toOptionalDouble(laterColumn(rows, "FitMinRoshko"));
+  settings.FitMax = toOptionalDouble(laterColumn(rows, "FitMaxRoshko"));
+  settings.Only = toLines(laterColumn(rows, "OnlyEquations"));
+  settings.Without = toLines(laterColumn(rows, "WithoutEquations"));
   const Value order = laterColumn(rows, "MaxOrder");
   if (!isNull(order)) settings.MaxOrder = toInt32(order);
   settings.Spacing = toText(laterColumn(rows, "Spacing"));
@@ -89,21 +76,21 @@ std::vector<Value> rowOfSettings(std::int32_t SeriesID, const CurveSettings& set
   return {Value(std::int64_t{SeriesID}),
           Value(settings.BandPercent),
           Value(std::int64_t{settings.Points}),
-          valueOf(settings.Min),
-          valueOf(settings.Max),
+          toValue(settings.Min),
+          toValue(settings.Max),
           valueOf(settings.RatioCurve),
           valueOf(settings.Inverted),
           valueOf(settings.IgnoreResiduals),
           settings.Equations ? Value(*settings.Equations) : Value(),
           Value(settings.SoftwareVersion),
           Value(settings.FittedAt),
-          valueOf(settings.MergeBandPercent),
+          toValue(settings.MergeBandPercent),
           valueOf(settings.KeepsOverlap),
           valueOf(settings.PointsFingerprint),
           valueOf(settings.CurveFingerprint),
           valueOf(settings.Choice),
-          valueOf(settings.FitMin),
-          valueOf(settings.FitMax),
+          toValue(settings.FitMin),
+          toValue(settings.FitMax),
           valueOf(settings.Only),
           valueOf(settings.Without),
           settings.MaxOrder ? Value(std::int64_t{*settings.MaxOrder}) : Value(),

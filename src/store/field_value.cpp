@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <limits>
+#include <sstream>
 
 namespace pelmora {
 namespace {
@@ -31,6 +32,13 @@ double toDouble(const Value& value) {
   throw makeError(RunTimeError::invalidNull);
 }
 
+std::optional<double> toOptionalDouble(const Value& value) {
+  if (isNull(value)) return std::nullopt;
+  return toDouble(value);
+}
+
+Value toValue(const std::optional<double>& number) { return number ? Value(*number) : Value(); }
+
 double numberOrNan(const Value& value) {
   if (const auto* whole = std::get_if<std::int64_t>(&value)) return static_cast<double>(*whole);
   const auto* real = std::get_if<double>(&value);
@@ -45,6 +53,13 @@ std::string toText(const Value& value) {
   if (const auto* number = std::get_if<std::int64_t>(&value)) return numberText(*number);
   if (const auto* number = std::get_if<double>(&value)) return numberText(*number);
   return {};
+}
+
+std::vector<std::string> toLines(const Value& value) {
+  std::vector<std::string> list;
+  std::istringstream lines(toText(value));
+  for (std::string line; std::getline(lines, line);) list.push_back(line);
+  return list;
 }
 
 }  // namespace pelmora

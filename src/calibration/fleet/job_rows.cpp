@@ -11,15 +11,12 @@
 #include "store/reading.h"
 
 #include <array>
-#include <sstream>
 #include <string_view>
 
 namespace pelmora::calibration {
 namespace {
 
 using history::wholeOf;
-
-Value valueOf(const std::optional<double>& number) { return number ? Value(*number) : Value(); }
 
 Value valueOf(const std::optional<std::vector<std::string>>& names) {
   if (!names) return {};
@@ -28,28 +25,20 @@ Value valueOf(const std::optional<std::vector<std::string>>& names) {
   return text;
 }
 
-std::optional<double> realOrNone(const Value& value) {
-  if (isNull(value)) return std::nullopt;
-  return toDouble(value);
-}
-
 std::optional<std::vector<std::string>> namesOrNone(const Value& value) {
   if (isNull(value)) return std::nullopt;
-  std::vector<std::string> names;
-  std::istringstream lines(toText(value));
-  for (std::string line; std::getline(lines, line);) names.push_back(line);
-  return names;
+  return toLines(value);
 }
 
 SettingsChange changeIn(const Recordset& row) {
   SettingsChange change;
   change.choice = choiceOf(toText(row.value("Choice")));
-  change.fitMin = realOrNone(row.value("FitMinRoshko"));
-  change.fitMax = realOrNone(row.value("FitMaxRoshko"));
+  change.fitMin = toOptionalDouble(row.value("FitMinRoshko"));
+  change.fitMax = toOptionalDouble(row.value("FitMaxRoshko"));
   change.only = namesOrNone(row.value("OnlyEquations"));
   change.without = namesOrNone(row.value("WithoutEquations"));
   if (!isNull(row.value("MaxOrder"))) change.maxOrder = toInt32(row.value("MaxOrder"));
-  change.mergeBand = realOrNone(row.value("MergeBand"));
+  change.mergeBand = toOptionalDouble(row.value("MergeBand"));
   if (!isNull(row.value("CutsOverlap")))
     change.cutsOverlap = toInt32(row.value("CutsOverlap")) != 0;
   change.spacing = spacingOf(toText(row.value("Spacing")));
@@ -89,11 +78,11 @@ FleetJobId addJob(Session& session, const FleetOptions& options) {
       Value(options.changedPercent),
       Value(std::int64_t{options.isStrict}),
       change.choice ? Value(choiceKey(*change.choice)) : Value(),
-      valueOf(change.fitMin),
-      valueOf(change.fitMax),
+      toValue(change.fitMin),
+      toValue(change.fitMax),
       change.maxOrder ? Value(std::int64_t{*change.maxOrder}) : Value(),
       valueOf(change.only),
-      valueOf(change.mergeBand),
+      toValue(change.mergeBand),
       change.cutsOverlap ? Value(std::int64_t{*change.cutsOverlap}) : Value(),
       change.spacing ? Value(spacingKey(*change.spacing)) : Value(),
       valueOf(change.without)};
