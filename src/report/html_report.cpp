@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "report/html_report.h"
 
+#include "base/ascii_character.h"
 #include "base/sha256.h"
 #include "report/html_certificate.h"
 #include "report/html_series.h"
@@ -25,8 +26,7 @@ std::string cssString(const std::string& text) {
   std::string result = "\"";
   for (const char c : text) {
     const auto code = static_cast<unsigned char>(c);
-    const bool isPlain = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') ||
-                         (c >= 'A' && c <= 'Z') || c == ' ' || c == ',' || code >= 0x80;
+    const bool isPlain = isDigit(c) || isLetter(c) || c == ' ' || c == ',' || code >= 0x80;
     constexpr const char* hexDigits = "0123456789abcdef";
     if (isPlain) {
       result += c;

@@ -2,10 +2,17 @@
 #include "report/json_report.h"
 
 #include "report/json_null.h"
+#include "report/json_stream.h"
 #include "report/json_uncertainty.h"
 #include "report/json_values.h"
 
 #include <nlohmann/json.hpp>
+
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace pelmora::report {
 namespace {
@@ -21,34 +28,60 @@ json pointJson(const Point& point) {
           {"deviationPercent", orNull(point.deviationPercent)}};
 }
 
-// As the raw tables hold them: without the excluded points.
-json partsJson(const Report& report, const std::vector<RawPart>& parts) {
-  json list = json::array();
-  for (const RawPart& part : parts) {
-    json points = json::array();
-    for (const MeasuredPoint& point : part.points) {
-      report.requireGoOn();
-      if (point.isExcluded()) continue;
-      points.push_back(pointJson(point));
-      points.back()["cut"] = point.isCut();
-    }
-    list.push_back({{"part", part.number}, {"fluid", orNull(part.fluid)}});
-    list.back()["points"] = std::move(points);
+using ListWriter = std::function<void(JsonStream&)>;
+
+// In the order of the keys, as every object is written.
+void writeObject(JsonStream& stream, const json& members,
+                 const std::map<std::string, ListWriter>& lists) {
+  auto list = lists.begin();
+  const auto writeList = [&] {
+    stream.key(list->first);
+    list->second(stream);
+    ++list;
+  };
+  stream.beginObject();
+  for (const auto& [key, value] : members.items()) {
+    while (list != lists.end() && list->first < key) writeList();
+    stream.key(key);
+    stream.value(value);
   }
-  return list;
+  while (list != lists.end()) writeList();
+  stream.end();
 }
 
-json rawPointsJson(const Report& report, const std::vector<RawPart>& parts) {
-  json list = json::array();
+// As the raw tables hold them: without the excluded points.
+void writeParts(JsonStream& stream, const Report& report, const std::vector<RawPart>& parts) {
+  stream.beginList();
+  for (const RawPart& part : parts) {
+    const auto points = [&](JsonStream& list) {
+      list.beginList();
+      for (const MeasuredPoint& point : part.points) {
+        report.requireGoOn();
+        if (point.isExcluded()) continue;
+        json entry = pointJson(point);
+        entry["cut"] = point.isCut();
+        list.value(entry);
+      }
+      list.end();
+    };
+    writeObject(stream, {{"part", part.number}, {"fluid", orNull(part.fluid)}},
+                {{"points", points}});
+  }
+  stream.end();
+}
+
+void writeRawPoints(JsonStream& stream, const Report& report, const std::vector<RawPart>& parts) {
+  stream.beginList();
   for (const RawPart& part : parts) {
     for (const MeasuredPoint& point : part.points) {
       report.requireGoOn();
-      list.push_back(rawPointJson(point));
-      list.back()["deviationPercent"] = orNull(point.deviationPercent);
-      addUncertainty(list.back(), point.uncertainty);
+      json entry = rawPointJson(point);
+      entry["deviationPercent"] = orNull(point.deviationPercent);
+      addUncertainty(entry, point.uncertainty);
+      stream.value(entry);
     }
   }
-  return list;
+  stream.end();
 }
 
 json resultJson(const SeriesResult& result) {
@@ -158,16 +191,16 @@ json historyJson(const std::vector<calibration::HistoryEntry>& history) {
   return list;
 }
 
-json mergedJson(const Report& report, const std::vector<MergedPoint>& points) {
-  json list = json::array();
+void writeMerged(JsonStream& stream, const Report& report, const std::vector<MergedPoint>& points) {
+  stream.beginList();
   for (const MergedPoint& point : points) {
     report.requireGoOn();
-    list.push_back(pointJson(point));
+    stream.value(pointJson(point));
   }
-  return list;
+  stream.end();
 }
 
-json seriesJson(const Report& report, const SeriesReport& series) {
+void writeSeries(JsonStream& stream, const Report& report, const SeriesReport& series) {
   json equations = json::array(), remarks = json::array(), signatures = json::array();
   for (const RankedEquation& equation : series.equations) {
     equations.push_back(equationJson(equation.outcome));
@@ -178,46 +211,50 @@ json seriesJson(const Report& report, const SeriesReport& series) {
     remarks.push_back({{"kind", remark.kind}, {"text", remark.text}});
   for (const Signature& signature : series.signatures)
     signatures.push_back(signatureJson(signature.entry, signature.isValid));
-  json made{{"name", series.name},
-            {"seriesId", series.seriesID},
-            {"rawDataSha256", series.rawDataHash},
-            {"result", resultJson(series.result)},
-            {"attempt", attemptJson(series.attempt)},
-            {"curveAge", calibration::curveAgeKey(series.curveAge)},
-            {"curve", curveJson(series)},
-            {"uncertainty", uncertaintyJson(series.uncertainty, series.pointUncertainty)},
-            {"settings", settingsJson(series)},
-            {"equations", equations},
-            {"chosen", orNull(series.chosen)},
-            {"warnings", remarks},
-            {"report", series.storedText},
-            {"previous", series.previous ? comparisonJson(*series.previous) : json()},
-            {"signatures", signatures}};
-  // An initializer list would copy them, point by point.
-  made["raw"] = partsJson(report, series.parts);
-  made["rawPoints"] = rawPointsJson(report, series.parts);
-  made["merged"] = mergedJson(report, series.merged);
-  return made;
+  const json members{{"name", series.name},
+                     {"seriesId", series.seriesID},
+                     {"rawDataSha256", series.rawDataHash},
+                     {"result", resultJson(series.result)},
+                     {"attempt", attemptJson(series.attempt)},
+                     {"curveAge", calibration::curveAgeKey(series.curveAge)},
+                     {"curve", curveJson(series)},
+                     {"uncertainty", uncertaintyJson(series.uncertainty, series.pointUncertainty)},
+                     {"settings", settingsJson(series)},
+                     {"equations", equations},
+                     {"chosen", orNull(series.chosen)},
+                     {"warnings", remarks},
+                     {"report", series.storedText},
+                     {"previous", series.previous ? comparisonJson(*series.previous) : json()},
+                     {"signatures", signatures}};
+  writeObject(stream, members,
+              {{"raw", [&](JsonStream& list) { writeParts(list, report, series.parts); }},
+               {"rawPoints", [&](JsonStream& list) { writeRawPoints(list, report, series.parts); }},
+               {"merged", [&](JsonStream& list) { writeMerged(list, report, series.merged); }}});
 }
 
 }  // namespace
 
 std::string jsonReport(const Report& report) {
-  json series = json::array();
-  for (const SeriesReport& entry : report.series) series.push_back(seriesJson(report, entry));
-  json whole{{"schema", schemaName},
-             {"database", report.database},
-             {"softwareVersion", report.softwareVersion},
-             {"createdAt", report.createdAt},
-             {"meter", meterJson(report.meter)},
-             {"laboratory", report.laboratory},
-             {"details", report.details},
-             {"setups", runsJson(report.runs)},
-             {"rawDataSha256", report.rawDataHash},
-             {"history", historyJson(report.history)}};
-  whole["series"] = std::move(series);
-  report.requireGoOn();
-  return jsonText(whole, report.stop);
+  std::string text;
+  JsonStream stream([&](std::string_view piece) { text += piece; });
+  const auto writeEverySeries = [&](JsonStream& list) {
+    list.beginList();
+    for (const SeriesReport& series : report.series) writeSeries(list, report, series);
+    list.end();
+  };
+  writeObject(stream,
+              {{"schema", schemaName},
+               {"database", report.database},
+               {"softwareVersion", report.softwareVersion},
+               {"createdAt", report.createdAt},
+               {"meter", meterJson(report.meter)},
+               {"laboratory", report.laboratory},
+               {"details", report.details},
+               {"setups", runsJson(report.runs)},
+               {"rawDataSha256", report.rawDataHash},
+               {"history", historyJson(report.history)}},
+              {{"series", writeEverySeries}});
+  return text;
 }
 
 }  // namespace pelmora::report

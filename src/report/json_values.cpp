@@ -7,9 +7,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <iomanip>
-#include <ostream>
-#include <streambuf>
 #include <utility>
 
 namespace pelmora::report {
@@ -117,53 +114,9 @@ json rawPointJson(const calibration::RawPoint& point) {
           {"reading", reading}};
 }
 
-namespace {
-
-constexpr int indent = 2;
-
-// Takes the text of a stream, and looks at a stop meanwhile.
-class StoppableText : public std::streambuf {
- public:
-  explicit StoppableText(const std::stop_token& stop) : stop_(stop) {}
-  [[nodiscard]] std::string take() { return std::move(text_); }
-
- protected:
-  int_type overflow(int_type c) override {
-    text_ += traits_type::to_char_type(c);
-    return c;
-  }
-  std::streamsize xsputn(const char* start, std::streamsize count) override {
-    constexpr std::size_t betweenLooks = 1U << 16U;
-    if (text_.size() >= nextLook_) {
-      requireGoOn(stop_);
-      nextLook_ = text_.size() + betweenLooks;
-    }
-    text_.append(start, static_cast<std::size_t>(count));
-    return count;
-  }
-
- private:
-  const std::stop_token& stop_;
-  std::string text_;
-  std::size_t nextLook_ = 0;
-};
-
-}  // namespace
-
 std::string jsonText(const json& value) {
+  constexpr int indent = 2;
   return value.dump(indent, ' ', false, json::error_handler_t::replace) + "\n";
-}
-
-std::string jsonText(const json& value, const std::stop_token& stop) {
-  StoppableText text(stop);
-  std::ostream stream(&text);
-  stream.exceptions(std::ios::badbit);  // what the buffer throws
-  try {
-    stream << std::setw(indent) << value << '\n';
-  } catch (const json::type_error&) {  // a text is not valid UTF-8
-    return jsonText(value);
-  }
-  return text.take();
 }
 
 }  // namespace pelmora::report

@@ -10,7 +10,6 @@
 
 #include <nlohmann/json_fwd.hpp>
 
-#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -27,7 +26,5 @@ namespace pelmora::report {
 
 // Indented, ending in a line end; numbers in their shortest exact form, non-finite ones null.
 [[nodiscard]] std::string jsonText(const nlohmann::json& value);
-// Errors: Cancelled at a stop.
-[[nodiscard]] std::string jsonText(const nlohmann::json& value, const std::stop_token& stop);
 
 }  // namespace pelmora::report

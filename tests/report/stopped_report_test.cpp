@@ -4,7 +4,6 @@
 #include "report/dcc_report.h"
 #include "report/html_report.h"
 #include "report/json_report.h"
-#include "report/json_values.h"
 #include "report/svg_report.h"
 #include "report/xlsx_report.h"
 #include "tests/report/sample_report.h"
@@ -14,11 +13,8 @@
 
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-
 #include <stop_token>
 #include <string>
-#include <vector>
 
 namespace pelmora::report::test {
 namespace {
@@ -66,13 +62,6 @@ TEST_F(stopped_report, is_the_same_where_nobody_stops_it) {
   report.stop = source.get_token();
   EXPECT_EQ(xlsxReport(report), book);
   EXPECT_EQ(jsonReport(report), json);
-}
-
-TEST_F(stopped_report, of_json_ends_in_the_middle_of_its_text) {
-  const nlohmann::json value{{"numbers", std::vector<double>(40000, 0.1)}, {"text", "\xC3\xA9"}};
-  EXPECT_EQ(jsonText(value, source.get_token()), jsonText(value));
-  source.request_stop();
-  EXPECT_THROW((void)jsonText(value, source.get_token()), Cancelled);
 }
 
 }  // namespace
