@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "base/server_address.h"
 
+#include "base/ascii_character.h"
 #include "base/file_text.h"
 
 #include <algorithm>
@@ -14,7 +15,7 @@ namespace {
 constexpr std::string_view hiddenPassword = "***";
 
 int hexDigit(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
+  if (isDigit(c)) return c - '0';
   if (c >= 'a' && c <= 'f') return c - 'a' + 10;
   if (c >= 'A' && c <= 'F') return c - 'A' + 10;
   return -1;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "sheets/decimal_signs.h"
 
+#include "base/ascii_character.h"
 #include "base/text_flaw.h"
 
 #include <pelmora/sheet.h>

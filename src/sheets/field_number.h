@@ -11,8 +11,6 @@ namespace pelmora::sheets {
 // Digits between two signs that group thousands.
 inline constexpr std::size_t groupSize = 3;
 
-[[nodiscard]] constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
-
 struct NumberStyle {
   char decimal = '.';
   // Whether the other of '.' and ',' may group thousands. Blanks and apostrophes always may: they

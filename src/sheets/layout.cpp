@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "sheets/layout.h"
 
+#include "base/ascii_character.h"
 #include "base/text_case.h"
 #include "sheets/field_number.h"
 #include "sheets/unit_text.h"

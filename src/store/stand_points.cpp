@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "base/ascii_character.h"
 #include "base/run_time_error.h"
 #include "store/connection.h"
 #include "store/curve_schema.h"
@@ -18,8 +19,8 @@ std::unique_ptr<Recordset> readStand(const ConnectionPtr& stand, const std::stri
 
 bool isWholeNumber(const std::string& text) {
   const std::size_t sign = text.starts_with('-') ? 1 : 0;
-  return text.size() > sign && std::all_of(text.begin() + static_cast<std::ptrdiff_t>(sign),
-                                           text.end(), [](char c) { return c >= '0' && c <= '9'; });
+  return text.size() > sign &&
+         std::all_of(text.begin() + static_cast<std::ptrdiff_t>(sign), text.end(), isDigit);
 }
 
 }  // namespace

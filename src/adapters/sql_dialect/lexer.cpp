@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sql_dialect/lexer.h"
 
+#include "base/ascii_character.h"
+
 #include <algorithm>
 
 namespace pelmora::sql {
 
 namespace {
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-
 // Every byte of a character outside ASCII counts as a letter.
-bool isLetter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
-         static_cast<unsigned char>(c) >= 0x80U;
+bool isNameStart(char c) {
+  return isLetter(c) || c == '_' || static_cast<unsigned char>(c) >= 0x80U;
 }
 
 bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
@@ -36,7 +35,7 @@ class Lexer {
   TokenKind scan() {
     if (at_ == text_.size()) return TokenKind::end;
     const char c = peek();
-    if (isLetter(c)) return scanWord();
+    if (isNameStart(c)) return scanWord();
     if (isDigit(c) || (c == '.' && isDigit(peek(1)))) return scanNumber();
     if (c == '\'' || c == '"') return scanText(c);
     if (c == '[') return scanUntil(']', TokenKind::bracketedName);
@@ -45,7 +44,7 @@ class Lexer {
   }
 
   TokenKind scanWord() {
-    while (isLetter(peek()) || isDigit(peek())) ++at_;
+    while (isNameStart(peek()) || isDigit(peek())) ++at_;
     return TokenKind::word;
   }
 

@@ -3,6 +3,7 @@
 
 #include "adapters/sql_dialect/lexer.h"
 #include "adapters/sql_dialect/literal_number.h"
+#include "base/ascii_character.h"
 
 #include <algorithm>
 #include <charconv>
@@ -25,8 +26,8 @@ bool isPrintableAscii(char c) { return c >= ' ' && c <= '~'; }
 
 // The value of digits that are spelled as the number is.
 std::optional<std::int64_t> wholeOf(std::string_view digits) {
-  const bool isDigits = !digits.empty() && digits.size() <= mostDigits &&
-                        std::ranges::all_of(digits, [](char c) { return c >= '0' && c <= '9'; });
+  const bool isDigits =
+      !digits.empty() && digits.size() <= mostDigits && std::ranges::all_of(digits, isDigit);
   if (!isDigits || (digits.size() > 1 && digits.front() == '0')) return std::nullopt;
   std::int64_t value = 0;
   std::from_chars(digits.data(), digits.data() + digits.size(), value);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "solver/arithmetic/decimal_number.h"
 
+#include "base/ascii_character.h"
 #include "solver/arithmetic/double_double_functions.h"
 
 #include <algorithm>
@@ -9,8 +10,6 @@
 
 namespace pelmora::solver {
 namespace {
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 // Length of the number that the text begins with; 0 if there is none.
 std::size_t numberLength(std::string_view text) {

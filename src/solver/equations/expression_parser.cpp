@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "solver/equations/expression_parser.h"
 
+#include "base/ascii_character.h"
 #include "solver/arithmetic/decimal_number.h"
 #include "solver/arithmetic/double_double_functions.h"
 
@@ -29,10 +30,8 @@ constexpr std::array<std::pair<std::string_view, Op>, 14> functions{{
     {"tanh", Op::tanh},
 }};
 
-bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 char smallLetter(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 class Parser {
  public:

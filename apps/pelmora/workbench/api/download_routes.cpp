@@ -5,6 +5,7 @@
 #include "apps/pelmora/workbench/api/failure_answer.h"
 #include "apps/pelmora/workbench/api/routes.h"
 #include "apps/pelmora/workbench/page/page_files.h"
+#include "base/ascii_character.h"
 #include "report/csv_report.h"
 #include "report/xlsx_report.h"
 
@@ -37,8 +38,7 @@ constexpr std::array<Format, 7> formats{
 std::string plainName(const std::string& text) {
   std::string name;
   for (const char c : text) {
-    const bool isPlain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
-                         (c >= '0' && c <= '9') || c == '-' || c == '_';
+    const bool isPlain = isLetter(c) || isDigit(c) || c == '-' || c == '_';
     name += isPlain ? c : '_';
   }
   constexpr std::size_t longest = 60;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/workbench/api/uploads.h"
 
+#include "base/ascii_character.h"
+
 #include <pelmora/calibration/failure.h>
 
 #include <cstdlib>
@@ -30,8 +32,7 @@ std::string plainExtension(const std::string& name) {
   if (dot == std::string::npos || name.size() - dot > 8) return ".dat";
   for (std::size_t i = dot + 1; i < name.size(); ++i) {
     const char c = name[i];
-    const bool isPlain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-    if (!isPlain) return ".dat";
+    if (!isLetter(c) && !isDigit(c)) return ".dat";
   }
   return name.substr(dot);
 }
