@@ -70,7 +70,7 @@ function(pelmora_test_program program)
     endwhile()
   endif()
   add_executable(${program} ${sources})
-  set_target_properties(${program} PROPERTIES UNITY_BUILD OFF)
+  set_target_properties(${program} PROPERTIES UNITY_BUILD OFF PELMORA_IS_TEST ON)
 endfunction()
 
 function(pelmora_test folder)

@@ -1,15 +1,7 @@
 # Cross-compiles for Windows (32 bit) with mingw-w64, posix threads.
-set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 set(PELMORA_MINGW i686-w64-mingw32)
-set(CMAKE_C_COMPILER ${PELMORA_MINGW}-gcc-posix)
-set(CMAKE_CXX_COMPILER ${PELMORA_MINGW}-g++-posix)
-set(CMAKE_RC_COMPILER ${PELMORA_MINGW}-windres)
+include(${CMAKE_CURRENT_LIST_DIR}/mingw.cmake)
 # The x87 unit would round otherwise than every other build does.
 set(CMAKE_C_FLAGS_INIT "-msse2 -mfpmath=sse -mstackrealign")
 set(CMAKE_CXX_FLAGS_INIT "-msse2 -mfpmath=sse -mstackrealign")
-set(CMAKE_FIND_ROOT_PATH /usr/${PELMORA_MINGW})
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)

@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t candidatesPerStart = 300, triedPerStart = 30;
 constexpr int trialIterations = 5;
 constexpr double sameValley = 1e-4;
-constexpr double mostWork = 2e7;  // of the candidates, and of the trials, in plain operations
+constexpr double mostStartWork = 2e7;  // of the candidates, and of the trials, in plain operations
 constexpr std::size_t screeningPoints = 60;  // up to twice as many, spread over all
 
 // Splitmix64: a fixed sequence, so that a fit can be repeated.
@@ -104,7 +104,7 @@ std::vector<std::vector<double>> ownStarts(const Expression& expression, std::sp
   const std::vector<std::optional<double>> powers = powersOfUnit(expression);
   Sequence sequence;
   std::vector<SearchEnd> ends;
-  double evaluationsLeft = mostWork / model->work();
+  double evaluationsLeft = mostStartWork / model->work();
   const auto affordable = static_cast<std::size_t>(evaluationsLeft / 4) + count;
   screening.evaluationsLeft = &evaluationsLeft;
   const std::size_t candidates = std::min(count * candidatesPerStart, affordable);
@@ -122,7 +122,7 @@ std::vector<std::vector<double>> ownStarts(const Expression& expression, std::sp
     ends.push_back(searchFrom(*model, std::move(start), screening));
   }
   keepBest(ends, std::min(count * triedPerStart, candidates));
-  evaluationsLeft = mostWork / model->work();
+  evaluationsLeft = mostStartWork / model->work();
   screening.iterations = trialIterations;  // a few steps tell a valley from a lucky place
   for (SearchEnd& end : ends) end = searchFrom(*model, end.parameters, screening);
   keepBest(ends, count);
