@@ -21,17 +21,18 @@ Error numbered(RunTimeError number, const std::string& description) {
   return {static_cast<std::int32_t>(number), "Pelmora", description};
 }
 
-// What to look at when no connection comes about. The client library gives its reasons as texts
-// alone; a host may have them in another language, and then gets the last advice.
+// What to check if there is no connection. The client library gives its reasons only as texts; in
+// another language they get the last advice.
 std::string adviceFor(std::string_view reason) {
   const auto has = [&](std::string_view part) { return reason.find(part) != std::string::npos; };
-  if (has("certificate") || has("SSL error")) {
+  if (has("SSL error") || has("root certificate") || has("server certificate")) {
     return "Check that sslrootcert names the certificate of the server's authority, and that the "
            "address names the server as its certificate does.";
   }
   if (has("no password supplied") || has("password authentication failed"))
     return "Check the user and the password, which comes from PGPASSWORD or the password file.";
-  if (has("service"))
+  // An unknown host is a "Name or service not known".
+  if (has("definition of service") || has("service file"))
     return "Check the name of the service and the service file, which PGSERVICEFILE names.";
   return "Check the address, the user and that the server runs.";
 }
