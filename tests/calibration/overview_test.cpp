@@ -86,6 +86,7 @@ TEST_F(Overviews, read_more_about_a_meter_and_end_when_they_are_broken_off) {
   int seen = 0;
   const auto visit = [&](const MeterOverview& overview) {
     EXPECT_EQ(db.meter(overview.meter.serial), overview.meter);
+    EXPECT_TRUE(db.history().empty());
     if (++seen == 2) throw std::runtime_error("enough");
   };
   EXPECT_THROW(db.overview(visit), std::runtime_error);

@@ -86,6 +86,17 @@ TYPED_TEST(row_visits, may_read_more_about_each_row) {
   EXPECT_EQ(found, (std::vector<std::size_t>{3, 2, 1}));
 }
 
+TYPED_TEST(row_visits, go_on_after_a_reading_that_fails_meanwhile) {
+  const ManyMeters<TypeParam> curves(4001);
+  int seen = 0;
+  visitRows(*curves.connection, everyMeter, [&](std::span<const Value>) {
+    if (++seen > 1) return;
+    const auto divide = [&] { (void)curves.select("Select 1/(ID-ID) as x from meter"); };
+    EXPECT_NE(failureOf(divide).number, 0);
+  });
+  EXPECT_EQ(seen, 4001);
+}
+
 TYPED_TEST(row_visits, leave_the_database_free_when_they_are_broken_off) {
   const ManyMeters<TypeParam> curves(5000);
   int seen = 0;

@@ -1,6 +1,7 @@
 // What is and is not done when the server goes away.
 // SPDX-License-Identifier: MIT
 #include "adapters/sql_engine/engine_error.h"
+#include "store/row_visits.h"
 #include "tests/adapters/postgresql/server_test.h"
 
 #include <pelmora/own_tables.h>
@@ -8,7 +9,10 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdint>
+#include <span>
 #include <string>
+#include <string_view>
 
 #ifdef PELMORA_SANITIZED
 // The client library (libpqxx 6.4) loses the result of the statement in which its connection
@@ -40,6 +44,26 @@ TEST_F(lost_connection, does_not_stop_who_reads) {
   EXPECT_EQ(curves.count("Fluids"), 1);
   server().crash();
   EXPECT_EQ(curves.count("Fluids"), 1);
+}
+
+TEST_F(lost_connection, between_the_rows_of_a_visit_ends_it) {
+  const ServerCurves curves;
+  const auto rows = curves.connection->openRecordset("Select * from Fluids", CursorType::dynamic,
+                                                     LockType::batchOptimistic);
+  constexpr std::array<std::string_view, 1> fields{"Name"};
+  for (int i = 0; i < 5000; ++i) rows->addRow(fields, std::array<Value, 1>{std::to_string(i)});
+  rows->updateBatch();
+  int seen = 0;
+  const auto failure = failureOf([&] {
+    visitRows(*curves.connection, "Select Name from Fluids", [&](std::span<const Value>) {
+      if (++seen == 1) endConnections();
+    });
+  });
+  EXPECT_EQ(failure.number, sql::connectionLost);
+  EXPECT_NE(failure.description.find("is not complete"), std::string::npos) << failure.description;
+  EXPECT_LT(seen, 5000);
+  curves.execute("Insert into Fluids (Name) VALUES ('Water')");
+  EXPECT_EQ(curves.count("Fluids"), 5001);
 }
 
 TEST_F(lost_connection, of_a_write_says_that_its_outcome_is_not_known) {
