@@ -112,8 +112,8 @@ Ids seriesIds(const ConnectionPtr& curves, const EntryFilter& filter) {
 // Counts the kept rows of entries, table by table. ofSeries: only rows of series with these ids.
 class RowCounter {
  public:
-  explicit RowCounter(ConnectionPtr curves, const std::optional<Ids>& ofSeries = {})
-      : curves_(std::move(curves)), ofSeries_(ofSeries) {
+  explicit RowCounter(ConnectionPtr curves, std::optional<Ids> ofSeries = {})
+      : curves_(std::move(curves)), ofSeries_(std::move(ofSeries)) {
     for (const KeptTable& table : keptTables()) {
       const bool isOfSeries = table.RowsBelongTo == Owner::series;
       if ((!ofSeries_ || isOfSeries) && hasTable(curves_, table.HistoryName))
@@ -123,12 +123,11 @@ class RowCounter {
 
   // list: from the newest to the oldest.
   void count(std::vector<Entry>& list) const {
-    const std::string ofEntries = conditionOn(list);
+    const std::string ofEntries = whereAmong(list);
     for (const KeptTable* table : tables_) {
-      const std::string where =
-          ofSeries_ ? whereIn(table->KeyColumn, *ofSeries_) + " AND " : std::string(" where ");
+      const std::string ofSeries = ofSeries_ ? " AND " + isIn(table->KeyColumn, *ofSeries_) : "";
       const auto rows = read(curves_, "Select EntryID, COUNT(*) AS n from [" + table->HistoryName +
-                                          "]" + where + ofEntries + " GROUP BY EntryID");
+                                          "]" + ofEntries + ofSeries + " GROUP BY EntryID");
       for (; !rows->atEnd(); rows->moveNext()) {
         const std::int64_t id = wholeOf(rows->value(0));
         const auto entry = std::lower_bound(
@@ -142,19 +141,19 @@ class RowCounter {
 
  private:
   // Few entries are looked up one by one; of many, the whole range is read.
-  static std::string conditionOn(const std::vector<Entry>& list) {
+  static std::string whereAmong(const std::vector<Entry>& list) {
     constexpr std::size_t few = 50;
     if (list.size() > few) {
-      return "EntryID >= " + std::to_string(list.back().ID) +
+      return " where EntryID >= " + std::to_string(list.back().ID) +
              " AND EntryID <= " + std::to_string(list.front().ID);
     }
     Ids ids;
     for (const Entry& entry : list) ids.push_back(entry.ID);
-    return whereIn("EntryID", ids).substr(std::string(" where ").size());
+    return whereIn("EntryID", ids);
   }
 
   ConnectionPtr curves_;
-  const std::optional<Ids>& ofSeries_;
+  std::optional<Ids> ofSeries_;
   std::vector<const KeptTable*> tables_;
 };
 

@@ -33,9 +33,9 @@ struct EntryFilter {
 
 using EntryVisitor = std::function<void(const Entry&)>;
 
-// Calls `visit` with entries from the newest to the oldest, of which only some are in memory at a
-// time; with none where the database has no history. With a series, entries of whole calibrations
-// count the rows of that series alone. They are of one moment in a transaction alone.
+// Calls `visit` with each entry, from the newest to the oldest; with none if the database has no
+// history. Only some are in memory at a time. With a series, entries of whole calibrations count
+// the rows of that series alone. Entries are certain to be of one moment only in a transaction.
 PELMORA_API void visitEntries(const ConnectionPtr& curves, const EntryFilter& filter,
                               const EntryVisitor& visit);
 // All of them.

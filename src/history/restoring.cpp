@@ -80,9 +80,7 @@ std::string allOf(const ConnectionPtr& curves, const Entry& entry, const KeptTab
   if (entry.Kept.SeriesID != 0 || table.RowsBelongTo == Owner::meter) return where;
   const KeptTable& owner = keptTable(table.RowsBelongTo == Owner::series ? "series" : "CalSetup");
   const Ids ids = keptIds(curves, entry, owner);
-  return ids.empty()
-             ? where
-             : where + " OR" + whereIn(table.KeyColumn, ids).substr(std::string(" where").size());
+  return ids.empty() ? where : where + " OR " + isIn(table.KeyColumn, ids);
 }
 
 }  // namespace

@@ -40,11 +40,13 @@ std::int64_t countOf(const ConnectionPtr& curves, const std::string& tableAndCon
   return wholeOf(read(curves, "Select COUNT(*) AS n from " + tableAndCondition)->value(0));
 }
 
-std::string whereIn(const std::string& key, const Ids& ids) {
-  if (ids.empty()) return " where 1=0";
+std::string isIn(const std::string& key, const Ids& ids) {
+  if (ids.empty()) return "1=0";
   std::string list;
   for (const std::int64_t id : ids) list += (list.empty() ? "" : ", ") + std::to_string(id);
-  return " where [" + key + "] IN (" + list + ")";
+  return "[" + key + "] IN (" + list + ")";
 }
+
+std::string whereIn(const std::string& key, const Ids& ids) { return " where " + isIn(key, ids); }
 
 }  // namespace pelmora::history

@@ -26,7 +26,9 @@ using Ids = std::vector<std::int64_t>;
 [[nodiscard]] PELMORA_API std::int64_t countOf(const ConnectionPtr& curves,
                                                const std::string& tableAndCondition);
 
-// " where [key] IN (1, 2)"; for no ids one that no row meets.
+// The condition "[key] IN (1, 2)"; for no ids one that no row meets.
+[[nodiscard]] PELMORA_API std::string isIn(const std::string& key, const Ids& ids);
+// The same with " where " before it.
 [[nodiscard]] PELMORA_API std::string whereIn(const std::string& key, const Ids& ids);
 
 }  // namespace pelmora::history
