@@ -5,6 +5,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <utility>
+
 namespace pelmora::report {
 
 std::string JsonStream::lineBreak() const { return "\n" + std::string(2 * levels_.size(), ' '); }

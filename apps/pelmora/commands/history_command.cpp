@@ -59,7 +59,7 @@ void listText(Session& session, const calibration::HistoryFilter& filter) {
 }
 
 void listJson(Session& session, const calibration::HistoryFilter& filter) {
-  LongList list({{"database", session.path()}, {"entries", nlohmann::json::array()}});
+  LongList list({{"database", session.path()}}, "entries");
   session.database().visitHistory(filter, [&](const calibration::HistoryEntry& entry) {
     requireNotInterrupted();
     list.add(entryJson(entry));

@@ -2,22 +2,10 @@
 #include "apps/pelmora/output/long_output.h"
 
 #include "apps/pelmora/output/standard_output.h"
-#include "report/json_values.h"
+
+#include <nlohmann/json.hpp>
 
 namespace pelmora::cli {
-namespace {
-
-// With every line indented as an element of a list in an object.
-std::string elementText(const nlohmann::json& value) {
-  std::string text = report::jsonText(value);
-  text.pop_back();  // the line end
-  constexpr std::string_view indent = "\n    ";
-  for (std::size_t at = 0; (at = text.find('\n', at)) != std::string::npos; at += indent.size())
-    text.replace(at, 1, indent);
-  return text;
-}
-
-}  // namespace
 
 void LongText::add(std::string_view text) {
   constexpr std::size_t enough = 1U << 16U;
@@ -30,20 +18,20 @@ void LongText::end() {
   text_.clear();
 }
 
-LongList::LongList(const nlohmann::json::object_t& head)
-    : frame_(report::jsonText(head)), inside_(frame_.rfind(']')) {
-  text_.add(std::string_view(frame_).substr(0, inside_));
-}
-
-void LongList::add(const nlohmann::json& element) {
-  text_.add(isEmpty_ ? "\n    " : ",\n    ");
-  isEmpty_ = false;
-  text_.add(elementText(element));
+LongList::LongList(const nlohmann::json& members, std::string_view list)
+    : stream_([this](std::string_view piece) { text_.add(piece); }) {
+  stream_.beginObject();
+  for (const auto& [key, value] : members.items()) {
+    stream_.key(key);
+    stream_.value(value);
+  }
+  stream_.key(list);
+  stream_.beginList();
 }
 
 void LongList::end() {
-  if (!isEmpty_) text_.add("\n  ");
-  text_.add(std::string_view(frame_).substr(inside_));
+  stream_.end();
+  stream_.end();
   text_.end();
 }
 

@@ -2,9 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include "report/json_stream.h"
 
-#include <cstddef>
+#include <nlohmann/json_fwd.hpp>
+
 #include <string>
 #include <string_view>
 
@@ -26,16 +27,16 @@ class LongText {
 // A JSON object whose last member is a long list.
 class LongList {
  public:
-  // head: the object, the list in it being empty.
-  explicit LongList(const nlohmann::json::object_t& head);
-  void add(const nlohmann::json& element);
+  // members: the object without the list, whose key `list` stands behind theirs.
+  LongList(const nlohmann::json& members, std::string_view list);
+  LongList(const LongList&) = delete;
+  LongList& operator=(const LongList&) = delete;
+  void add(const nlohmann::json& element) { stream_.value(element); }
   void end();
 
  private:
-  std::string frame_;
-  std::size_t inside_;  // where the elements belong
-  bool isEmpty_ = true;
   LongText text_;
+  report::JsonStream stream_;
 };
 
 }  // namespace pelmora::cli

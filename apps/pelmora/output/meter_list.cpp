@@ -6,6 +6,8 @@
 #include "apps/pelmora/output/standard_output.h"
 #include "apps/pelmora/output/text_table.h"
 
+#include <nlohmann/json.hpp>
+
 #include <string>
 #include <vector>
 
@@ -43,7 +45,7 @@ void printMeters(const calibration::Database& lab) {
 }
 
 void printMetersJson(const calibration::Database& lab) {
-  LongList list({{"database", lab.location()}, {"meters", nlohmann::json::array()}});
+  LongList list({{"database", lab.location()}}, "meters");
   lab.overview([&](const MeterOverview& overview) {
     requireNotInterrupted();
     list.add({{"serialNumber", overview.meter.serial},
