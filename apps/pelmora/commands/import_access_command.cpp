@@ -86,8 +86,7 @@ void addImportAccessCommand(Program& program) {
   addDatabase(command, request->curves);
   command.setFooter(
       "A file is created if it does not exist; otherwise CURVES must be an empty curve database. "
-      "On "
-      "a server, make one first with 'pelmora init'.");
+      "On a server, make one first with 'pelmora init'.");
   addJson(command, request->asJson);
   command.onRun([request] { importAccess(*request); });
 }

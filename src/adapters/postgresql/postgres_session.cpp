@@ -45,8 +45,7 @@ Error noCurveTables(const std::string& shown, int migration) {
       : migration < currentMigration()
           ? "The curve database '" + shown +
                 "' was made by an older version of this program. Its owner brings it up to date "
-                "with "
-                "'pelmora init ADDRESS'; its rows stay."
+                "with 'pelmora init ADDRESS'; its rows stay."
           : "The curve database '" + shown +
                 "' was made by a newer version of this program. Update the program.";
   return {static_cast<std::int32_t>(RunTimeError::invalidFileFormat), "Pelmora", described};
