@@ -6,6 +6,7 @@
 #include "report/printed_values.h"
 #include "report/raw_data_hash.h"
 #include "report/report_details.h"
+#include "report/stored_agreement.h"
 #include "report/verdict_words.h"
 #include "units/unit.h"
 
@@ -17,35 +18,12 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <map>
 #include <utility>
 
 namespace pelmora::report {
 namespace {
 
 using calibration::Choice;
-
-// Two fits of the same points on two machines differ in their last digits; a curve that differs by
-// more than a ten-thousandth of a per cent came from other points, settings or software.
-constexpr double sameCurvePercent = 1e-4;
-
-// How many merged points are not among the raw ones.
-std::size_t strangers(const calibration::StoredSeries& stored) {
-  std::map<std::pair<double, double>, std::size_t> left;
-  for (std::size_t i = 0; i < stored.merged.size(); ++i)
-    ++left[{stored.merged(i, 0), stored.merged(i, 1)}];
-  std::size_t count = stored.merged.size();
-  for (const PointArray& part : stored.raw) {
-    for (std::size_t i = 0; i < part.size(); ++i) {
-      const auto found = left.find({part(i, 0), part(i, 1)});
-      if (found == left.end() || found->second == 0) continue;
-      --found->second;
-      --count;
-    }
-  }
-  return count;
-}
 
 std::vector<RawPart> rawParts(const std::vector<calibration::RawPoint>& points,
                               const calibration::TableReading& curve) {
@@ -63,22 +41,6 @@ std::optional<double> limitOf(const calibration::Details& details) {
   if (found == details.end()) return std::nullopt;
   const units::Measure limit = units::readMeasure(found->second);
   return units::converted(limit.value, *limit.unit, units::unitOf("%"));
-}
-
-// The largest distance of two tables in per cent of the first; nothing if their Roshko columns
-// differ.
-std::optional<double> largestDistance(const PointArray& stored, const PointArray& refit) {
-  if (stored.size() != refit.size() || stored.empty()) return std::nullopt;
-  double largest = 0;
-  for (std::size_t i = 0; i < stored.size(); ++i) {
-    const auto apart = [&](std::size_t c) {
-      return std::fabs(refit(i, c) - stored(i, c)) / std::fabs(stored(i, c)) * 100;
-    };
-    if (!(apart(0) <= sameCurvePercent)) return std::nullopt;
-    const double distance = apart(1);
-    if (!(distance <= largest)) largest = distance;
-  }
-  return largest;
 }
 
 class SeriesBuilder {
@@ -134,7 +96,7 @@ class SeriesBuilder {
              "The stored curve is older than its raw points: they have changed since it was "
              "fitted.");
     }
-    if (const std::size_t strange = strangers(stored_); strange > 0) {
+    if (const std::size_t strange = mergedPointsNotRaw(stored_); strange > 0) {
       remark("otherRawPoints",
              std::to_string(strange) + " of " + std::to_string(stored_.merged.size()) +
                  " merged points are not among the raw points: the raw points have been changed "
@@ -225,7 +187,7 @@ class SeriesBuilder {
   }
 
   void compareWithRefit() {
-    const auto distance = largestDistance(stored_.curve, series_.refit.curve);
+    const auto distance = largestDistancePercent(stored_.curve, series_.refit.curve);
     if (distance && *distance <= sameCurvePercent) return addBands();
     const std::string with = series_.settingsAreKept
                                  ? "the settings of the stored curve"
