@@ -56,7 +56,7 @@ class WholeCopy {
   }
 
  private:
-  // In the transaction: another copy may have been under way before.
+  // In the transaction, because another copy may have ended just before it.
   void takeState() {
     state_ = unfinishedCopy(to_);
     if (state_.source.empty()) {
@@ -83,6 +83,16 @@ class WholeCopy {
     keepUnfinished(to_, state_);
     end();
     begin();
+    requireOwnState();
+  }
+  // Between two portions another program may have had its turn, with the same command.
+  void requireOwnState() const {
+    const UnfinishedCopy kept = unfinishedCopy(to_);
+    if (kept.source == state_.source && kept.owner == state_.owner && kept.after == state_.after)
+      return;
+    throw Exists(
+        {"another program has continued the copy of '" + source_ + "' to '" + target_ + "'",
+         target_, "let it finish"});
   }
 
   void copyTables(const CopyGroup& group) {
