@@ -75,12 +75,13 @@ void readEntries(const ConnectionPtr& curves, const std::string& top, const std:
                  std::vector<Entry>& list) {
   const auto rows = read(curves, "Select " + top + entryColumns + " from " + historyEntryTable +
                                      where + " ORDER BY ID DESC");
-  list.resize(static_cast<std::size_t>(rows->recordCount()));
   EntryReader reader;
-  for (Entry& entry : list) {
-    reader.read(*rows, entry);
-    rows->moveNext();
+  std::size_t count = 0;  // some connections do not know it before
+  for (; !rows->atEnd(); rows->moveNext(), ++count) {
+    if (count == list.size()) list.emplace_back();
+    reader.read(*rows, list[count]);
   }
+  list.resize(count);
 }
 
 std::string literal(const std::string& text) {
