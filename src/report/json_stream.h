@@ -1,4 +1,4 @@
-// JSON that is written value by value: a long list never stands in memory as a whole.
+// JSON that is written value by value, so that a long list is never in memory as a whole.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -12,16 +12,16 @@
 
 namespace pelmora::report {
 
-// Writes the same text as jsonText does. Objects take their members in the order in which they
-// come.
+// Writes the same text as jsonText(), piece by piece. Members of an object appear in the order in
+// which they are written: for the same text, in the order of their keys.
 class JsonStream {
  public:
   using Sink = std::function<void(std::string_view)>;
 
+  // sink: takes the next piece of the text. What it throws leaves the stream unusable.
   explicit JsonStream(Sink sink) : sink_(std::move(sink)) {}
 
-  // Begin an element of a list, the value after a key, or the whole. end() closes the innermost
-  // one.
+  // An element of a list, the value after a key, or the whole. end() closes the innermost one.
   void beginObject() { begin('{', '}'); }
   void beginList() { begin('[', ']'); }
   void end();

@@ -13,7 +13,7 @@ namespace pelmora {
 
 class Connection;
 
-// The values of one row, in the order of the SELECT. They are valid during the call alone.
+// The values of one row, in the order of the SELECT; valid only during the call.
 using RowVisitor = std::function<void(std::span<const Value>)>;
 
 // A connection that keeps only some rows of a SELECT in memory at a time fills this role too.
@@ -23,11 +23,11 @@ class PELMORA_API RowVisits {
   // Runs a SELECT and calls `visit` with each of its rows, all of one moment. `visit` may read
   // through the connection, but not change anything; what it throws ends the reading.
   //
-  // Errors: Error as those of a record set.
+  // Errors: Error as those of a record set; rows may have been delivered before it.
   virtual void visitRows(const std::string& statement, const RowVisitor& visit) = 0;
 };
 
-// The same through any connection; one without the role keeps all rows.
+// The same through any connection; without the role, all rows are in memory.
 PELMORA_API void visitRows(Connection& connection, const std::string& statement,
                            const RowVisitor& visit);
 

@@ -103,7 +103,8 @@ class PELMORA_API Database {
   [[nodiscard]] std::vector<Meter> meters() const;  // every calibration, by serial and number
   [[nodiscard]] std::vector<std::string> serials() const;  // in alphabetical order
   // Calls `visit` with every calibration, all of one moment. The memory that it needs does not grow
-  // with their number. `visit` may read from the database, but not change it.
+  // with their number. `visit` may read from the database, but not change it; what it throws ends
+  // the list.
   //
   // Errors: BadData if a series has no name or a calibration no number.
   void overview(const std::function<void(const MeterOverview&)>& visit,
@@ -293,8 +294,8 @@ class PELMORA_API Database {
   HistoryEntry remove(const Removal& shown);
 
   // Calls `visit` with everything that was replaced or deleted, newest first, all of one moment.
-  // The memory that it needs does not grow with its number. `visit` may read from the database, but
-  // not change it.
+  // The memory that it needs does not grow with the number of entries. `visit` may read from the
+  // database, but not change it; what it throws ends the list.
   void visitHistory(const HistoryFilter& filter,
                     const std::function<void(const HistoryEntry&)>& visit) const;
   // The same as a list.
