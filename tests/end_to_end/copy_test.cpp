@@ -4,6 +4,8 @@
 #include "tests/support/plain_database.h"
 
 #include <set>
+#include <sstream>
+#include <string>
 
 namespace pelmora::test {
 namespace {

@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
@@ -24,19 +25,20 @@ enum class Held {
 
 class HeldDatabase {
  public:
+  // Errors: std::runtime_error.
   HeldDatabase(const std::string& location, Held held) {
-    if (location.starts_with("postgresql://")) {
-      lockTables(location, held);
-    } else {
-      lockFile(location, held);
+    try {
+      if (location.starts_with("postgresql://")) {
+        lockTables(location, held);
+      } else {
+        lockFile(location, held);
+      }
+    } catch (...) {
+      letGo();
+      throw;
     }
   }
-  ~HeldDatabase() {
-    if (client_ != nullptr) pclose(client_);  // the end of its input ends the transaction
-    if (child_ <= 0) return;
-    kill(child_, SIGKILL);
-    waitpid(child_, nullptr, 0);
-  }
+  ~HeldDatabase() { letGo(); }
   HeldDatabase(const HeldDatabase&) = delete;
   HeldDatabase& operator=(const HeldDatabase&) = delete;
 
@@ -46,6 +48,13 @@ class HeldDatabase {
   }
 
  private:
+  void letGo() const {
+    if (client_ != nullptr) pclose(client_);  // the end of its input ends the transaction
+    if (child_ <= 0) return;
+    kill(child_, SIGKILL);
+    waitpid(child_, nullptr, 0);
+  }
+
   void lockFile(const std::string& path, Held held) {
     int ready[2];
     if (pipe(ready) != 0) std::abort();

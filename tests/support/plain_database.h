@@ -9,10 +9,11 @@
 #include "tests/support/postgres_server.h"
 
 #include <nlohmann/json.hpp>
+#include <sqlite3.h>
 
 #include <charconv>
-#include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <utility>
