@@ -22,6 +22,11 @@ if(PELMORA_SANITIZE)
     $<$<BOOL:$<TARGET_PROPERTY:PELMORA_IS_TEST>>:-fno-sanitize=null,alignment,vptr,object-size>)
   target_link_options(pelmora_options INTERFACE -fsanitize=${PELMORA_SANITIZE})
   target_compile_definitions(pelmora_options INTERFACE PELMORA_SANITIZED)
+  # What the sanitizers add to each program takes binutils' linker four times as long.
+  find_program(PELMORA_LLD ld.lld-14)
+  if(PELMORA_LLD AND CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    target_link_options(pelmora_options INTERFACE --ld-path=${PELMORA_LLD})
+  endif()
 endif()
 # The code of which the fuzz targets see what they have reached. Comparisons are not watched, which would slow down
 # everything else.
