@@ -106,7 +106,9 @@ void exchange(Archive& archive, Either<Soundness> auto& value) {
 
 template <class Archive>
 void exchange(Archive& archive, Either<Trust> auto& value) {
-  auto& [isRelative, points, flows, length, noiseHigh, noiseLow, judged, table, equations] = value;
+  // The reference curve itself stays behind: whoever needs it finds it again from the points.
+  auto& [isRelative, points, flows, length, noiseHigh, noiseLow, judged, table, equations,
+         reference] = value;
   archive(isRelative, points, flows, length, noiseHigh, noiseLow, judged, table, equations);
 }
 

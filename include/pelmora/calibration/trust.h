@@ -3,10 +3,13 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace pelmora::calibration {
+
+struct TrustReference;
 
 enum class PointUse {
   used = 0,
@@ -57,6 +60,9 @@ struct Trust {
   std::vector<JudgedPoint> judged;    // as Fit::merged
   std::vector<ReferenceValue> table;  // at the Roshko numbers of the curve's table
   std::vector<Soundness> equations;   // as FitOutcome::Equations
+  // The curve itself, shared by copies of the fit. Null if only its numbers are known: whoever
+  // evaluates the fit then finds the curve again from `judged`.
+  std::shared_ptr<const TrustReference> reference{};
 };
 
 }  // namespace pelmora::calibration

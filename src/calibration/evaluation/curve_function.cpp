@@ -2,6 +2,7 @@
 #include "calibration/evaluation/curve_function.h"
 
 #include "calibration/fit_watch.h"
+#include "calibration/trust/trust_reference.h"
 #include "solver/reference/reference_curve.h"
 #include "solver/solver.h"
 #include "uncertainty/input.h"
@@ -38,7 +39,7 @@ std::vector<double> withNeighbours(std::span<const double> roshko) {
   return places;
 }
 
-ReferenceCurve referenceBehind(const Fit& fit, const solver::reference::StopRequested& stop) {
+ReferenceCurve referenceAgain(const Fit& fit, const solver::reference::StopRequested& stop) {
   std::vector<double> x, y;
   std::vector<int> parts;
   std::vector<std::uint8_t> outside;
@@ -224,8 +225,11 @@ std::shared_ptr<const CurveFunction> referenceFunctionOf(const Fit& fit,
                                                          const std::stop_token& stop) {
   const auto stopRequested = [&stop] { return stop.stop_requested(); };
   try {
-    return std::make_shared<const ReferenceFunction>(referenceBehind(fit, stopRequested),
-                                                     fit.curve.column(0), stopRequested);
+    const auto places = fit.curve.column(0);
+    if (const auto& kept = fit.trust->reference)
+      return std::make_shared<const ReferenceFunction>(kept->curve, places, stopRequested);
+    return std::make_shared<const ReferenceFunction>(referenceAgain(fit, stopRequested), places,
+                                                     stopRequested);
   } catch (const solver::reference::Stopped&) {
     throw Cancelled({"the fit of " + nameOf(fit) + " was cancelled", nameOf(fit), ""});
   }

@@ -8,6 +8,7 @@
 #include "calibration/steps/catalogue_fit.h"
 #include "calibration/trust/reference_judge.h"
 #include "calibration/trust/reference_report.h"
+#include "calibration/trust/trust_reference.h"
 #include "calibration/trust/trust_warnings.h"
 #include "curves/curve_checks.h"
 #include "curves/predicted_curve.h"
@@ -18,6 +19,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 namespace pelmora::calibration {
 namespace {
@@ -204,8 +206,11 @@ bool fitTrustedPoints(Fit& fit, std::span<const steps::PartPoint> origins,
         {"the range begins at Roshko " + significantText(fit.min, 6), "", "begin it above 0"});
   }
   const std::vector<ModelDefinition> tried = equationsToTry(fit.settings);
-  const ReferenceCurve reference = referenceOf(fit, origins, stopRequested);
+  const auto kept = std::make_shared<const TrustReference>(
+      TrustReference{referenceOf(fit, origins, stopRequested)});
+  const ReferenceCurve& reference = kept->curve;
   fit.trust = trustOf(fit, origins, reference);
+  fit.trust->reference = kept;
   fit.fitted = usedPoints(*fit.trust);
   std::vector<double> grid = logSpacedGrid(fit.min, fit.max, fit.settings.points - 1);
   ReferenceJudge judge(reference, grid, fit.settings.band, stopRequested);
