@@ -39,12 +39,12 @@ std::string textAt(const ServerRows& rows) {
 Error noCurveTables(const std::string& shown, int migration) {
   const std::string described =
       migration == 0 ? "Database '" + shown +
-                           "' has no curve tables. Make them with 'pelmora init ADDRESS', or name "
-                           "another database."
+                           "' has no curve tables. Create a curve database there first "
+                           "(at the command line: 'pelmora init ADDRESS'), or name another one."
       : migration < currentMigration()
           ? "The curve database '" + shown +
-                "' was made by an older version of this program. Its owner brings it up to date "
-                "with 'pelmora init ADDRESS'; its rows stay."
+                "' was made by an older version of this program. Its owner brings it up to date by "
+                "creating it again (at the command line: 'pelmora init ADDRESS'); its rows stay."
           : "The curve database '" + shown +
                 "' was made by a newer version of this program. Update the program.";
   return {static_cast<std::int32_t>(RunTimeError::invalidFileFormat), "Pelmora", described};

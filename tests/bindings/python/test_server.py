@@ -72,15 +72,15 @@ def test_the_password_is_shown_nowhere(address):
         assert not secrets_in(caught.value)
 
 
-@pytest.mark.parametrize("change", [
-    lambda address: address.replace("hush%40", "hush%41"), lambda address: address.replace("//lab:", "//nobody:"),
-    lambda address: address.replace("?host=", "?host=/nowhere"), lambda address: address.replace("@/lab", "@/other")],
+@pytest.mark.parametrize("right, wrong, advice", [
+    ("hush%40", "hush%41", "Check the user and the password"), ("//lab:", "//nobody:", "Check the user and the password"),
+    ("?host=", "?host=/nowhere", "Check the address, the user"), ("@/lab", "@/other", "Check the address, the user")],
     ids=["wrong password", "wrong user", "no server", "no database"])
-def test_an_address_that_leads_nowhere_says_so_without_the_password(address, change):
+def test_an_address_that_leads_nowhere_says_so_without_the_password(address, right, wrong, advice):
     with pytest.raises(pelmora.Unusable) as caught:
-        pelmora.open(change(address))
-    assert isinstance(caught.value, OSError) and "Check the address, the user" in str(caught.value)
-    assert "check the address" in caught.value.remedy and "server runs" in caught.value.remedy
+        pelmora.open(address.replace(right, wrong))
+    assert isinstance(caught.value, OSError) and advice in str(caught.value)
+    assert "the server has to run" in caught.value.remedy and "psql" in caught.value.remedy
     assert not secrets_in(caught.value)
 
 
