@@ -29,7 +29,8 @@ class PlainDatabase {
   explicit PlainDatabase(const std::string& path) {
     check(sqlite3_open_v2(path.c_str(), &database_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX,
                           nullptr));
-    run("PRAGMA cache_size = -4096; PRAGMA synchronous = EXTRA");
+    run("PRAGMA cache_size = -4096; PRAGMA cache_spill = -65536; PRAGMA cell_size_check = ON; "
+        "PRAGMA mmap_size = 0; PRAGMA synchronous = EXTRA");
   }
   ~PlainDatabase() { sqlite3_close(database_); }
   PlainDatabase(const PlainDatabase&) = delete;
@@ -43,6 +44,7 @@ class PlainDatabase {
   void run(const char* sql) const {
     check(sqlite3_exec(database_, sql, nullptr, nullptr, nullptr));
   }
+  [[nodiscard]] std::int64_t lastId() const { return sqlite3_last_insert_rowid(database_); }
   [[nodiscard]] std::int64_t seriesId() const {
     sqlite3_stmt* find = prepare(
         "SELECT series.ID FROM series JOIN meter ON series.meterid = meter.ID "
