@@ -1,22 +1,18 @@
 // Finding and registering calibrations and series.
 // SPDX-License-Identifier: MIT
 #include "base/suggestion.h"
-#include "calibration/curve_age.h"
 #include "calibration/exclusions.h"
 #include "calibration/names.h"
 #include "calibration/series_lookup.h"
 #include "calibration/session.h"
-#include "calibration/steps/fit_report.h"
-#include "calibration/stored_fit.h"
+#include "calibration/series_reading.h"
 #include "store/field_value.h"
 #include "store/meter_lists.h"
 #include "store/meter_lookup.h"
 #include "store/meter_registry.h"
-#include "store/point_rows.h"
 #include "store/reading.h"
 
 #include <pelmora/curve_database.h>
-#include <pelmora/own_tables.h>
 
 #include <algorithm>
 
@@ -49,12 +45,6 @@ std::vector<std::string> distinctSerials(const std::vector<Meter>& meters) {
     if (serials.empty() || serials.back() != meter.serial) serials.push_back(meter.serial);
   }
   return serials;
-}
-
-PointArray pointsOf(Session& session, const std::string& table, std::int32_t seriesID) {
-  return pointsFromRows(*readRows(
-      session.connection(),
-      "Select roshko, strouhal from " + table + " where seriesID = " + std::to_string(seriesID)));
 }
 
 }  // namespace
@@ -129,29 +119,7 @@ std::int32_t Database::seriesID(const Meter& meter, const std::string& series) c
 }
 
 StoredSeries Database::series(const Meter& meter, const std::string& series) const {
-  const std::string name = cleanName("series", series);
-  StoredSeries stored;
-  stored.meter = meter;
-  stored.name = name;
-  const auto moment = session_->moment();
-  stored.id = requireSeries(*session_, meter, name);
-  session_->asking(placeOf(meter, name) + " cannot be read", [&] {
-    for (std::size_t part = 0; part < stored.raw.size(); ++part)
-      stored.raw[part] = pointsOf(*session_, "raw" + std::to_string(part + 1), stored.id);
-    readExclusions(*session_, stored);
-    stored.merged = pointsOf(*session_, "merge", stored.id);
-    stored.curve = pointsOf(*session_, "curve", stored.id);
-    const auto report =
-        readRows(session_->connection(), "Select summary from datafitresults where seriesID = " +
-                                             std::to_string(stored.id));
-    if (!report->atEnd()) stored.report = toText(report->value(0));
-    stored.equation = steps::equationOfReport(stored.report);
-    stored.basis = pointsBasis(*session_, meter, stored.id);
-  });
-  session_->asking("the fit settings of " + placeOf(meter, name) + " cannot be read",
-                   [&] { stored.settings = keptCurveSettings(session_->curves(), stored.id); });
-  stored.age = ageOf(stored);
-  return stored;
+  return readStored(*session_, meter, series).stored;
 }
 
 Meter Database::registerMeter(const std::string& serial, bool newCalibration) {

@@ -13,9 +13,14 @@
 #include "store/own_rows.h"
 #include "store/reading.h"
 
+#include <pelmora/own_tables.h>
+
+#include <algorithm>
 #include <array>
+#include <iterator>
 #include <memory>
 #include <string_view>
+#include <unordered_set>
 
 namespace pelmora::calibration {
 namespace {
@@ -43,6 +48,12 @@ CurveSettings settingsOf(const Fit& fit) {
   settings.PointsFingerprint = fit.pointsFingerprint;
   settings.CurveFingerprint = fingerprintOf({&fit.curve, 1});
   return settings;
+}
+
+history::Ids seriesOf(const std::vector<const Fit*>& fits) {
+  history::Ids ids;
+  for (const Fit* fit : fits) ids.push_back(fit->seriesID);
+  return ids;
 }
 
 // Behind the history's copy.
@@ -97,19 +108,34 @@ HistoryEntryId storeFit(Session& session, const Fit& fit) {
   return kept;
 }
 
+std::vector<const Fit*> thoseWithResults(const Session& session,
+                                         const std::vector<const Fit*>& fits) {
+  if (fits.empty()) return {};
+  const history::Ids ids = seriesOf(fits);
+  std::unordered_set<std::int64_t> found;
+  for (const std::string& name : history::fittedCurve(0, 0).Tables) {
+    if (!hasTable(session.curves(), name)) continue;
+    const std::string& key = history::keptTable(name).KeyColumn;
+    const auto owners =
+        history::idsOf(session.curves(), "Select DISTINCT [" + key + "] from [" + name + "]" +
+                                             history::whereIn(key, ids));
+    found.insert(owners.begin(), owners.end());
+  }
+  std::vector<const Fit*> list;
+  std::ranges::copy_if(fits, std::back_inserter(list),
+                       [&](const Fit* fit) { return found.contains(fit->seriesID); });
+  return list;
+}
+
 void storeFits(Session& session, const std::vector<const Fit*>& fits,
                const std::vector<const Fit*>& replaced) {
   if (fits.empty()) return;
   const auto tables = history::fittedCurve(0, 0).Tables;
   std::vector<history::KeptSeries> kept;
-  for (const Fit* fit : replaced)
-    kept.push_back(
-        {fit->meter.id, fit->seriesID, fit->meter.serial, fit->meter.calibration, fit->series});
+  for (const Fit* fit : replaced) kept.push_back({fit->meter.id, fit->seriesID});
   const auto entries = session.change().keepEach(kept, tables);
   for (const HistoryEntryId entry : entries) session.note(entry);
-  history::Ids ids;
-  for (const Fit* fit : fits) ids.push_back(fit->seriesID);
-  removeCurves(session, ids, tables);
+  removeCurves(session, seriesOf(fits), tables);
   addPointsOf(session, fits, "curve", &Fit::curve);
   addPointsOf(session, fits, "merge", &Fit::merged);
   const auto reports = newRows(session, "DataFitResults");

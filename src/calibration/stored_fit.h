@@ -20,8 +20,12 @@ namespace pelmora::calibration {
 // which the history keeps. Needs an open change.
 HistoryEntryId storeFit(Session& session, const Fit& fit);
 
-// The same for the accepted fits of many series, in few statements. `replaced`: those of the fits
-// whose series have anything of an earlier one.
+// Those of the fits whose series have anything of an earlier one.
+[[nodiscard]] std::vector<const Fit*> thoseWithResults(const Session& session,
+                                                       const std::vector<const Fit*>& fits);
+
+// As storeFit(), for many series, each of them once, in few statements. `replaced`:
+// thoseWithResults().
 void storeFits(Session& session, const std::vector<const Fit*>& fits,
                const std::vector<const Fit*>& replaced);
 

@@ -27,21 +27,25 @@ void mixValue(WordMixer& mixer, const Value& value) {
   if (const auto* text = std::get_if<std::string>(&value)) mixer.add(std::string_view(*text));
 }
 
+void mixRows(WordMixer& mixer, const ConnectionPtr& curves, const Scope& scope,
+             const std::string& name, const std::function<void(const Recordset&)>& see) {
+  const KeptTable& table = keptTable(name);
+  std::uint64_t count = 0;
+  if (!table.MayBeMissing || hasTable(curves, name)) {
+    const auto rows =
+        read(curves, "Select * from [" + name + "]" + condition(curves, scope, table));
+    for (; !rows->atEnd(); rows->moveNext(), ++count) {
+      for (std::size_t field = 0; field < rows->fieldCount(); ++field)
+        mixValue(mixer, rows->value(field));
+      if (see) see(*rows);
+    }
+  }
+  mixer.add(count);
+}
+
 std::uint64_t fingerprint(const ConnectionPtr& curves, const Scope& scope) {
   WordMixer mixer;
-  for (const std::string& name : scope.Tables) {
-    const KeptTable& table = keptTable(name);
-    std::uint64_t count = 0;
-    if (!table.MayBeMissing || hasTable(curves, name)) {
-      const auto rows =
-          read(curves, "Select * from [" + name + "]" + condition(curves, scope, table));
-      for (; !rows->atEnd(); rows->moveNext(), ++count) {
-        for (std::size_t field = 0; field < rows->fieldCount(); ++field)
-          mixValue(mixer, rows->value(field));
-      }
-    }
-    mixer.add(count);
-  }
+  for (const std::string& table : scope.Tables) mixRows(mixer, curves, scope, table);
   return mixer.state();
 }
 

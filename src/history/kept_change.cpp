@@ -7,6 +7,7 @@
 #include <array>
 #include <map>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 
 namespace pelmora::history {
@@ -43,26 +44,55 @@ constexpr std::array<std::string_view, 10> entryFields{
     "ChangedAt", "Command",    "SerialNumber", "ReCalID",  "MeterID",
     "SeriesID",  "SeriesName", "KeptTables",   "UserName", "Version"};
 
-std::int64_t addEntry(const ConnectionPtr& curves, const ChangeNote& note, const Scope& scope) {
-  const auto meter = read(
-      curves, "Select SerialNumber, ReCalID from meter where ID=" + std::to_string(scope.MeterID));
-  const auto series =
-      read(curves, "Select name from series where ID=" + std::to_string(scope.SeriesID));
-  const auto rows =
-      curves->openRecordset("Select * from " + std::string(historyEntryTable) + " where 1=0",
-                            CursorType::dynamic, LockType::optimistic);
+// What entries repeat of the meters and series that they belong to.
+class Names {
+ public:
+  Names(const ConnectionPtr& curves, const Ids& meters, const Ids& series)
+      : meters_(byId(curves, "ID, SerialNumber, ReCalID from meter", meters)),
+        series_(byId(curves, "ID, name from series", series)) {}
+
+  // Null where there is no such row.
+  [[nodiscard]] Value serialNumber(std::int64_t meter) const { return field(meters_, meter, 0); }
+  [[nodiscard]] Value reCalID(std::int64_t meter) const { return field(meters_, meter, 1); }
+  [[nodiscard]] Value seriesName(std::int64_t series) const { return field(series_, series, 0); }
+
+ private:
+  using Rows = std::unordered_map<std::int64_t, std::vector<Value>>;
+
+  static Rows byId(const ConnectionPtr& curves, const std::string& fields, const Ids& ids) {
+    Rows known;
+    for (const auto rows = read(curves, "Select " + fields + whereIn("ID", ids)); !rows->atEnd();
+         rows->moveNext()) {
+      std::vector<Value>& values = known[wholeOf(rows->value(0))];
+      for (std::size_t i = 1; i < rows->fieldCount(); ++i) values.push_back(rows->value(i));
+    }
+    return known;
+  }
+  static Value field(const Rows& rows, std::int64_t id, std::size_t index) {
+    const auto found = rows.find(id);
+    return found == rows.end() ? Value() : found->second[index];
+  }
+
+  Rows meters_, series_;
+};
+
+void addEntry(Recordset& entries, const ChangeNote& note, const Scope& scope, const Names& names) {
   const std::array<Value, 10> values{note.ChangedAt,
                                      note.Command,
-                                     meter->atEnd() ? Value() : meter->value(0),
-                                     meter->atEnd() ? Value() : meter->value(1),
+                                     names.serialNumber(scope.MeterID),
+                                     names.reCalID(scope.MeterID),
                                      std::int64_t{scope.MeterID},
                                      std::int64_t{scope.SeriesID},
-                                     series->atEnd() ? Value() : series->value(0),
+                                     names.seriesName(scope.SeriesID),
                                      joinedNames(scope.Tables),
                                      note.UserName,
                                      note.Version};
-  rows->addRow(entryFields, values);
-  return wholeOf(rows->value("ID"));
+  entries.addRow(entryFields, values);
+}
+
+std::unique_ptr<Recordset> newEntries(const ConnectionPtr& curves, LockType lock) {
+  return curves->openRecordset("Select * from " + std::string(historyEntryTable) + " where 1=0",
+                               CursorType::dynamic, lock);
 }
 
 // The entries behind `last`, by series.
@@ -100,7 +130,9 @@ std::int64_t KeptChange::keep(const Scope& scope) {
   if (isKept || !hasRows(curves_, scope)) return 0;
   if (!hasTables_) createHistoryTables(curves_);
   hasTables_ = true;
-  const std::int64_t entryID = addEntry(curves_, note_, scope);
+  const auto entry = newEntries(curves_, LockType::optimistic);
+  addEntry(*entry, note_, scope, Names(curves_, {scope.MeterID}, {scope.SeriesID}));
+  const std::int64_t entryID = wholeOf(entry->value("ID"));
   for (const std::string& name : scope.Tables) {
     const KeptTable& table = keptTable(name);
     if (!isThere(curves_, table)) continue;
@@ -118,16 +150,16 @@ std::vector<std::int64_t> KeptChange::keepEach(const std::vector<KeptSeries>& se
   hasTables_ = true;
   const std::int64_t last =
       wholeOf(read(curves_, std::string("Select MAX(ID) from ") + historyEntryTable)->value(0));
-  const auto rows =
-      curves_->openRecordset(std::string("Select * from ") + historyEntryTable + " where 1=0",
-                             CursorType::dynamic, LockType::batchOptimistic);
+  Ids meterIds, seriesIds;
+  for (const KeptSeries& one : series) {
+    meterIds.push_back(one.MeterID);
+    seriesIds.push_back(one.SeriesID);
+  }
+  const Names names(curves_, meterIds, seriesIds);
+  const auto rows = newEntries(curves_, LockType::batchOptimistic);
   for (const KeptSeries& one : series) {
     kept_.push_back({one.MeterID, one.SeriesID, tables});
-    rows->addRow(entryFields,
-                 std::array<Value, 10>{note_.ChangedAt, note_.Command, one.SerialNumber,
-                                       std::int64_t{one.ReCalID}, std::int64_t{one.MeterID},
-                                       std::int64_t{one.SeriesID}, one.SeriesName,
-                                       joinedNames(tables), note_.UserName, note_.Version});
+    addEntry(*rows, note_, kept_.back(), names);
   }
   rows->updateBatch();
   for (const std::string& name : tables) {

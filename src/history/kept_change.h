@@ -25,9 +25,6 @@ struct ChangeNote {
 // A series for an entry of the history.
 struct KeptSeries {
   std::int32_t MeterID = 0, SeriesID = 0;
-  std::string SerialNumber;
-  int ReCalID = 0;
-  std::string SeriesName;
 };
 
 // Begins a transaction of the connection. What keep() copies and what is changed afterwards is

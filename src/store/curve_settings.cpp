@@ -105,11 +105,15 @@ std::optional<CurveSettings> keptCurveSettings(const ConnectionPtr& curves, std:
   return settingsInRow(*rows);
 }
 
-void keepCurveSettings(const ConnectionPtr& curves, std::int32_t SeriesID,
-                       const CurveSettings& settings) {
+void createSettingsTable(const ConnectionPtr& curves) {
   const SchemaTable& table = schemaTable(fitSettingsTable);
   createTable(curves, table.design());
   for (const TableIndex& index : table.designIndexes()) createIndex(curves, index);
+}
+
+void keepCurveSettings(const ConnectionPtr& curves, std::int32_t SeriesID,
+                       const CurveSettings& settings) {
+  createSettingsTable(curves);
   curves->execute("Delete *" + rowsOf(SeriesID));
   addOwnRow(*curves, fitSettingsTable, rowOfSettings(SeriesID, settings));
 }

@@ -30,18 +30,23 @@ void readCurve40(Recordset& rows, std::array<float, 40>& roshko, std::array<floa
 
 }  // namespace
 
-PointArray pointsFromRows(Recordset& rows) {
-  const std::int32_t count = rows.recordCount();
-  if (count == 0) return {};
-  if (count > mostPoints) throw makeError(RunTimeError::overflow);
-  PointArray points(static_cast<std::size_t>(count));
-  const std::size_t roshkoField = rows.fieldIndex("roshko");
-  const std::size_t strouhalField = rows.fieldIndex("strouhal");
-  for (std::size_t i = 0; i < points.size(); ++i, rows.moveNext()) {
-    points(i, 0) = toDouble(rows.value(roshkoField));
-    points(i, 1) = toDouble(rows.value(strouhalField));
+void PointRows::take(const Recordset& rows) {
+  if (row_ == 0) {
+    const std::int32_t count = rows.recordCount();
+    if (count > mostPoints) throw makeError(RunTimeError::overflow);
+    points_ = PointArray(static_cast<std::size_t>(count));
+    roshkoField_ = rows.fieldIndex("roshko");
+    strouhalField_ = rows.fieldIndex("strouhal");
   }
-  return points;
+  points_(row_, 0) = toDouble(rows.value(roshkoField_));
+  points_(row_, 1) = toDouble(rows.value(strouhalField_));
+  ++row_;
+}
+
+PointArray pointsFromRows(Recordset& rows) {
+  PointRows points;
+  for (; !rows.atEnd(); rows.moveNext()) points.take(rows);
+  return points.points();
 }
 
 FixedCurve40 curve40FromRows(Recordset& rows) {

@@ -6,7 +6,9 @@
 
 #include <pelmora/types.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <utility>
 
 namespace pelmora {
 
@@ -18,6 +20,18 @@ inline constexpr std::int32_t mostPoints = 32767;
 //
 // Errors: Error 6 for more than mostPoints rows, 94 for a null, 13 for text that is not a number.
 [[nodiscard]] PointArray pointsFromRows(Recordset& rows);
+
+// The same for one who reads the rows anyway, and passes each of them on.
+class PointRows {
+ public:
+  // Of the same record set as the rows before. Errors: as for pointsFromRows.
+  void take(const Recordset& rows);
+  [[nodiscard]] PointArray points() { return std::move(points_); }
+
+ private:
+  std::size_t row_ = 0, roshkoField_ = 0, strouhalField_ = 0;
+  PointArray points_;
+};
 
 // At most 40 rows from the current one on, in single precision: Roshko first, or Strouhal first.
 // Rows past the 40th are left unread.

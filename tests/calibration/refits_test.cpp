@@ -80,6 +80,47 @@ TEST_F(Refits, say_how_many_curves_each_portion_has_stored) {
   EXPECT_THAT(stored, testing::ElementsAre(1, 2, 3));
 }
 
+TEST_F(Refits, fit_again_what_another_program_changed_before_it_was_stored) {
+  for (const char* name : {"A", "B", "C"}) db_.storeRaw(meter_, name, 1, shifted(2));
+  Observer observer;
+  observer.progress = [&](std::size_t done, std::size_t) {
+    if (done < 3) return;
+    Database other = open(path());
+    other.storeRaw(meter_, "A", 1, shifted(5));
+  };
+  const RefitOutcome outcome = db_.refit(db_.allSeries(), {.threads = 2}, observer);
+  EXPECT_TRUE(outcome.results[0].changedMeanwhile);
+  EXPECT_NEAR(outcome.results[0].shiftPercent, 5, 1e-9);
+  EXPECT_EQ(db_.series(meter_, "A").merged, shifted(5));
+  for (std::size_t i = 1; i < 3; ++i) {
+    EXPECT_FALSE(outcome.results[i].changedMeanwhile);
+    EXPECT_TRUE(outcome.results[i].isStored);
+    EXPECT_NEAR(outcome.results[i].shiftPercent, 2, 1e-9);
+  }
+  EXPECT_EQ(outcome.kept.size(), 3U);
+}
+
+TEST_F(Refits, store_a_series_once_that_is_listed_twice) {
+  db_.storeRaw(meter_, "A", 1, shifted(2));
+  const std::size_t points = db_.series(meter_, "A").curve.size();
+  const RefitOutcome outcome = db_.refit({{meter_, "A"}, {meter_, "B"}, {meter_, "A"}});
+  EXPECT_EQ(outcome.kept.size(), 1U);
+  EXPECT_NE(outcome.results[0].isStored, outcome.results[2].isStored);
+  EXPECT_EQ(db_.series(meter_, "A").curve.size(), points);
+}
+
+TEST_F(Refits, keep_what_was_there_under_the_names_that_are_stored) {
+  db_.storeRaw(meter_, "A", 1, shifted(2));
+  Meter other = meter_;
+  other.serial = "m1";
+  const RefitOutcome outcome = db_.refit({{other, "a"}});
+  ASSERT_EQ(outcome.kept.size(), 1U);
+  const HistoryEntry entry = db_.history().front();
+  EXPECT_EQ(entry.id, outcome.kept.front());
+  EXPECT_EQ(entry.serial, "M1");
+  EXPECT_EQ(entry.series, "A");
+}
+
 TEST_F(Refits, name_what_other_programs_stored_without_a_name_or_number) {
   auto tasks = db_.allSeries();
   tasks[0].series.clear();

@@ -38,6 +38,27 @@ TYPED_TEST(own_tables, are_made_once_and_take_statements) {
   EXPECT_EQ(rows->value("Job"), Value("07"));
 }
 
+TYPED_TEST(own_tables, are_found_when_another_connection_has_made_them) {
+  const TypeParam curves;
+  const ConnectionPtr other = curves.another();
+  EXPECT_FALSE(hasTable(curves.connection, "own_notes"));
+  createTable(other, notes);
+  EXPECT_TRUE(hasTable(curves.connection, "own_notes"));
+}
+
+TYPED_TEST(own_tables, are_missing_again_when_making_them_was_undone) {
+  const TypeParam curves;
+  EXPECT_FALSE(hasTable(curves.connection, "own_notes"));
+  {
+    const Transaction transaction(curves.connection);
+    createTable(curves.connection, notes);
+    EXPECT_TRUE(hasTable(curves.connection, "own_notes"));
+  }
+  EXPECT_FALSE(hasTable(curves.connection, "own_notes"));
+  createTable(curves.connection, notes);
+  EXPECT_TRUE(hasTable(curves.connection, "own_notes"));
+}
+
 TYPED_TEST(own_tables, take_the_columns_that_a_later_version_adds) {
   const TypeParam curves;
   createTable(curves.connection, notes);

@@ -21,7 +21,8 @@ class PostgresCatalogue : public sql::KnownTables {
   using Run = std::function<ServerRows(const std::string& statement)>;
 
   // `run` reads rows. Its errors pass through.
-  explicit PostgresCatalogue(Run run) : KnownTables("main"), run_(std::move(run)) {}
+  explicit PostgresCatalogue(Run run)
+      : KnownTables("main", Version::ofThisConnection), run_(std::move(run)) {}
 
   // Read once, too: storing asks for the same indexes again and again.
   [[nodiscard]] bool hasIndexNamed(const std::string& name) const;

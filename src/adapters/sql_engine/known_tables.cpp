@@ -26,7 +26,7 @@ std::optional<TableShape> KnownTables::findAsKnown(std::string_view database,
   if (database != main_) return readTable(database, name);
   if (const auto found = tables_.find(name); found != tables_.end()) return found->second;
   auto table = readTable(database, name);
-  if (table) tables_.emplace(name, *table);
+  if (table || keepsAbsence_) tables_.emplace(name, table);
   return table;
 }
 

@@ -18,14 +18,19 @@ namespace pelmora::sql {
 // has just made are seen. An engine says which version its schema has and how a table is read.
 class KnownTables : public Catalogue {
  public:
-  // `main`: the engine's name for the database that is kept; others are read each time.
-  explicit KnownTables(std::string main) : main_(std::move(main)) {}
+  // Whose changes of the tables give the schema another version.
+  enum class Version { ofAllUsers, ofThisConnection };
+
+  // `main`: the engine's name for the database that is kept; others are read each time. A table
+  // that is missing is looked for each time if another user may make it without a new version.
+  KnownTables(std::string main, Version version)
+      : main_(std::move(main)), keepsAbsence_(version == Version::ofAllUsers) {}
 
   // Errors: Error, genericFailure if the database is locked.
   [[nodiscard]] std::optional<TableShape> findTable(std::string_view database,
                                                     std::string_view name) const override;
 
-  // Another one after each change of the tables, whoever made it. A look at the database.
+  // Another one after each change of the tables by those whom it counts. A look at the database.
   // Errors: Error, genericFailure if the database is locked.
   [[nodiscard]] std::int64_t schemaVersion() const;
   // As findTable, of the version that was looked at last.
@@ -41,8 +46,10 @@ class KnownTables : public Catalogue {
                                                             std::string_view name) const = 0;
 
   std::string main_;
+  bool keepsAbsence_;
   mutable std::int64_t version_ = -1;
-  mutable std::map<std::string, TableShape, std::less<>> tables_;  // by the name as asked for
+  // By the name as asked for; nothing for one that is missing.
+  mutable std::map<std::string, std::optional<TableShape>, std::less<>> tables_;
 };
 
 }  // namespace pelmora::sql

@@ -47,7 +47,7 @@ bool isCurveTable(std::string_view name) {
 }  // namespace
 
 SqliteCatalogue::SqliteCatalogue(sqlite3* database, std::shared_ptr<SchemaMemory> memory)
-    : KnownTables("main"),
+    : KnownTables("main", Version::ofAllUsers),
       database_(database),
       questions_(database),
       readVersion_(database, "PRAGMA \"main\".schema_version"),

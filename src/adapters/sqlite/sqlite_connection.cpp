@@ -18,6 +18,8 @@
 #include "base/server_address.h"
 #include "base/text_case.h"
 
+#include <sqlite3.h>
+
 #include <algorithm>
 #include <system_error>
 #include <utility>
@@ -149,6 +151,12 @@ void SqliteConnection::rollback() noexcept {
 void SqliteConnection::setLockPatience(std::chrono::milliseconds limit) {
   patience_.limit = limit;
   if (session_) session_->handle().setLockPatience(limit);
+}
+
+std::int64_t SqliteConnection::foreignChanges() {
+  StatementPool::Use version = session().pool().take("PRAGMA \"main\".data_version");
+  version->step();
+  return sqlite3_column_int64(version->get(), 0);
 }
 
 std::vector<IntegrityProblem> SqliteConnection::integrityProblems(std::size_t most) {

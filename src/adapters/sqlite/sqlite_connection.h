@@ -5,6 +5,7 @@
 #include "adapters/sql_dialect/syntax_tree.h"
 #include "store/connection.h"
 #include "store/elsewhere.h"
+#include "store/foreign_changes.h"
 #include "store/integrity.h"
 #include "store/lock_patience.h"
 #include "store/row_visits.h"
@@ -14,6 +15,7 @@
 #include <pelmora/patience.h>
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -30,6 +32,7 @@ class SqliteConnection : public Connection,
                          public TableDesign,
                          public Transactions,
                          public LockPatience,
+                         public ForeignChanges,
                          public IntegrityCheck,
                          public InsertsElsewhere,
                          public RowVisits {
@@ -67,6 +70,8 @@ class SqliteConnection : public Connection,
 
   [[nodiscard]] std::chrono::milliseconds lockPatience() const override { return patience_.limit; }
   void setLockPatience(std::chrono::milliseconds limit) override;
+
+  [[nodiscard]] std::int64_t foreignChanges() override;
 
   [[nodiscard]] std::vector<IntegrityProblem> integrityProblems(std::size_t most) override;
 

@@ -1,6 +1,7 @@
 // Fits many series in threads and stores their curves in portions.
 // SPDX-License-Identifier: MIT
 #include "calibration/refit/bounded_queue.h"
+#include "calibration/refit/portion.h"
 #include "calibration/refit/refit_one.h"
 #include "store/field_value.h"
 #include "store/reading.h"
@@ -18,8 +19,6 @@
 namespace pelmora::calibration {
 namespace {
 
-// For as long others wait who want to write; then they get their turn.
-constexpr std::chrono::seconds longestPortion{1};
 // Curves that wait to be stored, for each thread.
 constexpr std::size_t waitingCurves = 8;
 
@@ -29,6 +28,7 @@ struct Work {
   const std::vector<RefitTask>& tasks;
   const RefitOptions& options;
   std::stop_token stop;
+  ForeignWatch watch;
   BoundedQueue<RefitCurve> queue;
   std::atomic<std::size_t> next = 0;  // task
   // Held shared by those who read the database, alone by the one that ends a transaction: that
@@ -46,8 +46,10 @@ void fitTasks(Work& work) {
   for (std::size_t index = work.next++; index < work.tasks.size() && !work.stop.stop_requested();
        index = work.next++) {
     std::shared_lock reading(work.file);
+    const std::uint64_t noticed = work.watch.noticed();
     auto moment = session->moment();
     RefitReading read = readAgain(lab, *session, work.tasks[index]);
+    read.curve.noticed = noticed;
     moment.reset();
     reading.unlock();  // others need not wait for the fit
     RefitCurve curve;
@@ -102,58 +104,6 @@ class Workers {
   std::vector<std::jthread> threads_;
 };
 
-// What is stored in one transaction.
-class Portion {
- public:
-  Portion(const Database& lab, Session& session, Work& work, RefitOutcome& outcome)
-      : lab_(lab), session_(session), work_(work), outcome_(outcome) {}
-  ~Portion() {
-    if (curves_ > 0) session_.rollback();
-  }
-  Portion(const Portion&) = delete;
-  Portion& operator=(const Portion&) = delete;
-
-  void store(RefitCurve& curve) {
-    if (curves_ == 0) {
-      session_.begin("refit");
-      end_ = Clock::now() + longestPortion;
-    }
-    ++curves_;
-    storeAgain(lab_, session_, work_.options, curve);
-    if (curve.result.isStored) ++unfinished_;
-  }
-  // Finishes it where it is large, lasts long, or would last long for want of a next curve.
-  void finishInTime() {
-    if (curves_ == 0) return;
-    const bool isSmall = curves_ < work_.options.portion && Clock::now() < end_;
-    if (!isSmall || !work_.queue.isReadyBefore(end_)) finish();
-  }
-  void finish() {
-    if (curves_ == 0) return;
-    const std::lock_guard alone(work_.file);
-    if (work_.options.isDryRun) {
-      session_.rollback();
-    } else {
-      const auto kept = session_.kept();
-      session_.commit();
-      outcome_.kept.insert(outcome_.kept.end(), kept.begin(), kept.end());
-      stored_ += std::exchange(unfinished_, 0);
-      if (work_.options.portionStored) work_.options.portionStored(stored_);
-    }
-    curves_ = 0;
-  }
-
- private:
-  using Clock = std::chrono::steady_clock;
-
-  const Database& lab_;
-  Session& session_;
-  Work& work_;
-  RefitOutcome& outcome_;
-  std::size_t curves_ = 0, unfinished_ = 0, stored_ = 0;
-  Clock::time_point end_;
-};
-
 }  // namespace
 
 std::vector<RefitTask> Database::allSeries() const {
@@ -184,18 +134,24 @@ RefitOutcome Database::refit(const std::vector<RefitTask>& tasks, const RefitOpt
             .tasks = tasks,
             .options = options,
             .stop = observer.stop,
+            .watch = session_->asking("'" + location() + "' cannot be read now",
+                                      [&] { return ForeignWatch(session_->connection()); }),
             .queue{waitingCurves * threads, threads},
             .file{}};
   Workers workers(work);
-  Portion portion(*this, *session_, work, outcome);
+  Portion portion(*this, *session_, options, work.watch, work.file, outcome);
   std::size_t done = 0;
   while (auto curve = workers.next()) {
-    if (curve->isToBeStored()) portion.store(*curve);
-    outcome.results[curve->index] = std::move(curve->result);
+    if (curve->isToBeStored()) {
+      portion.add(*std::move(curve));
+    } else {
+      outcome.results[curve->index] = std::move(curve->result);
+    }
     if (observer.progress) observer.progress(++done, tasks.size());
-    portion.finishInTime();
+    const bool goesOn = portion.isEmpty() || work.queue.isReadyBefore(portion.end());
+    if (portion.isDue() || !goesOn) portion.store();
   }
-  portion.finish();
+  portion.store();
   outcome.isCancelled = done < tasks.size();
   return outcome;
 }

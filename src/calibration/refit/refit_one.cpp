@@ -2,6 +2,7 @@
 #include "calibration/refit/refit_one.h"
 
 #include "calibration/repeated_fit.h"
+#include "calibration/series_reading.h"
 #include "calibration/stored_fit.h"
 #include "store/field_value.h"
 
@@ -53,15 +54,15 @@ int calibrationNumber(const Value& value) {
   }
 }
 
-RefitReading readAgain(const Database& lab, const Session& session, const RefitTask& task) {
+RefitReading readAgain(const Database& lab, Session& session, const RefitTask& task) {
   RefitReading reading;
   RefitCurve& curve = reading.curve;
   curve.result.task = task;
   try {
     requireNames(task, lab.location());
-    StoredSeries stored = lab.series(task.meter, task.series);
-    curve.basis = curveBasis(session, task.meter, stored.id);
-    reading.stored = std::move(stored);
+    SeriesReading read = readStored(session, task.meter, task.series);
+    curve.basis = read.basis;
+    reading.stored = std::move(read.stored);
   } catch (const NotFound& failure) {
     curve.result.kind = Kind::gone;
     curve.result.reason = failure.what();
@@ -100,21 +101,23 @@ RefitCurve fitAgain(const Database& lab, RefitReading reading, const RefitOption
   return curve;
 }
 
-void storeAgain(const Database& lab, Session& session, const RefitOptions& options,
-                RefitCurve& curve) {
+void bringUpToDate(const Database& lab, Session& session, const RefitOptions& options,
+                   RefitCurve& curve) {
   const RefitTask task = curve.result.task;
-  bool isAsFitted = false;
   try {
-    isAsFitted = curveBasis(session, task.meter, curve.fit.seriesID) == curve.basis;
+    if (curveBasis(session, task.meter, curve.fit.seriesID) == curve.basis) return;
   } catch (const BadData&) {  // what it is now, the second fit finds out
   }
-  if (!isAsFitted) {
-    const std::size_t index = curve.index;
-    curve = fitAgain(lab, readAgain(lab, session, task), options);
-    curve.index = index;
-    curve.result.changedMeanwhile = true;
-    if (!curve.isToBeStored()) return;
-  }
+  const std::size_t index = curve.index;
+  curve = fitAgain(lab, readAgain(lab, session, task), options);
+  curve.index = index;
+  curve.result.changedMeanwhile = true;
+}
+
+void storeAgain(const Database& lab, Session& session, const RefitOptions& options,
+                RefitCurve& curve) {
+  bringUpToDate(lab, session, options, curve);
+  if (!curve.isToBeStored()) return;
   (void)storeFit(session, curve.fit);
   curve.result.isStored = true;
 }

@@ -15,9 +15,10 @@ namespace pelmora::calibration {
 struct RefitCurve {
   std::size_t index = 0;  // of the task
   RefitResult result;
-  Fit fit;                  // without a curve where none came out
-  bool isSame = false;      // curve, merged points and report are those that are stored
-  std::uint64_t basis = 0;  // fingerprint of what was read: points, curve and settings
+  Fit fit;                    // without a curve where none came out
+  bool isSame = false;        // curve, merged points and report are those that are stored
+  std::uint64_t basis = 0;    // fingerprint of what was read: points, curve and settings
+  std::uint64_t noticed = 0;  // of ForeignWatch, before it was read
 
   [[nodiscard]] bool isToBeStored() const { return fit.accepted() && !isSame; }
 };
@@ -32,17 +33,20 @@ struct RefitReading {
 [[nodiscard]] int calibrationNumber(const Value& value);
 
 // Errors: Locked, Unusable.
-[[nodiscard]] RefitReading readAgain(const Database& lab, const Session& session,
-                                     const RefitTask& task);
+[[nodiscard]] RefitReading readAgain(const Database& lab, Session& session, const RefitTask& task);
 
 // Fits what was read, with the settings of its curve after options.change. Does not use the
 // database and stores nothing. The result gives the reason if the series cannot be fitted.
 [[nodiscard]] RefitCurve fitAgain(const Database& lab, RefitReading reading,
                                   const RefitOptions& options, const std::stop_token& stop = {});
 
-// Stores the curve in the change that is open: nobody else can write. Where another program has
-// changed the series, its curve or its settings since they were read, it is fitted again as it is
-// now, and the result says so.
+// In the change that is open, where nobody else can write: where the series, its curve or its
+// settings have been changed since they were read, it is fitted again as it is now, and the result
+// says so.
+void bringUpToDate(const Database& lab, Session& session, const RefitOptions& options,
+                   RefitCurve& curve);
+
+// The same; then stores the curve, if there still is one to be stored.
 void storeAgain(const Database& lab, Session& session, const RefitOptions& options,
                 RefitCurve& curve);
 
