@@ -85,12 +85,13 @@ class SegmentBandTester : public BandTester {
     if (!(percent >= 0)) {
       return failed("Band test failed: a band of " + numberText(bandPercent) + "% is not valid.");
     }
+    PredictedTable::Reader reader(table);
     std::size_t tested = 0, outside = 0, worst = 0;
     double worstPercent = 0;
     for (std::size_t k = 0; k < rawX.size(); ++k) {
       double deviation = std::numeric_limits<double>::infinity();
       if (std::isfinite(rawX[k]) && std::isfinite(rawY[k])) {
-        const auto reading = table.at(rawX[k]);
+        const auto reading = reader.at(rawX[k]);
         if (!reading) continue;
         deviation = isInside(*reading, rawY[k], percent) ? 0 : deviationPercent(*reading, rawY[k]);
       }

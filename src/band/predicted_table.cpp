@@ -34,7 +34,25 @@ double between(const TablePoint& a, const TablePoint& b, double x) {
   return a.y * (1 - share) + b.y * share;
 }
 
-std::optional<TableReading> PredictedTable::at(double x) const {
+std::optional<TableReading> PredictedTable::at(double x) const { return Reader(*this).at(x); }
+
+// x: within the table's range.
+void PredictedTable::Reader::moveTo(double x) {
+  const auto isNext = [&](std::size_t k) {
+    return points_[k].x >= x && (k == 0 || points_[k - 1].x < x);
+  };
+  if (isNext(first_)) return;
+  if (first_ + 1 < points_.size() && isNext(first_ + 1)) {
+    ++first_;
+    return;
+  }
+  const auto found =
+      std::lower_bound(points_.begin(), points_.end(), x,
+                       [](const TablePoint& p, double value) { return p.x < value; });
+  first_ = static_cast<std::size_t>(found - points_.begin());
+}
+
+std::optional<TableReading> PredictedTable::Reader::at(double x) {
   if (points_.empty()) return std::nullopt;
   // A predicted curve ends where it was asked to up to the rounding of its logarithms; the raw
   // points at the very ends are to be tested all the same.
@@ -44,17 +62,16 @@ std::optional<TableReading> PredictedTable::at(double x) const {
   if (x < lowest && lowest - x <= rounding * std::fabs(lowest)) x = lowest;
   if (x > highest && x - highest <= rounding * std::fabs(highest)) x = highest;
   if (!(x >= lowest && x <= highest)) return std::nullopt;
-  const auto first =
-      std::lower_bound(points_.begin(), points_.end(), x,
-                       [](const TablePoint& p, double value) { return p.x < value; });
-  if (first->x != x) {
-    const double y = between(*(first - 1), *first, x);
+  moveTo(x);
+  const TablePoint& first = points_[first_];
+  if (first.x != x) {
+    const double y = between(points_[first_ - 1], first, x);
     return TableReading{y, y};
   }
-  TableReading reading{first->y, first->y};
-  for (auto point = first; point != points_.end() && point->x == x; ++point) {
-    reading.lowest = std::min(reading.lowest, point->y);
-    reading.highest = std::max(reading.highest, point->y);
+  TableReading reading{first.y, first.y};
+  for (std::size_t k = first_; k < points_.size() && points_[k].x == x; ++k) {
+    reading.lowest = std::min(reading.lowest, points_[k].y);
+    reading.highest = std::max(reading.highest, points_[k].y);
   }
   return reading;
 }

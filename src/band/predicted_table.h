@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <span>
 #include <string>
@@ -29,6 +30,20 @@ class PredictedTable {
   // Empty outside the table's range of x; an x beyond an end by no more than rounding is at that
   // end.
   [[nodiscard]] std::optional<TableReading> at(double x) const;
+
+  // Reads one x after the other; fast where the next one lies near the one before.
+  class Reader {
+   public:
+    // The table must outlive it.
+    explicit Reader(const PredictedTable& table) : points_(table.points_) {}
+    [[nodiscard]] std::optional<TableReading> at(double x);
+
+   private:
+    void moveTo(double x);
+
+    const std::vector<TablePoint>& points_;
+    std::size_t first_ = 0;  // point that is not below the last x
+  };
 
  private:
   std::vector<TablePoint> points_;

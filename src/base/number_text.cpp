@@ -3,6 +3,7 @@
 
 #include "base/run_time_error.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <clocale>
@@ -22,23 +23,29 @@ std::string_view decimalSeparator() {
              : std::string_view(locale->decimal_point);
 }
 
+void appendGeneral(std::string& text, double value, int digits, std::string_view separator) {
+  if (std::isnan(value)) {
+    text += "NaN";
+  } else if (std::isinf(value)) {
+    text += value < 0 ? "-Inf" : "Inf";
+  } else if (value == 0) {
+    text += '0';  // -0 too
+  } else {
+    std::array<char, 48> buffer;
+    char* end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                              std::chars_format::general, digits)
+                    .ptr;
+    if (char* exponent = std::find(buffer.data(), end, 'e'); exponent != end) *exponent = 'E';
+    const std::string_view number(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
+    const auto point = separator == "." ? std::string_view::npos : number.find('.');
+    text += number.substr(0, point);
+    if (point != std::string_view::npos) text.append(separator).append(number.substr(point + 1));
+  }
+}
+
 std::string generalText(double value, int digits) {
-  if (std::isnan(value)) return "NaN";
-  if (std::isinf(value)) return value < 0 ? "-Inf" : "Inf";
-  if (value == 0) return "0";  // -0 too
-  std::array<char, 48> buffer;
-  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
-                                 std::chars_format::general, digits);
-  std::string text(buffer.data(), end.ptr);
-  for (char& c : text) {
-    if (c == 'e') c = 'E';
-  }
-  const auto separator = decimalSeparator();
-  if (separator != ".") {
-    if (const auto point = text.find('.'); point != std::string::npos) {
-      text.replace(point, 1, separator);
-    }
-  }
+  std::string text;
+  appendGeneral(text, value, digits, decimalSeparator());
   return text;
 }
 
@@ -47,6 +54,18 @@ std::string generalText(double value, int digits) {
 std::string numberText(double value) { return generalText(value, doubleDigits); }
 std::string numberText(float value) {
   return generalText(static_cast<double>(value), singleDigits);
+}
+
+NumberTexts::NumberTexts() : separator_(decimalSeparator()) {}
+
+void NumberTexts::append(std::string& text, double value) const {
+  appendGeneral(text, value, doubleDigits, separator_);
+}
+
+void NumberTexts::append(std::string& text, std::size_t value) const {
+  std::array<char, 24> buffer;
+  text.append(buffer.data(),
+              std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr);
 }
 
 double numberFromText(std::string_view text) {

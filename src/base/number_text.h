@@ -3,6 +3,7 @@
 #pragma once
 
 #include <concepts>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -12,6 +13,16 @@ namespace pelmora {
 // E-05, decimal separator of the process's C locale, -0 as 0; "NaN", "Inf" and "-Inf".
 [[nodiscard]] std::string numberText(double value);
 [[nodiscard]] std::string numberText(float value);
+// For texts of many numbers, while the locale stays the same: appends numberText(value).
+class NumberTexts {
+ public:
+  NumberTexts();
+  void append(std::string& text, double value) const;
+  void append(std::string& text, std::size_t value) const;
+
+ private:
+  std::string separator_;
+};
 template <std::integral Integer>
 [[nodiscard]] std::string numberText(Integer value) {
   return std::to_string(value);

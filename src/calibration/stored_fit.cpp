@@ -113,7 +113,8 @@ std::vector<const Fit*> thoseWithResults(const Session& session,
   if (fits.empty()) return {};
   const history::Ids ids = seriesOf(fits);
   std::unordered_set<std::int64_t> found;
-  for (const std::string& name : history::fittedCurve(0, 0).Tables) {
+  const auto tables = history::fittedCurve(0, 0).Tables;
+  for (const std::string& name : tables) {
     if (!hasTable(session.curves(), name)) continue;
     const std::string& key = history::keptTable(name).KeyColumn;
     const auto owners =

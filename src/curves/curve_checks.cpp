@@ -98,7 +98,7 @@ std::string whereText(double from, double to) {
 
 std::vector<double> sorted(std::span<const double> x) {
   std::vector<double> values(x.begin(), x.end());
-  std::sort(values.begin(), values.end());
+  if (!std::is_sorted(values.begin(), values.end())) std::sort(values.begin(), values.end());
   return values;
 }
 
@@ -110,9 +110,13 @@ std::vector<double> gapEnds(std::span<const double> sortedX, double from, double
   const auto position = [&](double x) { return logarithmic ? std::log(x) : x; };
   const double nearest = (position(to) - position(from)) / mostGaps;
   std::vector<double> ends;
+  double last = 0;  // position of the last end
   for (const double x : sortedX) {
     if (!(x >= from && x <= to)) continue;
-    if (ends.empty() || position(x) - position(ends.back()) > nearest) ends.push_back(x);
+    const double here = position(x);
+    if (!ends.empty() && !(here - last > nearest)) continue;
+    ends.push_back(x);
+    last = here;
   }
   if (ends.empty() || ends.front() > from) ends.insert(ends.begin(), from);
   if (ends.back() < to) ends.push_back(to);

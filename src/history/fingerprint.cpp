@@ -32,8 +32,8 @@ void mixRows(WordMixer& mixer, const ConnectionPtr& curves, const Scope& scope,
   const KeptTable& table = keptTable(name);
   std::uint64_t count = 0;
   if (!table.MayBeMissing || hasTable(curves, name)) {
-    const auto rows =
-        read(curves, "Select * from [" + name + "]" + condition(curves, scope, table));
+    const auto rows = read(curves, "Select " + (table.MayBeMissing ? "*" : table.columnList()) +
+                                       " from [" + name + "]" + condition(curves, scope, table));
     for (; !rows->atEnd(); rows->moveNext(), ++count) {
       for (std::size_t field = 0; field < rows->fieldCount(); ++field)
         mixValue(mixer, rows->value(field));

@@ -16,15 +16,16 @@ namespace pelmora::history {
 // Kind and exact bits of a value.
 PELMORA_API void mixValue(WordMixer& mixer, const Value& value);
 
-// Mixes every row of `table` that belongs to the scope, and their number; then `see`, if it is not
-// empty, has seen each row. A table that may be missing counts as one without rows.
+// Mixes every row of `table` that belongs to the scope, and their number, and shows each row to
+// `see`, which may be empty. Our own tables may be missing, which counts as no rows, or have been
+// made with fewer columns.
 //
-// Errors: Error if the table cannot be read; those of `see`.
+// Errors: Error if the table cannot be read or a given one lacks a column; those of `see`.
 PELMORA_API void mixRows(WordMixer& mixer, const ConnectionPtr& curves, const Scope& scope,
                          const std::string& table,
                          const std::function<void(const Recordset&)>& see = {});
 
-// A number made from all rows of the scope: every column, exact bits, kinds of values, and the
+// A number made from all rows of the scope: exact bits, kinds of values, and the
 // order in which they are read. Two equal numbers mean the same rows, but for one chance in 2^64. A
 // table that may be missing counts as one without rows. It is meant to be compared soon, and is not
 // kept.

@@ -84,7 +84,7 @@ FitData SolverModel::results() const {
   if (!solution_) return table;
   table.Names = {names_[0], names_[1], "Residual"};
   table.Symbols = {"X", "Y", ""};
-  std::vector<double> residuals = solution_->curve->values(series_->x);
+  std::vector<double> residuals = solution_->curve->valuesAtPoints(*series_);
   for (std::size_t k = 0; k < residuals.size(); ++k) residuals[k] = series_->y[k] - residuals[k];
   table.Columns = {series_->x, series_->y, std::move(residuals)};
   return table;

@@ -27,6 +27,17 @@ class BandTest : public testing::Test {
 class RatioTest : public BandTest {};
 class PointTest : public BandTest {};
 
+TEST_F(BandTest, points_may_be_read_in_any_order) {
+  const Numbers x{15, 0, 20, 5, 10, 2.5, 15, 19, 0, 12.5};
+  Numbers y{85, 100, 90, 90, 80, 95, 85, 89, 100, 82.5};
+  EXPECT_TRUE(inBand(x, y, 0.001F));
+  for (double& value : y) {
+    value *= 1.01;
+    EXPECT_FALSE(inBand(x, y, 0.5F));
+    value /= 1.01;
+  }
+}
+
 TEST_F(BandTest, the_table_is_read_linearly_between_its_points) {
   // 90 at x = 5: 1 % is 89.1 .. 90.9.
   EXPECT_TRUE(inBand({5}, {90.8}, 1));

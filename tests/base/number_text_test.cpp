@@ -33,6 +33,20 @@ TEST(number_text, doubles_have_up_to_15_significant_digits) {
   EXPECT_EQ(numberText(2.0 / 3), "0.666666666666667");
 }
 
+TEST(number_text, texts_of_many_numbers_have_the_same) {
+  const NumberTexts numbers;
+  for (const double value :
+       {0.1 + 0.2, -1234567.25, 1e15, -2.5e-7, 1e300, -0.0, 7.0,
+        std::numeric_limits<double>::quiet_NaN(), -std::numeric_limits<double>::infinity()}) {
+    std::string text = "a";
+    numbers.append(text, value);
+    EXPECT_EQ(text, "a" + numberText(value));
+  }
+  std::string text;
+  numbers.append(text, std::size_t{1024});
+  EXPECT_EQ(text, "1024");
+}
+
 TEST(number_text, singles_have_up_to_7_significant_digits) {
   EXPECT_EQ(numberText(0.1F), "0.1");
   EXPECT_EQ(numberText(0.045F), "0.045");

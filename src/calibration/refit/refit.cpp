@@ -21,6 +21,8 @@ namespace {
 
 // Curves that wait to be stored, for each thread.
 constexpr std::size_t waitingCurves = 8;
+// Series that a thread reads together.
+constexpr std::size_t mostRead = 8;
 
 // What the threads of a refit have in common.
 struct Work {
@@ -34,32 +36,48 @@ struct Work {
   // Held shared by those who read the database, alone by the one that ends a transaction: that
   // needs the file for itself, and how long depends on the disk.
   std::shared_mutex file;
+
+  [[nodiscard]] std::size_t threads() const { return std::max<std::size_t>(1, options.threads); }
 };
 
-// Takes tasks one by one and sends what became of each; ends when all are taken, a stop is
-// requested or nobody receives.
+// The next tasks, read at one moment: looking at the file for each would take longer than reading
+// it. Empty where all are taken.
+std::vector<RefitReading> nextReadings(Work& work, const Database& lab, Session& session) {
+  const std::size_t share = work.tasks.size() / (4 * work.threads());
+  const std::size_t size = std::clamp<std::size_t>(share, 1, mostRead);
+  const std::size_t begin = work.next.fetch_add(size);
+  const std::size_t end = std::min(begin + size, work.tasks.size());
+  std::vector<RefitReading> readings;
+  if (begin >= end) return readings;
+  const std::shared_lock reading(work.file);
+  const std::uint64_t noticed = work.watch.noticed();
+  const auto moment = session.moment();
+  for (std::size_t index = begin; index < end; ++index) {
+    RefitCurve& curve = readings.emplace_back(readAgain(lab, session, work.tasks[index])).curve;
+    curve.index = index;
+    curve.noticed = noticed;
+  }
+  return readings;
+}
+
+// Fits task after task and sends what became of each; ends when all are taken, a stop is requested
+// or nobody receives.
 void fitTasks(Work& work) {
   OpenOptions options = work.session.options();
   options.mode = Mode::read;
   const auto session = std::make_shared<Session>(work.session.address(), options);
   const Database lab(session);
-  for (std::size_t index = work.next++; index < work.tasks.size() && !work.stop.stop_requested();
-       index = work.next++) {
-    std::shared_lock reading(work.file);
-    const std::uint64_t noticed = work.watch.noticed();
-    auto moment = session->moment();
-    RefitReading read = readAgain(lab, *session, work.tasks[index]);
-    read.curve.noticed = noticed;
-    moment.reset();
-    reading.unlock();  // others need not wait for the fit
-    RefitCurve curve;
-    try {
-      curve = fitAgain(lab, std::move(read), work.options, work.stop);
-    } catch (const Cancelled&) {
-      return;
+  while (!work.stop.stop_requested()) {
+    std::vector<RefitReading> readings = nextReadings(work, lab, *session);
+    if (readings.empty()) return;
+    for (RefitReading& reading : readings) {
+      if (work.stop.stop_requested()) return;
+      try {
+        if (!work.queue.send(fitAgain(lab, std::move(reading), work.options, work.stop))) return;
+      } catch (const Cancelled&) {
+        return;
+      }
     }
-    curve.index = index;
-    if (!work.queue.send(std::move(curve))) return;
   }
 }
 
@@ -67,7 +85,7 @@ void fitTasks(Work& work) {
 class Workers {
  public:
   explicit Workers(Work& work) : work_(work) {
-    for (std::size_t i = 0; i < std::max<std::size_t>(1, work.options.threads); ++i) startThread();
+    for (std::size_t i = 0; i < work.threads(); ++i) startThread();
   }
   ~Workers() { work_.queue.stop(); }  // the threads join behind this
   Workers(const Workers&) = delete;

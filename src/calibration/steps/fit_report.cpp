@@ -39,19 +39,26 @@ class Lines {
   std::string text_;
 };
 
-void appendPoints(Lines& lines, const PointArray& points) {
+std::string pointLines(const PointArray& points) {
+  constexpr std::size_t mostOfALine = 48;
+  const NumberTexts numbers;
+  std::string text;
+  text.reserve(mostOfALine * points.size());
   for (std::size_t i = 0; i < points.size(); ++i) {
-    lines.line(numberText(i), ":\t", numberText(points(i, 0)), "\t", numberText(points(i, 1)));
+    numbers.append(text, i);
+    text += ":\t";
+    numbers.append(text, points(i, 0));
+    text += '\t';
+    numbers.append(text, points(i, 1));
+    text += lineBreak;
   }
+  return text;
 }
 
 }  // namespace
 
 std::string rawListing(const FitLabels& labels, const PointArray& points) {
-  Lines lines;
-  lines.line("Raw ", labels.x, "/", labels.y);
-  appendPoints(lines, points);
-  return lines.take();
+  return Lines().line("Raw ", labels.x, "/", labels.y).take() + pointLines(points);
 }
 
 std::string residualListing(std::span<const double> ratios) {
@@ -106,10 +113,7 @@ std::string reportBody(const ReportBody& body) {
 }
 
 std::string predictedListing(const FitLabels& labels, const PointArray& predicted) {
-  Lines lines;
-  lines.line().line("Predicted ", labels.x, "/", labels.y);
-  appendPoints(lines, predicted);
-  return lines.take();
+  return Lines().line().line("Predicted ", labels.x, "/", labels.y).take() + pointLines(predicted);
 }
 
 std::string noSolutionText(const std::string* logFolder) {

@@ -2,6 +2,7 @@
 #include "solver/linear/power_curve.h"
 
 #include "solver/linear/function_column.h"
+#include "solver/linear/series.h"
 #include "solver/arithmetic/point_kernels.h"
 
 #include <cmath>
@@ -21,12 +22,19 @@ Column PowerCurve::functionAt(std::span<const double> x) const {
 }
 
 std::vector<double> PowerCurve::values(std::span<const double> x) const {
-  if (x.empty()) return {};
-  const Column u = functionAt(x);
-  std::vector<double> result(x.size());
+  return x.empty() ? std::vector<double>{} : valuesOver(functionAt(x));
+}
+
+std::vector<double> PowerCurve::valuesAtPoints(const Series& points) const {
+  const auto known = points.functions.find(expression_.key(base_));
+  return known != points.functions.end() ? valuesOver(*known->second) : values(points.x);
+}
+
+std::vector<double> PowerCurve::valuesOver(const Column& u) const {
+  std::vector<double> result(u.size());
   if (fit_->hasPole) {
     std::vector<double> columns(columnParameters_.size());
-    for (std::size_t k = 0; k < x.size(); ++k) {
+    for (std::size_t k = 0; k < result.size(); ++k) {
       fit_->columnsAt(u.hi[k], columns);
       // From the highest power down: the small parts first.
       for (std::size_t j = columns.size(); j-- > 0;)
@@ -38,7 +46,7 @@ std::vector<double> PowerCurve::values(std::span<const double> x) const {
   task.u = {u.hi.data(), u.lo.data()};
   task.parameters = columnParameters_.data();
   task.p = columnParameters_.size();
-  task.n = x.size();
+  task.n = result.size();
   task.lowest = fit_->lowest;
   task.middle = fit_->middle;
   task.stretch = fit_->stretch;

@@ -15,12 +15,14 @@ class PowerCurve : public Curve {
   PowerCurve(Expression expression, NodeId base, std::shared_ptr<const PowerFit> fit,
              std::size_t p);
   [[nodiscard]] std::vector<double> values(std::span<const double> x) const override;
+  [[nodiscard]] std::vector<double> valuesAtPoints(const Series& points) const override;
   [[nodiscard]] std::vector<double> samples(std::span<const double> x) const override;
   [[nodiscard]] std::vector<double> unitErrors(std::span<const double> x) const override;
 
  private:
   [[nodiscard]] bool isOverLogarithm() const;
   [[nodiscard]] Column functionAt(std::span<const double> x) const;
+  [[nodiscard]] std::vector<double> valuesOver(const Column& u) const;
 
   Expression expression_;
   NodeId base_;

@@ -2,12 +2,15 @@
 #include "solver/linear/solution.h"
 
 #include "solver/arithmetic/double_double_functions.h"
+#include "solver/linear/series.h"
 
 #include <algorithm>
 #include <numeric>
 #include <utility>
 
 namespace pelmora::solver {
+
+std::vector<double> Curve::valuesAtPoints(const Series& points) const { return values(points.x); }
 
 std::vector<double> Solution::covariance() const {
   const std::size_t p = parameters.size();

@@ -13,11 +13,15 @@
 
 namespace pelmora::solver {
 
+struct Series;
+
 // A fitted curve, apart from its scale of uncertainty.
 class Curve {
  public:
   virtual ~Curve() = default;
   [[nodiscard]] virtual std::vector<double> values(std::span<const double> x) const = 0;
+  // The same at the points that it was fitted to.
+  [[nodiscard]] virtual std::vector<double> valuesAtPoints(const Series& points) const;
   // The same to the precision of double, for a look at many more places.
   [[nodiscard]] virtual std::vector<double> samples(std::span<const double> x) const {
     return values(x);
