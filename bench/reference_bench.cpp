@@ -36,6 +36,15 @@ void fit(benchmark::State& state) {
 }
 BENCHMARK(fit)->Arg(12)->Arg(60)->Arg(500)->Arg(5000)->Arg(32000)->Unit(benchmark::kMillisecond);
 
+// Every hundredth reading is bad.
+void fitWithBadReadings(benchmark::State& state) {
+  Series series = simulated(static_cast<std::size_t>(state.range(0)));
+  for (std::size_t i = 50; i < series.y.size(); i += 100) series.y[i] *= 1.01;
+  for (auto _ : state)
+    benchmark::DoNotOptimize(fitReference({series.x, series.y}).distrusted().data());
+}
+BENCHMARK(fitWithBadReadings)->Arg(500)->Arg(5000)->Arg(32000)->Unit(benchmark::kMillisecond);
+
 void evaluate(benchmark::State& state) {
   const Series series = simulated(60);
   const Series asked = simulated(static_cast<std::size_t>(state.range(0)));

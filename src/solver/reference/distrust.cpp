@@ -3,12 +3,16 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace pelmora::solver::reference {
 namespace {
 
 // What a deletion may change: nodes up to this far (ln) below the best are asked.
 constexpr double scanDepth = 30;
+
+// Readings this far along the series hardly feel each other where there are hundreds of them.
+constexpr std::size_t influence = 10;
 
 bool enoughLeft(std::span<const double> x, std::span<const std::size_t> used) {
   std::vector<double> places;
@@ -24,25 +28,61 @@ bool mayBeFriction(const Knots& knots, const LeftOut& left, std::size_t place) {
   return knots.relative && place == 0 && knots.knots[0].count == 1 && left.points[0].error < 0;
 }
 
-// The places in Knots::order of the least likely point or pair, if it is unlikely enough.
+// A point, or a pair of neighbours, that is less likely than the limit.
+struct Suspect {
+  double unlikely;  // to be compared: a pair's tail counts twice, for there are about as many pairs
+  std::size_t first, last;  // places in Knots::order
+};
+
+// The least likely first.
+std::vector<Suspect> suspectsOf(const Knots& knots, const LeftOut& left, double limit) {
+  std::vector<Suspect> suspects;
+  const auto add = [&](double unlikely, std::size_t first, std::size_t last) {
+    if (unlikely < limit && !mayBeFriction(knots, left, first))
+      suspects.push_back({unlikely, first, last});
+  };
+  for (std::size_t i = 0; i < left.points.size(); ++i) add(left.points[i].tail, i, i);
+  for (const LeftOutPair& pair : left.pairs) add(2 * pair.tail, pair.first, pair.second);
+  std::stable_sort(suspects.begin(), suspects.end(),
+                   [](const Suspect& a, const Suspect& b) { return a.unlikely < b.unlikely; });
+  return suspects;
+}
+
+// Whether a bad reading at the one may be what makes the other stand out.
+bool areNear(const Suspect& a, const Suspect& b) {
+  return a.first <= b.last + influence && b.first <= a.last + influence;
+}
+
+// The places in Knots::order that this round leaves out, at most `room`: the least likely point or
+// pair, and in a long series the next ones that are not near to it or to each other.
 std::vector<std::size_t> leastLikely(const Knots& knots, const LeftOut& left, double limit,
-                                     bool pairsToo) {
-  std::vector<std::size_t> worst;
-  double lowest = limit;
-  for (std::size_t i = 0; i < left.points.size(); ++i) {
-    if (left.points[i].tail < lowest && !mayBeFriction(knots, left, i)) {
-      lowest = left.points[i].tail;
-      worst = {i};
-    }
+                                     std::size_t atOnce, std::size_t room) {
+  std::vector<Suspect> taken;
+  std::vector<std::size_t> places;
+  for (const Suspect& suspect : suspectsOf(knots, left, limit)) {
+    const bool isPair = suspect.first != suspect.last;
+    if (places.size() + (isPair ? 2 : 1) > room) continue;
+    if (std::any_of(taken.begin(), taken.end(),
+                    [&](const Suspect& other) { return areNear(suspect, other); }))
+      continue;
+    taken.push_back(suspect);
+    places.push_back(suspect.first);
+    if (isPair) places.push_back(suspect.last);
+    if (taken.size() >= atOnce) break;
   }
-  lowest /= 2;  // there are about as many pairs again
-  for (const LeftOutPair& pair : left.pairs) {
-    if (pairsToo && pair.tail < lowest && !mayBeFriction(knots, left, pair.first)) {
-      lowest = pair.tail;
-      worst = {pair.first, pair.second};
-    }
+  return places;
+}
+
+std::vector<std::size_t> without(const Knots& knots, std::span<const std::size_t> used,
+                                 std::span<const std::size_t> places) {
+  std::vector<std::size_t> gone;
+  for (const std::size_t place : places) gone.push_back(knots.order[place]);
+  std::sort(gone.begin(), gone.end());
+  std::vector<std::size_t> fewer;
+  for (const std::size_t i : used) {
+    if (!std::binary_search(gone.begin(), gone.end(), i)) fewer.push_back(i);
   }
-  return worst;
+  return fewer;
 }
 
 }  // namespace
@@ -53,6 +93,9 @@ TrustedFit fitTrusted(const FitSetting& setting, std::vector<std::size_t> used,
   const double limit =
       rule == nullptr ? 0 : rule->falseAlarm * std::min(1.0, rule->shortSeries / n);
   const auto most = rule == nullptr ? 0 : static_cast<std::size_t>(std::ceil(rule->mostPoints * n));
+  auto atOnce = rule == nullptr
+                    ? 0
+                    : std::max<std::size_t>(1, static_cast<std::size_t>(rule->mostInRound * n));
   TrustedFit fit;
   for (;;) {
     fit.knots =
@@ -62,12 +105,17 @@ TrustedFit fitTrusted(const FitSetting& setting, std::vector<std::size_t> used,
     fit.left = leaveOut(fit.knots, setting.priors, setting.offsets, fit.nodes, rule != nullptr,
                         setting.stop);
     if (fit.distrusted.size() >= most) break;
-    const auto worst = leastLikely(fit.knots, fit.left, limit, fit.distrusted.size() + 2 <= most);
-    std::vector<std::size_t> fewer = used;
-    for (const std::size_t place : worst) std::erase(fewer, fit.knots.order[place]);
-    if (worst.empty() || !enoughLeft(setting.x, fewer)) break;
+    const auto worst =
+        leastLikely(fit.knots, fit.left, limit, atOnce, most - fit.distrusted.size());
+    std::vector<std::size_t> fewer = without(fit.knots, used, worst);
+    if (worst.empty()) break;
+    if (!enoughLeft(setting.x, fewer)) {
+      if (atOnce == 1) break;
+      atOnce = 1;
+      continue;
+    }
     for (const std::size_t place : worst) fit.distrusted.push_back(fit.knots.order[place]);
-    used = fewer;
+    used = std::move(fewer);
   }
   std::sort(fit.distrusted.begin(), fit.distrusted.end());
   std::erase_if(fit.nodes, [](const SharedNode& node) { return node.share <= 0; });

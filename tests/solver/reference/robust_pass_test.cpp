@@ -7,6 +7,8 @@
 
 #include <cmath>
 #include <random>
+#include <utility>
+#include <vector>
 
 namespace pelmora::solver::reference {
 namespace {
@@ -111,6 +113,43 @@ TEST(robust_pass, at_most_a_fifth_of_the_points_is_left_out) {
   for (const std::size_t i : {1, 4, 6, 8}) s.y[i] *= 1.05;
   const ReferenceCurve curve = fitReference({s.x, s.y});
   EXPECT_LE(curve.distrusted().size(), 2U);
+}
+
+// Every 61st reading, too high and too low by turns.
+Series withEvery61stBad(int flows, unsigned seed) {
+  Series s = simulated(flows, 1, seed);
+  for (std::size_t i = 30; i < s.y.size(); i += 61) s.y[i] *= i % 2 == 0 ? 1.006 : 0.994;
+  return s;
+}
+
+std::vector<std::size_t> every61st(std::size_t count) {
+  std::vector<std::size_t> places;
+  for (std::size_t i = 30; i < count; i += 61) places.push_back(i);
+  return places;
+}
+
+TEST(robust_pass, a_hundred_bad_readings_of_a_long_series_are_named_and_bend_nothing) {
+  const Series s = withEvery61stBad(6000, 7);
+  const ReferenceCurve curve = fitReference({s.x, s.y});
+  EXPECT_EQ(curve.distrusted(), every61st(6000));
+  EXPECT_LT(farthestFromTruth(curve), 0.0005);
+}
+
+TEST(robust_pass, names_the_same_readings_together_as_one_by_one) {
+  const Series s = withEvery61stBad(1500, 8);
+  ReferenceOptions oneByOne;
+  oneByOne.distrust.mostInRound = 0;
+  EXPECT_EQ(fitReference({s.x, s.y}).distrusted(), fitReference({s.x, s.y}, oneByOne).distrusted());
+}
+
+TEST(robust_pass, leaves_three_flows_where_single_readings_of_others_are_bad) {
+  // Two flows of 300 readings each, one reading at each of two more, both far off.
+  Series s = simulated(2, 300, 9);
+  for (const auto& [x, factor] : {std::pair(30.0, 1.3), std::pair(300.0, 0.7)}) {
+    s.x.push_back(x);
+    s.y.push_back(rotor(x) * factor);
+  }
+  EXPECT_LE(fitReference({s.x, s.y}).distrusted().size(), 1U);
 }
 
 TEST(robust_pass, can_be_switched_off) {
