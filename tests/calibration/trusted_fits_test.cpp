@@ -89,6 +89,38 @@ TEST_F(TrustedFits, name_the_bad_points_of_a_job) {
   EXPECT_LT(bad->sigmas(), -5);
 }
 
+// Readings 25, 75 ... are up to 1 % off, the more the later.
+Fit fitWithBadReadings(std::size_t count, double band) {
+  PointArray points = noisy(smoothPoints(count), 2e-4, 3);
+  for (std::size_t i = 25; i < count; i += 50)
+    points(i, 1) *= 1.004 + 0.006 * static_cast<double>(i) / static_cast<double>(count);
+  return calibration::fit(std::vector{points}, {.band = band, .choice = Choice::trusted});
+}
+
+TEST_F(TrustedFits, name_the_farthest_of_many_bad_readings_and_count_the_others) {
+  const Fit fit = fitWithBadReadings(2000, 0.3);
+  ASSERT_TRUE(fit.accepted()) << fit.reason();
+  ASSERT_THAT(fit.outcome.Warnings, SizeIs(21));
+  for (const CurveWarning& warning : fit.outcome.Warnings)
+    EXPECT_EQ(warning.Kind, CurveWarningKind::distrustedPoint);
+  EXPECT_THAT(fit.outcome.Warnings[19].Text, HasSubstr("Point 1976 of part 1"));
+  const CurveWarning& others = fit.outcome.Warnings[20];
+  EXPECT_THAT(others.Text, AllOf(HasSubstr("A further 20 points between Roshko "),
+                                 HasSubstr("the curve was fitted without them")));
+  EXPECT_LT(others.FromX, others.ToX);
+  EXPECT_NEAR(others.Percent, 0.72, 0.1);
+  const auto bad = std::ranges::count(fit.trust->judged, PointUse::distrusted, &JudgedPoint::use);
+  EXPECT_EQ(bad, 40);
+}
+
+TEST_F(TrustedFits, advise_to_check_many_bad_readings_without_naming_each) {
+  const std::vector<Advice> list = adviceFor(fitWithBadReadings(2000, 0.3));
+  ASSERT_FALSE(list.empty());
+  EXPECT_EQ(list[0].kind, AdviceKind::checkPoint);
+  EXPECT_THAT(list[0].text, HasSubstr("check 40 points, up to "));
+  EXPECT_THAT(list[0].points, SizeIs(40));
+}
+
 TEST_F(TrustedFits, choose_the_simplest_equation_that_is_sound) {
   const Fit fit =
       calibration::fit(std::vector{noisy(smoothPoints(24), 3e-4, 1)}, {.choice = Choice::trusted});

@@ -111,7 +111,11 @@ PointArray CatalogueFit::curve() const {
   return slot != nullptr ? slot->result : PointArray();
 }
 
-std::string CatalogueFit::reportOf(const Slot& slot) {
+std::string CatalogueFit::rawPointsOf(const Slot& slot) {
+  return slot.accepted ? rawListing(slot.accepted->labels, pointsOf(*slot.accepted->data)) : "";
+}
+
+std::string CatalogueFit::reportOf(const Slot& slot, const std::string& rawPoints) {
   std::string report = slot.details;
   if (const auto& run = slot.accepted) {
     const std::vector<double>& x = run->data->Columns[0];
@@ -119,18 +123,22 @@ std::string CatalogueFit::reportOf(const Slot& slot) {
     report += reportBody({run->labels, *minX, *maxX, slot.outcome.Parameters,
                           slot.outcome.Statistics, run->residualTolerance, run->bandPercent,
                           run->numberOfFittedPoints, run->predictedXmin, run->predictedXmax});
-    report += predictedListing(run->labels, slot.outcome.Predicted) + "\r\n\r\n" +
-              rawListing(run->labels, pointsOf(*run->data));
+    report += predictedListing(run->labels, slot.outcome.Predicted) + "\r\n\r\n" + rawPoints;
   }
   return report + slot.failures;
 }
 
 std::string CatalogueFit::details() const {
   if (failed_) return {};
-  if (const Slot* slot = chosenSlot()) return reportOf(*slot);
-  std::string all;
+  if (const Slot* slot = chosenSlot()) return reportOf(*slot, rawPointsOf(*slot));
+  std::string all, rawPoints;
+  const FitData* listed = nullptr;  // the points of most equations, often thousands, are the same
   for (const Slot& slot : slots_) {
-    all += reportOf(slot) + "\r\n================================\r\n";
+    if (slot.accepted && slot.accepted->data.get() != listed) {
+      listed = slot.accepted->data.get();
+      rawPoints = rawPointsOf(slot);
+    }
+    all += reportOf(slot, rawPoints) + "\r\n================================\r\n";
   }
   return all;
 }

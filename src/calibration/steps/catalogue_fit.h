@@ -125,7 +125,8 @@ class CatalogueFit {
   void resetSlots();
   [[nodiscard]] bool hasChosen() const { return !ranking_.empty() && ranking_.front() != -1; }
   [[nodiscard]] const Slot* chosenSlot() const;
-  [[nodiscard]] static std::string reportOf(const Slot& slot);
+  [[nodiscard]] static std::string rawPointsOf(const Slot& slot);
+  [[nodiscard]] static std::string reportOf(const Slot& slot, const std::string& rawPoints);
 
   // The run, in catalogue_fit.cpp.
   RunEnd runEquations(const Running& running);

@@ -3,6 +3,7 @@
 
 #include "base/readable_number.h"
 #include "calibration/fit_inputs.h"
+#include "calibration/trust/trust_warnings.h"
 #include "calibration/trust/trusted_fit.h"
 #include "curves/curve_checks.h"
 #include "curves/table_reading.h"
@@ -62,11 +63,24 @@ std::string named(const JudgedPoint& point) {
          " (Roshko " + significantText(point.roshko, 5) + ")";
 }
 
+std::string listed(const std::vector<JudgedPoint>& points) {
+  std::string text;
+  for (const JudgedPoint& point : points) {
+    text += (text.empty() ? "" : ", ") + named(point) + ", " + sigmasText(point.sigmas()) +
+            " sigma " + (point.leaveOneOut > 0 ? "above" : "below") + " its neighbours";
+  }
+  return text;
+}
+
 Advice checkPoints(const Fit& fit, std::vector<JudgedPoint> points) {
   std::string text = "check ";
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    text += (i == 0 ? "" : ", ") + named(points[i]) + ", " + sigmasText(points[i].sigmas()) +
-            " sigma " + (points[i].leaveOneOut > 0 ? "above" : "below") + " its neighbours";
+  if (points.size() > mostNamedPoints) {
+    double most = 0;
+    for (const JudgedPoint& point : points) most = std::max(most, std::abs(point.sigmas()));
+    text += std::to_string(points.size()) + " points, up to " + sigmasText(most) +
+            " sigma off their neighbours";
+  } else {
+    text += listed(points);
   }
   text += ", and leave out what is wrong";
   if (!fit.series.empty()) text = "series '" + fit.series + "': " + text;

@@ -3,7 +3,9 @@
 
 #include "base/readable_number.h"
 
+#include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace pelmora::calibration {
 namespace {
@@ -19,12 +21,15 @@ std::string between(double from, double to) {
   return "between Roshko " + significantText(from, 4) + " and " + significantText(to, 4);
 }
 
+double percentOff(const JudgedPoint& point, bool isRelative) {
+  return std::abs(isRelative ? point.leaveOneOut : 100 * point.leaveOneOut / point.strouhal);
+}
+
 CurveWarning distrusted(const JudgedPoint& point, bool isRelative) {
   CurveWarning warning;
   warning.Kind = CurveWarningKind::distrustedPoint;
   warning.FromX = warning.ToX = point.roshko;
-  warning.Percent =
-      std::abs(isRelative ? point.leaveOneOut : 100 * point.leaveOneOut / point.strouhal);
+  warning.Percent = percentOff(point, isRelative);
   warning.Text = "Point " + std::to_string(point.number) + " of part " +
                  std::to_string(point.part) + " (Roshko " + significantText(point.roshko, 5) +
                  ") is " + sigmasText(point.sigmas()) + " sigma, " +
@@ -33,6 +38,44 @@ CurveWarning distrusted(const JudgedPoint& point, bool isRelative) {
                  (std::abs(point.sigmas()) <= sigmasOfAPair ? ", beside another such point" : "") +
                  "; the curve was fitted without it";
   return warning;
+}
+
+// Points of the fit's, by rising Roshko number; at least two.
+CurveWarning distrustedOthers(const std::vector<const JudgedPoint*>& points, bool isRelative) {
+  CurveWarning warning;
+  warning.Kind = CurveWarningKind::distrustedPoint;
+  warning.FromX = points.front()->roshko;
+  warning.ToX = points.back()->roshko;
+  double sigmas = 0;
+  for (const JudgedPoint* point : points) {
+    warning.Percent = std::max(warning.Percent, percentOff(*point, isRelative));
+    sigmas = std::max(sigmas, std::abs(point->sigmas()));
+  }
+  warning.Text = "A further " + std::to_string(points.size()) + " points " +
+                 between(warning.FromX, warning.ToX) +
+                 " are off the curve of the others by up to " + sigmasText(sigmas) + " sigma, " +
+                 significantText(warning.Percent, 2) + " %; the curve was fitted without them";
+  return warning;
+}
+
+void checkPoints(const Fit& fit, std::vector<CurveWarning>& warnings) {
+  std::vector<const JudgedPoint*> points;
+  for (const JudgedPoint& point : fit.trust->judged) {
+    if (point.use == PointUse::distrusted) points.push_back(&point);
+  }
+  std::vector<const JudgedPoint*> others;
+  if (points.size() > mostNamedPoints + 1) {
+    std::ranges::stable_sort(points, std::greater<>{},
+                             [](const JudgedPoint* point) { return std::abs(point->sigmas()); });
+    others.assign(points.begin() + mostNamedPoints, points.end());
+    points.resize(mostNamedPoints);
+    const auto byRoshko = [](const JudgedPoint* point) { return point->roshko; };
+    std::ranges::stable_sort(points, {}, byRoshko);
+    std::ranges::stable_sort(others, {}, byRoshko);
+  }
+  for (const JudgedPoint* point : points)
+    warnings.push_back(distrusted(*point, fit.trust->isRelative));
+  if (!others.empty()) warnings.push_back(distrustedOthers(others, fit.trust->isRelative));
 }
 
 CurveWarning wide(const ReferenceJudge::WideRange& range, double bandPercent) {
@@ -84,10 +127,7 @@ void checkEnds(const Fit& fit, std::vector<CurveWarning>& warnings) {
 std::vector<CurveWarning> trustWarnings(const Fit& fit, const ReferenceJudge& judge,
                                         const CurveSamples& chosen) {
   std::vector<CurveWarning> warnings;
-  for (const JudgedPoint& point : fit.trust->judged) {
-    if (point.use == PointUse::distrusted)
-      warnings.push_back(distrusted(point, fit.trust->isRelative));
-  }
+  checkPoints(fit, warnings);
   for (const auto& range : judge.wideRanges()) warnings.push_back(wide(range, fit.settings.band));
   checkEnds(fit, warnings);
   checkReading(fit, chosen, warnings);

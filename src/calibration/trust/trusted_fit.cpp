@@ -241,7 +241,6 @@ bool fitTrustedPoints(Fit& fit, std::span<const steps::PartPoint> origins,
   fit.trust->equations = std::move(soundness);
   fit.outcome = catalogue.verdicts();
   fit.curve = catalogue.curve();
-  fit.report = catalogue.details();
 
   CurveSamples chosen = [&](std::span<const double> x) { return judge.values(x); };
   if (const FitModel* model = catalogue.model()) {
@@ -249,6 +248,7 @@ bool fitTrustedPoints(Fit& fit, std::span<const steps::PartPoint> origins,
   }
   if (mayStoreReference(fit.settings))
     addReferenceCurve(fit, reference, referenceTable(fit, judge));
+  if (fit.report.empty()) fit.report = catalogue.details();
   if (!fit.accepted()) return true;
   if (fit.settings.spacing == PointSpacing::optimal) {
     const std::vector<double> optimal =
