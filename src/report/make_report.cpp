@@ -10,6 +10,7 @@
 #include "report/html_report.h"
 #include "report/json_report.h"
 #include "report/pdf_report.h"
+#include "report/report_file.h"
 #include "report/signed_dcc.h"
 #include "report/svg_report.h"
 #include "report/xlsx_report.h"
@@ -18,11 +19,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <filesystem>
-#include <fstream>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace pelmora::report {
@@ -194,29 +192,12 @@ std::string makeReport(const Database& lab, const Meter& meter, ReportKind kind,
 
 void writeReport(const Database& lab, const Meter& meter, const std::string& file,
                  const ReportOptions& options) {
-  namespace fs = std::filesystem;
   const auto kind = reportKindOf(file);
   if (!kind) {
     throw BadData({"the name '" + file + "' has no ending of a report", file,
                    "end it in .html, .pdf, .xml, .json, .csv, .xlsx or .svg"});
   }
-  const std::string content = makeReport(lab, meter, *kind, options);
-  report::requireGoOn(options.observer.stop);
-  const fs::path unfinished = file + ".unfinished";
-  std::error_code failed;
-  {
-    errno = 0;
-    std::ofstream stream(unfinished, std::ios::binary | std::ios::trunc);
-    stream << content;
-    stream.close();
-    if (!stream) failed.assign(errno != 0 ? errno : EIO, std::generic_category());
-  }
-  if (!failed) fs::rename(unfinished, file, failed);
-  if (!failed) return;
-  std::error_code ignored;
-  fs::remove(unfinished, ignored);
-  throw Unusable({"'" + file + "' cannot be written: " + failed.message(), file,
-                  "check the folder and the room on the disk"});
+  report::writeFile(file, makeReport(lab, meter, *kind, options), options.observer.stop);
 }
 
 }  // namespace pelmora::calibration

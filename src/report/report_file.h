@@ -1,0 +1,16 @@
+// A report's bytes as a file.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <stop_token>
+#include <string>
+
+namespace pelmora::report {
+
+// Writes FILE.unfinished and gives it the name FILE once it is whole, so that FILE is the old
+// report or the new one. Asked to stop, or if it fails, it leaves FILE as it was.
+//
+// Errors: calibration::Unusable if the file cannot be written; calibration::Cancelled.
+void writeFile(const std::string& file, const std::string& content, const std::stop_token& stop);
+
+}  // namespace pelmora::report
