@@ -1,8 +1,10 @@
 // Raw series and imports against plain prepared statements on the same schema with the same
 // durability. SPDX-License-Identifier: MIT
 #include "bench/plain_database.h"
+#include "bench/plain_import.h"
 #include "tests/support/scratch_folder.h"
 
+#include <pelmora/calibration.h>
 #include <pelmora/database.h>
 #include <pelmora/platform.h>
 #include <pelmora/raw_data.h>
@@ -84,7 +86,7 @@ void SetRaw(benchmark::State& state) {
   }
 }
 
-void plain_write(benchmark::State& state) {
+void plain_SetRaw(benchmark::State& state) {
   const CurveDatabase curves;
   for (auto _ : state) plainWrite(curves.path, curves.points);
   require(plainRead(curves.path) == curves.points, "what was written");
@@ -98,7 +100,7 @@ void GetRaw(benchmark::State& state) {
   }
 }
 
-void plain_read(benchmark::State& state) {
+void plain_GetRaw(benchmark::State& state) {
   const CurveDatabase curves;
   for (auto _ : state) require(plainRead(curves.path) == curves.points, "what was read");
 }
@@ -128,16 +130,39 @@ void importCaldb(benchmark::State& state) {
   }
 }
 
+// The same by the service, in one transaction, with the history of what it replaces.
+void importRuns(benchmark::State& state) {
+  const CurveDatabase curves;
+  const std::string stand = standWith(curves.folder, state.range(0));
+  namespace cal = pelmora::calibration;
+  for (auto _ : state) {
+    cal::Database lab = cal::open(curves.path);
+    const cal::Imported imported =
+        lab.importRuns(lab.meter("M1"), cal::Stand(stand), {{"1001", "Oil", "Ada"}});
+    require(imported.series.size() == 4, "import");
+  }
+}
+
+// One transaction; nothing of what it replaces is kept.
+void plainImports(benchmark::State& state) {
+  const CurveDatabase curves;
+  const std::string stand = standWith(curves.folder, state.range(0));
+  for (auto _ : state) pelmora::bench::plainImport(curves.path, stand);
+}
+void plain_importCaldb(benchmark::State& state) { plainImports(state); }
+void plain_importRuns(benchmark::State& state) { plainImports(state); }
+
 BENCHMARK(SetRaw)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(plain_write)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(plain_SetRaw)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(GetRaw)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(plain_read)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(importCaldb)
-    ->ArgName("points")
-    ->Arg(24)
-    ->Arg(10000)
-    ->Unit(benchmark::kMillisecond)
-    ->UseRealTime();
+BENCHMARK(plain_GetRaw)->Unit(benchmark::kMillisecond)->UseRealTime();
+constexpr auto sizes = [](benchmark::internal::Benchmark* bench) {
+  bench->Arg(24)->Arg(10000)->Unit(benchmark::kMillisecond)->UseRealTime();
+};
+BENCHMARK(importCaldb)->Apply(sizes);
+BENCHMARK(plain_importCaldb)->Apply(sizes);
+BENCHMARK(importRuns)->Apply(sizes);
+BENCHMARK(plain_importRuns)->Apply(sizes);
 
 }  // namespace
 

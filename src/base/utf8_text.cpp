@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "base/utf8_text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -71,10 +72,13 @@ void appendUtf8(std::string& text, char32_t codePoint) {
 }
 
 bool isUtf8(std::string_view text) noexcept {
-  while (!text.empty()) {
+  const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+  while (true) {
+    const auto other = std::find_if_not(text.begin(), text.end(), isAscii);
+    text.remove_prefix(static_cast<std::size_t>(other - text.begin()));
+    if (text.empty()) return true;
     if (!takeUtf8Character(text)) return false;
   }
-  return true;
 }
 
 std::string utf8FromAnsi(std::string text) {

@@ -24,8 +24,19 @@ constexpr std::array<std::string_view, 3> signs{"-", "+", "\xE2\x88\x92"};
 template <std::size_t count>
 std::string_view startsWithOne(std::string_view text,
                                const std::array<std::string_view, count>& candidates) {
+  if (text.empty()) return {};
   for (const std::string_view candidate : candidates) {
-    if (text.starts_with(candidate)) return candidate;
+    if (text.front() == candidate.front() && text.starts_with(candidate)) return candidate;
+  }
+  return {};
+}
+
+template <std::size_t count>
+std::string_view endsWithOne(std::string_view text,
+                             const std::array<std::string_view, count>& candidates) {
+  if (text.empty()) return {};
+  for (const std::string_view candidate : candidates) {
+    if (text.back() == candidate.back() && text.ends_with(candidate)) return candidate;
   }
   return {};
 }
@@ -111,14 +122,8 @@ std::string_view trimmed(std::string_view text) {
   for (auto blank = startsWithOne(text, blanks); !blank.empty();
        blank = startsWithOne(text, blanks))
     text.remove_prefix(blank.size());
-  for (bool isGoingOn = true; isGoingOn;) {
-    isGoingOn = false;
-    for (const std::string_view blank : blanks) {
-      if (!text.ends_with(blank)) continue;
-      text.remove_suffix(blank.size());
-      isGoingOn = true;
-    }
-  }
+  for (auto blank = endsWithOne(text, blanks); !blank.empty(); blank = endsWithOne(text, blanks))
+    text.remove_suffix(blank.size());
   return text;
 }
 
@@ -148,7 +153,7 @@ bool isMissingValue(std::string_view text) {
 
 bool looksLikeNumber(std::string_view text) {
   text = trimmed(text);
-  if (text.find_first_of("0123456789") == std::string_view::npos) return false;
+  if (std::ranges::none_of(text, isDigit)) return false;
   return fieldNumber(text, {'.', true}).has_value() || fieldNumber(text, {',', true}).has_value();
 }
 
