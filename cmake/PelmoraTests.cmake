@@ -13,6 +13,29 @@ file(MAKE_DIRECTORY ${pelmora_test_results})
 add_custom_target(threads_tests)
 add_custom_target(memory_tests)
 
+# pelmora_quick_target(NAME): builds what the preset builds up to here, but no program whose tests are all labelled `long`.
+function(pelmora_quick_target name)
+  set(folders ${PROJECT_SOURCE_DIR})
+  set(built "")
+  while(folders)
+    list(POP_FRONT folders folder)
+    get_property(inside DIRECTORY ${folder} PROPERTY SUBDIRECTORIES)
+    list(APPEND folders ${inside})
+    get_property(targets DIRECTORY ${folder} PROPERTY BUILDSYSTEM_TARGETS)
+    foreach(target IN LISTS targets)
+      get_target_property(type ${target} TYPE)
+      get_target_property(is_long ${target} PELMORA_IS_LONG)
+      if(type MATCHES "EXECUTABLE|SHARED_LIBRARY|MODULE_LIBRARY" AND NOT is_long)
+        list(APPEND built ${target})
+      endif()
+    endforeach()
+  endwhile()
+  if(TARGET program_texts)
+    list(APPEND built program_texts)
+  endif()
+  add_custom_target(${name} DEPENDS ${built})
+endfunction()
+
 # pelmora_counted(NAME): the CTest test NAME is a GoogleTest program; its results become a file of its name.
 function(pelmora_counted name)
   string(REPLACE "/" "." file ${name})
@@ -71,6 +94,9 @@ function(pelmora_test_program program)
   endif()
   add_executable(${program} ${sources})
   set_target_properties(${program} PROPERTIES UNITY_BUILD OFF PELMORA_IS_TEST ON)
+  if(TARGET pelmora_test_headers)
+    target_precompile_headers(${program} REUSE_FROM pelmora_test_headers)
+  endif()
 endfunction()
 
 function(pelmora_test folder)
@@ -83,6 +109,9 @@ function(pelmora_test folder)
       add_dependencies(${label}_tests ${name}_test)
     endif()
   endforeach()
+  if("long" IN_LIST arg_LABELS)
+    set_target_properties(${name}_test PROPERTIES PELMORA_IS_LONG ON)
+  endif()
   pelmora_run_tests(${name}_test ${folder}/ SHARDS ${arg_SHARDS} LABELS ${arg_LABELS})
 endfunction()
 
@@ -96,7 +125,8 @@ function(pelmora_beside program helper)
 endfunction()
 
 # pelmora_on_server(calibration WITHOUT suite.test ...): runs the folder's tests a second time, with their curve databases
-# on a PostgreSQL server. WITHOUT: tests of what only a file has. The sanitizers see the engine in tests/contract.
+# on a PostgreSQL server, labelled `again`. WITHOUT: tests of what only a file has. The sanitizers see the engine in
+# tests/contract.
 function(pelmora_on_server folder)
   if(NOT TARGET pelmora-postgresql OR PELMORA_SANITIZE)
     return()
@@ -107,7 +137,7 @@ function(pelmora_on_server folder)
   list(JOIN arg_WITHOUT ":" without)
   set(test ${folder}/${name}_test.on_server)
   add_test(NAME ${test} COMMAND ${name}_test)
-  set_tests_properties(${test} PROPERTIES TIMEOUT 1200
+  set_tests_properties(${test} PROPERTIES LABELS again TIMEOUT 1200
     ENVIRONMENT "PELMORA_TEST_ON_SERVER=1;GTEST_FILTER=-${without}")
   if(PELMORA_WHOLE_TEST_PROGRAMS)
     pelmora_counted(${test})

@@ -155,7 +155,8 @@ def quick(known):
     chosen = [part for part in known if part.name in ("format", "release", "sanitize")]
     for part in chosen:
         if part.name == "release":
-            part.select = ["--label-exclude", "long"]
+            part.select = ["--label-exclude", "long|again"]
+            part.targets = ["quick_tests"]
         if part.name == "sanitize":
             part.select = ["--label-regex", "memory"]
             part.targets = ["memory_tests"]
