@@ -8,10 +8,20 @@ foreach(layer IN LISTS layers)
   list(APPEND layer_objects $<TARGET_OBJECTS:${layer}>)
 endforeach()
 
-# The objects with everything visible to the linker: for tests and benchmarks of the inside.
-add_library(pelmora_internal STATIC EXCLUDE_FROM_ALL ${layer_objects})
-set_target_properties(pelmora_internal PROPERTIES LINKER_LANGUAGE CXX)
-target_link_libraries(pelmora_internal PUBLIC pelmora_options ${libraries} ${CMAKE_DL_LIBS})
+# pelmora_archive(some store adapters/sqlite): the objects of these folders, with everything visible to the linker.
+function(pelmora_archive name)
+  list(TRANSFORM ARGN REPLACE "/" "_")
+  list(TRANSFORM ARGN REPLACE "(.+)" "$<TARGET_OBJECTS:pelmora_\\1>" OUTPUT_VARIABLE objects)
+  get_property(used GLOBAL PROPERTY pelmora_libraries)
+  list(REMOVE_DUPLICATES used)
+  add_library(${name} STATIC EXCLUDE_FROM_ALL ${objects})
+  set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
+  target_link_libraries(${name} PUBLIC pelmora_options ${used} ${CMAKE_DL_LIBS})
+endfunction()
+
+# For tests and benchmarks of the inside.
+list(TRANSFORM layers REPLACE "^pelmora_" "" OUTPUT_VARIABLE folders)
+pelmora_archive(pelmora_internal ${folders})
 
 if(WIN32)
   return()  # the library for hosts is the automation component, bindings/com
