@@ -33,23 +33,28 @@ PointArray somePoints() {
   return points;
 }
 
-// A curve database with the meter M1 and, in raw1, its series S of 32,000 points. Every error box
-// ends the run: a failing operation would be a fast one.
-struct CurveDatabase {
-  CurveDatabase() {
+// A curve database with the meter M1. Every error box ends the run: a failing operation would be a
+// fast one.
+struct EmptyDatabase {
+  EmptyDatabase() {
     pelmora::createCurveDatabase(path);
     pelmora::platform().messageBox = [](const std::string& text, int, const std::string&) -> int {
       stop(text);
     };
     data.dbDirSetByString(path);
     require(data.setMeterSN("M1") != 0, "setMeterSN");
-    require(data.SetRaw("S", "M1", points, 0, false), "SetRaw");
   }
 
-  const PointArray points = somePoints();
   pelmora::test::ScratchFolder folder;
   const std::string path = folder.file("curves.db");
   pelmora::RawData data;
+};
+
+// And its series S of 32,000 points in raw1.
+struct CurveDatabase : EmptyDatabase {
+  CurveDatabase() { require(data.SetRaw("S", "M1", points, 0, false), "SetRaw"); }
+
+  const PointArray points = somePoints();
 };
 
 // The same by hand: one connection, prepared statements, the two transactions that SetRaw has.
@@ -120,7 +125,7 @@ std::string standWith(const pelmora::test::ScratchFolder& folder, std::int64_t p
 
 // One job into the curve database and its four series out of it.
 void importCaldb(benchmark::State& state) {
-  CurveDatabase curves;
+  EmptyDatabase curves;
   const std::string stand = standWith(curves.folder, state.range(0));
   for (auto _ : state) {
     const pelmora::MeterInfo meter =
@@ -132,7 +137,7 @@ void importCaldb(benchmark::State& state) {
 
 // The same by the service, in one transaction, with the history of what it replaces.
 void importRuns(benchmark::State& state) {
-  const CurveDatabase curves;
+  const EmptyDatabase curves;
   const std::string stand = standWith(curves.folder, state.range(0));
   namespace cal = pelmora::calibration;
   for (auto _ : state) {
@@ -145,7 +150,7 @@ void importRuns(benchmark::State& state) {
 
 // One transaction; nothing of what it replaces is kept.
 void plainImports(benchmark::State& state) {
-  const CurveDatabase curves;
+  const EmptyDatabase curves;
   const std::string stand = standWith(curves.folder, state.range(0));
   for (auto _ : state) pelmora::bench::plainImport(curves.path, stand);
 }

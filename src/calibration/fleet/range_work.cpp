@@ -46,19 +46,6 @@ void addResults(Session& session, std::int64_t job, const std::vector<FittedSeri
   rows->updateBatch();
 }
 
-// What storing needs of a fit: a range holds many.
-void dropTheRest(Fit& fit) {
-  fit.places = {};
-  fit.cut = {};
-  fit.fitted = {};
-  fit.trust.reset();
-  if (!fit.outcome.Chosen) return;
-  EquationOutcome chosen = std::move(fit.outcome.Equations[*fit.outcome.Chosen]);
-  fit.outcome.Equations.clear();
-  fit.outcome.Equations.push_back(std::move(chosen));
-  fit.outcome.Chosen = 0;
-}
-
 FittedSeries fitted(const Database& lab, Session& session, SeriesRows& rows,
                     const RefitOptions& options) {
   FittedSeries series{rows.id, {}, rows.isPlain, rows.hasResults, rows.basis};
@@ -72,7 +59,7 @@ FittedSeries fitted(const Database& lab, Session& session, SeriesRows& rows,
   }
   series.curve = fitAgain(lab, std::move(reading), options);
   if (series.curve.isToBeStored()) {
-    dropTheRest(series.curve.fit);
+    keepOnlyWhatIsStored(series.curve.fit);
   } else {
     series.curve.fit = {};
   }

@@ -36,6 +36,7 @@ void Portion::add(RefitCurve curve) {
   };
   if (std::ranges::any_of(curves_, isSameSeries)) store();
   if (curves_.empty()) end_ = Clock::now() + longestWait;
+  keepOnlyWhatIsStored(curve.fit);
   curves_.push_back(std::move(curve));
 }
 

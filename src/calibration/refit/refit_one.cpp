@@ -101,6 +101,18 @@ RefitCurve fitAgain(const Database& lab, RefitReading reading, const RefitOption
   return curve;
 }
 
+void keepOnlyWhatIsStored(Fit& fit) {
+  fit.places = {};
+  fit.cut = {};
+  fit.fitted = {};
+  fit.trust.reset();
+  if (!fit.outcome.Chosen) return;
+  EquationOutcome chosen = std::move(fit.outcome.Equations[*fit.outcome.Chosen]);
+  fit.outcome.Equations.clear();
+  fit.outcome.Equations.push_back(std::move(chosen));
+  fit.outcome.Chosen = 0;
+}
+
 void bringUpToDate(const Database& lab, Session& session, const RefitOptions& options,
                    RefitCurve& curve) {
   const RefitTask task = curve.result.task;

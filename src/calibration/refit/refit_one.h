@@ -40,6 +40,9 @@ struct RefitReading {
 [[nodiscard]] RefitCurve fitAgain(const Database& lab, RefitReading reading,
                                   const RefitOptions& options, const std::stop_token& stop = {});
 
+// Frees what storing does not need of a fit, for those who hold many.
+void keepOnlyWhatIsStored(Fit& fit);
+
 // In the change that is open, where nobody else can write: where the series, its curve or its
 // settings have been changed since they were read, it is fitted again as it is now, and the result
 // says so.
