@@ -2,15 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "store/connection.h"
 #include "store/foreign_changes.h"
 
 #include <atomic>
 #include <cstdint>
 #include <optional>
-
-namespace pelmora {
-class Connection;
-}
 
 namespace pelmora::calibration {
 
