@@ -21,24 +21,29 @@ constexpr std::array<std::string_view, 5> blanks{" ", "\t", "\xC2\xA0", "\xE2\x8
 constexpr std::array<std::string_view, 2> apostrophes{"'", "\xE2\x80\x99"};
 constexpr std::array<std::string_view, 3> signs{"-", "+", "\xE2\x88\x92"};
 
+// Empty if none is.
+template <std::size_t count, class Test>
+std::string_view firstThat(const std::array<std::string_view, count>& candidates, Test isThere) {
+  const auto found = std::find_if(candidates.begin(), candidates.end(), isThere);
+  return found == candidates.end() ? std::string_view() : *found;
+}
+
 template <std::size_t count>
 std::string_view startsWithOne(std::string_view text,
                                const std::array<std::string_view, count>& candidates) {
   if (text.empty()) return {};
-  for (const std::string_view candidate : candidates) {
-    if (text.front() == candidate.front() && text.starts_with(candidate)) return candidate;
-  }
-  return {};
+  return firstThat(candidates, [text](std::string_view candidate) {
+    return text.front() == candidate.front() && text.starts_with(candidate);
+  });
 }
 
 template <std::size_t count>
 std::string_view endsWithOne(std::string_view text,
                              const std::array<std::string_view, count>& candidates) {
   if (text.empty()) return {};
-  for (const std::string_view candidate : candidates) {
-    if (text.back() == candidate.back() && text.ends_with(candidate)) return candidate;
-  }
-  return {};
+  return firstThat(candidates, [text](std::string_view candidate) {
+    return text.back() == candidate.back() && text.ends_with(candidate);
+  });
 }
 
 // Reads a text from its start and writes what std::from_chars understands.

@@ -132,7 +132,8 @@ std::string CatalogueFit::details() const {
   if (failed_) return {};
   if (const Slot* slot = chosenSlot()) return reportOf(*slot, rawPointsOf(*slot));
   std::string all, rawPoints;
-  const FitData* listed = nullptr;  // the points of most equations, often thousands, are the same
+  const FitData* listed =
+      nullptr;  // most equations were fitted to the same points, often thousands
   for (const Slot& slot : slots_) {
     if (slot.accepted && slot.accepted->data.get() != listed) {
       listed = slot.accepted->data.get();

@@ -40,7 +40,7 @@ CurveWarning distrusted(const JudgedPoint& point, bool isRelative) {
   return warning;
 }
 
-// Points of the fit's, by rising Roshko number; at least two.
+// One warning for all of them. points: by rising Roshko number, at least two.
 CurveWarning distrustedOthers(const std::vector<const JudgedPoint*>& points, bool isRelative) {
   CurveWarning warning;
   warning.Kind = CurveWarningKind::distrustedPoint;

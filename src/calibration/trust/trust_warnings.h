@@ -11,8 +11,8 @@
 
 namespace pelmora::calibration {
 
-// Of more points than this that contradict the others, only the farthest off are named, and the
-// others are counted: a long series may have hundreds.
+// If more points than this contradict the others, only the farthest off are named and the rest are
+// counted: a long series may have hundreds.
 inline constexpr std::size_t mostNamedPoints = 20;
 
 // Of a fit whose curve was chosen; in the order of the points, then of the ranges.

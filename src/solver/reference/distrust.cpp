@@ -11,7 +11,7 @@ namespace {
 // What a deletion may change: nodes up to this far (ln) below the best are asked.
 constexpr double scanDepth = 30;
 
-// Readings this far along the series hardly feel each other where there are hundreds of them.
+// In a series of hundreds of points, one point hardly changes the curve this many places away.
 constexpr std::size_t influence = 10;
 
 bool enoughLeft(std::span<const double> x, std::span<const std::size_t> used) {
@@ -30,31 +30,33 @@ bool mayBeFriction(const Knots& knots, const LeftOut& left, std::size_t place) {
 
 // A point, or a pair of neighbours, that is less likely than the limit.
 struct Suspect {
-  double unlikely;  // to be compared: a pair's tail counts twice, for there are about as many pairs
-  std::size_t first, last;  // places in Knots::order
+  // Tail probability; doubled for a pair, because testing the pairs doubles the number of tests.
+  double probability;
+  std::size_t first, last;  // places in Knots::order; equal for a single point
 };
 
 // The least likely first.
 std::vector<Suspect> suspectsOf(const Knots& knots, const LeftOut& left, double limit) {
   std::vector<Suspect> suspects;
-  const auto add = [&](double unlikely, std::size_t first, std::size_t last) {
-    if (unlikely < limit && !mayBeFriction(knots, left, first))
-      suspects.push_back({unlikely, first, last});
+  const auto add = [&](double probability, std::size_t first, std::size_t last) {
+    if (probability < limit && !mayBeFriction(knots, left, first))
+      suspects.push_back({probability, first, last});
   };
   for (std::size_t i = 0; i < left.points.size(); ++i) add(left.points[i].tail, i, i);
   for (const LeftOutPair& pair : left.pairs) add(2 * pair.tail, pair.first, pair.second);
-  std::stable_sort(suspects.begin(), suspects.end(),
-                   [](const Suspect& a, const Suspect& b) { return a.unlikely < b.unlikely; });
+  std::stable_sort(suspects.begin(), suspects.end(), [](const Suspect& a, const Suspect& b) {
+    return a.probability < b.probability;
+  });
   return suspects;
 }
 
-// Whether a bad reading at the one may be what makes the other stand out.
+// Whether one may stand out only because the other is bad.
 bool areNear(const Suspect& a, const Suspect& b) {
   return a.first <= b.last + influence && b.first <= a.last + influence;
 }
 
-// The places in Knots::order that this round leaves out, at most `room`: the least likely point or
-// pair, and in a long series the next ones that are not near to it or to each other.
+// The places in Knots::order to leave out in this round, at most `room` of them: the least likely
+// point or pair, then the next ones that are not near any already chosen, up to `atOnce` in all.
 std::vector<std::size_t> leastLikely(const Knots& knots, const LeftOut& left, double limit,
                                      std::size_t atOnce, std::size_t room) {
   std::vector<Suspect> taken;
@@ -107,8 +109,8 @@ TrustedFit fitTrusted(const FitSetting& setting, std::vector<std::size_t> used,
     if (fit.distrusted.size() >= most) break;
     const auto worst =
         leastLikely(fit.knots, fit.left, limit, atOnce, most - fit.distrusted.size());
-    std::vector<std::size_t> fewer = without(fit.knots, used, worst);
     if (worst.empty()) break;
+    std::vector<std::size_t> fewer = without(fit.knots, used, worst);
     if (!enoughLeft(setting.x, fewer)) {
       if (atOnce == 1) break;
       atOnce = 1;

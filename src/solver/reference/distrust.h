@@ -20,8 +20,9 @@ struct DistrustRule {
   double shortSeries = 20;
   // At most this share of the points, rounded up, is named.
   double mostPoints = 0.2;
-  // In one round this share of them at most, or one point or pair: a long series with hundreds of
-  // bad readings takes a few rounds, a short one is asked again after each.
+  // A round leaves out at most this share of the points, but always one point or pair. So a long
+  // series with hundreds of bad points needs few rounds, and a short one is fitted again after
+  // each.
   double mostInRound = 0.005;
   bool operator==(const DistrustRule&) const = default;
 };
@@ -47,8 +48,8 @@ struct TrustedFit {
 
 // The least likely point or pair of neighbours is left out, hyperparameters are averaged again,
 // and so on until all that are left agree. Two bad points side by side support each other, so that
-// neither stands out alone: hence the pairs. In a long series those go together that are too far
-// apart for one to make another stand out. Without a rule nothing is left out.
+// neither stands out alone: hence the pairs. A round of a long series leaves out
+// several that are too far apart to affect each other. Without a rule nothing is left out.
 //
 // Shape:  as gatherKnots. `fewestPoints` at `fewestFlows` different x are always left.
 [[nodiscard]] TrustedFit fitTrusted(const FitSetting& setting, std::vector<std::size_t> used,
