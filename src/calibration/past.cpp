@@ -92,7 +92,7 @@ HistoryEntry Database::remove(const Meter& meter) {
 
 void Database::visitHistory(const HistoryFilter& filter,
                             const std::function<void(const HistoryEntry&)>& visit) const {
-  history::EntryFilter wanted{filter.serial, filter.series, {}};
+  history::EntryFilter wanted{filter.serial, filter.series, {}, filter.newest};
   if (filter.calibration) wanted.ReCalID = *filter.calibration;
   const auto moment = session_->moment();
   session_->asking("the history of '" + location() + "' cannot be read", [&] {

@@ -4,6 +4,7 @@
 #include "store/curve_schema.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <utility>
 
 namespace pelmora::history {
@@ -179,18 +180,23 @@ void visitEntries(const ConnectionPtr& curves, const EntryFilter& filter,
   if (!filter.SeriesName.empty()) ofSeries = seriesIds(curves, filter);
   if (ofSeries && ofSeries->empty()) return;
   const RowCounter counter(curves, ofSeries);
-  const std::string top = "TOP " + std::to_string(most) + " ";
+  const std::size_t wanted = filter.Newest > 0 ? filter.Newest : SIZE_MAX;
+  const std::size_t atOnce = std::min(most, wanted);
+  const std::string top = "TOP " + std::to_string(atOnce) + " ";
   std::string where = conditionOf(filter);
+  std::size_t visited = 0;
   std::vector<Entry> list;
   do {
     readEntries(curves, top, where, list);
     if (list.empty()) return;
     counter.count(list);
     for (const Entry& entry : list) {
-      if (!ofSeries || concerns(entry, *ofSeries)) visit(entry);
+      if (ofSeries && !concerns(entry, *ofSeries)) continue;
+      visit(entry);
+      if (++visited == wanted) return;
     }
     where = conditionOf(filter) + " AND ID < " + std::to_string(list.back().ID);
-  } while (list.size() == most);
+  } while (list.size() == atOnce);
 }
 
 std::vector<Entry> entries(const ConnectionPtr& curves, const EntryFilter& filter) {

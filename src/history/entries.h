@@ -29,6 +29,7 @@ struct Entry {
 struct EntryFilter {
   std::string SerialNumber, SeriesName;  // empty: any
   std::optional<std::int32_t> ReCalID;
+  std::size_t Newest = 0;  // at most this many entries; 0: all
 };
 
 using EntryVisitor = std::function<void(const Entry&)>;

@@ -1,6 +1,7 @@
 // The commands history, restore and delete.
 // SPDX-License-Identifier: MIT
 #include "tests/end_to_end/command.h"
+#include "tests/support/plain_database.h"
 
 namespace pelmora::test {
 namespace {
@@ -8,6 +9,7 @@ namespace {
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
 
 class history_commands : public CommandTest {
  protected:
@@ -51,6 +53,35 @@ TEST_F(history_commands, list_what_was_replaced_newest_first) {
   const std::string text = done({"history", curves}).output;
   EXPECT_THAT(text, AllOf(HasSubstr("Raw"), HasSubstr("pelmora restore")));
   expect80Columns(text);
+}
+
+// 1,001 entries, the oldest of a series that no other one has.
+TEST_F(history_commands, list_the_newest_thousand_and_say_that_there_are_older_ones) {
+  PlainDatabase database(curves);
+  database.run("UPDATE pelmora_history_entry SET \"SeriesName\" = 'Oldest' WHERE \"ID\" = 1");
+  database.run(
+      "WITH RECURSIVE n(i) AS (SELECT 101 UNION ALL SELECT i + 1 FROM n WHERE i < 1099) "
+      "INSERT INTO pelmora_history_entry (\"ID\", \"ChangedAt\", \"Command\", \"SerialNumber\", "
+      "\"ReCalID\", \"MeterID\", \"SeriesID\", \"SeriesName\", \"KeptTables\") "
+      "SELECT i, '2026-01-01T00:00:00Z', 'fit', 'P', 0, 1, 1, 'S', 'curve' FROM n");
+  const auto count = [](const std::string& text, const std::string& word) {
+    std::size_t found = 0;
+    for (std::size_t at = 0; (at = text.find(word, at)) != std::string::npos; at += word.size())
+      ++found;
+    return found;
+  };
+  const std::string newest = done({"history", curves}).output;
+  EXPECT_EQ(count(newest, "  P  "), 1000U);
+  EXPECT_THAT(newest, AllOf(HasSubstr("--all"), Not(HasSubstr("Oldest"))));
+  expect80Columns(newest);
+  const std::string all = done({"history", curves, "--all"}).output;
+  EXPECT_EQ(count(all, "  P  "), 1001U);
+  EXPECT_THAT(all, AllOf(HasSubstr("Oldest"), Not(HasSubstr("--all"))));
+  EXPECT_EQ(entries().size(), 1001U);
+  EXPECT_THAT(trouble(2, {"history", curves, "--all", "--prune", "--keep", "1"}),
+              HasSubstr("--all"));
+  done({"history", curves, "--prune", "--keep", "1000", "--yes"});
+  EXPECT_THAT(done({"history", curves}).output, Not(HasSubstr("--all")));
 }
 
 TEST_F(history_commands, list_the_entries_of_one_series) {

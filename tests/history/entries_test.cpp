@@ -97,6 +97,29 @@ TEST_F(history_entries, are_delivered_one_by_one_however_many_there_are) {
   EXPECT_EQ(ids({"M1", "Rotor B", {}}), ofSeries);
 }
 
+// Every other one is of another meter, and 10 of 11 of the first have nothing of the series.
+TEST_F(history_entries, are_at_most_as_many_of_the_newest_as_wanted) {
+  changeThrice();
+  PlainSqlite(curves.path)
+      .run(
+          "WITH RECURSIVE n(i) AS (SELECT 4 UNION ALL SELECT i + 1 FROM n WHERE i < 6000) "
+          "INSERT INTO pelmora_history_entry (ID, SerialNumber, ReCalID, MeterID, SeriesID, "
+          "SeriesName, KeptTables) SELECT i, CASE WHEN i % 2 = 0 THEN 'M1' ELSE 'M9' END, 0, 1, "
+          "CASE WHEN i % 11 = 0 THEN 2 ELSE 3 END, CASE WHEN i % 11 = 0 THEN 'Rotor B' END, "
+          "'raw1' FROM n");
+  const auto newest = [&](std::size_t count, std::int64_t step) {
+    std::vector<std::int64_t> list;
+    for (std::int64_t id = 6000; list.size() < count; --id)
+      if (id % step == 0) list.push_back(id);
+    return list;
+  };
+  EXPECT_EQ(ids({"", "", {}, 1}), newest(1, 1));
+  EXPECT_EQ(ids({"M1", "", {}, 2500}), newest(2500, 2));
+  EXPECT_EQ(ids({"M1", "Rotor B", {}, 3}), newest(3, 22));
+  EXPECT_EQ(ids({"M1", "Rotor B", {}, 260}), newest(260, 22));
+  EXPECT_EQ(ids({"", "", {}, 9999}).size(), 6000U);
+}
+
 TEST_F(history_entries, that_are_old_can_be_taken_out) {
   changeThrice();
   const auto prune = [&](const Pruning& pruning) {

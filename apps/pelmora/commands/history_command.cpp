@@ -25,27 +25,32 @@ namespace {
 constexpr std::int64_t secondsOfDay = 86400;
 constexpr std::int64_t mostDays = 36500;
 constexpr std::int64_t mostEntries = 1000000000;
+constexpr std::size_t shownEntries = 1000;  // in a list for people; --all shows the others
 
 struct HistoryRequest {
   DatabaseOption curves;
   std::string meter, series;
   std::int16_t calibration = calibration::latestCalibration;
-  bool isPruning = false, isDryRun = false, asJson = false;
+  bool isPruning = false, isDryRun = false, asJson = false, all = false;
   std::optional<std::int64_t> olderThan, keep;
   Consent consent;
 };
 
-void listText(Session& session, const calibration::HistoryFilter& filter) {
+// Rows are read twice, for the widths of the columns and for the lines: memory does not grow with
+// their number.
+void listText(Session& session, calibration::HistoryFilter filter, bool all) {
   TableLayout table(entryColumns());
-  bool isEmpty = true;
+  std::size_t count = 0;
+  if (!all) filter.newest = shownEntries + 1;
   session.database().visitHistory(filter, [&](const calibration::HistoryEntry& entry) {
     requireNotInterrupted();
-    isEmpty = false;
-    table.measure(entryCells(entry));
+    if (all || count < shownEntries) table.measure(entryCells(entry));
+    ++count;
   });
-  if (isEmpty) return printData("Nothing that was replaced is kept here.\n");
+  if (count == 0) return printData("Nothing that was replaced is kept here.\n");
   LongText text;
   text.add(table.head());
+  if (!all) filter.newest = shownEntries;
   session.database().visitHistory(filter, [&](const calibration::HistoryEntry& entry) {
     requireNotInterrupted();
     text.add(table.line(entryCells(entry)));
@@ -55,6 +60,11 @@ void listText(Session& session, const calibration::HistoryFilter& filter) {
                    "excluded. Bring an entry's rows back with 'pelmora restore " +
                        session.path() + " #'.",
                    0));
+  if (!all && count > shownEntries) {
+    text.add("\n" + wrapped("These are the newest " + std::to_string(shownEntries) +
+                                " entries. There are older ones, which --all lists too.",
+                            0));
+  }
   text.end();
 }
 
@@ -72,7 +82,7 @@ void list(const HistoryRequest& request) {
   calibration::HistoryFilter filter{request.meter, request.series, {}};
   if (request.calibration != calibration::latestCalibration)
     filter.calibration = request.calibration;
-  request.asJson ? listJson(session, filter) : listText(session, filter);
+  request.asJson ? listJson(session, filter) : listText(session, filter, request.all);
 }
 
 void prune(const HistoryRequest& request) {
@@ -122,6 +132,8 @@ void showHistory(const HistoryRequest& request) {
                   "add --prune");
   }
   if (!request.isPruning) return list(request);
+  if (request.all)
+    throw Trouble(ExitCode::usage, "--all does not belong to --prune", "leave it out");
   if (hasFilter)
     throw Trouble(ExitCode::usage, "--prune takes no meter", "give --older-than DAYS or --keep N");
   prune(request);
@@ -138,6 +150,9 @@ void addHistoryCommand(Program& program) {
   addMeter(command, request->meter, false);
   addSeries(command, request->series, false);
   addCalibration(command, request->calibration);
+  command.addFlag("--all", request->all,
+                  "List every entry, not only the newest " + std::to_string(shownEntries) +
+                      " (JSON always has all)");
   command.addFlag("--prune", request->isPruning, "Remove old entries");
   addCount(command, "--older-than", request->olderThan, mostDays, "DAYS",
            "Prune entries older than this many days");

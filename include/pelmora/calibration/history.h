@@ -37,6 +37,7 @@ struct Removal {
 struct HistoryFilter {
   std::string serial{}, series{};
   std::optional<int> calibration{};
+  std::size_t newest = 0;  // at most this many entries; 0: all
 };
 
 struct HistoryPruning {
