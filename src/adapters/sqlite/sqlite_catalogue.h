@@ -46,6 +46,7 @@ class SqliteCatalogue : public sql::KnownTables {
 
  private:
   // Errors: Error untrustedSchema.
+  [[nodiscard]] bool hasPages(std::string_view database, std::string_view name) const;
   void requireUsable(std::string_view database, std::string_view name) const;
   [[nodiscard]] std::int64_t readVersion() const override;
   [[nodiscard]] std::optional<sql::TableShape> readTable(std::string_view database,
