@@ -7,8 +7,8 @@
 
 namespace pelmora::report {
 
-// Writes FILE.unfinished and gives it the name FILE once it is whole, so that FILE is the old
-// report or the new one. Asked to stop, or if it fails, it leaves FILE as it was.
+// FILE is the old report or the new one, never a part of it; its rights and a symbolic link stay
+// (files/replace_file.h). Asked to stop, or if it fails, it leaves FILE as it was.
 //
 // Errors: calibration::Unusable if the file cannot be written; calibration::Cancelled.
 void writeFile(const std::string& file, const std::string& content, const std::stop_token& stop);

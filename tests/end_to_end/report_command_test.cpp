@@ -92,6 +92,17 @@ TEST_F(report_command, replaces_a_file_as_a_whole_and_keeps_its_rights) {
     EXPECT_EQ(entry.path().string().find(".new-"), std::string::npos) << entry.path();
 }
 
+TEST_F(report_command, writes_the_file_that_a_link_names) {
+  const std::string file = scratch.file("r.json");
+  const std::string link = scratch.file("link.json");
+  std::filesystem::create_symlink("r.json", link);
+  for (const char* state : {"new", "old"}) {
+    done(report(link));
+    EXPECT_TRUE(std::filesystem::is_symlink(link)) << state;
+    EXPECT_TRUE(nlohmann::json::accept(bytesOf(file))) << state;
+  }
+}
+
 TEST_F(report_command, leaves_the_old_file_where_the_report_fails) {
   const std::string file = write("r.json", "old");
   trouble(4, report(file, {"--series", "none"}));

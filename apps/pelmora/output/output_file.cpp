@@ -4,13 +4,8 @@
 #include "apps/pelmora/interruption.h"
 #include "apps/pelmora/last_words.h"
 #include "apps/pelmora/trouble.h"
+#include "files/replace_file.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstdio>
 #include <filesystem>
 #include <system_error>
 
@@ -19,61 +14,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-Trouble cannotWrite(const std::string& path, int reason) {
-  return {ExitCode::unexpected,
-          "'" + path + "' cannot be written: " + std::generic_category().message(reason),
+Trouble cannotWrite(const std::string& path, const std::string& reason) {
+  return {ExitCode::unexpected, "'" + path + "' cannot be written: " + reason,
           "check the folder's permissions and the disk's room; what was there is unchanged"};
 }
-
-fs::path targetOf(const std::string& path) {
-  std::error_code code;
-  const fs::path target = fs::canonical(path, code);
-  return code ? fs::path(path) : target;
-}
-
-// A new file that goes away unless it has taken its final name.
-class UnfinishedFile {
- public:
-  explicit UnfinishedFile(const fs::path& target) : path_(target.string() + ".new-XXXXXX") {
-    descriptor_ = mkstemp(path_.data());
-  }
-  ~UnfinishedFile() {
-    if (descriptor_ < 0) return;
-    close(descriptor_);
-    if (!isFinished_) unlink(path_.c_str());
-  }
-  UnfinishedFile(const UnfinishedFile&) = delete;
-  UnfinishedFile& operator=(const UnfinishedFile&) = delete;
-
-  // Each of the following returns whether it worked; errno tells why not.
-  [[nodiscard]] bool isOpen() const { return descriptor_ >= 0; }
-  [[nodiscard]] bool write(const std::string& content) const {
-    for (std::size_t done = 0; done < content.size();) {
-      const ssize_t count = ::write(descriptor_, content.data() + done, content.size() - done);
-      if (count < 0 && errno == EINTR) continue;
-      if (count <= 0) return false;
-      done += static_cast<std::size_t>(count);
-    }
-    return fsync(descriptor_) == 0;
-  }
-  // The rights of the file that is replaced, or those of any new file.
-  [[nodiscard]] bool takeRights(const fs::path& target) const {
-    struct stat old {};
-    if (stat(target.c_str(), &old) == 0) return fchmod(descriptor_, old.st_mode & 07777U) == 0;
-    const mode_t mask = umask(0);
-    umask(mask);
-    return fchmod(descriptor_, 0666U & ~mask) == 0;
-  }
-  [[nodiscard]] bool takePlaceOf(const fs::path& target) {
-    isFinished_ = std::rename(path_.c_str(), target.c_str()) == 0;
-    return isFinished_;
-  }
-
- private:
-  std::string path_;
-  int descriptor_ = -1;
-  bool isFinished_ = false;
-};
 
 }  // namespace
 
@@ -94,12 +38,11 @@ void requireOutputFile(const std::string& path, const std::string& database) {
 }
 
 void writeOutputFile(const std::string& path, const std::string& content) {
-  requireNotInterrupted();
-  const fs::path target = targetOf(path);
-  UnfinishedFile file(target);
-  const bool isDone =
-      file.isOpen() && file.write(content) && file.takeRights(target) && file.takePlaceOf(target);
-  if (!isDone) throw cannotWrite(path, errno);
+  try {
+    replaceFile(path, content, requireNotInterrupted);
+  } catch (const CannotReplaceFile& failure) {
+    throw cannotWrite(path, failure.what());
+  }
   noteFileWritten();
 }
 

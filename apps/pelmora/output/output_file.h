@@ -11,10 +11,9 @@ namespace pelmora::cli {
 //         there, and where it is the curve database itself.
 void requireOutputFile(const std::string& path, const std::string& database);
 
-// Writes the whole file or leaves what was there: a temporary file beside it takes its name at the
-// end. A symbolic link stays one and its target is written.
+// Writes the whole file or leaves what was there (files/replace_file.h).
 //
-// Errors: Trouble unexpected.
+// Errors: Trouble unexpected; Interrupted.
 void writeOutputFile(const std::string& path, const std::string& content);
 
 }  // namespace pelmora::cli

@@ -60,11 +60,12 @@ struct ReportOptions {
 [[nodiscard]] PELMORA_API std::string plotOf(const Fit& fit, const std::stop_token& stop = {});
 
 // Writes the report to a file, whose extension decides the kind. An existing file is replaced once
-// the new one is complete.
+// the new one is complete and on the disk; it keeps its rights. A symbolic link stays one: the file
+// that it names is replaced.
 //
 // Errors: as for makeReport;
 //         BadData for an unknown extension;
-//         Unusable if the file cannot be written.
+//         Unusable if the file cannot be written or is not a regular file.
 PELMORA_API void writeReport(const Database& lab, const Meter& meter, const std::string& file,
                              const ReportOptions& options = {});
 
