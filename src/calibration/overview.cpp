@@ -43,8 +43,13 @@ class Calibrations {
     if (isNull(row[5])) throw namelessSeries(current_->meter, location_);
     current_->series.push_back(toText(row[5]));
   }
-  void end() const {
-    if (current_) visit_(*current_);
+  void end() {
+    if (!current_) return;
+    // Not by the database, which would sort the rows of each calibration anew.
+    std::ranges::stable_sort(current_->series, [](const std::string& a, const std::string& b) {
+      return compareTexts(a, b) < 0;
+    });
+    visit_(*current_);
   }
 
  private:
@@ -101,15 +106,14 @@ void Database::overview(const std::function<void(const MeterOverview&)>& visit,
                         OverviewOrder order) const {
   session_->asking("listing the meters of '" + location() + "'", [&] {
     Calibrations calibrations(location(), visit);
-    const std::string byID = "meter.ID, series.name";
-    visitRows(
-        session_->connection(),
-        "Select meter.ID, meter.SerialNumber, meter.SerialNumberAdjusted, meter.ReCalID, "
-        "series.ID, series.name from meter LEFT JOIN series ON meter.ID = series.meterid "
-        "ORDER BY " +
-            (order == OverviewOrder::none ? byID
-                                          : "meter.SerialNumber, meter.ReCalID DESC, " + byID),
-        [&](std::span<const Value> row) { calibrations.add(row); });
+    const std::string bySerial =
+        order == OverviewOrder::none ? "" : "meter.SerialNumber, meter.ReCalID DESC, ";
+    visitRows(session_->connection(),
+              "Select meter.ID, meter.SerialNumber, meter.SerialNumberAdjusted, meter.ReCalID, "
+              "series.ID, series.name from meter LEFT JOIN series ON meter.ID = series.meterid "
+              "ORDER BY " +
+                  bySerial + "meter.ID",
+              [&](std::span<const Value> row) { calibrations.add(row); });
     calibrations.end();
   });
 }

@@ -16,7 +16,7 @@ bool startsCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0U) !=
 
 // The first `width` characters, the last three of them dots.
 std::string cut(std::string text, std::size_t width) {
-  if (displayWidth(text) <= width) return text;
+  if (text.size() <= width || displayWidth(text) <= width) return text;
   std::string result;
   std::size_t characters = 0;
   for (const char c : text) {
@@ -37,8 +37,10 @@ TableLayout::TableLayout(std::vector<TextColumn> columns) : columns_(std::move(c
 }
 
 void TableLayout::measure(const std::vector<std::string>& cells) {
-  for (std::size_t c = 0; c < cells.size() && c < columns_.size(); ++c)
-    widths_[c] = std::max(widths_[c], displayWidth(oneLine(cells[c])));
+  for (std::size_t c = 0; c < cells.size() && c < columns_.size(); ++c) {
+    if (cells[c].size() > widths_[c])  // no cell is wider than it has bytes
+      widths_[c] = std::max(widths_[c], displayWidth(oneLine(cells[c])));
+  }
 }
 
 std::string TableLayout::head() {
@@ -64,6 +66,7 @@ std::string TableLayout::head() {
 
 std::string TableLayout::line(const std::vector<std::string>& cells) const {
   std::string line;
+  line.reserve(terminalColumns);
   for (std::size_t c = 0; c < columns_.size(); ++c) {
     if (c > 0) line.append(gap, ' ');
     const std::string cell = c < cells.size() ? cut(oneLine(cells[c]), widths_[c]) : "";
@@ -73,7 +76,8 @@ std::string TableLayout::line(const std::vector<std::string>& cells) const {
     if (columns_[c].align == TextAlign::left) line.append(padding, ' ');
   }
   line.erase(line.find_last_not_of(' ') + 1);
-  return line + "\n";
+  line += '\n';
+  return line;
 }
 
 void TextTable::addRow(std::vector<std::string> cells) {
