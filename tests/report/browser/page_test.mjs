@@ -1,4 +1,6 @@
-// The report page as its readers use it: node page_test.mjs NODE_MODULES PROGRAM DATA CASE
+// The report page as its readers use it: node page_test.mjs NODE_MODULES PROGRAM DATA [CASE...]
+//
+// Without CASE, all of them. All have one browser, but each page is open in a context of its own.
 // SPDX-License-Identifier: MIT
 import assert from "node:assert/strict";
 import { execFileSync } from "node:child_process";
@@ -7,37 +9,35 @@ import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { pathToFileURL } from "node:url";
 
-const [modules, program, data, name] = process.argv.slice(2);
+const [modules, program, data, ...names] = process.argv.slice(2);
 const { chromium } = await import(pathToFileURL(join(modules, "playwright-core/index.mjs")));
 const folder = mkdtempSync(join(tmpdir(), "pelmora-page-"));
-const curves = join(folder, "curves.db");
 const stand = join(data, "stand-dual-rotor.csv");
 const run = (...words) => execFileSync(program, words, { stdio: ["ignore", "pipe", "pipe"] });
 const fluids = ["--job", "1001", "--fluid", "Mineral spirit", "--job", "1002", "--fluid", "Glycol mix"];
 
+// A page is written when a case first opens it. No case changes one, or its database.
+const pages = {};
+function written(name, meter, store) {
+  return pages[name] ??= (() => {
+    const curves = join(folder, `${name}.db`), page = join(folder, `${name}.html`);
+    run("init", curves);
+    store(curves);
+    run("report", curves, "--meter", meter, "-o", page);
+    return pathToFileURL(page).href;
+  })();
+}
 // Two fluids over a calibration to compare with.
-function twoFluids() {
-  run("init", curves);
+const twoFluids = () => written("two-fluids", "M1", (curves) => {
   run("calibrate", curves, "--meter", "M1", "--stand", stand, ...fluids, "--points", "50");
   run("calibrate", curves, "--meter", "M1", "--stand", stand, ...fluids, "--new-calibration", "--operator", "Ada");
-  return written();
-}
+});
 // Six flows: warnings, and a series without a curve.
-function sixFlows() {
-  run("init", curves);
-  try {
-    run("calibrate", curves, "--meter", "M1", "--stand", stand, "--job", "1009", "--fluid", "Mineral spirit",
-        "--choose", "adjusted-r2");
-  } catch (error) {
-    assert.equal(error.status, 6);
-  }
-  return written();
-}
-function written() {
-  run("report", curves, "--meter", "M1", "-o", join(folder, "report.html"));
-  return pathToFileURL(join(folder, "report.html")).href;
-}
-const model = () => JSON.parse(run("report", curves, "--meter", "M1", "-o", "-", "--json"));
+const sixFlows = () => written("six-flows", "M1", (curves) => {
+  assert.throws(() => run("calibrate", curves, "--meter", "M1", "--stand", stand, "--job", "1009", "--fluid",
+                          "Mineral spirit", "--choose", "adjusted-r2"), { status: 6 });
+});
+const model = () => JSON.parse(run("report", join(folder, "two-fluids.db"), "--meter", "M1", "-o", "-", "--json"));
 
 const browser = await chromium.launch({
   executablePath: process.env.CHROMIUM,
@@ -247,13 +247,12 @@ const cases = {
   },
 
   async runs_nothing_that_names_bring() {
-    run("init", curves);
     const hostile = "</script><img src=x onerror=window.pwned=1><script>window.pwned=1</script>";
-    const points = join(data, "real-vortex-shedding-strouhal.csv");
-    run("raw", curves, points, "--meter", hostile, "--register", "--series", hostile, "--where", "set=2");
-    run("fit", curves, "--meter", hostile, "--series", hostile, "--band", "1");
-    run("report", curves, "--meter", hostile, "-o", join(folder, "report.html"));
-    const page = await open(pathToFileURL(join(folder, "report.html")).href);
+    const page = await open(written("names", hostile, (curves) => {
+      run("raw", curves, join(data, "real-vortex-shedding-strouhal.csv"), "--meter", hostile, "--register", "--series",
+          hostile, "--where", "set=2");
+      run("fit", curves, "--meter", hostile, "--series", hostile, "--band", "1");
+    }));
     await page.waitForTimeout(300);
     assert.equal(await page.evaluate(() => window.pwned), undefined);
     assert.equal(await section(page).locator("h2").textContent(), hostile);
@@ -261,10 +260,24 @@ const cases = {
   }
 };
 
+let failures = 0;
 try {
-  await cases[name]();
-  assert.deepEqual(trouble, []);
+  for (const name of names.length ? names : Object.keys(cases)) {
+    const begin = Date.now();
+    trouble.length = 0;
+    try {
+      await cases[name]();
+      assert.deepEqual(trouble, []);
+    } catch (error) {
+      ++failures;
+      console.log(`FAILED ${name}\n${error.stack}`);
+    } finally {
+      for (const context of browser.contexts()) await context.close();
+    }
+    console.log(`${name}: ${Date.now() - begin} ms`);
+  }
 } finally {
   await browser.close();
   rmSync(folder, { recursive: true, force: true });
 }
+assert.equal(failures, 0);
