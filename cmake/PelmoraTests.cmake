@@ -42,9 +42,11 @@ function(pelmora_counted name)
   set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT "GTEST_OUTPUT=xml:${pelmora_test_results}/${file}.xml")
 endfunction()
 
-# pelmora_run_tests(store_test store/ SHARDS 2 LABELS threads)
+# pelmora_run_tests(store_test store/ SHARDS 2 COST 30 LABELS threads)
+#
+# COST: seconds of a program that takes long. CTest starts what has most first, so that none is left alone at the end.
 function(pelmora_run_tests program prefix)
-  cmake_parse_arguments(arg "" "SHARDS" "LABELS" ${ARGN})
+  cmake_parse_arguments(arg "" "SHARDS;COST" "LABELS" ${ARGN})
   if(NOT PELMORA_WHOLE_TEST_PROGRAMS)
     gtest_discover_tests(${program} TEST_PREFIX ${prefix} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
       PROPERTIES LABELS "${arg_LABELS}")
@@ -53,6 +55,9 @@ function(pelmora_run_tests program prefix)
   if(NOT arg_SHARDS)
     set(arg_SHARDS 1)
   endif()
+  if(NOT arg_COST)
+    set(arg_COST 0)
+  endif()
   foreach(shard RANGE 1 ${arg_SHARDS})
     set(name ${prefix}${program})
     if(arg_SHARDS GREATER 1)
@@ -60,7 +65,7 @@ function(pelmora_run_tests program prefix)
     endif()
     add_test(NAME ${name} COMMAND ${program})
     math(EXPR index "${shard} - 1")
-    set_tests_properties(${name} PROPERTIES LABELS "${arg_LABELS}" TIMEOUT 1200
+    set_tests_properties(${name} PROPERTIES LABELS "${arg_LABELS}" TIMEOUT 1200 COST ${arg_COST}
       ENVIRONMENT "GTEST_TOTAL_SHARDS=${arg_SHARDS};GTEST_SHARD_INDEX=${index}")
     pelmora_counted(${name})
   endforeach()
@@ -101,7 +106,7 @@ endfunction()
 
 # LAYERS: what the program needs of the library, where that is little; only these folders are built for it.
 function(pelmora_test folder)
-  cmake_parse_arguments(arg "" "SHARDS" "SOURCES;LAYERS;LIBRARIES;LABELS" ${ARGN})
+  cmake_parse_arguments(arg "" "SHARDS;COST" "SOURCES;LAYERS;LIBRARIES;LABELS" ${ARGN})
   string(REPLACE "/" "_" name ${folder})
   pelmora_test_program(${name}_test ${arg_SOURCES})
   set(inside pelmora_internal)
@@ -118,7 +123,7 @@ function(pelmora_test folder)
   if("long" IN_LIST arg_LABELS)
     set_target_properties(${name}_test PROPERTIES PELMORA_IS_LONG ON)
   endif()
-  pelmora_run_tests(${name}_test ${folder}/ SHARDS ${arg_SHARDS} LABELS ${arg_LABELS})
+  pelmora_run_tests(${name}_test ${folder}/ SHARDS ${arg_SHARDS} COST ${arg_COST} LABELS ${arg_LABELS})
 endfunction()
 
 # pelmora_beside(wiring_test pelmora-access): puts a helper program beside the test program, where the library linked into
@@ -133,17 +138,21 @@ endfunction()
 # pelmora_on_server(calibration WITHOUT suite.test ...): runs the folder's tests a second time, with their curve databases
 # on a PostgreSQL server, labelled `again`. WITHOUT: tests of what only a file has. The sanitizers see the engine in
 # tests/contract.
+# COST: as of pelmora_run_tests.
 function(pelmora_on_server folder)
   if(NOT TARGET pelmora-postgresql OR PELMORA_SANITIZE)
     return()
   endif()
-  cmake_parse_arguments(arg "" "" "WITHOUT" ${ARGN})
+  cmake_parse_arguments(arg "" "COST" "WITHOUT" ${ARGN})
+  if(NOT arg_COST)
+    set(arg_COST 0)
+  endif()
   string(REPLACE "/" "_" name ${folder})
   pelmora_beside(${name}_test pelmora-postgresql)
   list(JOIN arg_WITHOUT ":" without)
   set(test ${folder}/${name}_test.on_server)
   add_test(NAME ${test} COMMAND ${name}_test)
-  set_tests_properties(${test} PROPERTIES LABELS again TIMEOUT 1200
+  set_tests_properties(${test} PROPERTIES LABELS again TIMEOUT 1200 COST ${arg_COST}
     ENVIRONMENT "PELMORA_TEST_ON_SERVER=1;GTEST_FILTER=-${without}")
   if(PELMORA_WHOLE_TEST_PROGRAMS)
     pelmora_counted(${test})
