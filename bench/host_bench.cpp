@@ -4,6 +4,7 @@
 #include "bench/noisy_points.h"
 #include "bench/plain_database.h"
 #include "bench/plain_fit.h"
+#include "bench/plain_report.h"
 #include "tests/support/scratch_folder.h"
 
 #include <pelmora/database.h>
@@ -68,15 +69,27 @@ void determineFittedCurve(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(curves.fit().size());
 }
 
+PlainPoints readSorted(const std::string& path) {
+  const PlainDatabase database(path);
+  const std::string id = std::to_string(database.seriesId());
+  PlainPoints points;
+  for (const char* table : {"raw1", "raw2", "raw3", "raw4"}) readPart(database, table, id, points);
+  return sorted(points);
+}
+
 void plain_determineFittedCurve(benchmark::State& state) {
   const CurveDatabase curves(state.range(0));
+  for (auto _ : state)
+    benchmark::DoNotOptimize(plainFit(readSorted(curves.path), 0.01).curve.size());
+}
+
+// Delivers the text of the report as well, as the component has to.
+void reporting_determineFittedCurve(benchmark::State& state) {
+  const CurveDatabase curves(state.range(0));
   for (auto _ : state) {
-    const PlainDatabase database(curves.path);
-    const std::string id = std::to_string(database.seriesId());
-    PlainPoints points;
-    for (const char* table : {"raw1", "raw2", "raw3", "raw4"})
-      readPart(database, table, id, points);
-    benchmark::DoNotOptimize(plainFit(sorted(points), 0.01).curve.size());
+    const PlainPoints points = readSorted(curves.path);
+    benchmark::DoNotOptimize(
+        pelmora::bench::reportOf("M1", "S", points, plainFit(points, 0.01)).size());
   }
 }
 
@@ -133,6 +146,7 @@ constexpr auto sizes = [](benchmark::internal::Benchmark* bench) {
 };
 BENCHMARK(determineFittedCurve)->Apply(sizes);
 BENCHMARK(plain_determineFittedCurve)->Apply(sizes);
+BENCHMARK(reporting_determineFittedCurve)->Apply(sizes);
 BENCHMARK(SetLastFitted)->Arg(50)->Unit(benchmark::kMicrosecond);
 BENCHMARK(plain_SetLastFitted)->Arg(50)->Unit(benchmark::kMicrosecond);
 BENCHMARK(GetRaw)->Arg(50)->Unit(benchmark::kMicrosecond);

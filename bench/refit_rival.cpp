@@ -9,10 +9,9 @@
 // SPDX-License-Identifier: MIT
 #include "bench/plain_database.h"
 #include "bench/plain_fit.h"
+#include "bench/plain_report.h"
 #include "bench/plain_statement.h"
 
-#include <array>
-#include <charconv>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -41,43 +40,6 @@ std::vector<SeriesRow> allSeries(const PlainDatabase& database) {
         {select.whole(0), select.whole(1), select.whole(2), select.text(3), select.text(4)});
   }
   return list;
-}
-
-void append(std::string& report, double number) {
-  std::array<char, 40> digits{};
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number,
-                                 std::chars_format::general, 15);
-  report.append(digits.data(), end.ptr);
-}
-
-template <class X, class Y>
-void appendPoints(std::string& report, const X& x, const Y& y) {
-  for (std::size_t i = 0; i < x.size(); ++i) {
-    report += std::to_string(i) + ":\t";
-    append(report, x[i]);
-    report += '\t';
-    append(report, y[static_cast<decltype(y.size())>(i)]);
-    report += "\r\n";
-  }
-}
-
-// What the stored report has: equation, parameters, curve and points.
-std::string reportOf(const SeriesRow& series, const PlainPoints& points, const PlainFit& fit) {
-  std::string report = "\t\tMeter Serial Number: " + series.serial +
-                       "\r\n\t\tSeries Name: " + series.name + "\r\nParameter Results:\r\n";
-  for (Eigen::Index i = 0; i < fit.parameters.size(); ++i) {
-    report += static_cast<char>('a' + i);
-    report += " = ";
-    append(report, fit.parameters[i]);
-    report += ", Standard Error = ";
-    append(report, fit.errors[i]);
-    report += "\r\n";
-  }
-  report += "\r\nPredicted Roshko/Strouhal\r\n";
-  appendPoints(report, fit.grid, fit.curve);
-  report += "\r\nRaw Roshko/Strouhal\r\n";
-  appendPoints(report, points.x, points.y);
-  return report;
 }
 
 // A table of results: its rows of a series replaced.
@@ -115,7 +77,7 @@ class Refit {
     band_.with();
     points = sorted(points);
     const PlainFit fit = plainFit(points, band / 100);
-    const std::string report = reportOf(series, points, fit);
+    const std::string report = reportOf(series.serial, series.name, points, fit);
     if (!isNew) keep(series);
     for (std::size_t k = 0; k < fit.grid.size(); ++k)
       curve_.insert.with(series.id, fit.grid[k], fit.curve[static_cast<Eigen::Index>(k)]).run();

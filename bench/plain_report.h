@@ -1,0 +1,51 @@
+// The stored report as a plain program writes it: what it finds, and the points with 15 digits.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "bench/plain_fit.h"
+
+#include <array>
+#include <charconv>
+#include <string>
+
+namespace pelmora::bench {
+
+inline void append(std::string& report, double number) {
+  std::array<char, 40> digits{};
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number,
+                                 std::chars_format::general, 15);
+  report.append(digits.data(), end.ptr);
+}
+
+template <class X, class Y>
+void appendPoints(std::string& report, const X& x, const Y& y) {
+  for (std::size_t i = 0; i < x.size(); ++i) {
+    report += std::to_string(i) + ":\t";
+    append(report, x[i]);
+    report += '\t';
+    append(report, y[static_cast<decltype(y.size())>(i)]);
+    report += "\r\n";
+  }
+}
+
+// What the stored report has: equation, parameters, curve and points.
+inline std::string reportOf(const std::string& serial, const std::string& series,
+                            const PlainPoints& points, const PlainFit& fit) {
+  std::string report = "\t\tMeter Serial Number: " + serial + "\r\n\t\tSeries Name: " + series +
+                       "\r\nParameter Results:\r\n";
+  for (Eigen::Index i = 0; i < fit.parameters.size(); ++i) {
+    report += static_cast<char>('a' + i);
+    report += " = ";
+    append(report, fit.parameters[i]);
+    report += ", Standard Error = ";
+    append(report, fit.errors[i]);
+    report += "\r\n";
+  }
+  report += "\r\nPredicted Roshko/Strouhal\r\n";
+  appendPoints(report, fit.grid, fit.curve);
+  report += "\r\nRaw Roshko/Strouhal\r\n";
+  appendPoints(report, points.x, points.y);
+  return report;
+}
+
+}  // namespace pelmora::bench
