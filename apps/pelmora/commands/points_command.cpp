@@ -45,6 +45,8 @@ std::string suspectLines(const PointsRequest& request, const std::string& series
     suspects.push_back({point.part, point.number, *point.sigmas});
   }
   if (text.empty()) return text;
+  if (suspects.size() > mostSuggestedPoints)
+    return "\n" + text + wrapped(manyPointsAdvice() + ".", 0);
   text = "\n" + text + "If you know why, leave them out:\n";
   for (const std::string& command :
        exclusionCommands({request.curves.path, request.meter, request.reCalID, series}, suspects))

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/output/fit_advice.h"
 
+#include "apps/pelmora/output/suggested_command.h"
 #include "apps/pelmora/output/suggested_exclusion.h"
 #include "apps/pelmora/output/text_table.h"
 
@@ -20,16 +21,22 @@ bool takesLogarithm(const EquationOutcome& equation) {
          equation.Expression.find("ln(x)") != std::string::npos;
 }
 
-std::vector<std::string> exclusionsOf(const std::vector<JudgedPoint>& points, const FitCall& call) {
+// What excludes the points, or lists them if they are too many for that.
+std::vector<std::string> pointCommands(const std::vector<JudgedPoint>& points,
+                                       const FitCall& call) {
   std::vector<SuspectPoint> suspects;
   for (const JudgedPoint& point : points)
     suspects.push_back({point.part, point.number, point.sigmas()});
-  return exclusionCommands({call.database, call.meter, call.calibration, call.series}, suspects);
+  if (suspects.size() <= mostSuggestedPoints)
+    return exclusionCommands({call.database, call.meter, call.calibration, call.series}, suspects);
+  std::vector<std::string> words{"points", call.database};
+  addSeriesWords(words, call.meter, call.calibration, call.series);
+  return {suggestedCommand(words)};
 }
 
 std::vector<std::string> commandsFor(const Advice& advice, FitCall call) {
   switch (advice.kind) {
-    case AdviceKind::checkPoint: return exclusionsOf(advice.points, call);
+    case AdviceKind::checkPoint: return pointCommands(advice.points, call);
     case AdviceKind::leaveOutEquation:
     case AdviceKind::beginAboveOne: call.choices.without.push_back(advice.equation); break;
     case AdviceKind::morePoints:
@@ -59,6 +66,17 @@ std::string sentence(std::string text) {
   if (!text.empty() && text[0] >= 'a' && text[0] <= 'z')
     text[0] = static_cast<char>(text[0] - 'a' + 'A');
   return text;
+}
+
+std::string stepText(const Fit& fit, const Advice& advice) {
+  if (!fit.trust || advice.kind != AdviceKind::checkPoint) return sentence(advice.text);
+  if (advice.points.size() > mostSuggestedPoints) {
+    const std::string count = fit.accepted() ? "" : sentence(advice.text) + ". ";
+    return count + manyPointsAdvice() + ". This lists them";
+  }
+  // A warning has named them already.
+  return fit.accepted() ? "If you know what went wrong, leave the points out for good"
+                        : sentence(advice.text);
 }
 
 std::string shortReason(const Fit& fit) {
@@ -111,10 +129,7 @@ std::string stepLines(const Fit& fit, const std::vector<AdvisedStep>& steps) {
   for (const AdvisedStep& step : steps) {
     // A warning has said so already.
     if (fit.accepted() && step.commands.empty()) continue;
-    const bool hasWarned = fit.trust && step.advice.kind == AdviceKind::checkPoint;
-    const std::string text = hasWarned && fit.accepted()
-                                 ? "If you know what went wrong, leave the points out for good"
-                                 : sentence(step.advice.text);
+    const std::string text = stepText(fit, step.advice);
     lines += wrapped(text + (step.commands.empty() ? "." : ":"), 2);
     for (const std::string& command : step.commands) lines += "    " + command + "\n";
   }

@@ -22,6 +22,7 @@ std::string reasonOf(const std::vector<SuspectPoint>& points) {
 
 std::vector<std::string> exclusionCommands(const NamedSeries& series,
                                            const std::vector<SuspectPoint>& points) {
+  if (points.size() > mostSuggestedPoints) return {};
   std::map<int, std::vector<SuspectPoint>> byPart;
   for (const SuspectPoint& point : points) byPart[point.part].push_back(point);
   std::vector<std::string> commands;
@@ -35,6 +36,12 @@ std::vector<std::string> exclusionCommands(const NamedSeries& series,
     commands.push_back(suggestedCommand(words));
   }
   return commands;
+}
+
+std::string manyPointsAdvice() {
+  return "Look for what so many points have in common, such as a raw part or a range of Roshko "
+         "numbers, before you leave them out together with 'pelmora exclude' (--part N --all, "
+         "--point N-M, --all-between LOW:HIGH)";
 }
 
 }  // namespace pelmora::cli

@@ -21,8 +21,16 @@ struct NamedSeries {
   std::string series;
 };
 
-// One command for each raw part. Its reason is stored with each point, so it holds for all.
+// As many as the warnings of a fit name. More have a common cause rather than one each, and a
+// command that names them is too long to read.
+inline constexpr std::size_t mostSuggestedPoints = 20;
+
+// One command for each raw part, none for more than mostSuggestedPoints. Its reason is stored with
+// each point, so it holds for all.
 [[nodiscard]] std::vector<std::string> exclusionCommands(const NamedSeries& series,
                                                          const std::vector<SuspectPoint>& points);
+
+// What to do about more points than that: a sentence without its end.
+[[nodiscard]] std::string manyPointsAdvice();
 
 }  // namespace pelmora::cli

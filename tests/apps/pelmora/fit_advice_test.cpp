@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "apps/pelmora/output/fit_advice.h"
 
+#include "apps/pelmora/output/suggested_exclusion.h"
+#include "calibration/trust/trust_warnings.h"
+
 #include <pelmora/calibration/words.h>
 
 #include <gmock/gmock.h>
@@ -106,6 +109,22 @@ TEST(advised_command, excludes_the_points_of_each_part_with_a_reason) {
                           "--reason 'up to 20 sigma off their neighbours'",
                           "pelmora exclude c.db --meter M --series S --part 2 --point 5 --reason "
                           "'12 sigma off its neighbours'"));
+}
+
+TEST(advised_command, lists_points_that_are_too_many_to_exclude_by_number) {
+  static_assert(mostSuggestedPoints == calibration::mostNamedPoints);
+  calibration::Fit fit = flatFit();
+  fit.trust.emplace();
+  for (std::size_t number = 1; number <= mostSuggestedPoints; ++number)
+    fit.trust->judged.push_back(
+        {1, number, 100, 100, calibration::PointUse::distrusted, 2.0, 2.0, 0.1});
+  const auto named = commandsFor(fit);
+  ASSERT_EQ(named.size(), 1U);
+  EXPECT_THAT(named.front(), HasSubstr("pelmora exclude c.db"));
+  EXPECT_THAT(named.front(), HasSubstr("--point 20 "));
+  fit.trust->judged.push_back(fit.trust->judged.front());
+  EXPECT_THAT(commandsFor(fit), ElementsAre("pelmora points c.db --meter M --series S"));
+  EXPECT_THAT(stepLines(fit, stepsFor(fit, call())), HasSubstr("--all-between LOW:HIGH"));
 }
 
 TEST(advice_without_a_solution, counts_the_points_that_are_missing) {
