@@ -161,7 +161,7 @@ void PostgresServer::start() {
   std::vector<std::string> command{programs_ + "/postgres", "-D", file("data"), "-k",
                                    folder_.path().string()};
   std::vector<std::string> settings{"fsync=off", "full_page_writes=off", "shared_buffers=16MB",
-                                    "max_connections=60"};
+                                    "max_connections=60", "autovacuum=off"};
   if (port_ == 0) {
     settings.emplace_back("listen_addresses=");
   } else {
