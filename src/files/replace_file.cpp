@@ -90,14 +90,16 @@ class Replacement {
       content.remove_prefix(static_cast<std::size_t>(count));
     }
   }
-  // An owner that only an administrator could set is let go: the file is the writer's then.
+  // An owner that only an administrator could set is let go: the file is the writer's then. So is a
+  // group; the writer's own group gets no more rights than everybody had.
   void takeRightsOf(const struct stat& old) const {
     struct stat own {};
     require(fstat(descriptor_, &own) == 0);
     const bool isOwned = own.st_uid == old.st_uid && own.st_gid == old.st_gid;
-    if (!isOwned && fchown(descriptor_, old.st_uid, old.st_gid) != 0)
-      static_cast<void>(fchown(descriptor_, static_cast<uid_t>(-1), old.st_gid) == 0);
-    const mode_t rights = old.st_mode & 0777U;
+    const bool isOfGroup = isOwned || fchown(descriptor_, old.st_uid, old.st_gid) == 0 ||
+                           fchown(descriptor_, static_cast<uid_t>(-1), old.st_gid) == 0;
+    mode_t rights = old.st_mode & 0777U;
+    if (!isOfGroup) rights &= ~mode_t{S_IRWXG} | (rights & S_IRWXO) << 3U;
     require((own.st_mode & 0777U) == rights || fchmod(descriptor_, rights) == 0);
   }
   void storeOnDisk() const { require(fsync(descriptor_) == 0); }

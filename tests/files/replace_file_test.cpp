@@ -6,9 +6,12 @@
 #include "tests/support/scratch_folder.h"
 
 #include <gmock/gmock.h>
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
@@ -17,6 +20,7 @@
 #include <stdexcept>
 #include <string>
 #include <system_error>
+#include <utility>
 
 namespace pelmora {
 namespace {
@@ -82,6 +86,27 @@ TEST_F(replaced_file, shows_others_nothing_that_the_old_one_hides) {
     for (const auto& entry : fs::directory_iterator(folder_.path()))
       EXPECT_EQ(rightsOf(entry.path().string()), 0600U) << entry.path();
   });
+}
+
+// The writer is neither the old file's owner nor in its group.
+TEST_F(replaced_file, gives_the_group_of_its_writer_no_more_than_everybody_had) {
+  if (geteuid() != 0) GTEST_SKIP() << "only an administrator can become another user";
+  ASSERT_EQ(chmod(folder_.path().c_str(), 0777), 0);
+  for (const auto& [before, after] : {std::pair{0664U, 0644U}, {0640U, 0600U}, {0646U, 0646U}}) {
+    writeOld();
+    ASSERT_EQ(chown(file_.c_str(), 0, 0), 0);
+    ASSERT_EQ(chmod(file_.c_str(), before), 0);
+    const pid_t writer = fork();
+    if (writer == 0) {
+      const bool isAnother = setgroups(0, nullptr) == 0 && setgid(65534) == 0 && setuid(65534) == 0;
+      _exit(isAnother && whyNot(file_).empty() ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(writer, &status, 0), writer);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(test::bytesOf(file_), "new");
+    EXPECT_EQ(rightsOf(file_), after);
+  }
 }
 
 TEST_F(replaced_file, keeps_its_owner_where_the_process_may_set_one) {
