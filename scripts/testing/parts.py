@@ -15,6 +15,7 @@ from results import Results, of_ctest
 from running import Failed, Meter, end_of, must, run
 
 jobs = os.cpu_count() or 1
+tests_at_once = jobs + 1  # one more than can compute: most wait now and then, for a disk, a window or a browser
 formatter = "clang-format-14"  # another version formats otherwise
 
 
@@ -56,7 +57,7 @@ class Part:
         lists.mkdir(parents=True)
         junit.unlink(missing_ok=True)
         log.unlink(missing_ok=True)
-        code = run(["ctest", "--preset", self.preset, "-j", str(jobs), "--no-tests=error", "--output-junit",
+        code = run(["ctest", "--preset", self.preset, "-j", str(tests_at_once), "--no-tests=error", "--output-junit",
                     str(junit.resolve()), "--test-output-size-passed", "20000", *self.select], log, self.testing,
                    {"CMAKE_BUILD_PARALLEL_LEVEL": str(jobs)})
         if not junit.exists():
