@@ -83,7 +83,7 @@ void plain_determineFittedCurve(benchmark::State& state) {
     benchmark::DoNotOptimize(plainFit(readSorted(curves.path), 0.01).curve.size());
 }
 
-// Delivers the text of the report as well, as the component has to.
+// Also writes the report, as the component has to.
 void reporting_determineFittedCurve(benchmark::State& state) {
   const CurveDatabase curves(state.range(0));
   for (auto _ : state) {

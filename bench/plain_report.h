@@ -1,5 +1,5 @@
-// The stored report as a plain program writes it: what it finds, and the points with 15 digits.
-// SPDX-License-Identifier: MIT
+// The stored report as a plain program would write it: what it finds, and the points with 15
+// digits. SPDX-License-Identifier: MIT
 #pragma once
 
 #include "bench/plain_fit.h"

@@ -44,7 +44,7 @@ endfunction()
 
 # pelmora_run_tests(store_test store/ SHARDS 2 COST 30 LABELS threads)
 #
-# COST: seconds of a program that takes long. CTest starts what has most first, so that none is left alone at the end.
+# COST: seconds that a slow program takes. CTest starts the most expensive first, so that none runs alone at the end.
 function(pelmora_run_tests program prefix)
   cmake_parse_arguments(arg "" "SHARDS;COST" "LABELS" ${ARGN})
   if(NOT PELMORA_WHOLE_TEST_PROGRAMS)
@@ -138,7 +138,7 @@ endfunction()
 # pelmora_on_server(calibration WITHOUT suite.test ...): runs the folder's tests a second time, with their curve databases
 # on a PostgreSQL server, labelled `again`. WITHOUT: tests of what only a file has. The sanitizers see the engine in
 # tests/contract.
-# COST: as of pelmora_run_tests.
+# COST: as in pelmora_run_tests.
 function(pelmora_on_server folder)
   if(NOT TARGET pelmora-postgresql OR PELMORA_SANITIZE)
     return()

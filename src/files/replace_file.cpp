@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Written between two calls of goOn: some milliseconds of a slow disk.
+// Bytes written between two calls of goOn: a few milliseconds even on a slow disk.
 constexpr std::size_t portion = std::size_t{1} << 20;
 // As many as the system itself follows.
 constexpr int mostLinks = 40;
@@ -32,7 +32,7 @@ void require(bool isDone) {
   if (!isDone) throw failureOf(errno);
 }
 
-// Where the file lies that the path names, through symbolic links.
+// The file that the path refers to once all symbolic links are followed.
 fs::path behindLinks(fs::path path) {
   for (int i = 0; i < mostLinks; ++i) {
     std::error_code ignored;
@@ -45,7 +45,7 @@ fs::path behindLinks(fs::path path) {
   throw failureOf(ELOOP);
 }
 
-// None if there is no file yet.
+// Empty if the file does not exist yet.
 std::optional<struct stat> stateOf(const fs::path& target) {
   struct stat state {};
   if (stat(target.c_str(), &state) != 0) {
@@ -57,11 +57,11 @@ std::optional<struct stat> stateOf(const fs::path& target) {
   return state;
 }
 
-// A new file that goes away unless it has taken its final name.
+// A new file that is removed again unless it takes its final name.
 class Replacement {
  public:
-  // Others get no rights before the file has those of an old one. Those of a new file are for the
-  // system to say: to read the process's mask would mean to change it for all threads.
+  // While it replaces an old file, only the writer may open it until it has the old permissions.
+  // Otherwise the system sets them: reading the process's umask would change it for all threads.
   Replacement(const fs::path& target, bool isNew) {
     std::random_device random;
     for (int i = 0; descriptor_ < 0; ++i) {
@@ -90,8 +90,8 @@ class Replacement {
       content.remove_prefix(static_cast<std::size_t>(count));
     }
   }
-  // An owner that only an administrator could set is let go: the file is the writer's then. So is a
-  // group; the writer's own group gets no more rights than everybody had.
+  // If the old owner or group cannot be kept, the writer's own take their place. The writer's group
+  // then gets no more rights than everybody had.
   void takeRightsOf(const struct stat& old) const {
     struct stat own {};
     require(fstat(descriptor_, &own) == 0);
@@ -114,8 +114,8 @@ class Replacement {
   bool isNamed_ = false;
 };
 
-// The file has its name by now and is whole whether or not its folder can be stored: some file
-// systems cannot, and a folder may be closed to readers.
+// By now the file is complete and has its name, whether or not its folder can be synced: some file
+// systems cannot do that, and the folder may be unreadable.
 void storeFolderOf(const fs::path& target) {
   const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
   const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);

@@ -1,4 +1,4 @@
-// A new file in the place of an old one, as a whole.
+// Replaces files as a whole.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -9,22 +9,22 @@
 
 namespace pelmora {
 
-// what() is the reason alone, in the language of the system or as "it is a folder".
+// what() is only the reason, in the system's words or, for example, "it is a folder".
 struct CannotReplaceFile : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// Writes the content to a file of its own beside `path`, stores it on the disk and gives it the
-// name `path`, so that others find the old file or the new one, also after a power loss. Calls that
-// write the same file at once do not mix.
+// Writes the content to a temporary file beside `path`, syncs it to the disk and renames it to
+// `path`. Other programs find either the old file or the new one, even after a power loss, and
+// concurrent calls for the same file do not interfere.
 //
-// The new file has the rights of the old one and, where the process may set them, its owner and
-// group; where there was none, the rights of any new file. A symbolic link stays one, and the file
-// that it names is written, even if it does not exist yet.
+// The new file keeps the old one's permissions and, if the process may set them, its owner and
+// group; without an old file, it gets the default permissions. A symbolic link stays a link, and
+// the file that it points to is written, even if that does not exist yet.
 //
-// goOn: called between portions and before the file gets its name; ends the call by throwing.
-// Errors: CannotReplaceFile; what goOn throws. What was there is unchanged then, and the unfinished
-//         file is removed.
+// goOn: called between portions and before the file is renamed; throws to cancel.
+// Errors: CannotReplaceFile, and whatever goOn throws. The old file is then unchanged, and the
+//         temporary file is removed.
 void replaceFile(const std::string& path, std::string_view content,
                  const std::function<void()>& goOn);
 

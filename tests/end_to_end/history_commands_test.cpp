@@ -55,7 +55,7 @@ TEST_F(history_commands, list_what_was_replaced_newest_first) {
   expect80Columns(text);
 }
 
-// 1,001 entries, the oldest of a series that no other one has.
+// 1,001 entries, of which only the oldest belongs to the series 'Oldest'.
 TEST_F(history_commands, list_the_newest_thousand_and_say_that_there_are_older_ones) {
   PlainDatabase database(curves);
   database.run("UPDATE pelmora_history_entry SET \"SeriesName\" = 'Oldest' WHERE \"ID\" = 1");

@@ -1,4 +1,4 @@
-// What replaces a file is whole, lies where the old one lay, and leaves nothing else.
+// A replaced file is complete and in its old place, and nothing else is left behind.
 // SPDX-License-Identifier: MIT
 #include "files/replace_file.h"
 
@@ -88,7 +88,7 @@ TEST_F(replaced_file, shows_others_nothing_that_the_old_one_hides) {
   });
 }
 
-// The writer is neither the old file's owner nor in its group.
+// The writer neither owns the old file nor belongs to its group.
 TEST_F(replaced_file, gives_the_group_of_its_writer_no_more_than_everybody_had) {
   if (geteuid() != 0) GTEST_SKIP() << "only an administrator can become another user";
   ASSERT_EQ(chmod(folder_.path().c_str(), 0777), 0);

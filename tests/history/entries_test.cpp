@@ -20,6 +20,17 @@ class history_entries : public HistoryTest {
     (void)change("fit", fittedCurve(1, 2), {}, "2026-01-02T00:00:00Z");
     (void)change("fit", fittedCurve(2, 3), {}, "2026-01-03T00:00:00Z");
   }
+  // Entries 4 to 6000, of meter M1 if i, the number, is even, else of M9. columns: SeriesID,
+  // SeriesName and KeptTables of i, and what follows in the statement from FROM n on.
+  void addEntries(const std::string& columns) const {
+    PlainSqlite(curves.path)
+        .run(
+            "WITH RECURSIVE n(i) AS (SELECT 4 UNION ALL SELECT i + 1 FROM n WHERE i < 6000) "
+            "INSERT INTO pelmora_history_entry (ID, SerialNumber, ReCalID, MeterID, SeriesID, "
+            "SeriesName, KeptTables) SELECT i, CASE WHEN i % 2 = 0 THEN 'M1' ELSE 'M9' END, 0, "
+            "1, " +
+            columns);
+  }
 };
 
 TEST_F(history_entries, are_none_in_a_database_without_history) {
@@ -67,15 +78,11 @@ TEST_F(history_entries, count_their_rows_however_many_there_are) {
 // More than are in memory at a time, with gaps between their numbers.
 TEST_F(history_entries, are_delivered_one_by_one_however_many_there_are) {
   changeThrice();
-  PlainSqlite(curves.path)
-      .run(
-          "WITH RECURSIVE n(i) AS (SELECT 4 UNION ALL SELECT i + 1 FROM n WHERE i < 6000) "
-          "INSERT INTO pelmora_history_entry (ID, SerialNumber, ReCalID, MeterID, SeriesID, "
-          "SeriesName, KeptTables) SELECT i, CASE WHEN i % 2 = 0 THEN 'M1' ELSE 'M9' END, 0, 1, "
-          "CASE WHEN i % 5 = 0 THEN 0 ELSE 2 END, CASE WHEN i % 5 <> 0 THEN 'Rotor B' END,"
-          " CASE WHEN i % 3 = 0 THEN 'curve' ELSE 'raw1' END FROM n WHERE i % 7 <> 0;"
-          "INSERT INTO pelmora_history_curve (EntryID, seriesID) "
-          "SELECT ID, 2 FROM pelmora_history_entry WHERE ID > 3 AND ID % 3 = 0");
+  addEntries(
+      "CASE WHEN i % 5 = 0 THEN 0 ELSE 2 END, CASE WHEN i % 5 <> 0 THEN 'Rotor B' END, "
+      "CASE WHEN i % 3 = 0 THEN 'curve' ELSE 'raw1' END FROM n WHERE i % 7 <> 0;"
+      "INSERT INTO pelmora_history_curve (EntryID, seriesID) "
+      "SELECT ID, 2 FROM pelmora_history_entry WHERE ID > 3 AND ID % 3 = 0");
   const auto isThere = [](std::int64_t id) { return id % 7 != 0; };
   std::int64_t next = 6000;
   visitEntries(curves.connection, {}, [&](const Entry& entry) {
@@ -97,16 +104,12 @@ TEST_F(history_entries, are_delivered_one_by_one_however_many_there_are) {
   EXPECT_EQ(ids({"M1", "Rotor B", {}}), ofSeries);
 }
 
-// Every other one is of another meter, and 10 of 11 of the first have nothing of the series.
+// Every second entry belongs to another meter, and ten of eleven to another series.
 TEST_F(history_entries, are_at_most_as_many_of_the_newest_as_wanted) {
   changeThrice();
-  PlainSqlite(curves.path)
-      .run(
-          "WITH RECURSIVE n(i) AS (SELECT 4 UNION ALL SELECT i + 1 FROM n WHERE i < 6000) "
-          "INSERT INTO pelmora_history_entry (ID, SerialNumber, ReCalID, MeterID, SeriesID, "
-          "SeriesName, KeptTables) SELECT i, CASE WHEN i % 2 = 0 THEN 'M1' ELSE 'M9' END, 0, 1, "
-          "CASE WHEN i % 11 = 0 THEN 2 ELSE 3 END, CASE WHEN i % 11 = 0 THEN 'Rotor B' END, "
-          "'raw1' FROM n");
+  addEntries(
+      "CASE WHEN i % 11 = 0 THEN 2 ELSE 3 END, CASE WHEN i % 11 = 0 THEN 'Rotor B' END, 'raw1' "
+      "FROM n");
   const auto newest = [&](std::size_t count, std::int64_t step) {
     std::vector<std::int64_t> list;
     for (std::int64_t id = 6000; list.size() < count; --id)

@@ -36,9 +36,9 @@ inline std::string newCurvePlace(const ScratchFolder& folder) {
   if (name.empty() || std::exchange(isCurvePlaceAltered(), false)) {
     name = server.newDatabase();
   } else {
-    // Without a record of its migrations it takes the tables for new ones. TRUNCATE makes new files
-    // for a table and its indexes, which takes longer than a few rows; without autovacuum, rows
-    // stay in the order in which they come also where others were deleted.
+    // Without a record of its migrations it takes the tables for new ones. TRUNCATE creates new
+    // files for a table and its indexes, which takes longer than deleting a few rows. With
+    // autovacuum off, rows keep the order in which they were added even where others were deleted.
     server.run(name,
                "DO $f$ DECLARE t text; isFull boolean; BEGIN "
                "FOR t IN SELECT tablename FROM pg_tables WHERE schemaname = 'public' LOOP "

@@ -36,8 +36,8 @@ struct HistoryRequest {
   Consent consent;
 };
 
-// Rows are read twice, for the widths of the columns and for the lines: memory does not grow with
-// their number.
+// Rows are read twice, first for the widths of the columns and then for the lines, so that memory
+// does not grow with their number.
 void listText(Session& session, calibration::HistoryFilter filter, bool all) {
   TableLayout table(entryColumns());
   std::size_t count = 0;

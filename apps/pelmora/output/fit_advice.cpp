@@ -21,7 +21,7 @@ bool takesLogarithm(const EquationOutcome& equation) {
          equation.Expression.find("ln(x)") != std::string::npos;
 }
 
-// What excludes the points, or lists them if they are too many for that.
+// The commands that exclude the points or, if there are too many, the one that lists them.
 std::vector<std::string> pointCommands(const std::vector<JudgedPoint>& points,
                                        const FitCall& call) {
   std::vector<SuspectPoint> suspects;

@@ -21,8 +21,8 @@ struct NamedSeries {
   std::string series;
 };
 
-// As many as the warnings of a fit name. More have a common cause rather than one each, and a
-// command that names them is too long to read.
+// As many as the warnings of a fit name. More points than that probably have a common cause, and a
+// command that named them all would be too long to read.
 inline constexpr std::size_t mostSuggestedPoints = 20;
 
 // One command for each raw part, none for more than mostSuggestedPoints. Its reason is stored with
@@ -30,7 +30,7 @@ inline constexpr std::size_t mostSuggestedPoints = 20;
 [[nodiscard]] std::vector<std::string> exclusionCommands(const NamedSeries& series,
                                                          const std::vector<SuspectPoint>& points);
 
-// What to do about more points than that: a sentence without its end.
+// What to do about more points than that: a sentence without its full stop.
 [[nodiscard]] std::string manyPointsAdvice();
 
 }  // namespace pelmora::cli

@@ -60,8 +60,8 @@ struct ReportOptions {
 [[nodiscard]] PELMORA_API std::string plotOf(const Fit& fit, const std::stop_token& stop = {});
 
 // Writes the report to a file, whose extension decides the kind. An existing file is replaced once
-// the new one is complete and on the disk; it keeps its rights. A symbolic link stays one: the file
-// that it names is replaced.
+// the new one is complete and on the disk; its permissions are kept. A symbolic link stays a link:
+// the file that it points to is replaced.
 //
 // Errors: as for makeReport;
 //         BadData for an unknown extension;

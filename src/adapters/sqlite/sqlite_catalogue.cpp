@@ -121,8 +121,8 @@ std::string SqliteCatalogue::schema() const {
 
 // What the component stores in lies in tables. A view in the place of one could show anything, and
 // one that is made of other views takes a time to prepare that doubles with each of them.
-// Views and virtual tables have no pages of their own. Nearly every table has, so the question
-// about what its text holds, which takes SQLite longer to prepare, is asked of the others alone.
+// Views and virtual tables have no pages of their own; nearly every table has. Only without pages
+// is it worth asking what the definition contains, a statement that takes SQLite longer to prepare.
 bool SqliteCatalogue::hasPages(std::string_view database, std::string_view name) const {
   StatementPool::Use without =
       questions_.take("SELECT 1 FROM " + quotedName(database) +

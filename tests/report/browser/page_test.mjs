@@ -1,6 +1,6 @@
 // The report page as its readers use it: node page_test.mjs NODE_MODULES PROGRAM DATA [CASE...]
 //
-// Without CASE, all of them. All have one browser, but each page is open in a context of its own.
+// Without CASE, all cases run. They share one browser, but open each page in a context of its own.
 // SPDX-License-Identifier: MIT
 import assert from "node:assert/strict";
 import { execFileSync } from "node:child_process";
