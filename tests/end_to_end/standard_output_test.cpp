@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/end_to_end/command.h"
 
+#include <sys/stat.h>
+
 namespace pelmora::test {
 namespace {
 
@@ -10,11 +12,13 @@ using testing::HasSubstr;
 class standard_output : public CommandTest {
  protected:
   standard_output() { init(); }
-  // The one line of a command whose output leads nowhere; its exit code must be 1.
-  std::string failure(const std::string& arguments, const std::string& redirect) const {
+  // The one line of a command whose output leads nowhere; its exit code must be 1. before: what the
+  // shell does first, where its output leads there, too.
+  std::string failure(const std::string& arguments, const std::string& redirect,
+                      const std::string& before = "") const {
     const std::string error = scratch.file("error"), code = scratch.file("code");
-    const std::string line = "{ '" PELMORA_PROGRAM "' " + arguments + "; echo $? >'" + code +
-                             "'; } 2>'" + error + "' " + redirect;
+    const std::string line = "{ " + before + " '" PELMORA_PROGRAM "' " + arguments +
+                             "; echo $? >'" + code + "'; } 2>'" + error + "' " + redirect;
     EXPECT_EQ(std::system(line.c_str()), 0);
     EXPECT_EQ(bytesOf(code), "1\n") << arguments << redirect;
     const std::string text = bytesOf(error);
@@ -40,7 +44,11 @@ TEST_F(standard_output, that_is_full_does_not_hide_what_was_stored) {
 }
 
 TEST_F(standard_output, whose_reader_has_gone_does_not_hide_what_was_stored) {
-  EXPECT_THAT(failure(raw(), "| true"), HasSubstr("the change is stored"));
+  // The reader says that it has closed its end before the program starts.
+  const std::string gone = scratch.file("gone");
+  ASSERT_EQ(mkfifo(gone.c_str(), 0600), 0);
+  EXPECT_THAT(failure(raw(), "| { exec <&-; echo >'" + gone + "'; }", "read line <'" + gone + "';"),
+              HasSubstr("the change is stored"));
   EXPECT_EQ(meters(), 1U);
 }
 
