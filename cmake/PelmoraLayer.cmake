@@ -35,16 +35,39 @@ if(PELMORA_BUILD_FUZZERS AND NOT PELMORA_SANITIZE MATCHES "fuzzer")
   target_compile_options(pelmora_watched INTERFACE -fsanitize-coverage=inline-8bit-counters,pc-table)
 endif()
 
+set(pelmora_object_properties POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON
+  CXX_EXTENSIONS OFF)
+# Headers that most sources include, read once; not with a compiler cache, which knows more of what it has without.
+if(CMAKE_UNITY_BUILD AND (NOT CMAKE_CXX_COMPILER_LAUNCHER MATCHES "ccache" OR DEFINED ENV{CCACHE_DISABLE}))
+  add_library(pelmora_headers OBJECT ${PROJECT_SOURCE_DIR}/cmake/precompiled.cpp)
+  target_link_libraries(pelmora_headers PRIVATE pelmora_options)
+  set_target_properties(pelmora_headers PROPERTIES ${pelmora_object_properties})
+  target_precompile_headers(pelmora_headers PRIVATE <algorithm> <array> <charconv> <chrono> <cmath> <functional>
+    <map> <memory> <optional> <set> <span> <sstream> <string> <string_view> <unordered_map> <utility> <variant> <vector>)
+endif()
+
+# pelmora_objects(some_target): its objects become parts of a shared library.
+function(pelmora_objects target)
+  set_target_properties(${target} PROPERTIES ${pelmora_object_properties})
+  if(TARGET pelmora_headers)
+    target_precompile_headers(${target} REUSE_FROM pelmora_headers)
+  endif()
+endfunction()
+
+# pelmora_numerical(some_target -ffp-contract=off): optimised more than the rest.
+function(pelmora_numerical target)
+  if(NOT MSVC)
+    target_compile_options(${target} PRIVATE ${ARGN} ${numeric_optimisation})
+    set_target_properties(${target} PROPERTIES DISABLE_PRECOMPILE_HEADERS ON)  # they were compiled otherwise
+  endif()
+endfunction()
+
 function(pelmora_layer folder)
   cmake_parse_arguments(arg "" "" "USES;SOURCES;LIBRARIES" ${ARGN})
   string(REPLACE "/" "_" layer ${folder})
   set(target pelmora_${layer})
   add_library(${target} OBJECT ${arg_SOURCES})
-  set_target_properties(${target} PROPERTIES
-    POSITION_INDEPENDENT_CODE ON
-    CXX_VISIBILITY_PRESET hidden
-    VISIBILITY_INLINES_HIDDEN ON
-    CXX_EXTENSIONS OFF)
+  pelmora_objects(${target})
   target_link_libraries(${target} PRIVATE pelmora_options pelmora_watched ${arg_LIBRARIES})
   foreach(used IN LISTS arg_USES)
     string(REPLACE "/" "_" used ${used})

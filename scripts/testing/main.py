@@ -11,7 +11,7 @@ import time
 
 import parts as all_parts
 from parts import Unavailable, jobs
-from running import Failed, end_of
+from running import Failed, end_of, files_in_memory
 
 started = time.monotonic()
 
@@ -95,9 +95,9 @@ def rooms(names):
     built = subprocess.run(["cmake", "--build", "--preset", "dev", "-j", str(jobs), "--target", *targets], check=False)
     if built.returncode != 0:
         return built.returncode
-    return subprocess.run(["ctest", "--preset", "dev", "-j", str(jobs), "--no-tests=error", "--label-exclude",
-                           "slow|browser|again",
-                           "--tests-regex", f"^({'|'.join(folders)})/"], check=False).returncode
+    with files_in_memory():
+        return subprocess.run(["ctest", "--preset", "dev", "-j", str(jobs), "--no-tests=error", "--label-exclude",
+                               "slow|browser|again", "--tests-regex", f"^({'|'.join(folders)})/"], check=False).returncode
 
 
 def main():
@@ -116,7 +116,8 @@ def main():
         chosen = [part for part in known if part.name in asked.part]
     else:
         chosen = known if asked.all else all_parts.quick(known)
-    run_parts(chosen)
+    with files_in_memory():
+        run_parts(chosen)
     return summary(chosen)
 
 

@@ -1,7 +1,11 @@
 """Running programs: their output in a file, their time on the wall and on the processors."""
 # SPDX-License-Identifier: MIT
+import contextlib
 import os
+import pathlib
+import shutil
 import subprocess
+import tempfile
 import time
 
 
@@ -22,6 +26,25 @@ class Meter:
     def add(self, wall, usage):
         self.wall += wall
         self.processors += usage.ru_utime + usage.ru_stime
+
+
+@contextlib.contextmanager
+def files_in_memory(least=4 << 30):
+    """While this lasts, temporary files of all programs are kept in memory, if TMPDIR says nothing else and there is room.
+
+    Tests create databases and servers in great numbers, and a database waits for its disk at every commit.
+    """
+    memory = pathlib.Path("/dev/shm")
+    if "TMPDIR" in os.environ or not memory.is_dir() or shutil.disk_usage(memory).free < least:
+        yield
+        return
+    with tempfile.TemporaryDirectory(prefix="pelmora-tests-", dir=memory, ignore_cleanup_errors=True) as folder:
+        os.chmod(folder, 0o755)  # servers have a user of their own
+        os.environ["TMPDIR"] = folder
+        try:
+            yield
+        finally:
+            del os.environ["TMPDIR"]
 
 
 def run(command, log, meter, environment=None):

@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
+#include <string>
 #include <thread>
 
 namespace pelmora::test {
@@ -41,14 +42,16 @@ VirtualDisplay::VirtualDisplay() {
   if (!isInstalled("Xvfb") || !isInstalled("xdotool")) return;
   std::array<int, 2> number{};
   if (pipe2(number.data(), O_CLOEXEC) != 0) return;
+  // The server writes the number that it found free.
+  const std::string answer = std::to_string(number[1]);
   server_ = fork();
   if (server_ == 0) {
-    dup2(number[1], 6);  // the server writes the number that it found free
+    fcntl(number[1], F_SETFD, 0);
     const int nothing = open("/dev/null", O_RDWR);
     dup2(nothing, STDOUT_FILENO);
     dup2(nothing, STDERR_FILENO);
-    execlp("Xvfb", "Xvfb", "-displayfd", "6", "-screen", "0", "800x600x24", "-nolisten", "tcp",
-           "-noreset", static_cast<char*>(nullptr));
+    execlp("Xvfb", "Xvfb", "-displayfd", answer.c_str(), "-screen", "0", "800x600x24", "-nolisten",
+           "tcp", "-noreset", static_cast<char*>(nullptr));
     _exit(127);
   }
   close(number[1]);
