@@ -1,2 +1,2 @@
-// What most sources include is compiled with this file; see PelmoraLayer.cmake and tests/CMakeLists.txt.
+// The headers that most sources, or most tests, include are compiled with this file.
 // SPDX-License-Identifier: MIT
