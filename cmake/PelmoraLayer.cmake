@@ -37,8 +37,13 @@ endif()
 
 set(pelmora_object_properties POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON
   CXX_EXTENSIONS OFF)
-# Headers that most sources include, read once; not with a compiler cache, which knows more of what it has without.
-if(CMAKE_UNITY_BUILD AND (NOT CMAKE_CXX_COMPILER_LAUNCHER MATCHES "ccache" OR DEFINED ENV{CCACHE_DISABLE}))
+# Not with a compiler cache, which finds more of what it keeps without precompiled headers.
+set(pelmora_precompiles ON)
+if(CMAKE_CXX_COMPILER_LAUNCHER MATCHES "ccache" AND NOT DEFINED ENV{CCACHE_DISABLE})
+  set(pelmora_precompiles OFF)
+endif()
+# Headers that most sources include, compiled once.
+if(CMAKE_UNITY_BUILD AND pelmora_precompiles)
   add_library(pelmora_headers OBJECT ${PROJECT_SOURCE_DIR}/cmake/precompiled.cpp)
   target_link_libraries(pelmora_headers PRIVATE pelmora_options)
   set_target_properties(pelmora_headers PROPERTIES ${pelmora_object_properties})
@@ -46,7 +51,7 @@ if(CMAKE_UNITY_BUILD AND (NOT CMAKE_CXX_COMPILER_LAUNCHER MATCHES "ccache" OR DE
     <map> <memory> <optional> <set> <span> <sstream> <string> <string_view> <unordered_map> <utility> <variant> <vector>)
 endif()
 
-# pelmora_objects(some_target): its objects become parts of a shared library.
+# pelmora_objects(some_target): compiles it as a part of a shared library, with the common headers.
 function(pelmora_objects target)
   set_target_properties(${target} PROPERTIES ${pelmora_object_properties})
   if(TARGET pelmora_headers)
@@ -58,7 +63,7 @@ endfunction()
 function(pelmora_numerical target)
   if(NOT MSVC)
     target_compile_options(${target} PRIVATE ${ARGN} ${numeric_optimisation})
-    set_target_properties(${target} PROPERTIES DISABLE_PRECOMPILE_HEADERS ON)  # they were compiled otherwise
+    set_target_properties(${target} PROPERTIES DISABLE_PRECOMPILE_HEADERS ON)  # those are compiled with other flags
   endif()
 endfunction()
 
