@@ -11,6 +11,8 @@ namespace pelmora {
 
 namespace {
 
+bool isLineEnd(char c) { return c == '\r' || c == '\n'; }
+
 std::string placeText(std::size_t line, std::size_t field) {
   return "line " + std::to_string(line) + ", field " + std::to_string(field);
 }
@@ -33,12 +35,13 @@ CsvReader::CsvReader(std::string_view text, CsvStyle style)
   if (text_.starts_with(byteOrderMark)) text_.remove_prefix(byteOrderMark.size());
 }
 
-bool CsvReader::atLineEnd() const {
-  return at_ < text_.size() && (text_[at_] == '\r' || text_[at_] == '\n');
-}
+bool CsvReader::atLineEnd() const { return at_ < text_.size() && isLineEnd(text_[at_]); }
 
-bool CsvReader::atFieldEnd() const {
-  return at_ == text_.size() || text_[at_] == style_.Separator || atLineEnd();
+void CsvReader::skipField() {
+  const char separator = style_.Separator;
+  const auto isEnd = [separator](char c) { return c == separator || isLineEnd(c); };
+  const std::string_view rest = text_.substr(at_);
+  at_ += static_cast<std::size_t>(std::ranges::find_if(rest, isEnd) - rest.begin());
 }
 
 bool CsvReader::takeLineEnd() {
@@ -51,7 +54,8 @@ bool CsvReader::takeLineEnd() {
 
 bool CsvReader::takeComment() {
   if (!style_.IsComment || at_ == text_.size()) return false;
-  const std::size_t end = std::min(text_.find_first_of("\r\n", at_), text_.size());
+  std::size_t end = at_;
+  while (end < text_.size() && !isLineEnd(text_[end])) ++end;
   if (!style_.IsComment(text_.substr(at_, end - at_))) return false;
   at_ = end;
   return true;
@@ -77,7 +81,7 @@ void CsvReader::readField(CsvField& field) {
   field.isQuoted = at_ < text_.size() && text_[at_] == '"';
   if (field.isQuoted) return readQuoted(field);
   const std::size_t begin = at_;
-  while (!atFieldEnd()) ++at_;
+  skipField();
   field.text.assign(text_.substr(begin, at_ - begin));
 }
 
@@ -103,9 +107,9 @@ void CsvReader::readQuoted(CsvField& field) {
     field.text.push_back(c);
     ++at_;
   }
-  if (atFieldEnd()) return;
   const std::size_t begin = at_;
-  while (!atFieldEnd()) ++at_;
+  skipField();
+  if (at_ == begin) return;
   throw CsvError(line_, fieldNumber_,
                  "'" + shortened(text_.substr(begin, at_ - begin)) + "' follows a closing quote",
                  "put a separator between them, or write a quote inside a quoted field twice");

@@ -59,10 +59,10 @@ class PELMORA_API CsvReader {
  private:
   void readField(CsvField& field);
   void readQuoted(CsvField& field);
+  void skipField();
   bool takeLineEnd();
   bool takeComment();
   [[nodiscard]] bool atLineEnd() const;
-  [[nodiscard]] bool atFieldEnd() const;
 
   std::string_view text_;
   CsvStyle style_;

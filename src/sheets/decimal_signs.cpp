@@ -34,7 +34,7 @@ bool canOnlyBeDecimal(std::string_view text, std::size_t mark) {
 SheetError openError(std::size_t line, const std::string& text) {
   std::string one = text, thousand = text;
   std::ranges::replace(one, ',', '.');
-  std::erase_if(thousand, [](char c) { return c == '.' || c == ','; });
+  std::erase_if(thousand, isMark);
   return {"line " + std::to_string(line),
           "'" + text + "' may be " + thousand + " or " + one +
               ", and the rest of the file does not settle it",
@@ -59,10 +59,14 @@ void DecimalSigns::add(std::size_t line, std::size_t column, const std::string& 
   if (columns_.size() <= column) columns_.resize(column + 1);
   if (!looksLikeNumber(field)) return;
   const std::string_view text = withoutSign(field);
-  if (otherGrouping_.empty()) otherGrouping_ = plainGrouping(text);
+  if (const auto sign = plainGrouping(text); !sign.empty() && otherGrouping_.empty())
+    otherGrouping_ = sign;
   if (isUngrouped(text)) columns_[column].hasUngrouped = true;
-  const std::size_t first = text.find_first_of(".,"), last = text.find_last_of(".,");
-  if (first == std::string_view::npos) return;
+  const auto found = std::ranges::find_if(text, isMark);
+  if (found == text.end()) return;
+  const auto first = static_cast<std::size_t>(found - text.begin());
+  std::size_t last = text.size() - 1;
+  while (!isMark(text[last])) --last;
   const std::size_t sign = text[last] == '.' ? 0 : 1, other = 1 - sign;
   if (text[first] != text[last]) {
     note(signs_[sign].decimal, line, column, field);

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cmath>
 #include <cstddef>
 #include <string>
 #include <system_error>
@@ -46,6 +45,18 @@ std::string_view endsWithOne(std::string_view text,
   });
 }
 
+// Most numbers are written as std::from_chars reads them. Nothing for any other.
+std::optional<double> plainNumber(std::string_view text) {
+  const std::size_t first = text.starts_with('-') ? 1 : 0;
+  const bool isWord = text.size() <= first || (!isDigit(text[first]) && text[first] != '.');
+  if (isWord) return std::nullopt;  // "inf"
+  double number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, code] = std::from_chars(text.data(), end, number);
+  if (code != std::errc() || stop != end) return std::nullopt;
+  return number;
+}
+
 // Reads a text from its start and writes what std::from_chars understands.
 class Scan {
  public:
@@ -61,11 +72,7 @@ class Scan {
       fraction = takeDigits();
     }
     if (wholeDigits + fraction == 0 || !takeExponent() || !rest_.empty()) return std::nullopt;
-    double number = 0;
-    const char* const end = plain_.data() + plain_.size();
-    const auto [stop, code] = std::from_chars(plain_.data(), end, number);
-    if (code != std::errc() || stop != end || !std::isfinite(number)) return std::nullopt;
-    return number;
+    return plainNumber(plain_);
   }
 
  private:
@@ -124,6 +131,8 @@ class Scan {
 }  // namespace
 
 std::string_view trimmed(std::string_view text) {
+  const auto isVisible = [](char c) { return c > ' ' && c <= '~'; };
+  if (text.empty() || (isVisible(text.front()) && isVisible(text.back()))) return text;
   for (auto blank = startsWithOne(text, blanks); !blank.empty();
        blank = startsWithOne(text, blanks))
     text.remove_prefix(blank.size());
@@ -138,15 +147,19 @@ std::string_view withoutSign(std::string_view text) {
 }
 
 std::string_view plainGrouping(std::string_view number) {
-  const auto holds = [&](std::string_view sign) {
-    return number.find(sign) != std::string_view::npos;
-  };
-  if (std::ranges::any_of(apostrophes, holds)) return "'";
-  return std::ranges::any_of(blanks, holds) ? " " : "";
+  const auto isPlain = [](char c) { return isDigit(c) || isMark(c); };
+  const auto other = std::ranges::find_if_not(number, isPlain);
+  const std::string_view rest = number.substr(static_cast<std::size_t>(other - number.begin()));
+  if (!startsWithOne(rest, apostrophes).empty()) return "'";
+  return startsWithOne(rest, blanks).empty() ? "" : " ";
 }
 
 std::optional<double> fieldNumber(std::string_view text, NumberStyle style) {
-  return Scan(trimmed(text), style).value();
+  text = trimmed(text);
+  if (style.decimal == '.') {
+    if (const auto number = plainNumber(text)) return number;
+  }
+  return Scan(text, style).value();
 }
 
 bool isMissingValue(std::string_view text) {

@@ -11,6 +11,9 @@ namespace pelmora::sheets {
 // Digits between two signs that group thousands.
 inline constexpr std::size_t groupSize = 3;
 
+// Whether it is a decimal sign or groups thousands.
+[[nodiscard]] constexpr bool isMark(char c) { return c == '.' || c == ','; }
+
 struct NumberStyle {
   char decimal = '.';
   // Whether the other of '.' and ',' may group thousands. Blanks and apostrophes always may: they
@@ -24,7 +27,8 @@ struct NumberStyle {
 // Without the sign at the start: +, - or the typographic minus, U+2212.
 [[nodiscard]] std::string_view withoutSign(std::string_view text);
 
-// "'" or " " if an apostrophe or a blank groups thousands in this number; empty if none does.
+// "'" or " " if an apostrophe or a blank groups thousands in this number without its sign; empty if
+// none does.
 [[nodiscard]] std::string_view plainGrouping(std::string_view number);
 
 // Blanks around the number, a sign (also U+2212) and an exponent are allowed; groups have three

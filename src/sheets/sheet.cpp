@@ -22,8 +22,6 @@ namespace {
 // Titles, comments and a header end within this many records.
 constexpr std::size_t startRecords = 1000;
 
-bool isMark(char c) { return c == '.' || c == ','; }
-
 bool isNotFinite(std::string_view text) {
   text = withoutSign(text);
   return equalNames(text, "nan") || equalNames(text, "inf") || equalNames(text, "infinity");
@@ -44,8 +42,9 @@ class Sheet::Content {
     recognised_.encoding = text_.encoding;
     recognised_.hasByteOrderMark = text_.hasByteOrderMark;
     chooseSeparator(style);
-    findHeader(style);
-    readEvidence(style);
+    RecordSource source(text_.text, recognised_.separator, stopRequested_);
+    const Start start = findHeader(style, source);
+    readEvidence(style, start, source);
     rows_.emplace(text_.text, recognised_.separator, stopRequested_);
   }
 
@@ -66,6 +65,15 @@ class Sheet::Content {
   }
 
  private:
+  // What has been read before the header is known.
+  struct Start {
+    struct EmptyRecord {
+      std::size_t line, fields;
+    };
+    std::vector<Record> records;
+    std::vector<EmptyRecord> empty;
+  };
+
   void chooseSeparator(const Style& style) {
     const std::string_view text = text_.text;
     const char stated = statedSeparator(text.substr(0, text.find_first_of("\r\n")));
@@ -75,17 +83,21 @@ class Sheet::Content {
                                                  : chosenSeparator(text);
   }
 
-  void findHeader(const Style& style) {
-    RecordSource source(text_.text, recognised_.separator, stopRequested_);
-    std::vector<Record> start;
+  Start findHeader(const Style& style, RecordSource& source) {
+    Start start;
     Record record;
-    while (start.size() < startRecords && source.next(record)) {
-      if (widthOf(record) > 0) start.push_back(record);
+    while (start.records.size() < startRecords && source.next(record)) {
+      if (widthOf(record) > 0) {
+        start.records.push_back(record);
+      } else {
+        start.empty.push_back({record.line, record.fields.size()});
+      }
     }
-    layout_ = layoutOf(start, recognised_.separator, style.names);
+    layout_ = layoutOf(start.records, recognised_.separator, style.names);
     recognised_.titleLines = layout_.titleLines;
     recognised_.headerLine = layout_.headerLine;
     recognised_.unitsLine = layout_.unitsLine;
+    return start;
   }
 
   // The next record of values: below header and units, neither empty nor a repetition of them.
@@ -105,23 +117,28 @@ class Sheet::Content {
     return isSame(layout_.header) || isSame(layout_.units);
   }
 
-  void readEvidence(const Style& style) {
-    RecordSource source(text_.text, recognised_.separator, stopRequested_);
-    Record record;
+  void readEvidence(const Style& style, const Start& start, RecordSource& source) {
     DecimalSigns signs;
     std::size_t mostFields = 0;
-    while (source.next(record)) {
-      if (record.line < layout_.firstLine) continue;
+    const auto addEmpty = [&](const Start::EmptyRecord& record) {
+      if (record.line < layout_.firstLine) return;
+      mostFields = std::max(mostFields, record.fields);
+      ++recognised_.emptyRows;
+    };
+    const auto add = [&](const Record& record) {
+      if (widthOf(record) == 0) return addEmpty({record.line, record.fields.size()});
+      if (record.line < layout_.firstLine) return;
       mostFields = std::max(mostFields, record.fields.size());
-      if (widthOf(record) == 0) {
-        ++recognised_.emptyRows;
-      } else if (isRepeated(record)) {
+      if (isRepeated(record)) {
         recognised_.repeatedHeaders.push_back(record.line);
       } else {
         for (std::size_t i = 0; i < record.fields.size(); ++i)
           signs.add(record.line, i, record.fields[i]);
       }
-    }
+    };
+    std::ranges::for_each(start.empty, addEmpty);
+    std::ranges::for_each(start.records, add);
+    for (Record record; source.next(record);) add(record);
     recognised_.commentLines = source.comments();
     recognised_.emptyColumns = mostFields - std::min(mostFields, layout_.columns.size());
     numbers_ = signs.decide(recognised_.separator, style.decimal,

@@ -168,6 +168,16 @@ TEST(sheet, a_repeated_header_is_skipped) {
   EXPECT_EQ(reading.recognised.words(), "the header again in line 3");
 }
 
+TEST(sheet, remarks_are_about_the_whole_of_a_long_text) {
+  const std::string part = ",,\n# a pause\nx,y,\n100.5,2.25,\n";
+  std::string text = "x,y,\n200,2.5,\n" + part;
+  for (int i = 0; i < 2500; ++i) text += "200,2.5,\n";
+  const Reading reading = read(text + part);
+  EXPECT_EQ(reading.rows.size(), 2503U);
+  EXPECT_EQ(reading.recognised.words(),
+            "2 comment lines, the header again in lines 5 and 2509, 1 empty column, 2 empty rows");
+}
+
 TEST(sheet, a_comment_above_the_values_may_be_the_header) {
   const Reading reading = read("# stand 3\n# Roshko,Strouhal\n100.5,2.25\n200,2.5\n");
   EXPECT_THAT(reading.names, ElementsAre("Roshko", "Strouhal"));
