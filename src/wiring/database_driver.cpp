@@ -29,6 +29,7 @@
 #include "adapters/ado/ado_connection.h"
 #endif
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -42,6 +43,14 @@ class SchemaMemory;
 namespace {
 
 using SchemaMemoryPtr = std::shared_ptr<sqlite::SchemaMemory>;
+
+SchemaMemoryPtr newMemory() {
+#if defined(PELMORA_HAS_SQLITE)
+  return schemaMemory();
+#else
+  return nullptr;
+#endif
+}
 
 [[maybe_unused]] Error noDriver(const std::string& location) {
   return {static_cast<std::int32_t>(RunTimeError::noObject), "Pelmora:openDatabase",
@@ -88,16 +97,16 @@ ConnectionPtr connectionTo(const std::string& location, const Patience& patience
 }  // namespace
 
 ConnectionPtr databaseConnection(const std::string& location, const Patience& patience) {
-  return connectionTo(location, patience, nullptr);
+  static const SchemaMemoryPtr memory = newMemory();
+  // Most programs open one database once, and would remember it in vain.
+  static std::atomic<bool> isFirst = true;
+  return connectionTo(location, patience, isFirst.exchange(false) ? nullptr : memory);
 }
 
 std::function<ConnectionPtr(const std::string& location)> operationConnections() {
-#if defined(PELMORA_HAS_SQLITE)
-  const SchemaMemoryPtr memory = schemaMemory();
-#else
-  const SchemaMemoryPtr memory;
-#endif
-  return [memory](const std::string& location) { return connectionTo(location, {}, memory); };
+  return [memory = newMemory()](const std::string& location) {
+    return connectionTo(location, {}, memory);
+  };
 }
 
 ConnectionPtr openDatabase(const std::string& location) { return openDatabase(location, {}); }

@@ -1,41 +1,46 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sqlite/schema_memory.h"
 
-#include <utility>
+#include <algorithm>
 
 namespace pelmora::sqlite {
 
-std::shared_ptr<const SchemaMemory::Tables> SchemaMemory::find(const std::string& schema) const {
+std::optional<KnownSchema::Table> KnownSchema::find(std::string_view name) const {
   const std::scoped_lock lock(mutex_);
-  return schema == schema_ ? tables_ : nullptr;
+  const auto found = tables_.find(name);
+  if (found == tables_.end()) return std::nullopt;
+  return std::optional<Table>(std::in_place, found->second);
 }
 
-void SchemaMemory::keep(const std::string& schema, const std::string& name,
-                        const sql::TableShape& table) {
+void KnownSchema::keep(const std::string& name, const Table& table) {
   const std::scoped_lock lock(mutex_);
-  // Others may be reading the tables as they were.
-  auto tables = std::make_shared<Tables>();
-  if (tables_ && schema == schema_) *tables = *tables_;
-  tables->insert_or_assign(name, table);
-  if (schema != schema_) version_ = -1;
-  schema_ = schema;
-  tables_ = std::move(tables);
+  tables_.emplace(name, table);
 }
 
-sql::StatementTranslations::Known SchemaMemory::takeTranslations(const std::string& schema,
-                                                                 std::int64_t version) {
+KnownSchema::Statements KnownSchema::take(std::int64_t version) {
   const std::scoped_lock lock(mutex_);
-  if (schema != schema_ || version != version_) return {};
-  version_ = -1;
-  return std::move(translations_);
+  if (std::exchange(version_, -1) != version) return {};
+  return std::move(statements_);
 }
 
-void SchemaMemory::giveTranslations(const std::string& schema, std::int64_t version,
-                                    sql::StatementTranslations::Known translations) {
+void KnownSchema::give(std::int64_t version, Statements statements) {
   const std::scoped_lock lock(mutex_);
-  if (schema != schema_) return;
-  translations_ = std::move(translations);
+  statements_ = std::move(statements);
   version_ = version;
+}
+
+std::shared_ptr<KnownSchema> SchemaMemory::of(const std::string& text) {
+  const std::scoped_lock lock(mutex_);
+  const auto hasText = [&](const std::shared_ptr<KnownSchema>& known) {
+    return known->text() == text;
+  };
+  auto found = std::ranges::find_if(met_, hasText);
+  if (found == met_.end()) {
+    if (met_.size() == most) met_.pop_back();
+    found = met_.insert(met_.end(), std::make_shared<KnownSchema>(text));
+  }
+  std::rotate(met_.begin(), found, found + 1);
+  return met_.front();
 }
 
 }  // namespace pelmora::sqlite

@@ -46,31 +46,26 @@ bool isCurveTable(std::string_view name) {
 
 }  // namespace
 
-SqliteCatalogue::SqliteCatalogue(sqlite3* database, std::shared_ptr<SchemaMemory> memory)
+SqliteCatalogue::SqliteCatalogue(sqlite3* database, SchemaMemory* memory)
     : KnownTables("main", Version::ofAllUsers),
       database_(database),
       questions_(database),
-      readVersion_(database, "PRAGMA \"main\".schema_version"),
-      memory_(std::move(memory)) {
+      readVersion_(database, "PRAGMA \"main\".schema_version") {
   const Moment moment(*this);
-  if (!memory_) {
+  openedVersion_ = *versionOfMoment_;
+  if (memory == nullptr) {
     PreparedStatement(database, "SELECT 1 FROM sqlite_master LIMIT 1").step();
-    return;
+  } else if (const std::string text = schema(); !text.empty()) {
+    known_ = memory->of(text);
   }
-  schemaVersion_ = lastVersion_;
-  schema_ = schema();
-  if (schema_.empty()) memory_ = nullptr;
-  if (!memory_) return;
-  remembered_ = memory_->find(schema_);
-  isAsOpened_ = true;
 }
 
-void SqliteCatalogue::recall(sql::StatementTranslations& translations) const {
-  if (memory_) translations.adopt(memory_->takeTranslations(schema_, schemaVersion_));
+KnownSchema::Statements SqliteCatalogue::recall() const {
+  return known_ ? known_->take(openedVersion_) : KnownSchema::Statements();
 }
 
-void SqliteCatalogue::remember(sql::StatementTranslations& translations) const noexcept {
-  if (isAsOpened_) memory_->giveTranslations(schema_, schemaVersion_, translations.release());
+void SqliteCatalogue::remember(KnownSchema::Statements statements) const noexcept {
+  if (known_) known_->give(openedVersion_, std::move(statements));
 }
 
 SqliteCatalogue::Moment::Moment(const SqliteCatalogue& catalogue)
@@ -83,9 +78,8 @@ SqliteCatalogue::Moment::Moment(const SqliteCatalogue& catalogue)
     throw;
   }
   // The statement is left where it is: its end would be the end of the reading.
-  catalogue.lastVersion_ = sqlite3_column_int64(catalogue.readVersion_.get(), 0);
-  catalogue.versionOfMoment_ = catalogue.lastVersion_;
-  if (catalogue.lastVersion_ != catalogue.schemaVersion_) catalogue.isAsOpened_ = false;
+  catalogue.versionOfMoment_ = sqlite3_column_int64(catalogue.readVersion_.get(), 0);
+  if (catalogue.versionOfMoment_ != catalogue.openedVersion_) catalogue.known_ = nullptr;
 }
 
 SqliteCatalogue::Moment::~Moment() {
@@ -158,18 +152,12 @@ void SqliteCatalogue::requireUsable(std::string_view database, std::string_view 
 
 std::optional<sql::TableShape> SqliteCatalogue::readTable(std::string_view database,
                                                           std::string_view name) const {
-  if (!memory_ || database != "main") return describe(database, name);
-  if (remembered_ && lastVersion_ == schemaVersion_) {
-    if (const auto known = remembered_->find(name); known != remembered_->end())
-      return known->second;
-  }
+  if (!known_ || database != "main") return describe(database, name);
+  if (auto table = known_->find(name)) return *table;
   const Moment moment(*this);
   auto table = describe(database, name);
-  if (schema() != schema_) {
-    isAsOpened_ = false;
-  } else if (table) {
-    memory_->keep(schema_, std::string(name), *table);
-  }
+  if (known_ && schema() != known_->text()) known_ = nullptr;
+  if (known_ && (table || isCurveTable(name))) known_->keep(std::string(name), table);
   return table;
 }
 

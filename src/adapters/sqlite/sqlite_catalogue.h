@@ -24,7 +24,7 @@ class SqliteCatalogue : public sql::KnownTables {
   // Names of databases: "main" or that of an attached one. memory: may be null; knows the tables of
   // the main one. A look at the database.
   // Errors: Error, genericFailure if the database is locked.
-  SqliteCatalogue(sqlite3* database, std::shared_ptr<SchemaMemory> memory);
+  SqliteCatalogue(sqlite3* database, SchemaMemory* memory);
 
   // While it lives, the connection sees the database as it is at one moment, and locks it once for
   // everything that is read; for statements that change nothing.
@@ -41,8 +41,10 @@ class SqliteCatalogue : public sql::KnownTables {
   };
 
   // From the memory, and into it, if all tables are still those that it knows.
-  void recall(sql::StatementTranslations& translations) const;
-  void remember(sql::StatementTranslations& translations) const noexcept;
+  [[nodiscard]] KnownSchema::Statements recall() const;
+  void remember(KnownSchema::Statements statements) const noexcept;
+  // The schema's version when the database was opened.
+  [[nodiscard]] std::int64_t openedVersion() const { return openedVersion_; }
 
  private:
   // Errors: Error untrustedSchema.
@@ -65,13 +67,9 @@ class SqliteCatalogue : public sql::KnownTables {
   mutable StatementPool questions_;
   mutable PreparedStatement readVersion_;
   mutable std::optional<std::int64_t> versionOfMoment_;
-  mutable std::int64_t lastVersion_ = -1;
-  // Of the schema as it was when the database was opened.
-  std::shared_ptr<SchemaMemory> memory_;
-  std::string schema_;
-  std::int64_t schemaVersion_ = -1;
-  std::shared_ptr<const SchemaMemory::Tables> remembered_;
-  mutable bool isAsOpened_ = false;
+  std::int64_t openedVersion_ = -1;
+  // Null without a memory, and once the schema has been another one than at the opening.
+  mutable std::shared_ptr<KnownSchema> known_;
 };
 
 }  // namespace pelmora::sqlite

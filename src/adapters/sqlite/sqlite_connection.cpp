@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sqlite/sqlite_connection.h"
 
+#include "adapters/sql_dialect/name_scope.h"
 #include "adapters/sql_engine/client_recordset.h"
 #include "adapters/sql_engine/insert_elsewhere.h"
 #include "adapters/sqlite/attached_file.h"
@@ -108,14 +109,13 @@ bool SqliteConnection::hasTable(std::string_view name) const {
 }
 
 void SqliteConnection::createTable(const OwnTable& table) {
-  session().design(createTableStatement(table));
-  const auto made = session().catalogue().findTable("main", table.Name);
+  SqliteSession& open = session();
+  open.requireWritable();
+  const auto made = open.catalogue().findTable("main", table.Name);
+  if (!made) return open.design(createTableStatement(table));
   for (const OwnColumn& column : table.Columns) {
-    const bool isThere = made && std::ranges::any_of(made->columns, [&](const auto& known) {
-                           return equalNames(known.name, column.Name);
-                         });
-    if (made && !isThere && column.Type != OwnColumnType::key)
-      session().design(addColumnStatement(table.Name, column));
+    if (column.Type != OwnColumnType::key && sql::findColumn(*made, column.Name) == nullptr)
+      open.design(addColumnStatement(table.Name, column));
   }
 }
 

@@ -35,18 +35,24 @@ const SqliteWriter writer;
 }  // namespace
 
 SqliteSession::SqliteSession(const std::string& file, OpenMode mode, const Patience& patience,
-                             std::shared_ptr<SchemaMemory> memory)
+                             const std::shared_ptr<SchemaMemory>& memory)
     : file_(file), handle_(std::in_place, file, mode, patience) {
   registerDialect(database(), fault_);
   // The first look at the file: a lock, damage or a refused right shows here.
-  catalogue_.emplace(database(), std::move(memory));
+  catalogue_.emplace(database(), memory.get());
   pool_.emplace(database());
   translations_.emplace(*catalogue_, writer);
-  catalogue_->recall(*translations_);
+  KnownSchema::Statements known = catalogue_->recall();
+  translations_->adopt(std::move(known.translations));
+  designed_ = std::move(known.designs);
+  designedVersion_ = catalogue_->openedVersion();
 }
 
 void SqliteSession::close() {
-  if (translations_) catalogue_->remember(*translations_);
+  if (translations_) {
+    if (designedVersion_ != catalogue_->openedVersion()) designed_.clear();
+    catalogue_->remember({translations_->release(), std::move(designed_)});
+  }
   translations_.reset();
   pool_.reset();
   catalogue_.reset();

@@ -27,8 +27,8 @@ class SqliteSession : public sql::RowSource {
   // `file`: absolute path. memory: may be null.
   // Errors: Error, genericFailure if the database is locked.
   SqliteSession(const std::string& file, const Patience& patience,
-                std::shared_ptr<SchemaMemory> memory = {})
-      : SqliteSession(file, OpenMode::existing, patience, std::move(memory)) {}
+                const std::shared_ptr<SchemaMemory>& memory = {})
+      : SqliteSession(file, OpenMode::existing, patience, memory) {}
   // A database of its own in memory.
   SqliteSession() : SqliteSession({}, OpenMode::memory, {}, {}) {}
 
@@ -84,7 +84,7 @@ class SqliteSession : public sql::RowSource {
   [[nodiscard]] sql::DialectStatement readSelect(const std::string& text);
   [[nodiscard]] sql::SelectedRows rowsOf(PreparedStatement& query);
   SqliteSession(const std::string& file, OpenMode mode, const Patience& patience,
-                std::shared_ptr<SchemaMemory> memory);
+                const std::shared_ptr<SchemaMemory>& memory);
   void forgetSchema() noexcept;
 
   std::string file_;

@@ -31,19 +31,28 @@ using sqlite::SchemaMemory;
 using test::failureOf;
 using test::PlainSqlite;
 
-TEST(schema_memory, knows_the_tables_of_the_schema_that_was_met_last) {
+TEST(schema_memory, knows_the_tables_of_the_schemas_that_were_met_last) {
   SchemaMemory memory;
-  EXPECT_EQ(memory.find("a"), nullptr);
-  memory.keep("a", "T", {"t", {}});
-  const auto known = memory.find("a");
-  ASSERT_NE(known, nullptr);
-  EXPECT_EQ(known->at("T").name, "t");
-  memory.keep("a", "u", {"u", {}});
-  EXPECT_EQ(memory.find("a")->size(), 2U);
-  EXPECT_EQ(known->size(), 1U);  // who reads it is not disturbed
-  memory.keep("b", "v", {"v", {}});
-  EXPECT_EQ(memory.find("a"), nullptr);
-  EXPECT_EQ(memory.find("b")->size(), 1U);
+  const auto known = memory.of("a");
+  EXPECT_EQ(known->find("T"), std::nullopt);
+  known->keep("T", sql::TableShape{"t", {}});
+  known->keep("missing", {});
+  EXPECT_EQ(memory.of("a")->find("T").value().value().name, "t");
+  EXPECT_EQ(memory.of("a")->find("missing").value(), std::nullopt);
+  EXPECT_EQ(memory.of("b")->find("T"), std::nullopt);
+  for (const char* other : {"c", "d", "e"}) (void)memory.of(other);
+  EXPECT_EQ(memory.of("a")->find("T"), std::nullopt);
+  EXPECT_TRUE(known->find("T"));  // who reads it is not disturbed
+}
+
+TEST(schema_memory, hands_statements_to_one_connection_of_the_same_version) {
+  const auto known = SchemaMemory().of("a");
+  known->give(3, {{}, {"made"}});
+  EXPECT_EQ(known->take(3).designs.size(), 1U);
+  EXPECT_TRUE(known->take(3).designs.empty());
+  known->give(3, {{}, {"made"}});
+  EXPECT_TRUE(known->take(4).designs.empty());
+  EXPECT_TRUE(known->take(3).designs.empty());
 }
 
 class tables_known_from_before : public testing::Test {
@@ -97,6 +106,16 @@ TEST_F(tables_known_from_before, are_asked_for_once) {
   };
   EXPECT_GT(questions(), 1);
   EXPECT_EQ(questions(), 1);  // whether the schema is still the same
+}
+
+TEST_F(tables_known_from_before, may_be_made_where_there_were_none) {
+  const OwnTable settings{"series", {{"note", OwnColumnType::text}}};
+  for (int round = 0; round < 2; ++round) EXPECT_FALSE(hasTable(opened(), "series"));
+  createTable(opened(), settings);
+  for (int round = 0; round < 2; ++round) EXPECT_TRUE(hasTable(opened(), "series"));
+  createTable(opened(), {"series", {{"note", OwnColumnType::text}, {"n", OwnColumnType::whole}}});
+  opened()->execute("Insert into series (note, n) VALUES ('a', 2)");
+  EXPECT_EQ(row("Select * from series"), "a 2");
 }
 
 TEST_F(tables_known_from_before, leave_no_file_open) {
