@@ -1,20 +1,16 @@
 // Rows on their way from their tables: all at once, or some thousand at a time.
 // SPDX-License-Identifier: MIT
 #include "adapters/postgresql/postgres_session.h"
-#include "adapters/sql_dialect/dialect_error.h"
 
 #include <cstddef>
 #include <string>
 #include <utility>
-#include <variant>
 #include <vector>
 
 namespace pelmora::postgres {
 
 sql::DialectStatement PostgresSession::readSelect(const std::string& text) {
-  sql::DialectStatement statement = translations_.read(text);
-  if (!std::holds_alternative<sql::SelectStatement>(*statement.tree))
-    throw sql::statementError("Only a SELECT statement delivers rows.");
+  sql::DialectStatement statement = translations_.readSelect(text);
   if (isClosed_) requireConnection();
   translations_.translate(statement);
   return statement;

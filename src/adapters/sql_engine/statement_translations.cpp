@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "adapters/sql_engine/statement_translations.h"
 
+#include "adapters/sql_dialect/dialect_error.h"
 #include "adapters/sql_dialect/parser.h"
 
 #include <algorithm>
@@ -95,6 +96,13 @@ std::shared_ptr<const Translation> StatementTranslations::translated(
   if (parameters) made->parameters = parameters->all();
   made->schemaVersion = version;
   return made;
+}
+
+DialectStatement StatementTranslations::readSelect(std::string_view text) {
+  DialectStatement statement = read(text);
+  if (!std::holds_alternative<SelectStatement>(*statement.tree))
+    throw statementError("Only a SELECT statement delivers rows.");
+  return statement;
 }
 
 void StatementTranslations::translate(DialectStatement& statement) {

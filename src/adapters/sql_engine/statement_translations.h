@@ -82,6 +82,8 @@ class StatementTranslations {
 
   // `text` must outlive the result. Errors: Error of the parser.
   [[nodiscard]] DialectStatement read(std::string_view text);
+  // The same for a statement that must be a SELECT.
+  [[nodiscard]] DialectStatement readSelect(std::string_view text);
   // Makes `statement.known` the translation for the schema as it is now.
   // Errors: Error of the writer, genericFailure if the database is locked.
   void translate(DialectStatement& statement);

@@ -11,7 +11,6 @@
 #include <sqlite3.h>
 
 #include <utility>
-#include <variant>
 #include <vector>
 
 namespace pelmora::sqlite {
@@ -151,15 +150,8 @@ void SqliteSession::design(const std::string& statement) {
   if (catalogue_->schemaVersion() == version) designed_.insert(statement);
 }
 
-sql::DialectStatement SqliteSession::readSelect(const std::string& text) {
-  sql::DialectStatement statement = translations().read(text);
-  if (!std::holds_alternative<sql::SelectStatement>(*statement.tree))
-    throw sql::statementError("Only a SELECT statement delivers rows.");
-  return statement;
-}
-
 sql::SelectedRows SqliteSession::select(const std::string& text) {
-  sql::DialectStatement statement = readSelect(text);
+  sql::DialectStatement statement = translations().readSelect(text);
   const SqliteCatalogue::Moment moment(catalogue());
   StatementPool::Use query = prepare(statement);
   sql::SelectedRows selected = rowsOf(*query);
@@ -183,7 +175,7 @@ sql::SelectedRows SqliteSession::rowsOf(PreparedStatement& query) {
 }
 
 void SqliteSession::visitRows(const std::string& text, const RowVisitor& visit) {
-  sql::DialectStatement statement = readSelect(text);
+  sql::DialectStatement statement = translations().readSelect(text);
   std::optional<SqliteCatalogue::Moment> moment(std::in_place, catalogue());
   StatementPool::Use query = prepare(statement);
   bool hasRow = step(*query);

@@ -81,7 +81,6 @@ class SqliteSession : public sql::RowSource {
   bool step(PreparedStatement& statement);
 
  private:
-  [[nodiscard]] sql::DialectStatement readSelect(const std::string& text);
   [[nodiscard]] sql::SelectedRows rowsOf(PreparedStatement& query);
   SqliteSession(const std::string& file, OpenMode mode, const Patience& patience,
                 const std::shared_ptr<SchemaMemory>& memory);
