@@ -5,6 +5,7 @@ import concurrent.futures
 import os
 import pathlib
 import re
+import signal
 import subprocess
 import sys
 import time
@@ -123,4 +124,6 @@ def main():
 
 if __name__ == "__main__":
     os.environ.setdefault("NINJA_STATUS", "[%f/%t] ")
+    # A shell's job in the background ignores Ctrl-C, and so would the programs that a test sends it to.
+    signal.signal(signal.SIGINT, signal.default_int_handler)
     sys.exit(main())

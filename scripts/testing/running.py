@@ -38,7 +38,11 @@ def files_in_memory(least=4 << 30):
     if "TMPDIR" in os.environ or not memory.is_dir() or shutil.disk_usage(memory).free < least:
         yield
         return
-    with tempfile.TemporaryDirectory(prefix="pelmora-tests-", dir=memory, ignore_cleanup_errors=True) as folder:
+    for left in memory.glob("pelmora-tests-*-*"):  # by a run that was killed
+        if not pathlib.Path("/proc", left.name.split("-")[2]).exists():
+            shutil.rmtree(left, ignore_errors=True)
+    with tempfile.TemporaryDirectory(prefix=f"pelmora-tests-{os.getpid()}-", dir=memory,
+                                     ignore_cleanup_errors=True) as folder:
         os.chmod(folder, 0o755)  # servers have a user of their own
         os.environ["TMPDIR"] = folder
         try:
