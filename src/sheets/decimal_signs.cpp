@@ -59,8 +59,7 @@ void DecimalSigns::add(std::size_t line, std::size_t column, const std::string& 
   if (columns_.size() <= column) columns_.resize(column + 1);
   if (!looksLikeNumber(field)) return;
   const std::string_view text = withoutSign(field);
-  if (const auto sign = plainGrouping(text); !sign.empty() && otherGrouping_.empty())
-    otherGrouping_ = sign;
+  if (otherGrouping_.empty()) otherGrouping_ = plainGrouping(text);
   if (isUngrouped(text)) columns_[column].hasUngrouped = true;
   const auto found = std::ranges::find_if(text, isMark);
   if (found == text.end()) return;

@@ -45,11 +45,10 @@ std::string_view endsWithOne(std::string_view text,
   });
 }
 
-// Most numbers are written as std::from_chars reads them. Nothing for any other.
+// A number that is written as std::from_chars reads it, as most are. That would read "inf", too.
 std::optional<double> plainNumber(std::string_view text) {
   const std::size_t first = text.starts_with('-') ? 1 : 0;
-  const bool isWord = text.size() <= first || (!isDigit(text[first]) && text[first] != '.');
-  if (isWord) return std::nullopt;  // "inf"
+  if (text.size() <= first || (!isDigit(text[first]) && text[first] != '.')) return std::nullopt;
   double number = 0;
   const char* const end = text.data() + text.size();
   const auto [stop, code] = std::from_chars(text.data(), end, number);
@@ -131,6 +130,7 @@ class Scan {
 }  // namespace
 
 std::string_view trimmed(std::string_view text) {
+  // Most texts have nothing to trim.
   const auto isVisible = [](char c) { return c > ' ' && c <= '~'; };
   if (text.empty() || (isVisible(text.front()) && isVisible(text.back()))) return text;
   for (auto blank = startsWithOne(text, blanks); !blank.empty();

@@ -120,20 +120,22 @@ class Sheet::Content {
   void readEvidence(const Style& style, const Start& start, RecordSource& source) {
     DecimalSigns signs;
     std::size_t mostFields = 0;
+    const auto isBelowHeader = [&](std::size_t line, std::size_t fields) {
+      if (line < layout_.firstLine) return false;
+      mostFields = std::max(mostFields, fields);
+      return true;
+    };
     const auto addEmpty = [&](const Start::EmptyRecord& record) {
-      if (record.line < layout_.firstLine) return;
-      mostFields = std::max(mostFields, record.fields);
-      ++recognised_.emptyRows;
+      if (isBelowHeader(record.line, record.fields)) ++recognised_.emptyRows;
     };
     const auto add = [&](const Record& record) {
-      if (widthOf(record) == 0) return addEmpty({record.line, record.fields.size()});
-      if (record.line < layout_.firstLine) return;
-      mostFields = std::max(mostFields, record.fields.size());
+      const std::size_t fields = record.fields.size();
+      if (widthOf(record) == 0) return addEmpty({record.line, fields});
+      if (!isBelowHeader(record.line, fields)) return;
       if (isRepeated(record)) {
         recognised_.repeatedHeaders.push_back(record.line);
       } else {
-        for (std::size_t i = 0; i < record.fields.size(); ++i)
-          signs.add(record.line, i, record.fields[i]);
+        for (std::size_t i = 0; i < fields; ++i) signs.add(record.line, i, record.fields[i]);
       }
     };
     std::ranges::for_each(start.empty, addEmpty);

@@ -118,6 +118,21 @@ TEST_F(tables_known_from_before, may_be_made_where_there_were_none) {
   EXPECT_EQ(row("Select * from series"), "a 2");
 }
 
+// That it was there is known by the text of the schema, too.
+TEST_F(tables_known_from_before, get_an_index_again_that_another_program_has_dropped) {
+  const std::vector<std::string> columns{"n"};
+  const auto make = [&] { createIndex(opened(), {"own_n", "own", columns, false}); };
+  for (int round = 0; round < 3; ++round) {
+    for (int time = 0; time < 3; ++time) make();  // the second has nothing to do, the third knows
+    EXPECT_TRUE(hasIndex(opened(), "own", columns)) << round;
+    const int version = 2 + round;  // as before the drop
+    PlainSqlite(path).run("DROP INDEX own_n; PRAGMA schema_version = " + std::to_string(version));
+    EXPECT_FALSE(hasIndex(opened(), "own", columns)) << round;
+  }
+  make();
+  EXPECT_TRUE(hasIndex(opened(), "own", columns));
+}
+
 TEST_F(tables_known_from_before, leave_no_file_open) {
   EXPECT_EQ(row(), "1");
   for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
