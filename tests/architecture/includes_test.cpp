@@ -122,7 +122,7 @@ std::vector<Include> includesOf(const fs::path& folder) {
     std::ifstream stream(file);
     for (std::string line; std::getline(stream, line);) {
       std::smatch match;
-      if (std::regex_search(line, match, pattern)) {
+      if (line.find('#') != std::string::npos && std::regex_search(line, match, pattern)) {
         includes.push_back({fs::relative(file, sourceRoot()).string(), match[2], match[1] == "\""});
       }
     }

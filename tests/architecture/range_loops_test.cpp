@@ -59,7 +59,9 @@ std::string codeOf(std::string_view text) {
   for (std::size_t at = 0; at < text.size();) {
     const std::size_t end = endOfHidden(text, at);
     if (end == at) {
-      code += text[at++];
+      const std::size_t next = std::min(text.find_first_of("/\"'R", at + 1), text.size());
+      code += text.substr(at, next - at);
+      at = next;
       continue;
     }
     const std::string_view hidden = text.substr(at, end - at);
