@@ -84,9 +84,6 @@ TEST(hostile_fits, huge_and_tiny_numbers_are_survived) {
 }
 
 TEST(hostile_fits, the_longest_nonlinear_equation_over_many_points_comes_to_an_end) {
-#if !defined(__OPTIMIZE__)
-  GTEST_SKIP() << "takes minutes unless it is optimised";
-#endif
   std::string text = "a*exp(b*x)";
   while (text.size() + 16 < solver::longestExpression)
     text += "+sin(c*x+" + std::to_string(text.size()) + ")";
