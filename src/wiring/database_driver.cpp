@@ -37,16 +37,16 @@
 namespace pelmora {
 
 namespace sqlite {
-class SchemaMemory;
+class RestingDatabases;
 }
 
 namespace {
 
-using SchemaMemoryPtr = std::shared_ptr<sqlite::SchemaMemory>;
+using RestingPtr = std::shared_ptr<sqlite::RestingDatabases>;
 
-SchemaMemoryPtr newMemory() {
+RestingPtr restingPlace() {
 #if defined(PELMORA_HAS_SQLITE)
-  return schemaMemory();
+  return restingDatabases();
 #else
   return nullptr;
 #endif
@@ -59,7 +59,7 @@ SchemaMemoryPtr newMemory() {
 
 ConnectionPtr driverFor([[maybe_unused]] const std::string& location,
                         [[maybe_unused]] const Patience& patience,
-                        [[maybe_unused]] const SchemaMemoryPtr& memory) {
+                        [[maybe_unused]] const RestingPtr& resting) {
   if (isServerAddress(location)) {
 #if defined(PELMORA_HAS_POSTGRESQL)
     return postgresConnection(location, patience);
@@ -72,22 +72,22 @@ ConnectionPtr driverFor([[maybe_unused]] const std::string& location,
 #endif
 #if defined(PELMORA_HAS_SQLITE)
   // First: other looks at a file take longer.
-  if (isSqliteFile(location)) return sqliteConnection(location, patience, memory);
+  if (isSqliteFile(location)) return sqliteConnection(location, patience, resting);
 #endif
 #if defined(PELMORA_HAS_ACCESS)
   if (isAccessFile(location)) return accessFileConnection(location);
 #endif
 #if defined(PELMORA_HAS_SQLITE)
   if (isStandCsv(location)) return standCsvConnection(location);
-  return sqliteConnection(location, patience, memory);
+  return sqliteConnection(location, patience, resting);
 #else
   return nullptr;
 #endif
 }
 
 ConnectionPtr connectionTo(const std::string& location, const Patience& patience,
-                           const SchemaMemoryPtr& memory) {
-  ConnectionPtr connection = driverFor(location, patience, memory);
+                           const RestingPtr& resting) {
+  ConnectionPtr connection = driverFor(location, patience, resting);
   // A stand's engine is asked to insert its points into the curve database, whatever keeps that.
   if (auto* stand = dynamic_cast<InsertsElsewhere*>(connection.get()))
     stand->setElsewhere(databaseConnection);
@@ -97,15 +97,15 @@ ConnectionPtr connectionTo(const std::string& location, const Patience& patience
 }  // namespace
 
 ConnectionPtr databaseConnection(const std::string& location, const Patience& patience) {
-  static const SchemaMemoryPtr memory = newMemory();
+  static const RestingPtr resting = restingPlace();
   // Most programs open one database once, and would remember it in vain.
   static std::atomic<bool> isFirst = true;
-  return connectionTo(location, patience, isFirst.exchange(false) ? nullptr : memory);
+  return connectionTo(location, patience, isFirst.exchange(false) ? nullptr : resting);
 }
 
 std::function<ConnectionPtr(const std::string& location)> operationConnections() {
-  return [memory = newMemory()](const std::string& location) {
-    return connectionTo(location, {}, memory);
+  return [resting = restingPlace()](const std::string& location) {
+    return connectionTo(location, {}, resting);
   };
 }
 

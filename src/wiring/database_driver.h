@@ -12,7 +12,7 @@ namespace pelmora {
 
 // The unopened connection to a location; null if no driver is built in. A location that holds
 // nothing usable gets the SQLite driver, which says so when it is opened. From the second one of a
-// process on, what a connection has read of a database's tables is known to those after it.
+// process on, what a connection has learnt about a database is known to those after it.
 [[nodiscard]] ConnectionPtr databaseConnection(const std::string& location,
                                                const Patience& patience = {});
 

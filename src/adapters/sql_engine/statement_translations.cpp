@@ -39,7 +39,7 @@ std::vector<std::size_t> fixedLiterals(const StatementShape& shape,
 }  // namespace
 
 StatementTranslations::Index::iterator StatementTranslations::find(const StatementShape& shape) {
-  const auto [first, last] = known_.byKey.equal_range(shape.key);
+  const auto [first, last] = byKey_.equal_range(shape.key);
   for (auto known = first; known != last; ++known) {
     const Kept& kept = *known->second;
     const bool isSame = std::ranges::all_of(kept.fixedLiterals, [&](std::size_t i) {
@@ -47,36 +47,35 @@ StatementTranslations::Index::iterator StatementTranslations::find(const Stateme
     });
     if (isSame) return known;
   }
-  return known_.byKey.end();
+  return byKey_.end();
 }
 
 void StatementTranslations::forget(Index::iterator known) {
   const List::iterator kept = known->second;
-  known_.byKey.erase(known);
-  known_.kept.erase(kept);
+  byKey_.erase(known);
+  kept_.erase(kept);
 }
 
 void StatementTranslations::keep(const StatementShape& shape,
                                  std::shared_ptr<const Translation> translation) {
   // Of an older schema.
-  if (const auto known = find(shape); known != known_.byKey.end()) forget(known);
-  if (known_.kept.size() == most) {
-    const auto [first, last] = known_.byKey.equal_range(known_.kept.back().shape.key);
-    forget(std::find_if(first, last, [&](const auto& known) {
-      return known.second == std::prev(known_.kept.end());
-    }));
+  if (const auto known = find(shape); known != byKey_.end()) forget(known);
+  if (kept_.size() == most) {
+    const auto [first, last] = byKey_.equal_range(kept_.back().shape.key);
+    forget(std::find_if(first, last,
+                        [&](const auto& known) { return known.second == std::prev(kept_.end()); }));
   }
   auto fixed = fixedLiterals(shape, *translation);
-  known_.kept.push_front({shape, std::move(translation), std::move(fixed)});
-  known_.byKey.emplace(known_.kept.front().shape.key, known_.kept.begin());
+  kept_.push_front({shape, std::move(translation), std::move(fixed)});
+  byKey_.emplace(kept_.front().shape.key, kept_.begin());
 }
 
 DialectStatement StatementTranslations::read(std::string_view text) {
   DialectStatement statement{text, shapeOf(text), nullptr, nullptr};
   if (statement.shape) {
-    if (const auto known = find(*statement.shape); known != known_.byKey.end()) {
-      known_.kept.splice(known_.kept.begin(), known_.kept, known->second);
-      statement.known = known_.kept.front().translation;
+    if (const auto known = find(*statement.shape); known != byKey_.end()) {
+      kept_.splice(kept_.begin(), kept_, known->second);
+      statement.known = kept_.front().translation;
       statement.tree = statement.known->tree;
       return statement;
     }
@@ -125,8 +124,8 @@ std::string StatementTranslations::rowSelect(const Translation& translation) con
 }
 
 void StatementTranslations::clear() {
-  known_.byKey.clear();
-  known_.kept.clear();
+  byKey_.clear();
+  kept_.clear();
 }
 
 }  // namespace pelmora::sql

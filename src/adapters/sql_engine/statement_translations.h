@@ -15,7 +15,6 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <utility>
 #include <vector>
 
 namespace pelmora::sql {
@@ -54,28 +53,7 @@ struct DialectStatement {
 // Keeps the translations used last. They hold for the schema version that they were made for; a
 // statement that finds another one is translated anew.
 class StatementTranslations {
-  struct Kept {
-    StatementShape shape;
-    std::shared_ptr<const Translation> translation;
-    std::vector<std::size_t> fixedLiterals;  // indices of those that are no parameters
-  };
-  using List = std::list<Kept>;
-  using Index = std::unordered_multimap<std::string_view, List::iterator>;
-
  public:
-  // What it keeps.
-  class Known {
-   public:
-    Known() = default;
-    Known(Known&&) = default;
-    Known& operator=(Known&&) = default;
-
-   private:
-    friend class StatementTranslations;
-    List kept;  // from the one used last on
-    Index byKey;
-  };
-
   // Both must outlive this object.
   StatementTranslations(const KnownTables& tables, const StatementWriter& writer)
       : tables_(tables), writer_(writer) {}
@@ -92,12 +70,15 @@ class StatementTranslations {
   [[nodiscard]] std::string rowSelect(const Translation& translation) const;
   // Forgets everything: what a transaction has made of the tables was undone.
   void clear();
-  // Hands over what one connection has translated to the next one. Their tables must be the same
-  // where their schema versions are; record sets of the first one may not store rows any more.
-  [[nodiscard]] Known release() { return std::exchange(known_, {}); }
-  void adopt(Known known) { known_ = std::move(known); }
 
  private:
+  struct Kept {
+    StatementShape shape;
+    std::shared_ptr<const Translation> translation;
+    std::vector<std::size_t> fixedLiterals;  // indices of those that are no parameters
+  };
+  using List = std::list<Kept>;
+  using Index = std::unordered_multimap<std::string_view, List::iterator>;
   static constexpr std::size_t most = 128;
 
   [[nodiscard]] Index::iterator find(const StatementShape& shape);
@@ -108,7 +89,8 @@ class StatementTranslations {
 
   const KnownTables& tables_;
   const StatementWriter& writer_;
-  Known known_;
+  List kept_;  // from the one used last on
+  Index byKey_;
 };
 
 }  // namespace pelmora::sql

@@ -27,7 +27,7 @@ void DatabaseHandle::Close::operator()(sqlite3* database) const noexcept {
 DatabaseHandle::DatabaseHandle(const std::string& file, OpenMode mode, const Patience& patience)
     : lockWait_(std::make_unique<LockWait>(patience)),
       guard_(std::make_unique<SchemaGuard>(patience.stopRequested)) {
-  if (mode != OpenMode::memory) file_.emplace(filePath(file));
+  if (mode != OpenMode::memory) file_.emplace(path_ = filePath(file));
   sqlite3* opened = nullptr;
   const char* name = mode == OpenMode::memory ? ":memory:" : file.c_str();
   const int code = sqlite3_open_v2(name, &opened, openFlags(mode), carefulFiles()->zName);
@@ -50,6 +50,28 @@ void DatabaseHandle::run(const char* statements) const {
   const StatementRun running(guard_.get(), runsSchemaCode, true, false);
   const int code = sqlite3_exec(get(), statements, nullptr, nullptr, nullptr);
   if (code != SQLITE_OK) throw sqliteError(code, get());
+}
+
+bool DatabaseHandle::rest() {
+  const bool isBusy = sqlite3_get_autocommit(get()) == 0 ||
+                      sqlite3_txn_state(get(), nullptr) != SQLITE_TXN_NONE;
+  if (isBusy || sqlite3_db_filename(get(), "output") != nullptr) return false;
+  // Pages that are kept are compared with the file by a counter, which a copy of another file may
+  // have, too.
+  sqlite3_file_control(get(), "main", SQLITE_FCNTL_RESET_CACHE, nullptr);
+  if (!closeFileForAWhile(get())) return false;
+  file_.reset();
+  // The callers' functions end with their connection.
+  lockWait_->setPatience({});
+  guard_->startAnew({});
+  return true;
+}
+
+bool DatabaseHandle::wake(const Patience& patience) {
+  lockWait_->setPatience(patience);
+  guard_->startAnew(patience.stopRequested);
+  file_.emplace(path_);
+  return reopenFile(get());
 }
 
 }  // namespace pelmora::sqlite

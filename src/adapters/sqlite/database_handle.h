@@ -7,6 +7,7 @@
 #include "base/plain_reading.h"
 
 #include <chrono>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -27,11 +28,19 @@ class DatabaseHandle {
   // Runs statements in SQLite's own SQL. Errors: Error.
   void run(const char* statements) const;
 
+  // Closes the file while nothing is done with it, and forgets its pages. False where it cannot be
+  // done: within a transaction, with a write-ahead log.
+  [[nodiscard]] bool rest();
+  // After rest(), before anything else. False where the file cannot be opened as it was: then it
+  // must be opened by a new handle.
+  [[nodiscard]] bool wake(const Patience& patience);
+
  private:
   struct Close {
     void operator()(sqlite3* database) const noexcept;
   };
-  std::optional<DatabaseInUse> file_;  // nothing for a database in memory; outlives database_
+  std::filesystem::path path_;         // empty for a database in memory
+  std::optional<DatabaseInUse> file_;  // while it is open; outlives database_
   std::unique_ptr<LockWait> lockWait_;
   std::unique_ptr<SchemaGuard> guard_;
   std::unique_ptr<sqlite3, Close> database_;

@@ -27,6 +27,7 @@ class LockWait {
   LockWait& operator=(const LockWait&) = delete;
 
   void handle(sqlite3* database);
+  void setPatience(Patience patience) { patience_ = std::move(patience); }
   void setLimit(std::chrono::milliseconds limit) { patience_.limit = limit; }
 
  private:

@@ -49,9 +49,10 @@ class Register {
   std::unordered_map<sqlite3*, SchemaGuard*> guards_;
 };
 
+// Never destroyed: databases may be closed while the process ends.
 Register& openGuards() {
-  static Register all;
-  return all;
+  static auto* const all = new Register();
+  return *all;
 }
 
 // Beyond those that SQLite itself refuses to an untrusted schema.
@@ -101,6 +102,12 @@ void SchemaGuard::protect(sqlite3* database) {
   sqlite3_limit(database, SQLITE_LIMIT_WORKER_THREADS, 0);
   sqlite3_set_authorizer(database, authorize, this);
   sqlite3_progress_handler(database, stride, progress, this);
+}
+
+void SchemaGuard::startAnew(std::function<bool()> stopRequested) {
+  stopRequested_ = std::move(stopRequested);
+  steps_ = firstSteps;
+  isFileCounted_ = false;
 }
 
 int SchemaGuard::authorize(void* self, int action, const char* /*first*/, const char* second,

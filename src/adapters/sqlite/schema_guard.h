@@ -28,6 +28,8 @@ class SchemaGuard {
   // Applies the engine's settings for files that nobody vouches for. This object must outlive the
   // connection, at one place.
   void protect(sqlite3* database);
+  // As if the connection had just been opened.
+  void startAnew(std::function<bool()> stopRequested);
   // Of a connection that is protected; null for others.
   [[nodiscard]] static SchemaGuard* of(sqlite3* database);
 

@@ -46,26 +46,23 @@ bool isCurveTable(std::string_view name) {
 
 }  // namespace
 
-SqliteCatalogue::SqliteCatalogue(sqlite3* database, SchemaMemory* memory)
+SqliteCatalogue::SqliteCatalogue(sqlite3* database, bool remembersSchema)
     : KnownTables("main", Version::ofAllUsers),
       database_(database),
       questions_(database),
       readVersion_(database, "PRAGMA \"main\".schema_version") {
   const Moment moment(*this);
-  openedVersion_ = *versionOfMoment_;
-  if (memory == nullptr) {
+  if (remembersSchema) {
+    firstSchema_ = schema();
+    firstVersion_ = *versionOfMoment_;
+  } else {
     PreparedStatement(database, "SELECT 1 FROM sqlite_master LIMIT 1").step();
-  } else if (const std::string text = schema(); !text.empty()) {
-    known_ = memory->of(text);
   }
 }
 
-KnownSchema::Statements SqliteCatalogue::recall() const {
-  return known_ ? known_->take(openedVersion_) : KnownSchema::Statements();
-}
-
-void SqliteCatalogue::remember(KnownSchema::Statements statements) const noexcept {
-  if (known_) known_->give(openedVersion_, std::move(statements));
+bool SqliteCatalogue::hasSameSchema() const {
+  const Moment moment(*this);
+  return !firstSchema_.empty() && *versionOfMoment_ == firstVersion_ && schema() == firstSchema_;
 }
 
 SqliteCatalogue::Moment::Moment(const SqliteCatalogue& catalogue)
@@ -79,7 +76,6 @@ SqliteCatalogue::Moment::Moment(const SqliteCatalogue& catalogue)
   }
   // The statement is left where it is: its end would be the end of the reading.
   catalogue.versionOfMoment_ = sqlite3_column_int64(catalogue.readVersion_.get(), 0);
-  if (catalogue.versionOfMoment_ != catalogue.openedVersion_) catalogue.known_ = nullptr;
 }
 
 SqliteCatalogue::Moment::~Moment() {
@@ -95,19 +91,16 @@ std::int64_t SqliteCatalogue::readVersion() const {
 
 std::string SqliteCatalogue::schema() const {
   constexpr std::size_t most = std::size_t{1} << 20U;
-  // What the engine itself makes its tables of, and what is asked for below.
-  PreparedStatement parts(database_,
-                          "SELECT type, name, sql, rootpage = 0 FROM \"main\".sqlite_master");
+  StatementPool::Use parts = questions_.take("SELECT * FROM \"main\".sqlite_master");
   std::string schema = "schema";  // of a database without tables, too
-  while (parts.step()) {
-    for (int column = 0; column < 3; ++column) {
-      const auto* text = static_cast<const char*>(sqlite3_column_blob(parts.get(), column));
-      const int size = sqlite3_column_bytes(parts.get(), column);
+  while (parts->step()) {
+    for (int column = 0; column < sqlite3_column_count(parts->get()); ++column) {
+      const auto* text = static_cast<const char*>(sqlite3_column_blob(parts->get(), column));
+      const int size = sqlite3_column_bytes(parts->get(), column);
       schema += text == nullptr ? "-" : std::to_string(size);
       schema += ':';
       if (text != nullptr) schema.append(text, static_cast<std::size_t>(size));
     }
-    schema += sqlite3_column_int(parts.get(), 3) != 0 ? '0' : '1';
     if (schema.size() > most) return {};
   }
   return schema;
@@ -152,17 +145,6 @@ void SqliteCatalogue::requireUsable(std::string_view database, std::string_view 
 
 std::optional<sql::TableShape> SqliteCatalogue::readTable(std::string_view database,
                                                           std::string_view name) const {
-  if (!known_ || database != "main") return describe(database, name);
-  if (auto table = known_->find(name)) return *table;
-  const Moment moment(*this);
-  auto table = describe(database, name);
-  if (known_ && schema() != known_->text()) known_ = nullptr;
-  if (known_ && (table || isCurveTable(name))) known_->keep(std::string(name), table);
-  return table;
-}
-
-std::optional<sql::TableShape> SqliteCatalogue::describe(std::string_view database,
-                                                         std::string_view name) const {
   requireUsable(database, name);
   StatementPool::Use columns =
       questions_.take("SELECT t.name, c.name, c.type, c.pk, t.type FROM " + quotedName(database) +

@@ -4,11 +4,9 @@
 
 #include "adapters/sql_engine/known_tables.h"
 #include "adapters/sqlite/prepared_statement.h"
-#include "adapters/sqlite/schema_memory.h"
 #include "adapters/sqlite/statement_pool.h"
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,10 +19,10 @@ namespace pelmora::sqlite {
 // An undone transaction gives its schema version to the next one that changes tables.
 class SqliteCatalogue : public sql::KnownTables {
  public:
-  // Names of databases: "main" or that of an attached one. memory: may be null; knows the tables of
-  // the main one. A look at the database.
+  // Names of databases: "main" or that of an attached one. remembersSchema: for hasSameSchema().
+  // A look at the database.
   // Errors: Error, genericFailure if the database is locked.
-  SqliteCatalogue(sqlite3* database, SchemaMemory* memory);
+  SqliteCatalogue(sqlite3* database, bool remembersSchema);
 
   // While it lives, the connection sees the database as it is at one moment, and locks it once for
   // everything that is read; for statements that change nothing.
@@ -40,11 +38,10 @@ class SqliteCatalogue : public sql::KnownTables {
     const SqliteCatalogue* catalogue_;  // null within another moment
   };
 
-  // From the memory, and into it, if all tables are still those that it knows.
-  [[nodiscard]] KnownSchema::Statements recall() const;
-  void remember(KnownSchema::Statements statements) const noexcept;
-  // The schema's version when the database was opened.
-  [[nodiscard]] std::int64_t openedVersion() const { return openedVersion_; }
+  // Whether all that the database says about its tables is the same as at the beginning; false if
+  // that is not remembered. A look at the database.
+  // Errors: Error, genericFailure if the database is locked.
+  [[nodiscard]] bool hasSameSchema() const;
 
  private:
   // Errors: Error untrustedSchema.
@@ -53,9 +50,8 @@ class SqliteCatalogue : public sql::KnownTables {
   [[nodiscard]] std::int64_t readVersion() const override;
   [[nodiscard]] std::optional<sql::TableShape> readTable(std::string_view database,
                                                          std::string_view name) const override;
-  [[nodiscard]] std::optional<sql::TableShape> describe(std::string_view database,
-                                                        std::string_view name) const;
-  // Everything that the main database says about itself; empty if that is too much to keep.
+  // Everything that the main database says about itself; empty if that is too much to keep. Within
+  // a moment.
   [[nodiscard]] std::string schema() const;
 
   [[nodiscard]] std::vector<std::string> readingOrder(std::string_view database,
@@ -67,9 +63,9 @@ class SqliteCatalogue : public sql::KnownTables {
   mutable StatementPool questions_;
   mutable PreparedStatement readVersion_;
   mutable std::optional<std::int64_t> versionOfMoment_;
-  std::int64_t openedVersion_ = -1;
-  // Null without a memory, and once the schema has been another one than at the opening.
-  mutable std::shared_ptr<KnownSchema> known_;
+  // At the beginning; no text if it is not remembered.
+  std::string firstSchema_;
+  std::int64_t firstVersion_ = -1;
 };
 
 }  // namespace pelmora::sqlite

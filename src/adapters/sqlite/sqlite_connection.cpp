@@ -166,17 +166,16 @@ std::vector<IntegrityProblem> SqliteConnection::integrityProblems(std::size_t mo
 }  // namespace sqlite
 
 ConnectionPtr sqliteConnection(const std::string& path, const Patience& patience,
-                               const std::shared_ptr<sqlite::SchemaMemory>& memory) {
+                               const std::shared_ptr<sqlite::RestingDatabases>& resting) {
   return std::make_shared<sqlite::SqliteConnection>(
-      [path, memory](const Patience& now) {
-        return std::make_shared<sqlite::SqliteSession>(sqlite::checkedSqliteFile(path), now,
-                                                       memory);
+      [path, resting](const Patience& now) {
+        return std::make_shared<sqlite::SqliteSession>(path, now, resting);
       },
       patience);
 }
 
-std::shared_ptr<sqlite::SchemaMemory> schemaMemory() {
-  return std::make_shared<sqlite::SchemaMemory>();
+std::shared_ptr<sqlite::RestingDatabases> restingDatabases() {
+  return std::make_shared<sqlite::RestingDatabases>();
 }
 
 }  // namespace pelmora

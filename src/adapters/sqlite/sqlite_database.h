@@ -13,16 +13,17 @@
 namespace pelmora {
 
 namespace sqlite {
-class SchemaMemory;
+class RestingDatabases;
 }
 
 // Whether the file at `path` (UTF-8) begins like an SQLite database. False where it cannot be read.
 [[nodiscard]] bool isSqliteFile(const std::string& path);
 
-// Lets connections that follow one another know the tables that those before them have read.
-[[nodiscard]] std::shared_ptr<sqlite::SchemaMemory> schemaMemory();
+// For connections that follow one another: what one has learnt of a database, the next one need not
+// learn again.
+[[nodiscard]] std::shared_ptr<sqlite::RestingDatabases> restingDatabases();
 
-// A connection to the file at `path`, not yet opened. Opening never creates anything. `memory` may
+// A connection to the file at `path`, not yet opened. Opening never creates anything. `resting` may
 // be null.
 //
 // Errors: of open(): genericFailure if the file is locked, 53 missing, 70 not permitted, 75 a
@@ -30,7 +31,7 @@ class SchemaMemory;
 //         do.
 [[nodiscard]] ConnectionPtr sqliteConnection(
     const std::string& path, const Patience& patience = {},
-    const std::shared_ptr<sqlite::SchemaMemory>& memory = {});
+    const std::shared_ptr<sqlite::RestingDatabases>& resting = {});
 
 // Makes a new curve database with all tables and indexes at `path`.
 //

@@ -23,7 +23,10 @@ sql::CellView cellOf(sqlite3_stmt* statement, int column) {
     case SQLITE_NULL: return std::monostate();
     default: break;
   }
-  const void* bytes = sqlite3_column_blob(statement, column);
+  // A database may keep its texts as UTF-16: they are asked for as UTF-8.
+  const void* bytes = sqlite3_column_type(statement, column) == SQLITE_TEXT
+                          ? sqlite3_column_text(statement, column)
+                          : sqlite3_column_blob(statement, column);
   return std::string_view(static_cast<const char*>(bytes),
                           static_cast<std::size_t>(sqlite3_column_bytes(statement, column)));
 }

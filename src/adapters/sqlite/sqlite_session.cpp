@@ -4,6 +4,7 @@
 #include "adapters/sql_dialect/dialect_error.h"
 #include "adapters/sqlite/prepared_statement.h"
 #include "adapters/sqlite/sqlite_error.h"
+#include "adapters/sqlite/sqlite_file.h"
 #include "adapters/sqlite/sqlite_renderer.h"
 #include "adapters/sqlite/sqlite_rows.h"
 #include "adapters/sqlite/transaction.h"
@@ -15,63 +16,30 @@
 
 namespace pelmora::sqlite {
 
-namespace {
-
-class SqliteWriter : public sql::StatementWriter {
- public:
-  [[nodiscard]] std::string write(const sql::Statement& statement, const sql::Catalogue& tables,
-                                  sql::LiteralParameters* parameters) const override {
-    return renderForSqlite(statement, tables, "main", parameters);
-  }
-  [[nodiscard]] std::string writeRow(const sql::SelectStatement& select,
-                                     const sql::Catalogue& tables) const override {
-    return renderRowForSqlite(select, tables);
-  }
-};
-
-const SqliteWriter writer;
-
-}  // namespace
-
-SqliteSession::SqliteSession(const std::string& file, OpenMode mode, const Patience& patience,
-                             const std::shared_ptr<SchemaMemory>& memory)
-    : file_(file), handle_(std::in_place, file, mode, patience) {
-  registerDialect(database(), fault_);
-  // The first look at the file: a lock, damage or a refused right shows here.
-  catalogue_.emplace(database(), memory.get());
-  pool_.emplace(database());
-  translations_.emplace(*catalogue_, writer);
-  KnownSchema::Statements known = catalogue_->recall();
-  translations_->adopt(std::move(known.translations));
-  designed_ = std::move(known.designs);
-  designedVersion_ = catalogue_->openedVersion();
+SqliteSession::SqliteSession(const std::string& path, const Patience& patience,
+                             std::shared_ptr<RestingDatabases> resting)
+    : resting_(std::move(resting)) {
+  if (resting_) open_ = resting_->wake(path, patience);
+  if (open_) return;
+  open_ = std::make_unique<OpenDatabase>(checkedSqliteFile(path), OpenMode::existing, patience,
+                                         resting_ != nullptr);
 }
+
+SqliteSession::SqliteSession()
+    : open_(std::make_unique<OpenDatabase>("", OpenMode::memory, Patience(), false)) {}
 
 void SqliteSession::close() {
-  if (translations_) {
-    if (designedVersion_ != catalogue_->openedVersion()) designed_.clear();
-    catalogue_->remember({translations_->release(), std::move(designed_)});
-  }
-  translations_.reset();
-  pool_.reset();
-  catalogue_.reset();
-  handle_.reset();
+  if (open_ && resting_) resting_->rest(std::move(open_));
+  open_.reset();
 }
 
-const SqliteCatalogue& SqliteSession::catalogue() const {
-  (void)handle();
-  return *catalogue_;
+OpenDatabase& SqliteSession::open() const {
+  if (open_) return *open_;
+  throw Error(connectionClosed, "Pelmora",
+              "The connection cannot be used to perform this operation. It is closed.");
 }
 
-StatementPool& SqliteSession::pool() {
-  (void)handle();
-  return *pool_;
-}
-
-sql::StatementTranslations& SqliteSession::translations() {
-  (void)handle();
-  return *translations_;
-}
+std::string SqliteSession::file() const { return sqlite3_db_filename(database(), "main"); }
 
 StatementPool::Use SqliteSession::prepare(sql::DialectStatement& statement) {
   translations().translate(statement);
@@ -87,12 +55,6 @@ StatementPool::Use SqliteSession::prepare(sql::DialectStatement& statement) {
     }
   }
   return use;
-}
-
-const DatabaseHandle& SqliteSession::handle() const {
-  if (handle_) return *handle_;
-  throw Error(connectionClosed, "Pelmora",
-              "The connection cannot be used to perform this operation. It is closed.");
 }
 
 void SqliteSession::requireWritable() const {
@@ -124,7 +86,7 @@ void SqliteSession::commit() {
 
 void SqliteSession::rollback() noexcept {
   inTransaction_ = false;
-  if (!handle_) return;
+  if (!open_) return;
   // Some failures have made SQLite roll back already.
   const bool isOpen = sqlite3_get_autocommit(database()) == 0;
   const bool hasRead = isOpen && sqlite3_txn_state(database(), "main") != SQLITE_TXN_WRITE;
@@ -135,19 +97,19 @@ void SqliteSession::rollback() noexcept {
 // Every transaction that changes tables counts on from the schema version that is stored: after one
 // that is undone, a version that was seen before means other tables.
 void SqliteSession::forgetSchema() noexcept {
-  catalogue_->forget();
-  translations_->clear();
-  designed_.clear();
+  open_->catalogue.forget();
+  open_->translations.clear();
+  open_->designed.clear();
 }
 
 void SqliteSession::design(const std::string& statement) {
   requireWritable();
-  const std::int64_t version = catalogue_->schemaVersion();
-  if (version != designedVersion_) designed_.clear();
-  designedVersion_ = version;
-  if (designed_.contains(statement)) return;
+  const std::int64_t version = catalogue().schemaVersion();
+  if (version != open_->designedVersion) open_->designed.clear();
+  open_->designedVersion = version;
+  if (open_->designed.contains(statement)) return;
   handle().run(statement.c_str());
-  if (catalogue_->schemaVersion() == version) designed_.insert(statement);
+  if (catalogue().schemaVersion() == version) open_->designed.insert(statement);
 }
 
 sql::SelectedRows SqliteSession::select(const std::string& text) {
@@ -222,11 +184,12 @@ std::optional<sql::RowStore> SqliteSession::storeAndRead(const sql::TableShape& 
 }
 
 bool SqliteSession::step(PreparedStatement& statement) {
-  fault_.reset();
+  StatementFault& fault = open().fault;
+  fault.reset();
   try {
     return statement.step();
   } catch (const Error&) {
-    if (fault_) throw Error(*fault_);
+    if (fault) throw Error(*fault);
     throw;
   }
 }

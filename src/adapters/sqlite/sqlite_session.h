@@ -3,17 +3,11 @@
 #pragma once
 
 #include "adapters/sql_engine/row_source.h"
-#include "adapters/sql_engine/statement_translations.h"
-#include "adapters/sqlite/database_handle.h"
-#include "adapters/sqlite/dialect_functions.h"
-#include "adapters/sqlite/sqlite_catalogue.h"
-#include "adapters/sqlite/statement_pool.h"
+#include "adapters/sqlite/open_database.h"
 #include "store/row_visits.h"
 
-#include <cstdint>
 #include <memory>
 #include <optional>
-#include <set>
 #include <span>
 #include <string>
 #include <utility>
@@ -24,27 +18,26 @@ class PreparedStatement;
 
 class SqliteSession : public sql::RowSource {
  public:
-  // `file`: absolute path. memory: may be null.
-  // Errors: Error, genericFailure if the database is locked.
-  SqliteSession(const std::string& file, const Patience& patience,
-                const std::shared_ptr<SchemaMemory>& memory = {})
-      : SqliteSession(file, OpenMode::existing, patience, memory) {}
+  // resting: where the database rests before and afterwards; may be null.
+  // Errors: those of checkedSqliteFile; Error genericFailure if the database is locked.
+  SqliteSession(const std::string& path, const Patience& patience,
+                std::shared_ptr<RestingDatabases> resting = {});
   // A database of its own in memory.
-  SqliteSession() : SqliteSession({}, OpenMode::memory, {}, {}) {}
+  SqliteSession();
 
   void close();
   // Errors: Error connectionClosed after close().
-  [[nodiscard]] const DatabaseHandle& handle() const;
+  [[nodiscard]] const DatabaseHandle& handle() const { return open().handle; }
   [[nodiscard]] sqlite3* database() const { return handle().get(); }
   // Errors: Error connectionClosed after close().
-  [[nodiscard]] const SqliteCatalogue& catalogue() const;
+  [[nodiscard]] const SqliteCatalogue& catalogue() const { return open().catalogue; }
   // Errors: Error connectionClosed after close().
-  [[nodiscard]] StatementPool& pool();
-  [[nodiscard]] sql::StatementTranslations& translations();
+  [[nodiscard]] StatementPool& pool() { return open().pool; }
+  [[nodiscard]] sql::StatementTranslations& translations() { return open().translations; }
   // Ready to run. `statement` must outlive the use. Errors: those of translate(); those of SQLite.
   [[nodiscard]] StatementPool::Use prepare(sql::DialectStatement& statement);
-  // Empty for a database in memory.
-  [[nodiscard]] const std::string& file() const { return file_; }
+  // An absolute path; empty for a database in memory.
+  [[nodiscard]] std::string file() const;
 
   // From now on the database's own tables can only be read. `why` ends the error of a statement
   // that would change them.
@@ -82,20 +75,12 @@ class SqliteSession : public sql::RowSource {
 
  private:
   [[nodiscard]] sql::SelectedRows rowsOf(PreparedStatement& query);
-  SqliteSession(const std::string& file, OpenMode mode, const Patience& patience,
-                const std::shared_ptr<SchemaMemory>& memory);
+  // Errors: Error connectionClosed after close().
+  [[nodiscard]] OpenDatabase& open() const;
   void forgetSchema() noexcept;
 
-  std::string file_;
-  StatementFault fault_;
-  std::optional<DatabaseHandle> handle_;
-  // Each after those that it uses.
-  std::optional<SqliteCatalogue> catalogue_;
-  std::optional<StatementPool> pool_;
-  std::optional<sql::StatementTranslations> translations_;
-  // Design statements that are known to have nothing to do, for as long as this version holds.
-  std::set<std::string> designed_;
-  std::int64_t designedVersion_ = -1;
+  std::shared_ptr<RestingDatabases> resting_;
+  std::unique_ptr<OpenDatabase> open_;
   std::optional<std::string> whyFrozen_;
   bool inTransaction_ = false;
 };

@@ -1,9 +1,9 @@
-// Connections one after the other, each of which knows the tables that those before it have read:
-// each sees the file as if it were the first.
+// Connections one after the other, each of which knows what those before it have learnt: each sees
+// the file as if it were the first.
 // SPDX-License-Identifier: MIT
-#include "adapters/sqlite/schema_memory.h"
 #include "adapters/sqlite/sqlite_error.h"
 #include "adapters/sqlite/sqlite_session.h"
+#include "store/transactions.h"
 #include "tests/support/curve_file.h"
 #include "tests/support/plain_sqlite.h"
 
@@ -14,12 +14,15 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -27,33 +30,8 @@ namespace pelmora {
 namespace {
 
 namespace fs = std::filesystem;
-using sqlite::SchemaMemory;
 using test::failureOf;
 using test::PlainSqlite;
-
-TEST(schema_memory, knows_the_tables_of_the_schemas_that_were_met_last) {
-  SchemaMemory memory;
-  const auto known = memory.of("a");
-  EXPECT_EQ(known->find("T"), std::nullopt);
-  known->keep("T", sql::TableShape{"t", {}});
-  known->keep("missing", {});
-  EXPECT_EQ(memory.of("a")->find("T").value().value().name, "t");
-  EXPECT_EQ(memory.of("a")->find("missing").value(), std::nullopt);
-  EXPECT_EQ(memory.of("b")->find("T"), std::nullopt);
-  for (const char* other : {"c", "d", "e"}) (void)memory.of(other);
-  EXPECT_EQ(memory.of("a")->find("T"), std::nullopt);
-  EXPECT_TRUE(known->find("T"));  // who reads it is not disturbed
-}
-
-TEST(schema_memory, hands_statements_to_one_connection_of_the_same_version) {
-  const auto known = SchemaMemory().of("a");
-  known->give(3, {{}, {"made"}});
-  EXPECT_EQ(known->take(3).designs.size(), 1U);
-  EXPECT_TRUE(known->take(3).designs.empty());
-  known->give(3, {{}, {"made"}});
-  EXPECT_TRUE(known->take(4).designs.empty());
-  EXPECT_TRUE(known->take(3).designs.empty());
-}
 
 class tables_known_from_before : public testing::Test {
  protected:
@@ -63,7 +41,7 @@ class tables_known_from_before : public testing::Test {
                           ")");
   }
   [[nodiscard]] ConnectionPtr opened() const {
-    ConnectionPtr connection = sqliteConnection(path, {}, memory);
+    ConnectionPtr connection = sqliteConnection(path, {}, resting);
     connection->open();
     return connection;
   }
@@ -87,12 +65,12 @@ class tables_known_from_before : public testing::Test {
 
   const test::ScratchFolder folder;
   const std::string path = folder.file("own.db");
-  const std::shared_ptr<SchemaMemory> memory = schemaMemory();
+  const std::shared_ptr<sqlite::RestingDatabases> resting = restingDatabases();
 };
 
 TEST_F(tables_known_from_before, are_asked_for_once) {
   const auto questions = [&] {
-    const sqlite::SqliteSession session(path, {}, memory);
+    sqlite::SqliteSession session(path, {}, resting);
     int count = 0;
     const auto counted = [](unsigned /*event*/, void* counter, void* /*statement*/,
                             void* /*text*/) {
@@ -102,6 +80,7 @@ TEST_F(tables_known_from_before, are_asked_for_once) {
     sqlite3_trace_v2(session.database(), SQLITE_TRACE_STMT, counted, &count);
     EXPECT_TRUE(session.catalogue().findTable("main", "own").has_value());
     sqlite3_trace_v2(session.database(), 0, nullptr, nullptr);
+    session.close();
     return count;
   };
   EXPECT_GT(questions(), 1);
@@ -166,6 +145,148 @@ TEST_F(tables_known_from_before, are_those_of_a_file_that_was_copied_over_it) {
     fs::copy_file(folder.file("new.db"), path, fs::copy_options::overwrite_existing);
     EXPECT_EQ(row(), "2");
     fs::copy_file(before, path, fs::copy_options::overwrite_existing);
+  }
+}
+
+// Pages that the engine keeps are compared with the file by a counter alone, which is then the
+// same.
+TEST_F(tables_known_from_before, have_the_rows_of_a_file_that_was_copied_over_it) {
+  make(folder.file("new.db"), "n INTEGER", "2");
+  const std::string before = folder.file("before.db");
+  fs::copy_file(path, before);
+  for (int round = 0; round < 3; ++round) {
+    EXPECT_EQ(row(), "1");
+    fs::copy_file(folder.file("new.db"), path, fs::copy_options::overwrite_existing);
+    EXPECT_EQ(row(), "2");
+    fs::copy_file(before, path, fs::copy_options::overwrite_existing);
+  }
+}
+
+// Texts and version of the schema are the same, but not the page where the table begins.
+TEST_F(tables_known_from_before, may_lie_elsewhere_in_a_file_that_was_copied_over_it) {
+  EXPECT_EQ(row(), "1");
+  PlainSqlite other(folder.file("new.db"));
+  other.run(
+      "CREATE TABLE first (a); CREATE TABLE own (n INTEGER); INSERT INTO own VALUES (2);"
+      "DROP TABLE first; PRAGMA schema_version = 1");
+  fs::copy_file(folder.file("new.db"), path, fs::copy_options::overwrite_existing);
+  EXPECT_EQ(row(), "2");
+}
+
+TEST_F(tables_known_from_before, may_be_in_a_file_of_another_format) {
+  for (const std::string format :
+       {"encoding = 'UTF-16le'", "page_size = 1024", "auto_vacuum = FULL", "journal_mode = WAL"}) {
+    const std::string name = folder.file("new.db");
+    {
+      PlainSqlite other(name);
+      other.run("PRAGMA " + format +
+                "; CREATE TABLE own (n INTEGER); INSERT INTO own VALUES ('é');"
+                "PRAGMA schema_version = 1");
+    }
+    EXPECT_EQ(row(), "1");
+    fs::copy_file(path, folder.file("before.db"), fs::copy_options::overwrite_existing);
+    fs::rename(name, path);
+    for (int round = 0; round < 2; ++round) EXPECT_EQ(row(), "é") << format;
+    opened()->execute("Update own SET n = 'b'");
+    EXPECT_EQ(row(), "b") << format;
+    fs::copy_file(folder.file("before.db"), path, fs::copy_options::overwrite_existing);
+  }
+}
+
+// Files of the oldest format store an index in ascending order, whatever its definition says.
+TEST_F(tables_known_from_before, may_have_indexes_of_an_older_format) {
+  const auto fill = [](PlainSqlite& database) {
+    database.run(
+        "CREATE TABLE more (n INTEGER); CREATE INDEX falling ON more (n DESC);"
+        "INSERT INTO more VALUES (3), (4)");
+  };
+  PlainSqlite old(folder.file("old.db"));
+  sqlite3_db_config(old.get(), SQLITE_DBCONFIG_LEGACY_FILE_FORMAT, 1, nullptr);
+  old.run("CREATE TABLE own (n INTEGER)");
+  fill(old);
+  PlainSqlite now(path);
+  fill(now);
+  EXPECT_EQ(row("Select n from more ORDER BY n"), "3");
+  fs::copy_file(folder.file("old.db"), path, fs::copy_options::overwrite_existing);
+  EXPECT_EQ(row("Select n from more ORDER BY n"), "3");
+}
+
+TEST_F(tables_known_from_before, are_those_of_the_file_that_a_link_names_now) {
+  const std::string link = folder.file("link.db");
+  make(folder.file("other.db"), "n INTEGER", "2");
+  for (const char* n : {"1", "2", "1", "2"}) {
+    fs::remove(link);
+    fs::create_symlink(*n == '1' ? path : folder.file("other.db"), link);
+    const ConnectionPtr connection = sqliteConnection(link, {}, resting);
+    connection->open();
+    EXPECT_EQ(rowBy(*connection), n);
+  }
+}
+
+TEST_F(tables_known_from_before, are_gone_with_a_file_that_something_else_replaces) {
+  EXPECT_EQ(row(), "1");
+  fs::remove(path);
+  fs::create_directory(path);
+  EXPECT_EQ(failureOf([&] { (void)opened(); }).number, 75);
+  fs::remove(path);
+  std::ofstream(path) << "no database";
+  EXPECT_EQ(failureOf([&] { (void)opened(); }).number, 321);
+}
+
+TEST_F(tables_known_from_before, leave_no_transaction_open) {
+  EXPECT_EQ(row(), "1");
+  {
+    const ConnectionPtr connection = opened();
+    dynamic_cast<Transactions&>(*connection).begin();
+    connection->execute("Update own SET n = 2");
+  }
+  EXPECT_EQ(row(), "1");
+  PlainSqlite(path).run("UPDATE own SET n = 3");
+  EXPECT_EQ(row(), "3");
+}
+
+TEST_F(tables_known_from_before, wait_as_long_as_the_next_connection_wants) {
+  EXPECT_EQ(row(), "1");
+  PlainSqlite other(path);
+  other.run("BEGIN EXCLUSIVE");
+  int asked = 0;
+  const auto goesOn = [&](std::chrono::milliseconds) { return ++asked < 3; };
+  const ConnectionPtr connection =
+      sqliteConnection(path, {std::chrono::minutes(1), goesOn}, resting);
+  EXPECT_EQ(failureOf([&] { connection->open(); }).number, genericFailure);
+  EXPECT_EQ(asked, 3);
+  other.run("COMMIT");
+  EXPECT_EQ(row(), "1");
+}
+
+// They may belong to an object that the caller destroys after its connection.
+TEST_F(tables_known_from_before, keep_no_function_of_a_caller) {
+  const auto held = std::make_shared<int>(0);
+  Patience patience;
+  patience.goesOn = [held](std::chrono::milliseconds) { return true; };
+  patience.stopRequested = [held] { return false; };
+  {
+    const ConnectionPtr connection = sqliteConnection(path, std::exchange(patience, {}), resting);
+    connection->open();
+    EXPECT_GT(held.use_count(), 1);
+  }
+  EXPECT_EQ(held.use_count(), 1);
+  EXPECT_EQ(row(), "1");
+}
+
+TEST_F(tables_known_from_before, may_be_those_of_many_files) {
+  std::vector<std::string> files;
+  for (int n = 0; n < 7; ++n) {
+    files.push_back(folder.file(std::to_string(n) + ".db"));
+    make(files.back(), "n INTEGER", std::to_string(n));
+  }
+  for (int round = 0; round < 3; ++round) {
+    for (int n = 0; n < 7; ++n) {
+      const ConnectionPtr connection =
+          sqliteConnection(files[static_cast<std::size_t>(n)], {}, resting);
+      connection->open();
+      EXPECT_EQ(rowBy(*connection), std::to_string(n));
+    }
   }
 }
 
@@ -264,7 +385,7 @@ TEST_F(tables_known_from_before, are_those_of_files_that_are_alike) {
   const std::string both = "Select n from own where n > 0";
   for (int round = 0; round < 2; ++round) {
     EXPECT_EQ(row(both), "1");
-    const ConnectionPtr connection = sqliteConnection(alike, {}, memory);
+    const ConnectionPtr connection = sqliteConnection(alike, {}, resting);
     connection->open();
     EXPECT_EQ(rowBy(*connection, both), "7");
     EXPECT_EQ(row(both), "1");
@@ -290,7 +411,7 @@ TEST_F(tables_known_from_before, serve_many_threads) {
   std::atomic<int> wrong = 0;
   const auto work = [&](const std::string& file, const std::string& expected) {
     for (int round = 0; round < 50; ++round) {
-      const ConnectionPtr connection = sqliteConnection(file, {}, memory);
+      const ConnectionPtr connection = sqliteConnection(file, {}, resting);
       connection->open();
       if (rowBy(*connection) != expected) ++wrong;
     }
