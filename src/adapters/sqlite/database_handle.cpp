@@ -27,7 +27,7 @@ void DatabaseHandle::Close::operator()(sqlite3* database) const noexcept {
 DatabaseHandle::DatabaseHandle(const std::string& file, OpenMode mode, const Patience& patience)
     : lockWait_(std::make_unique<LockWait>(patience)),
       guard_(std::make_unique<SchemaGuard>(patience.stopRequested)) {
-  if (mode != OpenMode::memory) file_.emplace(path_ = filePath(file));
+  if (mode != OpenMode::memory) file_.emplace(filePath(file));
   sqlite3* opened = nullptr;
   const char* name = mode == OpenMode::memory ? ":memory:" : file.c_str();
   const int code = sqlite3_open_v2(name, &opened, openFlags(mode), carefulFiles()->zName);
@@ -53,8 +53,8 @@ void DatabaseHandle::run(const char* statements) const {
 }
 
 bool DatabaseHandle::rest() {
-  const bool isBusy = sqlite3_get_autocommit(get()) == 0 ||
-                      sqlite3_txn_state(get(), nullptr) != SQLITE_TXN_NONE;
+  const bool isBusy =
+      sqlite3_get_autocommit(get()) == 0 || sqlite3_txn_state(get(), nullptr) != SQLITE_TXN_NONE;
   if (isBusy || sqlite3_db_filename(get(), "output") != nullptr) return false;
   // Pages that are kept are compared with the file by a counter, which a copy of another file may
   // have, too.
@@ -70,7 +70,8 @@ bool DatabaseHandle::rest() {
 bool DatabaseHandle::wake(const Patience& patience) {
   lockWait_->setPatience(patience);
   guard_->startAnew(patience.stopRequested);
-  file_.emplace(path_);
+  // The name that it is opened by: a link that led to it may lead elsewhere now.
+  file_.emplace(filePath(sqlite3_db_filename(get(), "main")));
   return reopenFile(get());
 }
 

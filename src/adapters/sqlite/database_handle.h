@@ -7,7 +7,6 @@
 #include "base/plain_reading.h"
 
 #include <chrono>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -39,7 +38,6 @@ class DatabaseHandle {
   struct Close {
     void operator()(sqlite3* database) const noexcept;
   };
-  std::filesystem::path path_;         // empty for a database in memory
   std::optional<DatabaseInUse> file_;  // while it is open; outlives database_
   std::unique_ptr<LockWait> lockWait_;
   std::unique_ptr<SchemaGuard> guard_;

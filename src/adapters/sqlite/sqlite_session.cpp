@@ -39,7 +39,10 @@ OpenDatabase& SqliteSession::open() const {
               "The connection cannot be used to perform this operation. It is closed.");
 }
 
-std::string SqliteSession::file() const { return sqlite3_db_filename(database(), "main"); }
+std::string SqliteSession::file() const {
+  const char* name = sqlite3_db_filename(database(), "main");
+  return name == nullptr ? "" : name;
+}
 
 StatementPool::Use SqliteSession::prepare(sql::DialectStatement& statement) {
   translations().translate(statement);

@@ -223,6 +223,19 @@ TEST_F(tables_known_from_before, are_those_of_the_file_that_a_link_names_now) {
   }
 }
 
+// Nothing else may open it then, or the connection would lose its locks.
+TEST_F(tables_known_from_before, belong_to_a_file_in_use_whatever_a_link_names_now) {
+  const std::string link = folder.file("link.db");
+  make(folder.file("other.db"), "n INTEGER", "2");
+  fs::create_symlink(path, link);
+  sqliteConnection(link, {}, resting)->open();
+  fs::remove(link);
+  fs::create_symlink(folder.file("other.db"), link);
+  const ConnectionPtr connection = opened();
+  EXPECT_TRUE(isOpenAsDatabase(path));
+  EXPECT_FALSE(isOpenAsDatabase(link));
+}
+
 TEST_F(tables_known_from_before, are_gone_with_a_file_that_something_else_replaces) {
   EXPECT_EQ(row(), "1");
   fs::remove(path);
