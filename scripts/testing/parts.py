@@ -15,7 +15,7 @@ from results import Results, of_ctest
 from running import Failed, Meter, end_of, must, run
 
 jobs = os.cpu_count() or 1
-tests_at_once = jobs + 2  # most wait now and then, for a disk, a window or a browser
+tests_at_once = jobs + 1  # most wait now and then, for a disk, a window or a browser
 formatter = "clang-format-14"  # another version formats otherwise
 
 

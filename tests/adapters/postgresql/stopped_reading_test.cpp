@@ -34,11 +34,12 @@ TEST_F(stopped_reading, ends_with_an_error_of_its_own) {
 
 TEST_F(stopped_reading, leaves_a_transaction_as_it_was) {
   const test::ServerCurves curves;
-  bool isStopped = true;
+  bool isStopped = false;
   postgres::PostgresSession session(
       curves.path, {.limit = 250ms, .goesOn = {}, .stopRequested = [&] { return isStopped; }});
   session.begin();
   session.write("INSERT INTO \"Fluids\" (\"Name\") VALUES ('Water')");
+  isStopped = true;
   EXPECT_EQ(failureOf([&] { session.read(endless); }).number, operationStopped);
   isStopped = false;
   session.commit();
