@@ -57,7 +57,7 @@ std::vector<double> everythingOf(const PointKernels& kernels, std::size_t n,
 
 // R, z, 1 / R(k, k), the powers of Chebyshev polynomials, n and its sums.
 struct Triangles {
-  std::vector<DoubleDouble> squares, products, r, z, inverse, m, n, sums;
+  std::vector<DoubleDouble> squares, products, r, z, inverse, m, n, sums, covariance;
   explicit Triangles(std::size_t p)
       : squares(2 * p - 1),
         products(p),
@@ -66,9 +66,12 @@ struct Triangles {
         inverse(p),
         m(p * p),
         n(p * p),
-        sums(p * p) {}
+        sums(p * p),
+        covariance(p * p) {}
   bool operator==(const Triangles&) const = default;
 };
+
+const DoubleDouble variance = DoubleDouble(2) / DoubleDouble(7);
 
 // Of the integral of T(j) T(k) over -1 .. 1.
 Triangles trianglesOf(const PointKernels& kernels, std::size_t p) {
@@ -85,6 +88,7 @@ Triangles trianglesOf(const PointKernels& kernels, std::size_t p) {
   kernels.chebyshevPowers(DoubleDouble(-1) / DoubleDouble(3), 0.3, p, p, t.m.data());
   kernels.nest({t.r.data(), t.z.data(), t.inverse.data(), t.m.data(), rank, p, p, t.n.data(),
                 t.sums.data()});
+  kernels.covariance({t.n.data(), p, p, variance, t.covariance.data()});
   return t;
 }
 
@@ -123,6 +127,15 @@ TEST(point_kernels, triangles_solve_what_they_are_made_of) {
           << k << " " << j;
       EXPECT_LE(static_cast<double>(fabsq(sum - exactly(t.sums[k * p + j])) / size), 1e-28)
           << k << " " << j;
+      __float128 covariance = 0, largest = 0;
+      for (std::size_t i = j; i < p; ++i) {
+        const __float128 part = exactly(t.n[k * p + i]) * exactly(t.n[j * p + i]);
+        covariance += exactly(variance) * part;
+        largest += fabsq(part);
+      }
+      EXPECT_LE(static_cast<double>(fabsq(covariance - exactly(t.covariance[k * p + j])) / largest),
+                1e-28)
+          << k << " " << j;
     }
   }
   // T(3) of t = -1/3 + 0.3 u is 4 t^3 - 3 t.
@@ -134,7 +147,7 @@ TEST(point_kernels, triangles_solve_what_they_are_made_of) {
             1e-30);
 }
 
-TEST(point_kernels, every_instruction_set_finds_finds_the_same_digits) {
+TEST(point_kernels, every_instruction_set_finds_the_same_digits) {
   const auto runnable = runnablePointKernels();
   ASSERT_FALSE(runnable.empty());
   for (const std::size_t n : {1U, 7U, 8U, 9U, 31U, 32U, 33U, 127U, 128U, 500U}) {

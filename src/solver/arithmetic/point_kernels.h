@@ -74,6 +74,15 @@ struct NestTask {
   DoubleDouble *n = nullptr, *sums = nullptr;
 };
 
+// cells(k, l) = variance * sum over i of n(k, i) n(l, i), l from k on; n as of NestTask with rows
+// of nSize, cells with rows of p, row-major.
+struct CovarianceTask {
+  const DoubleDouble* n = nullptr;
+  std::size_t p = 0, nSize = 0;  // p at most highestDegree + 1
+  DoubleDouble variance;
+  DoubleDouble* cells = nullptr;
+};
+
 struct PointKernels {
   DoubleDouble (*dot)(ConstPair a, ConstPair b, std::size_t n);
   void (*scale)(Pair a, DoubleDouble factor, std::size_t n);
@@ -86,6 +95,7 @@ struct PointKernels {
   void (*curve)(const CurveTask& task);
   std::size_t (*eliminate)(const EliminationTask& task);  // the rank
   void (*nest)(const NestTask& task);
+  void (*covariance)(const CovarianceTask& task);
   // Column j of m: T(j) of shift + slope u in powers of u, j below count; rows of `size`.
   void (*chebyshevPowers)(DoubleDouble shift, double slope, std::size_t count, std::size_t size,
                           DoubleDouble* m);

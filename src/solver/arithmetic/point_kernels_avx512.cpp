@@ -16,8 +16,9 @@ namespace {
 #include "solver/arithmetic/moment_kernels.inc.h"
 #include "solver/arithmetic/triangle_kernels.inc.h"
 
-const PointKernels table{dot,     scale, subtractMultiple, sum,  squaresAbout,   range, logarithms,
-                         moments, curve, eliminate,        nest, chebyshevPowers};
+const PointKernels table{dot,   scale,      subtractMultiple, sum,   squaresAbout,
+                         range, logarithms, moments,          curve, eliminate,
+                         nest,  covariance, chebyshevPowers};
 }  // namespace
 
 const PointKernels& avx512PointKernels() { return table; }

@@ -108,6 +108,26 @@ static void nest(const NestTask& task) {
   }
 }
 
+static void covariance(const CovarianceTask& task) {
+  const std::size_t p = task.p;
+  Rows n;  // rows are columns here
+  for (std::size_t i = 0; i < p; ++i) {
+    for (std::size_t at = 0; at < p; at += laneCount) storeRow(n, i, at, {all(0.0), all(0.0)});
+    for (std::size_t k = 0; k <= i; ++k) setCell(n, i, k, task.n[k * task.nSize + i]);
+  }
+  const PairLanes variance = all(task.variance);
+  Rows sums;
+  for (std::size_t k = 0; k < p; ++k) {
+    for (std::size_t at = k / laneCount * laneCount; at < p; at += laneCount) {
+      PairLanes sum = {all(0.0), all(0.0)};
+      for (std::size_t i = k > at ? k : at; i < p; ++i)
+        sum = sum + timesUnsettled(all(cell(n, i, k)), loadRow(n, i, at));
+      storeRow(sums, k, at, variance * sum);
+    }
+    for (std::size_t l = k; l < p; ++l) task.cells[k * p + l] = cell(sums, k, l);
+  }
+}
+
 // Column j holds T(j) of shift + slope u in powers of u, lowest first.
 static void chebyshevPowers(DoubleDouble shift, double slope, std::size_t count, std::size_t size,
                             DoubleDouble* m) {

@@ -3,7 +3,6 @@
 
 #include "solver/arithmetic/point_kernels.h"
 
-#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -21,10 +20,10 @@ double NestedFit::unitError(std::size_t p, std::size_t k) const {
   return std::sqrt(sum);
 }
 
-DoubleDouble NestedFit::unitCovariance(std::size_t p, std::size_t k, std::size_t l) const {
-  DoubleDouble sum;
-  for (std::size_t i = std::max(k, l); i < p; ++i) sum += n.at(k, i) * n.at(l, i);
-  return sum;
+std::vector<DoubleDouble> NestedFit::covariance(std::size_t p, DoubleDouble variance) const {
+  std::vector<DoubleDouble> cells(p * p);
+  pointKernels().covariance({n.cells.data(), p, n.size, variance, cells.data()});
+  return cells;
 }
 
 NestedFit makeNestedFit(Factor factor, const UpperTriangle& m) {

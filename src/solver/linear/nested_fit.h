@@ -62,8 +62,8 @@ struct NestedFit {
   [[nodiscard]] std::vector<DoubleDouble> parameters(std::size_t p) const;
   // Standard error of term k for a residual variance of 1. Plain doubles will do: nothing cancels.
   [[nodiscard]] double unitError(std::size_t p, std::size_t k) const;
-  // sum over i of n(k, i) n(l, i): the covariance for a residual variance of 1.
-  [[nodiscard]] DoubleDouble unitCovariance(std::size_t p, std::size_t k, std::size_t l) const;
+  // Of the first p terms, for a residual variance: p x p, row-major, upper half.
+  [[nodiscard]] std::vector<DoubleDouble> covariance(std::size_t p, DoubleDouble variance) const;
 };
 
 // `m`: expansion of column j in the terms of the equation stands in column j. At most highestDegree

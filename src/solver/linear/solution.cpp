@@ -4,7 +4,6 @@
 #include "solver/arithmetic/double_double_functions.h"
 #include "solver/linear/series.h"
 
-#include <algorithm>
 #include <numeric>
 #include <utility>
 
@@ -16,15 +15,13 @@ std::vector<double> Solution::covariance() const {
   const std::size_t p = parameters.size();
   std::vector<double> result(p * p);
   const DoubleDouble degrees(static_cast<double>(statistics.Observations) - static_cast<double>(p));
-  const DoubleDouble variance = fit->factor.residualSquares[p] / degrees;
-  const auto isOne = [](DoubleDouble factor) { return factor.hi == 1 && factor.lo == 0; };
-  const bool hasFactors = !std::ranges::all_of(factorOfTerm, isOne);
+  const std::vector<DoubleDouble> cells =
+      fit->covariance(p, fit->factor.residualSquares[p] / degrees);
   for (std::size_t k = 0; k < p; ++k) {
-    for (std::size_t l = k; l < p; ++l) {
-      DoubleDouble cell = variance * fit->unitCovariance(p, k, l);
-      if (hasFactors) cell = cell / (factorOfTerm[k] * factorOfTerm[l]);
+    for (std::size_t l = k; l < p; ++l) {  // nothing cancels any more: plain doubles will do
+      const double cell = cells[k * p + l].hi / (factorOfTerm[k].hi * factorOfTerm[l].hi);
       const std::size_t row = parameterOfTerm[k], column = parameterOfTerm[l];
-      result[row * p + column] = result[column * p + row] = static_cast<double>(cell);
+      result[row * p + column] = result[column * p + row] = cell;
     }
   }
   return result;
