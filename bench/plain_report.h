@@ -6,7 +6,9 @@
 
 #include <array>
 #include <charconv>
+#include <cstddef>
 #include <string>
+#include <vector>
 
 namespace pelmora::bench {
 
@@ -17,13 +19,13 @@ inline void append(std::string& report, double number) {
   report.append(digits.data(), end.ptr);
 }
 
-template <class X, class Y>
-void appendPoints(std::string& report, const X& x, const Y& y) {
+inline void appendPoints(std::string& report, const std::vector<double>& x,
+                         const std::vector<double>& y) {
   for (std::size_t i = 0; i < x.size(); ++i) {
     report += std::to_string(i) + ":\t";
     append(report, x[i]);
     report += '\t';
-    append(report, y[static_cast<decltype(y.size())>(i)]);
+    append(report, y[i]);
     report += "\r\n";
   }
 }
@@ -33,8 +35,8 @@ inline std::string reportOf(const std::string& serial, const std::string& series
                             const PlainPoints& points, const PlainFit& fit) {
   std::string report = "\t\tMeter Serial Number: " + serial + "\r\n\t\tSeries Name: " + series +
                        "\r\nParameter Results:\r\n";
-  for (Eigen::Index i = 0; i < fit.parameters.size(); ++i) {
-    report += static_cast<char>('a' + i);
+  for (std::size_t i = 0; i < fit.parameters.size(); ++i) {
+    report += static_cast<char>('a' + static_cast<int>(i));
     report += " = ";
     append(report, fit.parameters[i]);
     report += ", Standard Error = ";

@@ -80,7 +80,7 @@ class Refit {
     const std::string report = reportOf(series.serial, series.name, points, fit);
     if (!isNew) keep(series);
     for (std::size_t k = 0; k < fit.grid.size(); ++k)
-      curve_.insert.with(series.id, fit.grid[k], fit.curve[static_cast<Eigen::Index>(k)]).run();
+      curve_.insert.with(series.id, fit.grid[k], fit.curve[k]).run();
     for (std::size_t i = 0; i < points.x.size(); ++i)
       merge_.insert.with(series.id, points.x[i], points.y[i]).run();
     report_.insert.with(series.id, report).run();
