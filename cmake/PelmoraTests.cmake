@@ -44,7 +44,8 @@ endfunction()
 
 # pelmora_run_tests(store_test store/ SHARDS 2 COST 30 LABELS threads)
 #
-# COST: seconds that a slow program takes. CTest starts the most expensive first, so that none runs alone at the end.
+# COST: seconds that a slow program takes. CTest starts the most expensive first, so that none runs alone at the end. Those
+# that wait more than they work, for windows and browsers, have 130 and above: they are started while something is built.
 function(pelmora_run_tests program prefix)
   cmake_parse_arguments(arg "" "SHARDS;COST" "LABELS" ${ARGN})
   if(NOT PELMORA_WHOLE_TEST_PROGRAMS)
