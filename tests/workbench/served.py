@@ -57,8 +57,9 @@ class Workbench:
         self.cookie = headers["set-cookie"].split(";")[0]
         return self
 
-    def ask(self, method, path, body=None, headers=None, cookie=True):
-        """(status, headers, bytes) of one request on a connection of its own; `headers` replace the usual ones."""
+    def ask(self, method, path, body=None, headers=None, cookie=True, pause=0):
+        """(status, headers, bytes) of one request on a connection of its own; `headers` replace the usual ones, the body is
+        sent after a pause of that many seconds."""
         fields = {"Host": self.host}
         if cookie and self.cookie:
             fields["Cookie"] = self.cookie
@@ -74,7 +75,10 @@ class Workbench:
             if body is not None:
                 connection.putheader("Content-Length", str(len(body)))
             try:
-                connection.endheaders(body)
+                connection.endheaders(None if pause else body)
+                if pause:
+                    time.sleep(pause)
+                    connection.send(body)
             except ConnectionError:
                 pass  # the answer may be there all the same
             answer = connection.getresponse()
@@ -101,8 +105,8 @@ class Workbench:
         status, _, body = self.ask("GET", f"/{self.room}/api/{path}" + (f"?{words}" if words else ""))
         return status, json.loads(body)
 
-    def post(self, path, **members):
-        status, _, body = self.ask("POST", f"/{self.room}/api/{path}", json.dumps(members).encode())
+    def post(self, path, pause=0, **members):
+        status, _, body = self.ask("POST", f"/{self.room}/api/{path}", json.dumps(members).encode(), pause=pause)
         return status, json.loads(body)
 
     def upload(self, file, name=None):

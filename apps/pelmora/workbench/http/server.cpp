@@ -28,6 +28,7 @@ struct Incoming {
   Request request;
   std::optional<Response> refused;  // the body is thrown away
   std::size_t bodyLimit = 0, read = 0;
+  bool isAnswered = false;
 };
 
 MHD_Result addField(void* list, MHD_ValueKind /*kind*/, const char* name, std::size_t nameSize,
@@ -120,9 +121,19 @@ class Server::Daemon {
       endSlowOnes();
     }
     visitor_ = nullptr;
+    sendWhatIsReady();
   }
 
  private:
+  // An answer may wait for its turn: whoever asked for a change learns what became of it.
+  void sendWhatIsReady() {
+    constexpr std::int32_t waitMs = 20;
+    const auto end = Clock::now() + limits_.farewell;
+    while (unsent_ > 0 && Clock::now() < end) {
+      if (library().MHD_run_wait(daemon_, waitMs) == MHD_NO) return;
+    }
+  }
+
   static MHD_Result handle(void* self, MHD_Connection* connection, const char* url,
                            const char* method, const char* /*version*/, const char* data,
                            std::size_t* size, void** context) {
@@ -157,12 +168,21 @@ class Server::Daemon {
       if (!incoming.refused) incoming.request.body.append(data);
       return MHD_YES;
     }
-    if (incoming.refused) return queue(connection, *incoming.refused);
+    if (incoming.refused) return send(connection, incoming, *incoming.refused);
     const Response answer = answerOf(incoming.request);
     // The time of a connection is that of its peer, not that of our work.
     if (const auto found = since_.find(connection); found != since_.end())
       found->second = Clock::now();
-    return queue(connection, answer);
+    return send(connection, incoming, answer);
+  }
+
+  MHD_Result send(MHD_Connection* connection, Incoming& incoming, const Response& answer) {
+    const MHD_Result done = queue(connection, answer);
+    if (done == MHD_YES) {
+      incoming.isAnswered = true;
+      ++unsent_;
+    }
+    return done;
   }
 
   Response answerOf(const Request& request) {
@@ -175,9 +195,11 @@ class Server::Daemon {
 
   static void completed(void* self, MHD_Connection* connection, void** context,
                         MHD_RequestTerminationCode /*code*/) {
-    delete static_cast<Incoming*>(*context);
+    auto& daemon = *static_cast<Daemon*>(self);
+    const std::unique_ptr<Incoming> incoming(static_cast<Incoming*>(*context));
     *context = nullptr;
-    auto& since = static_cast<Daemon*>(self)->since_;
+    if (incoming && incoming->isAnswered) --daemon.unsent_;
+    auto& since = daemon.since_;
     if (const auto found = since.find(connection); found != since.end())
       found->second = Clock::now();
   }
@@ -208,6 +230,7 @@ class Server::Daemon {
 
   Limits limits_;
   Visitor* visitor_ = nullptr;
+  std::size_t unsent_ = 0;  // answers
   std::map<MHD_Connection*, Clock::time_point> since_;
   MHD_Daemon* daemon_ = nullptr;
 };

@@ -19,6 +19,7 @@ struct Limits {
   unsigned connections = 64;
   std::chrono::seconds silence{15};  // without a byte
   std::chrono::seconds request{60};  // from its first byte to its last
+  std::chrono::seconds farewell{2};  // for the answers that are ready when the server ends
 };
 
 class Visitor {
@@ -44,7 +45,8 @@ class Server {
   Server& operator=(const Server&) = delete;
 
   [[nodiscard]] std::uint16_t port() const;
-  // Answers until `goesOn` is false, which is asked several times a second.
+  // Answers until `goesOn` is false, which is asked several times a second; the answers that are
+  // ready by then are still sent.
   void run(Visitor& visitor, const std::function<bool()>& goesOn);
 
  private:
