@@ -19,13 +19,16 @@ endif()
 if(PELMORA_SANITIZE)
   target_compile_options(pelmora_options INTERFACE
     -fsanitize=${PELMORA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all
-    # What the address sanitizer sees as well; a quarter of the time that a test takes to compile.
-    $<$<BOOL:$<TARGET_PROPERTY:PELMORA_IS_TEST>>:-fno-sanitize=null,alignment,vptr,object-size>)
+    # What the address sanitizer sees as well; a quarter of the time that a test takes to compile. An assertion that fails
+    # says its line by itself.
+    $<$<BOOL:$<TARGET_PROPERTY:PELMORA_IS_TEST>>:-fno-sanitize=null,alignment,vptr,object-size -g0>)
   # Both check every access, which takes a quarter of the time to compile as well. The address sanitizer stops at the use of
   # a null pointer anyway, and only memory that is cast to another type can be misaligned. scripts/fuzz has them everywhere.
   if(NOT PELMORA_SANITIZE MATCHES "fuzzer")
     target_compile_options(pelmora_options INTERFACE
-      $<$<NOT:$<BOOL:$<TARGET_PROPERTY:PELMORA_CASTS_MEMORY>>>:-fno-sanitize=null,alignment>)
+      $<$<NOT:$<BOOL:$<TARGET_PROPERTY:PELMORA_CASTS_MEMORY>>>:-fno-sanitize=null,alignment>
+      # Clang takes a third longer to optimise loops with these in them; the address sanitizer sees every access.
+      $<$<BOOL:$<TARGET_PROPERTY:PELMORA_IS_NUMERICAL>>:-fno-sanitize=pointer-overflow,object-size>)
   endif()
   target_link_options(pelmora_options INTERFACE -fsanitize=${PELMORA_SANITIZE})
   target_compile_definitions(pelmora_options INTERFACE PELMORA_SANITIZED)
@@ -70,7 +73,8 @@ endfunction()
 function(pelmora_numerical target)
   if(NOT MSVC)
     target_compile_options(${target} PRIVATE ${ARGN} ${numeric_optimisation})
-    set_target_properties(${target} PROPERTIES DISABLE_PRECOMPILE_HEADERS ON)  # those are compiled with other flags
+    # Common headers are compiled with other flags.
+    set_target_properties(${target} PROPERTIES PELMORA_IS_NUMERICAL ON DISABLE_PRECOMPILE_HEADERS ON)
   endif()
 endfunction()
 
