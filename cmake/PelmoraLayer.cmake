@@ -19,9 +19,8 @@ endif()
 if(PELMORA_SANITIZE)
   target_compile_options(pelmora_options INTERFACE
     -fsanitize=${PELMORA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all
-    # What the address sanitizer sees as well; a quarter of the time that a test takes to compile. An assertion that fails
-    # says its line by itself.
-    $<$<BOOL:$<TARGET_PROPERTY:PELMORA_IS_TEST>>:-fno-sanitize=null,alignment,vptr,object-size -g0>)
+    # What the address sanitizer sees as well; a quarter of the time that a test takes to compile.
+    $<$<BOOL:$<TARGET_PROPERTY:PELMORA_IS_TEST>>:-fno-sanitize=null,alignment,vptr,object-size>)
   # Both check every access, which takes a quarter of the time to compile as well. The address sanitizer stops at the use of
   # a null pointer anyway, and only memory that is cast to another type can be misaligned. scripts/fuzz has them everywhere.
   if(NOT PELMORA_SANITIZE MATCHES "fuzzer")

@@ -206,7 +206,8 @@ std::string PostgresServer::networkAddress(const std::string& database,
 
 std::string PostgresServer::newDatabase() {
   const std::string name = "lab" + std::to_string(++databases_);
-  run("postgres", "CREATE DATABASE " + name);
+  // Faster than by the log where nothing waits for a disk.
+  run("postgres", "CREATE DATABASE " + name + " STRATEGY FILE_COPY");
   return name;
 }
 
