@@ -122,7 +122,8 @@ class CommandTest : public testing::Test {
   [[nodiscard]] CommandResult run(const Arguments& arguments, const std::string& redirects) const {
 #ifdef PELMORA_SANITIZED
     // Leaks are left to the tests of the rooms: here the search would take as long as a command.
-    std::string line = "ASAN_OPTIONS=detect_leaks=0:malloc_context_size=5 " + quoted(PELMORA_PROGRAM);
+    std::string line =
+        "ASAN_OPTIONS=detect_leaks=0:malloc_context_size=5 " + quoted(PELMORA_PROGRAM);
 #else
     std::string line = quoted(PELMORA_PROGRAM);
 #endif
