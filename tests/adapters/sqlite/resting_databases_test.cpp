@@ -4,12 +4,10 @@
 #include "adapters/sqlite/sqlite_error.h"
 #include "adapters/sqlite/sqlite_session.h"
 #include "store/transactions.h"
-#include "tests/support/curve_file.h"
-#include "tests/support/plain_sqlite.h"
+#include "tests/adapters/sqlite/resting_database.h"
 
 #include <pelmora/own_tables.h>
 
-#include <gtest/gtest.h>
 #include <sqlite3.h>
 
 #include <array>
@@ -17,13 +15,11 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <thread>
 #include <utility>
-#include <variant>
 #include <vector>
 
 namespace pelmora {
@@ -33,40 +29,7 @@ namespace fs = std::filesystem;
 using test::failureOf;
 using test::PlainSqlite;
 
-class tables_known_from_before : public testing::Test {
- protected:
-  tables_known_from_before() { make(path, "n INTEGER", "1"); }
-  static void make(const std::string& file, const std::string& columns, const std::string& values) {
-    PlainSqlite(file).run("CREATE TABLE own (" + columns + "); INSERT INTO own VALUES (" + values +
-                          ")");
-  }
-  [[nodiscard]] ConnectionPtr opened() const {
-    ConnectionPtr connection = sqliteConnection(path, {}, resting);
-    connection->open();
-    return connection;
-  }
-  // The values of the first row, by a connection of its own.
-  [[nodiscard]] std::string row(const std::string& statement = "Select * from own") const {
-    return rowBy(*opened(), statement);
-  }
-  [[nodiscard]] static std::string rowBy(Connection& connection,
-                                         const std::string& statement = "Select * from own") {
-    const auto rows =
-        connection.openRecordset(statement, CursorType::forwardOnly, LockType::optimistic);
-    std::string row;
-    for (std::size_t i = 0; i < rows->fieldCount(); ++i) {
-      const Value value = rows->value(i);
-      const auto* text = std::get_if<std::string>(&value);
-      row += (i == 0 ? "" : " ") +
-             (text != nullptr ? *text : std::to_string(std::get<std::int64_t>(value)));
-    }
-    return row;
-  }
-
-  const test::ScratchFolder folder;
-  const std::string path = folder.file("own.db");
-  const std::shared_ptr<sqlite::RestingDatabases> resting = restingDatabases();
-};
+class tables_known_from_before : public test::RestingDatabase {};
 
 TEST_F(tables_known_from_before, are_asked_for_once) {
   const auto questions = [&] {
@@ -119,131 +82,6 @@ TEST_F(tables_known_from_before, leave_no_file_open) {
     EXPECT_NE(fs::read_symlink(entry, ignored), fs::canonical(path));
   }
   EXPECT_FALSE(isOpenAsDatabase(path));
-}
-
-TEST_F(tables_known_from_before, do_not_outlive_the_file) {
-  EXPECT_EQ(row(), "1");
-  fs::remove(path);
-  EXPECT_EQ(failureOf([&] { (void)opened(); }).number, 53);
-  EXPECT_FALSE(fs::exists(path));
-}
-
-TEST_F(tables_known_from_before, are_those_of_the_file_that_is_there_now) {
-  EXPECT_EQ(row(), "1");
-  make(folder.file("new.db"), "m INTEGER, word TEXT", "2, 'two'");
-  fs::rename(folder.file("new.db"), path);
-  EXPECT_EQ(row(), "2 two");
-}
-
-// The engine's version of the schema, which is counted from the first table on, is then the same.
-TEST_F(tables_known_from_before, are_those_of_a_file_that_was_copied_over_it) {
-  make(folder.file("new.db"), "m INTEGER", "2");
-  const std::string before = folder.file("before.db");
-  fs::copy_file(path, before);
-  for (int round = 0; round < 3; ++round) {
-    EXPECT_EQ(row(), "1");
-    fs::copy_file(folder.file("new.db"), path, fs::copy_options::overwrite_existing);
-    EXPECT_EQ(row(), "2");
-    fs::copy_file(before, path, fs::copy_options::overwrite_existing);
-  }
-}
-
-// Pages that the engine keeps are compared with the file by a counter alone, which is then the
-// same.
-TEST_F(tables_known_from_before, have_the_rows_of_a_file_that_was_copied_over_it) {
-  make(folder.file("new.db"), "n INTEGER", "2");
-  const std::string before = folder.file("before.db");
-  fs::copy_file(path, before);
-  for (int round = 0; round < 3; ++round) {
-    EXPECT_EQ(row(), "1");
-    fs::copy_file(folder.file("new.db"), path, fs::copy_options::overwrite_existing);
-    EXPECT_EQ(row(), "2");
-    fs::copy_file(before, path, fs::copy_options::overwrite_existing);
-  }
-}
-
-// Texts and version of the schema are the same, but not the page where the table begins.
-TEST_F(tables_known_from_before, may_lie_elsewhere_in_a_file_that_was_copied_over_it) {
-  EXPECT_EQ(row(), "1");
-  PlainSqlite other(folder.file("new.db"));
-  other.run(
-      "CREATE TABLE first (a); CREATE TABLE own (n INTEGER); INSERT INTO own VALUES (2);"
-      "DROP TABLE first; PRAGMA schema_version = 1");
-  fs::copy_file(folder.file("new.db"), path, fs::copy_options::overwrite_existing);
-  EXPECT_EQ(row(), "2");
-}
-
-TEST_F(tables_known_from_before, may_be_in_a_file_of_another_format) {
-  for (const std::string format :
-       {"encoding = 'UTF-16le'", "page_size = 1024", "auto_vacuum = FULL", "journal_mode = WAL"}) {
-    const std::string name = folder.file("new.db");
-    {
-      PlainSqlite other(name);
-      other.run("PRAGMA " + format +
-                "; CREATE TABLE own (n INTEGER); INSERT INTO own VALUES ('é');"
-                "PRAGMA schema_version = 1");
-    }
-    EXPECT_EQ(row(), "1");
-    fs::copy_file(path, folder.file("before.db"), fs::copy_options::overwrite_existing);
-    fs::rename(name, path);
-    for (int round = 0; round < 2; ++round) EXPECT_EQ(row(), "é") << format;
-    opened()->execute("Update own SET n = 'b'");
-    EXPECT_EQ(row(), "b") << format;
-    fs::copy_file(folder.file("before.db"), path, fs::copy_options::overwrite_existing);
-  }
-}
-
-// Files of the oldest format store an index in ascending order, whatever its definition says.
-TEST_F(tables_known_from_before, may_have_indexes_of_an_older_format) {
-  const auto fill = [](PlainSqlite& database) {
-    database.run(
-        "CREATE TABLE more (n INTEGER); CREATE INDEX falling ON more (n DESC);"
-        "INSERT INTO more VALUES (3), (4)");
-  };
-  PlainSqlite old(folder.file("old.db"));
-  sqlite3_db_config(old.get(), SQLITE_DBCONFIG_LEGACY_FILE_FORMAT, 1, nullptr);
-  old.run("CREATE TABLE own (n INTEGER)");
-  fill(old);
-  PlainSqlite now(path);
-  fill(now);
-  EXPECT_EQ(row("Select n from more ORDER BY n"), "3");
-  fs::copy_file(folder.file("old.db"), path, fs::copy_options::overwrite_existing);
-  EXPECT_EQ(row("Select n from more ORDER BY n"), "3");
-}
-
-TEST_F(tables_known_from_before, are_those_of_the_file_that_a_link_names_now) {
-  const std::string link = folder.file("link.db");
-  make(folder.file("other.db"), "n INTEGER", "2");
-  for (const char* n : {"1", "2", "1", "2"}) {
-    fs::remove(link);
-    fs::create_symlink(*n == '1' ? path : folder.file("other.db"), link);
-    const ConnectionPtr connection = sqliteConnection(link, {}, resting);
-    connection->open();
-    EXPECT_EQ(rowBy(*connection), n);
-  }
-}
-
-// Nothing else may open it then, or the connection would lose its locks.
-TEST_F(tables_known_from_before, belong_to_a_file_in_use_whatever_a_link_names_now) {
-  const std::string link = folder.file("link.db");
-  make(folder.file("other.db"), "n INTEGER", "2");
-  fs::create_symlink(path, link);
-  sqliteConnection(link, {}, resting)->open();
-  fs::remove(link);
-  fs::create_symlink(folder.file("other.db"), link);
-  const ConnectionPtr connection = opened();
-  EXPECT_TRUE(isOpenAsDatabase(path));
-  EXPECT_FALSE(isOpenAsDatabase(link));
-}
-
-TEST_F(tables_known_from_before, are_gone_with_a_file_that_something_else_replaces) {
-  EXPECT_EQ(row(), "1");
-  fs::remove(path);
-  fs::create_directory(path);
-  EXPECT_EQ(failureOf([&] { (void)opened(); }).number, 75);
-  fs::remove(path);
-  std::ofstream(path) << "no database";
-  EXPECT_EQ(failureOf([&] { (void)opened(); }).number, 321);
 }
 
 TEST_F(tables_known_from_before, leave_no_transaction_open) {
